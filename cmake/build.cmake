@@ -1,0 +1,47 @@
+# How every target of the project is compiled, in both builds.
+
+add_compile_options(-Wall -Wextra -Wshadow -Werror -ffp-contract=off)
+
+# <windows.h>, <winspool.h>, <winddi.h>: mingw-w64's own for the Windows build; natively the Windows headers of
+# Debian's libwine-dev with mingw's winddi.h put beside them.
+add_library(orvex_platform INTERFACE)
+target_include_directories(orvex_platform INTERFACE ${CMAKE_SOURCE_DIR})
+target_include_directories(orvex_platform SYSTEM INTERFACE ${CMAKE_SOURCE_DIR}/cmake/platform)
+if(WIN32)
+    add_link_options(-static)
+    target_compile_definitions(orvex_platform INTERFACE _WIN32_WINNT=0x0601)
+    target_link_libraries(orvex_platform INTERFACE winspool gdi32 shell32 shlwapi)
+else()
+    # UTF-16 text in both builds: every C++ source of the native build, GoogleTest included, agrees on a 2-byte wchar_t.
+    add_compile_options(-fshort-wchar)
+    set(winddi ${CMAKE_BINARY_DIR}/platform)
+    configure_file(/usr/share/mingw-w64/include/winddi.h ${winddi}/winddi.h COPYONLY)
+    target_include_directories(orvex_platform SYSTEM INTERFACE ${winddi} /usr/include/wine/wine/windows)
+    target_compile_definitions(orvex_platform INTERFACE WINE_UNICODE_NATIVE WINBOOL=BOOL)
+    if(ORVEX_SANITIZE)
+        add_compile_options(-fsanitize=${ORVEX_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+        add_link_options(-fsanitize=${ORVEX_SANITIZE})
+    endif()
+endif()
+
+# orvex_room(NAME LIBRARY...): one room of the driver, all its sources, as the library orvex_NAME. The driver neither
+# throws nor catches.
+function(orvex_room name)
+    file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/${name}/*.cpp)
+    add_library(orvex_${name} STATIC ${sources})
+    target_compile_options(orvex_${name} PRIVATE -fno-exceptions -fno-rtti)
+    target_link_libraries(orvex_${name} PUBLIC orvex_platform ${ARGN})
+    if(NOT WIN32)
+        target_link_libraries(orvex_${name} PUBLIC orvex_doubles)
+    endif()
+endfunction()
+
+# orvex_test(ROOM LIBRARY...): tests/ROOM/*_test.cpp as the GoogleTest program ROOM_tests, run by ctest in both builds.
+function(orvex_test room)
+    file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/${room}/*_test.cpp)
+    if(sources)
+        add_executable(${room}_tests ${sources})
+        target_link_libraries(${room}_tests PRIVATE ${ARGN} orvex_testing)
+        add_test(NAME ${room}_tests COMMAND ${room}_tests)
+    endif()
+endfunction()

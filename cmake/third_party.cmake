@@ -1,0 +1,27 @@
+# Libraries that are called, not written here. scripts/install-dependencies brings them to the machine.
+
+# LodePNG: the npm package of that name carries the upstream sources unaltered.
+set(lodepng_source ${CMAKE_SOURCE_DIR}/build/third_party/lodepng)
+execute_process(COMMAND ${CMAKE_SOURCE_DIR}/scripts/fetch-lodepng ${lodepng_source} COMMAND_ERROR_IS_FATAL ANY)
+add_library(lodepng STATIC ${lodepng_source}/lodepng.c)
+target_include_directories(lodepng SYSTEM PUBLIC ${lodepng_source})
+target_compile_options(lodepng PRIVATE -w)
+
+# Header-only libraries, offered through a folder of their own: the whole of the system's include folder would break
+# a cross build.
+add_library(orvex_headers INTERFACE)
+foreach(library CLI nlohmann stb)
+    file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/headers)
+    file(CREATE_LINK /usr/include/${library} ${CMAKE_BINARY_DIR}/headers/${library} SYMBOLIC)
+endforeach()
+target_include_directories(orvex_headers SYSTEM INTERFACE ${CMAKE_BINARY_DIR}/headers)
+
+# GoogleTest from Debian's source package, so that it is compiled with this build's own flags.
+set(INSTALL_GTEST OFF)
+set(gtest_force_shared_crt ON)
+add_subdirectory(/usr/src/googletest ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL)
+foreach(library gtest gtest_main gmock gmock_main)
+    target_compile_options(${library} PRIVATE -w)
+    get_target_property(includes ${library} INTERFACE_INCLUDE_DIRECTORIES)
+    set_target_properties(${library} PROPERTIES INTERFACE_SYSTEM_INCLUDE_DIRECTORIES "${includes}")
+endforeach()

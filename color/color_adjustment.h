@@ -1,0 +1,11 @@
+// The user's colour adjustment: tone, brightness, saturation and the weight of each ink.
+#pragma once
+
+#include <cstdint>
+
+// The seven values in the order that AdjustColors takes them.
+enum AdjustmentValue { kBrightness, kSaturation, kTone, kCyan, kMagenta, kYellow, kBlack, kAdjustmentValues };
+
+// Reshapes the 17-point grid of the colour cache by `values`, -100 to 100 each, clears every other entry and makes the
+// cache one of kind 5. Runs after the profile has been loaded.
+void AdjustColors(const int32_t (&values)[kAdjustmentValues]);
