@@ -1,0 +1,63 @@
+// The state of the running job. One job renders at a time in a process, on the thread that calls the hooks, so nothing
+// here is locked.
+#pragma once
+
+#include <cstdint>
+
+#include "driver/device_instance.h"
+#include "engine/hpcrlib.h"
+#include "support/platform.h"
+
+// The entry points of the print engine's library; null while none is bound.
+struct PrintEngine {
+    HPCRLIB_JobStartFunction HPCRLIB_JobStart;
+    HPCRLIB_JobEndFunction HPCRLIB_JobEnd;
+    HPCRLIB_PageStartFunction HPCRLIB_PageStart;
+    HPCRLIB_RasterBlockStartFunction HPCRLIB_RasterBlockStart;
+    HPCRLIB_RasterRowFunction HPCRLIB_RasterRow;
+    HPCRLIB_RasterBlockEndFunction HPCRLIB_RasterBlockEnd;
+    HPCRLIB_PageEndFunction HPCRLIB_PageEnd;
+};
+
+constexpr uint32_t kEngineSuccess = 1;
+
+// A change of the engine resolution that waits to be patched into the engine's output. The output callback acts while
+// both flags are set, and clears both; DrvStartPage clears `pending` only.
+struct ResolutionSwitch {
+    const char* sequence;  // the command to look for: ESC "*o0M" or ESC "*o-1M"
+    uint32_t length;       // of the sequence, 5 or 6 bytes
+    bool pending;
+    bool queued;
+};
+
+// The longest time in ms that each stage of a page took so far in the job. Only a new maximum is logged.
+struct StageMaxima {
+    uint32_t setup;
+    uint32_t reformat;
+    uint32_t convert;
+    uint32_t encode;
+    uint32_t spare;
+};
+
+constexpr signed char kHpresUnset = '0';  // what g_cHpres holds until a value has been set for the job
+constexpr size_t kMaxNarrowName = 512;    // bytes of a job's or profile's narrow name, terminator included
+
+extern PDEV* g_pCurrentPdev;  // instance of the running job; its address is the engine's callback context
+extern HMODULE g_hHpcrlib;    // the engine's library while bound, else null
+extern PrintEngine g_engine;
+extern uint64_t g_hJob;
+extern WCHAR g_wszSavedDirectory[MAX_PATH];  // current directory before the library was bound
+extern char g_szJobName[kMaxNarrowName];
+extern char g_szProfileName[kMaxNarrowName];
+extern int32_t g_nProfileKind;    // what the profile loader returned at job start
+extern signed char g_cHpres;      // the engine's resolution code
+extern uint32_t g_cxSurface;      // the page bitmap's size in pixels at job start
+extern uint32_t g_cySurface;
+extern uint32_t g_nPage;          // number of the current page, from 1
+extern bool g_bFirstChunk;        // the engine's first chunk is still to come
+extern bool g_bHeaderPending;     // the job header is still to be written
+extern uint32_t g_uMaxWriteCost;  // slowest write to the spooler so far in the process, microseconds per byte
+extern ResolutionSwitch g_resolutionSwitch;
+extern StageMaxima g_stageMaxima;
+extern char* g_pThumbnail;        // base64 text from malloc, until the header takes it or the page ends
+extern size_t g_cbThumbnail;      // its length, terminator not counted

@@ -1,0 +1,85 @@
+#include "driver/print_engine.h"
+
+#include <cstring>
+
+#include "driver/job_state.h"
+#include "support/installation.h"
+#include "support/log.h"
+#include "support/text.h"
+
+namespace {
+
+struct EntryPoint {
+    const char* name;
+    void* function;  // a member of g_engine
+};
+
+const EntryPoint kEntryPoints[] = {
+    {"HPCRLIB_JobStart", &g_engine.HPCRLIB_JobStart},
+    {"HPCRLIB_JobEnd", &g_engine.HPCRLIB_JobEnd},
+    {"HPCRLIB_PageStart", &g_engine.HPCRLIB_PageStart},
+    {"HPCRLIB_RasterBlockStart", &g_engine.HPCRLIB_RasterBlockStart},
+    {"HPCRLIB_RasterRow", &g_engine.HPCRLIB_RasterRow},
+    {"HPCRLIB_RasterBlockEnd", &g_engine.HPCRLIB_RasterBlockEnd},
+    {"HPCRLIB_PageEnd", &g_engine.HPCRLIB_PageEnd},
+};
+
+void RestoreDirectory() {
+    if (g_wszSavedDirectory[0] != 0) SetCurrentDirectoryW(g_wszSavedDirectory);
+}
+
+bool EnterInstallationFolder() {
+    const HeapArray<WCHAR> folder = GetInstallationFolder();
+    if (!folder) {
+        LogError("Error: could get app path");
+        return false;
+    }
+    const DWORD length = GetCurrentDirectoryW(MAX_PATH, g_wszSavedDirectory);
+    if (length >= MAX_PATH) g_wszSavedDirectory[0] = 0;
+    SetCurrentDirectoryW(folder.get());
+    return true;
+}
+
+bool ResolveEntryPoints() {
+    for (const EntryPoint& entry : kEntryPoints) {
+        const FARPROC function = GetProcAddress(g_hHpcrlib, entry.name);
+        if (function == nullptr) {
+            LogError("Error: could not get \"%s\" address", entry.name);
+            return false;
+        }
+        memcpy(entry.function, &function, sizeof function);
+    }
+    return true;
+}
+
+}  // namespace
+
+bool BindPrintEngine() {
+    if (!EnterInstallationFolder()) return false;
+    g_hHpcrlib = LoadLibraryW(L"hpcrlib.dll");
+    if (g_hHpcrlib == nullptr) {
+        LogError("Error: could not load hpcrlib.DLL");
+        RestoreDirectory();
+        return false;
+    }
+    if (ResolveEntryPoints()) return true;
+    UnbindPrintEngine();
+    return false;
+}
+
+void UnbindPrintEngine() {
+    if (g_hHpcrlib == nullptr) return;
+    FreeLibrary(g_hHpcrlib);
+    g_hHpcrlib = nullptr;
+    g_engine = {};
+    RestoreDirectory();
+}
+
+void EndEngineJob() {
+    if (g_hHpcrlib == nullptr) return;
+    const uint32_t result = g_engine.HPCRLIB_JobEnd(g_hJob);
+    if (result != kEngineSuccess) LogError("Error: could not end the job %x %x", result, g_hJob);
+    UnbindPrintEngine();
+    g_hJob = 0;
+    g_pCurrentPdev = nullptr;
+}

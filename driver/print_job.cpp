@@ -1,0 +1,152 @@
+// The hooks of a job: DrvStartDoc opens it, DrvStartPage begins each page, DrvEndDoc closes it.
+
+#include <cstdio>
+
+#include "color/color_adjustment.h"
+#include "color/profile_file.h"
+#include "driver/job_output.h"
+#include "driver/job_state.h"
+#include "driver/print_engine.h"
+#include "support/installation.h"
+#include "support/log.h"
+#include "support/text.h"
+
+namespace {
+
+constexpr ULONG kPaperWhite = 0xFFFFFF;
+constexpr uint32_t kProfilesFolderLength = 9;  // of "profiles\"
+
+void ErasePage(SURFOBJ* surface) {
+    RECTL page = {0, 0, surface->sizlBitmap.cx, surface->sizlBitmap.cy};
+    EngEraseSurface(surface, &page, kPaperWhite);
+}
+
+// An instance that DrvResetPDEV made inside a running job takes that job over; the engine, the profile and the header
+// go on as they are.
+void ContinueJob(PDEV* pdev) {
+    if (g_pCurrentPdev == pdev) return;
+    LogInfo("pdev: %x<-%x", g_pCurrentPdev, pdev);
+    g_pCurrentPdev = pdev;
+}
+
+int32_t ResolutionMode(int16_t dpi) {
+    switch (dpi) {
+        case 600:
+            return kResolution600;
+        case 300:
+            return kResolution300;
+        default:
+            return kResolutionOther;
+    }
+}
+
+bool StartEngineJob(PDEV* pdev, const SURFOBJ* surface, int32_t resolutionMode) {
+    g_pCurrentPdev = pdev;
+    g_cxSurface = static_cast<uint32_t>(surface->sizlBitmap.cx);
+    g_cySurface = static_cast<uint32_t>(surface->sizlBitmap.cy);
+    g_hJob = g_engine.HPCRLIB_JobStart(&JobOutputCallback, &g_pCurrentPdev, static_cast<uint32_t>(resolutionMode), 0);
+    if (g_hJob != 0) return true;
+    LogError("Error: could not start a job");
+    UnbindPrintEngine();
+    g_pCurrentPdev = nullptr;
+    return false;
+}
+
+void LoadJobProfile(const PrivateDevMode& settings, int32_t resolutionMode) {
+    char name[kMaxNarrowName] = {};
+    char path[kProfilesFolderLength + kMaxNarrowName];
+    const WideView profile = FieldText(settings.colorProfile);
+    if (profile.size == 0) {
+        LogInfo("Load deafult profile");
+    } else {
+        NarrowText(name, sizeof name, profile);
+        LogInfo("Load profile [%S]", profile);
+        snprintf(path, sizeof path, "%s%s", "profiles\\", name);
+    }
+    g_cHpres = kHpresUnset;
+    g_nProfileKind =
+        zvc_load_profile(profile.size == 0 ? nullptr : path, resolutionMode, &g_cHpres, name, sizeof name);
+    CopyText(g_szProfileName, FieldText(name));
+}
+
+void AdjustJobColors(const PrivateDevMode& settings) {
+    const int32_t values[kAdjustmentValues] = {
+        settings.adj_brightness, settings.adj_saturation, settings.adj_colortone, settings.adj_cyan,
+        settings.adj_magenta,    settings.adj_yellow,     settings.adj_black,
+    };
+    bool adjusted = false;
+    for (const int32_t value : values) adjusted |= value != 0;
+    if (!adjusted) return;
+    LogError("ca t:%d,b:%d,s:%d,C:%d,M:%d,Y:%d,K:%d\n", values[kTone], values[kBrightness], values[kSaturation],
+             values[kCyan], values[kMagenta], values[kYellow], values[kBlack]);
+    AdjustColors(values);
+}
+
+bool StartNewJob(PDEV* pdev, const SURFOBJ* surface, const WCHAR* documentName) {
+    EndEngineJob();  // a job that was never ended would keep its library and the current directory
+    pdev->pageCount = 0;
+    NarrowText(g_szJobName, sizeof g_szJobName, {documentName, TextLength(documentName)});
+    pdev->flags |= PDEV_IN_JOB;
+    g_nPage = 0;
+    g_resolutionSwitch = {};
+
+    if (!BindPrintEngine()) return false;
+    const int32_t resolutionMode = ResolutionMode(GetDeviceResolution(pdev));
+    if (!StartEngineJob(pdev, surface, resolutionMode)) return false;
+    LoadJobProfile(pdev->devmode.priv, resolutionMode);
+    AdjustJobColors(pdev->devmode.priv);
+    g_bFirstChunk = true;
+    g_bHeaderPending = true;
+    return true;
+}
+
+}  // namespace
+
+extern "C" BOOL APIENTRY DrvStartDoc(SURFOBJ* pso, LPWSTR pwszDocName, DWORD dwJobId) {
+    LoadLogMask();
+    const TraceScope trace("DrvStartDoc");
+    PDEV* pdev = RequireInstance(pso);
+    if (pdev == nullptr) return trace.Bool(FALSE);
+
+    DumpDevMode(&pdev->devmode.pub);
+    HeapArray<WCHAR> driverName = GetPrinterDriverName(pdev->hPrinter);
+    ErasePage(pso);
+    LogInfo("JobId:%d docname:%S %d %d", dwJobId, static_cast<const WCHAR*>(pwszDocName), pdev->flags & PDEV_RESET,
+            pdev->flags & PDEV_IN_JOB);
+
+    bool started = true;
+    if ((pdev->flags & PDEV_RESET) && (pdev->flags & PDEV_IN_JOB)) {
+        ContinueJob(pdev);
+    } else {
+        started = StartNewJob(pdev, pso, pwszDocName);
+    }
+    driverName.reset();
+    DumpDevMode(&pdev->devmode.pub);
+    return trace.Bool(started);
+}
+
+extern "C" BOOL APIENTRY DrvStartPage(SURFOBJ* pso) {
+    const TraceScope trace("DrvStartPage");
+    ++g_nPage;
+    LogInfo("Page: %d", g_nPage);
+    const PDEV* pdev = RequireInstance(pso);
+    if (pdev == nullptr) return trace.Bool(FALSE);
+    if (pdev->flags & PDEV_NO_MORE_PAGES) return trace.Bool(FALSE);
+
+    const HeapArray<WCHAR> driverName = GetPrinterDriverName(pdev->hPrinter);
+    DumpDevMode(&pdev->devmode.pub);
+    ErasePage(pso);
+    g_resolutionSwitch.pending = false;
+    return trace.Bool(TRUE);
+}
+
+extern "C" BOOL APIENTRY DrvEndDoc(SURFOBJ* pso, FLONG fl) {
+    (void)fl;
+    const TraceScope trace("DrvEndDoc");
+    EndEngineJob();  // in any case, even for an invalid instance
+    PDEV* pdev = RequireInstance(pso);
+    if (pdev == nullptr) return trace.Bool(FALSE);
+    const HeapArray<WCHAR> driverName = GetPrinterDriverName(pdev->hPrinter);
+    pdev->flags &= ~static_cast<uint32_t>(PDEV_RESET | PDEV_IN_JOB);
+    return trace.Bool(TRUE);
+}
