@@ -7,6 +7,6 @@
 // Copies the device's GDIINFO, `cjCaps` bytes at most.
 void FillPDevCaps(const PDEV* pdev, ULONG cjCaps, GDIINFO* pGdiInfo);
 
-// Copies the device's DEVINFO, `cjDevInfo` bytes at most, with a palette that it makes. FALSE, and nothing copied, when
-// the palette can't be made.
+// Copies the device's DEVINFO, `cjDevInfo` bytes at most, with a palette that it makes. FALSE, and nothing
+// copied, when the palette can't be made.
 BOOL FillPDevInfo(const PDEV* pdev, ULONG cjDevInfo, DEVINFO* pDevInfo);

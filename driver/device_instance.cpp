@@ -43,8 +43,8 @@ struct LocalFreeDeleter {
 };
 using OwnedInstance = std::unique_ptr<PDEV, LocalFreeDeleter>;
 
-// A public paper size that is a label of the printer's list, but not the one that the private part describes, has its
-// width and length looked up in the list. The last entry of that number wins.
+// A public paper size that is a label of the printer's list, but not the one that the private part describes,
+// has its width and length looked up in the list. The last entry of that number wins.
 void TakeCustomLabelSize(PDEV* pdev) {
     DEVMODEW& pub = pdev->devmode.pub;
     if (pub.dmPaperSize < kPaperDefault || pub.dmPaperSize == pdev->devmode.priv.dmPaperSize) return;
@@ -100,9 +100,10 @@ void CarryCopyCount(const PDEV& old, PDEV& fresh) {
 
 }  // namespace
 
-extern "C" DHPDEV APIENTRY DrvEnablePDEV(DEVMODEW* pdm, LPWSTR pwszLogAddress, ULONG cPat, HSURF* phsurfPatterns,
-                                         ULONG cjCaps, ULONG* pdevcaps, ULONG cjDevInfo, DEVINFO* pdi, HDEV hdev,
-                                         LPWSTR pwszDeviceName, HANDLE hDriver) {
+extern "C" DHPDEV APIENTRY DrvEnablePDEV(DEVMODEW* pdm, LPWSTR pwszLogAddress, ULONG cPat,
+                                         HSURF* phsurfPatterns, ULONG cjCaps, ULONG* pdevcaps,
+                                         ULONG cjDevInfo, DEVINFO* pdi, HDEV hdev, LPWSTR pwszDeviceName,
+                                         HANDLE hDriver) {
     (void)pwszLogAddress, (void)hdev;
     const TraceScope trace("DrvEnablePDEV");
     const auto fail = [&trace] { return reinterpret_cast<DHPDEV>(trace.Pointer<PDEV>(nullptr)); };
@@ -131,7 +132,8 @@ extern "C" void APIENTRY DrvDisablePDEV(DHPDEV dhpdev) {
     if (PDEV* pdev = RequireInstance(dhpdev)) LocalFree(pdev);
 }
 
-// The page size is deliberately the old instance's: a reset in the middle of a job never changes the page geometry.
+// The page size is deliberately the old instance's: a reset in the middle of a job never changes the page
+// geometry.
 extern "C" BOOL APIENTRY DrvResetPDEV(DHPDEV dhpdevOld, DHPDEV dhpdevNew) {
     const TraceScope trace("DrvResetPDEV");
     const PDEV* old = RequireInstance(dhpdevOld);

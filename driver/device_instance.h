@@ -28,8 +28,8 @@ struct PDEV {
     HDEV hdev;
     HSURF hSurface;  // the page bitmap, or null
     uint32_t flags;
-    int32_t cCopies;      // copy count carried across a reset; kNoCarriedCopies = none
-    int16_t orientation;  // dmOrientation
+    int32_t cCopies;        // copy count carried across a reset; kNoCarriedCopies = none
+    int16_t orientation;    // dmOrientation
     uint32_t dwPageWidth;   // 0.1 mm, after orientation
     uint32_t dwPageLength;  // 0.1 mm, after orientation
     uint32_t pageCount;     // pages sent in the job
@@ -49,5 +49,6 @@ PDEV* RequireInstance(const SURFOBJ* surface);
 // The device resolution in dots per inch: dmPrintQuality when it is 600 or 300, else 300.
 int16_t GetDeviceResolution(const PDEV* pdev);
 
-// A length in 0.1 mm as a count of pixels at `dpi`, rounded to nearest: the page bitmap and GDIINFO agree on it.
+// A length in 0.1 mm as a count of pixels at `dpi`, rounded to nearest: the page bitmap and GDIINFO agree on
+// it.
 uint32_t PixelCount(int16_t dpi, uint32_t lengthTenthsMm);

@@ -11,7 +11,7 @@ constexpr ULONG kDriverVersion = 0x30000;
 
 template <typename Hook>
 PFN AsHook(Hook hook) {
-    return reinterpret_cast<PFN>(hook);
+    return reinterpret_cast<PFN>(reinterpret_cast<void*>(hook));
 }
 
 const DRVFN* HookTable(ULONG* count) {

@@ -9,7 +9,8 @@
 bool WriteToPrinter(HANDLE printer, std::string_view bytes) {
     if (bytes.empty()) return true;
     DWORD written = 0;
-    return WritePrinter(printer, const_cast<char*>(bytes.data()), static_cast<DWORD>(bytes.size()), &written) != FALSE;
+    return WritePrinter(printer, const_cast<char*>(bytes.data()), static_cast<DWORD>(bytes.size()),
+                        &written) != FALSE;
 }
 
 namespace {
@@ -26,8 +27,8 @@ bool IsFraming(std::string_view chunk) {
     return sum % 256 == 0;
 }
 
-// Writes what stands before "@PJL COMMENT", and the job header, and moves `rest` to that line. A chunk without it is
-// left alone.
+// Writes what stands before "@PJL COMMENT", and the job header, and moves `rest` to that line. A chunk
+// without it is left alone.
 bool InsertHeader(const PDEV& pdev, std::string_view& rest) {
     const std::string_view text = rest.substr(0, rest.find('\0'));
     const size_t comment = text.find("@PJL COMMENT");
@@ -39,8 +40,8 @@ bool InsertHeader(const PDEV& pdev, std::string_view& rest) {
     return true;
 }
 
-// Replaces the value in the resolution command, ESC "*o" value "M", that the send loop waits for, and moves `rest`
-// behind it. A command that does not lie wholly in this chunk is not seen.
+// Replaces the value in the resolution command, ESC "*o" value "M", that the send loop waits for, and moves
+// `rest` behind it. A command that does not lie wholly in this chunk is not seen.
 bool PatchResolution(HANDLE printer, std::string_view& rest) {
     constexpr size_t kBeforeValue = 3;  // ESC "*o"
     constexpr size_t kAfterValue = 1;   // "M"
@@ -85,6 +86,7 @@ int32_t HPCRLIB_CALL JobOutputCallback(const uint8_t* data, uint32_t length, voi
         g_bFirstChunk = false;
     }
     if (g_bHeaderPending && !InsertHeader(*pdev, rest)) return 0;
-    if (g_resolutionSwitch.pending && g_resolutionSwitch.queued && !PatchResolution(pdev->hPrinter, rest)) return 0;
+    if (g_resolutionSwitch.pending && g_resolutionSwitch.queued && !PatchResolution(pdev->hPrinter, rest))
+        return 0;
     return WriteTimed(pdev->hPrinter, rest, length) ? 1 : 0;
 }

@@ -1,5 +1,5 @@
-// The state of the running job. One job renders at a time in a process, on the thread that calls the hooks, so nothing
-// here is locked.
+// The state of the running job. One job renders at a time in a process, on the thread that calls the hooks,
+// so nothing here is locked.
 #pragma once
 
 #include <cstdint>
@@ -21,8 +21,8 @@ struct PrintEngine {
 
 constexpr uint32_t kEngineSuccess = 1;
 
-// A change of the engine resolution that waits to be patched into the engine's output. The output callback acts while
-// both flags are set, and clears both; DrvStartPage clears `pending` only.
+// A change of the engine resolution that waits to be patched into the engine's output. The output callback
+// acts while both flags are set, and clears both; DrvStartPage clears `pending` only.
 struct ResolutionSwitch {
     const char* sequence;  // the command to look for: ESC "*o0M" or ESC "*o-1M"
     uint32_t length;       // of the sequence, 5 or 6 bytes
@@ -49,9 +49,9 @@ extern uint64_t g_hJob;
 extern WCHAR g_wszSavedDirectory[MAX_PATH];  // current directory before the library was bound
 extern char g_szJobName[kMaxNarrowName];
 extern char g_szProfileName[kMaxNarrowName];
-extern int32_t g_nProfileKind;    // what the profile loader returned at job start
-extern signed char g_cHpres;      // the engine's resolution code
-extern uint32_t g_cxSurface;      // the page bitmap's size in pixels at job start
+extern int32_t g_nProfileKind;  // what the profile loader returned at job start
+extern signed char g_cHpres;    // the engine's resolution code
+extern uint32_t g_cxSurface;    // the page bitmap's size in pixels at job start
 extern uint32_t g_cySurface;
 extern uint32_t g_nPage;          // number of the current page, from 1
 extern bool g_bFirstChunk;        // the engine's first chunk is still to come
@@ -59,5 +59,5 @@ extern bool g_bHeaderPending;     // the job header is still to be written
 extern uint32_t g_uMaxWriteCost;  // slowest write to the spooler so far in the process, microseconds per byte
 extern ResolutionSwitch g_resolutionSwitch;
 extern StageMaxima g_stageMaxima;
-extern char* g_pThumbnail;        // base64 text from malloc, until the header takes it or the page ends
-extern size_t g_cbThumbnail;      // its length, terminator not counted
+extern char* g_pThumbnail;    // base64 text from malloc, until the header takes it or the page ends
+extern size_t g_cbThumbnail;  // its length, terminator not counted

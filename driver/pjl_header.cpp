@@ -12,14 +12,20 @@ namespace {
 
 constexpr int32_t kUnchunkedPages = 10000;
 
-const DEVMODEW& Pub(const PDEV& pdev) { return pdev.devmode.pub; }
-const PrivateDevMode& Priv(const PDEV& pdev) { return pdev.devmode.priv; }
+const DEVMODEW& Pub(const PDEV& pdev) {
+    return pdev.devmode.pub;
+}
+const PrivateDevMode& Priv(const PDEV& pdev) {
+    return pdev.devmode.priv;
+}
 
 int32_t ChunkPages(const PDEV& pdev) {
     return Priv(pdev).chunkActive != 0 ? Priv(pdev).chunksize : kUnchunkedPages;
 }
 
-bool ShowsChunks() { return LookupFlag("[UI]", "Show_Chunked=") != 0; }
+bool ShowsChunks() {
+    return LookupFlag("[UI]", "Show_Chunked=") != 0;
+}
 
 struct HeaderLine {
     const char* format;

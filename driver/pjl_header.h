@@ -3,6 +3,6 @@
 
 #include "driver/device_instance.h"
 
-// Writes the header's lines, and the waiting thumbnail, which is then freed. FALSE when a write that counts failed: any
-// numeric line at once, and whatever was written last.
+// Writes the header's lines, and the waiting thumbnail, which is then freed. FALSE when a write that counts
+// failed: any numeric line at once, and whatever was written last.
 bool WriteJobHeader(const PDEV& pdev);

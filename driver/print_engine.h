@@ -3,13 +3,14 @@
 
 #include "support/platform.h"
 
-// Makes the installation folder current, which it stays until the job ends, loads hpcrlib.dll and resolves its seven
-// entry points into g_engine. On failure the reason is logged, nothing stays loaded and the current directory is what
-// it was.
+// Makes the installation folder current, which it stays until the job ends, loads hpcrlib.dll and resolves
+// its seven entry points into g_engine. On failure the reason is logged, nothing stays loaded and the current
+// directory is what it was.
 bool BindPrintEngine();
 
 // Unloads the library and restores the current directory. Does nothing while no library is bound.
 void UnbindPrintEngine();
 
-// Ends the engine's job and unbinds its library; a failure of the engine is logged. Does nothing while none is bound.
+// Ends the engine's job and unbinds its library; a failure of the engine is logged. Does nothing while none
+// is bound.
 void EndEngineJob();

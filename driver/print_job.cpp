@@ -21,8 +21,8 @@ void ErasePage(SURFOBJ* surface) {
     EngEraseSurface(surface, &page, kPaperWhite);
 }
 
-// An instance that DrvResetPDEV made inside a running job takes that job over; the engine, the profile and the header
-// go on as they are.
+// An instance that DrvResetPDEV made inside a running job takes that job over; the engine, the profile and
+// the header go on as they are.
 void ContinueJob(PDEV* pdev) {
     if (g_pCurrentPdev == pdev) return;
     LogInfo("pdev: %x<-%x", g_pCurrentPdev, pdev);
@@ -44,7 +44,8 @@ bool StartEngineJob(PDEV* pdev, const SURFOBJ* surface, int32_t resolutionMode) 
     g_pCurrentPdev = pdev;
     g_cxSurface = static_cast<uint32_t>(surface->sizlBitmap.cx);
     g_cySurface = static_cast<uint32_t>(surface->sizlBitmap.cy);
-    g_hJob = g_engine.HPCRLIB_JobStart(&JobOutputCallback, &g_pCurrentPdev, static_cast<uint32_t>(resolutionMode), 0);
+    g_hJob = g_engine.HPCRLIB_JobStart(&JobOutputCallback, &g_pCurrentPdev,
+                                       static_cast<uint32_t>(resolutionMode), 0);
     if (g_hJob != 0) return true;
     LogError("Error: could not start a job");
     UnbindPrintEngine();
@@ -77,8 +78,8 @@ void AdjustJobColors(const PrivateDevMode& settings) {
     bool adjusted = false;
     for (const int32_t value : values) adjusted |= value != 0;
     if (!adjusted) return;
-    LogError("ca t:%d,b:%d,s:%d,C:%d,M:%d,Y:%d,K:%d\n", values[kTone], values[kBrightness], values[kSaturation],
-             values[kCyan], values[kMagenta], values[kYellow], values[kBlack]);
+    LogError("ca t:%d,b:%d,s:%d,C:%d,M:%d,Y:%d,K:%d\n", values[kTone], values[kBrightness],
+             values[kSaturation], values[kCyan], values[kMagenta], values[kYellow], values[kBlack]);
     AdjustColors(values);
 }
 
@@ -111,8 +112,8 @@ extern "C" BOOL APIENTRY DrvStartDoc(SURFOBJ* pso, LPWSTR pwszDocName, DWORD dwJ
     DumpDevMode(&pdev->devmode.pub);
     HeapArray<WCHAR> driverName = GetPrinterDriverName(pdev->hPrinter);
     ErasePage(pso);
-    LogInfo("JobId:%d docname:%S %d %d", dwJobId, static_cast<const WCHAR*>(pwszDocName), pdev->flags & PDEV_RESET,
-            pdev->flags & PDEV_IN_JOB);
+    LogInfo("JobId:%d docname:%S %d %d", dwJobId, static_cast<const WCHAR*>(pwszDocName),
+            pdev->flags & PDEV_RESET, pdev->flags & PDEV_IN_JOB);
 
     bool started = true;
     if ((pdev->flags & PDEV_RESET) && (pdev->flags & PDEV_IN_JOB)) {

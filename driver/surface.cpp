@@ -1,5 +1,5 @@
-// The page bitmap: one engine-managed 32-bpp bitmap for each device instance, as large as the page, drawn into by the
-// graphics engine alone.
+// The page bitmap: one engine-managed 32-bpp bitmap for each device instance, as large as the page, drawn
+// into by the graphics engine alone.
 
 #include "driver/device_instance.h"
 #include "support/log.h"

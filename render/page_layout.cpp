@@ -5,16 +5,20 @@
 namespace {
 
 constexpr int32_t kUnitsPerInch = 7200;
-constexpr int32_t kPageMarginUnits = 2400;     // the engine's page is a third of an inch larger than the image
-constexpr int32_t kFullPageUnits = 86616;      // 12.03 inches
+constexpr int32_t kPageMarginUnits = 2400;  // the engine's page is a third of an inch larger than the image
+constexpr int32_t kFullPageUnits = 86616;   // 12.03 inches
 constexpr double kMmPerInch = 25.4;
 
 enum : int16_t { kFarEnd = 0, kCentre = 1, kNearEnd = 2 };
 
 // Sums and products are formed in 64 bits and wrap to 32.
-int32_t Wrap(int64_t value) { return static_cast<int32_t>(value); }
+int32_t Wrap(int64_t value) {
+    return static_cast<int32_t>(value);
+}
 
-int32_t PrintHeadOffsetPx(int16_t tenthsMm, int16_t dpi) { return (tenthsMm * dpi + 127) / -254; }
+int32_t PrintHeadOffsetPx(int16_t tenthsMm, int16_t dpi) {
+    return (tenthsMm * dpi + 127) / -254;
+}
 
 void AddPurgeBar(const PageLayoutInput& input, PageLayout& layout) {
     layout.rowWidth = layout.imageWidth;
@@ -78,7 +82,8 @@ void ApplyOffsetToFill(int16_t alignment, PageLayout& layout) {
         layout.offsetEffect = OffsetEffect::FullLeftAligned;
         layout.offsetAmount = moved;
     } else {
-        // Both ends grow by the same signed amount, deliberately: the block changes its length by twice the offset.
+        // Both ends grow by the same signed amount, deliberately: the block changes its length by twice the
+        // offset.
         place.fullTop = Wrap(int64_t{place.fullTop} + offset);
         place.fullBottom = Wrap(int64_t{place.fullBottom} + offset);
         layout.offsetEffect = OffsetEffect::FullCentred;
@@ -99,8 +104,8 @@ void ApplyOffsetToBlock(int16_t alignment, PageLayout& layout) {
             int64_t{place.topOff} + offset, int64_t{HeadWidthPx(layout.dpi)} - layout.rows));
         layout.offsetEffect = OffsetEffect::LeftAligned;
     } else {
-        // The engine's page grows by twice the offset in either direction, but the image moves only for a positive one:
-        // deliberate.
+        // The engine's page grows by twice the offset in either direction, but the image moves only for a
+        // positive one: deliberate.
         const int32_t magnitude = offset < 0 ? -offset : offset;
         const int32_t grown = static_cast<int32_t>(std::min<int64_t>(
             int64_t{magnitude} * layout.unit * 2, int64_t{kFullPageUnits} - layout.pageLengthUnits));
@@ -138,7 +143,8 @@ PageLayout ComputePageLayout(const PageLayoutInput& input) {
     Align(input.alignment, layout);
     layout.placed = layout.aligned;
     if (layout.phOffsetPx != 0) {
-        layout.fullWidth ? ApplyOffsetToFill(input.alignment, layout) : ApplyOffsetToBlock(input.alignment, layout);
+        layout.fullWidth ? ApplyOffsetToFill(input.alignment, layout)
+                         : ApplyOffsetToBlock(input.alignment, layout);
     }
     return layout;
 }

@@ -36,8 +36,9 @@ const char* ControlFilePath() {
 
 // Opens the log for appending, at its end. A link planted in its place is opened itself, not followed.
 HANDLE OpenForAppending(const char* path) {
-    return CreateFileA(path, FILE_APPEND_DATA | SYNCHRONIZE, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                       nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT, nullptr);
+    return CreateFileA(path, FILE_APPEND_DATA | SYNCHRONIZE,
+                       FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_ALWAYS,
+                       FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT, nullptr);
 }
 
 // Gathers one line in a small buffer and appends it to the log.
@@ -99,10 +100,10 @@ void MoveLogToBackup(const char* path) {
     MoveFileA(path, backup.get());
 }
 
-void WriteLine(HANDLE file, const SYSTEMTIME& time, LogLevel level, const char* format, const LogArgument* arguments,
-               size_t count) {
+void WriteLine(HANDLE file, const SYSTEMTIME& time, LogLevel level, const char* format,
+               const LogArgument* arguments, size_t count) {
     LineWriter line(file);
-    const LogArgument stamp[] = {time.wYear,   time.wMonth,  time.wDay,           time.wHour,
+    const LogArgument stamp[] = {time.wYear,   time.wMonth,  time.wDay,          time.wHour,
                                  time.wMinute, time.wSecond, time.wMilliseconds, GetCurrentThreadId()};
     FormatLogText(line, "[%d-%02d-%02d %02d:%02d:%02d.%03d] [TID: %d] ", stamp, std::size(stamp));
     line.Append(LevelTag(level));
@@ -118,8 +119,8 @@ void LoadLogMask() {
     logMask = 0;
     const char* path = ControlFilePath();
     if (path == nullptr) return;
-    OwnedHandle file(CreateFileA(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING,
-                                 FILE_ATTRIBUTE_NORMAL, nullptr));
+    OwnedHandle file(CreateFileA(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                 OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
     if (!file) return;
     char text[64] = {};
     DWORD length = 0;
@@ -132,7 +133,8 @@ HeapArray<char> GetLogPath() {
     char module[kMaxModulePath] = {};
     SetLastError(ERROR_SUCCESS);
     const DWORD length = GetModuleFileNameA(g_hModule, module, sizeof module);
-    if (GetLastError() != ERROR_SUCCESS || length <= kExtensionLetters || length >= sizeof module) return nullptr;
+    if (GetLastError() != ERROR_SUCCESS || length <= kExtensionLetters || length >= sizeof module)
+        return nullptr;
     memcpy(module + length - kExtensionLetters, "txt", kExtensionLetters);
     const char* name = strrchr(module, '\\');
     if (name == nullptr) return nullptr;
@@ -188,6 +190,7 @@ void WriteLogLine(LogLevel level, const char* format, const LogArgument* argumen
     }
     WriteLine(file, time, level, format, arguments, count);
     CloseHandle(file);
-    // Deliberate: the handle is closed without a release, which ends the ownership when no other writer waits.
+    // Deliberate: the handle is closed without a release, which ends the ownership when no other writer
+    // waits.
     CloseHandle(mutex);
 }

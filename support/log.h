@@ -1,8 +1,8 @@
-// The diagnostic log: a text file in c:\temp that every process with the driver loaded appends to, one line at a time,
-// under one named mutex. Logging is off unless a control file beside the log says otherwise.
+// The diagnostic log: a text file in c:\temp that every process with the driver loaded appends to, one line
+// at a time, under one named mutex. Logging is off unless a control file beside the log says otherwise.
 //
-// The log of orvexgdi.dll is c:\temp\orvexgdi.txt; its control file is c:\temp\orvexgdi.dat, which holds the mask as a
-// decimal number. A log past 100 MiB becomes backup orvexgdi.1.txt, and older backups move up to 9.
+// The log of orvexgdi.dll is c:\temp\orvexgdi.txt; its control file is c:\temp\orvexgdi.dat, which holds the
+// mask as a decimal number. A log past 100 MiB becomes backup orvexgdi.1.txt, and older backups move up to 9.
 #pragma once
 
 #include <cstdint>
@@ -24,12 +24,12 @@ void LoadLogMask();
 // A new copy of the log's path, or null when the module's file name can't be had.
 HeapArray<char> GetLogPath();
 
-// Makes room for a new backup `name`, which ends in a dot, one digit, a dot and an extension: moves it, and every
-// higher-numbered one in its way, up by one digit; number 9 is deleted.
+// Makes room for a new backup `name`, which ends in a dot, one digit, a dot and an extension: moves it, and
+// every higher-numbered one in its way, up by one digit; number 9 is deleted.
 void RotateLogFile(const char* name);
 
-// Appends one line to the log: time, thread, level and the formatted message. Whatever fails on the way loses the line
-// and is reported to nobody. A level beyond Trace writes no tag.
+// Appends one line to the log: time, thread, level and the formatted message. Whatever fails on the way loses
+// the line and is reported to nobody. A level beyond Trace writes no tag.
 void WriteLogLine(LogLevel level, const char* format, const LogArgument* arguments, size_t count);
 
 template <typename... Arguments>

@@ -21,7 +21,8 @@ constexpr int kMaxField = 512;  // wider fields than any message of the driver a
 // Reads digits at `cursor` and moves behind them.
 int ReadNumber(const char*& cursor) {
     int value = 0;
-    for (; *cursor >= '0' && *cursor <= '9'; ++cursor) value = std::min(value * 10 + (*cursor - '0'), kMaxField);
+    for (; *cursor >= '0' && *cursor <= '9'; ++cursor)
+        value = std::min(value * 10 + (*cursor - '0'), kMaxField);
     return value;
 }
 

@@ -1,5 +1,5 @@
-// printf-style formatting of log messages with arguments that know their own type, so that a wrong conversion can't
-// read past the arguments, and so that both builds read "%ld" and "%S" alike.
+// printf-style formatting of log messages with arguments that know their own type, so that a wrong conversion
+// can't read past the arguments, and so that both builds read "%ld" and "%S" alike.
 #pragma once
 
 #include <cstddef>
@@ -13,8 +13,8 @@ struct LogArgument {
     enum class Kind { Integer, Number, Text, WideText };
 
     template <typename T>
-        requires std::is_integral_v<T> || std::is_enum_v<T>
-    LogArgument(T value) : kind(Kind::Integer), integer(static_cast<int64_t>(value)) {}
+    requires std::is_integral_v<T> || std::is_enum_v<T> LogArgument(T value)
+        : kind(Kind::Integer), integer(static_cast<int64_t>(value)) {}
     LogArgument(double value) : kind(Kind::Number), number(value) {}
     LogArgument(std::string_view value) : kind(Kind::Text), text(value) {}
     LogArgument(const char* value)
@@ -43,7 +43,7 @@ class TextSink {
     ~TextSink() = default;
 };
 
-// Formats as printf does, with the widths of Windows: integers are 32 bits wide unless the conversion says "ll", "I64"
-// or "z" or is "%p", which shows 16 hexadecimal digits. "%S" takes wide text and writes UTF-8. An argument of another
-// kind than its conversion's, or a missing one, shows as "?".
+// Formats as printf does, with the widths of Windows: integers are 32 bits wide unless the conversion says
+// "ll", "I64" or "z" or is "%p", which shows 16 hexadecimal digits. "%S" takes wide text and writes UTF-8. An
+// argument of another kind than its conversion's, or a missing one, shows as "?".
 void FormatLogText(TextSink& sink, const char* format, const LogArgument* arguments, size_t count);

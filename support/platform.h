@@ -5,11 +5,14 @@
 #define NOMINMAX
 #endif
 
+// <windows.h> goes first: the others rely on it.
+// clang-format off
 #include <windows.h>
 #include <winspool.h>
 #include <winddi.h>
 #include <shlobj.h>
 #include <shlwapi.h>
+// clang-format on
 
 // The records that cross the driver's boundary must have the layout that the graphics engine was built with.
 static_assert(sizeof(WCHAR) == 2);

@@ -36,7 +36,9 @@ void CopyBounded(Character* destination, size_t capacity, const Character* sourc
 }
 
 // The conversion functions count in signed 32-bit numbers.
-int ClampedLength(size_t length) { return static_cast<int>(std::min<size_t>(length, INT_MAX / 4)); }
+int ClampedLength(size_t length) {
+    return static_cast<int>(std::min<size_t>(length, INT_MAX / 4));
+}
 
 }  // namespace
 
@@ -52,8 +54,8 @@ size_t NarrowText(char* destination, size_t capacity, WideView source) {
     if (capacity == 0) return 0;
     size_t used = 0;
     for (size_t i = 0; i < source.size;) {
-        const bool pair = IS_HIGH_SURROGATE(source.data[i]) && i + 1 < source.size &&
-                          IS_LOW_SURROGATE(source.data[i + 1]);
+        const bool pair =
+            IS_HIGH_SURROGATE(source.data[i]) && i + 1 < source.size && IS_LOW_SURROGATE(source.data[i + 1]);
         const int units = pair ? 2 : 1;
         char character[8];
         const int bytes = WideCharToMultiByte(CP_ACP, 0, source.data + i, units, character,
@@ -69,7 +71,8 @@ size_t NarrowText(char* destination, size_t capacity, WideView source) {
 
 size_t WidenText(WCHAR* destination, size_t capacity, std::string_view source) {
     if (capacity == 0) return 0;
-    // A narrow character never becomes more wide ones than it has bytes, so this much of the source surely fits.
+    // A narrow character never becomes more wide ones than it has bytes, so this much of the source surely
+    // fits.
     const int length = ClampedLength(std::min(source.size(), capacity - 1));
     const int written = length == 0 ? 0
                                     : MultiByteToWideChar(CP_ACP, 0, source.data(), length, destination,

@@ -1,5 +1,5 @@
-// Bounded copies, comparisons and conversions of narrow and wide text. Wide text is UTF-16; the C library's wide
-// functions are not used, since a native build's expect another width.
+// Bounded copies, comparisons and conversions of narrow and wide text. Wide text is UTF-16; the C library's
+// wide functions are not used, since a native build's expect another width.
 #pragma once
 
 #include <cstddef>
@@ -45,8 +45,9 @@ void CopyText(WCHAR (&destination)[N], WideView source) {
     CopyText(destination, N, source);
 }
 
-// Converts wide text to the narrow code page, cut at a whole character so that it fits into `capacity` bytes with its
-// terminator. A character that the code page lacks becomes its default character. Returns the length in bytes.
+// Converts wide text to the narrow code page, cut at a whole character so that it fits into `capacity` bytes
+// with its terminator. A character that the code page lacks becomes its default character. Returns the length
+// in bytes.
 size_t NarrowText(char* destination, size_t capacity, WideView source);
 
 // Converts text of the narrow code page to wide text, cut so that it fits into `capacity` characters with its

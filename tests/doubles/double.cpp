@@ -91,7 +91,9 @@ std::string PosixPath(const char* path) {
     return out;
 }
 
-std::string PosixPath(const WCHAR* path) { return PosixPath(Utf8(path).c_str()); }
+std::string PosixPath(const WCHAR* path) {
+    return PosixPath(Utf8(path).c_str());
+}
 
 std::u16string WindowsPath(const std::string& posixPath) {
     std::string out = posixPath;

@@ -76,16 +76,16 @@ HANDLE OpenFile(const std::string& path, DWORD access, DWORD disposition, DWORD 
 }  // namespace
 
 DOUBLE(HANDLE, CreateFileA,
-       (LPCSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES attributes, DWORD disposition, DWORD flags,
-        HANDLE pattern),
+       (LPCSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES attributes, DWORD disposition,
+        DWORD flags, HANDLE pattern),
        (path, access, share, attributes, disposition, flags, pattern)) {
     (void)share, (void)attributes, (void)pattern;
     return OpenFile(PosixPath(path), access, disposition, flags);
 }
 
 DOUBLE(HANDLE, CreateFileW,
-       (LPCWSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES attributes, DWORD disposition, DWORD flags,
-        HANDLE pattern),
+       (LPCWSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES attributes, DWORD disposition,
+        DWORD flags, HANDLE pattern),
        (path, access, share, attributes, disposition, flags, pattern)) {
     (void)share, (void)attributes, (void)pattern;
     return OpenFile(PosixPath(path), access, disposition, flags);
@@ -120,7 +120,9 @@ DOUBLE(BOOL, WriteFile, (HANDLE file, LPCVOID buffer, DWORD size, LPDWORD writte
     return TRUE;
 }
 
-DOUBLE(BOOL, FlushFileBuffers, (HANDLE file), (file)) { return Descriptor(file) >= 0; }
+DOUBLE(BOOL, FlushFileBuffers, (HANDLE file), (file)) {
+    return Descriptor(file) >= 0;
+}
 
 DOUBLE(BOOL, SetFilePointerEx, (HANDLE file, LARGE_INTEGER distance, PLARGE_INTEGER position, DWORD method),
        (file, distance, position, method)) {
@@ -164,7 +166,9 @@ DOUBLE(BOOL, DeleteFileA, (LPCSTR path), (path)) {
     return unlink(PosixPath(path).c_str()) == 0 ? TRUE : FailWithErrno();
 }
 
-DOUBLE(BOOL, PathFileExistsA, (LPCSTR path), (path)) { return access(PosixPath(path).c_str(), F_OK) == 0; }
+DOUBLE(BOOL, PathFileExistsA, (LPCSTR path), (path)) {
+    return access(PosixPath(path).c_str(), F_OK) == 0;
+}
 
 // Lists the folder's matching names, sorted, as NTFS does.
 DOUBLE(HANDLE, FindFirstFileW, (LPCWSTR pattern, LPWIN32_FIND_DATAW data), (pattern, data)) {

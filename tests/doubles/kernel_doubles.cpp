@@ -16,8 +16,8 @@ namespace {
 
 thread_local DWORD lastError = ERROR_SUCCESS;
 
-// A named mutex of this process. As on Windows it lives until its last handle is closed, and stays owned by a thread
-// that closed its handle without a release while others hold theirs.
+// A named mutex of this process. As on Windows it lives until its last handle is closed, and stays owned by a
+// thread that closed its handle without a release while others hold theirs.
 struct NamedMutex {
     std::recursive_timed_mutex mutex;
 };
@@ -48,8 +48,12 @@ DWORD CopyOut(Character* buffer, DWORD capacity, const Text& text) {
 
 }  // namespace
 
-DOUBLE(DWORD, GetLastError, (), ()) { return lastError; }
-DOUBLE(void, SetLastError, (DWORD code), (code)) { lastError = code; }
+DOUBLE(DWORD, GetLastError, (), ()) {
+    return lastError;
+}
+DOUBLE(void, SetLastError, (DWORD code), (code)) {
+    lastError = code;
+}
 
 DOUBLE(HLOCAL, LocalAlloc, (UINT flags, SIZE_T size), (flags, size)) {
     return (flags & LMEM_ZEROINIT) ? calloc(1, size) : malloc(size);
@@ -75,7 +79,9 @@ DOUBLE(FARPROC, GetProcAddress, (HMODULE library, LPCSTR name), (library, name))
     return reinterpret_cast<FARPROC>(symbol);
 }
 
-DOUBLE(BOOL, FreeLibrary, (HMODULE library), (library)) { return dlclose(library) == 0; }
+DOUBLE(BOOL, FreeLibrary, (HMODULE library), (library)) {
+    return dlclose(library) == 0;
+}
 
 DOUBLE(DWORD, GetCurrentDirectoryW, (DWORD capacity, LPWSTR buffer), (capacity, buffer)) {
     char path[4096];
@@ -90,7 +96,8 @@ DOUBLE(BOOL, SetCurrentDirectoryW, (LPCWSTR path), (path)) {
     return chdir(doubles::PosixPath(path).c_str()) == 0 ? TRUE : doubles::FailWithErrno();
 }
 
-DOUBLE(DWORD, GetModuleFileNameA, (HMODULE module, LPSTR buffer, DWORD capacity), (module, buffer, capacity)) {
+DOUBLE(DWORD, GetModuleFileNameA, (HMODULE module, LPSTR buffer, DWORD capacity),
+       (module, buffer, capacity)) {
     (void)module;
     static constexpr std::string_view kModule = "c:\\windows\\system32\\orvexgdi.dll";
     const DWORD length = CopyOut(buffer, capacity, kModule);
@@ -118,9 +125,12 @@ DOUBLE(void, GetSystemTime, (LPSYSTEMTIME time), (time)) {
     time->wMilliseconds = static_cast<WORD>(now.tv_nsec / 1000000);
 }
 
-DOUBLE(DWORD, GetCurrentThreadId, (), ()) { return static_cast<DWORD>(syscall(SYS_gettid)); }
+DOUBLE(DWORD, GetCurrentThreadId, (), ()) {
+    return static_cast<DWORD>(syscall(SYS_gettid));
+}
 
-DOUBLE(HANDLE, CreateMutexA, (LPSECURITY_ATTRIBUTES attributes, BOOL owned, LPCSTR name), (attributes, owned, name)) {
+DOUBLE(HANDLE, CreateMutexA, (LPSECURITY_ATTRIBUTES attributes, BOOL owned, LPCSTR name),
+       (attributes, owned, name)) {
     (void)attributes, (void)owned;
     return doubles::OpenHandle(new MutexHandle(OpenNamedMutex(name)));
 }
@@ -131,7 +141,8 @@ DOUBLE(DWORD, WaitForSingleObject, (HANDLE handle, DWORD milliseconds), (handle,
         SetLastError(ERROR_INVALID_HANDLE);
         return WAIT_FAILED;
     }
-    return mutex->named->mutex.try_lock_for(std::chrono::milliseconds(milliseconds)) ? WAIT_OBJECT_0 : WAIT_TIMEOUT;
+    return mutex->named->mutex.try_lock_for(std::chrono::milliseconds(milliseconds)) ? WAIT_OBJECT_0
+                                                                                     : WAIT_TIMEOUT;
 }
 
 DOUBLE(BOOL, ReleaseMutex, (HANDLE handle), (handle)) {
@@ -143,7 +154,8 @@ DOUBLE(BOOL, ReleaseMutex, (HANDLE handle), (handle)) {
 
 // The native build's narrow code page is UTF-8.
 DOUBLE(INT, WideCharToMultiByte,
-       (UINT page, DWORD flags, LPCWSTR wide, INT length, LPSTR narrow, INT capacity, LPCSTR fallback, LPBOOL used),
+       (UINT page, DWORD flags, LPCWSTR wide, INT length, LPSTR narrow, INT capacity, LPCSTR fallback,
+        LPBOOL used),
        (page, flags, wide, length, narrow, capacity, fallback, used)) {
     (void)page, (void)flags, (void)fallback, (void)used;
     const std::string text =
@@ -157,12 +169,12 @@ DOUBLE(INT, WideCharToMultiByte,
     return static_cast<INT>(text.size());
 }
 
-DOUBLE(INT, MultiByteToWideChar, (UINT page, DWORD flags, LPCSTR narrow, INT length, LPWSTR wide, INT capacity),
+DOUBLE(INT, MultiByteToWideChar,
+       (UINT page, DWORD flags, LPCSTR narrow, INT length, LPWSTR wide, INT capacity),
        (page, flags, narrow, length, wide, capacity)) {
     (void)page, (void)flags;
-    const std::u16string text =
-        doubles::Utf16(length < 0 ? std::string(narrow, strlen(narrow) + 1)
-                                  : std::string(narrow, static_cast<size_t>(length)));
+    const std::u16string text = doubles::Utf16(length < 0 ? std::string(narrow, strlen(narrow) + 1)
+                                                          : std::string(narrow, static_cast<size_t>(length)));
     if (capacity == 0) return static_cast<INT>(text.size());
     if (text.size() > static_cast<size_t>(capacity)) {
         SetLastError(ERROR_INSUFFICIENT_BUFFER);

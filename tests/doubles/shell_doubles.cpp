@@ -34,7 +34,8 @@ DOUBLE(BOOL, PathAppendW, (LPWSTR path, LPCWSTR more), (path, more)) {
     return TRUE;
 }
 
-DOUBLE(INT, GetLocaleInfoW, (LCID locale, LCTYPE type, LPWSTR buffer, INT capacity), (locale, type, buffer, capacity)) {
+DOUBLE(INT, GetLocaleInfoW, (LCID locale, LCTYPE type, LPWSTR buffer, INT capacity),
+       (locale, type, buffer, capacity)) {
     (void)locale;
     static constexpr WCHAR kLanguage[] = L"ENU";
     if (type != LOCALE_SABBREVLANGNAME || capacity < 4) {

@@ -1,5 +1,5 @@
-// There is no spooler and no graphics engine here: each call fails until a host points its slot at functions of its
-// own.
+// There is no spooler and no graphics engine here: each call fails until a host points its slot at functions
+// of its own.
 
 #include "tests/doubles/double.h"
 
@@ -13,18 +13,21 @@ Result Unavailable(DWORD code = ERROR_CALL_NOT_IMPLEMENTED) {
 
 }  // namespace
 
-DOUBLE(BOOL, WritePrinter, (HANDLE printer, LPVOID bytes, DWORD size, LPDWORD written), (printer, bytes, size, written)) {
+DOUBLE(BOOL, WritePrinter, (HANDLE printer, LPVOID bytes, DWORD size, LPDWORD written),
+       (printer, bytes, size, written)) {
     (void)printer, (void)bytes, (void)size, (void)written;
     return Unavailable<BOOL>();
 }
 
-DOUBLE(BOOL, GetPrinterDriverW, (HANDLE printer, LPWSTR environment, DWORD level, LPBYTE buffer, DWORD size, LPDWORD needed),
+DOUBLE(BOOL, GetPrinterDriverW,
+       (HANDLE printer, LPWSTR environment, DWORD level, LPBYTE buffer, DWORD size, LPDWORD needed),
        (printer, environment, level, buffer, size, needed)) {
     (void)printer, (void)environment, (void)level, (void)buffer, (void)size, (void)needed;
     return Unavailable<BOOL>();
 }
 
-DOUBLE(BOOL, OpenPrinterW, (LPWSTR name, LPHANDLE printer, LPPRINTER_DEFAULTSW defaults), (name, printer, defaults)) {
+DOUBLE(BOOL, OpenPrinterW, (LPWSTR name, LPHANDLE printer, LPPRINTER_DEFAULTSW defaults),
+       (name, printer, defaults)) {
     (void)name, (void)printer, (void)defaults;
     return Unavailable<BOOL>();
 }
@@ -48,7 +51,8 @@ DOUBLE(DWORD, GetPrinterDataExA,
     return ERROR_CALL_NOT_IMPLEMENTED;
 }
 
-DOUBLE(DWORD, SetPrinterDataExA, (HANDLE printer, LPCSTR key, LPCSTR value, DWORD type, LPBYTE data, DWORD size),
+DOUBLE(DWORD, SetPrinterDataExA,
+       (HANDLE printer, LPCSTR key, LPCSTR value, DWORD type, LPBYTE data, DWORD size),
        (printer, key, value, type, data, size)) {
     (void)printer, (void)key, (void)value, (void)type, (void)data, (void)size;
     return ERROR_CALL_NOT_IMPLEMENTED;
@@ -70,12 +74,13 @@ DOUBLE(BOOL, EngDeleteSurface, (HSURF surface), (surface)) {
     return Unavailable<BOOL>();
 }
 
-DOUBLE(BOOL, EngEraseSurface, (SURFOBJ* surface, RECTL* area, ULONG color), (surface, area, color)) {
+DOUBLE(BOOL, EngEraseSurface, (SURFOBJ * surface, RECTL* area, ULONG color), (surface, area, color)) {
     (void)surface, (void)area, (void)color;
     return Unavailable<BOOL>();
 }
 
-DOUBLE(HPALETTE, EngCreatePalette, (ULONG mode, ULONG colors, ULONG* entries, FLONG red, FLONG green, FLONG blue),
+DOUBLE(HPALETTE, EngCreatePalette,
+       (ULONG mode, ULONG colors, ULONG* entries, FLONG red, FLONG green, FLONG blue),
        (mode, colors, entries, red, green, blue)) {
     (void)mode, (void)colors, (void)entries, (void)red, (void)green, (void)blue;
     return Unavailable<HPALETTE>();

@@ -39,7 +39,9 @@ InstallationFixture::InstallationFixture(HMODULE module)
     commonApplicationData = AsWindowsPath(scratch_.Path());
 }
 
-InstallationFixture::~InstallationFixture() { commonApplicationData.clear(); }
+InstallationFixture::~InstallationFixture() {
+    commonApplicationData.clear();
+}
 
 void InstallationFixture::Write(const fs::path& name, std::string_view bytes) const {
     const fs::path path = folder_ / name;

@@ -29,9 +29,13 @@ std::string WithoutStamp(const std::string& line) {
 
 }  // namespace
 
-fs::path LogFile() { return MachinePath(GetLogPath().get()); }
+fs::path LogFile() {
+    return MachinePath(GetLogPath().get());
+}
 
-fs::path LogControlFile() { return LogFile().replace_extension("dat"); }
+fs::path LogControlFile() {
+    return LogFile().replace_extension("dat");
+}
 
 std::vector<std::string> ReadLogLines(const fs::path& log) {
     std::vector<std::string> lines;

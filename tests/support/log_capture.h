@@ -8,8 +8,8 @@
 
 class LogCapture {
   public:
-    // Writes the control file with `mask` (1 = errors and information, 2 = trace, 3 = all), loads it, and starts with an
-    // empty log.
+    // Writes the control file with `mask` (1 = errors and information, 2 = trace, 3 = all), loads it, and
+    // starts with an empty log.
     explicit LogCapture(uint32_t mask = 3);
     // Turns the log off and removes its files.
     ~LogCapture();
