@@ -1,0 +1,33 @@
+// Memory between two guard pages. Its last byte lies directly before one, so that a read or write past the
+// end faults at the instruction that does it. The page before the one that holds the first byte is guarded
+// too; what lies between is filled with a pattern that Intact() checks, and poisoned where the build has
+// AddressSanitizer.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+class GuardedMemory {
+  public:
+    // `size` zero bytes, 0 included. Throws std::bad_alloc when the system has no room.
+    explicit GuardedMemory(size_t size);
+    // A copy of `bytes`.
+    explicit GuardedMemory(std::span<const uint8_t> bytes);
+    ~GuardedMemory();
+    GuardedMemory(const GuardedMemory&) = delete;
+    GuardedMemory& operator=(const GuardedMemory&) = delete;
+
+    uint8_t* Data() const { return data_; }
+    size_t Size() const { return size_; }
+    std::span<uint8_t> Bytes() const { return {data_, size_}; }
+
+    // Whether the bytes in front of Data(), up to the guard page, are as they were made.
+    bool Intact() const;
+
+  private:
+    uint8_t* block_ = nullptr;  // the first guard page
+    size_t blockSize_ = 0;
+    uint8_t* data_ = nullptr;
+    size_t size_ = 0;
+};
