@@ -1,5 +1,5 @@
-// The colour cache: one ink value for each of the 2^24 colours a pixel can have, filled by the profile loader in whole
-// or in part; what is missing is computed when a pixel first asks for it.
+// The colour cache: one ink value for each of the 2^24 colours a pixel can have, filled by the profile loader
+// in whole or in part; what is missing is computed when a pixel first asks for it.
 //
 // An ink value holds, from the least significant byte up, the amounts of K, C, M and Y, each 0 (none) to 255.
 #pragma once
@@ -8,17 +8,42 @@
 #include <cstdint>
 
 constexpr size_t kCacheEntries = size_t{1} << 24;
+constexpr uint32_t kColorBits = 0xFFFFFF;  // of a pixel; its top byte says nothing
 constexpr uint32_t kNotComputed = 0xFFFFFFFF;
-constexpr int kGridSteps = 17;                                             // grid values on each axis
+constexpr int kGridSteps = 17;                                     // grid values on each axis
 constexpr int kGridPoints = kGridSteps * kGridSteps * kGridSteps;  // 4,913
 
-// The table, indexed by (red << 16) | (green << 8) | blue, and how it was filled (1 to 5). One job renders at a time in
-// a process; nothing here is locked.
+// How the table was filled, and so how a missing entry is computed. Any other kind computes nothing.
+enum CacheKind : int32_t {
+    kEntries = 1,          // every entry is there
+    kPlanes = 2,           // the same
+    kHalfGridEntries = 3,  // the colours with even components are there, all others are 0 and stay so
+    kHalfGridPlanes = 4,   // the colours with even components are there; others: AverageHalfGridEntry
+    kGrid = 5,             // the grid points are there; others: InterpolateGridEntry
+};
+
+// The table, indexed by ColorIndex, and its kind. One job renders at a time in a process; nothing here is
+// locked.
 extern uint32_t g_colorCache[kCacheEntries];
 extern int32_t g_cacheKind;
 
-// The colour component of grid step 0 to 16: 16 times the step, but 255 for the last.
-constexpr uint32_t GridValue(int step) { return step < kGridSteps - 1 ? 16u * static_cast<uint32_t>(step) : 255u; }
+constexpr uint32_t ColorIndex(uint32_t red, uint32_t green, uint32_t blue) {
+    return red << 16 | green << 8 | blue;
+}
 
-// The ink value of a pixel (its top byte is ignored), by the rule of the current cache kind.
+// The colour component of grid step 0 to 16: 16 times the step, but 255 for the last.
+constexpr uint32_t GridValue(int step) {
+    return step < kGridSteps - 1 ? 16u * static_cast<uint32_t>(step) : 255u;
+}
+
+// The ink value of a pixel (its top byte is ignored), by the rule of the current cache kind. A computed value
+// is kept in the table.
 uint32_t LookupColor(uint32_t pixel);
+
+// Computes the entry of a colour out of the grid points of `table` and stores it in `entry`: linear along
+// red, and over one half of the blue-green square across it. Always true.
+bool InterpolateGridEntry(uint8_t blue, uint8_t green, uint8_t red, uint32_t* entry, const uint32_t* table);
+
+// Computes the entry of a colour as the average of its even neighbours in the cache, taken as colours of
+// light, and stores it in `entry`.
+void AverageHalfGridEntry(uint8_t blue, uint8_t green, uint8_t red, uint32_t* entry);

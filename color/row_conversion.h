@@ -3,8 +3,20 @@
 
 #include <cstdint>
 
-// Converts `count` pixels of `source` through the colour cache into `destination`. With `kws` non-zero, pixels without
-// ink get the blank-pixel pattern, the light one when `lightPattern` is non-zero. `greyMode` is the device mode's
-// colorMode. `reserved` is not used. Always 0.
-int32_t ConvertRow(uint32_t* destination, const uint32_t* source, uint32_t count, uint32_t reserved, int32_t kws,
-                   uint32_t lightPattern, uint32_t greyMode);
+// The device mode's colorMode. Any other value prints in colour.
+enum GreyMode : uint32_t {
+    kColour = 0,
+    kCompositeGrey = 1,  // greys out of C, M and Y, without black ink
+    kBlackOnlyGrey = 2,  // greys out of K alone
+};
+
+// Converts `count` pixels of `source` through the colour cache into `destination`, which may be the same
+// buffer. With `kws` non-zero, pixels without ink get the blank-pixel pattern, which starts anew with each
+// call: the light one when `lightPattern` is non-zero, else the heavy one. `greyMode` is a GreyMode.
+// `reserved` is not used. Always 0.
+int32_t ConvertRow(uint32_t* destination, const uint32_t* source, uint32_t count, uint32_t reserved,
+                   int32_t kws, uint32_t lightPattern, uint32_t greyMode);
+
+// Writes the blank-pixel pattern over `count` pixels, from its first position on: the light one when `lightPattern` is
+// non-zero, else the heavy one.
+void FillBlankPattern(uint32_t* destination, uint32_t count, uint32_t lightPattern);

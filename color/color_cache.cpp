@@ -1,0 +1,134 @@
+#include "color/color_cache.h"
+
+#include <algorithm>
+
+#include "color/generic_conversion.h"
+
+uint32_t g_colorCache[kCacheEntries];
+int32_t g_cacheKind = kEntries;
+
+namespace {
+
+// Where a component lies between two grid values. The fraction counts sixteenths, also in the last cell,
+// which is only 15 wide: deliberate, so 255 lies a sixteenth short of the upper value there.
+struct GridCell {
+    explicit GridCell(uint32_t value)
+        : lower(value & 0xF0), upper(lower < 240 ? lower + 16 : 255), fraction(value & 0x0F) {}
+    uint32_t lower;
+    uint32_t upper;
+    uint32_t fraction;
+};
+
+// A sum of ink values with weights that add up to 256. Two inks share each accumulator, in 16 bits of their
+// own, which a byte times 256 does not leave.
+class InkBlend {
+  public:
+    void Add(uint32_t ink, uint32_t weight) {
+        blackAndMagenta_ += (ink & kEvenBytes) * weight;
+        cyanAndYellow_ += (ink >> 8 & kEvenBytes) * weight;
+    }
+    uint32_t Truncated() const {
+        return (blackAndMagenta_ >> 8 & kEvenBytes) | (cyanAndYellow_ & ~kEvenBytes);
+    }
+
+  private:
+    static constexpr uint32_t kEvenBytes = 0x00FF00FF;
+    uint32_t blackAndMagenta_ = 0;
+    uint32_t cyanAndYellow_ = 0;
+};
+
+// The sum of some ink values as colours of light.
+class LightSum {
+  public:
+    void Add(uint32_t ink) {
+        const double unblackened = 1 - (ink & 0xFF) / 255.0;
+        red_ += Through(ink >> 8, unblackened);
+        green_ += Through(ink >> 16, unblackened);
+        blue_ += Through(ink >> 24, unblackened);
+    }
+    // The average of 2^shift values, as ink.
+    uint32_t Average(int shift) const {
+        return GenericInkConversion(static_cast<uint8_t>(red_ >> shift),
+                                    static_cast<uint8_t>(green_ >> shift),
+                                    static_cast<uint8_t>(blue_ >> shift), kFullInk);
+    }
+
+  private:
+    // What an ink lets through of the light that it takes, truncated to a byte.
+    static uint32_t Through(uint32_t ink, double unblackened) {
+        return static_cast<uint32_t>((1 - (ink & 0xFF) / 255.0) * 255 * unblackened);
+    }
+    uint32_t red_ = 0;
+    uint32_t green_ = 0;
+    uint32_t blue_ = 0;
+};
+
+}  // namespace
+
+uint32_t LookupColor(uint32_t pixel) {
+    uint32_t& entry = g_colorCache[pixel & kColorBits];
+    if (entry != kNotComputed) return entry;
+    const uint8_t blue = static_cast<uint8_t>(pixel);
+    const uint8_t green = static_cast<uint8_t>(pixel >> 8);
+    const uint8_t red = static_cast<uint8_t>(pixel >> 16);
+    if (g_cacheKind == kHalfGridEntries || g_cacheKind == kHalfGridPlanes) {
+        AverageHalfGridEntry(blue, green, red, &entry);
+    } else if (g_cacheKind == kGrid) {
+        InterpolateGridEntry(blue, green, red, &entry, g_colorCache);
+    }
+    return entry;
+}
+
+bool InterpolateGridEntry(uint8_t blue, uint8_t green, uint8_t red, uint32_t* entry, const uint32_t* table) {
+    const GridCell b(blue), g(green), r(red);
+
+    // The square's diagonal blue = green parts it into two triangles. Both have its lower and its upper
+    // corner; the third is the one towards the component that is further on, towards green on the diagonal
+    // itself.
+    const bool blueLeads = b.fraction > g.fraction;
+    const uint32_t further = std::max(b.fraction, g.fraction);
+    const uint32_t nearer = std::min(b.fraction, g.fraction);
+    const struct {
+        uint32_t index;
+        uint32_t weight;  // in sixteenths
+    } corners[] = {
+        {ColorIndex(0, g.lower, b.lower), 16 - further},
+        {blueLeads ? ColorIndex(0, g.lower, b.upper) : ColorIndex(0, g.upper, b.lower), further - nearer},
+        {ColorIndex(0, g.upper, b.upper), nearer},
+    };
+
+    const uint32_t* lowerRed = table + ColorIndex(r.lower, 0, 0);
+    const uint32_t* upperRed = table + ColorIndex(r.upper, 0, 0);
+    InkBlend blend;
+    for (const auto& corner : corners) {
+        blend.Add(lowerRed[corner.index], corner.weight * (16 - r.fraction));
+        blend.Add(upperRed[corner.index], corner.weight * r.fraction);
+    }
+    *entry = blend.Truncated();
+    return true;
+}
+
+void AverageHalfGridEntry(uint8_t blue, uint8_t green, uint8_t red, uint32_t* entry) {
+    // Deliberate: the neighbours lie around the byte-reversed colour, blue in the high byte and red in the
+    // low one.
+    const uint32_t components[] = {red, green, blue};
+    uint32_t base = 0;
+    uint32_t steps[3];  // from the base to the upper neighbour, along each odd component
+    int odd = 0;
+    for (int i = 0; i < 3; ++i) {
+        base |= (components[i] & 0xFE) << 8 * i;
+        // There is no even component above 255: it counts as its lower neighbour, 254.
+        if (components[i] % 2 == 1 && components[i] != 255) steps[odd++] = 2u << 8 * i;
+    }
+    if (odd == 0) {
+        *entry = g_colorCache[base];
+        return;
+    }
+    LightSum sum;
+    for (uint32_t neighbour = 0; neighbour < 1u << odd; ++neighbour) {
+        uint32_t index = base;
+        for (int i = 0; i < odd; ++i) index += (neighbour >> i & 1) * steps[i];
+        sum.Add(g_colorCache[index]);
+    }
+    *entry = sum.Average(odd);
+}

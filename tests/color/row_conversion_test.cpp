@@ -1,0 +1,219 @@
+#include "color/row_conversion.h"
+
+#include <gmock/gmock.h>
+
+#include <array>
+#include <vector>
+
+#include "tests/color/cache_filling.h"
+#include "tests/color/plain_colors.h"
+
+using testing::ElementsAre;
+
+namespace {
+
+constexpr uint32_t kUntouched = 0xDEADBEEF;
+
+struct RowOptions {
+    int32_t kws = 0;
+    uint32_t lightPattern = 0;
+    uint32_t greyMode = kColour;
+};
+
+std::vector<uint32_t> Convert(const std::vector<uint32_t>& pixels, RowOptions options = {}) {
+    std::vector<uint32_t> inks(pixels.size() + 1, kUntouched);
+    EXPECT_EQ(ConvertRow(inks.data(), pixels.data(), static_cast<uint32_t>(pixels.size()), 1, options.kws,
+                         options.lightPattern, options.greyMode),
+              0);
+    EXPECT_EQ(inks.back(), kUntouched) << "a value behind the row was written";
+    inks.pop_back();
+    return inks;
+}
+
+// One pixel whose entry in the cache is `ink`.
+uint32_t ConvertInk(uint32_t ink, RowOptions options) {
+    g_cacheKind = kEntries;
+    g_colorCache[0x123456] = ink;
+    return Convert({0x123456}, options)[0];
+}
+
+uint32_t PlainGrey(uint32_t ink) {
+    const double k = plain::InkByte(ink, 0), c = plain::InkByte(ink, 1), m = plain::InkByte(ink, 2),
+                 y = plain::InkByte(ink, 3);
+    const double sum = (m + k) * 0.587 + (c + k) * 0.299 + (y + k) * 0.114;
+    return sum > 255 ? 255 : static_cast<uint32_t>(sum);
+}
+
+// What a pixel of ink value `ink` prints at its place in the row.
+uint32_t PlainPrint(uint32_t ink, size_t place, RowOptions options) {
+    if (ink == 0 && options.kws != 0) return (options.lightPattern != 0 ? 2u : 4u) << 8 * (place % 4);
+    if (ink == 0) return 0;
+    if (options.greyMode == 2) return PlainGrey(ink);
+    if (options.greyMode != 1) return ink;
+    const uint8_t t = static_cast<uint8_t>(PlainGrey(ink) * 0.67);
+    const uint8_t c = static_cast<uint8_t>(t * 0.8);
+    return plain::Ink(0, c, t, t);
+}
+
+// Rows that hold runs of every small length beside single pixels, out of a few colours; 0 to 2 print nothing.
+std::vector<uint32_t> MixedRow(size_t length, uint32_t seed) {
+    std::vector<uint32_t> row;
+    while (row.size() < length) {
+        const uint32_t bits = plain::Scramble(static_cast<uint32_t>(row.size()), seed);
+        const uint32_t color = bits % 5 < 2 ? 0xFFFFFF : 0x40 * (bits >> 8 & 7) << (bits >> 12) % 17;
+        row.insert(row.end(), 1 + (bits >> 20) % (bits >> 28 & 1 ? 23 : 3), color | bits << 24);
+    }
+    row.resize(length);
+    return row;
+}
+
+void FillForRows(int32_t kind) {
+    const auto ink = [](uint32_t color) { return color == 0xFFFFFF ? 0 : plain::Scramble(color); };
+    switch (kind) {
+        case kHalfGridEntries:
+            return FillCache(kind, 0, plain::IsAllEven, ink);
+        case kHalfGridPlanes:
+            return FillCache(kind, kNotComputed, plain::IsAllEven, ink);
+        case kGrid:
+            return FillGrid(ink);
+        default:
+            return FillCache(
+                kind, 0, [](uint32_t) { return true; }, ink);
+    }
+}
+
+}  // namespace
+
+TEST(ConvertRow, OfNoPixelsWritesNothing) {
+    uint32_t ink = kUntouched;
+    const uint32_t pixel = 0;
+    EXPECT_EQ(ConvertRow(&ink, &pixel, 0, 1, 1, 1, 0), 0);
+    EXPECT_EQ(ConvertRow(nullptr, nullptr, 0, 1, 0, 0, 1), 0);
+    EXPECT_EQ(ink, kUntouched);
+}
+
+TEST(ConvertRow, PutsTheLightPatternOnBlankPixels) {
+    FillGrid([](uint32_t) { return 0u; });
+    EXPECT_THAT(Convert(std::vector<uint32_t>(6, 0xFFFFFF), {.kws = 1, .lightPattern = 1}),
+                ElementsAre(0x00000002, 0x00000200, 0x00020000, 0x02000000, 0x00000002, 0x00000200));
+}
+
+TEST(ConvertRow, PutsTheHeavyPatternOnBlankPixels) {
+    FillGrid([](uint32_t) { return 0u; });
+    EXPECT_THAT(Convert(std::vector<uint32_t>(6, 0xFFFFFF), {.kws = -1}),
+                ElementsAre(0x00000004, 0x00000400, 0x00040000, 0x04000000, 0x00000004, 0x00000400));
+}
+
+TEST(ConvertRow, CountsThePatternByThePixelsPlaceNotByTheBlankOnes) {
+    FillForRows(kEntries);
+    const uint32_t ink = plain::Scramble(0);
+    EXPECT_THAT(Convert({0xFFFFFF, 0, 0xFFFFFF, 0, 0, 0xFFFFFF, 0xFFFFFF}, {.kws = 1, .lightPattern = 1}),
+                ElementsAre(0x00000002, ink, 0x00020000, ink, ink, 0x00000200, 0x00020000));
+}
+
+TEST(ConvertRow, LeavesBlankPixelsBlankWithoutKws) {
+    FillForRows(kEntries);
+    for (const uint32_t greyMode : {0u, 1u, 2u, 3u}) {
+        EXPECT_THAT(Convert({0xFFFFFF, 0xFFFFFF}, {.lightPattern = 1, .greyMode = greyMode}),
+                    ElementsAre(0, 0));
+    }
+}
+
+TEST(ConvertRow, PutsThePatternNotTheGreyOnBlankPixels) {
+    FillForRows(kEntries);
+    for (const uint32_t greyMode : {1u, 2u, 3u}) {
+        EXPECT_THAT(Convert({0xFFFFFF, 0xFFFFFF}, {.kws = 1, .lightPattern = 1, .greyMode = greyMode}),
+                    ElementsAre(0x00000002, 0x00000200));
+    }
+}
+
+TEST(ConvertRow, ClampsTheGreyWeight) {
+    EXPECT_EQ(ConvertInk(plain::Ink(200, 200, 200, 200), {.greyMode = kBlackOnlyGrey}), 0x000000FFu);
+    EXPECT_EQ(ConvertInk(0xFFFFFFFE, {.greyMode = kBlackOnlyGrey}), 0x000000FFu);
+}
+
+TEST(ConvertRow, WeighsEachInkByTheLightThatItTakes) {
+    EXPECT_EQ(ConvertInk(plain::Ink(0, 100, 0, 0), {.greyMode = kBlackOnlyGrey}), 29u);
+    EXPECT_EQ(ConvertInk(plain::Ink(0, 0, 100, 0), {.greyMode = kBlackOnlyGrey}), 58u);
+    EXPECT_EQ(ConvertInk(plain::Ink(0, 0, 0, 100), {.greyMode = kBlackOnlyGrey}), 11u);
+    EXPECT_EQ(ConvertInk(plain::Ink(0, 255, 0, 0), {.greyMode = kBlackOnlyGrey}), 76u);
+}
+
+TEST(ConvertRow, PrintsCompositeGreyWithoutBlackAndWithLessCyan) {
+    EXPECT_EQ(ConvertInk(plain::Ink(255, 0, 0, 0), {.greyMode = kCompositeGrey}), 0xAAAA8800u);
+    EXPECT_EQ(ConvertInk(plain::Ink(0, 100, 0, 0), {.greyMode = kCompositeGrey}), 0x13130F00u);  // 29: 19, 15
+    EXPECT_EQ(ConvertInk(plain::Ink(1, 0, 0, 0), {.greyMode = kCompositeGrey}), 0u);
+}
+
+TEST(ConvertRow, TreatsOtherGreyModesAsColour) {
+    for (const uint32_t greyMode : {3u, 4u, 0xFFFFFFFFu}) {
+        EXPECT_EQ(ConvertInk(0x01020304, {.greyMode = greyMode}), 0x01020304u);
+        EXPECT_EQ(ConvertInk(0x01020304, {.kws = 1, .greyMode = greyMode}), 0x01020304u);
+    }
+}
+
+TEST(ConvertRow, ReturnsASentinelAsItIsWhereNothingIsComputed) {
+    EXPECT_EQ(ConvertInk(kNotComputed, {}), kNotComputed);
+    EXPECT_EQ(ConvertInk(kNotComputed, {.greyMode = kBlackOnlyGrey}), 0x000000FFu);
+}
+
+TEST(ConvertRow, KeepsWhatItComputesInTheCache) {
+    FillForRows(kGrid);
+    const uint32_t want = plain::Prism(0x123456, g_colorCache);
+    EXPECT_THAT(Convert({0xFF123456, 0x00123456}), ElementsAre(want, want));
+    EXPECT_EQ(g_colorCache[0x123456], want);
+}
+
+TEST(ConvertRow, FollowsTheKindInForceAtTheMoment) {
+    FillForRows(kGrid);
+    g_cacheKind = kPlanes;
+    EXPECT_THAT(Convert({0x123456}), ElementsAre(kNotComputed));
+    g_cacheKind = kGrid;
+    EXPECT_THAT(Convert({0x123456}), ElementsAre(plain::Prism(0x123456, g_colorCache)));
+}
+
+TEST(ConvertRow, ConvertsABufferInPlace) {
+    FillForRows(kEntries);
+    std::vector<uint32_t> row = MixedRow(61, 3);
+    const std::vector<uint32_t> want = Convert(row, {.kws = 1});
+    ConvertRow(row.data(), row.data(), 61, 1, 1, 0, 0);
+    EXPECT_EQ(row, want);
+}
+
+TEST(ConvertRow, EqualsThePlainConversionForEveryKindModePatternAndLength) {
+    for (const int32_t kind : {1, 2, 3, 4, 5}) {
+        FillForRows(kind);
+        for (uint32_t length = 1; length <= 40; ++length) {
+            const std::vector<uint32_t> row = MixedRow(length, length);
+            std::vector<uint32_t> inks;
+            for (const uint32_t pixel : row) inks.push_back(LookupColor(pixel));
+            for (const uint32_t greyMode : {0u, 1u, 2u, 3u}) {
+                for (const int32_t kws : {0, 1}) {
+                    for (const uint32_t light : {0u, 1u}) {
+                        const RowOptions options{kws, light, greyMode};
+                        std::vector<uint32_t> want;
+                        for (size_t i = 0; i < row.size(); ++i)
+                            want.push_back(PlainPrint(inks[i], i, options));
+                        ASSERT_EQ(Convert(row, options), want) << "kind " << kind << " length " << length
+                                                               << " grey mode " << greyMode << " kws " << kws;
+                    }
+                }
+            }
+        }
+    }
+}
+
+TEST(ConvertRow, EqualsThePlainGreyForEveryWeightOfScatteredInks) {
+    FillCache(
+        kEntries, 0, [](uint32_t) { return true; }, [](uint32_t color) { return plain::Scramble(color, 5); });
+    std::vector<uint32_t> row(1 << 20);
+    for (uint32_t i = 0; i < row.size(); ++i) row[i] = i * 16 + i % 16;
+    for (const uint32_t greyMode : {1u, 2u}) {
+        const RowOptions options{.greyMode = greyMode};
+        const std::vector<uint32_t> have = Convert(row, options);
+        for (size_t i = 0; i < row.size(); ++i) {
+            ASSERT_EQ(have[i], PlainPrint(g_colorCache[row[i]], i, options))
+                << std::hex << g_colorCache[row[i]];
+        }
+    }
+}
