@@ -1,7 +1,6 @@
 #include "support/settings_file.h"
 
 #include <cstdlib>
-#include <cstring>
 #include <string_view>
 
 #include "support/installation.h"
