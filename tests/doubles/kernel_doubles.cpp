@@ -2,6 +2,7 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <chrono>
 #include <cstdlib>
 #include <cstring>
@@ -9,6 +10,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <thread>
 
 #include "tests/doubles/double.h"
 
@@ -18,8 +20,26 @@ thread_local DWORD lastError = ERROR_SUCCESS;
 
 // A named mutex of this process. As on Windows it lives until its last handle is closed, and stays owned by a
 // thread that closed its handle without a release while others hold theirs.
-struct NamedMutex {
-    std::recursive_timed_mutex mutex;
+class NamedMutex {
+  public:
+    bool Acquire(std::chrono::milliseconds wait) {
+        if (!mutex_.try_lock_for(wait)) return false;
+        owner_ = std::this_thread::get_id();
+        ++depth_;
+        return true;
+    }
+
+    bool Release() {
+        if (owner_ != std::this_thread::get_id()) return false;
+        if (--depth_ == 0) owner_ = std::thread::id();
+        mutex_.unlock();
+        return true;
+    }
+
+  private:
+    std::recursive_timed_mutex mutex_;
+    std::atomic<std::thread::id> owner_;
+    int depth_ = 0;
 };
 
 class MutexHandle final : public doubles::KernelObject {
@@ -141,14 +161,17 @@ DOUBLE(DWORD, WaitForSingleObject, (HANDLE handle, DWORD milliseconds), (handle,
         SetLastError(ERROR_INVALID_HANDLE);
         return WAIT_FAILED;
     }
-    return mutex->named->mutex.try_lock_for(std::chrono::milliseconds(milliseconds)) ? WAIT_OBJECT_0
-                                                                                     : WAIT_TIMEOUT;
+    return mutex->named->Acquire(std::chrono::milliseconds(milliseconds)) ? WAIT_OBJECT_0 : WAIT_TIMEOUT;
 }
 
 DOUBLE(BOOL, ReleaseMutex, (HANDLE handle), (handle)) {
     auto* mutex = dynamic_cast<MutexHandle*>(doubles::FindObject(handle));
-    // Only a thread that owns it may release it; the driver releases only after a wait that failed.
-    if (mutex == nullptr) SetLastError(ERROR_INVALID_HANDLE);
+    if (mutex == nullptr) {
+        SetLastError(ERROR_INVALID_HANDLE);
+        return FALSE;
+    }
+    if (mutex->named->Release()) return TRUE;
+    SetLastError(ERROR_NOT_OWNER);
     return FALSE;
 }
 

@@ -2,16 +2,276 @@
 
 #include <gmock/gmock.h>
 
+#include <chrono>
+#include <cstring>
+#include <thread>
+
+#include "host/import_patch.h"
 #include "tests/support/log_capture.h"
+#include "tests/support/scratch_folder.h"
 
+namespace fs = std::filesystem;
+using testing::AllOf;
 using testing::ElementsAre;
+using testing::EndsWith;
+using testing::IsEmpty;
+using testing::StartsWith;
 
-TEST(Log, FormatsAsTheDriverSays) {
+namespace {
+
+constexpr uintmax_t kMaxLogBytes = 104857600;
+
+fs::path Backup(int number) {
+    return LogFile().replace_extension(std::to_string(number) + ".txt");
+}
+
+// Clears away what a test of the backups leaves.
+class BackupsRemoved {
+  public:
+    BackupsRemoved() { Remove(); }
+    ~BackupsRemoved() { Remove(); }
+
+  private:
+    static void Remove() {
+        for (int i = 0; i <= 10; ++i) fs::remove(Backup(i));
+    }
+};
+
+void MakeLogOfSize(uintmax_t bytes) {
+    WriteBytes(LogFile(), "");
+    fs::resize_file(LogFile(), bytes);
+}
+
+// Path of the log as the driver writes it.
+std::string LogPathText() {
+    return GetLogPath().get();
+}
+
+void WriteOneLine() {
+    LogError("line");
+}
+
+}  // namespace
+
+TEST(LogPath, IsTheModuleNameWithTxtInTheFixedFolder) {
+    EXPECT_THAT(LogPathText(), AllOf(StartsWith("c:\\temp\\"), EndsWith(".txt")));
+}
+
+#define MODULE_NAME_DOUBLE(name, text, code)                          \
+    DWORD WINAPI name(HMODULE, LPSTR buffer, DWORD capacity) {        \
+        const char* path = text;                                      \
+        const DWORD length = static_cast<DWORD>(strlen(path));        \
+        memcpy(buffer, path, std::min<size_t>(length + 1, capacity)); \
+        if ((code) != 0) SetLastError(code);                          \
+        return length;                                                \
+    }
+
+namespace {
+MODULE_NAME_DOUBLE(PlainModule, "c:\\windows\\system32\\driver.dll", 0)
+MODULE_NAME_DOUBLE(ModuleWithoutFolder, "driver.dll", 0)
+MODULE_NAME_DOUBLE(FailingModule, "c:\\windows\\driver.dll", ERROR_INSUFFICIENT_BUFFER)
+}  // namespace
+
+TEST(LogPath, OfDriverDllIsDriverTxt) {
+    const ImportPatch patch(nullptr, "GetModuleFileNameA", reinterpret_cast<void*>(&PlainModule));
+    SetLastError(ERROR_GEN_FAILURE);  // left over from elsewhere; it must not matter
+    EXPECT_EQ(LogPathText(), "c:\\temp\\driver.txt");
+}
+
+TEST(LogPath, IsMissingForAModuleNameWithoutABackslash) {
+    const ImportPatch patch(nullptr, "GetModuleFileNameA", reinterpret_cast<void*>(&ModuleWithoutFolder));
+    EXPECT_EQ(GetLogPath(), nullptr);
+}
+
+TEST(LogPath, IsMissingWhenTheModuleNameCannotBeHad) {
+    const ImportPatch patch(nullptr, "GetModuleFileNameA", reinterpret_cast<void*>(&FailingModule));
+    EXPECT_EQ(GetLogPath(), nullptr);
+}
+
+TEST(LogMask, ComesFromTheControlFileAsADecimalNumber) {
+    struct Case {
+        const char* text;
+        uint32_t mask;
+    };
+    for (const Case& item :
+         {Case{"3", 3}, {"2", 2}, {"1", 1}, {"0", 0}, {"abc", 0}, {"", 0}, {" 3\r\n", 3}, {"1x", 1}}) {
+        const LogCapture log(0);
+        WriteBytes(LogControlFile(), item.text);
+        LoadLogMask();
+        EXPECT_EQ(logMask, item.mask) << item.text;
+    }
+}
+
+TEST(LogMask, IsZeroWithoutAControlFileAndNoLogIsEverMade) {
+    const LogCapture log(3);
+    fs::remove(LogControlFile());
+    LoadLogMask();
+    EXPECT_EQ(logMask, 0u);
+    LogError("error");
+    LogInfo("info");
+    LogTrace("trace");
+    EXPECT_FALSE(fs::exists(LogFile()));
+}
+
+TEST(LogMask, BitZeroShowsErrorsAndInformationOnly) {
+    LogCapture log(1);
+    LogError("error");
+    LogInfo("info");
+    LogTrace("trace");
+    EXPECT_THAT(log.TakeLines(), ElementsAre("[Error] error", "[Info]  info"));
+}
+
+TEST(LogMask, BitOneShowsTheTraceOnly) {
+    LogCapture log(2);
+    LogError("error");
+    LogInfo("info");
+    LogTrace("trace");
+    EXPECT_THAT(log.TakeLines(), ElementsAre("[Trace] trace"));
+}
+
+TEST(LogWriter, WritesWhateverTheMaskSaysAndNoTagForAnUnknownLevel) {
+    LogCapture log(0);
+    LogWrite(LogLevel::Error, "one");
+    LogWrite(static_cast<LogLevel>(3), "two");
+    EXPECT_THAT(log.TakeLines(), ElementsAre("[Error] one", "two"));
+}
+
+TEST(LogWriter, StampsEachLineWithUtcTimeAndThread) {
     LogCapture log;
-    LogError("docname:%S %d %lu %08.3lf|%-5s|%5s|%x %p %c%%", L"Etikett", -3, 4000000000u, 1.5, "ab", "cd",
-             -1, reinterpret_cast<void*>(0x1234), '!');
-    EXPECT_THAT(
-        log.TakeLines(),
-        ElementsAre(
-            "[Error] docname:Etikett -3 4000000000 0001.500|ab   |   cd|ffffffff 0000000000001234 !%"));
+    LogInfo("stamped");
+    std::string line = ReadBytes(LogFile());
+    for (char& c : line) {
+        if (c >= '0' && c <= '9') c = '9';
+    }
+    const size_t thread = line.find("9] [Info]");  // the thread's number has as many digits as it needs
+    ASSERT_NE(thread, std::string::npos);
+    EXPECT_EQ(line.substr(0, 33), "[9999-99-99 99:99:99.999] [TID: 9");
+    EXPECT_EQ(line.substr(thread), "9] [Info]  stamped\n");
+}
+
+TEST(LogWriter, KeepsLongLinesWhole) {
+    LogCapture log;
+    const std::string text(5000, 'x');
+    LogInfo("%s", text);
+    EXPECT_THAT(log.TakeLines(), ElementsAre("[Info]  " + text));
+}
+
+namespace {
+
+// Remembers the last mutex that was opened.
+class MutexWatch {
+  public:
+    MutexWatch() : patch_(nullptr, "CreateMutexA", reinterpret_cast<void*>(&Watch)) {
+        original = patch_.Original();
+    }
+    static inline HANDLE last = nullptr;
+
+  private:
+    static HANDLE WINAPI Watch(LPSECURITY_ATTRIBUTES attributes, BOOL owned, LPCSTR name) {
+        EXPECT_EQ(attributes->lpSecurityDescriptor, nullptr);
+        EXPECT_TRUE(attributes->bInheritHandle);
+        EXPECT_FALSE(owned);
+        EXPECT_EQ(std::string(name).find('\\'), std::string::npos);
+        return last = reinterpret_cast<decltype(&CreateMutexA)>(original)(attributes, owned, name);
+    }
+    static inline void* original = nullptr;
+    ImportPatch patch_;
+};
+
+}  // namespace
+
+TEST(LogWriter, LosesTheLineWhenTheLogCannotBeOpenedAndLeavesTheMutexOwned) {
+    LogCapture log;
+    const MutexWatch watch;
+    fs::create_directory(LogFile());
+    WriteOneLine();
+    fs::remove(LogFile());
+    EXPECT_TRUE(ReleaseMutex(MutexWatch::last));  // it was ours
+    EXPECT_TRUE(CloseHandle(MutexWatch::last));   // and open
+    WriteOneLine();
+    EXPECT_THAT(log.TakeLines(), ElementsAre("[Error] line"));
+    EXPECT_FALSE(CloseHandle(MutexWatch::last));  // a line that was written closes it
+}
+
+TEST(LogWriter, DropsTheLineWhenAnotherThreadHoldsTheMutex) {
+    LogCapture log;
+    std::string name = LogPathText();
+    std::replace(name.begin(), name.end(), '\\', '/');
+    const HANDLE mutex = CreateMutexA(nullptr, FALSE, name.c_str());
+    ASSERT_EQ(WaitForSingleObject(mutex, 0), WAIT_OBJECT_0);
+    std::thread(WriteOneLine).join();
+    EXPECT_THAT(log.TakeLines(), IsEmpty());
+    CloseHandle(mutex);
+    std::thread(WriteOneLine).join();
+    EXPECT_THAT(log.TakeLines(), ElementsAre("[Error] line"));
+}
+
+#ifndef _WIN32
+TEST(LogWriter, DoesNotFollowALinkPlantedInTheLogsPlace) {
+    LogCapture log;
+    const ScratchFolder scratch;
+    const fs::path victim = scratch.Write("victim.txt", "precious");
+    fs::create_symlink(victim, LogFile());
+    WriteOneLine();
+    EXPECT_EQ(ReadBytes(victim), "precious");
+    fs::remove(LogFile());
+}
+#endif
+
+TEST(LogRotation, AppendsToALogOfExactlyTheSizeLimit) {
+    const BackupsRemoved backups;
+    const LogCapture log;
+    MakeLogOfSize(kMaxLogBytes);
+    WriteOneLine();
+    EXPECT_GT(fs::file_size(LogFile()), kMaxLogBytes);
+    EXPECT_FALSE(fs::exists(Backup(1)));
+}
+
+TEST(LogRotation, StartsAFreshLogOneByteBeyondTheLimit) {
+    const BackupsRemoved backups;
+    LogCapture log;
+    MakeLogOfSize(kMaxLogBytes + 1);
+    WriteBytes(Backup(1), "first");
+    WriteBytes(Backup(2), "second");
+    WriteOneLine();
+    EXPECT_THAT(log.TakeLines(), ElementsAre("[Error] line"));
+    EXPECT_EQ(fs::file_size(Backup(1)), kMaxLogBytes + 1);
+    EXPECT_EQ(ReadBytes(Backup(2)), "first");
+    EXPECT_EQ(ReadBytes(Backup(3)), "second");
+}
+
+TEST(LogRotation, KeepsNineBackupsAndDeletesTheOldest) {
+    const BackupsRemoved backups;
+    LogCapture log;
+    MakeLogOfSize(kMaxLogBytes + 1);
+    for (int i = 1; i <= 9; ++i) WriteBytes(Backup(i), std::to_string(i));
+    WriteOneLine();
+    EXPECT_EQ(fs::file_size(Backup(1)), kMaxLogBytes + 1);
+    for (int i = 2; i <= 9; ++i) EXPECT_EQ(ReadBytes(Backup(i)), std::to_string(i - 1));
+    EXPECT_FALSE(fs::exists(Backup(10)));
+}
+
+TEST(LogRotation, ShiftsOnlyUpToTheFirstGap) {
+    const BackupsRemoved backups;
+    LogCapture log;
+    MakeLogOfSize(kMaxLogBytes + 1);
+    for (const int i : {1, 2, 5}) WriteBytes(Backup(i), std::to_string(i));
+    WriteOneLine();
+    EXPECT_EQ(ReadBytes(Backup(2)), "1");
+    EXPECT_EQ(ReadBytes(Backup(3)), "2");
+    EXPECT_FALSE(fs::exists(Backup(4)));
+    EXPECT_EQ(ReadBytes(Backup(5)), "5");
+}
+
+TEST(LogRotation, KeepsGrowingTheLogWhenItCannotBeRenamed) {
+    const BackupsRemoved backups;
+    const LogCapture log;
+    MakeLogOfSize(kMaxLogBytes + 1);
+    fs::create_directories(Backup(1));
+    fs::create_directories(Backup(2));
+    fs::create_directories(Backup(3));
+    const ImportPatch patch(nullptr, "MoveFileA",
+                            reinterpret_cast<void*>(+[](LPCSTR, LPCSTR) WINAPI -> BOOL { return FALSE; }));
+    WriteOneLine();
+    EXPECT_GT(fs::file_size(LogFile()), kMaxLogBytes + 1);
 }
