@@ -1,0 +1,102 @@
+// The stand-in print stream: what its writer and its readers agree on. docs/print-stream.md describes it
+// whole.
+//
+// Numbers are little-endian. A print file is
+//
+//     universal exit, PJL lines up to "@PJL ENTER LANGUAGE=...", records, universal exit
+//
+// and the records come in this order:
+//
+//     job-start { resolution-command page-start block-start rows... block-end page-end } job-end
+//
+// A record is its type (1 byte), the size of its payload (4), the payload, and the Adler-32 checksum of all
+// of that (4). Only the resolution command, ESC "*o" number "M", is plain text: its ESC is its type.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+namespace print_stream {
+
+inline constexpr std::string_view kUniversalExit = "\x1B%-12345X";
+inline constexpr std::string_view kPjlOpening =
+    "\x1B%-12345X@PJL\n"
+    "@PJL COMMENT \"Stand-in print stream 1. Made for inspection and tests; a printer does not read it.\"\n"
+    "@PJL ENTER LANGUAGE=STANDIN\n";
+inline constexpr std::string_view kEnterLanguage = "@PJL ENTER LANGUAGE=STANDIN";
+
+// The engine's very first chunk is framing between engine and driver and no part of a print file: its first
+// three and last three bytes add up to 0 modulo 256, and the driver drops it.
+inline constexpr uint8_t kFramingChunk[] = {'F', 'R', 'M', 'S', 'T', 'A', 'N', 'D', 'I', 'N', 1, 0, 0x1A};
+
+// The resolution command of a page, as the engine writes it; the driver may put another number into it.
+inline constexpr std::string_view kResolutionCommand600Dpi = "\x1B*o0M";
+inline constexpr std::string_view kResolutionCommandOther = "\x1B*o-1M";
+
+enum class RecordType : uint8_t {
+    kResolutionCommand = 0x1B,
+    kJobStart = 'J',    // version, resolution mode
+    kPageStart = 'P',   // page number from 1, width and length in 1/7200 inch
+    kBlockStart = 'B',  // top in rows, row width in pixels, announced rows
+    kRows = 'R',        // whole encoded rows, back to back
+    kBlockEnd = 'b',    // rows handed over
+    kPageEnd = 'p',     // page number
+    kJobEnd = 'j',      // number of pages
+};
+
+inline constexpr uint32_t kVersion = 1;
+inline constexpr size_t kRecordHeaderSize = 5;
+inline constexpr size_t kChecksumSize = 4;
+
+// 0 = 300 dpi, 1 = 600 dpi, 2 = any other, which is taken as 150 dpi where a length is needed.
+inline constexpr uint32_t kResolutionModes = 3;
+inline constexpr uint32_t kDpi[kResolutionModes] = {300, 600, 150};
+
+// Engine lengths are in 1/7200 inch.
+inline constexpr uint32_t kUnitsPerInch = 7200;
+constexpr uint32_t UnitsPerPixel(uint32_t resolutionMode) {
+    return kUnitsPerInch / kDpi[resolutionMode];
+}
+
+// The print head is 11.7 inches wide; a raster row lies across its width at one place, along the paper feed.
+constexpr uint32_t HeadRows(uint32_t resolutionMode) {
+    return kDpi[resolutionMode] * 117 / 10;
+}
+
+// A page that is shorter than this lies centred under the head.
+inline constexpr uint32_t kFullPageLength = 86616;
+
+// A block that spans the whole head may be this many rows shorter or longer than announced: the driver moves
+// a centred label by changing both of its fills by the print-head offset, of 100 mm at most.
+constexpr uint32_t HeadBlockSlack(uint32_t resolutionMode) {
+    return 2 * (kDpi[resolutionMode] * 1000 / 254);
+}
+
+inline constexpr uint32_t kMaxRowWidth = 32768;
+inline constexpr uint32_t kMaxBlockRows = 16384;
+
+// A rows record is closed as soon as its payload has this size.
+inline constexpr size_t kRowsRecordSize = 32 * 1024;
+
+// Adler-32; `state` is that of the bytes in front, 1 at the start.
+constexpr uint32_t Adler32(const uint8_t* bytes, size_t size, uint32_t state = 1) {
+    constexpr uint32_t kModulus = 65521;
+    constexpr size_t kSumsWithoutOverflow = 5552;
+    uint32_t a = state & 0xFFFF;
+    uint32_t b = state >> 16;
+    while (size > 0) {
+        const size_t part = size < kSumsWithoutOverflow ? size : kSumsWithoutOverflow;
+        for (size_t i = 0; i < part; ++i) {
+            a += bytes[i];
+            b += a;
+        }
+        a %= kModulus;
+        b %= kModulus;
+        bytes += part;
+        size -= part;
+    }
+    return b << 16 | a;
+}
+
+}  // namespace print_stream

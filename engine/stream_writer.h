@@ -1,0 +1,50 @@
+// Collects records of the print stream and hands them to the output callback in chunks.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <initializer_list>
+#include <memory>
+#include <string_view>
+
+#include "engine/hpcrlib.h"
+#include "engine/print_stream.h"
+
+class StreamWriter {
+  public:
+    StreamWriter(HPCRLIB_OutputCallback output, void* context) : output_(output), context_(context) {}
+
+    // Plain text outside of any record.
+    void PutText(std::string_view text);
+
+    // A whole record of numbers.
+    void PutRecord(print_stream::RecordType type, std::initializer_list<uint32_t> numbers);
+
+    // A record of bytes that the caller writes in place: begin it, then reserve and commit as often as
+    // needed.
+    void BeginRecord(print_stream::RecordType type);
+    // Room for `size` bytes behind the pending ones, valid until the next call.
+    uint8_t* Reserve(size_t size);
+    void Commit(size_t size) { size_ += size; }
+    // Closes the record begun last. One that is empty leaves no trace.
+    void EndRecord();
+
+    // Bytes of the payload so far of the record begun last.
+    size_t RecordSize() const { return size_ - recordStart_ - print_stream::kRecordHeaderSize; }
+    bool InRecord() const { return inRecord_; }
+
+    // Hands what is pending to the output callback as one chunk; nothing pending makes no chunk. False when
+    // the callback failed.
+    bool Flush();
+
+  private:
+    void PutNumber(uint32_t number);
+
+    HPCRLIB_OutputCallback output_;
+    void* context_;
+    std::unique_ptr<uint8_t[]> bytes_;
+    size_t size_ = 0;
+    size_t capacity_ = 0;
+    size_t recordStart_ = 0;
+    bool inRecord_ = false;
+};
