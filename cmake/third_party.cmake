@@ -3,6 +3,8 @@
 # LodePNG: the npm package of that name carries the upstream sources unaltered.
 set(lodepng_source ${CMAKE_SOURCE_DIR}/build/third_party/lodepng)
 execute_process(COMMAND ${CMAKE_SOURCE_DIR}/scripts/fetch-lodepng ${lodepng_source} COMMAND_ERROR_IS_FATAL ANY)
+# Its header declares C++ functions when C++ includes it.
+set_source_files_properties(${lodepng_source}/lodepng.c PROPERTIES LANGUAGE CXX)
 add_library(lodepng STATIC ${lodepng_source}/lodepng.c)
 target_include_directories(lodepng SYSTEM PUBLIC ${lodepng_source})
 target_compile_options(lodepng PRIVATE -w)

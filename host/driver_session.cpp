@@ -28,8 +28,12 @@ SURFOBJ* Device::Surface() const {
     return surface == nullptr ? nullptr : &surface->Object();
 }
 
-DriverSession::DriverSession(const SessionSetup& setup, Spooler& spooler)
-    : spooler_(spooler), driver_(setup.driver), shell_(setup.installation), engine_(setup.engine) {
+DriverSession::DriverSession(const SessionSetup& setup)
+    : driver_(setup.driver),
+      shell_(setup.installation),
+      engine_(setup.engine),
+      printer_(spooler_.AddPrinter(setup.printerName, setup.driverName)),
+      printerHandle_(spooler_.Open(setup.printerName)) {
     shell_.SetLanguage(setup.language);
     graphics_.Attach(driver_.Module());
     shell_.Attach(driver_.Module());
@@ -37,17 +41,34 @@ DriverSession::DriverSession(const SessionSetup& setup, Spooler& spooler)
     spooler_.Attach(driver_.Module());
 }
 
+DriverSession::~DriverSession() {
+    spooler_.Close(printerHandle_);
+}
+
+void DriverSession::AttachProgram() {
+    shell_.Attach(nullptr);
+    spooler_.Attach(nullptr);
+}
+
+void DriverSession::SetSink(Spooler::Sink sink) {
+    printer_.sink = [this, sink = std::move(sink)](std::string_view bytes) {
+        if (sink(bytes)) return true;
+        ++lostWrites_;
+        return false;
+    };
+}
+
 std::unique_ptr<Device> DriverSession::EnablePdev(std::span<const uint8_t> deviceMode) {
     std::unique_ptr<Device> device(new Device(*this));
     device->deviceMode_ = std::make_unique<GuardedMemory>(deviceMode);
     device->handle_ = graphics_.AddDevice();
     std::fill(std::begin(device->patterns_), std::end(device->patterns_), kStalePattern);
-    std::u16string name = Wide(spooler_.PrinterName());
+    std::u16string name = Wide(printer_.name);
     device->instance_ = Hooks().enablePdev(
         deviceMode.empty() ? nullptr : device->DeviceMode(), nullptr, HS_DDI_MAX, device->patterns_,
         sizeof(GDIINFO), reinterpret_cast<GDIINFO*>(device->capabilities_.Data()), sizeof(DEVINFO),
         reinterpret_cast<DEVINFO*>(device->information_.Data()), device->handle_, AsWchar(name),
-        spooler_.Printer());
+        printerHandle_);
     graphics_.SetInstance(device->handle_, device->instance_);
     return device;
 }
@@ -140,7 +161,7 @@ JobOutcome DriverSession::RunDocument(Device& device, const JobPlan& plan) {
 }
 
 std::string DriverSession::Trouble(uint64_t refusalsBefore) const {
-    if (spooler_.FailedWrites() > 0) return "a write to the spooler failed";
+    if (lostWrites_ > 0) return "a write to the spooler failed";
     if (!graphics_.Complaints().empty()) return graphics_.Complaints().front();
     const EngineBooks& books = engine_.Books();
     if (books.refusalCount == refusalsBefore) return {};

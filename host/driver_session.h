@@ -23,7 +23,9 @@ struct SessionSetup {
     std::filesystem::path driver = DefaultDriverFile();  // plays no part natively
     std::filesystem::path installation;
     EngineSource engine;
-    std::optional<std::string> language;  // abbreviation, such as "DEU"; none: the machine's
+    std::optional<std::string> language;       // abbreviation, such as "DEU"; none: the machine's
+    std::string printerName = "Orvex Series";  // UTF-8
+    std::string driverName = "Orvex Series";   // UTF-8
 };
 
 class DriverSession;
@@ -84,9 +86,9 @@ struct JobOutcome {
 
 class DriverSession {
   public:
-    // Loads the driver and stands all around it. `spooler` must outlive the session. Throws DriverError or
-    // std::runtime_error.
-    DriverSession(const SessionSetup& setup, Spooler& spooler);
+    // Loads the driver, stands all around it and opens the printer. Throws DriverError or std::runtime_error.
+    explicit DriverSession(const SessionSetup& setup);
+    ~DriverSession();
     DriverSession(const DriverSession&) = delete;
     DriverSession& operator=(const DriverSession&) = delete;
 
@@ -95,7 +97,16 @@ class DriverSession {
     GraphicsEngine& Graphics() { return graphics_; }
     EngineLibrary& Engine() { return engine_; }
     ShellAnswers& Shell() { return shell_; }
-    Spooler& Printer() { return spooler_; }
+    Spooler& PrintSpooler() { return spooler_; }
+    // The one printer of the spooler, and the handle under which the driver knows it.
+    Spooler::Printer& Printer() { return printer_; }
+    HANDLE PrinterHandle() const { return printerHandle_; }
+
+    // Where the printer's bytes go from now on. A write that it refuses fails, and fails the job.
+    void SetSink(Spooler::Sink sink);
+
+    // Lets this program's own calls of the spooler and the shell be answered as the driver's are.
+    void AttachProgram();
 
     // The hooks, one by one. A device whose instance is null was refused. Without a device mode the driver
     // gets none.
@@ -114,13 +125,18 @@ class DriverSession {
     JobOutcome RunJob(const JobPlan& plan);
 
   private:
-    // What went wrong since the count of refusals was `refusalsBefore`, in words; empty when nothing did.
+    // What the print engine, the graphics engine or the spooler had to refuse since the count of the print
+    // engine's refusals was `refusalsBefore`, in words; empty when nothing.
     std::string Trouble(uint64_t refusalsBefore) const;
     JobOutcome RunDocument(Device& device, const JobPlan& plan);
 
-    Spooler& spooler_;
+    // The driver comes first and goes last: all others patch its imports.
     DriverLibrary driver_;
     GraphicsEngine graphics_;
     ShellAnswers shell_;
     EngineLibrary engine_;
+    Spooler spooler_;
+    Spooler::Printer& printer_;
+    HANDLE printerHandle_;
+    uint64_t lostWrites_ = 0;
 };
