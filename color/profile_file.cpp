@@ -1,0 +1,48 @@
+#include "color/profile_file.h"
+
+#include "color/color_cache.h"
+#include "color/generic_conversion.h"
+#include "color/profile_colors.h"
+#include "color/profile_header.h"
+#include "support/log.h"
+#include "support/text.h"
+
+int32_t g_profileLoaded = 0;
+
+int32_t ReadProfile(const char* path, char* name, size_t nameSize, bool at600Dpi, uint32_t* cache,
+                    signed char* resolutionCode) {
+    *resolutionCode = kDefaultResolutionCode;
+    BlockReader file(path);
+    ProfileHeader header;
+    if (!ReadProfileHeader(file, path, LogLevel::Error, &header)) return 0;
+    if (!ReadProfileTags(file, {name, nameSize, resolutionCode, at600Dpi})) return 0;
+    if (!ReadProfileColors(file, header, at600Dpi, cache)) return 0;
+    return header.version;
+}
+
+int32_t zvc_load_profile(const char* path, int32_t resolution, signed char* resolutionCode, char* name,
+                         size_t nameSize) {
+    LogTrace("<%s>", "zvc_load_profile");
+    g_profileLoaded = 0;
+    const bool at600Dpi = resolution == kResolution600;
+    if (path != nullptr) {
+        LogInfo("load_profile [%s]", path);
+        g_cacheKind = ReadProfile(path, name, nameSize, at600Dpi, g_colorCache, resolutionCode);
+        const std::string_view nameRead(name, TextLength(name, nameSize));
+        LogInfo("read_profile %d %d %s", g_cacheKind, *resolutionCode, nameRead);
+        if (g_cacheKind > 0) {
+            g_profileLoaded = 1;
+            // Deliberate: this way out is not traced.
+            return g_cacheKind;
+        }
+        LogError("error reading profile %s!", nameRead);
+    } else if (name != nullptr) {
+        CopyText(name, nameSize, "Default");
+    }
+    LogInfo("generic profile");
+    FillWithGenericConversion(g_colorCache, at600Dpi ? kHalfInk : kFullInk);
+    g_profileLoaded = 1;
+    g_cacheKind = kEntries;
+    LogTrace("</%s>", "zvc_load_profile");
+    return g_cacheKind;
+}

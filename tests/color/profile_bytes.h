@@ -1,0 +1,126 @@
+// Builds colour profiles byte by byte, so that a test reads like the format.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <string_view>
+
+#include "color/color_cache.h"
+#include "tests/color/plain_colors.h"
+
+inline std::string Number16(uint32_t value) {
+    return {static_cast<char>(value), static_cast<char>(value >> 8)};
+}
+
+inline std::string Number32(uint32_t value) {
+    return Number16(value & 0xFFFF) + Number16(value >> 16);
+}
+
+inline std::string Tag(char id, std::string_view data) {
+    return std::string(1, id).append(Number16(static_cast<uint32_t>(data.size()))).append(data);
+}
+inline std::string NameTag(std::string_view name) {
+    return Tag(1, name);
+}
+inline std::string ResolutionTag(char other, char at600Dpi) {
+    return Tag(2, std::string{other, at600Dpi});
+}
+
+// The tag area of these tags, or one that claims another length.
+inline std::string TagArea(std::string_view tags, uint32_t length) {
+    return std::string(1, '\x7F').append(Number16(length)).append(tags);
+}
+inline std::string TagArea(std::string_view tags) {
+    return TagArea(tags, static_cast<uint32_t>(tags.size() + 3));
+}
+
+// The fixed header of a file of `size` bytes.
+inline std::string ProfileHead(int version, uint64_t size) {
+    return "ZVC" + std::string(1, static_cast<char>(version)) + Number32(static_cast<uint32_t>(size)) +
+           "????";
+}
+
+// A profile whose header states its real size, all but the colours given.
+inline std::string ProfileBytes(int version, std::string_view tagArea, std::string_view colors) {
+    return ProfileHead(version, 12 + tagArea.size() + colors.size()) + std::string(tagArea) +
+           std::string(colors);
+}
+
+// The size of both variants of a version's colours.
+constexpr uint64_t ColorsSize(int version) {
+    return version < 3 ? 134217728 : version < 5 ? 16777216 : 39304;
+}
+
+// The ink value that the profiles below hold for a colour, another one in each variant.
+constexpr uint32_t ProfileInk(uint32_t color, bool at600Dpi) {
+    return plain::Scramble(color, at600Dpi ? 600 : 300);
+}
+
+// The colours of version 5 in both variants: blue slowest, red fastest.
+template <typename InkOf>
+std::string GridColors(InkOf inkOf) {
+    std::string bytes;
+    for (const bool at600Dpi : {true, false}) {
+        for (int blue = 0; blue < kGridSteps; ++blue) {
+            for (int green = 0; green < kGridSteps; ++green) {
+                for (int red = 0; red < kGridSteps; ++red) {
+                    bytes += Number32(
+                        inkOf(ColorIndex(GridValue(red), GridValue(green), GridValue(blue)), at600Dpi));
+                }
+            }
+        }
+    }
+    return bytes;
+}
+
+// Writes a profile of version 1 to 4 that holds ProfileInk, as it comes: too large to be built in memory
+// first.
+class LargeProfile {
+  public:
+    LargeProfile(const std::filesystem::path& path, int version, std::string_view tags)
+        : file_(path, std::ios::binary), step_(version < 3 ? 1 : 2) {
+        const std::string area = TagArea(tags);
+        Put(ProfileHead(version, 12 + area.size() + ColorsSize(version)) + area);
+        for (const bool at600Dpi : {true, false}) {
+            if (version % 2 == 1) {
+                PutEntries(at600Dpi);
+            } else {
+                for (int place = 3; place >= 0; --place) PutPlane(place, at600Dpi);
+            }
+        }
+    }
+
+  private:
+    void Put(const std::string& bytes) {
+        file_.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    }
+
+    // Calls put(color) for all of the profile's colours in index order, and writes a row of them at a time.
+    template <typename Append>
+    void PutColors(Append append) {
+        std::string row;
+        for (uint32_t red = 0; red < 256; red += step_) {
+            for (uint32_t green = 0; green < 256; green += step_) {
+                row.clear();
+                for (uint32_t blue = 0; blue < 256; blue += step_) append(row, ColorIndex(red, green, blue));
+                Put(row);
+            }
+        }
+    }
+    void PutEntries(bool at600Dpi) {
+        PutColors([&](std::string& row, uint32_t color) {
+            const uint32_t ink = ProfileInk(color, at600Dpi);
+            for (int place = 0; place < 4; ++place) row += static_cast<char>(plain::InkByte(ink, place));
+        });
+    }
+    void PutPlane(int place, bool at600Dpi) {
+        PutColors([&](std::string& row, uint32_t color) {
+            row += static_cast<char>(plain::InkByte(ProfileInk(color, at600Dpi), place));
+        });
+    }
+
+    std::ofstream file_;
+    uint32_t step_;
+};
