@@ -36,12 +36,19 @@ function(orvex_room name)
     endif()
 endfunction()
 
-# orvex_test(ROOM LIBRARY...): tests/ROOM/*_test.cpp as the GoogleTest program ROOM_tests, run by ctest in both builds.
+# orvex_test(ROOM LIBRARY...): tests/ROOM/*.cpp as the GoogleTest program ROOM_tests, run by ctest in both builds.
 function(orvex_test room)
-    file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/${room}/*_test.cpp)
+    file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/${room}/*.cpp)
     if(sources)
         add_executable(${room}_tests ${sources})
         target_link_libraries(${room}_tests PRIVATE ${ARGN} orvex_testing)
         add_test(NAME ${room}_tests COMMAND ${room}_tests)
+        if("orvex_host" IN_LIST ARGN)
+            # These load the driver itself, and its log is one for the machine.
+            if(WIN32)
+                add_dependencies(${room}_tests orvexgdi)
+            endif()
+            set_tests_properties(${room}_tests PROPERTIES RESOURCE_LOCK driver_log)
+        endif()
     endif()
 endfunction()

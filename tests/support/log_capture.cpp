@@ -44,7 +44,10 @@ std::vector<std::string> ReadLogLines(const fs::path& log) {
     return lines;
 }
 
-LogCapture::LogCapture(uint32_t mask) : log_(LogFile()), control_(LogControlFile()) {
+LogCapture::LogCapture(uint32_t mask) : LogCapture(LogFile(), mask) {}
+
+LogCapture::LogCapture(const fs::path& log, uint32_t mask)
+    : log_(log), control_(fs::path(log).replace_extension("dat")) {
     fs::create_directories(log_.parent_path());
     fs::remove(log_);
     WriteBytes(control_, std::to_string(mask));

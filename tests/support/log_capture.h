@@ -1,4 +1,4 @@
-// Turns the diagnostic log of the code linked into this program on, and reads back what was written.
+// Turns a diagnostic log on, and reads back what was written.
 #pragma once
 
 #include <cstdint>
@@ -11,6 +11,8 @@ class LogCapture {
     // Writes the control file with `mask` (1 = errors and information, 2 = trace, 3 = all), loads it, and
     // starts with an empty log.
     explicit LogCapture(uint32_t mask = 3);
+    // The same for the log of a driver that loads its mask itself, when it sets a device up or starts a job.
+    LogCapture(const std::filesystem::path& log, uint32_t mask);
     // Turns the log off and removes its files.
     ~LogCapture();
     LogCapture(const LogCapture&) = delete;

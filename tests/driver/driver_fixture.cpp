@@ -1,0 +1,97 @@
+#include "tests/driver/driver_fixture.h"
+
+#include <cstring>
+
+#include "tests/color/profile_bytes.h"
+
+uint32_t ProfileColor(uint32_t color, bool at600Dpi) {
+    return color == 0xFFFFFF ? 0 : (color ^ (at600Dpi ? 0x5A000000u : 0x3C000000u)) & 0x7FFFFFFF;
+}
+
+DriverTest::DriverTest() {
+    installation.Write(
+        std::string("profiles/") + kProfile,
+        ProfileBytes(5, TagArea(NameTag("Test colours") + ResolutionTag(3, 6)), GridColors(&ProfileColor)));
+}
+
+DeviceMode DriverTest::Mode() {
+    DeviceMode mode = {};
+    mode.pub.dmSpecVersion = mode.pub.dmDriverVersion = kDevModeVersion;
+    mode.pub.dmSize = sizeof mode.pub;
+    mode.pub.dmDriverExtra = sizeof mode.priv;
+    mode.pub.dmFields = DM_ORIENTATION | DM_PAPERSIZE | DM_PAPERLENGTH | DM_PAPERWIDTH | DM_COPIES |
+                        DM_PRINTQUALITY | DM_COLLATE | DM_FORMNAME;
+    mode.pub.dmOrientation = DMORIENT_PORTRAIT;
+    mode.pub.dmPaperSize = kPaperCustom;
+    mode.pub.dmPaperWidth = 300;
+    mode.pub.dmPaperLength = 400;
+    mode.pub.dmPrintQuality = 300;
+    mode.pub.dmCopies = 1;
+    mode.priv.signature = kPrivateSignature;
+    mode.priv.printSetting = 1;
+    mode.priv.copies = 1;
+    mode.priv.chunksize = 500;
+    mode.priv.alignment = 1;
+    mode.priv.purgeDots = 1;
+    mode.priv.purgeGap = 5;
+    mode.priv.dmPaperSize = kPaperDefault;
+    mode.priv.units = kUnitsInches;
+    for (size_t i = 0; i < strlen(kProfile); ++i) mode.priv.colorProfile[i] = static_cast<WCHAR>(kProfile[i]);
+    return mode;
+}
+
+std::vector<uint8_t> DriverTest::Bytes(const DeviceMode& mode) {
+    std::vector<uint8_t> bytes(sizeof mode);
+    memcpy(bytes.data(), &mode, sizeof mode);
+    return bytes;
+}
+
+DriverSession& DriverTest::Session(EngineSource source, uint32_t mask) {
+    if (!session_) {
+        SessionSetup setup;
+        setup.installation = installation.Path();
+        setup.engine = std::move(source);
+        session_.emplace(setup, spooler);
+        log_.emplace(session_->Driver().LogPath(), mask);
+    }
+    return *session_;
+}
+
+DriverSession& DriverTest::Restart(EngineSource source) {
+    log_.reset();
+    session_.reset();
+    return Session(std::move(source));
+}
+
+std::unique_ptr<Device> DriverTest::Enable(const DeviceMode& mode) {
+    DriverSession& session = Session();
+    std::unique_ptr<Device> device = session.EnablePdev(Bytes(mode));
+    EXPECT_NE(device->Instance(), nullptr);
+    session.CompletePdev(*device);
+    EXPECT_TRUE(session.EnableSurface(*device));
+    return device;
+}
+
+std::unique_ptr<Device> DriverTest::StartPage(const DeviceMode& mode, const std::string& title) {
+    std::unique_ptr<Device> device = Enable(mode);
+    EXPECT_TRUE(Session().StartDoc(*device, title));
+    EXPECT_TRUE(Session().StartPage(*device));
+    return device;
+}
+
+std::vector<std::vector<uint32_t>> DriverTest::PrintPage(const DeviceMode& mode) {
+    const std::unique_ptr<Device> device = StartPage(mode);
+    EXPECT_TRUE(Session().SendPage(*device));
+    EXPECT_TRUE(Session().EndDoc(*device));
+    return engine.rows;
+}
+
+uint32_t DriverTest::Pixel(const SURFOBJ& surface, int32_t x, int32_t y) {
+    uint32_t pixel;
+    memcpy(&pixel, static_cast<const uint8_t*>(surface.pvBits) + y * surface.lDelta + x * 4, sizeof pixel);
+    return pixel;
+}
+
+void DriverTest::SetPixel(SURFOBJ& surface, int32_t x, int32_t y, uint32_t color) {
+    memcpy(static_cast<uint8_t*>(surface.pvBits) + y * surface.lDelta + x * 4, &color, sizeof color);
+}

@@ -1,0 +1,65 @@
+// The built driver with a recording print engine, a spooler and an installation folder of the test's own,
+// driven hook by hook.
+#pragma once
+
+#include <gmock/gmock.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "config/device_mode.h"
+#include "host/driver_session.h"
+#include "host/spooler.h"
+#include "tests/driver/recording_engine.h"
+#include "tests/support/log_capture.h"
+#include "tests/support/scratch_folder.h"
+
+class DriverTest : public testing::Test {
+  protected:
+    static constexpr char kProfile[] = "test.zvp";
+    static constexpr char kPrinterName[] = "Orvex Test Printer";
+
+    // Installs a grid profile, "Test colours", whose ink is ProfileColor() of the colour, at every grid
+    // colour.
+    DriverTest();
+
+    // A valid device mode with that profile: portrait, 300 dpi, 30 x 40 mm, centred, no print-head offset.
+    static DeviceMode Mode();
+    static constexpr int32_t kWidthPx = 354;  // of that page
+    static constexpr int32_t kHeightPx = 472;
+
+    static std::vector<uint8_t> Bytes(const DeviceMode& mode);
+
+    // Loads the driver, once, with `engine` or what `source` names. Logging is on, at `mask`.
+    DriverSession& Session() { return Session(engine.Table()); }
+    DriverSession& Session(EngineSource source, uint32_t mask = 3);
+
+    // Unloads the driver and loads it again with another engine.
+    DriverSession& Restart(EngineSource source);
+
+    // A device with its page bitmap.
+    std::unique_ptr<Device> Enable(const DeviceMode& mode);
+    // The same with a job and its first page begun.
+    std::unique_ptr<Device> StartPage(const DeviceMode& mode, const std::string& title = "title");
+    // Prints one white page of a job and returns the engine's rows.
+    std::vector<std::vector<uint32_t>> PrintPage(const DeviceMode& mode);
+
+    std::vector<std::string> LogLines() { return log_->TakeLines(); }
+
+    static uint32_t Pixel(const SURFOBJ& surface, int32_t x, int32_t y);
+    static void SetPixel(SURFOBJ& surface, int32_t x, int32_t y, uint32_t color);
+
+    ScratchFolder installation;
+    Spooler spooler;
+    Spooler::Printer& printer = spooler.AddPrinter(kPrinterName, "Orvex Series");
+    RecordingEngine engine;
+
+  private:
+    std::optional<DriverSession> session_;
+    std::optional<LogCapture> log_;
+};
+
+// The ink of the test profile, another one at 600 dpi; none for white.
+uint32_t ProfileColor(uint32_t color, bool at600Dpi);

@@ -1,0 +1,349 @@
+#include <filesystem>
+
+#include "driver/device_instance.h"
+#include "tests/driver/driver_fixture.h"
+
+namespace fs = std::filesystem;
+using testing::AllOf;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+
+namespace {
+
+PDEV& InstanceOf(const Device& device) {
+    return *reinterpret_cast<PDEV*>(device.Instance());
+}
+
+class PrintJob : public DriverTest {
+  protected:
+    PrintJob() : directoryBefore_(fs::current_path()) {}
+    ~PrintJob() override { EXPECT_EQ(fs::current_path(), directoryBefore_); }
+
+    bool InInstallationFolder() const { return fs::equivalent(fs::current_path(), installation.Path()); }
+    bool Start(const std::unique_ptr<Device>& device, const std::string& title = "title") {
+        return Session().StartDoc(*device, title, 42);
+    }
+    // Ends the job and lets the engine write its header; returns the spooled bytes.
+    std::string HeaderOf(const DeviceMode& mode, const std::string& title = "title") {
+        const auto device = StartPage(mode, title);
+        EXPECT_EQ(engine.Output("@PJL COMMENT x\n"), 1);
+        EXPECT_TRUE(Session().EndDoc(*device));
+        return printer.written;
+    }
+
+  private:
+    fs::path directoryBefore_;
+};
+
+}  // namespace
+
+TEST_F(PrintJob, BindsTheEngineForItsTimeOnly) {
+    const auto device = Enable(Mode());
+    EXPECT_FALSE(Session().Engine().Bound());
+    ASSERT_TRUE(Start(device));
+    EXPECT_TRUE(Session().Engine().Bound());
+    EXPECT_TRUE(InInstallationFolder());
+    EXPECT_EQ(InstanceOf(*device).flags, PDEV_IN_JOB);
+    ASSERT_TRUE(Session().EndDoc(*device));
+    EXPECT_FALSE(Session().Engine().Bound());
+    EXPECT_FALSE(InInstallationFolder());
+    EXPECT_EQ(InstanceOf(*device).flags, 0u);
+    EXPECT_THAT(engine.calls, ElementsAre("JobStart 0 0", "JobEnd"));
+}
+
+TEST_F(PrintJob, TellsTheEngineItsResolutionMode) {
+    DeviceMode mode = Mode();
+    mode.pub.dmPrintQuality = 600;
+    const auto device = Enable(mode);
+    ASSERT_TRUE(Start(device));
+    Session().EndDoc(*device);
+    EXPECT_THAT(engine.calls, ElementsAre("JobStart 1 0", "JobEnd"));
+}
+
+TEST_F(PrintJob, ErasesTheBitmapToWhiteAtItsStartAndForEachPage) {
+    const auto device = StartPage(Mode());
+    const auto& erasures = Session().Graphics().Erasures();
+    ASSERT_EQ(erasures.size(), 2u);
+    for (const Erasure& erasure : erasures) {
+        EXPECT_EQ(erasure.surface, device->Surface());
+        EXPECT_EQ(erasure.color, 0xFFFFFFu);
+        EXPECT_EQ(erasure.area.left, 0);
+        EXPECT_EQ(erasure.area.top, 0);
+        EXPECT_EQ(erasure.area.right, kWidthPx);
+        EXPECT_EQ(erasure.area.bottom, kHeightPx);
+    }
+    Session().EndDoc(*device);
+}
+
+TEST_F(PrintJob, LogsItsNumberAndWholeDocumentName) {
+    const auto device = Enable(Mode());
+    const std::string longTitle(700, 'n');
+    LogLines();
+    ASSERT_TRUE(Start(device, longTitle));
+    EXPECT_THAT(LogLines(), Contains("[Info]  JobId:42 docname:" + longTitle + " 0 0"));
+    Session().EndDoc(*device);
+}
+
+TEST_F(PrintJob, LogsTheProfileThatItLoads) {
+    const auto device = Enable(Mode());
+    LogLines();
+    ASSERT_TRUE(Start(device));
+    const auto lines = LogLines();
+    EXPECT_THAT(lines, Contains("[Info]  Load profile [test.zvp]"));
+    EXPECT_THAT(lines, Contains("[Info]  Profile version:5"));
+    Session().EndDoc(*device);
+}
+
+TEST_F(PrintJob, WithoutAProfilePrintsTheDefaultOne) {
+    fs::remove_all(installation.Path() / "profiles");
+    DeviceMode mode = Mode();
+    mode.priv.colorProfile[0] = 0;
+    EXPECT_THAT(HeaderOf(mode), HasSubstr("@PJL SET PROFILE=\"Default\"\n"));
+    EXPECT_THAT(LogLines(),
+                AllOf(Contains("[Info]  Load deafult profile"), Contains("[Info]  generic profile")));
+}
+
+TEST_F(PrintJob, WithAProfilePrintsItsNameAndResolutionCode) {
+    EXPECT_THAT(HeaderOf(Mode()),
+                AllOf(HasSubstr("@PJL SET PROFILE=\"Test colours\"\n"), HasSubstr("@PJL SET HPRES=3\n")));
+}
+
+TEST_F(PrintJob, WithAMissingProfileKeepsItsFileNameAndPrintsGenericColours) {
+    DeviceMode mode = Mode();
+    mode.priv.colorProfile[0] = 'r';
+    EXPECT_THAT(HeaderOf(mode),
+                AllOf(HasSubstr("@PJL SET PROFILE=\"rest.zvp\"\n"), HasSubstr("@PJL SET HPRES=48\n")));
+    EXPECT_THAT(LogLines(), Contains("[Error] Error: could not open file [profiles\\rest.zvp]"));
+}
+
+TEST_F(PrintJob, StartsEachJobWithoutAResolutionCode) {
+    HeaderOf(Mode());
+    printer.written.clear();
+    fs::remove_all(installation.Path() / "profiles");
+    DeviceMode mode = Mode();
+    mode.priv.colorProfile[0] = 0;
+    EXPECT_THAT(HeaderOf(mode), HasSubstr("@PJL SET HPRES=48\n"));
+}
+
+TEST_F(PrintJob, CutsItsNameTo511Bytes) {
+    EXPECT_THAT(HeaderOf(Mode(), std::string(600, 'n')),
+                HasSubstr("@PJL JOB NAME=\"" + std::string(511, 'n') + "\"\n"));
+}
+
+TEST_F(PrintJob, AppliesNoAdjustmentWhenAllValuesAreZero) {
+    const auto device = Enable(Mode());
+    LogLines();
+    ASSERT_TRUE(Start(device));
+    EXPECT_THAT(LogLines(), Not(Contains(HasSubstr("ca "))));
+    Session().EndDoc(*device);
+}
+
+TEST_F(PrintJob, AppliesTheAdjustmentWhenAnyValueIsSet) {
+    DeviceMode mode = Mode();
+    mode.priv.adj_brightness = 1;
+    mode.priv.adj_saturation = 2;
+    mode.priv.adj_colortone = 3;
+    mode.priv.adj_cyan = 4;
+    mode.priv.adj_magenta = 5;
+    mode.priv.adj_yellow = 6;
+    mode.priv.adj_black = -7;
+    const auto device = Enable(mode);
+    LogLines();
+    ASSERT_TRUE(Start(device));
+    // T, B, S, C, K, Y, M: tone 3 / 100 * 3500, brightness 1 / 200, saturation 2 / 100, cyan 4 * 50,
+    // black -7 * 9341 / 400, yellow 6 * 50, magenta 5 * 50
+    EXPECT_THAT(
+        LogLines(),
+        AllOf(Contains("[Error] ca t:3,b:1,s:2,C:4,M:5,Y:6,K:-7"),
+              Contains(
+                  "[Error] ca 105.000000,0.005000,0.020000,200.000000,-163.467500,300.000000,250.000000")));
+    Session().EndDoc(*device);
+}
+
+TEST_F(PrintJob, FailsWithoutAnInstallationFolder) {
+    const auto device = Enable(Mode());
+    Session().Shell().FailFolder(ERROR_ACCESS_DENIED);
+    LogLines();
+    EXPECT_FALSE(Start(device));
+    EXPECT_THAT(LogLines(),
+                AllOf(Contains("[Error] Error: could get app path"), Contains("[Trace] Return: FALSE")));
+    EXPECT_FALSE(Session().Engine().Bound());
+}
+
+TEST_F(PrintJob, FailsWithoutTheEnginesLibrary) {
+    const auto device = Enable(Mode());
+    Session().Engine().FailLoading(true);
+    LogLines();
+    EXPECT_FALSE(Start(device));
+    EXPECT_THAT(LogLines(), Contains("[Error] Error: could not load hpcrlib.DLL"));
+}
+
+TEST_F(PrintJob, FailsForEachMissingEntryPoint) {
+    struct Export {
+        const char* name;
+        void (*remove)(EngineTable& table);
+    };
+    const Export exports[] = {
+        {"HPCRLIB_JobStart", [](EngineTable& table) { table.jobStart = nullptr; }},
+        {"HPCRLIB_JobEnd", [](EngineTable& table) { table.jobEnd = nullptr; }},
+        {"HPCRLIB_PageStart", [](EngineTable& table) { table.pageStart = nullptr; }},
+        {"HPCRLIB_RasterBlockStart", [](EngineTable& table) { table.rasterBlockStart = nullptr; }},
+        {"HPCRLIB_RasterRow", [](EngineTable& table) { table.rasterRow = nullptr; }},
+        {"HPCRLIB_RasterBlockEnd", [](EngineTable& table) { table.rasterBlockEnd = nullptr; }},
+        {"HPCRLIB_PageEnd", [](EngineTable& table) { table.pageEnd = nullptr; }},
+    };
+    for (const Export& missing : exports) {
+        EngineTable table = engine.Table();
+        missing.remove(table);
+        Restart(table);
+        const auto device = Enable(Mode());
+        LogLines();
+        EXPECT_FALSE(Start(device));
+        EXPECT_THAT(LogLines(),
+                    Contains("[Error] Error: could not get \"" + std::string(missing.name) + "\" address"));
+        EXPECT_EQ(Session().Engine().Books().loads, 1u);
+        EXPECT_FALSE(Session().Engine().Bound());
+        EXPECT_FALSE(InInstallationFolder());
+    }
+}
+
+TEST_F(PrintJob, NamesTheFirstMissingEntryPointOnly) {
+    Restart(EngineTable{});
+    const auto device = Enable(Mode());
+    LogLines();
+    EXPECT_FALSE(Start(device));
+    EXPECT_THAT(LogLines(), AllOf(Contains("[Error] Error: could not get \"HPCRLIB_JobStart\" address"),
+                                  Not(Contains("[Error] Error: could not get \"HPCRLIB_JobEnd\" address"))));
+}
+
+TEST_F(PrintJob, FailsWhenTheEngineStartsNone) {
+    const auto device = Enable(Mode());
+    engine.Fail("JobStart", 1);
+    LogLines();
+    EXPECT_FALSE(Start(device));
+    EXPECT_THAT(LogLines(), Contains("[Error] Error: could not start a job"));
+    EXPECT_FALSE(Session().Engine().Bound());
+    ASSERT_TRUE(Start(device));  // the next attempt finds everything as it should be
+    Session().EndDoc(*device);
+}
+
+TEST_F(PrintJob, ThatFailedToStartEndsWithoutAnEngineCall) {
+    const auto device = Enable(Mode());
+    Session().Engine().FailLoading(true);
+    EXPECT_FALSE(Start(device));
+    EXPECT_TRUE(Session().EndDoc(*device));
+    EXPECT_THAT(engine.calls, IsEmpty());
+    EXPECT_EQ(InstanceOf(*device).flags, 0u);
+}
+
+TEST_F(PrintJob, ReportsAnEngineThatDoesNotEndItAndEndsAllTheSame) {
+    const auto device = Enable(Mode());
+    ASSERT_TRUE(Start(device));
+    engine.Fail("JobEnd", 1, 0x20);
+    LogLines();
+    EXPECT_TRUE(Session().EndDoc(*device));
+    EXPECT_THAT(LogLines(), ElementsAre("[Trace] <DrvEndDoc>", "[Error] Error: could not end the job 20 beef",
+                                        "[Trace] Return: TRUE", "[Trace] </DrvEndDoc>"));
+    EXPECT_FALSE(Session().Engine().Bound());
+}
+
+TEST_F(PrintJob, EndsEvenForAnInvalidInstance) {
+    const auto device = Enable(Mode());
+    ASSERT_TRUE(Start(device));
+    SetLastError(0);
+    EXPECT_FALSE(Session().Hooks().endDoc(nullptr, 0));
+    EXPECT_EQ(GetLastError(), 87u);
+    EXPECT_FALSE(Session().Engine().Bound());
+}
+
+TEST_F(PrintJob, ThatWasNeverEndedIsEndedByTheNext) {
+    const auto device = Enable(Mode());
+    ASSERT_TRUE(Start(device));
+    ASSERT_TRUE(Start(device));
+    EXPECT_EQ(Session().Engine().Books().loads, 2u);
+    EXPECT_EQ(Session().Engine().Books().frees, 1u);
+    EXPECT_THAT(engine.calls, ElementsAre("JobStart 0 0", "JobEnd", "JobStart 0 0"));
+    Session().EndDoc(*device);
+}
+
+TEST_F(PrintJob, NumbersItsPagesBeforeAnyCheck) {
+    const auto device = StartPage(Mode());
+    EXPECT_THAT(LogLines(), Contains("[Info]  Page: 1"));
+    EXPECT_FALSE(Session().Hooks().startPage(nullptr));
+    EXPECT_THAT(LogLines(), ElementsAre("[Trace] <DrvStartPage>", "[Info]  Page: 2", "[Trace] Return: FALSE",
+                                        "[Trace] </DrvStartPage>"));
+    Session().EndDoc(*device);
+}
+
+TEST_F(PrintJob, TakesNoMorePagesWhileTheInstanceSaysSo) {
+    const auto device = StartPage(Mode());
+    InstanceOf(*device).flags |= PDEV_NO_MORE_PAGES;
+    SetLastError(0);
+    EXPECT_FALSE(Session().StartPage(*device));
+    EXPECT_EQ(GetLastError(), 0u);
+    InstanceOf(*device).flags &= ~static_cast<uint32_t>(PDEV_NO_MORE_PAGES);
+    EXPECT_TRUE(Session().StartPage(*device));
+    Session().EndDoc(*device);
+}
+
+TEST_F(PrintJob, GoesOnInTheInstanceOfAReset) {
+    const auto old = StartPage(Mode());
+    EXPECT_EQ(engine.Output("@PJL COMMENT x\n"), 1);
+    ASSERT_TRUE(Session().SendPage(*old));
+    const auto fresh = Enable(Mode());
+    ASSERT_TRUE(Session().ResetPdev(*old, *fresh));
+    LogLines();
+    ASSERT_TRUE(Start(fresh));
+    const auto lines = LogLines();
+    EXPECT_THAT(lines, Contains("[Info]  JobId:42 docname:title 1048576 4"));
+    EXPECT_THAT(lines, Contains(testing::StartsWith("[Info]  pdev: ")));
+    EXPECT_THAT(lines, Not(Contains("[Info]  Load profile [test.zvp]")));
+    Session().DisableSurface(*old);
+    Session().DisablePdev(*old);
+
+    printer.written.clear();
+    EXPECT_EQ(engine.Output("@PJL COMMENT again\n"),
+              1);  // written through the new instance, without a second header
+    EXPECT_EQ(printer.written, "@PJL COMMENT again\n");
+    ASSERT_TRUE(Session().StartPage(*fresh));
+    ASSERT_TRUE(Session().SendPage(*fresh));
+    EXPECT_EQ(InstanceOf(*fresh).pageCount, 2u);
+    ASSERT_TRUE(Session().EndDoc(*fresh));
+    EXPECT_EQ(Session().Engine().Books().jobsStarted, 1u);
+    EXPECT_EQ(InstanceOf(*fresh).flags, 0u);
+}
+
+TEST_F(PrintJob, OfAResetOutsideAJobStartsANewOne) {
+    const auto old = Enable(Mode());
+    const auto fresh = Enable(Mode());
+    ASSERT_TRUE(Session().ResetPdev(*old, *fresh));
+    ASSERT_TRUE(Start(fresh));
+    EXPECT_EQ(Session().Engine().Books().jobsStarted, 1u);
+    Session().EndDoc(*fresh);
+}
+
+TEST_F(PrintJob, IsTracedAndDumpsTheDeviceModeTwice) {
+    const auto device = Enable(Mode());
+    LogLines();
+    ASSERT_TRUE(Start(device));
+    const auto lines = LogLines();
+    EXPECT_EQ(lines.front(), "[Trace] <DrvStartDoc>");
+    EXPECT_EQ(std::count(lines.begin(), lines.end(), "[Trace] <Public-DevMode>"), 2);
+    EXPECT_EQ(lines[lines.size() - 2], "[Trace] Return: TRUE");
+    EXPECT_EQ(lines.back(), "[Trace] </DrvStartDoc>");
+    Session().EndDoc(*device);
+}
+
+TEST_F(PrintJob, LeavesNoPrinterHandleOpen) {
+    const size_t before = spooler.OpenHandles();
+    {
+        const auto device = StartPage(Mode());
+        Session().SendPage(*device);
+        Session().EndDoc(*device);
+    }
+    EXPECT_LE(spooler.OpenHandles(), before + 1);  // the job's own
+    EXPECT_THAT(spooler.Misuses(), IsEmpty());
+}

@@ -1,0 +1,48 @@
+// A print engine's library in this process that writes down every call, keeps every row and fails when it is
+// told to.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/engine_library.h"
+
+class RecordingEngine {
+  public:
+    RecordingEngine();
+    ~RecordingEngine();
+    RecordingEngine(const RecordingEngine&) = delete;
+    RecordingEngine& operator=(const RecordingEngine&) = delete;
+
+    EngineTable Table() const;
+
+    // Makes the n-th call of that name from now on, 1 being the next, return `status` instead of success.
+    void Fail(const std::string& call, int nth, uint32_t status = 0) { failures_[call] = {nth, status}; }
+
+    // Hands bytes to the driver's output callback, as the library does inside its calls. The callback's
+    // result.
+    int32_t Output(std::string_view bytes);
+
+    static constexpr uint64_t kJob = 0x1'0000'BEEF;  // wider than 32 bits
+
+    std::vector<std::string> calls;           // every call but the rows, with its arguments
+    std::vector<std::vector<uint32_t>> rows;  // of the current block
+    std::function<void()> onPageStart;        // inside HPCRLIB_PageStart
+    HPCRLIB_OutputCallback output = nullptr;
+    void* context = nullptr;
+
+  private:
+    friend struct RecordingEntryPoints;
+    struct Failure {
+        int countdown;
+        uint32_t status;
+    };
+    uint32_t Status(const char* call);
+
+    std::map<std::string, Failure> failures_;
+    uint32_t rowWidth_ = 0;
+};

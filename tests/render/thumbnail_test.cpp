@@ -1,0 +1,162 @@
+#include "render/thumbnail.h"
+
+#include <gmock/gmock.h>
+
+#include <cstring>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include "host/import_patch.h"
+#include "tests/support/installation_fixture.h"
+#include "tests/support/log_capture.h"
+#include "tests/support/picture.h"
+
+using testing::AllOf;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::Not;
+
+namespace {
+
+struct Thumbnail {
+    int32_t result;
+    std::string text;
+};
+
+Thumbnail Build(const std::vector<uint32_t>& pixels, int32_t width, int32_t height) {
+    char* text = nullptr;
+    size_t length = 0;
+    const int32_t result = BuildPageThumbnail(pixels.data(), width, height, &text, &length);
+    Thumbnail thumbnail{result, text == nullptr ? "" : std::string(text, length)};
+    if (text != nullptr) EXPECT_EQ(text[length], '\0');
+    free(text);
+    return thumbnail;
+}
+
+std::vector<uint32_t> Gradient(int32_t width, int32_t height) {
+    std::vector<uint32_t> pixels;
+    for (int32_t y = 0; y < height; ++y) {
+        for (int32_t x = 0; x < width; ++x) {
+            pixels.push_back(
+                static_cast<uint32_t>((x * 7 & 0xFF) << 16 | (y * 5 & 0xFF) << 8 | ((x + y) * 3 & 0xFF)));
+        }
+    }
+    return pixels;
+}
+
+}  // namespace
+
+TEST(ThumbnailScale, IsGovernedByTheSideThatExceedsItsLimitByMore) {
+    EXPECT_EQ(ThumbnailScale(4000, 2400, 800, 600), 3);  // 4000, 2000, 1000, 500
+    EXPECT_EQ(ThumbnailScale(2400, 4000, 800, 600), 3);  // 4000, 2000, 1000, 500
+    EXPECT_EQ(ThumbnailScale(800, 600, 800, 600), 0);
+    EXPECT_EQ(ThumbnailScale(801, 600, 800, 600), 1);
+    EXPECT_EQ(ThumbnailScale(800, 601, 800, 600), 1);
+}
+
+TEST(ThumbnailScale, ChecksOnlyTheGoverningSide) {
+    EXPECT_EQ(ThumbnailScale(1000, 1000, 300, 999), 2);
+}
+
+TEST(ThumbnailScale, TruncatesALimitWithAFraction) {
+    EXPECT_EQ(ThumbnailScale(801, 1, 800.9, 600), 1);
+}
+
+TEST(ThumbnailScale, IsOffBelowALimitOfAHundred) {
+    EXPECT_EQ(ThumbnailScale(4000, 2400, 99.9, 600), 0);
+    EXPECT_EQ(ThumbnailScale(4000, 2400, 800, 0), 0);
+    EXPECT_EQ(ThumbnailScale(4000, 2400, 800, -1), 0);
+    EXPECT_EQ(ThumbnailScale(4000, 2400, std::numeric_limits<double>::quiet_NaN(), 600), 0);
+    EXPECT_EQ(ThumbnailScale(4000, 2400, 100, 100), 6);
+}
+
+TEST(ThumbnailScale, HoldsForAbsurdLimits) {
+    EXPECT_EQ(ThumbnailScale(4000, 2400, 1e300, 1e300), 0);
+    EXPECT_EQ(ThumbnailScale(4000, 2400, std::numeric_limits<double>::infinity(), 600), 2);
+}
+
+TEST(ThumbnailPixels, AreTruncatedMeansOfTheirBlocksAndOpaque) {
+    const std::vector<uint32_t> pixels = {
+        0x00000001, 0x11000002, 0x00FF0000, 0x00FF0000,  //
+        0x22000003, 0x33000005, 0x00FF0000, 0x00FE0000,
+    };
+    uint32_t out[2];
+    ReducePixels(pixels.data(), 4, 2, 1, out);
+    EXPECT_THAT(out, ElementsAre(0xFF000002, 0xFFFE0000));  // 11 / 4, (3 * 255 + 254) / 4
+}
+
+TEST(ThumbnailPixels, LeaveOutWhatIsNoWholeBlock) {
+    std::vector<uint32_t> pixels(5 * 3, 0x00123456);
+    pixels[4] = pixels[9] = pixels[14] = 0x00FFFFFF;
+    std::vector<uint32_t> out(2, 0);
+    ReducePixels(pixels.data(), 5, 3, 1, out.data());
+    EXPECT_THAT(out, ElementsAre(0xFF123456, 0xFF123456));
+}
+
+TEST(ThumbnailPixels, OfAnUnscaledPageGetAnOpaqueTopByteOnly) {
+    const std::vector<uint32_t> pixels = {0x00123456, 0xAA654321};
+    uint32_t out[2];
+    ReducePixels(pixels.data(), 2, 1, 0, out);
+    EXPECT_THAT(out, ElementsAre(0xFF123456, 0xFF654321));
+}
+
+TEST(ThumbnailPixels, HoldFullSumsOfLargeBlocks) {
+    const std::vector<uint32_t> pixels(512 * 512, 0x00FFFEFD);
+    uint32_t out[1];
+    ReducePixels(pixels.data(), 512, 512, 9, out);
+    EXPECT_EQ(out[0], 0xFFFFFEFDu);
+}
+
+TEST(Thumbnail, DecodesToThePageReducedToItsLimits) {
+    const InstallationFixture installation;
+    installation.WriteSettings("[Driver]\nthumb_max_width=100\nthumb_max_height=100\n");
+    const std::vector<uint32_t> page = Gradient(400, 120);
+    LogCapture log;
+    const Thumbnail thumbnail = Build(page, 400, 120);
+    EXPECT_EQ(thumbnail.result, 1);
+
+    const Picture picture = DecodePicture(DecodeBase64(thumbnail.text));
+    ASSERT_EQ(picture.width, 100);
+    ASSERT_EQ(picture.height, 30);
+    std::vector<uint32_t> expected(100 * 30);
+    ReducePixels(page.data(), 400, 120, 2, expected.data());
+    // The encoder takes the bytes of a pixel as they lie in memory: blue comes first.
+    EXPECT_EQ(memcmp(picture.rgba.data(), expected.data(), picture.rgba.size()), 0);
+
+    const size_t png = DecodeBase64(thumbnail.text).size();
+    EXPECT_THAT(log.TakeLines(), ElementsAre("[Info]  add page thumb 400x120", "[Info]  thumb scale 2",
+                                             "[Info]  scaled image 100x30 4", "", "[Info]  pngencode 0",
+                                             "[Info]  generated base64 png " + std::to_string(png) + "->" +
+                                                 std::to_string(thumbnail.text.size())));
+}
+
+TEST(Thumbnail, OfASmallPageIsItsFullSizeCopy) {
+    const InstallationFixture installation;
+    const std::vector<uint32_t> page = Gradient(80, 60);
+    LogCapture log;
+    const Picture picture = DecodePicture(DecodeBase64(Build(page, 80, 60).text));
+    EXPECT_EQ(picture.width, 80);
+    EXPECT_EQ(picture.height, 60);
+    EXPECT_THAT(log.TakeLines(), AllOf(Contains("[Info]  thumb scale 0"),
+                                       Not(Contains(testing::StartsWith("[Info]  scaled image")))));
+}
+
+TEST(Thumbnail, SaysNothingOfAScaleWhenALimitTurnsItOff) {
+    const InstallationFixture installation;
+    installation.WriteSettings("[Driver]\nthumb_max_width=99\n");
+    LogCapture log;
+    const Picture picture = DecodePicture(DecodeBase64(Build(Gradient(900, 10), 900, 10).text));
+    EXPECT_EQ(picture.width, 900);
+    EXPECT_THAT(log.TakeLines(), Not(Contains(testing::StartsWith("[Info]  thumb scale"))));
+}
+
+TEST(Thumbnail, OfAPageThatIsReducedToNothingIsRefusedByTheEncoder) {
+    const InstallationFixture installation;
+    LogCapture log;
+    const Thumbnail thumbnail = Build(Gradient(1700, 2), 1700, 2);  // 1700 x 2 becomes 425 x 0
+    EXPECT_EQ(thumbnail.result, 1);
+    EXPECT_EQ(thumbnail.text, "");
+    EXPECT_THAT(log.TakeLines(),
+                AllOf(Contains("[Info]  pngencode 93"), Contains("[Info]  failed to generate png")));
+}
