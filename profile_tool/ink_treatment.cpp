@@ -25,11 +25,17 @@ uint32_t ScaleInk(uint32_t inks, double scalePercent) {
     return PackInks(scaled(kBlackInk), scaled(kCyanInk), scaled(kMagentaInk), scaled(kYellowInk));
 }
 
+InkSource Treated(InkSource source, double limitPercent, double scalePercent) {
+    return [=](std::span<const uint32_t> colors, std::span<uint32_t> inks) {
+        source(colors, inks);
+        for (size_t i = 0; i < colors.size(); ++i) {
+            const uint32_t treated = AvoidMark(ScaleInk(LimitInk(inks[i], limitPercent), scalePercent));
+            inks[i] = colors[i] == kWhite ? 0 : treated;
+        }
+    };
+}
+
 void FillVariants(Profile& profile, const InkSource& source, const InkTreatment& treatment) {
-    profile.other = SampleVariant(profile.version, source);
-    profile.other.back() = 0;
-    for (uint32_t& inks : profile.other) inks = LimitInk(inks, treatment.limit);
-    profile.at600 = profile.other;
-    for (uint32_t& inks : profile.at600) inks = AvoidMark(ScaleInk(inks, treatment.scaleAt600));
-    for (uint32_t& inks : profile.other) inks = AvoidMark(ScaleInk(inks, treatment.scaleOther));
+    profile.at600 = SampleVariant(profile.version, Treated(source, treatment.limit, treatment.scaleAt600));
+    profile.other = SampleVariant(profile.version, Treated(source, treatment.limit, treatment.scaleOther));
 }

@@ -28,6 +28,9 @@ struct InkTreatment {
     double scaleOther = kUsualScaleOther;
 };
 
-// Fills both variants. White gets no ink, whatever the source says: the driver takes paper as the colour
-// without ink.
+// The source with a limit and a scale applied. White gets no ink, whatever the source says: to the driver,
+// paper is the colour without ink. No value is the driver's "not computed" mark.
+InkSource Treated(InkSource source, double limitPercent, double scalePercent);
+
+// Samples both variants for the profile's version.
 void FillVariants(Profile& profile, const InkSource& source, const InkTreatment& treatment);

@@ -1,10 +1,6 @@
 #include "profile_tool/profile_reader.h"
 
-#include <algorithm>
 #include <fstream>
-#include <stdexcept>
-
-#include "profile_tool/ink.h"
 
 namespace {
 
@@ -20,24 +16,16 @@ class ProfileInput {
         in_.seekg(0);
         return end < 0 ? 0 : static_cast<uint64_t>(end);
     }
-    // As many of `size` bytes as the file still has; returns how many.
-    size_t Take(void* bytes, size_t size) {
-        in_.read(static_cast<char*>(bytes), static_cast<std::streamsize>(size));
-        const size_t taken = static_cast<size_t>(in_.gcount());
-        in_.clear();
-        offset_ += taken;
-        return taken;
-    }
+    // As many of `size` bytes as the file still has.
     std::string Take(size_t size) {
         std::string bytes(size, '\0');
-        bytes.resize(Take(bytes.data(), size));
+        in_.read(bytes.data(), static_cast<std::streamsize>(size));
+        bytes.resize(static_cast<size_t>(in_.gcount()));
+        in_.clear();
+        offset_ += bytes.size();
         return bytes;
     }
     uint64_t Offset() const { return offset_; }
-    void Seek(uint64_t offset) {
-        in_.seekg(static_cast<std::streamoff>(offset));
-        offset_ = offset;
-    }
 
   private:
     std::ifstream in_;
@@ -122,25 +110,6 @@ std::string CheckData(ProfileInput& in, ProfileFacts& facts) {
     return found != expected ? "invalid file size " + Compared(found, expected) : "";
 }
 
-Variant FromPlanes(const Variant& stored) {
-    const uint8_t* planes = reinterpret_cast<const uint8_t*>(stored.data());  // Y, M, C, K
-    const size_t count = stored.size();
-    Variant variant(count);
-    for (size_t i = 0; i < count; ++i) {
-        variant[i] = PackInks(planes[3 * count + i], planes[2 * count + i], planes[count + i], planes[i]);
-    }
-    return variant;
-}
-
-Variant ReadVariant(ProfileInput& in, const VersionLayout& layout) {
-    Variant stored(layout.Entries());
-    if (in.Take(stored.data(), layout.VariantSize()) < layout.VariantSize()) {
-        throw std::runtime_error("the file became shorter while it was read");
-    }
-    if (layout.planes) return FromPlanes(stored);
-    return layout.blueFirst ? SwapAxes(layout.steps, stored) : stored;
-}
-
 }  // namespace
 
 std::optional<std::string> ProfileFacts::Name() const {
@@ -172,18 +141,4 @@ ProfileFacts InspectProfile(const std::filesystem::path& path) {
     if (facts.Accepted()) facts.problem = ReadTags(in, facts);
     if (facts.Accepted()) facts.problem = CheckData(in, facts);
     return facts;
-}
-
-Profile ReadProfileFile(const std::filesystem::path& path) {
-    const ProfileFacts facts = InspectProfile(path);
-    if (!facts.Accepted()) throw std::runtime_error(path.string() + ": " + facts.problem);
-    Profile profile;
-    profile.version = facts.version;
-    profile.name = facts.Name();
-    profile.codes = facts.Codes();
-    ProfileInput in(path);
-    in.Seek(facts.dataOffset);
-    profile.at600 = ReadVariant(in, LayoutOf(facts.version));
-    profile.other = ReadVariant(in, LayoutOf(facts.version));
-    return profile;
 }

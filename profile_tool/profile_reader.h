@@ -35,6 +35,3 @@ struct ProfileFacts {
 
 // Never throws: a file that can't be opened has that as its problem.
 ProfileFacts InspectProfile(const std::filesystem::path& path);
-
-// Throws std::runtime_error with the reader's message when the driver would not accept the file.
-Profile ReadProfileFile(const std::filesystem::path& path);

@@ -66,6 +66,13 @@ void WriteVariant(const VersionLayout& layout, const Variant& variant, std::ostr
     }
 }
 
+void CheckLength(std::string_view name, size_t least) {
+    if (name.size() < least || name.size() > kLongestName) {
+        throw std::invalid_argument("a profile's name has 1 to " + std::to_string(kLongestName) +
+                                    " characters, not " + std::to_string(name.size()));
+    }
+}
+
 void CheckVariant(const VersionLayout& layout, const Variant& variant, const char* which) {
     if (variant.size() != layout.Entries()) {
         throw std::invalid_argument("the variant for " + std::string(which) + " has " +
@@ -89,7 +96,7 @@ void CheckProfile(const Profile& profile) {
         throw std::invalid_argument(
             "a profile needs a name or resolution codes: the driver reads at least one tag");
     }
-    if (profile.name) CheckProfileName(*profile.name);
+    if (profile.name) CheckLength(*profile.name, 0);
     CheckVariant(LayoutOf(profile.version), profile.at600, "600 dpi");
     CheckVariant(LayoutOf(profile.version), profile.other, "other resolutions");
 }
@@ -97,10 +104,7 @@ void CheckProfile(const Profile& profile) {
 }  // namespace
 
 void CheckProfileName(std::string_view name) {
-    if (name.empty() || name.size() > kLongestName) {
-        throw std::invalid_argument("a profile's name has 1 to " + std::to_string(kLongestName) +
-                                    " characters, not " + std::to_string(name.size()));
-    }
+    CheckLength(name, 1);
     const auto printable = [](char character) { return character >= ' ' && character <= '~'; };
     if (!std::all_of(name.begin(), name.end(), printable)) {
         throw std::invalid_argument(

@@ -36,6 +36,18 @@ Matrix Inverse(const Matrix& m) {
     return inverse;
 }
 
+// A mean that keeps close to the least of the densities, yet has no kink where they are equal: the driver
+// interpolates greys from corners beside the grey axis, and a kink there would show as waves in every grey
+// ramp.
+double NeutralDensity(const std::array<double, kChannels>& densities) {
+    double sum = 0;
+    for (double density : densities) {
+        if (density <= 0) return 0;
+        sum += std::pow(density, -3);
+    }
+    return std::pow(sum / kChannels, -1.0 / 3);
+}
+
 Matrix InkDensities(const SeparationModel& model) {
     Matrix densities;
     for (int channel = 0; channel < kChannels; ++channel) {
@@ -102,7 +114,7 @@ uint32_t Separation::Inks(uint32_t color) const {
     std::array<double, kChannels> wanted = {WantedDensity(color >> 16 & 0xFF),
                                             WantedDensity(color >> 8 & 0xFF), WantedDensity(color & 0xFF)};
     const double neutral = *std::min_element(wanted.begin(), wanted.end());
-    const double black = BlackShare(neutral);
+    const double black = std::min(BlackShare(NeutralDensity(wanted)), neutral);
     for (double& density : wanted) density = neutral - black + CompressedChroma(density - neutral);
 
     std::array<double, kInks> fractions = {black / Solid(model_.inks[kBlackInk], 0)};

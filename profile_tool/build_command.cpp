@@ -1,0 +1,98 @@
+// orvexprofile build --icc PRINTER.icc -o FILE.zvp: a profile from a printer's ICC profile.
+#include <memory>
+
+#include "profile_tool/commands.h"
+#include "profile_tool/conversion.h"
+#include "profile_tool/icc_profile.h"
+#include "profile_tool/ink_treatment.h"
+#include "profile_tool/profile_writer.h"
+#include "profile_tool/report.h"
+#include "viewer/printable_text.h"
+
+namespace {
+
+struct BuildOptions {
+    std::string icc;
+    std::string output;
+    int version = kLastVersion;
+    RenderingIntent intent = RenderingIntent::Perceptual;
+    bool blackPointCompensation = false;
+    std::string name;
+    std::string codes;
+    InkTreatment treatment;
+};
+
+constexpr int kComparedStep = 5;  // of the colours at which the driver's answer is compared
+
+Profile BuildProfile(const BuildOptions& options, const IccProfile& icc) {
+    Profile profile;
+    profile.version = options.version;
+    profile.name =
+        options.name.empty() ? std::filesystem::path(options.output).stem().string() : options.name;
+    CheckProfileName(*profile.name);
+    if (!options.codes.empty()) profile.codes = ParseResolutionCodes(options.codes);
+    FillVariants(profile, icc.Source(), options.treatment);
+    return profile;
+}
+
+// How far the driver's answers through the file lie from those of the ICC profile itself.
+void ReportAccuracy(std::ostream& out, const BuildOptions& options, const IccProfile& icc,
+                    PrintVariant variant) {
+    const bool at600 = variant == PrintVariant::At600;
+    const double scale = at600 ? options.treatment.scaleAt600 : options.treatment.scaleOther;
+    const std::vector<uint32_t> colors = ColorsEvery(kComparedStep);
+    std::vector<uint32_t> wanted(colors.size());
+    Treated(icc.Source(), options.treatment.limit, scale)(colors, wanted);
+    LoadIntoDriver(options.output, variant);
+    ReportDifference(out, std::string("Driver against ICC, ") + (at600 ? "600 dpi" : "other resolutions"),
+                     CompareInks(wanted, PrintedInks(colors)));
+}
+
+void Build(const BuildOptions& options, std::ostream& out) {
+    const IccProfile icc(options.icc, options.intent, options.blackPointCompensation);
+    out << "From " << viewer::PrintableText(icc.Description()) << '\n';
+    WriteAcceptedProfile(BuildProfile(options, icc), options.output, out);
+    if (const std::string_view loss = VersionLoss(options.version); !loss.empty()) out << loss << '\n';
+    ReportAccuracy(out, options, icc, PrintVariant::At600);
+    ReportAccuracy(out, options, icc, PrintVariant::Other);
+}
+
+const std::map<std::string, RenderingIntent> kIntents = {{"perceptual", RenderingIntent::Perceptual},
+                                                         {"relative", RenderingIntent::RelativeColorimetric},
+                                                         {"saturation", RenderingIntent::Saturation},
+                                                         {"absolute", RenderingIntent::AbsoluteColorimetric}};
+
+}  // namespace
+
+void AddBuildCommand(CLI::App& app, std::ostream& out) {
+    CLI::App* command = app.add_subcommand("build", "Makes a profile from a printer's ICC CMYK profile");
+    const auto options = std::make_shared<BuildOptions>();
+    command->add_option("--icc", options->icc, "The printer's ICC profile")->required();
+    command->add_option("-o,--output", options->output, "The profile to write")->required();
+    command->add_option("--version", options->version, "The version of the profile, 1 to 5 (default 5)")
+        ->check(CLI::Range(kFirstVersion, kLastVersion));
+    command
+        ->add_option("--intent", options->intent,
+                     "perceptual (default), relative, saturation or absolute; white stays without ink")
+        ->transform(CLI::Transformer(kIntents));
+    command->add_flag("--black-point-compensation", options->blackPointCompensation,
+                      "Maps black to the printer's black");
+    command->add_option("--name", options->name,
+                        "The profile's name, 1 to 511 ASCII characters (default: the file's name)");
+    command->add_option(
+        "--resolution-codes", options->codes,
+        "The engine's resolution codes OTHER,600, each -128 to 127 (default: the driver's own)");
+    command
+        ->add_option("--ink-limit", options->treatment.limit,
+                     "All inks together, 100 to 400 percent (default 400)")
+        ->check(CLI::Range(kLeastInkLimit, kNoInkLimit));
+    command
+        ->add_option("--scale-600", options->treatment.scaleAt600,
+                     "Scales the variant for 600 dpi, 1 to 200 percent (default 50)")
+        ->check(CLI::Range(1.0, kLargestScale));
+    command
+        ->add_option("--scale-other", options->treatment.scaleOther,
+                     "Scales the variant for other resolutions, 1 to 200 percent (default 100)")
+        ->check(CLI::Range(1.0, kLargestScale));
+    command->callback([&out, options] { Build(*options, out); });
+}

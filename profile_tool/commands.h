@@ -1,0 +1,35 @@
+// The commands of orvexprofile, each a subcommand of the same command line. A command throws std::exception,
+// in words, when it can't do what is asked, and leaves no half-written file under an asked name.
+#pragma once
+
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+
+#include "profile_tool/driver_colors.h"
+
+// The exit status that a command leaves behind.
+struct CommandResult {
+    int status = 0;
+};
+
+void AddInfoCommand(CLI::App& app, std::ostream& out, CommandResult& result);
+void AddBuildCommand(CLI::App& app, std::ostream& out);
+void AddConvertCommand(CLI::App& app, std::ostream& out);
+void AddApplyCommand(CLI::App& app, std::ostream& out);
+void AddChartCommand(CLI::App& app, std::ostream& out);
+
+// Runs the tool with the arguments that follow its name. Returns the exit status: 0, 1 when the command could
+// not do what was asked or `info` looked at a file that the driver refuses, or the command-line parser's own.
+int RunProfileTool(std::vector<std::string> arguments, std::ostream& out, std::ostream& err);
+
+// --variant: which of the profile's two a picture shows.
+void AddVariantOption(CLI::App& command, PrintVariant& variant);
+
+// The text of --resolution-codes: two numbers with a comma between.
+ResolutionCodes ParseResolutionCodes(const std::string& text);
+
+// Writes the profile, has the driver's reader take both variants of it, and tells what was written.
+void WriteAcceptedProfile(const Profile& profile, const std::filesystem::path& path, std::ostream& out);

@@ -1,0 +1,8 @@
+// orvexprofile: makes, converts and shows colour profiles.
+#include <iostream>
+
+#include "profile_tool/commands.h"
+
+int main(int argc, char** argv) {
+    return RunProfileTool(std::vector<std::string>(argv + 1, argv + argc), std::cout, std::cerr);
+}
