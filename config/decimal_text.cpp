@@ -1,0 +1,53 @@
+#include "config/decimal_text.h"
+
+#include <algorithm>
+#include <clocale>
+#include <cstdlib>
+#include <cstring>
+
+#include "support/heap.h"
+#include "support/text.h"
+
+namespace {
+
+// White space as the "C" locale has it.
+constexpr std::string_view kWhitespace = " \t\n\v\f\r";
+
+bool IsDecimal(std::string_view text) {
+    if (text.starts_with('+') || text.starts_with('-')) text.remove_prefix(1);
+    bool point = false;
+    for (const char c : text) {
+        if (c == '.' && !point) {
+            point = true;
+        } else if (c < '0' || c > '9') {
+            return false;
+        }
+    }
+    return true;
+}
+
+}  // namespace
+
+DWORD ParseDecimal(const char* text, double* out) {
+    return text == nullptr ? kErrorDecimalText : ParseDecimal(std::string_view(text), out);
+}
+
+DWORD ParseDecimal(std::string_view text, double* out) {
+    if (out == nullptr) return kErrorDecimalOut;
+    if (!IsDecimal(text)) return kErrorDecimalSyntax;
+    const size_t size = text.size() + 1;
+    const HeapArray<char> copy = AllocateArray<char>(size);
+    if (!copy) return kErrorDecimalMemory;
+    CopyText(copy.get(), size, text);
+    // atof reads the point of the process's locale.
+    if (char* point = strchr(copy.get(), '.')) *point = *localeconv()->decimal_point;
+    *out = atof(copy.get());
+    return ERROR_SUCCESS;
+}
+
+void TrimWhitespace(char* text) {
+    std::string_view kept = text;
+    kept.remove_prefix(std::min(kept.find_first_not_of(kWhitespace), kept.size()));
+    kept = kept.substr(0, kept.find_last_not_of(kWhitespace) + 1);
+    CopyText(text, strlen(text) + 1, kept);
+}

@@ -1,0 +1,57 @@
+#include "config/spooler_queries.h"
+
+#include "support/log.h"
+#include "support/text.h"
+
+namespace {
+
+constexpr DWORD kPrinterInfoLevel = 2;
+
+// Both log the failure and keep its code as the last error, which logging changes.
+HeapArray<WCHAR> QueryFailed() {
+    const DWORD code = GetLastError();
+    LogError("GetPrinterName: GetPrinter failed: 0x%x", code);
+    SetLastError(code);
+    return nullptr;
+}
+
+HeapArray<WCHAR> MemoryShort() {
+    LogError("GetPrinterName: malloc failed");
+    SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+    return nullptr;
+}
+
+}  // namespace
+
+HeapArray<WCHAR> GetPrinterName(HANDLE printer) {
+    DWORD needed = 0;
+    GetPrinterW(printer, kPrinterInfoLevel, nullptr, 0, &needed);
+    if (needed < sizeof(PRINTER_INFO_2W)) return QueryFailed();
+    const HeapArray<BYTE> buffer = AllocateArray<BYTE>(needed);
+    if (!buffer) return MemoryShort();
+    if (!GetPrinterW(printer, kPrinterInfoLevel, buffer.get(), needed, &needed)) return QueryFailed();
+    HeapArray<WCHAR> name =
+        DuplicateText(reinterpret_cast<const PRINTER_INFO_2W*>(buffer.get())->pPrinterName);
+    return name ? std::move(name) : MemoryShort();
+}
+
+HANDLE OpenPrinterWithAccess(HANDLE printer, DWORD access) {
+    HeapArray<WCHAR> name = GetPrinterName(printer);
+    if (!name) return nullptr;
+    HANDLE opened = nullptr;
+    PRINTER_DEFAULTSW defaults = {nullptr, nullptr, access};
+    DWORD code = ERROR_SUCCESS;
+    if (!OpenPrinterW(name.get(), &opened, &defaults)) {
+        code = GetLastError();
+        opened = nullptr;
+        LogError("OpenPrinterWithAccess: error %d (%d)", code, access);
+    }
+    name.reset();
+    SetLastError(code);
+    return opened;
+}
+
+DWORD LastFailure() {
+    const DWORD code = GetLastError();
+    return code != ERROR_SUCCESS ? code : ERROR_GEN_FAILURE;
+}
