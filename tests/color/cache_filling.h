@@ -18,10 +18,9 @@ void FillCache(int32_t kind, uint32_t others, Holds holds, InkOf inkOf) {
     g_cacheKind = kind;
 }
 
-// Puts inkOf(color) at the 4,913 grid points, the sentinel everywhere else.
+// Puts inkOf(color) at the 4,913 grid points and leaves the other entries.
 template <typename InkOf>
-void FillGrid(InkOf inkOf) {
-    std::fill_n(g_colorCache, kCacheEntries, kNotComputed);
+void FillGridPoints(InkOf inkOf) {
     for (int red = 0; red < kGridSteps; ++red) {
         for (int green = 0; green < kGridSteps; ++green) {
             for (int blue = 0; blue < kGridSteps; ++blue) {
@@ -30,6 +29,13 @@ void FillGrid(InkOf inkOf) {
             }
         }
     }
+}
+
+// Puts inkOf(color) at the grid points, the sentinel everywhere else.
+template <typename InkOf>
+void FillGrid(InkOf inkOf) {
+    std::fill_n(g_colorCache, kCacheEntries, kNotComputed);
+    FillGridPoints(inkOf);
     g_cacheKind = kGrid;
 }
 

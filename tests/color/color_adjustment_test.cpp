@@ -1,0 +1,401 @@
+#include "color/color_adjustment.h"
+
+#include <gmock/gmock.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <iterator>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "color/ink_grid.h"
+#include "color/lab_color.h"
+#include "tests/color/cache_filling.h"
+#include "tests/color/plain_colors.h"
+#include "tests/support/installation_fixture.h"
+#include "tests/support/log_capture.h"
+
+using testing::ElementsAre;
+
+namespace {
+
+// The seven values and their scales, for a computation written out at length.
+struct Values {
+    int brightness = 0, saturation = 0, tone = 0, cyan = 0, magenta = 0, yellow = 0, black = 0;
+};
+struct Scales {
+    double tone = 100, saturation = 100, brightness = 100, black = 200, yellow = 100, cyan = 100,
+           magenta = 100;
+};
+
+double Linear(double v) {
+    return v <= 0.0404482362771076 ? v / 12.92 : pow((v + 0.055) / 1.055, 2.4);
+}
+
+double Curve(double t) {
+    return t >= 0.008856451679035631 ? pow(t, 0.333333333333333)
+                                     : t * 7.787037037037037 + 0.13793103448275862;
+}
+
+double Inverse(double f) {
+    return f >= 0.20689655172413793 ? f * f * f : (f - 0.13793103448275862) * 0.12841854934601665;
+}
+
+double Displayed(double v) {
+    return v <= 0.0031306684425005883 ? 12.92 * v : 1.055 * pow(v, 0.4166666666666667) - 0.055;
+}
+
+double Clamp(double value, double low, double high) {
+    if (!(value >= low)) value = low;  // what is no number as well
+    if (value > high) value = high;
+    return value;
+}
+
+// One byte between eight grid points, in double precision.
+uint32_t LongHandByte(const std::vector<uint32_t>& grid, int blue, int green, int red, int place) {
+    const auto fraction = [](int v) { return v == 255 ? 1.0 : (v - v / 16 * 16) * 0.0625; };
+    const auto at = [&](int i, int j, int k) {
+        const int r = std::min(red / 16 + i, 16), g = std::min(green / 16 + j, 16),
+                  b = std::min(blue / 16 + k, 16);
+        return double(plain::InkByte(grid[static_cast<size_t>(289 * r + 17 * g + b)], place));
+    };
+    const double fb = fraction(blue), fg = fraction(green), fr = fraction(red);
+    double plane[2];
+    for (int i = 0; i < 2; ++i) {
+        double line[2];
+        for (int j = 0; j < 2; ++j) line[j] = at(i, j, 0) * (1 - fb) + at(i, j, 1) * fb;
+        plane[i] = line[0] * (1 - fg) + line[1] * fg;
+    }
+    return static_cast<uint8_t>(plane[0] * (1 - fr) + plane[1] * fr);
+}
+
+uint32_t LongHandLookup(const std::vector<uint32_t>& grid, int blue, int green, int red) {
+    return plain::Ink(LongHandByte(grid, blue, green, red, 0), LongHandByte(grid, blue, green, red, 1),
+                      LongHandByte(grid, blue, green, red, 2), LongHandByte(grid, blue, green, red, 3));
+}
+
+std::vector<uint32_t> LongHandAdjustment(const std::vector<uint32_t>& grid, const Values& v,
+                                         const Scales& s) {
+    const double ca = -48.1 / sqrt(-48.1 * -48.1 + -14.1 * -14.1),
+                 cb = -14.1 / sqrt(-48.1 * -48.1 + -14.1 * -14.1);
+    const double ma = 98.2 / sqrt(98.2 * 98.2 + -60.8 * -60.8),
+                 mb = -60.8 / sqrt(98.2 * 98.2 + -60.8 * -60.8);
+    const double ya = -21.6 / sqrt(-21.6 * -21.6 + 94.5 * 94.5),
+                 yb = 94.5 / sqrt(-21.6 * -21.6 + 94.5 * 94.5);
+    const double T = v.tone / s.tone * 7000 * 0.5;
+    const double S = v.saturation / s.saturation;
+    const double B = v.brightness / s.brightness * 0.5;
+    const double K = 9341 / s.black * 0.5 * v.black;
+    const double Yv = v.yellow * s.yellow * 0.5, Cv = v.cyan * s.cyan * 0.5, Mv = v.magenta * s.magenta * 0.5;
+    double gamma = 1 - 0.75 * B;
+    if (B < 0) gamma = 1 - 3 * B;
+
+    std::vector<uint32_t> adjusted;
+    for (int i = 0; i <= 16; ++i) {
+        for (int j = 0; j <= 16; ++j) {
+            for (int k = 0; k <= 16; ++k) {
+                const double R = Linear(16 * i), G = Linear(16 * j), Bl = Linear(16 * k);
+                const double X0 =
+                    (0.41239558896741424 * R + 0.3575834307637148 * G + 0.18049264738170157 * Bl) / 0.950456;
+                const double Y0 = 0.21258623078559555 * R + 0.7151703037034108 * G + 0.07220049864333623 * Bl;
+                const double Z0 =
+                    (0.019297215491746945 * R + 0.11918386458084854 * G + 0.9504971251315798 * Bl) / 1.088754;
+                const double L = 116 * Curve(Y0) - 16;
+                const double a = 500 * (Curve(X0) - Curve(Y0));
+                const double b = 200 * (Curve(Y0) - Curve(Z0));
+
+                const double L1 = Clamp((pow(L / 9340, gamma) * 9340 - L) + L - K, 1, 9341);
+                const double a1 = Clamp(a * S + a + (ca * Cv + ya * Yv + ma * Mv), -6595, 7926);
+                const double b1 = Clamp(b * S + b + T + (cb * Cv + yb * Yv + mb * Mv), -8701, 7621);
+
+                const double fy = (L1 + 16) / 116, fx = a1 / 500 + fy, fz = fy - b1 / 200;
+                const double X = Inverse(fx) * 0.950456, Y = Inverse(fy), Z = Inverse(fz) * 1.088754;
+                double r = 3.2406 * X - 1.5372 * Y - 0.4986 * Z;
+                double g = -0.9689 * X + 1.8758 * Y + 0.0415 * Z;
+                double bl = 0.0557 * X - 0.204 * Y + 1.057 * Z;
+                const double low = std::min(std::min(r, g), bl);
+                if (low < 0) r += -low, g += -low, bl += -low;
+                const int red = static_cast<int>(std::min(Displayed(r), 255.0));
+                const int green = static_cast<int>(std::min(Displayed(g), 255.0));
+                const int blue = static_cast<int>(std::min(Displayed(bl), 255.0));
+                adjusted.push_back(LongHandLookup(grid, blue, green, red));
+            }
+        }
+    }
+    adjusted.back() = grid.back();
+    return adjusted;
+}
+
+// The grid that the cache holds now, and one of its entries.
+std::vector<uint32_t> GridOfCache() {
+    std::vector<uint32_t> grid;
+    for (int i = 0; i <= 16; ++i) {
+        for (int j = 0; j <= 16; ++j) {
+            for (int k = 0; k <= 16; ++k)
+                grid.push_back(g_colorCache[ColorIndex(GridValue(i), GridValue(j), GridValue(k))]);
+        }
+    }
+    return grid;
+}
+
+uint32_t SmoothInk(uint32_t color) {
+    return plain::Ink(0, 255 - plain::Red(color), 255 - plain::Green(color), 255 - plain::Blue(color));
+}
+
+uint32_t ScrambledInk(uint32_t color) {
+    return color == 0xFFFFFF ? 0 : plain::Scramble(color, 44);
+}
+
+void Adjust(const Values& v) {
+    AdjustColors({v.brightness, v.saturation, v.tone, v.cyan, v.magenta, v.yellow, v.black});
+}
+
+// Adjusts a cache with this grid and compares all of its grid points with the computation at length.
+template <typename InkOf>
+void ExpectLongHand(InkOf inkOf, const Values& values, const Scales& scales = {}) {
+    FillGridPoints(inkOf);
+    const std::vector<uint32_t> want = LongHandAdjustment(GridOfCache(), values, scales);
+    Adjust(values);
+    EXPECT_EQ(g_cacheKind, 5);
+    const std::vector<uint32_t> have = GridOfCache();
+    ASSERT_EQ(have.size(), want.size());
+    for (size_t i = 0; i < have.size(); ++i) {
+        ASSERT_EQ(have[i], want[i]) << "point " << i << " brightness " << values.brightness << " saturation "
+                                    << values.saturation << " tone " << values.tone << " cyan " << values.cyan
+                                    << " magenta " << values.magenta << " yellow " << values.yellow
+                                    << " black " << values.black;
+    }
+}
+
+class ColorAdjustment : public testing::Test {
+  protected:
+    InstallationFixture installation_;
+};
+
+constexpr int Values::*kEach[] = {&Values::brightness, &Values::saturation, &Values::tone, &Values::cyan,
+                                  &Values::magenta,    &Values::yellow,     &Values::black};
+
+}  // namespace
+
+TEST_F(ColorAdjustment, EqualsTheLongHandComputationForEachValueAlone) {
+    for (const auto value : kEach) {
+        for (const int amount : {-128, -100, -37, -1, 1, 50, 127}) {
+            Values values;
+            values.*value = amount;
+            ExpectLongHand(ScrambledInk, values);
+        }
+    }
+}
+
+TEST_F(ColorAdjustment, EqualsTheLongHandComputationForAllValuesTogether) {
+    ExpectLongHand(SmoothInk, {100, 100, 100, 100, 100, 100, 100});
+    ExpectLongHand(SmoothInk, {-100, -100, -100, -100, -100, -100, -100});
+    ExpectLongHand(ScrambledInk, {100, -100, 100, -100, 100, -100, 100});
+    ExpectLongHand(ScrambledInk, {-100, 100, -100, 100, -100, 100, -100});
+    ExpectLongHand(ScrambledInk, {3, -5, 7, -11, 13, -17, 19});
+    ExpectLongHand(ScrambledInk, {-40, 25, 10, 5, -5, 30, -20});
+    ExpectLongHand(ScrambledInk, {0, 0, 0, 0, 0, 0, 0});
+}
+
+TEST_F(ColorAdjustment, EqualsTheLongHandComputationForPairsOfValues) {
+    for (size_t one = 0; one < std::size(kEach); ++one) {
+        for (size_t other = 0; other < one; ++other) {
+            Values values;
+            values.*kEach[one] = 60;
+            values.*kEach[other] = -45;
+            ExpectLongHand(SmoothInk, values);
+        }
+    }
+}
+
+TEST_F(ColorAdjustment, TakesItsScalesFromTheSettings) {
+    installation_.WriteSettings(
+        "[Color]\r\ntone_scale=50\r\nsaturation_scale=80\r\nbrightness_scale=120\r\nblack_scale=300\r\n"
+        "yellow_scale=10\r\ncyan_scale=20\r\nmagenta_scale=30.5\r\n");
+    ExpectLongHand(ScrambledInk, {10, 20, 30, 40, 50, 60, 70}, {50, 80, 120, 300, 10, 20, 30.5});
+    installation_.WriteSettings("[Color]\r\ncyan_scale=7\r\n");
+    ExpectLongHand(ScrambledInk, {10, 20, 30, 40, 50, 60, 70}, {.cyan = 7});
+}
+
+TEST_F(ColorAdjustment, IsBoundedWhenScalesAreZero) {
+    installation_.WriteSettings(
+        "[Color]\ntone_scale=0\nsaturation_scale=0\nbrightness_scale=0\nblack_scale=0\nyellow_scale=0\ncyan_"
+        "scale=0\n"
+        "magenta_scale=0\n");
+    const Scales zero{0, 0, 0, 0, 0, 0, 0};
+    ExpectLongHand(ScrambledInk, {1, 1, 1, 1, 1, 1, 1}, zero);
+    ExpectLongHand(ScrambledInk, {-1, -1, -1, -1, -1, -1, -1}, zero);
+    ExpectLongHand(ScrambledInk, {0, 0, 0, 0, 0, 0, 0}, zero);
+}
+
+TEST_F(ColorAdjustment, IsBoundedWhateverTheScalesAre) {
+    for (const char* scale : {"1e308", "-1e308", "1e-300", "nan", "inf", "-inf", "-100", "x"}) {
+        std::ostringstream settings;
+        settings << "[Color]\n";
+        for (const char* name : {"tone", "saturation", "brightness", "black", "yellow", "cyan", "magenta"}) {
+            settings << name << "_scale=" << scale << '\n';
+        }
+        installation_.WriteSettings(settings.str());
+        const double number = atof(scale);
+        const Scales scales{number, number, number, number, number, number, number};
+        ExpectLongHand(ScrambledInk, {100, 100, 100, 100, 100, 100, 100}, scales);
+        ExpectLongHand(ScrambledInk, {-100, 0, -100, 0, -100, 0, -100}, scales);
+    }
+}
+
+TEST_F(ColorAdjustment, LogsHowFarItMovesAsAnError) {
+    installation_.WriteSettings("[Color]\r\n");
+    FillGrid(SmoothInk);
+    LogCapture log;
+    Adjust({.brightness = 20,
+            .saturation = 30,
+            .tone = 10,
+            .cyan = 40,
+            .magenta = 70,
+            .yellow = 60,
+            .black = 50});
+    EXPECT_THAT(
+        log.TakeLines(),
+        ElementsAre("[Error] ca 350.000000,0.100000,0.300000,2000.000000,1167.625000,3000.000000,3500.000000",
+                    ""));
+}
+
+TEST_F(ColorAdjustment, WithoutSettingsLooksForEachScaleAndTakesTheDefaults) {
+    FillGrid(SmoothInk);
+    LogCapture log;
+    Adjust({.brightness = -20, .black = -1});
+    std::vector<std::string> want(7, "[Error] failed to open settings.inf");
+    want.push_back("[Error] ca 0.000000,-0.100000,0.000000,0.000000,-23.352500,0.000000,0.000000");
+    want.push_back("");
+    EXPECT_EQ(log.TakeLines(), want);
+}
+
+TEST_F(ColorAdjustment, LeavesTheGridOnlyWhateverFilledTheCache) {
+    for (const int32_t kind : {1, 2, 3, 4}) {
+        FillCache(
+            kind, kind == 4 ? kNotComputed : 0,
+            [&](uint32_t color) { return kind < 3 || plain::IsAllEven(color); }, ScrambledInk);
+        const std::vector<uint32_t> want =
+            LongHandAdjustment(GridOfCache(), {.saturation = 40, .cyan = -30}, {});
+        Adjust({.saturation = 40, .cyan = -30});
+        EXPECT_EQ(g_cacheKind, 5);
+        EXPECT_TRUE(SameForEveryColor(StoredEntry, [&](uint32_t color) {
+            if (!plain::IsGridPoint(color)) return kNotComputed;
+            const auto step = [](uint32_t component) { return (component + 1) / 16; };
+            return want[step(plain::Red(color)) * 289 + step(plain::Green(color)) * 17 +
+                        step(plain::Blue(color))];
+        })) << kind;
+    }
+}
+
+TEST_F(ColorAdjustment, TakesSentinelsOfTheGridAsTheyAre) {
+    // As a profile of version 4 leaves it: grid points at 255 are not computed yet.
+    FillCache(4, kNotComputed, plain::IsAllEven, SmoothInk);
+    const std::vector<uint32_t> grid = GridOfCache();
+    EXPECT_EQ(grid[16], kNotComputed);
+    const std::vector<uint32_t> want = LongHandAdjustment(grid, {.brightness = 30}, {});
+    Adjust({.brightness = 30});
+    EXPECT_EQ(GridOfCache(), want);
+    EXPECT_EQ(g_colorCache[0xFFFFFF], kNotComputed);
+}
+
+TEST_F(ColorAdjustment, KeepsTheProfilesWhite) {
+    for (const uint32_t white : {0u, 0x01020304u}) {
+        FillGrid([&](uint32_t color) { return color == 0xFFFFFF ? white : 0x80808080u; });
+        Adjust({.tone = 80, .black = 100});
+        EXPECT_EQ(g_colorCache[0xFFFFFF], white);
+    }
+}
+
+TEST_F(ColorAdjustment, OfBlackAloneLowersTheLightness) {
+    FillGrid([](uint32_t color) {
+        return plain::Ink(255 - std::max({plain::Red(color), plain::Green(color), plain::Blue(color)}), 0, 0,
+                          0);
+    });
+    Adjust({.black = 20});
+    uint32_t darker = 0;
+    for (int step = 1; step < 16; ++step) {
+        const uint32_t grey = ColorIndex(GridValue(step), GridValue(step), GridValue(step));
+        EXPECT_GE(g_colorCache[grey], 255 - GridValue(step));
+        darker += g_colorCache[grey] > 255 - GridValue(step);
+    }
+    EXPECT_GT(darker, 10u);
+}
+
+TEST(GridLookup, EqualsTheInterpolationInDoublePrecision) {
+    std::vector<uint32_t> points;
+    for (uint32_t i = 0; i < kGridPoints; ++i) points.push_back(plain::Scramble(i));
+    InkGrid grid;
+    std::copy(points.begin(), points.end(), grid.inks);
+    for (int red = 0; red < 256; red += red < 232 ? 7 : 1) {
+        for (int green = 0; green < 256; green += green < 232 ? 5 : 1) {
+            for (int blue = 0; blue < 256; ++blue) {
+                ASSERT_EQ(GridLookup(grid, blue, green, red, blue % 2 == 0),
+                          LongHandLookup(points, blue, green, red))
+                    << red << ' ' << green << ' ' << blue;
+            }
+        }
+    }
+}
+
+TEST(GridLookup, ReachesTheLastPointAt255Only) {
+    InkGrid grid{};
+    grid.inks[InkGrid::Index(16, 16, 16)] = 0xFFFFFFFF;
+    EXPECT_EQ(GridLookup(grid, 255, 255, 255, false), 0xFFFFFFFFu);
+    EXPECT_EQ(GridLookup(grid, 254, 255, 255, false), 0xDFDFDFDFu);  // 14/16 of 255
+    EXPECT_EQ(GridLookup(grid, 240, 255, 255, false), 0u);
+}
+
+TEST(GridLookup, StaysInsideTheGrid) {
+    // Sanitizers watch the ends of the grid.
+    const auto grid = std::make_unique<InkGrid>();
+    for (uint32_t i = 0; i < kGridPoints; ++i) grid->inks[i] = plain::Scramble(i);
+    for (const int below : {-1, -15, -16, -17, -300, INT32_MIN}) {
+        EXPECT_EQ(GridLookup(*grid, below, below, below, false), grid->inks[0]);
+        EXPECT_EQ(GridLookup(*grid, below, 255, 16, false), grid->inks[InkGrid::Index(1, 16, 0)]);
+    }
+    for (const int above : {256, 271, 272, 4000, INT32_MAX}) {
+        EXPECT_EQ(GridLookup(*grid, above, above, above, false), grid->inks[kGridPoints - 1]);
+    }
+}
+
+TEST(LabColor, RunsToThousandsSinceComponentsAreNotDividedBy255) {
+    const LabColor white = RgbToLab(256, 256, 256);
+    EXPECT_NEAR(white.lightness, 9371, 1);
+    EXPECT_NEAR(white.a, 0, 2);
+    EXPECT_NEAR(white.b, 0, 2);
+    EXPECT_NEAR(RgbToLab(255, 255, 255).lightness, 9341, 1);
+    EXPECT_NEAR(RgbToLab(0, 0, 0).lightness, 0, 1e-9);
+    EXPECT_LT(RgbToLab(0, 256, 0).a, -6500);
+    EXPECT_GT(RgbToLab(256, 0, 256).a, 7900);
+    EXPECT_LT(RgbToLab(0, 0, 256).b, -8700);
+    EXPECT_GT(RgbToLab(256, 256, 0).b, 7600);
+}
+
+TEST(LabColor, UsesTheStraightPartsOfItsCurvesNearBlack) {
+    // All below the ends of the straight parts: 0.04 / 12.92 is 0.0031, less than 0.0089.
+    const LabColor dark = RgbToLab(0.04, 0.04, 0.04);
+    EXPECT_NEAR(dark.lightness, 116 * (0.04 / 12.92) * 7.787037037037037, 1e-3);
+    const RgbColor back = LabToRgb(0.0009, 0.001, 0.001);
+    EXPECT_DOUBLE_EQ(back.r, 12.92 * (3.2406 * 0.0009 - 1.5372 * 0.001 - 0.4986 * 0.001));
+}
+
+TEST(LabColor, LiftsColoursThatAreOutOfReach) {
+    // Pure X has negative green; all three rise by as much.
+    const RgbColor lifted = LabToRgb(1, 0, 0);
+    EXPECT_EQ(lifted.g, 0);
+    EXPECT_DOUBLE_EQ(lifted.r, 1.055 * pow(3.2406 + 0.9689, 0.4166666666666667) - 0.055);
+    EXPECT_DOUBLE_EQ(lifted.b, 1.055 * pow(0.0557 + 0.9689, 0.4166666666666667) - 0.055);
+}
+
+TEST(LabColor, ComesBackFromWhereItWent) {
+    for (const double r : {0.0, 1.0, 80.0, 256.0}) {
+        for (const double g : {0.0, 30.0, 200.0}) {
+            const XyzColor xyz = LabToXyz(RgbToLab(r, g, 128));
+            const RgbColor back = LabToRgb(xyz.x, xyz.y, xyz.z);
+            EXPECT_NEAR(back.g, g, 0.5);
+        }
+    }
+}
