@@ -1,0 +1,63 @@
+// Takes what the engine outputs, and prints small jobs.
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "engine/print_stream.h"
+#include "tests/engine/hpcrlib_functions.h"
+
+inline constexpr uint32_t kMode300Dpi = 0;
+inline constexpr uint32_t kMode600Dpi = 1;
+
+using Rows = std::vector<std::vector<uint32_t>>;
+
+// The output callback's context: every chunk, and a callback that fails from one chunk on.
+struct EngineOutput {
+    std::vector<std::string> chunks;
+    size_t failFrom = SIZE_MAX;
+    std::function<void()> during;  // called within the callback
+
+    static int32_t HPCRLIB_CALL Take(const uint8_t* data, uint32_t length, void* context) {
+        auto& output = *static_cast<EngineOutput*>(context);
+        if (output.during) output.during();
+        if (output.chunks.size() >= output.failFrom) return 0;
+        output.chunks.emplace_back(reinterpret_cast<const char*>(data), length);
+        return 1;
+    }
+
+    uint64_t StartJob(uint32_t mode = kMode600Dpi) { return HPCRLIB_JobStart(&Take, this, mode, 0); }
+
+    // The print file: all but the framing chunk.
+    std::string File() const {
+        std::string file;
+        for (size_t i = 1; i < chunks.size(); ++i) file += chunks[i];
+        return file;
+    }
+};
+
+// A page that holds a block of that size at the top.
+inline uint32_t StartFittingPage(uint64_t job, uint32_t rowWidth, uint32_t rows, uint32_t unit = 12) {
+    return HPCRLIB_PageStart(job, unit * rowWidth + 2400, unit * rows + 2400);
+}
+
+// One page of these rows, all of one width. Whether every call succeeded.
+inline bool PrintPage(uint64_t job, const Rows& rows, uint32_t top = 0) {
+    const auto count = static_cast<uint32_t>(rows.size());
+    const auto width = static_cast<uint32_t>(rows[0].size());
+    bool good = HPCRLIB_PageStart(job, 24 * width + 2400, print_stream::kFullPageLength) == 1 &&
+                HPCRLIB_RasterBlockStart(job, 0, top, width, count) == 1;
+    for (const std::vector<uint32_t>& row : rows) good = good && HPCRLIB_RasterRow(job, row.data()) == 1;
+    return good && HPCRLIB_RasterBlockEnd(job) == 1 && HPCRLIB_PageEnd(job) == 1;
+}
+
+// The output of a job of these pages.
+inline EngineOutput PrintJob(const std::vector<Rows>& pages, uint32_t mode = kMode600Dpi) {
+    EngineOutput output;
+    const uint64_t job = output.StartJob(mode);
+    for (const Rows& page : pages) PrintPage(job, page);
+    HPCRLIB_JobEnd(job);
+    return output;
+}

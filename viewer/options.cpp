@@ -1,0 +1,90 @@
+#include "viewer/options.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <map>
+
+namespace viewer {
+
+namespace {
+
+constexpr const char* kDescription =
+    "Shows a print file made with the stand-in print engine: the job header as a table, the geometry of "
+    "every page,\n"
+    "and each page as PREFIX-pageN.png, its inks laid on white paper.\n"
+    "\n"
+    "A raster row lies along the paper feed, one row for each place across the print head; so a portrait "
+    "label is sent\n"
+    "turned by a quarter. Pictures are turned back as the label reads.";
+
+constexpr const char* kExamples =
+    "Examples:\n"
+    "  orvexview job.prn                          tables, and job-page1.png, job-page2.png, ...\n"
+    "  orvexview job.prn -o look/job --inks       also look/job-page1-K.png, -C, -M and -Y: one ink each in "
+    "grey\n"
+    "  orvexview job.prn --layout --page 1        also job-page1-layout.png: the page in its place under the "
+    "head\n"
+    "  orvexview job.prn --no-pictures            the tables alone\n"
+    "  orvexview job.prn --verify label.png       how far page 1 is from the picture that was printed\n"
+    "\n"
+    "Exit status: 0 when all went well; 1 when the file is not sound, a picture can't be written or sizes "
+    "differ from\n"
+    "the picture to verify; other values for a wrong command line.";
+
+}  // namespace
+
+std::optional<Options> ReadOptions(std::vector<std::string> arguments, int& status) {
+    const std::map<std::string, Orientation> orientations = {{"portrait", Orientation::kPortrait},
+                                                             {"landscape", Orientation::kLandscape}};
+    Options options;
+    Orientation orientation = Orientation::kPortrait;
+    bool noPictures = false;
+    bool full = false;
+    CLI::App app(kDescription, "orvexview");
+    app.footer(kExamples);
+    app.add_option("FILE", options.file, "The print file")->required();
+    app.add_option("-o,--output", options.prefix,
+                   "What the names of the pictures begin with; default: FILE without its extension")
+        ->type_name("PREFIX");
+    app.add_option("-p,--page", options.pages, "Only this page, from 1; may be given several times")
+        ->type_name("N")
+        ->check(CLI::PositiveNumber);
+    app.add_flag("--inks", options.inks, "One grey picture per ink as well: PREFIX-pageN-K.png, -C, -M, -Y");
+    app.add_flag(
+        "--layout", options.layout,
+        "PREFIX-pageN-layout.png as well: the whole print head as a grey band with a tick every 10 mm, the\n"
+        "page in its place on it; fill rows are bluish, the purge bar is yellowish");
+    app.add_flag("--raw", options.raw, "Pictures as sent: not turned, fill rows and purge bar included");
+    CLI::Option* scale =
+        app.add_option(
+               "--scale", options.scale,
+               "K x K pixels become one, 1 to 1000; default: the longer side gets at most 1600 pixels")
+            ->type_name("K")
+            ->check(CLI::Range(1u, kMaxScale));
+    app.add_flag("--full", full, "Every pixel, the same as --scale 1")->excludes(scale);
+    CLI::Option* asked = app.add_option("--orientation", orientation,
+                                        "portrait or landscape, where the job header does not tell it")
+                             ->type_name("HOW")
+                             ->transform(CLI::CheckedTransformer(orientations));
+    app.add_option("--thumbnail", options.thumbnail, "Writes the job's thumbnail, a PNG, to this file")
+        ->type_name("FILE");
+    app.add_option("--verify", options.verify,
+                   "Compares the first page shown, at every pixel, with a PNG of the label's size in pixels")
+        ->type_name("PAGE.png");
+    app.add_flag("--no-pictures", noPictures, "Writes no pictures of pages")
+        ->excludes("--inks")
+        ->excludes("--layout");
+    try {
+        std::reverse(arguments.begin(), arguments.end());  // as CLI11 takes them
+        app.parse(std::move(arguments));
+    } catch (const CLI::ParseError& error) {
+        status = app.exit(error);
+        return std::nullopt;
+    }
+    options.pictures = !noPictures;
+    if (full) options.scale = 1;
+    if (asked->count() > 0) options.orientation = orientation;
+    return options;
+}
+
+}  // namespace viewer
