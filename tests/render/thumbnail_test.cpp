@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "host/import_patch.h"
+#include "tests/support/allocation_failure.h"
 #include "tests/support/installation_fixture.h"
 #include "tests/support/log_capture.h"
 #include "tests/support/picture.h"
@@ -29,7 +30,7 @@ Thumbnail Build(const std::vector<uint32_t>& pixels, int32_t width, int32_t heig
     size_t length = 0;
     const int32_t result = BuildPageThumbnail(pixels.data(), width, height, &text, &length);
     Thumbnail thumbnail{result, text == nullptr ? "" : std::string(text, length)};
-    if (text != nullptr) EXPECT_EQ(text[length], '\0');
+    EXPECT_TRUE(text == nullptr || text[length] == '\0');
     free(text);
     return thumbnail;
 }
@@ -151,12 +152,49 @@ TEST(Thumbnail, SaysNothingOfAScaleWhenALimitTurnsItOff) {
     EXPECT_THAT(log.TakeLines(), Not(Contains(testing::StartsWith("[Info]  thumb scale"))));
 }
 
-TEST(Thumbnail, OfAPageThatIsReducedToNothingIsRefusedByTheEncoder) {
+TEST(Thumbnail, OfAPageThatIsReducedToNothingIsStillEncoded) {
     const InstallationFixture installation;
     LogCapture log;
-    const Thumbnail thumbnail = Build(Gradient(1700, 2), 1700, 2);  // 1700 x 2 becomes 425 x 0
+    const Thumbnail thumbnail = Build(Gradient(1700, 2), 1700, 2);
+    EXPECT_EQ(thumbnail.result, 1);
+    const std::string png = DecodeBase64(thumbnail.text);
+    EXPECT_EQ(png.substr(16, 8), std::string("\0\0\x01\xA9\0\0\0\0", 8));  // 425 x 0
+    EXPECT_THAT(log.TakeLines(), AllOf(Contains("[Info]  scaled image 425x0 4"), Contains("[Info]  pngencode 0")));
+}
+
+TEST(Thumbnail, IsNotMadeWithoutMemoryForItsPixels) {
+    const InstallationFixture installation;
+    const std::vector<uint32_t> page = Gradient(80, 60);
+    LogCapture log;
+    const AllocationFailure failure(80 * 60 * 4);
+    const Thumbnail thumbnail = Build(page, 80, 60);
+    EXPECT_EQ(failure.Count(), 1);
+    EXPECT_EQ(thumbnail.result, 0);
+    EXPECT_EQ(thumbnail.text, "");
+    EXPECT_EQ(log.TakeLines().back(), "[Info]  failed to alloc thumbnail bytes");
+}
+
+TEST(Thumbnail, IsNotMadeWhenThePngIsNot) {
+    const InstallationFixture installation;
+    const std::vector<uint32_t> page = Gradient(80, 60);
+    LogCapture log;
+    const AllocationFailure failure(60 * (1 + 80 * 3));  // the encoder's filtered lines
+    const Thumbnail thumbnail = Build(page, 80, 60);
+    EXPECT_EQ(failure.Count(), 1);
     EXPECT_EQ(thumbnail.result, 1);
     EXPECT_EQ(thumbnail.text, "");
-    EXPECT_THAT(log.TakeLines(),
-                AllOf(Contains("[Info]  pngencode 93"), Contains("[Info]  failed to generate png")));
+    EXPECT_THAT(log.TakeLines(), AllOf(Contains("[Info]  pngencode 83"), Contains("[Info]  failed to generate png")));
+}
+
+TEST(Thumbnail, IsNotMadeWhenTheBase64TextIsNot) {
+    const InstallationFixture installation;
+    const std::vector<uint32_t> page = Gradient(80, 60);
+    const size_t png = DecodeBase64(Build(page, 80, 60).text).size();
+    LogCapture log;
+    const AllocationFailure failure(png * 4 / 3 + 5);
+    const Thumbnail thumbnail = Build(page, 80, 60);
+    EXPECT_EQ(failure.Count(), 1);
+    EXPECT_EQ(thumbnail.result, 1);
+    EXPECT_EQ(thumbnail.text, "");
+    EXPECT_EQ(log.TakeLines().back(), "[Info]  failed to generate base64 png");
 }
