@@ -13,7 +13,7 @@ constexpr double kMmPerInch = 25.4;
 
 // A picture cut to the label's size in another program may be a pixel larger than this device's rounding of
 // it.
-constexpr double kSparePx = 1;
+constexpr double kSparePx = 1.5;
 
 // Pixels of the device along one axis, not rounded.
 double DevicePixels(uint32_t pixels, double perMetre, uint32_t dpi) {

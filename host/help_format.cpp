@@ -1,0 +1,38 @@
+#include "host/help_format.h"
+
+#include <sstream>
+
+namespace {
+
+constexpr size_t kFirstColumn = 30;
+constexpr size_t kLineWidth = 100;
+
+}  // namespace
+
+std::string HelpFormat::make_usage(const CLI::App*, std::string name) const {
+    return "Usage: " + name + " [options] -o FILE PAGE.png...\n";
+}
+
+std::string HelpFormat::make_option(const CLI::Option* option, bool isPositional) const {
+    std::string line = "  " + option->get_name(isPositional, !isPositional);
+    const std::string type = option->get_type_name();
+    if (!type.empty()) line += (type.starts_with('[') ? "" : " ") + type;
+    std::string out;
+    if (line.size() + 1 > kFirstColumn) {
+        out = line + "\n";
+        line.clear();
+    }
+    line.resize(kFirstColumn, ' ');
+    std::istringstream words(option->get_description());
+    bool fresh = true;
+    for (std::string word; words >> word;) {
+        if (!fresh && line.size() + 1 + word.size() > kLineWidth) {
+            out += line + "\n";
+            line.assign(kFirstColumn, ' ');
+            fresh = true;
+        }
+        line += (fresh ? "" : " ") + word;
+        fresh = false;
+    }
+    return out + line + "\n";
+}

@@ -1,0 +1,10 @@
+// How the help looks: two columns, the second one broken into lines of a terminal's width.
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+class HelpFormat : public CLI::Formatter {
+  public:
+    std::string make_usage(const CLI::App* app, std::string name) const override;
+    std::string make_option(const CLI::Option* option, bool isPositional) const override;
+};
