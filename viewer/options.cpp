@@ -3,6 +3,9 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <map>
+#include <memory>
+
+#include "host/help_format.h"
 
 namespace viewer {
 
@@ -31,6 +34,13 @@ constexpr const char* kExamples =
     "differ from\n"
     "the picture to verify; other values for a wrong command line.";
 
+class ViewHelpFormat : public HelpFormat {
+  public:
+    std::string make_usage(const CLI::App*, std::string name) const override {
+        return "Usage: " + name + " [options] FILE\n";
+    }
+};
+
 }  // namespace
 
 std::optional<Options> ReadOptions(std::vector<std::string> arguments, int& status) {
@@ -41,6 +51,7 @@ std::optional<Options> ReadOptions(std::vector<std::string> arguments, int& stat
     bool noPictures = false;
     bool full = false;
     CLI::App app(kDescription, "orvexview");
+    app.formatter(std::make_shared<ViewHelpFormat>());
     app.footer(kExamples);
     app.add_option("FILE", options.file, "The print file")->required();
     app.add_option("-o,--output", options.prefix,

@@ -4,12 +4,11 @@
 
 #include <cmath>
 #include <cstdlib>
-#include <fstream>
 #include <memory>
 #include <stdexcept>
 #include <string>
 
-#include "host/wide_text.h"
+#include "host/output_file.h"
 
 namespace fs = std::filesystem;
 
@@ -49,14 +48,7 @@ std::vector<uint8_t> EncodePng(const Picture& picture, double pixelsPerInch) {
 }
 
 void WriteWholeFile(const fs::path& path, std::span<const uint8_t> bytes) {
-    std::ofstream file(path, std::ios::binary | std::ios::trunc);
-    if (!file) throw std::runtime_error("can't write " + Utf8FromPath(path));
-    file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-    file.close();
-    if (file) return;
-    std::error_code ignored;
-    fs::remove(path, ignored);
-    throw std::runtime_error("can't write all of " + Utf8FromPath(path));
+    ::WriteWholeFile(path, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
 }
 
 }  // namespace viewer
