@@ -1,0 +1,139 @@
+#include "config/decimal_text.h"
+
+#include <gtest/gtest.h>
+
+#include <clocale>
+#include <cmath>
+#include <cstdint>
+#include <string>
+
+#include "config/label_length.h"
+#include "support/text.h"
+#include "tests/support/allocation_failure.h"
+
+namespace {
+
+constexpr double kUntouched = 4711;
+
+double Parsed(const char* text) {
+    double out = kUntouched;
+    EXPECT_EQ(ParseDecimal(text, &out), 0u) << text;
+    return out;
+}
+
+DWORD Refused(const char* text) {
+    double out = kUntouched;
+    const DWORD code = ParseDecimal(text, &out);
+    EXPECT_EQ(out, kUntouched) << text;
+    return code;
+}
+
+std::string Trimmed(std::string text) {
+    TrimWhitespace(text.data());
+    return text.c_str();
+}
+
+}  // namespace
+
+TEST(ParseDecimal, ReadsSignDigitsAndOnePoint) {
+    EXPECT_EQ(Parsed("8.500"), 8.5);
+    EXPECT_EQ(Parsed("+3"), 3);
+    EXPECT_EQ(Parsed("-2."), -2);
+    EXPECT_EQ(Parsed(".25"), 0.25);
+    EXPECT_EQ(Parsed("007"), 7);
+}
+
+TEST(ParseDecimal, TextsWithoutDigitsAreZero) {
+    for (const char* text : {"", "+", "-", ".", "-."}) EXPECT_EQ(Parsed(text), 0) << text;
+}
+
+TEST(ParseDecimal, AnyOtherCharacterIsRefusedAndLeavesTheNumberAlone) {
+    for (const char* text :
+         {"1,5", "1.2.3", "..", " 1", "1 ", "1e3", "0x10", "+-1", "--1", "1-", "nan", "inf", "1\n", "\xB2"}) {
+        EXPECT_EQ(Refused(text), 0x2001001Bu) << text;
+    }
+}
+
+TEST(ParseDecimal, NullTextsAndNullNumbersHaveCodesOfTheirOwn) {
+    EXPECT_EQ(Refused(nullptr), 0x20010008u);
+    EXPECT_EQ(ParseDecimal("1", nullptr), 0x2001000Fu);
+    EXPECT_EQ(ParseDecimal(static_cast<const char*>(nullptr), nullptr), 0x20010008u);
+}
+
+TEST(ParseDecimal, ShortMemoryIsARefusal) {
+    const AllocationFailure memory(sizeof "12.75");
+    EXPECT_EQ(Refused("12.75"), 0x20010001u);
+    EXPECT_EQ(memory.Count(), 1);
+}
+
+TEST(ParseDecimal, DoesNotDependOnTheLocale) {
+    const std::string before = setlocale(LC_NUMERIC, nullptr);
+    for (const char* locale : {"German_Germany.1252", "de-DE", "de_DE.UTF-8", "C"}) {
+        if (setlocale(LC_NUMERIC, locale) == nullptr) continue;
+        EXPECT_EQ(Parsed("8.5"), 8.5) << locale;
+        EXPECT_EQ(Refused("8,5"), 0x2001001Bu) << locale;
+    }
+    setlocale(LC_NUMERIC, before.c_str());
+}
+
+TEST(ParseDecimal, ReadsNumbersOfAnyLength) {
+    EXPECT_EQ(Parsed(("0." + std::string(3000, '0') + "1").c_str()), 0);
+    EXPECT_TRUE(std::isinf(Parsed(std::string(400, '9').c_str())));
+}
+
+TEST(TrimWhitespace, CutsBothEndsAndNothingInside) {
+    EXPECT_EQ(Trimmed(" \t\r\n\v\fa b \t\r\n\v\f"), "a b");
+    EXPECT_EQ(Trimmed("ab"), "ab");
+    EXPECT_EQ(Trimmed("a"), "a");
+    EXPECT_EQ(Trimmed(" a"), "a");
+    EXPECT_EQ(Trimmed("a "), "a");
+}
+
+TEST(TrimWhitespace, NothingButBlanksBecomesEmpty) {
+    EXPECT_EQ(Trimmed(" \t\r\n"), "");
+    EXPECT_EQ(Trimmed(""), "");
+}
+
+TEST(TrimWhitespace, OtherBytesStay) {
+    EXPECT_EQ(Trimmed("\xA0x\x85"), "\xA0x\x85");
+    EXPECT_EQ(Trimmed("\x1Fx\x1F"), "\x1Fx\x1F");
+}
+
+TEST(LabelLength, IsInTenthsOfAMillimetreWhateverTheUnit) {
+    EXPECT_EQ(LabelLengthTenthsMm("8.500", 1), 2159);
+    EXPECT_EQ(LabelLengthTenthsMm("11.000", 1), 2794);
+    EXPECT_EQ(LabelLengthTenthsMm("4", 1), 1016);
+    EXPECT_EQ(LabelLengthTenthsMm("100", 0), 1000);
+    EXPECT_EQ(LabelLengthTenthsMm("1000", 2), 1000);
+    EXPECT_EQ(LabelLengthTenthsMm("1000", 0xFFFFFFFF), 1000);
+}
+
+TEST(LabelLength, IsRoundedByAddingAHalfAndCutting) {
+    EXPECT_EQ(LabelLengthTenthsMm("10.04", 0), 100);
+    EXPECT_EQ(LabelLengthTenthsMm("10.05", 0), 101);
+    EXPECT_EQ(LabelLengthTenthsMm("0.4", 2), 0);
+    EXPECT_EQ(LabelLengthTenthsMm("-5", 0), -49);
+    EXPECT_EQ(LabelLengthTenthsMm("-0.4", 2), 0);
+}
+
+TEST(LabelLength, ATextThatIsNoNumberIsZero) {
+    for (const char* text : {"", "abc", "1,5", "4 in", "1e3"})
+        EXPECT_EQ(LabelLengthTenthsMm(text, 0), 0) << text;
+}
+
+TEST(LabelLength, ALengthThatSixteenBitsDoNotHoldIsZero) {
+    EXPECT_EQ(LabelLengthTenthsMm("32767", 2), 32767);
+    EXPECT_EQ(LabelLengthTenthsMm("32767.4", 2), 32767);
+    EXPECT_EQ(LabelLengthTenthsMm("32767.5", 2), 0);
+    EXPECT_EQ(LabelLengthTenthsMm("-32768", 2), -32767);
+    EXPECT_EQ(LabelLengthTenthsMm("-32769", 2), -32768);
+    EXPECT_EQ(LabelLengthTenthsMm("-32769.5", 2), 0);
+    EXPECT_EQ(LabelLengthTenthsMm("9999999", 1), 0);
+    EXPECT_EQ(LabelLengthTenthsMm(std::string(400, '9'), 0), 0);
+    EXPECT_EQ(LabelLengthTenthsMm("-" + std::string(400, '9'), 0), 0);
+}
+
+TEST(LabelLength, AFieldWithoutTerminatorIsReadToItsEnd) {
+    const char field[8] = {'1', '2', '3', '.', '4', '5', '6', '7'};
+    EXPECT_EQ(LabelLengthTenthsMm(FieldText(field), 0), 1235);
+}
