@@ -1,6 +1,7 @@
 #include "tests/support/allocation_failure.h"
 
 #include <cstdint>
+#include <new>
 
 namespace {
 
@@ -28,6 +29,16 @@ void* __wrap_calloc(size_t count, size_t size) {
     return Fails(count * size) ? nullptr : __real_calloc(count, size);
 }
 }
+
+#ifdef _WIN32
+// The allocations of std::string and its like never fail. Natively they don't come through malloc's symbol at
+// all.
+void* operator new(size_t bytes) {
+    void* memory = __real_malloc(bytes == 0 ? 1 : bytes);
+    if (memory == nullptr) throw std::bad_alloc();
+    return memory;
+}
+#endif
 
 AllocationFailure::AllocationFailure(size_t bytes) {
     failingBytes = bytes;
