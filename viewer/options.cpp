@@ -34,6 +34,11 @@ constexpr const char* kExamples =
     "differ from\n"
     "the picture to verify; other values for a wrong command line.";
 
+// The same check without its own words in the help.
+CLI::Validator Unnamed(CLI::Validator check) {
+    return check.description("");
+}
+
 class ViewHelpFormat : public HelpFormat {
   public:
     std::string make_usage(const CLI::App*, std::string name) const override {
@@ -41,50 +46,59 @@ class ViewHelpFormat : public HelpFormat {
     }
 };
 
-}  // namespace
-
-std::optional<Options> ReadOptions(std::vector<std::string> arguments, int& status) {
-    const std::map<std::string, Orientation> orientations = {{"portrait", Orientation::kPortrait},
-                                                             {"landscape", Orientation::kLandscape}};
-    Options options;
-    Orientation orientation = Orientation::kPortrait;
-    bool noPictures = false;
-    bool full = false;
-    CLI::App app(kDescription, "orvexview");
-    app.formatter(std::make_shared<ViewHelpFormat>());
-    app.footer(kExamples);
-    app.add_option("FILE", options.file, "The print file")->required();
+void AddOutputOptions(CLI::App& app, Options& options) {
+    app.add_option("FILE", options.file, "The print file")->required()->type_name("");
     app.add_option("-o,--output", options.prefix,
                    "What the names of the pictures begin with; default: FILE without its extension")
         ->type_name("PREFIX");
-    app.add_option("-p,--page", options.pages, "Only this page, from 1; may be given several times")
-        ->type_name("N")
-        ->check(CLI::PositiveNumber);
     app.add_flag("--inks", options.inks, "One grey picture per ink as well: PREFIX-pageN-K.png, -C, -M, -Y");
     app.add_flag(
         "--layout", options.layout,
-        "PREFIX-pageN-layout.png as well: the whole print head as a grey band with a tick every 10 mm, the\n"
-        "page in its place on it; fill rows are bluish, the purge bar is yellowish");
-    app.add_flag("--raw", options.raw, "Pictures as sent: not turned, fill rows and purge bar included");
-    CLI::Option* scale =
-        app.add_option(
-               "--scale", options.scale,
-               "K x K pixels become one, 1 to 1000; default: the longer side gets at most 1600 pixels")
-            ->type_name("K")
-            ->check(CLI::Range(1u, kMaxScale));
-    app.add_flag("--full", full, "Every pixel, the same as --scale 1")->excludes(scale);
-    CLI::Option* asked = app.add_option("--orientation", orientation,
-                                        "portrait or landscape, where the job header does not tell it")
-                             ->type_name("HOW")
-                             ->transform(CLI::CheckedTransformer(orientations));
+        "PREFIX-pageN-layout.png as well: the whole print head as a grey band with a tick every 10 mm, "
+        "the page in its place on it; fill rows are bluish, the purge bar is yellowish");
+    app.add_flag_callback(
+           "--no-pictures", [&options] { options.pictures = false; }, "Writes no pictures of pages")
+        ->excludes("--inks")
+        ->excludes("--layout");
     app.add_option("--thumbnail", options.thumbnail, "Writes the job's thumbnail, a PNG, to this file")
         ->type_name("FILE");
     app.add_option("--verify", options.verify,
                    "Compares the first page shown, at every pixel, with a PNG of the label's size in pixels")
         ->type_name("PAGE.png");
-    app.add_flag("--no-pictures", noPictures, "Writes no pictures of pages")
-        ->excludes("--inks")
-        ->excludes("--layout");
+}
+
+void AddViewOptions(CLI::App& app, Options& options) {
+    static const std::map<std::string, Orientation> kOrientations = {{"portrait", Orientation::kPortrait},
+                                                                     {"landscape", Orientation::kLandscape}};
+    app.add_option("-p,--page", options.pages, "Only this page, from 1; may be given several times")
+        ->type_name("N")
+        ->allow_extra_args(false)
+        ->check(Unnamed(CLI::PositiveNumber));
+    CLI::Option* scale =
+        app.add_option(
+               "--scale", options.scale,
+               "K x K pixels become one, 1 to 1000; default: the longer side gets at most 1600 pixels")
+            ->type_name("K")
+            ->check(Unnamed(CLI::Range(1u, kMaxScale)));
+    app.add_flag_callback(
+           "--full", [&options] { options.scale = 1; }, "Every pixel, the same as --scale 1")
+        ->excludes(scale);
+    app.add_flag("--raw", options.raw, "Pictures as sent: not turned, fill rows and purge bar included");
+    app.add_option("--orientation", options.orientation,
+                   "portrait or landscape, where the job header does not tell it")
+        ->type_name("HOW")
+        ->transform(Unnamed(CLI::CheckedTransformer(kOrientations)));
+}
+
+}  // namespace
+
+std::optional<Options> ReadOptions(std::vector<std::string> arguments, int& status) {
+    Options options;
+    CLI::App app(kDescription, "orvexview");
+    app.formatter(std::make_shared<ViewHelpFormat>());
+    app.footer(kExamples);
+    AddOutputOptions(app, options);
+    AddViewOptions(app, options);
     try {
         std::reverse(arguments.begin(), arguments.end());  // as CLI11 takes them
         app.parse(std::move(arguments));
@@ -92,9 +106,6 @@ std::optional<Options> ReadOptions(std::vector<std::string> arguments, int& stat
         status = app.exit(error);
         return std::nullopt;
     }
-    options.pictures = !noPictures;
-    if (full) options.scale = 1;
-    if (asked->count() > 0) options.orientation = orientation;
     return options;
 }
 

@@ -1,0 +1,194 @@
+#include "viewer/page_pictures.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/viewer/made_files.h"
+#include "viewer/layout_picture.h"
+
+using namespace viewer;
+
+namespace {
+
+PrintFile Print300(const Rows& rows, const std::vector<Setting>& settings) {
+    return ParsePrintFile(AsBytes(MakeFile({rows}, SettingLines(settings), kMode300Dpi)));
+}
+
+Rgb PixelAt(const Picture& picture, uint32_t x, uint32_t y) {
+    const uint8_t* pixel = picture.At(x, y);
+    return {pixel[0], pixel[1], pixel[2]};
+}
+
+Rgb Grey(int level) {
+    const auto each = static_cast<uint8_t>(level);
+    return {each, each, each};
+}
+
+// A picture of ink values by their black alone: 255 minus the amount.
+std::vector<int> Blacks(const Picture& picture) {
+    std::vector<int> blacks;
+    for (size_t i = 0; i < picture.samples.size(); i += picture.channels)
+        blacks.push_back(255 - picture.samples[i]);
+    return blacks;
+}
+
+// The label, 3 pixels wide and 4 high:   1  2  3
+//                                        4  5  6
+//                                        7  8  9
+//                                       10 11 12
+// Its rightmost column is sent first, from the top down.
+const Rows kPortraitRows = {{3, 6, 9, 12}, {2, 5, 8, 11}, {1, 4, 7, 10}};
+const std::vector<Setting> kPortrait = {{"ORIGX", 3}, {"ORIGY", 4}};
+
+}  // namespace
+
+TEST(PagePictures, APortraitPageIsTurnedBackAsTheLabelReads) {
+    const PrintFile file = Print300(kPortraitRows, kPortrait);
+    const PagePlacement placement = PlacePage(file, file.pages[0]);
+    ASSERT_TRUE(placement.explained);
+    const Picture sent = DrawComposite(file, file.pages[0], ImageArea(placement), 1);
+    EXPECT_EQ(Blacks(sent), (std::vector<int>{3, 6, 9, 12, 2, 5, 8, 11, 1, 4, 7, 10}));
+    const Picture upright = Upright(sent, placement);
+    EXPECT_EQ(upright.width, 3u);
+    EXPECT_EQ(upright.height, 4u);
+    EXPECT_EQ(Blacks(upright), (std::vector<int>{1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12}));
+}
+
+TEST(PagePictures, ALandscapePageStaysAsItIs) {
+    const PrintFile file = Print300({{1, 2, 3}, {4, 5, 6}}, {{"ORIGX", 3}, {"ORIGY", 2}});
+    const PagePlacement placement = PlacePage(file, file.pages[0]);
+    const Picture upright = Upright(DrawComposite(file, file.pages[0], ImageArea(placement), 1), placement);
+    EXPECT_EQ(Blacks(upright), (std::vector<int>{1, 2, 3, 4, 5, 6}));
+}
+
+TEST(PagePictures, ThePurgeBarIsNotPartOfTheImage) {
+    const PrintFile file = Print300({{0xFFFFFFFF, 0xFFFFFFFF, 1, 2, 3}, {0, 0, 4, 5, 6}},
+                                    {{"ORIGX", 3}, {"ORIGY", 2}, {"PURGEBAR", 1}, {"PURGEDOTS", 2}});
+    const PagePlacement placement = PlacePage(file, file.pages[0]);
+    EXPECT_EQ(Blacks(DrawComposite(file, file.pages[0], ImageArea(placement), 1)),
+              (std::vector<int>{1, 2, 3, 4, 5, 6}));
+    EXPECT_EQ(Blacks(DrawComposite(file, file.pages[0], WholeBlock(file.pages[0]), 1)),
+              (std::vector<int>{255, 255, 1, 2, 3, 0, 0, 4, 5, 6}));
+}
+
+TEST(PagePictures, CompositeAndInksShowTheSameRows) {
+    const PrintFile file =
+        Print300({{0x00000000, 0xFF000000, 0x00FF0000, 0x0000FF00, 0x000000FF, 0x04030201}}, {});
+    const BlockArea area = WholeBlock(file.pages[0]);
+    const Picture composite = DrawComposite(file, file.pages[0], area, 1);
+    EXPECT_EQ(PixelAt(composite, 0, 0), kPaperWhite);
+    EXPECT_EQ(PixelAt(composite, 1, 0), (Rgb{255, 255, 0}));
+    EXPECT_EQ(PixelAt(composite, 2, 0), (Rgb{255, 0, 255}));
+    EXPECT_EQ(PixelAt(composite, 3, 0), (Rgb{0, 255, 255}));
+    EXPECT_EQ(PixelAt(composite, 4, 0), Grey(0));
+    using Samples = std::vector<uint8_t>;
+    EXPECT_EQ(DrawInk(file, file.pages[0], area, 1, kBlack).samples, Samples({255, 255, 255, 255, 0, 254}));
+    EXPECT_EQ(DrawInk(file, file.pages[0], area, 1, kCyan).samples, Samples({255, 255, 255, 0, 255, 253}));
+    EXPECT_EQ(DrawInk(file, file.pages[0], area, 1, kMagenta).samples, Samples({255, 255, 0, 255, 255, 252}));
+    EXPECT_EQ(DrawInk(file, file.pages[0], area, 1, kYellow).samples, Samples({255, 0, 255, 255, 255, 251}));
+}
+
+TEST(PagePictures, PixelsAreTakenTogether) {
+    const PrintFile file = Print300({{0, 20, 100}, {40, 60, 200}}, {});
+    const Picture picture = DrawComposite(file, file.pages[0], WholeBlock(file.pages[0]), 2);
+    EXPECT_EQ(picture.width, 2u);
+    EXPECT_EQ(picture.height, 1u);
+    EXPECT_EQ(Blacks(picture), (std::vector<int>{30, 150}));
+}
+
+// 300 dpi: the head is 3510 rows wide.
+TEST(LayoutPicture, ShowsTheBlockInItsPlaceOnTheHead) {
+    EngineOutput output;
+    const uint64_t job = output.StartJob(kMode300Dpi);
+    PrintPage(job, {{255, 0, 0, 255}, {0, 0, 0, 0}}, 3508);
+    HPCRLIB_JobEnd(job);
+    const PrintFile file =
+        ParsePrintFile(AsBytes(WithLines(output.File(), SettingLines({{"ORIGX", 4}, {"ORIGY", 2}}))));
+    const PagePlacement placement = PlacePage(file, file.pages[0]);
+    EXPECT_EQ(LayoutLength(file.pages[0], placement), 3510u);
+    const Picture layout = DrawLayout(file, file.pages[0], placement, 1);
+    constexpr uint32_t kM = kLayoutMargin;
+    EXPECT_EQ(layout.width, 4 + 2 * kM);
+    EXPECT_EQ(layout.height, 3511 + 2 * kM);
+    EXPECT_EQ(PixelAt(layout, kM, kM - 1), kPaperWhite) << "above the head";
+    EXPECT_EQ(PixelAt(layout, kM, kM), kHeadColour) << "the head's first row";
+    EXPECT_EQ(PixelAt(layout, kM, kM + 3506), kHeadColour);
+    EXPECT_EQ(PixelAt(layout, kM, kM + 3507), kImageOutline);
+    EXPECT_EQ(PixelAt(layout, kM - 1, kM + 3508), kImageOutline);
+    EXPECT_EQ(PixelAt(layout, kM, kM + 3508), Grey(0)) << "the image's first pixel";
+    EXPECT_EQ(PixelAt(layout, kM + 1, kM + 3508), kPaperWhite);
+    EXPECT_EQ(PixelAt(layout, kM + 3, kM + 3508), Grey(0));
+    EXPECT_EQ(PixelAt(layout, kM + 4, kM + 3508), kImageOutline);
+    EXPECT_EQ(PixelAt(layout, kM, kM + 3509), kPaperWhite);
+    EXPECT_EQ(PixelAt(layout, kM, kM + 3510), kImageOutline);
+    EXPECT_EQ(PixelAt(layout, 0, kM + 3509), kHeadColour) << "the head's last row";
+    EXPECT_EQ(PixelAt(layout, 0, kM + 3510), kPaperWhite);
+}
+
+TEST(LayoutPicture, TicksStandEveryTenMillimetresAndLongerEveryFifty) {
+    const PrintFile file = Print300({{0}}, {{"ORIGX", 1}, {"ORIGY", 1}});
+    const Picture layout = DrawLayout(file, file.pages[0], PlacePage(file, file.pages[0]), 1);
+    const auto tickLength = [&](uint32_t mm) {
+        const uint32_t y = kLayoutMargin + mm * 3000 / 254;
+        uint32_t length = 0;
+        while (PixelAt(layout, length, y) == kTickColour) ++length;
+        EXPECT_EQ(PixelAt(layout, layout.width - 1, y), length > 0 ? kTickColour : kHeadColour);
+        return length;
+    };
+    EXPECT_EQ(tickLength(5), 0u);
+    EXPECT_EQ(tickLength(10), 6u);
+    EXPECT_EQ(tickLength(50), 12u);
+    EXPECT_EQ(tickLength(290), 6u);
+}
+
+// Fill rows with the wet-nozzle pattern in front and behind, a purge bar in front of each row.
+TEST(LayoutPicture, FillRowsAndPurgeBarStandOnColouredPaper) {
+    const uint32_t dot = 0xFFFFFFFF;
+    Rows rows(3510, {dot, 0x00000033, 0});
+    rows[1755] = {0, 0x000000FF, 0};
+    EngineOutput output;
+    const uint64_t job = output.StartJob(kMode300Dpi);
+    ASSERT_TRUE(PrintPage(job, rows));
+    HPCRLIB_JobEnd(job);
+    const std::vector<Setting> settings = {{"ORIGX", 2},    {"ORIGY", 2},     {"FULLWIDTH", 1}, {"KWS", 1},
+                                           {"PURGEBAR", 1}, {"PURGEDOTS", 1}, {"ALIGN", 1}};
+    const PrintFile file = ParsePrintFile(AsBytes(WithLines(output.File(), SettingLines(settings))));
+    const PagePlacement placement = PlacePage(file, file.pages[0], Orientation::kLandscape);
+    ASSERT_TRUE(placement.explained);
+    ASSERT_EQ(placement.imageTop, 1754u);
+    const Picture layout = DrawLayout(file, file.pages[0], placement, 1);
+    constexpr uint32_t kM = kLayoutMargin;
+    EXPECT_EQ(PixelAt(layout, kM, kM), Grey(0)) << "purge dot";
+    EXPECT_EQ(PixelAt(layout, kM + 2, kM), kFillPaper);
+    EXPECT_EQ(PixelAt(layout, kM + 1, kM), (Rgb{172, 185, 200}))
+        << "a fifth of black on the paper of fill rows";
+    EXPECT_EQ(PixelAt(layout, kM + 2, kM + 1752), kFillPaper);
+    EXPECT_EQ(PixelAt(layout, kM + 2, kM + 1754), kPaperWhite);
+    EXPECT_EQ(PixelAt(layout, kM + 1, kM + 1755), Grey(0));
+    EXPECT_EQ(PixelAt(layout, kM + 2, kM + 1755), kPaperWhite);
+    EXPECT_EQ(PixelAt(layout, kM, kM + 1755), kImageOutline) << "over the gap beside the image";
+    EXPECT_EQ(PixelAt(layout, kM + 2, kM + 1757), kFillPaper);
+    EXPECT_EQ(PixelAt(layout, kM + 2, kM + 3509), kFillPaper);
+}
+
+TEST(LayoutPicture, ThePurgeBarsGapIsTinted) {
+    const PrintFile file =
+        Print300({{0, 0, 0, 255}}, {{"ORIGX", 1}, {"ORIGY", 1}, {"PURGEBAR", 1}, {"PURGEDOTS", 3}});
+    const Picture layout = DrawLayout(file, file.pages[0], PlacePage(file, file.pages[0]), 1);
+    EXPECT_EQ(PixelAt(layout, kLayoutMargin, kLayoutMargin), kPurgePaper);
+    EXPECT_EQ(PixelAt(layout, kLayoutMargin + 3, kLayoutMargin), Grey(0));
+}
+
+TEST(LayoutPicture, AnyScaleFits) {
+    EngineOutput output;
+    const uint64_t job = output.StartJob(kMode300Dpi);
+    PrintPage(job, Rows(11, std::vector<uint32_t>(13, 77)), 3499);
+    HPCRLIB_JobEnd(job);
+    const PrintFile file =
+        ParsePrintFile(AsBytes(WithLines(output.File(), SettingLines({{"ORIGX", 11}, {"ORIGY", 13}}))));
+    const PagePlacement placement = PlacePage(file, file.pages[0]);
+    for (uint32_t scale = 1; scale < 40; ++scale) {
+        const Picture layout = DrawLayout(file, file.pages[0], placement, scale);
+        EXPECT_EQ(layout.width, (13 + scale - 1) / scale + 2 * kLayoutMargin);
+        EXPECT_EQ(PixelAt(layout, kLayoutMargin, kLayoutMargin + 3499 / scale), Grey(178)) << scale;
+    }
+}
