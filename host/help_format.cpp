@@ -13,6 +13,13 @@ std::string HelpFormat::make_usage(const CLI::App*, std::string name) const {
     return "Usage: " + name + " [options] -o FILE PAGE.png...\n";
 }
 
+// One blank line between groups.
+std::string HelpFormat::make_group(std::string group, bool isPositional,
+                                   std::vector<const CLI::Option*> options) const {
+    const std::string text = Formatter::make_group(group, isPositional, options);
+    return isPositional ? text + "\n" : text.substr(1);
+}
+
 std::string HelpFormat::make_option(const CLI::Option* option, bool isPositional) const {
     std::string line = "  " + option->get_name(isPositional, !isPositional);
     const std::string type = option->get_type_name();
