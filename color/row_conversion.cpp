@@ -14,6 +14,10 @@ constexpr uint32_t kPatternSteps = 4;
 constexpr uint32_t kLightPattern[kPatternSteps] = {0x00000002, 0x00000200, 0x00020000, 0x02000000};
 constexpr uint32_t kHeavyPattern[kPatternSteps] = {0x00000004, 0x00000400, 0x00040000, 0x04000000};
 
+const uint32_t* BlankPattern(uint32_t light) {
+    return light != 0 ? kLightPattern : kHeavyPattern;
+}
+
 // How dark an ink value is, 0 to 255. Each ink counts by the light that it takes, darkened by black: magenta
 // by green, cyan by red, yellow by blue.
 uint32_t GreyWeight(uint32_t ink) {
@@ -95,7 +99,7 @@ void ConvertBlocks(uint32_t* destination, const uint32_t* source, uint32_t count
 int32_t ConvertRow(uint32_t* destination, const uint32_t* source, uint32_t count, uint32_t reserved,
                    int32_t kws, uint32_t lightPattern, uint32_t greyMode) {
     (void)reserved;
-    const uint32_t* pattern = kws == 0 ? nullptr : lightPattern != 0 ? kLightPattern : kHeavyPattern;
+    const uint32_t* pattern = kws != 0 ? BlankPattern(lightPattern) : nullptr;
     switch (greyMode) {
         case kCompositeGrey:
             ConvertBlocks<InCompositeGrey>(destination, source, count, pattern);
@@ -111,6 +115,6 @@ int32_t ConvertRow(uint32_t* destination, const uint32_t* source, uint32_t count
 }
 
 void FillBlankPattern(uint32_t* destination, uint32_t count, uint32_t lightPattern) {
-    const uint32_t* pattern = lightPattern != 0 ? kLightPattern : kHeavyPattern;
+    const uint32_t* pattern = BlankPattern(lightPattern);
     for (uint32_t i = 0; i < count; ++i) destination[i] = pattern[i % kPatternSteps];
 }

@@ -17,6 +17,6 @@ enum GreyMode : uint32_t {
 int32_t ConvertRow(uint32_t* destination, const uint32_t* source, uint32_t count, uint32_t reserved,
                    int32_t kws, uint32_t lightPattern, uint32_t greyMode);
 
-// Writes the blank-pixel pattern over `count` pixels, from its first position on: the light one when `lightPattern` is
-// non-zero, else the heavy one.
+// Writes the blank-pixel pattern over `count` pixels, from its first position on: the light one when
+// `lightPattern` is non-zero, else the heavy one.
 void FillBlankPattern(uint32_t* destination, uint32_t count, uint32_t lightPattern);

@@ -329,8 +329,8 @@ TEST(GridLookup, EqualsTheInterpolationInDoublePrecision) {
     for (uint32_t i = 0; i < kGridPoints; ++i) points.push_back(plain::Scramble(i));
     InkGrid grid;
     std::copy(points.begin(), points.end(), grid.inks);
-    for (int red = 0; red < 256; red += red < 232 ? 7 : 1) {
-        for (int green = 0; green < 256; green += green < 232 ? 5 : 1) {
+    for (int red = 0; red < 256; red += red < 238 ? 17 : 1) {
+        for (int green = 0; green < 256; green += green < 238 ? 14 : 1) {
             for (int blue = 0; blue < 256; ++blue) {
                 ASSERT_EQ(GridLookup(grid, blue, green, red, blue % 2 == 0),
                           LongHandLookup(points, blue, green, red))

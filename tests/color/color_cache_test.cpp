@@ -34,13 +34,14 @@ uint32_t Extreme(uint32_t color) {
 
 // Compares the interpolation of all 2^24 colours with the plain one, place in the cell by place in the cell.
 void ExpectPlainPrismEverywhere() {
+    const plain::Grid grid(g_colorCache);
     for (uint32_t place = 0; place < 16 * 16 * 16; ++place) {
         const uint32_t inCell = ColorIndex(place >> 8, place >> 4 & 15, place & 15);
         const auto weights =
             plain::PrismWeights(plain::Blue(inCell), plain::Green(inCell), plain::Red(inCell));
         for (uint32_t cell = 0; cell < 16 * 16 * 16; ++cell) {
             const uint32_t color = inCell + 16 * ColorIndex(cell >> 8, cell >> 4 & 15, cell & 15);
-            const uint32_t want = plain::Prism(color, weights, g_colorCache);
+            const uint32_t want = plain::Prism(color, weights, grid);
             uint32_t have = 0;
             InterpolateGridEntry(static_cast<uint8_t>(color), static_cast<uint8_t>(color >> 8),
                                  static_cast<uint8_t>(color >> 16), &have, g_colorCache);

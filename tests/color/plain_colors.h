@@ -109,31 +109,42 @@ inline std::array<double, 8> PrismWeights(uint32_t blue, uint32_t green, uint32_
     return weights;
 }
 
-// The prism interpolation of a colour out of the grid points of `table`, by the weights of its place in its
-// cell.
-inline uint32_t Prism(uint32_t color, const std::array<double, 8>& weights, const uint32_t* table) {
-    const auto lower = [](uint32_t component) { return component & 0xF0; };
-    const auto upper = [](uint32_t component) {
-        return (component & 0xF0) < 240 ? (component & 0xF0) + 16 : 255;
-    };
-    const uint32_t reds[] = {lower(Red(color)), upper(Red(color))};
-    const uint32_t greens[] = {lower(Green(color)), upper(Green(color))};
-    const uint32_t blues[] = {lower(Blue(color)), upper(Blue(color))};
+// The grid points of a table, each as its four ink amounts.
+class Grid {
+  public:
+    explicit Grid(const uint32_t* table) {
+        for (int point = 0; point < kGridPoints; ++point) {
+            const uint32_t ink =
+                table[ColorIndex(GridValue(point / (kGridSteps * kGridSteps)),
+                                 GridValue(point / kGridSteps % kGridSteps), GridValue(point % kGridSteps))];
+            for (int place = 0; place < 4; ++place) amounts_[4 * point + place] = InkByte(ink, place);
+        }
+    }
+    const double* At(uint32_t redStep, uint32_t greenStep, uint32_t blueStep) const {
+        return amounts_ + 4 * ((redStep * kGridSteps + greenStep) * kGridSteps + blueStep);
+    }
+
+  private:
+    double amounts_[4 * kGridPoints];
+};
+
+// The prism interpolation of a colour between grid points, by the weights of its place in its cell.
+inline uint32_t Prism(uint32_t color, const std::array<double, 8>& weights, const Grid& grid) {
+    const uint32_t red = Red(color) / 16, green = Green(color) / 16, blue = Blue(color) / 16;
     double k = 0, c = 0, m = 0, y = 0;
-    for (size_t corner = 0; corner < 8; ++corner) {
-        const uint32_t entry =
-            table[ColorIndex(reds[corner & 1], greens[corner >> 1 & 1], blues[corner >> 2])];
-        k += weights[corner] * InkByte(entry, 0);
-        c += weights[corner] * InkByte(entry, 1);
-        m += weights[corner] * InkByte(entry, 2);
-        y += weights[corner] * InkByte(entry, 3);
+    for (uint32_t corner = 0; corner < 8; ++corner) {
+        const double* amounts = grid.At(red + (corner & 1), green + (corner >> 1 & 1), blue + (corner >> 2));
+        k += weights[corner] * amounts[0];
+        c += weights[corner] * amounts[1];
+        m += weights[corner] * amounts[2];
+        y += weights[corner] * amounts[3];
     }
     return Ink(static_cast<uint8_t>(k), static_cast<uint8_t>(c), static_cast<uint8_t>(m),
                static_cast<uint8_t>(y));
 }
 
 inline uint32_t Prism(uint32_t color, const uint32_t* table) {
-    return Prism(color, PrismWeights(Blue(color), Green(color), Red(color)), table);
+    return Prism(color, PrismWeights(Blue(color), Green(color), Red(color)), Grid(table));
 }
 
 }  // namespace plain

@@ -217,3 +217,12 @@ TEST(ConvertRow, EqualsThePlainGreyForEveryWeightOfScatteredInks) {
         }
     }
 }
+
+TEST(FillBlankPattern, StartsAtItsFirstPosition) {
+    std::vector<uint32_t> inks(6, kUntouched);
+    FillBlankPattern(inks.data(), 5, 1);
+    EXPECT_THAT(inks, ElementsAre(0x00000002, 0x00000200, 0x00020000, 0x02000000, 0x00000002, kUntouched));
+    FillBlankPattern(inks.data(), 5, 0);
+    EXPECT_THAT(inks, ElementsAre(0x00000004, 0x00000400, 0x00040000, 0x04000000, 0x00000004, kUntouched));
+    FillBlankPattern(nullptr, 0, 0);
+}
