@@ -1,6 +1,9 @@
 # How every target of the project is compiled, in both builds.
 
 add_compile_options(-Wall -Wextra -Wshadow -Werror -ffp-contract=off)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    add_compile_options(-Wno-restrict)  # GCC 12 warns of std::string's own operator+
+endif()
 
 # <windows.h>, <winspool.h>, <winddi.h>: mingw-w64's own for the Windows build; natively the Windows headers of
 # Debian's libwine-dev with mingw's winddi.h put beside them.

@@ -100,6 +100,18 @@ void MoveLogToBackup(const char* path) {
     MoveFileA(path, backup.get());
 }
 
+// Logging must not show to the callers of the driver, who read the last error that a hook leaves.
+class LastErrorKept {
+  public:
+    LastErrorKept() : code_(GetLastError()) {}
+    ~LastErrorKept() { SetLastError(code_); }
+    LastErrorKept(const LastErrorKept&) = delete;
+    LastErrorKept& operator=(const LastErrorKept&) = delete;
+
+  private:
+    DWORD code_;
+};
+
 void WriteLine(HANDLE file, const SYSTEMTIME& time, LogLevel level, const char* format,
                const LogArgument* arguments, size_t count) {
     LineWriter line(file);
@@ -110,7 +122,6 @@ void WriteLine(HANDLE file, const SYSTEMTIME& time, LogLevel level, const char* 
     FormatLogText(line, format, arguments, count);
     line.Append("\n");
     line.Flush();
-    FlushFileBuffers(file);
 }
 
 }  // namespace
@@ -164,6 +175,7 @@ void RotateLogFile(const char* name) {
 void WriteLogLine(LogLevel level, const char* format, const LogArgument* arguments, size_t count) {
     SYSTEMTIME time;
     GetSystemTime(&time);
+    const LastErrorKept lastError;
     const char* path = LogPath();
     if (path == nullptr) return;
 

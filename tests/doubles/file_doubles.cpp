@@ -120,10 +120,6 @@ DOUBLE(BOOL, WriteFile, (HANDLE file, LPCVOID buffer, DWORD size, LPDWORD writte
     return TRUE;
 }
 
-DOUBLE(BOOL, FlushFileBuffers, (HANDLE file), (file)) {
-    return Descriptor(file) >= 0;
-}
-
 DOUBLE(BOOL, SetFilePointerEx, (HANDLE file, LARGE_INTEGER distance, PLARGE_INTEGER position, DWORD method),
        (file, distance, position, method)) {
     const int descriptor = Descriptor(file);

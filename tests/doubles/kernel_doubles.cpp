@@ -53,6 +53,7 @@ std::shared_ptr<NamedMutex> OpenNamedMutex(const char* name) {
     static std::map<std::string, std::weak_ptr<NamedMutex>> mutexes;
     const std::lock_guard lock(guard);
     std::shared_ptr<NamedMutex> found = mutexes[name].lock();
+    lastError = found ? ERROR_ALREADY_EXISTS : ERROR_SUCCESS;
     if (!found) mutexes[name] = found = std::make_shared<NamedMutex>();
     return found;
 }

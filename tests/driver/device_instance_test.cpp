@@ -159,6 +159,7 @@ TEST_F(DeviceInstance, CopiesNoMoreOfItsRecordsThanThereIs) {
 }
 
 TEST_F(DeviceInstance, IsRefusedWithoutAPaletteAndLeaksNothing) {
+    mask = 3;
     Session().Graphics().FailCall(EngineService::CreatePalette);
     const auto device = Session().EnablePdev(Bytes(Mode()));
     EXPECT_EQ(device->Instance(), nullptr);
@@ -167,9 +168,9 @@ TEST_F(DeviceInstance, IsRefusedWithoutAPaletteAndLeaksNothing) {
 }
 
 TEST_F(DeviceInstance, TakesTheSizeOfALabelThatTheCallerChoseByNumber) {
-    AddLabel(printer.data, 258, "Small", "4", "6.5", kUnitsInches);
-    AddLabel(printer.data, 259, "Metric", "80", "120.25", kUnitsMillimetres);
-    AddLabel(printer.data, 260, "Tenths", "777", "888", 7);
+    AddLabel(Printer().data, 258, "Small", "4", "6.5", kUnitsInches);
+    AddLabel(Printer().data, 259, "Metric", "80", "120.25", kUnitsMillimetres);
+    AddLabel(Printer().data, 260, "Tenths", "777", "888", 7);
     struct Case {
         int16_t number;
         uint32_t width, length;
@@ -235,6 +236,7 @@ TEST_F(DeviceInstance, OfNoneIsRefusedByEveryHook) {
 }
 
 TEST_F(DeviceInstance, CarriesPageAndStateIntoItsReplacement) {
+    mask = 3;
     const auto old = Enable(Mode());
     DeviceMode changed = Mode();
     changed.pub.dmOrientation = DMORIENT_LANDSCAPE;
@@ -285,12 +287,11 @@ TEST_F(DeviceInstance, HonoursACarriedCopyCountByItsLow16Bits) {
 }
 
 TEST_F(DeviceInstance, IsTracedWithAllThatBuildsIt) {
-    Session(engine.Table(), 2);
+    mask = 3;
+    Session();
     const auto device = Session().EnablePdev(Bytes(Mode()));
     const std::vector<std::string> lines = LogLines();
-    // The mask is read on the way, at the start of the default device mode.
-    EXPECT_EQ(lines.front(), "[Trace] <SetupDefaultDevMode>");
-    for (const char* name : {"FillPDevCaps", "FillPDevInfo", "GetDeviceResolution"}) {
+    for (const char* name : {"SetupDefaultDevMode", "FillPDevCaps", "FillPDevInfo", "GetDeviceResolution"}) {
         EXPECT_THAT(lines, Contains("[Trace] <" + std::string(name) + ">"));
         EXPECT_THAT(lines, Contains("[Trace] </" + std::string(name) + ">"));
     }
@@ -298,6 +299,7 @@ TEST_F(DeviceInstance, IsTracedWithAllThatBuildsIt) {
 }
 
 TEST_F(DeviceInstance, HasASurfaceAsLargeAsThePage) {
+    mask = 3;
     DeviceMode mode = Mode();
     mode.pub.dmPrintQuality = 600;
     mode.pub.dmPaperWidth = 1000;

@@ -46,12 +46,12 @@ std::vector<uint8_t> DriverTest::Bytes(const DeviceMode& mode) {
     return bytes;
 }
 
-DriverSession& DriverTest::Session(EngineSource source, uint32_t mask) {
+DriverSession& DriverTest::Session(EngineSource source) {
     if (!session_) {
         SessionSetup setup;
         setup.installation = installation.Path();
         setup.engine = std::move(source);
-        session_.emplace(setup, spooler);
+        session_.emplace(setup);
         log_.emplace(session_->Driver().LogPath(), mask);
     }
     return *session_;

@@ -11,7 +11,6 @@
 
 #include "config/device_mode.h"
 #include "host/driver_session.h"
-#include "host/spooler.h"
 #include "tests/driver/recording_engine.h"
 #include "tests/support/log_capture.h"
 #include "tests/support/scratch_folder.h"
@@ -19,7 +18,6 @@
 class DriverTest : public testing::Test {
   protected:
     static constexpr char kProfile[] = "test.zvp";
-    static constexpr char kPrinterName[] = "Orvex Test Printer";
 
     // Installs a grid profile, "Test colours", whose ink is ProfileColor() of the colour, at every grid
     // colour.
@@ -34,7 +32,8 @@ class DriverTest : public testing::Test {
 
     // Loads the driver, once, with `engine` or what `source` names. Logging is on, at `mask`.
     DriverSession& Session() { return Session(engine.Table()); }
-    DriverSession& Session(EngineSource source, uint32_t mask = 3);
+    DriverSession& Session(EngineSource source);
+    uint32_t mask = 1;  // errors and information; 3 adds the trace
 
     // Unloads the driver and loads it again with another engine.
     DriverSession& Restart(EngineSource source);
@@ -46,14 +45,14 @@ class DriverTest : public testing::Test {
     // Prints one white page of a job and returns the engine's rows.
     std::vector<std::vector<uint32_t>> PrintPage(const DeviceMode& mode);
 
+    Spooler& PrintSpooler() { return Session().PrintSpooler(); }
+    Spooler::Printer& Printer() { return Session().Printer(); }
     std::vector<std::string> LogLines() { return log_->TakeLines(); }
 
     static uint32_t Pixel(const SURFOBJ& surface, int32_t x, int32_t y);
     static void SetPixel(SURFOBJ& surface, int32_t x, int32_t y, uint32_t color);
 
     ScratchFolder installation;
-    Spooler spooler;
-    Spooler::Printer& printer = spooler.AddPrinter(kPrinterName, "Orvex Series");
     RecordingEngine engine;
 
   private:

@@ -11,7 +11,7 @@ TEST_F(Entry, RefusesAnOlderEngineAndAShortRecordWithoutTouchingIt) {
     EXPECT_FALSE(enable(0x2FFFF, sizeof data, &data));
     EXPECT_FALSE(enable(0x30000, 15, &data));
     const auto* bytes = reinterpret_cast<const uint8_t*>(&data);
-    EXPECT_TRUE(std::all_of(bytes, bytes + sizeof data, [](uint8_t byte) { return byte == 0x5A; }));
+    EXPECT_TRUE(std::all_of(bytes, bytes + sizeof data, [](uint8_t value) { return value == 0x5A; }));
 }
 
 TEST_F(Entry, OffersTenHooksInTheirOrder) {
@@ -58,7 +58,8 @@ TEST_F(Entry, KnowsNoOtherQuery) {
 }
 
 TEST_F(Entry, TracesTheQuery) {
-    DriverSession& session = Session(engine.Table(), 2);
+    mask = 3;
+    DriverSession& session = Session();
     session.EnablePdev({});  // sets the mask
     LogLines();
     DWORD mode = 0, needed = 0;

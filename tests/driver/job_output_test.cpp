@@ -1,3 +1,5 @@
+#include "driver/device_instance.h"
+#include "tests/color/profile_bytes.h"
 #include "tests/driver/driver_fixture.h"
 #include "tests/support/picture.h"
 
@@ -26,18 +28,16 @@ class JobOutput : public DriverTest {
 
     // Everything written by one callback, and the number of writes it took.
     std::string Written(std::string_view chunk, int32_t result = 1) {
-        printer.written.clear();
-        const int before = spooler.Calls("WritePrinter");
+        Printer().written.clear();
+        const int before = PrintSpooler().Calls("WritePrinter");
         EXPECT_EQ(engine.Output(chunk), result);
-        writes = spooler.Calls("WritePrinter") - before;
-        return printer.written;
+        writes = PrintSpooler().Calls("WritePrinter") - before;
+        return Printer().written;
     }
 
-    // A second page, with its resolution switch armed, and the header written.
-    void ArmSwitch() {
-        Written(kComment);
-        ASSERT_TRUE(Session().SendPage(Current()));
-        ASSERT_TRUE(Session().StartPage(Current()));
+    void InstallProfileWithoutCode() {
+        installation.Write(std::string("profiles/") + kProfile,
+                           ProfileBytes(5, TagArea(NameTag("Test colours")), GridColors(&ProfileColor)));
     }
 
     int writes = 0;
@@ -76,11 +76,11 @@ std::string PlainHeader() {
 TEST_F(JobOutput, RefusesMissingArguments) {
     Begin();
     EXPECT_EQ(engine.output(nullptr, 1, engine.context), 0);
-    const uint8_t byte = 'x';
-    EXPECT_EQ(engine.output(&byte, 1, nullptr), 0);
+    const uint8_t data = 'x';
+    EXPECT_EQ(engine.output(&data, 1, nullptr), 0);
     PDEV* none = nullptr;
-    EXPECT_EQ(engine.output(&byte, 1, &none), 0);
-    EXPECT_THAT(printer.written, IsEmpty());
+    EXPECT_EQ(engine.output(&data, 1, &none), 0);
+    EXPECT_THAT(Printer().written, IsEmpty());
 }
 
 TEST_F(JobOutput, SwallowsFramingChunksAtTheStart) {
@@ -134,9 +134,9 @@ TEST_F(JobOutput, LooksForTheCommentUpToTheFirstZeroByteOnly) {
 TEST_F(JobOutput, LooksForTheCommentWithinTheChunkOnly) {
     Begin();
     const std::string text = "@PJL COMMENT";
-    printer.written.clear();
+    Printer().written.clear();
     EXPECT_EQ(engine.output(reinterpret_cast<const uint8_t*>(text.data()), 11, engine.context), 1);
-    EXPECT_EQ(printer.written, "@PJL COMMEN");
+    EXPECT_EQ(Printer().written, "@PJL COMMEN");
 }
 
 TEST_F(JobOutput, CarriesEverySettingInTheHeader) {
@@ -197,7 +197,7 @@ TEST_F(JobOutput, FailsAtOnceWhenANumericLineIsLostAndKeepsTheHeaderPending) {
     for (const int nth : {1, 2, 10, 20}) {
         Begin();
         Written("first");
-        spooler.FailCall("WritePrinter", nth, ERROR_DISK_FULL);
+        PrintSpooler().FailCall("WritePrinter", nth, ERROR_DISK_FULL);
         Written("before" + std::string(kComment), 0);
         EXPECT_EQ(writes, nth);
         EXPECT_EQ(Written(kComment), PlainHeader() + kComment);
@@ -207,14 +207,14 @@ TEST_F(JobOutput, FailsAtOnceWhenANumericLineIsLostAndKeepsTheHeaderPending) {
 
 TEST_F(JobOutput, DoesNotMindALostJobName) {
     Begin();
-    spooler.FailCall("WritePrinter", 20, ERROR_DISK_FULL);
+    PrintSpooler().FailCall("WritePrinter", 20, ERROR_DISK_FULL);
     EXPECT_THAT(Written(kComment),
                 AllOf(Not(HasSubstr("JOB NAME")), HasSubstr("PROFILE"), HasSubstr(kComment)));
 }
 
 TEST_F(JobOutput, FailsWhenTheProfileLineIsLost) {
     Begin();
-    spooler.FailCall("WritePrinter", 21, ERROR_DISK_FULL);
+    PrintSpooler().FailCall("WritePrinter", 21, ERROR_DISK_FULL);
     Written(kComment, 0);
     EXPECT_EQ(writes, 21);
     EXPECT_THAT(Written(kComment), HasSubstr("PROFILE"));
@@ -223,7 +223,7 @@ TEST_F(JobOutput, FailsWhenTheProfileLineIsLost) {
 TEST_F(JobOutput, FailsWhenTheRestOfTheChunkIsLost) {
     Begin();
     Written("first");
-    spooler.FailCall("WritePrinter", 1, ERROR_DISK_FULL);
+    PrintSpooler().FailCall("WritePrinter", 1, ERROR_DISK_FULL);
     Written("second", 0);
     EXPECT_EQ(Written("third"), "third");
 }
@@ -234,9 +234,10 @@ TEST_F(JobOutput, WritesNothingForAnEmptyChunk) {
     EXPECT_EQ(writes, 0);
 }
 
-TEST_F(JobOutput, PatchesTheResolutionOfALaterPage) {
+TEST_F(JobOutput, PatchesTheResolutionOnce) {
+    mask = 3;
     Begin();
-    ArmSwitch();
+    Written(kComment);
     std::string seen;
     engine.onPageStart = [&] {
         seen = Written("head \x1B*o-1M tail");
@@ -253,14 +254,14 @@ TEST_F(JobOutput, PatchesTheShorterCommandAt600Dpi) {
     DeviceMode mode = Mode();
     mode.pub.dmPrintQuality = 600;
     Begin(mode);
-    ArmSwitch();
+    Written(kComment);
     engine.onPageStart = [&] { EXPECT_EQ(Written("\x1B*o0M\x1B*o0M"), "\x1B*o6M\x1B*o0M"); };
     ASSERT_TRUE(Session().SendPage(Current()));
 }
 
 TEST_F(JobOutput, DoesNotSeeACommandThatStraddlesChunksAndStaysArmed) {
     Begin();
-    ArmSwitch();
+    Written(kComment);
     engine.onPageStart = [&] {
         EXPECT_EQ(Written("x\x1B*o-1"), "x\x1B*o-1");
         EXPECT_EQ(Written("M"), "M");
@@ -272,9 +273,9 @@ TEST_F(JobOutput, DoesNotSeeACommandThatStraddlesChunksAndStaysArmed) {
 TEST_F(JobOutput, FailsWhenAPieceOfThePatchIsLost) {
     for (const int nth : {1, 2, 3}) {
         Begin();
-        ArmSwitch();
+        Written(kComment);
         engine.onPageStart = [&] {
-            spooler.FailCall("WritePrinter", nth, ERROR_DISK_FULL);
+            PrintSpooler().FailCall("WritePrinter", nth, ERROR_DISK_FULL);
             Written("head \x1B*o-1M tail", 0);
             EXPECT_EQ(writes, nth);
         };
@@ -284,27 +285,56 @@ TEST_F(JobOutput, FailsWhenAPieceOfThePatchIsLost) {
     }
 }
 
-TEST_F(JobOutput, IsNotPatchedOnTheFirstPageNorAfterTheNextPageBegan) {
+TEST_F(JobOutput, PatchesTheFirstPageWhenTheProfileSetTheCode) {
     Begin();
-    engine.onPageStart = [&] { EXPECT_EQ(Written("\x1B*o-1M"), "\x1B*o-1M"); };
+    engine.onPageStart = [&] { EXPECT_EQ(Written("\x1B*o-1M"), "\x1B*o3M"); };
     ASSERT_TRUE(Session().SendPage(Current()));
-    engine.onPageStart = nullptr;
-    ASSERT_TRUE(Session().StartPage(Current()));
+}
+
+TEST_F(JobOutput, SettlesTheCodeOnTheFirstPageWhenTheProfileSetNone) {
+    mask = 3;
+    struct Case {
+        int16_t dpi;
+        const char* command;
+        const char* code;
+    };
+    for (const Case& item : {Case{300, "\x1B*o-1M", "HPRES=-1\n"}, {600, "\x1B*o0M", "HPRES=0\n"}}) {
+        InstallProfileWithoutCode();
+        DeviceMode mode = Mode();
+        mode.pub.dmPrintQuality = item.dpi;
+        Begin(mode);
+        engine.onPageStart = [&] {
+            EXPECT_EQ(Written(item.command), item.command);
+            EXPECT_THAT(Written(kComment), HasSubstr(item.code));
+        };
+        ASSERT_TRUE(Session().SendPage(Current()));
+        engine.onPageStart = [&] {
+            EXPECT_EQ(Written(item.command), item.command);
+        };  // patched to what it was
+        ASSERT_TRUE(Session().StartPage(Current()));
+        LogLines();
+        ASSERT_TRUE(Session().SendPage(Current()));
+        EXPECT_THAT(LogLines(), Contains(StartsWith("[Trace] hpres found *o")));
+        engine.onPageStart = nullptr;
+        Session().EndDoc(Current());
+    }
+}
+
+TEST_F(JobOutput, IsNotPatchedOnceTheNextPageBeganAndReportsTheMiss) {
+    Begin();
     ASSERT_TRUE(Session().SendPage(Current()));  // arms the switch, which nothing consumes
     ASSERT_TRUE(Session().StartPage(Current()));
     EXPECT_EQ(Written("\x1B*o-1M"), "\x1B*o-1M");
     LogLines();
     ASSERT_TRUE(Session().SendPage(Current()));
-    EXPECT_THAT(LogLines(), Contains("[Error] Error: page 3 res missed!!!!!!!!!!!!!!!!!!!"));
+    EXPECT_THAT(LogLines(), Contains("[Error] Error: page 2 res missed!!!!!!!!!!!!!!!!!!!"));
 }
 
-TEST_F(JobOutput, ReportsNoMissedSwitchInTheNextJob) {
+TEST_F(JobOutput, ReportsNoMissedSwitchOfTheJobBefore) {
     Begin();
-    ArmSwitch();
     ASSERT_TRUE(Session().SendPage(Current()));
     Session().EndDoc(Current());
     Begin();
-    ArmSwitch();
     LogLines();
     ASSERT_TRUE(Session().SendPage(Current()));
     EXPECT_THAT(LogLines(), Not(Contains(HasSubstr("res missed"))));
@@ -339,7 +369,7 @@ TEST_F(JobOutput, MindsOfTheThumbnailItsClosingQuoteOnly) {
     for (const Case& item : {Case{21, 1}, {22, 1}, {23, 1}, {24, 0}}) {
         Begin();
         engine.onPageStart = [&] {
-            spooler.FailCall("WritePrinter", item.lost, ERROR_DISK_FULL);
+            PrintSpooler().FailCall("WritePrinter", item.lost, ERROR_DISK_FULL);
             Written(kComment, item.result);
         };
         ASSERT_TRUE(Session().SendPage(Current()));

@@ -31,7 +31,7 @@ class PrintJob : public DriverTest {
         const auto device = StartPage(mode, title);
         EXPECT_EQ(engine.Output("@PJL COMMENT x\n"), 1);
         EXPECT_TRUE(Session().EndDoc(*device));
-        return printer.written;
+        return Printer().written;
     }
 
   private:
@@ -121,7 +121,7 @@ TEST_F(PrintJob, WithAMissingProfileKeepsItsFileNameAndPrintsGenericColours) {
 
 TEST_F(PrintJob, StartsEachJobWithoutAResolutionCode) {
     HeaderOf(Mode());
-    printer.written.clear();
+    Printer().written.clear();
     fs::remove_all(installation.Path() / "profiles");
     DeviceMode mode = Mode();
     mode.priv.colorProfile[0] = 0;
@@ -164,6 +164,7 @@ TEST_F(PrintJob, AppliesTheAdjustmentWhenAnyValueIsSet) {
 }
 
 TEST_F(PrintJob, FailsWithoutAnInstallationFolder) {
+    mask = 3;
     const auto device = Enable(Mode());
     Session().Shell().FailFolder(ERROR_ACCESS_DENIED);
     LogLines();
@@ -240,6 +241,7 @@ TEST_F(PrintJob, ThatFailedToStartEndsWithoutAnEngineCall) {
 }
 
 TEST_F(PrintJob, ReportsAnEngineThatDoesNotEndItAndEndsAllTheSame) {
+    mask = 3;
     const auto device = Enable(Mode());
     ASSERT_TRUE(Start(device));
     engine.Fail("JobEnd", 1, 0x20);
@@ -270,6 +272,7 @@ TEST_F(PrintJob, ThatWasNeverEndedIsEndedByTheNext) {
 }
 
 TEST_F(PrintJob, NumbersItsPagesBeforeAnyCheck) {
+    mask = 3;
     const auto device = StartPage(Mode());
     EXPECT_THAT(LogLines(), Contains("[Info]  Page: 1"));
     EXPECT_FALSE(Session().Hooks().startPage(nullptr));
@@ -304,10 +307,10 @@ TEST_F(PrintJob, GoesOnInTheInstanceOfAReset) {
     Session().DisableSurface(*old);
     Session().DisablePdev(*old);
 
-    printer.written.clear();
+    Printer().written.clear();
     EXPECT_EQ(engine.Output("@PJL COMMENT again\n"),
               1);  // written through the new instance, without a second header
-    EXPECT_EQ(printer.written, "@PJL COMMENT again\n");
+    EXPECT_EQ(Printer().written, "@PJL COMMENT again\n");
     ASSERT_TRUE(Session().StartPage(*fresh));
     ASSERT_TRUE(Session().SendPage(*fresh));
     EXPECT_EQ(InstanceOf(*fresh).pageCount, 2u);
@@ -326,6 +329,7 @@ TEST_F(PrintJob, OfAResetOutsideAJobStartsANewOne) {
 }
 
 TEST_F(PrintJob, IsTracedAndDumpsTheDeviceModeTwice) {
+    mask = 3;
     const auto device = Enable(Mode());
     LogLines();
     ASSERT_TRUE(Start(device));
@@ -338,12 +342,12 @@ TEST_F(PrintJob, IsTracedAndDumpsTheDeviceModeTwice) {
 }
 
 TEST_F(PrintJob, LeavesNoPrinterHandleOpen) {
-    const size_t before = spooler.OpenHandles();
+    const size_t before = PrintSpooler().OpenHandles();
     {
         const auto device = StartPage(Mode());
         Session().SendPage(*device);
         Session().EndDoc(*device);
     }
-    EXPECT_LE(spooler.OpenHandles(), before + 1);  // the job's own
-    EXPECT_THAT(spooler.Misuses(), IsEmpty());
+    EXPECT_LE(PrintSpooler().OpenHandles(), before + 1);  // the job's own
+    EXPECT_THAT(PrintSpooler().Misuses(), IsEmpty());
 }

@@ -149,6 +149,15 @@ TEST(LogWriter, StampsEachLineWithUtcTimeAndThread) {
     EXPECT_EQ(line.substr(thread), "9] [Info]  stamped\n");
 }
 
+TEST(LogWriter, KeepsTheLastErrorThatTheCallerSees) {
+    const LogCapture log;
+    for (int i = 0; i < 2; ++i) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        LogInfo("line");
+        EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_PARAMETER));
+    }
+}
+
 TEST(LogWriter, KeepsLongLinesWhole) {
     LogCapture log;
     const std::string text(5000, 'x');
