@@ -14,6 +14,7 @@ constexpr char kSurfaceNote[] = "the driver made no page bitmap (DrvEnableSurfac
 constexpr char kStartDocNote[] = "the driver refused the job (DrvStartDoc)";
 constexpr char kStartPageNote[] = "the driver refused the page (DrvStartPage)";
 constexpr char kSendPageNote[] = "the driver did not send the page (DrvSendPage)";
+constexpr char kOverwriteNote[] = "the driver wrote in front of a record that it was given";
 constexpr char kEndDocNote[] = "the driver did not end the job (DrvEndDoc)";
 
 }  // namespace
@@ -123,7 +124,13 @@ JobOutcome DriverSession::RunJob(const JobPlan& plan) {
     if (device->Instance() == nullptr) return {.failure = kDeviceNote};
     CompletePdev(*device);
     if (!EnableSurface(*device)) return {.failure = kSurfaceNote};
-    return RunDocument(*device, plan);
+    const uint64_t refusals = engine_.Books().refusalCount;
+    JobOutcome outcome = RunDocument(*device, plan);
+    const bool intact = device->Intact();
+    DisableSurface(*device);
+    DisablePdev(*device);
+    if (outcome.Printed()) outcome.failure = intact ? Trouble(refusals) : kOverwriteNote;
+    return outcome;
 }
 
 JobOutcome DriverSession::RunDocument(Device& device, const JobPlan& plan) {

@@ -21,9 +21,9 @@
 
 struct SessionSetup {
     std::filesystem::path driver = DefaultDriverFile();  // plays no part natively
-    std::filesystem::path installation;
-    EngineSource engine;
-    std::optional<std::string> language;       // abbreviation, such as "DEU"; none: the machine's
+    std::filesystem::path installation = {};
+    EngineSource engine = {};
+    std::optional<std::string> language = {};  // abbreviation, such as "DEU"; none: the machine's
     std::string printerName = "Orvex Series";  // UTF-8
     std::string driverName = "Orvex Series";   // UTF-8
 };
@@ -69,17 +69,17 @@ class Device {
 };
 
 struct JobPlan {
-    std::span<const uint8_t> deviceMode;  // empty: none is given
-    std::string title;                    // UTF-8
+    std::span<const uint8_t> deviceMode = {};  // empty: none is given
+    std::string title = {};                    // UTF-8
     DWORD jobId = 1;
     size_t pages = 1;
     // Draws a page, counted from 0, onto the white surface. An exception ends the job and is passed on.
-    std::function<void(size_t page, SURFOBJ& surface)> draw;
+    std::function<void(size_t page, SURFOBJ& surface)> draw = {};
 };
 
 struct JobOutcome {
     size_t pagesPrinted = 0;
-    std::string failure;  // in words; empty when the job printed
+    std::string failure = {};  // in words; empty when the job printed
 
     bool Printed() const { return failure.empty(); }
 };

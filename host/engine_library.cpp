@@ -140,14 +140,18 @@ struct LoaderReplacements {
         if (!IsEngineLibrary(AsView(name))) return original(name);
         if (current->loadingFails_) {
             SetLastError(ERROR_MOD_NOT_FOUND);
-            return nullptr;
-        }
-        if (const auto* file = std::get_if<fs::path>(&current->source_)) {
+        } else if (const auto* file = std::get_if<fs::path>(&current->source_)) {
             current->handle_ = LoadFile(original, *file);
         } else {
             current->handle_ = reinterpret_cast<HMODULE>(current);
         }
-        if (current->handle_ != nullptr) ++current->books_.loads;
+        if (current->handle_ == nullptr) {
+            const DWORD code = GetLastError();
+            current->Refused("hpcrlib.dll can't be loaded (error " + std::to_string(code) + ")");
+            SetLastError(code);
+            return nullptr;
+        }
+        ++current->books_.loads;
         return current->handle_;
     }
 
@@ -174,6 +178,7 @@ struct LoaderReplacements {
             }
             if (*entry != nullptr) return reinterpret_cast<FARPROC>(point.thunk);
         }
+        current->Refused(std::string("hpcrlib.dll has no ") + name);
         SetLastError(ERROR_PROC_NOT_FOUND);
         return nullptr;
     }

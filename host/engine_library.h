@@ -50,7 +50,8 @@ struct EngineBooks {
     uint64_t pagesEnded = 0;
     uint64_t rowsTaken = 0;
     std::vector<EnginePage> pages;  // the first 100,000, the last one always
-    // Calls that the engine refused, in words, the first ones of them, and how many there were.
+    // What the engine refused, or could not be bound for, in words: the first ones of them, and how many
+    // there were.
     std::vector<std::string> refusals;
     uint64_t refusalCount = 0;
 };

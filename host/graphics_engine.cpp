@@ -50,9 +50,16 @@ struct EngineReplacements {
     static BOOL APIENTRY DeleteSurface(HSURF handle) {
         GraphicsEngine& engine = *current;
         if (engine.Fails(EngineService::DeleteSurface)) return FALSE;
-        if (engine.surfaces_.erase(handle) == 1) return TRUE;
-        engine.Complain("EngDeleteSurface: unknown surface");
-        return FALSE;
+        const EngineSurface* surface = engine.FindSurface(handle);
+        if (surface == nullptr) {
+            engine.Complain("EngDeleteSurface: unknown surface");
+            return FALSE;
+        }
+        if (!surface->bits->Intact() || !surface->object->Intact()) {
+            engine.Complain("EngDeleteSurface: something was written in front of the surface");
+        }
+        engine.surfaces_.erase(handle);
+        return TRUE;
     }
 
     static BOOL APIENTRY EraseSurface(SURFOBJ* object, RECTL* area, ULONG color) {

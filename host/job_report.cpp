@@ -75,15 +75,14 @@ std::string PaperLine(const DeviceMode& mode) {
            (landscape ? "landscape" : "portrait");
 }
 
-std::vector<std::string> SettingLines(const DeviceMode& mode) {
-    std::vector<std::string> lines;
+std::vector<NamedValue> SettingValues(const DeviceMode& mode) {
+    std::vector<NamedValue> values;
     for (const Setting& setting : Settings()) {
         // Without the dashes of the option.
-        lines.push_back(Padded(setting.option + 2, kNameColumn) +
-                        ValueText(setting, ReadSetting(mode, setting)));
+        values.push_back({setting.option + 2, ValueText(setting, ReadSetting(mode, setting))});
     }
-    lines.push_back(Padded("profile", kNameColumn) + ProfileOf(mode));
-    return lines;
+    values.push_back({"profile", ProfileOf(mode)});
+    return values;
 }
 
 PageLayout LayoutOf(const DeviceMode& mode, const PageBitmap& bitmap) {
@@ -105,7 +104,7 @@ PageLayout LayoutOf(const DeviceMode& mode, const PageBitmap& bitmap) {
 void PrintLayout(std::ostream& out, const DeviceMode& mode, const PageBitmap& bitmap) {
     out << "Label: " << PaperLine(mode) << "\n"
         << "Bitmap: " << bitmap.width << " x " << bitmap.height << " pixels\n\nSettings\n";
-    for (const std::string& line : SettingLines(mode)) out << "  " << line << "\n";
+    for (const NamedValue& each : SettingValues(mode)) Line(out, each.name, each.value);
     const PageLayout layout = LayoutOf(mode, bitmap);
     out << "\nUnder the print head\n";
     PrintPlacing(out, mode, layout);

@@ -8,6 +8,7 @@
 #include "config/device_mode.h"
 #include "host/page_placement.h"
 #include "host/printer_settings.h"
+#include "host/test_page.h"
 #include "render/page_layout.h"
 
 // The page bitmap of a job, as the driver makes it.
@@ -20,8 +21,8 @@ struct PageBitmap {
 // "600 dpi, 100.0 x 150.0 mm, portrait": what the job is printed on.
 std::string PaperLine(const DeviceMode& mode);
 
-// Every setting with its value, a line each: "purge-dots  1 pixels".
-std::vector<std::string> SettingLines(const DeviceMode& mode);
+// Every setting with its value: "purge-dots", "1 pixel".
+std::vector<NamedValue> SettingValues(const DeviceMode& mode);
 
 // Where the page lies under the print head, for the settings as the driver takes them.
 PageLayout LayoutOf(const DeviceMode& mode, const PageBitmap& bitmap);

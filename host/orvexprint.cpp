@@ -145,7 +145,7 @@ class PrintRun {
         const size_t stride = static_cast<size_t>(surface.lDelta) / sizeof *pixels;
         if (options_.testPage) {
             Canvas canvas(pixels, static_cast<int>(bitmap.width), static_cast<int>(bitmap.height), stride);
-            DrawTestPage(canvas, bitmap.dpi, {PaperLine(effective_), SettingLines(effective_)});
+            DrawTestPage(canvas, bitmap.dpi, {PaperLine(effective_), SettingValues(effective_)});
             return;
         }
         const fs::path& path = options_.pages[page];

@@ -67,9 +67,9 @@ constexpr Setting kSettings[] = {
     {"--yellow", kColour, PRIVATE(adj_yellow), RANGE(-100, 100, ""), "less or more yellow ink"},
     {"--black", kColour, PRIVATE(adj_black), RANGE(-100, 100, ""), "less or more black ink"},
 
-    {"--copies", kJob, PUBLIC(dmCopies), RANGE(1, 10000, "copies"), "how often the printer prints the job", DM_COPIES},
+    {"--copies", kJob, PUBLIC(dmCopies), RANGE(1, 10000, ""), "how often the printer prints the job", DM_COPIES},
     {"--collate", kJob, PUBLIC(dmCollate), SWITCH, "whole copies of the job, one after the other", DM_COLLATE},
-    {"--private-copies", kJob, PRIVATE(copies), RANGE(1, 10000, "copies"), "a copy count of the printer's own programs", 0, PRIVATE(usePrivateCopies)},
+    {"--private-copies", kJob, PRIVATE(copies), RANGE(1, 10000, ""), "a copy count of the printer's own programs", 0, PRIVATE(usePrivateCopies)},
     {"--use-private-copies", kJob, PRIVATE(usePrivateCopies), SWITCH, "let that count stand"},
     {"--chunk", kJob, PRIVATE(chunksize), RANGE(30, 10000, "pages"), "print the job in pieces of so many pages", 0, PRIVATE(chunkActive)},
     {"--chunked", kJob, PRIVATE(chunkActive), SWITCH, "printing in pieces at all"},
@@ -90,8 +90,12 @@ std::string Listed(const std::string& list, const std::string& item, bool last) 
     return list + (last ? " or " : ", ") + item;
 }
 
+// One pixel, many pixels.
 std::string WithUnit(const Setting& setting, const std::string& text) {
-    return *setting.unit == '\0' ? text : text + " " + setting.unit;
+    std::string_view unit = setting.unit;
+    if (unit.empty()) return text;
+    if (text == "1" && unit.ends_with('s')) unit.remove_suffix(1);
+    return text + " " + std::string(unit);
 }
 
 // The number without a unit behind it, in the setting's unit; blanks between them are allowed.

@@ -70,11 +70,11 @@ void DrawRulers(Sheet& sheet) {
     constexpr double kTick = 0.1;
     for (int mm = kRulerMm; mm < static_cast<int>(sheet.WidthMm()); ++mm) {
         sheet.Fill(mm, 0, kTick, TickLength(mm), kBlack);
-        if (mm % 10 == 0) sheet.Text(mm + 0.4, 2.2, std::to_string(mm));
+        if (mm % 10 == 0) sheet.Text(mm - 0.8, 3.3, std::to_string(mm));
     }
     for (int mm = kRulerMm; mm < static_cast<int>(sheet.HeightMm()); ++mm) {
         sheet.Fill(0, mm, TickLength(mm), kTick, kBlack);
-        if (mm % 10 == 0) sheet.Text(1.5, mm + 0.4, std::to_string(mm));
+        if (mm % 10 == 0) sheet.Text(3.3, mm - 0.8, std::to_string(mm));
     }
 }
 
@@ -144,23 +144,27 @@ double DrawBarcode(Sheet& sheet, double y) {
     return kHeight + 0.5 + sheet.TextLineMm();
 }
 
+// Names and values in two columns each; where the page ends, the next pair of columns begins.
 void DrawText(Sheet& sheet, double y, const TestPageText& text) {
     const double bottom = sheet.HeightMm() - kGapMm;
-    const double left = kRulerMm + kGapMm;
-    double x = left;
-    double column = 0;
-    sheet.Text(x, y, text.heading);
     const double top = y + 1.5 * sheet.TextLineMm();
+    double names = 0;
+    double values = 0;
+    for (const NamedValue& each : text.values) {
+        names = std::max(names, sheet.TextWidthMm(each.name) + kGapMm);
+        values = std::max(values, sheet.TextWidthMm(each.value) + 2 * kGapMm);
+    }
+    double x = kRulerMm + kGapMm;
+    sheet.Text(x, y, text.heading);
     y = top;
-    for (const std::string& line : text.lines) {
+    for (const NamedValue& each : text.values) {
         if (y + sheet.TextLineMm() > bottom) {
-            x += column + 2 * kGapMm;
-            column = 0;
+            x += names + values;
             y = top;
         }
         if (x >= sheet.WidthMm() || top + sheet.TextLineMm() > bottom) return;
-        sheet.Text(x, y, line);
-        column = std::max(column, sheet.TextWidthMm(line));
+        sheet.Text(x, y, each.name);
+        sheet.Text(x + names, y, each.value);
         y += sheet.TextLineMm();
     }
 }

@@ -8,10 +8,15 @@
 
 #include "host/canvas.h"
 
-// What the test page tells in text, a line each.
+struct NamedValue {
+    std::string name;
+    std::string value;
+};
+
+// What the test page tells in text, below a heading a line each.
 struct TestPageText {
     std::string heading;
-    std::vector<std::string> lines;
+    std::vector<NamedValue> values;
 };
 
 // Draws onto a white page of `dpi`: marks in the four corners, an arrow to the page's top, millimetre rulers

@@ -85,6 +85,7 @@ TEST_F(EngineLibraryTest, LacksTheExportsThatAreNull) {
     EXPECT_NE(GetProcAddress(library, "HPCRLIB_RasterBlockStart"), nullptr);
     EXPECT_EQ(GetProcAddress(library, "HPCRLIB_RasterRow"), nullptr);
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_PROC_NOT_FOUND));
+    EXPECT_THAT(engine.Books().refusals, ElementsAre("hpcrlib.dll has no HPCRLIB_RasterRow"));
     FreeLibrary(library);
 }
 
@@ -166,6 +167,7 @@ TEST_F(EngineLibraryTest, IsNotThereWhenLoadingIsMadeToFail) {
     EXPECT_EQ(LoadLibraryW(L"hpcrlib.dll"), nullptr);
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_MOD_NOT_FOUND));
     EXPECT_FALSE(engine.Bound());
+    EXPECT_THAT(engine.Books().refusals, ElementsAre("hpcrlib.dll can't be loaded (error 126)"));
     engine.FailLoading(false);
     const HMODULE library = LoadLibraryW(L"hpcrlib.dll");
     EXPECT_NE(library, nullptr);

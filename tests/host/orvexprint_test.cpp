@@ -212,7 +212,10 @@ TEST_F(OrvexPrintTest, TellsOfAJobThatTheDriverRefuses) {
     engine = RefusingEngine(UINT32_MAX, UINT32_MAX);
     engine->pageEnd = nullptr;
     EXPECT_EQ(Run({"--size", "30x40mm", "-o", Text("out.prn"), WritePage("a.png")}), kExitFailed);
-    EXPECT_EQ(error, "orvexprint: the job did not print: the driver refused the job (DrvStartDoc)\n");
+    EXPECT_EQ(
+        error,
+        "orvexprint: the job did not print: the driver refused the job (DrvStartDoc): hpcrlib.dll has no "
+        "HPCRLIB_PageEnd\n");
     EXPECT_TRUE(NothingWasWritten());
 }
 
@@ -242,7 +245,10 @@ TEST_F(OrvexPrintTest, TellsWhatIsMissing) {
     EXPECT_EQ(error, "orvexprint: the raster library " + Text("nowhere.dll") + " is not there\n");
     programFolder = scratch.Path();
     EXPECT_EQ(Run({"-o", Text("out.prn"), page}), kExitFailed);
-    EXPECT_EQ(error, "orvexprint: the job did not print: the driver refused the job (DrvStartDoc)\n");
+    EXPECT_EQ(
+        error,
+        "orvexprint: the job did not print: the driver refused the job (DrvStartDoc): hpcrlib.dll can't be "
+        "loaded (error 126)\n");
     EXPECT_EQ(Run({"-o", Text("nowhere/out.prn"), page}), kExitFailed);
     EXPECT_EQ(error, "orvexprint: " + Text("nowhere/out.prn") + " can't be written\n");
     EXPECT_TRUE(NothingWasWritten());
@@ -255,7 +261,7 @@ TEST_F(OrvexPrintTest, ShowsTheLayoutAndPrintsNothing) {
         << error;
     EXPECT_THAT(out, HasSubstr("Label: 600 dpi, 100.0 x 150.0 mm, portrait\nBitmap: 2362 x 3543 pixels\n"));
     // What the driver makes of what was not given.
-    EXPECT_THAT(out, HasSubstr("  purge-dots            1 pixels\n  purge-gap             5 mm\n"));
+    EXPECT_THAT(out, HasSubstr("  purge-dots            1 pixel\n  purge-gap             5 mm\n"));
     // A row: the page's 3543 pixels, a dot and 5 mm of 23 pixels.
     EXPECT_THAT(out, HasSubstr("  row                   3659 pixels (154.9 mm), of which the page 3543\n"));
     EXPECT_THAT(

@@ -129,7 +129,7 @@ TEST(SettingTable, NamesOptionValueAndRangeOfAWrongValue) {
     EXPECT_EQ(Complaint("--purge-bar", "2"),
               "--purge-bar: \"2\" is not allowed; it takes off, leading or trailing");
     EXPECT_EQ(Complaint("--align", "top"), "--align: \"top\" is not allowed; it takes left, centre or right");
-    EXPECT_EQ(Complaint("--copies", "0"), "--copies: \"0\" is not allowed; it takes 1 to 10000 copies");
+    EXPECT_EQ(Complaint("--copies", "0"), "--copies: \"0\" is not allowed; it takes 1 to 10000");
     EXPECT_EQ(Complaint("--brightness", "101"), "--brightness: \"101\" is not allowed; it takes -100 to 100");
     EXPECT_EQ(Complaint("--kws", "yes"), "--kws: \"yes\" is not allowed; it takes on or off");
     EXPECT_EQ(Complaint("--chunk", "29"), "--chunk: \"29\" is not allowed; it takes 30 to 10000 pages");
@@ -147,6 +147,7 @@ TEST(SettingTable, ShowsValuesAsTheyAreGiven) {
     EXPECT_EQ(ValueText(FindSetting("--align"), 1), "centre");
     EXPECT_EQ(ValueText(FindSetting("--print-head-offset"), -25), "-2.5 mm");
     EXPECT_EQ(ValueText(FindSetting("--purge-dots"), 5), "5 pixels");
+    EXPECT_EQ(ValueText(FindSetting("--purge-dots"), 1), "1 pixel");
     EXPECT_EQ(ValueText(FindSetting("--kws"), 0), "off");
     EXPECT_EQ(ValueText(FindSetting("--grey"), 9), "9") << "a value that no word stands for";
 }

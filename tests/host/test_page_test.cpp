@@ -110,7 +110,7 @@ TEST(Barcode, ReadsBackAsItWasWritten) {
 
 TEST(TestPage, MarksAllFourCorners) {
     Page page(1181, 1772);
-    DrawTestPage(page.canvas, 300, {"heading", {"line"}});
+    DrawTestPage(page.canvas, 300, {"heading", {{"name", "value"}}});
     for (const auto& [x, y] : {std::pair{0, 0}, {1180, 0}, {0, 1771}, {1180, 1771}}) {
         EXPECT_EQ(page.At(x, y), kBlack) << x << "," << y;
     }
@@ -153,7 +153,7 @@ TEST(TestPage, PointsToTheTop) {
 }
 
 TEST(TestPage, FitsLabelsOfEverySize) {
-    const std::vector<std::string> lines(40, "setting               value");
+    const std::vector<NamedValue> lines(40, {"setting", "value"});
     for (const int dpi : {300, 600}) {
         for (const auto& [widthMm, heightMm] :
              {std::pair{25.4, 25.4}, {25.4, 150.0}, {297.0, 25.4}, {100.0, 60.0}}) {
