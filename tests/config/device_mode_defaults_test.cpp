@@ -96,7 +96,7 @@ class DefaultProfile : public DefaultDevMode {
 
 }  // namespace
 
-TEST_F(DefaultDevMode, EveryByteWithoutAnInstallationIsAsDocumented) {
+TEST_F(DefaultDevMode, EveryByteWithoutAnInstallationIsAsAgreed) {
     RecordBytes expected = DefaultRecordBytes();
     expected.PutText(0, u"Etikett 1");
     EXPECT_TRUE(SameRecord(Setup(), expected.Record()));

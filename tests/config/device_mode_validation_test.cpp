@@ -19,7 +19,7 @@ bool IsIn(int value, std::initializer_list<int> values) {
     return std::find(values.begin(), values.end(), value) != values.end();
 }
 
-// A field of the private part, by its documented place and valid values.
+// A field of the private part, by its place and valid values.
 struct Field {
     const char* name;
     size_t offset;
