@@ -72,9 +72,10 @@ void AddBuildCommand(CLI::App& app, std::ostream& out) {
     command->add_option("--version", options->version, "The version of the profile, 1 to 5 (default 5)")
         ->check(CLI::Range(kFirstVersion, kLastVersion));
     command
-        ->add_option("--intent", options->intent,
-                     "perceptual (default), relative, saturation or absolute; white stays without ink")
-        ->transform(CLI::Transformer(kIntents));
+        ->add_option_function<std::string>(
+            "--intent", [options](const std::string& name) { options->intent = kIntents.at(name); },
+            "perceptual (default), relative, saturation or absolute; white stays without ink")
+        ->check(CLI::IsMember(kIntents));
     command->add_flag("--black-point-compensation", options->blackPointCompensation,
                       "Maps black to the printer's black");
     command->add_option("--name", options->name,

@@ -11,8 +11,11 @@
 void AddVariantOption(CLI::App& command, PrintVariant& variant) {
     const std::map<std::string, PrintVariant> variants = {{"600", PrintVariant::At600},
                                                           {"other", PrintVariant::Other}};
-    command.add_option("--variant", variant, "The variant of the profile: 600 (dpi) or other (default)")
-        ->transform(CLI::Transformer(variants));
+    command
+        .add_option_function<std::string>(
+            "--variant", [&variant, variants](const std::string& name) { variant = variants.at(name); },
+            "The variant of the profile: 600 (dpi) or other (default)")
+        ->check(CLI::IsMember(variants));
 }
 
 ResolutionCodes ParseResolutionCodes(const std::string& text) {

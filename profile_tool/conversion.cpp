@@ -24,10 +24,6 @@ ConversionLoss MeasureLoss(const std::filesystem::path& from, const std::filesys
     return {CompareInks(meant, after), CompareInks(before, after)};
 }
 
-bool PrintsAsMeant(int version) {
-    return version != 3 && version != 4;
-}
-
 std::string_view VersionLoss(int version) {
     switch (version) {
         case 3:

@@ -2,10 +2,10 @@
 
 #include <lcms2.h>
 
-#include <fstream>
-#include <iterator>
 #include <stdexcept>
 #include <type_traits>
+
+#include "profile_tool/whole_file.h"
 
 namespace {
 
@@ -43,13 +43,6 @@ cmsUInt32Number IntentCode(RenderingIntent intent) {
     }
 }
 
-std::string ReadFile(const std::filesystem::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::string bytes(std::istreambuf_iterator<char>(in), {});
-    if (!in) throw std::runtime_error("can't read " + path.string());
-    return bytes;
-}
-
 }  // namespace
 
 // Closed from the last to the first: the context after all that lives in it.
@@ -67,7 +60,7 @@ struct IccProfile::Handles {
 
 IccProfile::IccProfile(const std::filesystem::path& path, RenderingIntent intent, bool blackPointCompensation)
     : handles_(std::make_unique<Handles>()) {
-    const std::string bytes = ReadFile(path);
+    const std::string bytes = ReadWholeFile(path);
     handles_->context.reset(cmsCreateContext(nullptr, &handles_->message));
     const cmsContext context = handles_->context.get();
     if (context == nullptr) handles_->Fail(path, "Little CMS can't start");

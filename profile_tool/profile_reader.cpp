@@ -133,7 +133,8 @@ std::optional<ResolutionCodes> ProfileFacts::Codes() const {
 ProfileFacts InspectProfile(const std::filesystem::path& path) {
     ProfileFacts facts;
     ProfileInput in(path);
-    if (!in.IsOpen()) {
+    std::error_code ignored;
+    if (!in.IsOpen() || std::filesystem::is_directory(path, ignored)) {
         facts.problem = "Error: could not open file [" + path.string() + "]";
         return facts;
     }

@@ -1,8 +1,6 @@
 #include "profile_tool/recipe.h"
 
 #include <cmath>
-#include <fstream>
-#include <iterator>
 #include <nlohmann/json.hpp>
 #include <set>
 #include <sstream>
@@ -10,6 +8,7 @@
 
 #include "profile_tool/ink.h"
 #include "profile_tool/profile_writer.h"
+#include "profile_tool/whole_file.h"
 
 namespace {
 
@@ -179,9 +178,7 @@ Recipe ParseRecipe(std::string_view json) {
 }
 
 Recipe ReadRecipe(const std::filesystem::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    if (!in) throw std::runtime_error("can't read " + path.string());
-    const std::string json(std::istreambuf_iterator<char>(in), {});
+    const std::string json = ReadWholeFile(path);
     try {
         return ParseRecipe(json);
     } catch (const std::invalid_argument& error) {
@@ -189,9 +186,8 @@ Recipe ReadRecipe(const std::filesystem::path& path) {
     }
 }
 
-Profile MixProfile(const Recipe& recipe, int version) {
+Profile MixProfile(const Recipe& recipe) {
     Profile profile;
-    profile.version = version;
     profile.name = recipe.name;
     profile.codes = recipe.codes;
     const Separation separation(recipe.model);

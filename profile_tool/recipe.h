@@ -26,5 +26,5 @@ Recipe ParseRecipe(std::string_view json);
 // before it.
 Recipe ReadRecipe(const std::filesystem::path& path);
 
-// Mixes a profile of any version. Throws std::invalid_argument when the recipe's name is none for a profile.
-Profile MixProfile(const Recipe& recipe, int version = kLastVersion);
+// Mixes a profile of version 5. Throws std::invalid_argument when the recipe's name is none for a profile.
+Profile MixProfile(const Recipe& recipe);

@@ -64,13 +64,11 @@ double Solid(const InkModel& ink, int channel) {
 
 }  // namespace
 
-Separation::Separation(const SeparationModel& model)
-    : model_(model),
-      blackReflectance_(std::pow(10, -model.blackDensity)),
-      masking_(Inverse(InkDensities(model))) {}
-
-double Separation::WantedDensity(uint32_t component) const {
-    return -std::log10(blackReflectance_ + (1 - blackReflectance_) * Light(component));
+Separation::Separation(const SeparationModel& model) : model_(model), masking_(Inverse(InkDensities(model))) {
+    const double black = std::pow(10, -model.blackDensity);
+    for (uint32_t component = 0; component < wantedDensity_.size(); ++component) {
+        wantedDensity_[component] = -std::log10(black + (1 - black) * Light(component));
+    }
 }
 
 // The density that black ink adds to a neutral: none up to the start, then with a soft beginning up to its
@@ -103,8 +101,8 @@ double Separation::FractionOf(int ink, double amount) const {
     return -std::log10(1 - covered * (1 - std::pow(10, -solid))) / solid;
 }
 
-// Holds small amounts back, so that near-white paper stays free of stray dots; a few times the ease and more
-// are left as they are.
+// Holds small amounts of colour back, so that near-white paper stays free of stray dots; a few times the ease
+// and more are left as they are.
 double Separation::Ease(double amount) const {
     const double ease = model_.highlightEase / 100;
     return ease > 0 ? amount * (1 - std::exp(-amount / ease)) : amount;
@@ -125,7 +123,8 @@ uint32_t Separation::Inks(uint32_t color) const {
     }
     std::array<uint32_t, kInks> amounts;
     for (int ink = 0; ink < kInks; ++ink) {
-        const double amount = Ease(AmountFor(ink, std::clamp(fractions[ink], 0.0, 1.0)));
+        const double full = AmountFor(ink, std::clamp(fractions[ink], 0.0, 1.0));
+        const double amount = ink == kBlackInk ? full : Ease(full);  // black has its own soft start
         amounts[ink] = static_cast<uint32_t>(std::min(amount, 1.0) * kFullAmount + 0.5);
     }
     return PackInks(amounts[0], amounts[1], amounts[2], amounts[3]);

@@ -24,7 +24,7 @@ struct SeparationModel {
     double chromaDensity =
         0;                  // the most that a pure colour adds to the neutral part; more is compressed softly
     double blackStart = 0;  // the neutral density at which black ink sets in
-    double highlightEase = 0;  // percent: amounts of about this size and less are held back, see Ease
+    double highlightEase = 0;  // percent: amounts of colour about this size and less are held back
 };
 
 class Separation {
@@ -38,7 +38,7 @@ class Separation {
     std::array<double, kChannels> PrintedDensity(uint32_t inks) const;
 
     // The density that the print of a neutral with this component, 0 to 255, should have.
-    double WantedDensity(uint32_t component) const;
+    double WantedDensity(uint32_t component) const { return wantedDensity_[component]; }
 
   private:
     double BlackShare(double neutral) const;
@@ -50,7 +50,7 @@ class Separation {
     double Ease(double amount) const;
 
     SeparationModel model_;
-    double blackReflectance_;
+    std::array<double, 256> wantedDensity_;
     std::array<std::array<double, kChannels>, kChannels>
         masking_;  // densities by channel to fractions of C, M, Y
 };
