@@ -59,6 +59,13 @@ void DriverSession::SetSink(Spooler::Sink sink) {
     };
 }
 
+void DriverSession::RereadLogSwitch() {
+    // A job's start reads the switch first of all; without a device it is then refused.
+    SURFOBJ noDevice = {};
+    WCHAR noTitle[] = {0};
+    Hooks().startDoc(&noDevice, noTitle, 0);
+}
+
 std::unique_ptr<Device> DriverSession::EnablePdev(std::span<const uint8_t> deviceMode) {
     std::unique_ptr<Device> device(new Device(*this));
     device->deviceMode_ = std::make_unique<GuardedMemory>(deviceMode);

@@ -108,6 +108,10 @@ class DriverSession {
     // Lets this program's own calls of the spooler and the shell be answered as the driver's are.
     void AttachProgram();
 
+    // Makes the driver read its log's switch now. By itself it does so only in the midst of setting a device
+    // up, and the trace would begin there.
+    void RereadLogSwitch();
+
     // The hooks, one by one. A device whose instance is null was refused. Without a device mode the driver
     // gets none.
     std::unique_ptr<Device> EnablePdev(std::span<const uint8_t> deviceMode);

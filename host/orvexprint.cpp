@@ -83,6 +83,7 @@ class PrintRun {
     }
 
     void Run() {
+        if (options_.logMask != 0) session_.RereadLogSwitch();
         const PrinterSettings settings(session_);
         if (!options_.printerData.empty()) session_.Printer().data.Save(options_.printerData);
         if (options_.list) PrintLists(environment_.out, settings);

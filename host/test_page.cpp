@@ -23,7 +23,8 @@ constexpr Ink kInks[] = {{"K", 0x000000}, {"C", 0x00FFFF}, {"M", 0xFF00FF}, {"Y"
 // The page, measured in millimetres.
 class Sheet {
   public:
-    Sheet(Canvas& canvas, int dpi) : canvas_(canvas), pixelsPerMm_(dpi / kMmPerInch) {}
+    Sheet(Canvas& canvas, int dpi)
+        : canvas_(canvas), pixelsPerMm_(dpi / kMmPerInch), textScale_(std::max(Px(0.2), 1)) {}
 
     Canvas& Pixels() { return canvas_; }
     int Px(double mm) const { return static_cast<int>(std::lround(mm * pixelsPerMm_)); }
@@ -34,19 +35,21 @@ class Sheet {
         canvas_.Fill(Px(x), Px(y), std::max(Px(x + width) - Px(x), 1), std::max(Px(y + height) - Px(y), 1),
                      color);
     }
-    // Letters about a millimetre and a half high.
-    int TextScale() const { return std::max(Px(0.2), 1); }
+    // Letters about a millimetre and a half high, unless they are made smaller.
+    int TextScale() const { return textScale_; }
+    void SetTextScale(int scale) { textScale_ = scale; }
     double TextWidthMm(std::string_view text) const {
-        return Canvas::TextWidth(text, TextScale()) / pixelsPerMm_;
+        return Canvas::TextWidth(text, textScale_) / pixelsPerMm_;
     }
-    double TextLineMm() const { return kTextLineDots * TextScale() / pixelsPerMm_; }
+    double TextLineMm() const { return kTextLineDots * textScale_ / pixelsPerMm_; }
     void Text(double x, double y, std::string_view text) {
-        canvas_.Text(Px(x), Px(y), TextScale(), text, kBlack);
+        canvas_.Text(Px(x), Px(y), textScale_, text, kBlack);
     }
 
   private:
     Canvas& canvas_;
     double pixelsPerMm_;
+    int textScale_;
 };
 
 void DrawCornerMarks(Sheet& sheet) {
@@ -144,28 +147,46 @@ double DrawBarcode(Sheet& sheet, double y) {
     return kHeight + 0.5 + sheet.TextLineMm();
 }
 
-// Names and values in two columns each; where the page ends, the next pair of columns begins.
-void DrawText(Sheet& sheet, double y, const TestPageText& text) {
-    const double bottom = sheet.HeightMm() - kGapMm;
-    const double top = y + 1.5 * sheet.TextLineMm();
-    double names = 0;
-    double values = 0;
-    for (const NamedValue& each : text.values) {
-        names = std::max(names, sheet.TextWidthMm(each.name) + kGapMm);
-        values = std::max(values, sheet.TextWidthMm(each.value) + 2 * kGapMm);
+// How lines of two columns, a name and a value, share the room below the heading.
+struct Columns {
+    double names;   // mm, the gap behind them included
+    double values;  // mm, likewise
+    int lines;      // of one pair of columns
+    int pairs;      // that stand side by side
+
+    bool Hold(size_t count) const { return static_cast<size_t>(lines) * static_cast<size_t>(pairs) >= count; }
+};
+
+Columns LayColumns(const Sheet& sheet, double top, const std::vector<NamedValue>& values) {
+    Columns columns = {};
+    for (const NamedValue& each : values) {
+        columns.names = std::max(columns.names, sheet.TextWidthMm(each.name) + kGapMm);
+        columns.values = std::max(columns.values, sheet.TextWidthMm(each.value) + kGapMm);
     }
-    double x = kRulerMm + kGapMm;
-    sheet.Text(x, y, text.heading);
-    y = top;
-    for (const NamedValue& each : text.values) {
-        if (y + sheet.TextLineMm() > bottom) {
-            x += names + values;
-            y = top;
-        }
-        if (x >= sheet.WidthMm() || top + sheet.TextLineMm() > bottom) return;
-        sheet.Text(x, y, each.name);
-        sheet.Text(x + names, y, each.value);
-        y += sheet.TextLineMm();
+    const double height = sheet.HeightMm() - kGapMm - top;
+    const double width = sheet.WidthMm() - kRulerMm - kGapMm;
+    columns.lines = std::max(static_cast<int>(height / sheet.TextLineMm()), 0);
+    columns.pairs = std::max(static_cast<int>(width / (columns.names + columns.values)), 1);
+    return columns;
+}
+
+// On labels with little room the letters shrink, down to half their size, before lines are left out.
+void DrawText(Sheet& sheet, double y, const TestPageText& text) {
+    const double left = kRulerMm + kGapMm;
+    sheet.Text(left, y, text.heading);
+    const double top = y + 1.5 * sheet.TextLineMm();
+    const int smallest = (sheet.TextScale() + 1) / 2;
+    Columns columns = LayColumns(sheet, top, text.values);
+    while (!columns.Hold(text.values.size()) && sheet.TextScale() > smallest) {
+        sheet.SetTextScale(sheet.TextScale() - 1);
+        columns = LayColumns(sheet, top, text.values);
+    }
+    for (size_t i = 0; i < text.values.size() && columns.Hold(i + 1); ++i) {
+        const auto line = static_cast<double>(i % static_cast<size_t>(columns.lines));
+        const auto pair = static_cast<double>(i / static_cast<size_t>(columns.lines));
+        const double x = left + pair * (columns.names + columns.values);
+        sheet.Text(x, top + line * sheet.TextLineMm(), text.values[i].name);
+        sheet.Text(x + columns.names, top + line * sheet.TextLineMm(), text.values[i].value);
     }
 }
 
