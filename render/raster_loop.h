@@ -1,0 +1,14 @@
+// The row loop of a page: every bitmap line becomes one row of ink values for the print engine.
+#pragma once
+
+#include "driver/device_instance.h"
+#include "render/page_layout.h"
+#include "support/platform.h"
+
+// Sends the rows of an opened raster block: fill rows, image rows with the purge bar, fill rows. False when a
+// row was refused, or memory for the rows was short, which is logged; no further row is sent then.
+bool SendRasterRows(const PDEV& pdev, const SURFOBJ& surface, const PageLayout& layout);
+
+// Logs a duration since `startTick`, "...%dms...", when it is longer than every earlier one of its kind in
+// the job.
+void NoteDuration(DWORD startTick, uint32_t* maximum, const char* line);

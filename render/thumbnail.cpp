@@ -1,0 +1,95 @@
+#include "render/thumbnail.h"
+
+#include <lodepng.h>
+
+#include <algorithm>
+
+#include "render/base64.h"
+#include "support/log.h"
+#include "support/settings_file.h"
+
+namespace {
+
+constexpr double kDefaultMaxWidth = 800;
+constexpr double kDefaultMaxHeight = 600;
+constexpr double kLowestLimit = 100;
+constexpr uint32_t kOpaque = 0xFF000000;
+
+// Halvings until `side` no longer exceeds `limit`.
+int32_t Halvings(int32_t side, double limit) {
+    const double bound = std::min(limit, 2147483647.0);
+    int32_t count = 0;
+    for (; side > static_cast<int32_t>(bound); side >>= 1) ++count;
+    return count;
+}
+
+void EncodePng(const uint32_t* pixels, int32_t width, int32_t height, char** text, size_t* length) {
+    uint8_t* png = nullptr;
+    size_t size = 0;
+    const unsigned error =
+        lodepng_encode_memory(&png, &size, reinterpret_cast<const uint8_t*>(pixels),
+                              static_cast<unsigned>(width), static_cast<unsigned>(height), LCT_RGBA, 8);
+    LogInfo("pngencode %d", error);
+    const HeapArray<uint8_t> owned(png);
+    if (error != 0 || png == nullptr) {
+        LogInfo("failed to generate png");
+        return;
+    }
+    HeapArray<char> encoded = EncodeBase64(png, size, length);
+    if (!encoded) {
+        LogInfo("failed to generate base64 png");
+        return;
+    }
+    *text = encoded.release();
+    LogInfo("generated base64 png %d->%d", size, *length);
+}
+
+}  // namespace
+
+int32_t ThumbnailScale(int32_t width, int32_t height, double maxWidth, double maxHeight) {
+    if (!(maxWidth >= kLowestLimit && maxHeight >= kLowestLimit)) return 0;
+    return width / maxWidth > height / maxHeight ? Halvings(width, maxWidth) : Halvings(height, maxHeight);
+}
+
+void ReducePixels(const uint32_t* pixels, int32_t width, int32_t height, int32_t scale, uint32_t* out) {
+    const int32_t factor = 1 << scale;
+    for (int32_t y = 0; y < height >> scale; ++y) {
+        for (int32_t x = 0; x < width >> scale; ++x) {
+            uint64_t sums[3] = {};
+            for (int32_t row = 0; row < factor; ++row) {
+                const uint32_t* block =
+                    pixels + (ptrdiff_t{y} * factor + row) * width + ptrdiff_t{x} * factor;
+                for (int32_t column = 0; column < factor; ++column) {
+                    sums[0] += block[column] & 0xFF;
+                    sums[1] += block[column] >> 8 & 0xFF;
+                    sums[2] += block[column] >> 16 & 0xFF;
+                }
+            }
+            *out++ = static_cast<uint32_t>(sums[0] >> 2 * scale | sums[1] >> 2 * scale << 8 |
+                                           sums[2] >> 2 * scale << 16) |
+                     kOpaque;
+        }
+    }
+}
+
+int32_t BuildPageThumbnail(const uint32_t* pixels, int32_t width, int32_t height, char** text,
+                           size_t* length) {
+    LogInfo("add page thumb %dx%d", width, height);
+    const double maxWidth = LookupNumber("[Driver]", "thumb_max_width=", kDefaultMaxWidth);
+    const double maxHeight = LookupNumber("[Driver]", "thumb_max_height=", kDefaultMaxHeight);
+    const int32_t scale = ThumbnailScale(width, height, maxWidth, maxHeight);
+    const int32_t scaledWidth = width >> scale;
+    const int32_t scaledHeight = height >> scale;
+    if (maxWidth >= kLowestLimit && maxHeight >= kLowestLimit) LogInfo("thumb scale %d", scale);
+    if (scale > 0) LogInfo("scaled image %dx%d %d\n", scaledWidth, scaledHeight, 1 << scale);
+
+    const HeapArray<uint32_t> scaled =
+        AllocateArray<uint32_t>(static_cast<size_t>(scaledWidth) * static_cast<size_t>(scaledHeight));
+    if (!scaled) {
+        LogInfo("failed to alloc thumbnail bytes");
+        return 0;
+    }
+    ReducePixels(pixels, width, height, scale, scaled.get());
+    EncodePng(scaled.get(), scaledWidth, scaledHeight, text, length);
+    return 1;
+}
