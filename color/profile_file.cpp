@@ -1,5 +1,8 @@
 #include "color/profile_file.h"
 
+#include <string_view>
+
+#include "color/bare_file_name.h"
 #include "color/color_cache.h"
 #include "color/generic_conversion.h"
 #include "color/profile_colors.h"
@@ -9,10 +12,22 @@
 
 int32_t g_profileLoaded = 0;
 
+namespace {
+
+// Applications name the profile of a job, so a path into the profiles folder may not lead out of it again, or
+// further in.
+bool LeavesProfilesFolder(const char* path) {
+    constexpr std::string_view kProfilesFolder = "profiles\\";
+    return std::string_view(path).starts_with(kProfilesFolder) &&
+           !IsBareFileName(path + kProfilesFolder.size());
+}
+
+}  // namespace
+
 int32_t ReadProfile(const char* path, char* name, size_t nameSize, bool at600Dpi, uint32_t* cache,
                     signed char* resolutionCode) {
     *resolutionCode = kDefaultResolutionCode;
-    BlockReader file(path);
+    BlockReader file(LeavesProfilesFolder(path) ? "" : path);
     ProfileHeader header;
     if (!ReadProfileHeader(file, path, LogLevel::Error, &header)) return 0;
     if (!ReadProfileTags(file, {name, nameSize, resolutionCode, at600Dpi})) return 0;

@@ -1,0 +1,81 @@
+#include "color/bare_file_name.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+#include "tests/color/profile_fixture.h"
+
+using namespace std::string_literals;
+
+namespace {
+
+// A code page in which 0x95 0x5C is one character, though 0x5C alone is the backslash.
+INT WINAPI WidenDoubleBytes(UINT, DWORD, LPCSTR text, INT length, LPWSTR wide, INT) {
+    INT written = 0;
+    for (INT i = 0; i < length; ++written) {
+        const bool pair = text[i] == '\x95' && i + 1 < length;
+        wide[written] = pair ? 0x8868 : static_cast<WCHAR>(text[i]);
+        i += pair ? 2 : 1;
+    }
+    return written;
+}
+
+// Makes a scratch folder with profiles in and beside "profiles" current.
+class NamedProfile : public ProfileFixture {
+  protected:
+    NamedProfile() : before_(std::filesystem::current_path()) {
+        const std::string bytes = SmallProfile(NameTag("Found"));
+        for (const char* name :
+             {"profiles/in.zvp", "profiles/a..b c.zvp", "profiles/sub/deep.zvp", "out.zvp"}) {
+            folder_.Write(name, bytes);
+        }
+        // Where the file system takes such a name.
+        std::ofstream(folder_.Path() / "profiles" / "c:in.zvp", std::ios::binary) << bytes;
+        std::filesystem::current_path(folder_.Path());
+    }
+    ~NamedProfile() override { std::filesystem::current_path(before_); }
+
+    std::filesystem::path before_;
+};
+
+}  // namespace
+
+TEST(BareFileName, HasNoSeparatorAndNoDrive) {
+    for (const char* name : {"a", "a.zvp", "a b..zvp", "...", "..a", ".zvp"})
+        EXPECT_TRUE(IsBareFileName(name)) << name;
+    for (const char* name :
+         {"", "..", "a\\b", "a/b", "\\a", "/a", "a\\", "a/", "..\\a", "../a", "c:", "c:a", "a:b", ":"}) {
+        EXPECT_FALSE(IsBareFileName(name)) << name;
+    }
+}
+
+TEST(BareFileName, IsShortEnoughForAPath) {
+    EXPECT_TRUE(IsBareFileName(std::string(511, 'a').c_str()));
+    EXPECT_FALSE(IsBareFileName(std::string(512, 'a').c_str()));
+    EXPECT_FALSE(IsBareFileName((std::string(600, 'a') + "\\b").c_str()));
+}
+
+TEST(BareFileName, MayHoldACharacterWhoseSecondByteLooksLikeASeparator) {
+    const ImportPatch patch(nullptr, "MultiByteToWideChar", reinterpret_cast<void*>(&WidenDoubleBytes));
+    EXPECT_TRUE(IsBareFileName("\x95\x5C.zvp"));
+    EXPECT_FALSE(IsBareFileName("\x95\x5C\x5C.zvp"));
+}
+
+TEST_F(NamedProfile, IsReadFromTheProfilesFolder) {
+    for (const char* name : {"in.zvp", "a..b c.zvp"}) {
+        EXPECT_EQ(Load(std::string("profiles\\") + name), 5) << name;
+        EXPECT_STREQ(name_, "Found");
+    }
+}
+
+TEST_F(NamedProfile, IsNotOpenedOutsideTheProfilesFolder) {
+    const std::string absolute = (folder_.Path() / "out.zvp").string();
+    for (const std::string& name : {"..\\out.zvp"s, "../out.zvp"s, "sub\\deep.zvp"s, "sub/deep.zvp"s,
+                                    "..\\profiles\\in.zvp"s, "c:in.zvp"s, ".."s, absolute}) {
+        const std::string path = "profiles\\" + name;
+        ExpectRejected(path, {"[Error] Error: could not open file [" + path + "]"});
+        EXPECT_STREQ(name_, "asked.zvp");
+        EXPECT_EQ(code_, 48);
+    }
+}
