@@ -5,7 +5,9 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstring>
 #include <ios>
+#include <vector>
 
 #include "color/color_cache.h"
 
@@ -55,4 +57,12 @@ testing::AssertionResult SameForEveryColor(Actual actual, Expected expected) {
 
 inline uint32_t StoredEntry(uint32_t color) {
     return g_colorCache[color];
+}
+
+// Holds when the cache is `want`; names the first colour for which it is not.
+inline testing::AssertionResult HoldsTable(const std::vector<uint32_t>& want) {
+    if (want.size() == kCacheEntries && memcmp(g_colorCache, want.data(), sizeof g_colorCache) == 0) {
+        return testing::AssertionSuccess();
+    }
+    return SameForEveryColor(StoredEntry, [&](uint32_t color) { return want.at(color); });
 }

@@ -4,6 +4,7 @@
 
 #include "tests/color/cache_filling.h"
 #include "tests/color/plain_colors.h"
+#include "tests/color/plain_tables.h"
 
 namespace {
 
@@ -32,21 +33,15 @@ uint32_t Extreme(uint32_t color) {
            (bits >> 3 & 1) * 0xFF000000u;
 }
 
-// Compares the interpolation of all 2^24 colours with the plain one, place in the cell by place in the cell.
+// Compares the interpolation of all 2^24 colours with the plain one.
 void ExpectPlainPrismEverywhere() {
-    const plain::Grid grid(g_colorCache);
-    for (uint32_t place = 0; place < 16 * 16 * 16; ++place) {
-        const uint32_t inCell = ColorIndex(place >> 8, place >> 4 & 15, place & 15);
-        const auto weights =
-            plain::PrismWeights(plain::Blue(inCell), plain::Green(inCell), plain::Red(inCell));
-        for (uint32_t cell = 0; cell < 16 * 16 * 16; ++cell) {
-            const uint32_t color = inCell + 16 * ColorIndex(cell >> 8, cell >> 4 & 15, cell & 15);
-            const uint32_t want = plain::Prism(color, weights, grid);
-            uint32_t have = 0;
-            InterpolateGridEntry(static_cast<uint8_t>(color), static_cast<uint8_t>(color >> 8),
-                                 static_cast<uint8_t>(color >> 16), &have, g_colorCache);
-            ASSERT_EQ(have, want) << std::hex << "colour 0x" << color;
-        }
+    const plain::Table want = plain::PrismTable(g_colorCache);
+    for (uint32_t color = 0; color < kCacheEntries; ++color) {
+        uint32_t have = 0;
+        InterpolateGridEntry(static_cast<uint8_t>(color), static_cast<uint8_t>(color >> 8),
+                             static_cast<uint8_t>(color >> 16), &have, g_colorCache);
+        ASSERT_TRUE(have == want[color])
+            << std::hex << "colour 0x" << color << " has ink 0x" << have << ", not 0x" << want[color];
     }
 }
 
@@ -168,9 +163,9 @@ TEST(LookupOfKind3, AveragesASentinelThatAProfilePutThere) {
 
 TEST(LookupOfKind4, EqualsThePlainAverageForEveryColour) {
     FillCache(kHalfGridPlanes, kNotComputed, plain::IsAllEven, Scrambled);
-    EXPECT_TRUE(SameForEveryColor(LookupColor, [](uint32_t color) {
-        return plain::IsAllEven(color) ? Scrambled(color) : plain::HalfGridAverage(color, g_colorCache);
-    }));
+    const plain::Table want = plain::HalfGridTable(g_colorCache);
+    EXPECT_TRUE(SameForEveryColor(LookupColor, [&](uint32_t color) { return want[color]; }));
+    EXPECT_TRUE(HoldsTable(want));
 }
 
 TEST(HalfGridAverage, TakesTheNeighboursOfTheByteReversedColour) {

@@ -2,8 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <filesystem>
-#include <fstream>
 #include <string>
 #include <string_view>
 
@@ -74,53 +72,3 @@ std::string GridColors(InkOf inkOf) {
     }
     return bytes;
 }
-
-// Writes a profile of version 1 to 4 that holds ProfileInk, as it comes: too large to be built in memory
-// first.
-class LargeProfile {
-  public:
-    LargeProfile(const std::filesystem::path& path, int version, std::string_view tags)
-        : file_(path, std::ios::binary), step_(version < 3 ? 1 : 2) {
-        const std::string area = TagArea(tags);
-        Put(ProfileHead(version, 12 + area.size() + ColorsSize(version)) + area);
-        for (const bool at600Dpi : {true, false}) {
-            if (version % 2 == 1) {
-                PutEntries(at600Dpi);
-            } else {
-                for (int place = 3; place >= 0; --place) PutPlane(place, at600Dpi);
-            }
-        }
-    }
-
-  private:
-    void Put(const std::string& bytes) {
-        file_.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    }
-
-    // Calls put(color) for all of the profile's colours in index order, and writes a row of them at a time.
-    template <typename Append>
-    void PutColors(Append append) {
-        std::string row;
-        for (uint32_t red = 0; red < 256; red += step_) {
-            for (uint32_t green = 0; green < 256; green += step_) {
-                row.clear();
-                for (uint32_t blue = 0; blue < 256; blue += step_) append(row, ColorIndex(red, green, blue));
-                Put(row);
-            }
-        }
-    }
-    void PutEntries(bool at600Dpi) {
-        PutColors([&](std::string& row, uint32_t color) {
-            const uint32_t ink = ProfileInk(color, at600Dpi);
-            for (int place = 0; place < 4; ++place) row += static_cast<char>(plain::InkByte(ink, place));
-        });
-    }
-    void PutPlane(int place, bool at600Dpi) {
-        PutColors([&](std::string& row, uint32_t color) {
-            row += static_cast<char>(plain::InkByte(ProfileInk(color, at600Dpi), place));
-        });
-    }
-
-    std::ofstream file_;
-    uint32_t step_;
-};

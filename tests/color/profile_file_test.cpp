@@ -54,7 +54,7 @@ TEST_F(ProfileFile, OfVersion5HoldsBlueSlowestAndRedFastest) {
 TEST_F(ProfileFile, IsReadWithFewReads) {
     const std::string large = (folder_.Path() / "large.zvp").string();
     const std::string compact = PathOf(SmallProfile(NameTag("n")));
-    LargeProfile(large, 4, NameTag("n"));
+    WriteLargeProfile(large, 4, NameTag("n"));
     for (const auto& [path, most] : {std::pair{compact, 3u}, std::pair{large, 260u}}) {
         const FileWatch watch;
         EXPECT_GT(zvc_load_profile(path.c_str(), kResolution600, &code_, name_, sizeof name_), 0);

@@ -10,7 +10,8 @@
 #include "color/profile_file.h"
 #include "tests/color/cache_filling.h"
 #include "tests/color/file_watch.h"
-#include "tests/color/plain_colors.h"
+#include "tests/color/large_profile.h"
+#include "tests/color/plain_tables.h"
 #include "tests/color/profile_bytes.h"
 #include "tests/support/log_capture.h"
 #include "tests/support/scratch_folder.h"
@@ -38,7 +39,7 @@ class ProfileFixture : public testing::Test {
     void ExpectRejected(const std::string& path, std::vector<std::string> lines,
                         int32_t resolution = kResolution600) {
         LogCapture log;
-        std::fill_n(g_colorCache, kCacheEntries, 0x12345678u);
+        memset(g_colorCache, kUntouched, sizeof g_colorCache);
         EXPECT_EQ(Load(path, resolution), 1);
         lines.insert(lines.begin(), {"[Trace] <zvc_load_profile>", "[Info]  load_profile [" + path + "]"});
         lines.push_back(std::string("[Info]  read_profile 0 ").append(std::to_string(code_)) + " " + name_);
@@ -58,30 +59,21 @@ class ProfileFixture : public testing::Test {
         ExpectRejected(path, lines);
     }
 
-    // The whole table against the plain conversion, which is computed once for each of the two scales.
-    static bool HoldsGenericConversion(int percent) {
-        static std::vector<uint32_t> full, half;
-        std::vector<uint32_t>& want = percent == 100 ? full : half;
-        for (uint32_t color = static_cast<uint32_t>(want.size()); color < kCacheEntries; ++color) {
-            want.push_back(plain::Generic(color, percent));
-        }
-        return memcmp(g_colorCache, want.data(), sizeof g_colorCache) == 0;
+    static testing::AssertionResult HoldsGenericConversion(int percent) {
+        return HoldsTable(plain::GenericTable(percent));
     }
 
     // Loads a large profile of that version at both resolutions and compares all entries. `others` is what
     // the colours that the profile leaves out hold.
     void ExpectEveryEntryLoaded(int version, uint32_t others) {
         const std::string path = (folder_.Path() / "large.zvp").string();
-        LargeProfile(path, version, NameTag("Large") + ResolutionTag(3, 6));
-        const bool everyColor = version < 3;
+        WriteLargeProfile(path, version, NameTag("Large") + ResolutionTag(3, 6));
         for (const int32_t resolution : {kResolution600, kResolution300}) {
             const bool at600Dpi = resolution == kResolution600;
             EXPECT_EQ(Load(path, resolution), version);
             EXPECT_EQ(code_, at600Dpi ? 6 : 3);
             EXPECT_STREQ(name_, "Large");
-            EXPECT_TRUE(SameForEveryColor(StoredEntry, [&](uint32_t color) {
-                return everyColor || plain::IsAllEven(color) ? ProfileInk(color, at600Dpi) : others;
-            }));
+            EXPECT_TRUE(HoldsTable(LargeProfileTable(version, at600Dpi, others)));
         }
     }
 
