@@ -192,6 +192,7 @@ void CheckTask(const JobOptions& options) {
 
 std::optional<JobOptions> ParseJobOptions(const std::vector<std::string>& arguments, std::ostream& help) {
     CLI::App app(kDescription, "orvexprint");
+    app.allow_windows_style_options(false);  // a name may begin with a slash
     app.formatter(std::make_shared<HelpFormat>());
     app.footer(kExamples);
     app.set_help_flag();

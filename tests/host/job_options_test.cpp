@@ -47,6 +47,12 @@ TEST(JobOptions, TakePagesAndAnOutput) {
     EXPECT_EQ(options.logMask, 0);
 }
 
+TEST(JobOptions, TakeNamesThatBeginWithASlash) {
+    const JobOptions options = Parse({"/folder/page.png", "-o", "/folder/job.prn"});
+    EXPECT_EQ(options.pages, (std::vector<std::filesystem::path>{"/folder/page.png"}));
+    EXPECT_EQ(options.output, "/folder/job.prn");
+}
+
 TEST(JobOptions, TakeEverySettingInItsUnit) {
     const JobOptions options =
         Parse({"--dpi", "600", "--align=centre", "--print-head-offset", "-2.5mm", "--rotate180",
