@@ -1,0 +1,40 @@
+// The pages that are measured: made by rule, so that every run and every machine measures the same pixels.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+enum class PageArt {
+    Label,  // text, lines, a barcode, flat areas, a logo, much white
+    Photo,  // smooth, with very many distinct colours
+    Noise,  // random colours, the worst that can come
+};
+
+std::string_view NameOf(PageArt art);
+
+// Pixels are 0x00RRGGBB, scan lines from the top without gaps.
+struct BenchPage {
+    int32_t width = 0;
+    int32_t height = 0;
+    std::vector<uint32_t> pixels;
+
+    size_t Bytes() const { return pixels.size() * sizeof(uint32_t); }
+};
+
+// A size of paper, portrait, in tenths of a millimetre, at a resolution.
+struct PageSize {
+    std::string_view name;
+    int16_t widthTenthsMm;
+    int16_t heightTenthsMm;
+    int16_t dpi;
+};
+
+inline constexpr PageSize kA4At600 = {"A4 600 dpi", 2100, 2970, 600};
+inline constexpr PageSize kA4At300 = {"A4 300 dpi", 2100, 2970, 300};
+inline constexpr PageSize kRollLabel = {"100x150 mm 600 dpi", 1000, 1500, 600};
+
+// A page as the graphics engine would have drawn it, upright or lying.
+BenchPage DrawPage(PageArt art, const PageSize& size, bool landscape);
+
+size_t DistinctColors(const BenchPage& page);

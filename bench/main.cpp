@@ -1,0 +1,71 @@
+// The benchmark's program; ./bench/run builds and starts it.
+#include <benchmark/benchmark.h>
+
+#include <CLI/CLI.hpp>
+#include <iostream>
+
+#include "bench/plain_answers.h"
+#include "bench/report.h"
+#include "bench/suites.h"
+#include "color/profile_file.h"
+
+namespace {
+
+constexpr char kProfile[] = "neutral.zvp";
+
+// The library's own settings: single runs of all contenders in random order.
+void SetUpLibrary() {
+    char program[] = "orvexbench", interleaving[] = "--benchmark_enable_random_interleaving=true";
+    char* arguments[] = {program, interleaving, nullptr};
+    int count = 2;
+    benchmark::Initialize(&count, arguments);
+}
+
+std::vector<uint32_t> InksOf(const std::filesystem::path& profile, ResolutionSelector resolution) {
+    signed char code;
+    char name[512];
+    if (zvc_load_profile(profile.string().c_str(), resolution, &code, name, sizeof name) != 5) {
+        throw CheckFailure(profile.string() + " is no profile of version 5");
+    }
+    return PlainInks();
+}
+
+}  // namespace
+
+int main(int count, char** values) {
+    BenchOptions options;
+    int runs = 1;
+    std::filesystem::path json;
+    CLI::App app("Times the driver against memcpy, memset, Little CMS and pixman.");
+    app.add_option("--filter", options.filter, "Only rows whose title holds this text");
+    app.add_option("--repetitions", options.repetitions, "Times that each side of a row is timed in a run")
+        ->check(CLI::Range(1, 1000))
+        ->capture_default_str();
+    app.add_option("--runs", runs, "Runs of the whole; the table shows the medians of their ratios")
+        ->check(CLI::Range(1, 100))
+        ->capture_default_str();
+    app.add_option("--json", json, "File for the results");
+    CLI11_PARSE(app, count, values);
+    try {
+        SetUpLibrary();
+        const std::filesystem::path installation = ProgramFolder() / "install";
+        const std::filesystem::path profile = installation / "profiles" / kProfile;
+        BenchDriver driver(installation, kProfile);
+        const BenchSetting setting = {driver, profile, InksOf(profile, kResolution600),
+                                      InksOf(profile, kResolutionOther)};
+        Bench bench(options);
+        for (int run = 0; run < runs; ++run) {
+            MeasurePages(bench, setting);
+            MeasureRowConversion(bench, setting);
+            MeasureProfiles(bench, setting);
+            MeasureExtras(bench, setting);
+        }
+        const Machine machine = ThisMachine();
+        PrintReport(machine, bench, std::cout);
+        if (!json.empty()) WriteJson(machine, bench, json);
+    } catch (const std::exception& error) {
+        std::cerr << "bench: " << error.what() << '\n';
+        return 1;
+    }
+    return 0;
+}

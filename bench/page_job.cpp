@@ -1,0 +1,126 @@
+#include "bench/page_job.h"
+
+#include <cstring>
+#include <vector>
+
+#include "host/driver_library.h"
+
+namespace {
+
+constexpr uint64_t kJob = 1;
+constexpr uint32_t kSuccess = 1;
+
+RowObserver rowObserver;
+int32_t rowsTaken = 0;
+
+// An engine that takes everything and does nothing.
+struct IdleEngine {
+    static uint64_t HPCRLIB_CALL JobStart(HPCRLIB_OutputCallback, void*, uint32_t, uint32_t) { return kJob; }
+    static uint32_t HPCRLIB_CALL Done(uint64_t) { return kSuccess; }
+    static uint32_t HPCRLIB_CALL PageStart(uint64_t, uint32_t, uint32_t) { return kSuccess; }
+    static uint32_t HPCRLIB_CALL BlockStart(uint64_t, uint32_t, uint32_t, uint32_t, uint32_t) {
+        rowsTaken = 0;
+        return kSuccess;
+    }
+    static uint32_t HPCRLIB_CALL Row(uint64_t, const uint32_t* row) {
+        if (rowObserver) rowObserver(rowsTaken, row);
+        ++rowsTaken;
+        return kSuccess;
+    }
+    static EngineTable Table() {
+        EngineTable table;
+        table.jobStart = &JobStart;
+        table.jobEnd = &Done;
+        table.pageStart = &PageStart;
+        table.pageEnd = &Done;
+        table.rasterBlockStart = &BlockStart;
+        table.rasterRow = &Row;
+        table.rasterBlockEnd = &Done;
+        return table;
+    }
+};
+
+SessionSetup SetupFor(const std::filesystem::path& installation) {
+    SessionSetup setup;
+    setup.installation = installation;
+    setup.engine = IdleEngine::Table();
+    return setup;
+}
+
+void Require(bool done, const char* hook) {
+    if (!done) throw DriverError(std::string(hook) + " refused");
+}
+
+}  // namespace
+
+BenchDriver::BenchDriver(const std::filesystem::path& installation, const std::string& profile)
+    : profile_(profile), session_(SetupFor(installation)) {}
+
+DeviceMode BenchDriver::Mode(const PageSize& size, const PageSettings& settings) const {
+    DeviceMode mode = {};
+    mode.pub.dmSpecVersion = mode.pub.dmDriverVersion = kDevModeVersion;
+    mode.pub.dmSize = sizeof mode.pub;
+    mode.pub.dmDriverExtra = sizeof mode.priv;
+    mode.pub.dmFields = DM_ORIENTATION | DM_PAPERSIZE | DM_PAPERLENGTH | DM_PAPERWIDTH | DM_COPIES |
+                        DM_PRINTQUALITY | DM_COLLATE | DM_FORMNAME;
+    mode.pub.dmOrientation = settings.landscape ? DMORIENT_LANDSCAPE : DMORIENT_PORTRAIT;
+    mode.pub.dmPaperSize = kPaperCustom;
+    mode.pub.dmPaperWidth = size.widthTenthsMm;
+    mode.pub.dmPaperLength = size.heightTenthsMm;
+    mode.pub.dmPrintQuality = size.dpi;
+    mode.pub.dmCopies = 1;
+    mode.priv.signature = kPrivateSignature;
+    mode.priv.copies = 1;
+    mode.priv.chunksize = 500;
+    mode.priv.alignment = kAlignCentre;
+    mode.priv.purgeDots = 1;
+    mode.priv.purgeGap = 5;
+    mode.priv.dmPaperSize = kPaperDefault;
+    mode.priv.rotate180 = settings.rotate180;
+    mode.priv.mirrorImage = settings.mirrorImage;
+    mode.priv.kws = settings.kws;
+    mode.priv.colorMode = settings.colorMode;
+    for (size_t i = 0; i < profile_.size(); ++i) {
+        mode.priv.colorProfile[i] = static_cast<WCHAR>(profile_[i]);
+    }
+    return mode;
+}
+
+PageJob::PageJob(BenchDriver& driver, const BenchPage& page, const PageSize& size,
+                 const PageSettings& settings)
+    : driver_(driver) {
+    const DeviceMode mode = driver.Mode(size, settings);
+    std::vector<uint8_t> bytes(sizeof mode);
+    memcpy(bytes.data(), &mode, sizeof mode);
+    device_ = driver.Session().EnablePdev(bytes);
+    Require(device_->Instance() != nullptr, "DrvEnablePDEV");
+    driver.Session().CompletePdev(*device_);
+
+    surface_.dhpdev = device_->Instance();
+    surface_.hdev = device_->Handle();
+    surface_.sizlBitmap = {page.width, page.height};
+    surface_.cjBits = static_cast<ULONG>(page.Bytes());
+    surface_.pvBits = surface_.pvScan0 = const_cast<uint32_t*>(page.pixels.data());
+    surface_.lDelta = page.width * 4;
+    surface_.iBitmapFormat = BMF_32BPP;
+    surface_.fjBitmap = BMF_TOPDOWN;
+
+    const DriverHooks& hooks = driver.Session().Hooks();
+    WCHAR title[] = {'b', 'e', 'n', 'c', 'h', 0};
+    Require(hooks.startDoc(&surface_, title, 1), "DrvStartDoc");
+    Require(hooks.startPage(&surface_), "DrvStartPage");
+}
+
+PageJob::~PageJob() {
+    driver_.Session().Hooks().endDoc(&surface_, 0);
+}
+
+void PageJob::Send() {
+    Require(driver_.Session().Hooks().sendPage(&surface_), "DrvSendPage");
+}
+
+void PageJob::Send(RowObserver observer) {
+    rowObserver = std::move(observer);
+    Send();
+    rowObserver = nullptr;
+}

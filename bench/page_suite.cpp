@@ -1,0 +1,115 @@
+#include <cstring>
+#include <memory>
+
+#include "bench/plain_answers.h"
+#include "bench/references.h"
+#include "bench/suites.h"
+
+namespace {
+
+// A way for a page to lie, and its aims in copies of the bitmap.
+struct Lie {
+    const char* name;
+    PageSettings settings;
+    double labelAim, photoAim, noiseAim;  // 0: none is set
+};
+
+constexpr Lie kLies[] = {
+    {"landscape", {.landscape = true}, 1.3, 4, 20},
+    {"landscape mirrored", {.landscape = true, .mirrorImage = true}, 2, 0, 0},
+    {"landscape rotated", {.landscape = true, .rotate180 = true}, 2, 0, 0},
+    {"landscape rotated mirrored", {.landscape = true, .rotate180 = true, .mirrorImage = true}, 2, 0, 0},
+    {"portrait", {}, 2, 5, 23},
+    {"portrait mirrored", {.mirrorImage = true}, 2, 0, 0},
+    {"portrait rotated", {.rotate180 = true}, 2, 0, 0},
+    {"portrait rotated mirrored", {.rotate180 = true, .mirrorImage = true}, 2, 0, 0},
+};
+
+constexpr PageArt kArts[] = {PageArt::Label, PageArt::Photo, PageArt::Noise};
+
+double AimFor(const Lie& lie, PageArt art) {
+    return art == PageArt::Label ? lie.labelAim : art == PageArt::Photo ? lie.photoAim : lie.noiseAim;
+}
+
+std::string Title(const PageSize& size, PageArt art, const char* lie) {
+    return "page, " + std::string(size.name) + ", " + std::string(NameOf(art)) + ", " + lie;
+}
+
+const std::vector<uint32_t>& InksAt(const BenchSetting& setting, int16_t dpi) {
+    return dpi == 600 ? setting.inks : setting.inks300;
+}
+
+void MeasureLie(Bench& bench, const BenchSetting& setting, const BenchPage& page, const PageSize& size,
+                PageArt art, const Lie& lie) {
+    const std::string title = Title(size, art, lie.name);
+    if (!bench.Wants(title)) return;
+    PageJob job(setting.driver, page, size, lie.settings);
+    std::vector<uint32_t> copy(page.pixels.size());
+    bench.Hold({title,
+                {"DrvSendPage", [&] { job.Send(); }},
+                {"memcpy", [&] { memcpy(copy.data(), page.pixels.data(), page.Bytes()); }},
+                AimKind::AtMost,
+                size.dpi == kA4At600.dpi && size.name == kA4At600.name ? AimFor(lie, art) : 0,
+                [&] { CheckPage(job, page, lie.settings, size.dpi, InksAt(setting, size.dpi)); }});
+    bench.NotePeak(title, [&] { job.Send(); });
+}
+
+// The obvious program: turn the whole page, convert it row by row, hand the rows to an engine that does
+// nothing.
+void MeasureObviousProgram(Bench& bench, const BenchSetting& setting, PageArt art, double aim) {
+    const std::string title = "obvious program, A4 600 dpi, " + std::string(NameOf(art)) + ", portrait";
+    if (!bench.Wants(title)) return;
+    const BenchPage page = DrawPage(art, kA4At600, false);
+    PageJob job(setting.driver, page, kA4At600, {});
+    const LittleCms colors;
+    PixmanRotation rotation(page);
+    std::vector<uint32_t> row(static_cast<size_t>(rotation.Width()));
+    volatile uint32_t taken = 0;
+    const auto check = [&] {
+        CheckPage(job, page, {}, kA4At600.dpi, setting.inks);
+        rotation.Rotate();
+        for (int32_t y = 0; y < rotation.Rows(); ++y) {
+            for (int32_t x = 0; x < rotation.Width(); ++x) {
+                if ((rotation.Row(y)[x] & 0xFFFFFF) != PlainPixel(page, {}, y, x)) {
+                    throw CheckFailure("pixman turns the page another way");
+                }
+            }
+        }
+    };
+    bench.Hold({title,
+                {"DrvSendPage", [&] { job.Send(); }},
+                {"pixman and Little CMS",
+                 [&] {
+                     rotation.Rotate();
+                     for (int32_t y = 0; y < rotation.Rows(); ++y) {
+                         colors.Convert(rotation.Row(y), row.data(), static_cast<uint32_t>(rotation.Width()));
+                         taken = row.back();
+                     }
+                 }},
+                AimKind::TimesFaster,
+                aim,
+                check});
+}
+
+}  // namespace
+
+void MeasurePages(Bench& bench, const BenchSetting& setting) {
+    for (const PageSize& size : {kA4At600, kA4At300, kRollLabel}) {
+        for (const PageArt art : kArts) {
+            for (const bool landscape : {true, false}) {
+                BenchPage page;
+                for (const Lie& lie : kLies) {
+                    const bool plain = !lie.settings.rotate180 && !lie.settings.mirrorImage;
+                    // Every way to lie is measured with the one page that has aims for all of them.
+                    if (!plain && (art != PageArt::Label || size.name != kA4At600.name)) continue;
+                    if (lie.settings.landscape != landscape) continue;
+                    if (!bench.Wants(Title(size, art, lie.name))) continue;
+                    if (page.pixels.empty()) page = DrawPage(art, size, landscape);
+                    MeasureLie(bench, setting, page, size, art, lie);
+                }
+            }
+        }
+    }
+    MeasureObviousProgram(bench, setting, PageArt::Label, 10);
+    MeasureObviousProgram(bench, setting, PageArt::Photo, 5);
+}

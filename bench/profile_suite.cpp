@@ -1,0 +1,104 @@
+#include <cstring>
+#include <numeric>
+
+#include "bench/plain_answers.h"
+#include "bench/suites.h"
+#include "color/color_cache.h"
+#include "color/generic_conversion.h"
+#include "color/profile_file.h"
+#include "color/row_conversion.h"
+#include "profile_tool/conversion.h"
+#include "profile_tool/profile_writer.h"
+#include "tests/color/plain_colors.h"
+#include "tests/support/scratch_folder.h"
+
+namespace {
+
+constexpr size_t kTableBytes = kCacheEntries * sizeof(uint32_t);
+constexpr uint32_t kRow = 4096;  // colours converted at once
+
+Contender Memset(std::vector<uint32_t>& table) {
+    return {"memset 64 MiB", [&] { memset(table.data(), 0xFF, kTableBytes); }};
+}
+
+int32_t Load(const std::filesystem::path& path) {
+    signed char code;
+    char name[512];
+    return zvc_load_profile(path.string().c_str(), kResolution600, &code, name, sizeof name);
+}
+
+void MeasureGeneric(Bench& bench, std::vector<uint32_t>& table) {
+    bench.Hold({"generic conversion of all colours",
+                {"FillWithGenericConversion", [] { FillWithGenericConversion(g_colorCache, kHalfInk); }},
+                Memset(table),
+                AimKind::AtMost,
+                4,
+                [] {
+                    std::vector<uint32_t> inks(kCacheEntries);
+                    for (uint32_t color = 0; color < kCacheEntries; ++color) {
+                        inks[color] = plain::Generic(color, kHalfInk);
+                    }
+                    FillWithGenericConversion(g_colorCache, kHalfInk);
+                    CheckCache(inks, "the generic conversion");
+                }});
+}
+
+void MeasureLoads(Bench& bench, const BenchSetting& setting, std::vector<uint32_t>& table) {
+    constexpr char kLoad2[] = "load of a version 2 profile", kLoad5[] = "load of a version 5 profile";
+    if (bench.Wants(kLoad2)) {
+        const ScratchFolder folder;
+        std::filesystem::path paths[3];
+        for (const int version : {1, 2}) {
+            paths[version] = folder.Path() / ("bench" + std::to_string(version) + ".zvp");
+            WriteProfileFile(ConvertProfile(setting.profile, version), paths[version]);
+        }
+        bench.Hold({kLoad2,
+                    {"zvc_load_profile", [&] { Load(paths[2]); }},
+                    {"version 1", [&] { Load(paths[1]); }},
+                    AimKind::AtMost,
+                    2.5,
+                    [&] {
+                        Load(paths[2]);
+                        CheckCache(setting.inks, "version 2");
+                        Load(paths[1]);
+                        CheckCache(setting.inks, "version 1");
+                    }});
+    }
+    bench.Hold({kLoad5,
+                {"zvc_load_profile", [&] { Load(setting.profile); }},
+                Memset(table),
+                AimKind::AtMost,
+                1.5,
+                nullptr});
+}
+
+void MeasureInterpolation(Bench& bench, const BenchSetting& setting, std::vector<uint32_t>& table) {
+    constexpr char kTitle[] = "interpolation of all colours";
+    if (!bench.Wants(kTitle)) return;
+    std::vector<uint32_t> colors(kCacheEntries), inks(kRow);
+    std::iota(colors.begin(), colors.end(), 0u);
+    const auto convertAll = [&] {
+        for (size_t first = 0; first < kCacheEntries; first += kRow) {
+            ConvertRow(inks.data(), colors.data() + first, kRow, 1, 0, 1, kColour);
+        }
+    };
+    bench.Hold({kTitle,
+                {"ConvertRow", convertAll, [&] { LoadFresh(setting); }},
+                Memset(table),
+                AimKind::AtMost,
+                40,
+                [&] {
+                    LoadFresh(setting);
+                    convertAll();
+                    CheckCache(setting.inks, "the interpolation");
+                }});
+}
+
+}  // namespace
+
+void MeasureProfiles(Bench& bench, const BenchSetting& setting) {
+    std::vector<uint32_t> table(kCacheEntries);
+    MeasureGeneric(bench, table);
+    MeasureLoads(bench, setting, table);
+    MeasureInterpolation(bench, setting, table);
+}

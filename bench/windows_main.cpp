@@ -1,0 +1,61 @@
+// Times whole pages through the built DLL: whether it is as fast as the native build.
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstring>
+#include <exception>
+#include <functional>
+#include <vector>
+
+#include "bench/page_job.h"
+
+namespace {
+
+constexpr int kRepetitions = 20;
+constexpr char kProfile[] = "neutral.zvp";
+
+double Seconds(const std::function<void()>& run) {
+    const auto start = std::chrono::steady_clock::now();
+    run();
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+double Median(std::vector<double> seconds) {
+    std::sort(seconds.begin(), seconds.end());
+    return (seconds[seconds.size() / 2] + seconds[(seconds.size() - 1) / 2]) / 2;
+}
+
+void MeasurePage(BenchDriver& driver, PageArt art, bool landscape) {
+    const BenchPage page = DrawPage(art, kA4At600, landscape);
+    std::vector<uint32_t> copy(page.pixels.size());
+    PageJob job(driver, page, kA4At600, {.landscape = landscape});
+    const auto memcpyPage = [&] { memcpy(copy.data(), page.pixels.data(), page.Bytes()); };
+    job.Send();
+    memcpyPage();
+    std::vector<double> ours, theirs;
+    for (int i = 0; i < kRepetitions; ++i) {
+        ours.push_back(Seconds([&] { job.Send(); }));
+        theirs.push_back(Seconds(memcpyPage));
+    }
+    std::printf("%-6s %-10s %10.3f /%9.3f %10.3f /%9.3f %8.2f\n", NameOf(art).data(),
+                landscape ? "landscape" : "portrait", Median(ours) * 1e3,
+                *std::min_element(ours.begin(), ours.end()) * 1e3, Median(theirs) * 1e3,
+                *std::min_element(theirs.begin(), theirs.end()) * 1e3, Median(ours) / Median(theirs));
+}
+
+}  // namespace
+
+int main() {
+    try {
+        BenchDriver driver(ProgramFolder() / "install", kProfile);
+        std::printf("A4 600 dpi, ms, median / minimum of %d\n%-17s %21s %21s %8s\n", kRepetitions, "page",
+                    "DrvSendPage", "memcpy", "ratio");
+        for (const PageArt art : {PageArt::Label, PageArt::Photo, PageArt::Noise}) {
+            for (const bool landscape : {true, false}) MeasurePage(driver, art, landscape);
+        }
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "orvexbench: %s\n", error.what());
+        return 1;
+    }
+    return 0;
+}
