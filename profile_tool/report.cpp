@@ -56,8 +56,8 @@ void ReportStatistics(std::ostream& out, std::string_view title, const InkStatis
         << HexColor(statistics.largestTotalColor) << '\n';
     if (statistics.white != 0) out << "    white gets ink: " << ShownInks(statistics.white) << '\n';
     if (statistics.marks != 0) {
-        out << "    " << GroupedNumber(statistics.marks)
-            << " entries have all four inks full, which the driver takes as not computed\n";
+        out << "    taken by the driver as not computed (all four inks full): "
+            << GroupedNumber(statistics.marks) << '\n';
     }
 }
 

@@ -5,10 +5,10 @@
 #include <gmock/gmock.h>
 
 #include "host/png_page.h"
-#include "profile_tool/ink_preview.h"
 #include "profile_tool/profile_reader.h"
 #include "tests/profile_tool/icc_samples.h"
 #include "tests/profile_tool/profile_samples.h"
+#include "tests/profile_tool/shown_inks.h"
 #include "tests/support/scratch_folder.h"
 
 namespace {
@@ -224,7 +224,7 @@ TEST_F(ProfileTool, AppliesAProfileToAPicture) {
     WriteProfileFile(profile, Path("red.zvp"));
     EXPECT_EQ(Run({"apply", Picture(), Path("out.png"), "--profile", Path("red.zvp")}), 0) << err_;
     EXPECT_EQ(LoadPng(Path("out.png")).Row(0)[0], 0xFFFFFFu);
-    EXPECT_EQ(LoadPng(Path("out.png")).Row(0)[1], 0x00FFCCu);
+    EXPECT_EQ(LoadPng(Path("out.png")).Row(0)[1], ShownPixel(PackInks(0, 255, 0, 51)));
     EXPECT_EQ(LoadPng(Path("out-K.png")).Row(0)[1], 0xFFFFFFu);
     EXPECT_EQ(LoadPng(Path("out-C.png")).Row(0)[1], 0x000000u);
     EXPECT_EQ(LoadPng(Path("out-M.png")).Row(0)[1], 0xFFFFFFu);
@@ -239,7 +239,7 @@ TEST_F(ProfileTool, AppliesAProfileToAPicture) {
 
 TEST_F(ProfileTool, AppliesTheBuiltInConversionWithoutAProfile) {
     EXPECT_EQ(Run({"apply", Picture(), Path("out.png")}), 0) << err_;
-    EXPECT_EQ(LoadPng(Path("out.png")).Row(0)[1], 0xFF0000u);
+    EXPECT_EQ(LoadPng(Path("out.png")).Row(0)[1], ShownPixel(PackInks(0, 0, 255, 255)));
     EXPECT_EQ(LoadPng(Path("out-M.png")).Row(0)[1], 0x000000u);
 }
 
