@@ -1,17 +1,19 @@
-// From ink values to the colours of a preview.
+// From ink values to the colours of a preview: a model of the print by densities.
 //
-// Each ink is an ideal filter: cyan takes red away, magenta green, yellow blue, black all three, each in
-// proportion to its amount, and white paper reflects everything:
+// Dots grow on the paper: of an amount a, from 0 to 1, they cover a + 4g a(1 - a), g being the gain at one
+// half. What is covered sends back as much light as the solid ink, the rest as much as white paper. An ink
+// absorbs most of one colour of the light, black of all three, and some of the others beside it, always in
+// the same proportion of densities; inks on each other add their densities. The darkest print that there is
+// shows as black, and the light as sRGB.
 //
-//     red = paper red x (1 - c) x (1 - k)     green = ... (1 - m) x (1 - k)     blue = ... (1 - y) x (1 - k)
-//
-// with c, m, y and k the amounts from 0 to 1. A full amount is 255; at 600 dpi, where a label takes four
-// times as many dots, half of it is full ink. Real inks are not ideal: a preview shows what is meant, not how
-// a given paper takes it.
+// A full amount is 255; at 600 dpi, where a label takes four times as many dots, half of it is full ink. The
+// inks of the model are typical ones: a preview shows what a print looks like, not how a given paper takes
+// it.
 #pragma once
 
 #include <array>
 #include <cstdint>
+#include <vector>
 
 namespace viewer {
 
@@ -38,21 +40,27 @@ class InkModel {
   public:
     explicit InkModel(uint32_t dpi);
 
-    // The part of the light that an ink of that amount lets through, 0 to 1.
-    float Transmission(uint8_t amount) const { return transmission_[amount]; }
+    // An amount as a part of full ink, 0 to 1.
+    float Share(uint8_t amount) const { return share_[amount]; }
 
-    Rgb OnPaper(uint32_t inkValue, Rgb paper = kPaperWhite) const;
-    // One ink alone: 255 without it, 0 for full ink.
+    // The colour of an ink value on white paper.
+    Rgb OnPaper(uint32_t inkValue) const;
+    // The amount of one ink: 255 for none, 0 for full ink.
     uint8_t Grey(uint32_t inkValue, int ink) const {
-        return Level(255, Transmission(InkAmount(inkValue, ink)));
+        return static_cast<uint8_t>(255 * (1 - Share(InkAmount(inkValue, ink))) + 0.5f);
     }
 
   private:
-    static uint8_t Level(uint8_t light, float part) {
-        return static_cast<uint8_t>(static_cast<float>(light) * part + 0.5f);
-    }
+    // The part of red, green and blue light that comes through.
+    struct Light {
+        float red, green, blue;
+    };
 
-    std::array<float, 256> transmission_;
+    uint8_t Shown(float light) const;
+
+    std::array<float, 256> share_;
+    std::array<std::array<Light, 256>, kInkCount> light_;
+    std::vector<uint8_t> shown_;  // by light, in equal steps
 };
 
 }  // namespace viewer

@@ -14,7 +14,7 @@ namespace {
 constexpr const char* kDescription =
     "Shows a print file made with the stand-in print engine: the job header as a table, the geometry of "
     "every page,\n"
-    "and each page as PREFIX-pageN.png, its inks laid on white paper.\n"
+    "and each page as PREFIX-pageN.png, as typical inks look on white paper.\n"
     "\n"
     "A raster row lies along the paper feed, one row for each place across the print head; so a portrait "
     "label is sent\n"
@@ -55,7 +55,9 @@ void AddOutputOptions(CLI::App& app, Options& options) {
     app.add_flag(
         "--layout", options.layout,
         "PREFIX-pageN-layout.png as well: the whole print head as a grey band with a tick every 10 mm, "
-        "the page in its place on it; fill rows are bluish, the purge bar is yellowish");
+        "the page in its place on it; fill rows are bluish, the purge bar is yellowish. The head's first row "
+        "is at "
+        "the right of a portrait page, at the top of a landscape one");
     app.add_flag_callback(
            "--no-pictures", [&options] { options.pictures = false; }, "Writes no pictures of pages")
         ->excludes("--inks")
@@ -95,6 +97,7 @@ void AddViewOptions(CLI::App& app, Options& options) {
 std::optional<Options> ReadOptions(std::vector<std::string> arguments, int& status) {
     Options options;
     CLI::App app(kDescription, "orvexview");
+    app.allow_windows_style_options(false);  // a name may begin with a slash
     app.formatter(std::make_shared<ViewHelpFormat>());
     app.footer(kExamples);
     AddOutputOptions(app, options);

@@ -45,8 +45,8 @@ std::array<double, kInkCount> InkShares(const PrintFile& file, const PrintedPage
     std::array<double, kInkCount> shares{};
     for (int ink = 0; ink < kInkCount; ++ink) {
         for (int amount = 0; amount < 256; ++amount) {
-            shares[ink] += static_cast<double>(counts[ink][amount]) *
-                           (1.0 - model.Transmission(static_cast<uint8_t>(amount)));
+            shares[ink] +=
+                static_cast<double>(counts[ink][amount]) * model.Share(static_cast<uint8_t>(amount));
         }
         shares[ink] /= static_cast<double>(uint64_t{area.width} * area.rows);
     }

@@ -64,6 +64,10 @@ TEST(Options, EveryOptionIsTaken) {
     EXPECT_EQ(options.verify, "v.png");
 }
 
+TEST(Options, ANameMayBeginWithASlash) {
+    EXPECT_EQ(Read({"/jobs/a.prn"}).file, "/jobs/a.prn");
+}
+
 TEST(Options, FullIsAScaleOfOne) {
     EXPECT_EQ(Read({"job.prn", "--full"}).scale, 1u);
 }

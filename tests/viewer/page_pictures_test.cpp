@@ -23,13 +23,18 @@ Rgb Grey(int level) {
     return {each, each, each};
 }
 
-// A picture of ink values by their black alone: 255 minus the amount.
-std::vector<int> Blacks(const Picture& picture) {
-    std::vector<int> blacks;
-    for (size_t i = 0; i < picture.samples.size(); i += picture.channels)
-        blacks.push_back(255 - picture.samples[i]);
-    return blacks;
+// The amounts of ink that a grey picture shows.
+std::vector<int> Amounts(const Picture& ink) {
+    std::vector<int> amounts;
+    for (const uint8_t sample : ink.samples) amounts.push_back(255 - sample);
+    return amounts;
 }
+
+Picture DrawBlack(const PrintFile& file, const BlockArea& area, uint32_t scale = 1) {
+    return DrawInk(file, file.pages[0], area, scale, kBlack);
+}
+
+const Rgb kSolidBlack = InkModel(300).OnPaper(0x000000FF);
 
 // The label, 3 pixels wide and 4 high:   1  2  3
 //                                        4  5  6
@@ -45,41 +50,39 @@ TEST(PagePictures, APortraitPageIsTurnedBackAsTheLabelReads) {
     const PrintFile file = Print300(kPortraitRows, kPortrait);
     const PagePlacement placement = PlacePage(file, file.pages[0]);
     ASSERT_TRUE(placement.explained);
-    const Picture sent = DrawComposite(file, file.pages[0], ImageArea(placement), 1);
-    EXPECT_EQ(Blacks(sent), (std::vector<int>{3, 6, 9, 12, 2, 5, 8, 11, 1, 4, 7, 10}));
+    const Picture sent = DrawBlack(file, ImageArea(placement));
+    EXPECT_EQ(Amounts(sent), (std::vector<int>{3, 6, 9, 12, 2, 5, 8, 11, 1, 4, 7, 10}));
     const Picture upright = Upright(sent, placement);
     EXPECT_EQ(upright.width, 3u);
     EXPECT_EQ(upright.height, 4u);
-    EXPECT_EQ(Blacks(upright), (std::vector<int>{1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12}));
+    EXPECT_EQ(Amounts(upright), (std::vector<int>{1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12}));
 }
 
 TEST(PagePictures, ALandscapePageStaysAsItIs) {
     const PrintFile file = Print300({{1, 2, 3}, {4, 5, 6}}, {{"ORIGX", 3}, {"ORIGY", 2}});
     const PagePlacement placement = PlacePage(file, file.pages[0]);
-    const Picture upright = Upright(DrawComposite(file, file.pages[0], ImageArea(placement), 1), placement);
-    EXPECT_EQ(Blacks(upright), (std::vector<int>{1, 2, 3, 4, 5, 6}));
+    const Picture upright = Upright(DrawBlack(file, ImageArea(placement)), placement);
+    EXPECT_EQ(Amounts(upright), (std::vector<int>{1, 2, 3, 4, 5, 6}));
 }
 
 TEST(PagePictures, ThePurgeBarIsNotPartOfTheImage) {
     const PrintFile file = Print300({{0xFFFFFFFF, 0xFFFFFFFF, 1, 2, 3}, {0, 0, 4, 5, 6}},
                                     {{"ORIGX", 3}, {"ORIGY", 2}, {"PURGEBAR", 1}, {"PURGEDOTS", 2}});
     const PagePlacement placement = PlacePage(file, file.pages[0]);
-    EXPECT_EQ(Blacks(DrawComposite(file, file.pages[0], ImageArea(placement), 1)),
-              (std::vector<int>{1, 2, 3, 4, 5, 6}));
-    EXPECT_EQ(Blacks(DrawComposite(file, file.pages[0], WholeBlock(file.pages[0]), 1)),
+    EXPECT_EQ(Amounts(DrawBlack(file, ImageArea(placement))), (std::vector<int>{1, 2, 3, 4, 5, 6}));
+    EXPECT_EQ(Amounts(DrawBlack(file, WholeBlock(file.pages[0]))),
               (std::vector<int>{255, 255, 1, 2, 3, 0, 0, 4, 5, 6}));
 }
 
 TEST(PagePictures, CompositeAndInksShowTheSameRows) {
-    const PrintFile file =
-        Print300({{0x00000000, 0xFF000000, 0x00FF0000, 0x0000FF00, 0x000000FF, 0x04030201}}, {});
+    const std::vector<uint32_t> kValues = {0, 0xFF000000, 0x00FF0000, 0x0000FF00, 0x000000FF, 0x04030201};
+    const PrintFile file = Print300({kValues}, {});
     const BlockArea area = WholeBlock(file.pages[0]);
     const Picture composite = DrawComposite(file, file.pages[0], area, 1);
+    const InkModel model(300);
+    for (uint32_t x = 0; x < 6; ++x) EXPECT_EQ(PixelAt(composite, x, 0), model.OnPaper(kValues[x])) << x;
     EXPECT_EQ(PixelAt(composite, 0, 0), kPaperWhite);
-    EXPECT_EQ(PixelAt(composite, 1, 0), (Rgb{255, 255, 0}));
-    EXPECT_EQ(PixelAt(composite, 2, 0), (Rgb{255, 0, 255}));
-    EXPECT_EQ(PixelAt(composite, 3, 0), (Rgb{0, 255, 255}));
-    EXPECT_EQ(PixelAt(composite, 4, 0), Grey(0));
+    EXPECT_NE(PixelAt(composite, 1, 0), PixelAt(composite, 2, 0));
     using Samples = std::vector<uint8_t>;
     EXPECT_EQ(DrawInk(file, file.pages[0], area, 1, kBlack).samples, Samples({255, 255, 255, 255, 0, 254}));
     EXPECT_EQ(DrawInk(file, file.pages[0], area, 1, kCyan).samples, Samples({255, 255, 255, 0, 255, 253}));
@@ -89,10 +92,14 @@ TEST(PagePictures, CompositeAndInksShowTheSameRows) {
 
 TEST(PagePictures, PixelsAreTakenTogether) {
     const PrintFile file = Print300({{0, 20, 100}, {40, 60, 200}}, {});
-    const Picture picture = DrawComposite(file, file.pages[0], WholeBlock(file.pages[0]), 2);
+    const Picture picture = DrawBlack(file, WholeBlock(file.pages[0]), 2);
     EXPECT_EQ(picture.width, 2u);
     EXPECT_EQ(picture.height, 1u);
-    EXPECT_EQ(Blacks(picture), (std::vector<int>{30, 150}));
+    EXPECT_EQ(Amounts(picture), (std::vector<int>{30, 150}));
+    const Picture composite = DrawComposite(file, file.pages[0], WholeBlock(file.pages[0]), 2);
+    const InkModel model(300);
+    const int sum = 255 + model.OnPaper(20).red + model.OnPaper(40).red + model.OnPaper(60).red;
+    EXPECT_EQ(PixelAt(composite, 0, 0), Grey((sum + 2) / 4));
 }
 
 // 300 dpi: the head is 3510 rows wide.
@@ -114,9 +121,9 @@ TEST(LayoutPicture, ShowsTheBlockInItsPlaceOnTheHead) {
     EXPECT_EQ(PixelAt(layout, kM, kM + 3506), kHeadColour);
     EXPECT_EQ(PixelAt(layout, kM, kM + 3507), kImageOutline);
     EXPECT_EQ(PixelAt(layout, kM - 1, kM + 3508), kImageOutline);
-    EXPECT_EQ(PixelAt(layout, kM, kM + 3508), Grey(0)) << "the image's first pixel";
+    EXPECT_EQ(PixelAt(layout, kM, kM + 3508), kSolidBlack) << "the image's first pixel";
     EXPECT_EQ(PixelAt(layout, kM + 1, kM + 3508), kPaperWhite);
-    EXPECT_EQ(PixelAt(layout, kM + 3, kM + 3508), Grey(0));
+    EXPECT_EQ(PixelAt(layout, kM + 3, kM + 3508), kSolidBlack);
     EXPECT_EQ(PixelAt(layout, kM + 4, kM + 3508), kImageOutline);
     EXPECT_EQ(PixelAt(layout, kM, kM + 3509), kPaperWhite);
     EXPECT_EQ(PixelAt(layout, kM, kM + 3510), kImageOutline);
@@ -159,11 +166,10 @@ TEST(LayoutPicture, FillRowsAndPurgeBarStandOnColouredPaper) {
     constexpr uint32_t kM = kLayoutMargin;
     EXPECT_EQ(PixelAt(layout, kM, kM), Grey(0)) << "purge dot";
     EXPECT_EQ(PixelAt(layout, kM + 2, kM), kFillPaper);
-    EXPECT_EQ(PixelAt(layout, kM + 1, kM), (Rgb{172, 185, 200}))
-        << "a fifth of black on the paper of fill rows";
+    EXPECT_EQ(PixelAt(layout, kM + 1, kM), (Rgb{182, 196, 211})) << "some black on the paper of fill rows";
     EXPECT_EQ(PixelAt(layout, kM + 2, kM + 1752), kFillPaper);
     EXPECT_EQ(PixelAt(layout, kM + 2, kM + 1754), kPaperWhite);
-    EXPECT_EQ(PixelAt(layout, kM + 1, kM + 1755), Grey(0));
+    EXPECT_EQ(PixelAt(layout, kM + 1, kM + 1755), kSolidBlack);
     EXPECT_EQ(PixelAt(layout, kM + 2, kM + 1755), kPaperWhite);
     EXPECT_EQ(PixelAt(layout, kM, kM + 1755), kImageOutline) << "over the gap beside the image";
     EXPECT_EQ(PixelAt(layout, kM + 2, kM + 1757), kFillPaper);
@@ -175,7 +181,7 @@ TEST(LayoutPicture, ThePurgeBarsGapIsTinted) {
         Print300({{0, 0, 0, 255}}, {{"ORIGX", 1}, {"ORIGY", 1}, {"PURGEBAR", 1}, {"PURGEDOTS", 3}});
     const Picture layout = DrawLayout(file, file.pages[0], PlacePage(file, file.pages[0]), 1);
     EXPECT_EQ(PixelAt(layout, kLayoutMargin, kLayoutMargin), kPurgePaper);
-    EXPECT_EQ(PixelAt(layout, kLayoutMargin + 3, kLayoutMargin), Grey(0));
+    EXPECT_EQ(PixelAt(layout, kLayoutMargin + 3, kLayoutMargin), kSolidBlack);
 }
 
 TEST(LayoutPicture, AnyScaleFits) {
@@ -189,6 +195,7 @@ TEST(LayoutPicture, AnyScaleFits) {
     for (uint32_t scale = 1; scale < 40; ++scale) {
         const Picture layout = DrawLayout(file, file.pages[0], placement, scale);
         EXPECT_EQ(layout.width, (13 + scale - 1) / scale + 2 * kLayoutMargin);
-        EXPECT_EQ(PixelAt(layout, kLayoutMargin, kLayoutMargin + 3499 / scale), Grey(178)) << scale;
+        EXPECT_EQ(PixelAt(layout, kLayoutMargin, kLayoutMargin + 3499 / scale), InkModel(300).OnPaper(77))
+            << scale;
     }
 }

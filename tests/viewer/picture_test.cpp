@@ -30,67 +30,6 @@ Picture MakePicture(uint32_t width, uint32_t height, uint32_t channels, const Sa
 
 }  // namespace
 
-// Full ink is 255, at 600 dpi 127.5.
-TEST(InkModel, EachInkTakesItsOwnLight) {
-    const InkModel model(300);
-    EXPECT_EQ(model.OnPaper(0), (Rgb{255, 255, 255}));
-    EXPECT_EQ(model.OnPaper(0x000000FF), (Rgb{0, 0, 0}));
-    EXPECT_EQ(model.OnPaper(0x0000FF00), (Rgb{0, 255, 255}));
-    EXPECT_EQ(model.OnPaper(0x00FF0000), (Rgb{255, 0, 255}));
-    EXPECT_EQ(model.OnPaper(0xFF000000), (Rgb{255, 255, 0}));
-    EXPECT_EQ(model.OnPaper(0xFFFFFF00), (Rgb{0, 0, 0}));
-    EXPECT_EQ(model.OnPaper(0x00000033), (Rgb{204, 204, 204}));
-    EXPECT_EQ(model.OnPaper(0x00003366 | 0x66000000), (Rgb{122, 153, 92}));
-}
-
-TEST(InkModel, HalfTheInkIsFullInkAt600Dpi) {
-    const InkModel model(600);
-    EXPECT_EQ(model.OnPaper(0x00000080), (Rgb{0, 0, 0}));
-    EXPECT_EQ(model.OnPaper(0x0000007F), (Rgb{1, 1, 1}));
-    EXPECT_EQ(model.OnPaper(0x0000FF00), (Rgb{0, 255, 255}));
-    EXPECT_EQ(model.OnPaper(0x00003300), (Rgb{153, 255, 255}));
-    EXPECT_EQ(InkModel(150).OnPaper(0x00003300), (Rgb{204, 255, 255}));
-}
-
-TEST(InkModel, PaperColoursWhatIsNotInked) {
-    const InkModel model(300);
-    EXPECT_EQ(model.OnPaper(0, {200, 100, 50}), (Rgb{200, 100, 50}));
-    EXPECT_EQ(model.OnPaper(0x00000033, {200, 100, 50}), (Rgb{160, 80, 40}));
-}
-
-TEST(InkModel, OneInkAloneIsGrey) {
-    const InkModel model(300);
-    EXPECT_EQ(model.Grey(0x04030201, kBlack), 254);
-    EXPECT_EQ(model.Grey(0x04030201, kCyan), 253);
-    EXPECT_EQ(model.Grey(0x04030201, kMagenta), 252);
-    EXPECT_EQ(model.Grey(0x04030201, kYellow), 251);
-}
-
-// The generic conversion of a colour to inks takes out all the grey it can and puts black for it.
-TEST(InkModel, UndoesTheGenericConversion) {
-    for (int dpi : {300, 600}) {
-        const InkModel model(static_cast<uint32_t>(dpi));
-        const double full = dpi == 600 ? 127.5 : 255;
-        for (int red = 0; red < 256; red += 15) {
-            for (int green = 0; green < 256; green += 15) {
-                for (int blue = 0; blue < 256; blue += 15) {
-                    const int most = std::max({red, green, blue});
-                    if (most < 60) continue;  // in the dark the rounded amounts show
-                    const auto amount = [&](int light) {
-                        return static_cast<uint32_t>(full * (most - light) / most + 0.5);
-                    };
-                    const uint32_t value = static_cast<uint32_t>(full * (255 - most) / 255 + 0.5) |
-                                           amount(red) << 8 | amount(green) << 16 | amount(blue) << 24;
-                    const Rgb shown = model.OnPaper(value);
-                    ASSERT_NEAR(shown.red, red, 2) << std::hex << value;
-                    ASSERT_NEAR(shown.green, green, 2) << std::hex << value;
-                    ASSERT_NEAR(shown.blue, blue, 2) << std::hex << value;
-                }
-            }
-        }
-    }
-}
-
 TEST(Reducer, AScaleOfOneKeepsEveryPixel) {
     const Samples samples = {1, 2, 3, 4, 5, 6};
     EXPECT_EQ(Reduce(3, 2, 1, 1, samples).samples, samples);

@@ -155,7 +155,7 @@ TEST_F(ViewingTest, WritesOnePictureOfEachPageBesideTheFile) {
     EXPECT_THAT(text, HasSubstr("tiquette-page1.png: 3 x 2 pixels\n"));
     EXPECT_THAT(Written(), ElementsAre("\xC3\xA9tiquette-page1.png", "\xC3\xA9tiquette-page2.png"));
     EXPECT_THAT(Pixels("\xC3\xA9tiquette-page1.png"),
-                ElementsAre(0xFFFFFF, 0xFFFFFF, 0x000000, 0x00FFFF, 0xFFFFFF, 0xFFFFFF));
+                ElementsAre(0xFFFFFF, 0xFFFFFF, 0x1C1C1C, 0x2CA3D3, 0xFFFFFF, 0xFFFFFF));
 }
 
 TEST_F(ViewingTest, WritesInksAndLayoutOfTheChosenPageUnderThePrefix) {
@@ -179,7 +179,7 @@ TEST_F(ViewingTest, RawPicturesAreAsSent) {
     options_.pages = {1};
     Show();
     EXPECT_THAT(Pixels("\xC3\xA9tiquette-page1.png"),
-                ElementsAre(0x000000, 0xFFFFFF, 0xFFFFFF, 0xFFFFFF, 0xFFFFFF, 0x00FFFF));
+                ElementsAre(0x1C1C1C, 0xFFFFFF, 0xFFFFFF, 0xFFFFFF, 0xFFFFFF, 0x2CA3D3));
 }
 
 TEST_F(ViewingTest, LargePagesAreScaledToFit) {
