@@ -37,11 +37,23 @@ class InkBlend {
     uint32_t cyanAndYellow_ = 0;
 };
 
+// What each amount of an ink leaves of the light: as a share of it, and of 255.
+constexpr struct LightShares {
+    constexpr LightShares() {
+        for (int amount = 0; amount < 256; ++amount) {
+            left[amount] = 1 - amount / 255.0;
+            light[amount] = left[amount] * 255;
+        }
+    }
+    double left[256] = {};
+    double light[256] = {};
+} kShares;
+
 // The sum of some ink values as colours of light.
 class LightSum {
   public:
     void Add(uint32_t ink) {
-        const double unblackened = 1 - (ink & 0xFF) / 255.0;
+        const double unblackened = kShares.left[ink & 0xFF];
         red_ += Through(ink >> 8, unblackened);
         green_ += Through(ink >> 16, unblackened);
         blue_ += Through(ink >> 24, unblackened);
@@ -56,7 +68,7 @@ class LightSum {
   private:
     // What an ink lets through of the light that it takes, truncated to a byte.
     static uint32_t Through(uint32_t ink, double unblackened) {
-        return static_cast<uint32_t>((1 - (ink & 0xFF) / 255.0) * 255 * unblackened);
+        return static_cast<uint32_t>(kShares.light[ink & 0xFF] * unblackened);
     }
     uint32_t red_ = 0;
     uint32_t green_ = 0;
