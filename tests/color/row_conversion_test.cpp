@@ -218,6 +218,21 @@ TEST(ConvertRow, EqualsThePlainGreyForEveryWeightOfScatteredInks) {
     }
 }
 
+TEST(ConvertRow, AddsThePartsOfAGreyInTheirOrder) {
+    // In whole numbers these greys are the amounts themselves; in double precision many fall just short.
+    for (uint32_t amount = 0; amount < 256; ++amount) {
+        for (const uint32_t ink : {plain::Ink(amount, 0, 0, 0), plain::Ink(0, amount, amount, amount)}) {
+            for (const uint32_t greyMode : {1u, 2u}) {
+                const RowOptions options{.greyMode = greyMode};
+                EXPECT_EQ(ConvertInk(ink, options), PlainPrint(ink, 0, options)) << std::hex << ink;
+            }
+        }
+    }
+    EXPECT_EQ(ConvertInk(plain::Ink(100, 0, 0, 0), {.greyMode = kBlackOnlyGrey}), 100u);
+    EXPECT_EQ(ConvertInk(plain::Ink(64, 0, 0, 0), {.greyMode = kBlackOnlyGrey}), 63u);
+    EXPECT_EQ(ConvertInk(plain::Ink(13, 0, 0, 0), {.greyMode = kBlackOnlyGrey}), 12u);
+}
+
 TEST(FillBlankPattern, StartsAtItsFirstPosition) {
     std::vector<uint32_t> inks(6, kUntouched);
     FillBlankPattern(inks.data(), 5, 1);
