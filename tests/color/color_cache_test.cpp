@@ -54,18 +54,15 @@ TEST(ColorCache, GridValuesAreMultiplesOf16And255) {
     EXPECT_EQ(GridValue(16), 255u);
 }
 
-TEST(PrismInterpolation, EqualsTheMatrixFormForEveryColourOfASmoothGrid) {
-    FillGrid(Smooth);
+TEST(PrismInterpolation, EqualsTheMatrixFormForEveryColourOfRandomInksAboveExtremes) {
+    FillGrid([](uint32_t color) { return (Scrambled(color) & 0xFFFF0000) | (Extreme(color) & 0xFFFF); });
     ExpectPlainPrismEverywhere();
 }
 
-TEST(PrismInterpolation, EqualsTheMatrixFormForEveryColourOfARandomGrid) {
-    FillGrid(Scrambled);
-    ExpectPlainPrismEverywhere();
-}
-
-TEST(PrismInterpolation, EqualsTheMatrixFormForEveryColourOfAGridOfExtremes) {
-    FillGrid(Extreme);
+TEST(PrismInterpolation, EqualsTheMatrixFormForEveryColourOfExtremesAboveSmoothAndRandomInks) {
+    FillGrid([](uint32_t color) {
+        return (Extreme(color) & 0xFFFF0000) | (Scrambled(color) & 0xFF00) | (Smooth(color) & 0xFF);
+    });
     ExpectPlainPrismEverywhere();
 }
 
