@@ -95,7 +95,7 @@ std::string HeadText(const PrintedPage& page, const PagePlacement& placement) {
 std::string EncodedText(const PrintedPage& page) {
     const double raw = 4.0 * page.rowWidth * page.rows;
     return std::to_string(page.EncodedSize()) + " bytes, " +
-           DecimalText(100.0 * static_cast<double>(page.EncodedSize()) / raw, 1) + " %";
+           DecimalText(100.0 * static_cast<double>(page.EncodedSize()) / raw, 2) + " %";
 }
 
 void DescribePage(const PrintFile& file, const PrintedPage& page, const PagePlacement& placement,

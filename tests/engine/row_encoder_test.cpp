@@ -78,8 +78,8 @@ TEST(RowEncoder, AOnePixelMatchAndARunOfTwoStayLiterals) {
 TEST(RowEncoder, CommandsFollowEachOther) {
     const Row above = {0, 0, 0, 0, 0, 8, 9};
     const Row row = {1, 6, 6, 6, 2, 8, 9};
-    EXPECT_EQ(Encode(above, row),
-              Bytes({LiteralsOf(1), 1, 0, 0, 0, RunOf(3), 6, 0, 0, 0, LiteralsOf(1), 2, 0, 0, 0, AboveBy(2)}));
+    EXPECT_EQ(Encode(above, row), Bytes({LiteralsOf(1), 1, 0, 0, 0, RunOf(3), 6, 0, 0, 0, LiteralsOf(1), 2, 0,
+                                         0, 0, AboveBy(2)}));
 }
 
 TEST(RowEncoder, ARowOfDifferentPixelsTakesTheLargestSize) {

@@ -105,7 +105,7 @@ TEST_F(ViewingTest, ShowsTheGeometryOfEveryPage) {
                                 "1     engine page              2448 x 86616 units (8.6 x 305.6 mm)\n"
                                 "1     resolution code          -1\n"
                                 "1     mean ink                 K 16.7 %  C 16.7 %  M 0.0 %  Y 0.0 %\n"
-                                "1     compressed to            27 bytes, 112.5 %\n"
+                                "1     compressed to            27 bytes, 112.50 %\n"
                                 "2     label                    3 x 2 (0.3 x 0.2 mm)\n"));
     EXPECT_TRUE(Written().empty());
 }
