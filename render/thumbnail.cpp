@@ -80,7 +80,7 @@ int32_t BuildPageThumbnail(const uint32_t* pixels, int32_t width, int32_t height
     const int32_t scale = ThumbnailScale(width, height, maxWidth, maxHeight);
     const int32_t scaledWidth = width >> scale;
     const int32_t scaledHeight = height >> scale;
-    if (maxWidth >= kLowestLimit && maxHeight >= kLowestLimit) LogInfo("thumb scale %d", scale);
+    LogInfo("thumb scale %d", scale);
     if (scale > 0) LogInfo("scaled image %dx%d %d\n", scaledWidth, scaledHeight, 1 << scale);
 
     const HeapArray<uint32_t> scaled =

@@ -143,13 +143,33 @@ TEST(Thumbnail, OfASmallPageIsItsFullSizeCopy) {
                                        Not(Contains(testing::StartsWith("[Info]  scaled image")))));
 }
 
-TEST(Thumbnail, SaysNothingOfAScaleWhenALimitTurnsItOff) {
+TEST(Thumbnail, IsNotScaledWhenALimitTurnsThatOff) {
     const InstallationFixture installation;
     installation.WriteSettings("[Driver]\nthumb_max_width=99\n");
     LogCapture log;
     const Picture picture = DecodePicture(DecodeBase64(Build(Gradient(900, 10), 900, 10).text));
     EXPECT_EQ(picture.width, 900);
-    EXPECT_THAT(log.TakeLines(), Not(Contains(testing::StartsWith("[Info]  thumb scale"))));
+    EXPECT_THAT(log.TakeLines(), AllOf(Contains("[Info]  thumb scale 0"),
+                                       Not(Contains(testing::StartsWith("[Info]  scaled image")))));
+}
+
+TEST(Thumbnail, OfALargePageIsAnEighthOfItByTheDefaultLimits) {
+    const InstallationFixture installation;
+    LogCapture log;
+    const Picture picture = DecodePicture(DecodeBase64(Build(Gradient(4000, 2400), 4000, 2400).text));
+    EXPECT_EQ(picture.width, 500);
+    EXPECT_EQ(picture.height, 300);
+    EXPECT_THAT(log.TakeLines(), Contains("[Info]  scaled image 500x300 8"));
+}
+
+TEST(Thumbnail, OfAPageAsLargeAsTheDefaultLimitsIsItsOpaqueCopy) {
+    const InstallationFixture installation;
+    std::vector<uint32_t> page = Gradient(800, 600);
+    const Picture picture = DecodePicture(DecodeBase64(Build(page, 800, 600).text));
+    ASSERT_EQ(picture.width, 800);
+    ASSERT_EQ(picture.height, 600);
+    for (uint32_t& pixel : page) pixel |= 0xFF000000;
+    EXPECT_EQ(memcmp(picture.rgba.data(), page.data(), picture.rgba.size()), 0);
 }
 
 TEST(Thumbnail, OfAPageThatIsReducedToNothingIsStillEncoded) {
@@ -159,7 +179,8 @@ TEST(Thumbnail, OfAPageThatIsReducedToNothingIsStillEncoded) {
     EXPECT_EQ(thumbnail.result, 1);
     const std::string png = DecodeBase64(thumbnail.text);
     EXPECT_EQ(png.substr(16, 8), std::string("\0\0\x01\xA9\0\0\0\0", 8));  // 425 x 0
-    EXPECT_THAT(log.TakeLines(), AllOf(Contains("[Info]  scaled image 425x0 4"), Contains("[Info]  pngencode 0")));
+    EXPECT_THAT(log.TakeLines(),
+                AllOf(Contains("[Info]  scaled image 425x0 4"), Contains("[Info]  pngencode 0")));
 }
 
 TEST(Thumbnail, IsNotMadeWithoutMemoryForItsPixels) {
@@ -183,7 +204,8 @@ TEST(Thumbnail, IsNotMadeWhenThePngIsNot) {
     EXPECT_EQ(failure.Count(), 1);
     EXPECT_EQ(thumbnail.result, 1);
     EXPECT_EQ(thumbnail.text, "");
-    EXPECT_THAT(log.TakeLines(), AllOf(Contains("[Info]  pngencode 83"), Contains("[Info]  failed to generate png")));
+    EXPECT_THAT(log.TakeLines(),
+                AllOf(Contains("[Info]  pngencode 83"), Contains("[Info]  failed to generate png")));
 }
 
 TEST(Thumbnail, IsNotMadeWhenTheBase64TextIsNot) {
