@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <cstring>
+#include <sstream>
 #include <thread>
 
 #include "host/import_patch.h"
@@ -213,6 +214,55 @@ TEST(LogWriter, DropsTheLineWhenAnotherThreadHoldsTheMutex) {
     CloseHandle(mutex);
     std::thread(WriteOneLine).join();
     EXPECT_THAT(log.TakeLines(), ElementsAre("[Error] line"));
+}
+
+namespace {
+
+// Writes down, in order, which thread took the log's mutex. The mutex itself guards the list.
+class TurnWatch {
+  public:
+    TurnWatch() : patch_(nullptr, "WaitForSingleObject", reinterpret_cast<void*>(&Watch)) {
+        original = patch_.Original();
+        turns.clear();
+    }
+    static inline std::vector<std::string> turns;
+
+  private:
+    static DWORD WINAPI Watch(HANDLE handle, DWORD milliseconds) {
+        const DWORD result = reinterpret_cast<decltype(&WaitForSingleObject)>(original)(handle, milliseconds);
+        // Other waits are the thread library's own.
+        if (milliseconds == 100 && result == WAIT_OBJECT_0)
+            turns.push_back(std::to_string(GetCurrentThreadId()));
+        return result;
+    }
+    static inline void* original = nullptr;
+    ImportPatch patch_;
+};
+
+}  // namespace
+
+TEST(LogWriter, WritesTheLinesOfTwoWritersWholeAndInTheOrderOfTheirTurns) {
+    const LogCapture log;
+    const TurnWatch watch;
+    const std::string text(3000, 'x');  // more than one write to the file
+    const auto write = [&] {
+        for (int i = 0; i < 50; ++i) LogInfo("%s", text);
+    };
+    std::thread first(write), second(write);
+    first.join();
+    second.join();
+
+    std::vector<std::string> writers;
+    std::istringstream lines(ReadBytes(LogFile()));
+    for (std::string line; std::getline(lines, line);) {
+        const std::string_view stamp = "[TID: ";
+        const size_t thread = line.find(stamp) + stamp.size();
+        const size_t end = line.find(']', thread);
+        ASSERT_EQ(line.substr(end), "] [Info]  " + text);
+        writers.push_back(line.substr(thread, end - thread));
+    }
+    EXPECT_GE(writers.size(), 50u);  // a writer that waits too long drops its line
+    EXPECT_EQ(writers, TurnWatch::turns);
 }
 
 #ifndef _WIN32
