@@ -56,15 +56,18 @@ void Apply(const ApplyOptions& options, std::ostream& out) {
 void AddApplyCommand(CLI::App& app, std::ostream& out) {
     CLI::App* command = app.add_subcommand("apply", "Shows a picture as the driver would print it");
     const auto options = std::make_shared<ApplyOptions>();
-    command->add_option("IN", options->picture, "The picture, a PNG file")->required();
+    command->add_option("IN", options->picture, "The picture, a PNG file")->required()->type_name("");
     command
         ->add_option("OUT", options->outputs,
                      "The composite to write; the inks' pictures stand beside it as OUT-K.png, OUT-C.png, "
                      "OUT-M.png and "
                      "OUT-Y.png, unless named too, in this order")
-        ->required();
-    command->add_option("--profile", options->profile,
-                        "The profile to print through (default: the driver's built-in conversion)");
+        ->required()
+        ->type_name("");
+    command
+        ->add_option("--profile", options->profile,
+                     "The profile to print through (default: the driver's built-in conversion)")
+        ->type_name("FILE");
     AddVariantOption(*command, options->variant);
     command->callback([&out, options] { Apply(*options, out); });
 }

@@ -62,38 +62,62 @@ const std::map<std::string, RenderingIntent> kIntents = {{"perceptual", Renderin
                                                          {"saturation", RenderingIntent::Saturation},
                                                          {"absolute", RenderingIntent::AbsoluteColorimetric}};
 
+void AddSourceOptions(CLI::App& command, const std::shared_ptr<BuildOptions>& options) {
+    command.add_option("--icc", options->icc, "The printer's ICC profile; required")
+        ->required()
+        ->type_name("FILE");
+    command.add_option("-o,--output", options->output, "The profile to write; required")
+        ->required()
+        ->type_name("FILE");
+    command.add_option("--version", options->version, "The version of the profile, 1 to 5 (default 5)")
+        ->type_name("N")
+        ->check(Unnamed(CLI::Range(kFirstVersion, kLastVersion)));
+    command
+        .add_option_function<std::string>(
+            "--intent", [options](const std::string& name) { options->intent = kIntents.at(name); },
+            "perceptual (default), relative, saturation or absolute; white stays without ink")
+        ->type_name("INTENT")
+        ->check(Unnamed(CLI::IsMember(kIntents)));
+    command.add_flag("--black-point-compensation", options->blackPointCompensation,
+                     "Maps the screen's black to the printer's");
+}
+
+void AddTagOptions(CLI::App& command, BuildOptions& options) {
+    command
+        .add_option("--name", options.name,
+                    "The profile's name, 1 to 511 ASCII characters (default: the file's name)")
+        ->type_name("TEXT");
+    command
+        .add_option(
+            "--resolution-codes", options.codes,
+            "The engine's codes for other resolutions and for 600 dpi, each -128 to 127 (default: the "
+            "driver's own)")
+        ->type_name("OTHER,600");
+}
+
+void AddTreatmentOptions(CLI::App& command, InkTreatment& treatment) {
+    command.add_option("--ink-limit", treatment.limit, "All inks together, 100 to 400 percent (default 400)")
+        ->type_name("PERCENT")
+        ->check(Unnamed(CLI::Range(kLeastInkLimit, kNoInkLimit)));
+    command
+        .add_option("--scale-600", treatment.scaleAt600,
+                    "Scales the variant for 600 dpi, 1 to 200 percent (default 50)")
+        ->type_name("PERCENT")
+        ->check(Unnamed(CLI::Range(kLeastScale, kLargestScale)));
+    command
+        .add_option("--scale-other", treatment.scaleOther,
+                    "Scales the variant for other resolutions, 1 to 200 percent (default 100)")
+        ->type_name("PERCENT")
+        ->check(Unnamed(CLI::Range(kLeastScale, kLargestScale)));
+}
+
 }  // namespace
 
 void AddBuildCommand(CLI::App& app, std::ostream& out) {
     CLI::App* command = app.add_subcommand("build", "Makes a profile from a printer's ICC CMYK profile");
     const auto options = std::make_shared<BuildOptions>();
-    command->add_option("--icc", options->icc, "The printer's ICC profile")->required();
-    command->add_option("-o,--output", options->output, "The profile to write")->required();
-    command->add_option("--version", options->version, "The version of the profile, 1 to 5 (default 5)")
-        ->check(CLI::Range(kFirstVersion, kLastVersion));
-    command
-        ->add_option_function<std::string>(
-            "--intent", [options](const std::string& name) { options->intent = kIntents.at(name); },
-            "perceptual (default), relative, saturation or absolute; white stays without ink")
-        ->check(CLI::IsMember(kIntents));
-    command->add_flag("--black-point-compensation", options->blackPointCompensation,
-                      "Maps black to the printer's black");
-    command->add_option("--name", options->name,
-                        "The profile's name, 1 to 511 ASCII characters (default: the file's name)");
-    command->add_option(
-        "--resolution-codes", options->codes,
-        "The engine's resolution codes OTHER,600, each -128 to 127 (default: the driver's own)");
-    command
-        ->add_option("--ink-limit", options->treatment.limit,
-                     "All inks together, 100 to 400 percent (default 400)")
-        ->check(CLI::Range(kLeastInkLimit, kNoInkLimit));
-    command
-        ->add_option("--scale-600", options->treatment.scaleAt600,
-                     "Scales the variant for 600 dpi, 1 to 200 percent (default 50)")
-        ->check(CLI::Range(1.0, kLargestScale));
-    command
-        ->add_option("--scale-other", options->treatment.scaleOther,
-                     "Scales the variant for other resolutions, 1 to 200 percent (default 100)")
-        ->check(CLI::Range(1.0, kLargestScale));
+    AddSourceOptions(*command, options);
+    AddTagOptions(*command, *options);
+    AddTreatmentOptions(*command, options->treatment);
     command->callback([&out, options] { Build(*options, out); });
 }

@@ -33,9 +33,11 @@ void AddChartCommand(CLI::App& app, std::ostream& out) {
                                            "Draws a profile: ramps of primaries and grey with the curves of "
                                            "their inks, slices of the colour cube");
     const auto options = std::make_shared<ChartOptions>();
-    command->add_option("FILE", options->profile, "The profile")->required();
-    command->add_option("-o,--output", options->output,
-                        "The PNG file to write (default: the profile's name, in the current folder)");
+    command->add_option("FILE", options->profile, "The profile")->required()->type_name("");
+    command
+        ->add_option("-o,--output", options->output,
+                     "The PNG file to write (default: the profile's name, in the current folder)")
+        ->type_name("FILE");
     AddVariantOption(*command, options->variant);
     command->callback([&out, options] { Chart(*options, out); });
 }

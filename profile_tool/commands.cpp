@@ -3,10 +3,39 @@
 #include <algorithm>
 #include <charconv>
 #include <map>
+#include <memory>
 #include <stdexcept>
 
+#include "host/help_format.h"
 #include "profile_tool/profile_writer.h"
 #include "profile_tool/report.h"
+
+namespace {
+
+constexpr const char* kExamples =
+    "Examples:\n"
+    "  orvexprofile info neutral.zvp\n"
+    "  orvexprofile build --icc printer.icc -o satin.zvp --name Satin --ink-limit 240\n"
+    "  orvexprofile convert satin.zvp -o satin1.zvp --version 1\n"
+    "  orvexprofile apply photo.png print.png --profile satin.zvp\n"
+    "  orvexprofile chart satin.zvp -o satin.png\n"
+    "\n"
+    "orvexprofile COMMAND --help tells the options of a command.";
+
+class ProfileHelpFormat : public HelpFormat {
+  public:
+    std::string make_usage(const CLI::App* app, std::string name) const override {
+        // The list of positional arguments brings its own blank line.
+        const auto positional = [](const CLI::Option* option) { return option->get_positional(); };
+        return CLI::Formatter::make_usage(app, name) + (app->get_options(positional).empty() ? "\n" : "");
+    }
+};
+
+}  // namespace
+
+CLI::Validator Unnamed(CLI::Validator check) {
+    return check.description("");
+}
 
 void AddVariantOption(CLI::App& command, PrintVariant& variant) {
     const std::map<std::string, PrintVariant> variants = {{"600", PrintVariant::At600},
@@ -14,8 +43,9 @@ void AddVariantOption(CLI::App& command, PrintVariant& variant) {
     command
         .add_option_function<std::string>(
             "--variant", [&variant, variants](const std::string& name) { variant = variants.at(name); },
-            "The variant of the profile: 600 (dpi) or other (default)")
-        ->check(CLI::IsMember(variants));
+            "The variant of the profile: for 600 dpi, or for other resolutions (default)")
+        ->type_name("600|other")
+        ->check(Unnamed(CLI::IsMember(variants)));
 }
 
 ResolutionCodes ParseResolutionCodes(const std::string& text) {
@@ -49,12 +79,14 @@ void WriteAcceptedProfile(const Profile& profile, const std::filesystem::path& p
 int RunProfileTool(std::vector<std::string> arguments, std::ostream& out, std::ostream& err) {
     CLI::App app("Makes, converts and shows colour profiles (*.zvp)", "orvexprofile");
     app.require_subcommand(1);
+    app.formatter(std::make_shared<ProfileHelpFormat>());
     CommandResult result;
     AddInfoCommand(app, out, result);
     AddBuildCommand(app, out);
     AddConvertCommand(app, out);
     AddApplyCommand(app, out);
     AddChartCommand(app, out);
+    app.footer(kExamples);
     try {
         std::reverse(arguments.begin(), arguments.end());  // as CLI11 takes them
         app.parse(arguments);

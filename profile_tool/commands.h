@@ -25,6 +25,9 @@ void AddChartCommand(CLI::App& app, std::ostream& out);
 // not do what was asked or `info` looked at a file that the driver refuses, or the command-line parser's own.
 int RunProfileTool(std::vector<std::string> arguments, std::ostream& out, std::ostream& err);
 
+// The same check without words of its own in the help.
+CLI::Validator Unnamed(CLI::Validator check);
+
 // --variant: which of the profile's two a picture shows.
 void AddVariantOption(CLI::App& command, PrintVariant& variant);
 

@@ -42,14 +42,19 @@ void AddConvertCommand(CLI::App& app, std::ostream& out) {
     CLI::App* command =
         app.add_subcommand("convert", "Turns a profile into one of another version, and tells the loss");
     const auto options = std::make_shared<ConvertOptions>();
-    command->add_option("FILE", options->input, "The profile to convert")->required();
-    command->add_option("-o,--output", options->output, "The profile to write")->required();
-    command->add_option("--version", options->version, "The version of the profile to write, 1 to 5")
+    command->add_option("FILE", options->input, "The profile to convert")->required()->type_name("");
+    command->add_option("-o,--output", options->output, "The profile to write; required")
         ->required()
-        ->check(CLI::Range(kFirstVersion, kLastVersion));
+        ->type_name("FILE");
+    command
+        ->add_option("--version", options->version, "The version of the profile to write, 1 to 5; required")
+        ->type_name("N")
+        ->required()
+        ->check(Unnamed(CLI::Range(kFirstVersion, kLastVersion)));
     command
         ->add_option("--compare-every", options->step,
                      "Compares at every so many values of each component, 1 to 85 (default 1: every colour)")
-        ->check(CLI::Range(1, 85));
+        ->type_name("N")
+        ->check(Unnamed(CLI::Range(1, 85)));
     command->callback([&out, options] { Convert(*options, out); });
 }

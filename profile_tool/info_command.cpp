@@ -93,6 +93,6 @@ void AddInfoCommand(CLI::App& app, std::ostream& out, CommandResult& result) {
     CLI::App* command = app.add_subcommand(
         "info", "Shows what a profile holds, and whether the driver accepts it (exit status 1 when not)");
     const auto path = std::make_shared<std::string>();
-    command->add_option("FILE", *path, "The profile")->required();
+    command->add_option("FILE", *path, "The profile")->required()->type_name("");
     command->callback([&out, &result, path] { result.status = Inspect(out, *path) ? 0 : 1; });
 }

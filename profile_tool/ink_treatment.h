@@ -8,6 +8,7 @@
 
 constexpr double kNoInkLimit = 400;  // percent: four inks, full
 constexpr double kLeastInkLimit = 100;
+constexpr double kLeastScale = 1;  // percent
 constexpr double kLargestScale = 200;
 
 // At 600 dpi four dots stand where one stands at 300, so its variant usually carries half the amounts.

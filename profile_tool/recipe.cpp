@@ -24,7 +24,7 @@ constexpr Range kSolidDensity = {0.2, 4};
 constexpr Range kGain = {0, 25};  // beyond, dots would cover more than all
 constexpr Range kEase = {0, 20};
 constexpr Range kLimit = {kLeastInkLimit, kNoInkLimit};
-constexpr Range kScale = {1, kLargestScale};
+constexpr Range kScale = {kLeastScale, kLargestScale};
 constexpr Range kCode = {-128, 127};
 constexpr double kLeastDeterminant = 0.01;  // of the colour inks' densities
 
