@@ -35,7 +35,7 @@ bool EnterInstallationFolder() {
         return false;
     }
     const DWORD length = GetCurrentDirectoryW(MAX_PATH, g_wszSavedDirectory);
-    if (length >= MAX_PATH) g_wszSavedDirectory[0] = 0;
+    if (length == 0 || length >= MAX_PATH) g_wszSavedDirectory[0] = 0;  // can't be told, nor restored
     SetCurrentDirectoryW(folder.get());
     return true;
 }

@@ -341,6 +341,49 @@ TEST_F(PrintJob, IsTracedAndDumpsTheDeviceModeTwice) {
     Session().EndDoc(*device);
 }
 
+TEST_F(PrintJob, TracesAPageAndDumpsTheDeviceModeOnce) {
+    mask = 3;
+    const auto device = StartPage(Mode());
+    LogLines();
+    ASSERT_TRUE(Session().StartPage(*device));
+    const auto lines = LogLines();
+    EXPECT_EQ(lines[0], "[Trace] <DrvStartPage>");
+    EXPECT_EQ(lines[1], "[Info]  Page: 2");
+    EXPECT_EQ(std::count(lines.begin(), lines.end(), "[Trace] <Public-DevMode>"), 1);
+    EXPECT_EQ(lines[lines.size() - 2], "[Trace] Return: TRUE");
+    EXPECT_EQ(lines.back(), "[Trace] </DrvStartPage>");
+    Session().EndDoc(*device);
+}
+
+TEST_F(PrintJob, AsksForTheDriversNameInEveryHook) {
+    const auto device = Enable(Mode());
+    int before = PrintSpooler().Calls("GetPrinterDriverW");
+    const auto asked = [&] {
+        const int calls = PrintSpooler().Calls("GetPrinterDriverW") - before;
+        before += calls;
+        return calls == 2;  // for the size and for the name
+    };
+    EXPECT_TRUE(Start(device) && asked());
+    EXPECT_TRUE(Session().StartPage(*device) && asked());
+    EXPECT_TRUE(Session().SendPage(*device) && asked());
+    EXPECT_TRUE(Session().EndDoc(*device) && asked());
+}
+
+TEST_F(PrintJob, StaysWhereItIsWhenTheCurrentDirectoryCannotBeTold) {
+    const auto device = Enable(Mode());
+    ASSERT_TRUE(Start(device));  // leaves a directory to go back to
+    ASSERT_TRUE(Session().EndDoc(*device));
+    const fs::path before = fs::current_path();
+    {
+        const ImportPatch patch(Session().Driver().Module(), "GetCurrentDirectoryW",
+                                reinterpret_cast<void*>(+[](DWORD, LPWSTR) WINAPI -> DWORD { return 0; }));
+        ASSERT_TRUE(Start(device));
+        ASSERT_TRUE(Session().EndDoc(*device));
+    }
+    EXPECT_TRUE(InInstallationFolder());
+    fs::current_path(before);
+}
+
 TEST_F(PrintJob, LeavesNoPrinterHandleOpen) {
     const size_t before = PrintSpooler().OpenHandles();
     {
