@@ -84,7 +84,7 @@ class RasterLoop {
     void FillImageArea(bool withPattern);
     bool SendFillRows(int32_t count, int32_t firstNumber);
     bool SendImageRows();
-    bool SendRow(int32_t number);
+    bool SendRow(int32_t number, const char* timingLine = nullptr);
 
     uint32_t* ImageArea() { return output_.get() + (layout_.purgeLead ? layout_.purgeLen : 0); }
     bool Is600Dpi() const { return layout_.dpi == 600; }
@@ -123,8 +123,14 @@ void RasterLoop::FillImageArea(bool withPattern) {
     }
 }
 
-bool RasterLoop::SendRow(int32_t number) {
-    if (g_engine.HPCRLIB_RasterRow(g_hJob, output_.get()) == kEngineSuccess) return true;
+// Hands the output row to the engine; `timingLine` is null for a row that is not timed.
+bool RasterLoop::SendRow(int32_t number, const char* timingLine) {
+    uint32_t status = 0;
+    {
+        const StageTimer timer(timingLine, &g_stageMaxima.encode);
+        status = g_engine.HPCRLIB_RasterRow(g_hJob, output_.get());
+    }
+    if (status == kEngineSuccess) return true;
     LogError("Error: could not send raster row %d", number);
     return false;
 }
@@ -143,14 +149,16 @@ bool RasterLoop::SendImageRows() {
             const StageTimer timer(lines_.reformat, &g_stageMaxima.reformat);
             if (layout_.imageWidth > 0) pixels = reader_.Row(row);
         }
-        {
+        // A row like the one before it gives the inks that still stand in the output row; only that of the
+        // first row may have been changed since.
+        if (row <= 1 || !reader_.Repeats()) {
             const StageTimer timer(lines_.convert, &g_stageMaxima.convert);
             ConvertRow(ImageArea(), pixels, static_cast<uint32_t>(std::max(layout_.imageWidth, 0)), 1,
                        settings_.kws, Is600Dpi(), static_cast<uint32_t>(settings_.colorMode));
         }
         if (row == 0 && output_[0] == 0) output_[0] = kFirstPixelMarker;
-        const StageTimer timer(lines_.encode, &g_stageMaxima.encode);
-        if (!SendRow(static_cast<int32_t>(int64_t{row} + layout_.placed.fullTop))) return false;
+        const int64_t number = int64_t{row} + layout_.placed.fullTop;
+        if (!SendRow(static_cast<int32_t>(number), lines_.encode)) return false;
     }
     return true;
 }

@@ -88,6 +88,7 @@ void MakeThumbnail(const SURFOBJ& surface) {
     g_pThumbnail = nullptr;
     g_cbThumbnail = 0;
     if (!LookupFlag("[Driver]", "Add_Thumb=")) return;
+    if (surface.iBitmapFormat == BMF_24BPP) return;  // has not the 32 bits a pixel that a thumbnail reads
     BuildPageThumbnail(static_cast<const uint32_t*>(surface.pvBits), surface.sizlBitmap.cx,
                        surface.sizlBitmap.cy, &g_pThumbnail, &g_cbThumbnail);
 }
