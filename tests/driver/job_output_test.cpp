@@ -396,16 +396,18 @@ DWORD tickStep = 0;
 
 TEST_F(JobOutput, LogsTheCostOfItsSlowestWrite) {
     Begin();
-    Written("first");
     const ImportPatch clock(Session().Driver().Module(), "GetTickCount",
                             reinterpret_cast<void*>(+[]() WINAPI -> DWORD { return tick += tickStep; }));
     LogLines();
-    tickStep = 4000;
-    Written(std::string(1000, 'x'));
-    EXPECT_THAT(LogLines(), ElementsAre("[Info]  write: 4000us/B"));
+    tickStep = 4'000'000;
+    Written(std::string(980, 'x') + kComment);  // the whole chunk counts, not only what is written last
+    EXPECT_THAT(LogLines(), Contains("[Info]  write: 4000000us/B"));
     Written(std::string(1001, 'x'));
     EXPECT_THAT(LogLines(), IsEmpty());
-    tickStep = 4005;
+    tickStep = 4'294'968;  // its microseconds wrap to 704
+    Written("x");
+    EXPECT_THAT(LogLines(), IsEmpty());
+    tickStep = 4'005'000;
     Written(std::string(1000, 'x'));
-    EXPECT_THAT(LogLines(), ElementsAre("[Info]  write: 4005us/B"));
+    EXPECT_THAT(LogLines(), ElementsAre("[Info]  write: 4005000us/B"));
 }
