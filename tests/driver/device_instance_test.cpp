@@ -60,8 +60,8 @@ TEST_F(DeviceInstance, HoldsTheMergedDeviceModeBetweenItsSignatures) {
     EXPECT_EQ(pdev.dwReserved, 0u);
     EXPECT_EQ(pdev.hdev, device->Handle());
     EXPECT_EQ(pdev.hSurface, device->SurfaceHandle());
-    EXPECT_NE(pdev.hModule, nullptr);
-    EXPECT_NE(pdev.hPrinter, nullptr);
+    EXPECT_EQ(pdev.hModule, Session().Driver().Module());
+    EXPECT_EQ(pdev.hPrinter, Session().PrinterHandle());
 }
 
 TEST_F(DeviceInstance, HasOneOfTwoResolutions) {
@@ -165,6 +165,23 @@ TEST_F(DeviceInstance, IsRefusedWithoutAPaletteAndLeaksNothing) {
     EXPECT_EQ(device->Instance(), nullptr);
     EXPECT_EQ(Session().Graphics().LivePalettes(), 0u);
     EXPECT_THAT(LogLines(), Contains("[Trace] Return: 0000000000000000"));
+}
+
+TEST_F(DeviceInstance, IsRefusedWithoutMemory) {
+    mask = 3;
+    const ImportPatch memory(Session().Driver().Module(), "LocalAlloc",
+                             reinterpret_cast<void*>(+[](UINT, SIZE_T) WINAPI -> HLOCAL { return nullptr; }));
+    EXPECT_EQ(Session().EnablePdev(Bytes(Mode()))->Instance(), nullptr);
+    EXPECT_EQ(Session().Graphics().LivePalettes(), 0u);
+}
+
+TEST_F(DeviceInstance, KeepsALabelsSizeEvenWhereAFreeSizeWouldBeReplaced) {
+    AddLabel(Printer().data, 258, "Tiny", "10", "20", kUnitsMillimetres);
+    DeviceMode mode = Mode();
+    mode.pub.dmPaperSize = 258;
+    const auto device = Enable(mode);
+    EXPECT_EQ(InstanceOf(*device).dwPageWidth, 100u);
+    EXPECT_EQ(InstanceOf(*device).dwPageLength, 200u);
 }
 
 TEST_F(DeviceInstance, TakesTheSizeOfALabelThatTheCallerChoseByNumber) {

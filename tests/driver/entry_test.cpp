@@ -1,3 +1,4 @@
+#include "support/module.h"
 #include "tests/driver/driver_fixture.h"
 
 using testing::ElementsAre;
@@ -70,3 +71,31 @@ TEST_F(Entry, TracesTheQuery) {
     EXPECT_THAT(LogLines(), ElementsAre("[Trace] <DrvQueryDriverInfo>", "[Trace] Return: FALSE",
                                         "[Trace] </DrvQueryDriverInfo>"));
 }
+
+#ifndef _WIN32  // on Windows the entry point is the loader's alone
+
+extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID reserved);
+
+TEST_F(Entry, KeepsTheModuleThatAProcessAttachedWith) {
+    Session();
+    const HMODULE module = g_hModule;
+    const auto other = reinterpret_cast<HMODULE>(this);
+    for (const DWORD reason : {DLL_PROCESS_DETACH, DLL_THREAD_ATTACH, DLL_THREAD_DETACH}) {
+        EXPECT_TRUE(DllMain(other, reason, nullptr));
+        EXPECT_EQ(g_hModule, module);
+    }
+    EXPECT_TRUE(DllMain(other, DLL_PROCESS_ATTACH, nullptr));
+    EXPECT_EQ(g_hModule, other);
+    DllMain(module, DLL_PROCESS_ATTACH, nullptr);
+}
+
+TEST_F(Entry, RefusesADeviceWhileItsModuleIsUnknown) {
+    Session();
+    const HMODULE module = g_hModule;
+    DllMain(nullptr, DLL_PROCESS_ATTACH, nullptr);
+    EXPECT_EQ(Session().EnablePdev(Bytes(Mode()))->Instance(), nullptr);
+    EXPECT_EQ(Session().Graphics().LivePalettes(), 0u);
+    DllMain(module, DLL_PROCESS_ATTACH, nullptr);
+}
+
+#endif
