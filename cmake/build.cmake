@@ -47,7 +47,8 @@ function(orvex_test room)
         target_link_libraries(${room}_tests PRIVATE ${ARGN} orvex_testing)
         add_test(NAME ${room}_tests COMMAND ${room}_tests)
         if("orvex_host" IN_LIST ARGN)
-            # These load the driver itself, and its log is one for the machine.
+            # These load the driver and the engine's library, and the driver's log is one for the machine.
+            add_dependencies(${room}_tests hpcrlib)
             if(WIN32)
                 add_dependencies(${room}_tests orvexgdi)
             endif()
