@@ -7,26 +7,17 @@
 
 namespace {
 
-constexpr int32_t kBandColumns = 16;  // one cache line of a scan line
+constexpr int32_t kBandColumns = 64;  // four cache lines of a scan line
+constexpr int32_t kTileLines = 16;    // scan lines that fill a cache line of each row of the band
+constexpr int32_t kLinesAhead = 32;   // scan lines between the one that is fetched and the one that is read
+constexpr size_t kCacheLine = 64;
 constexpr uint32_t kPaperWhite = 0x00FFFFFF;
 
 uint32_t LoadPixel(const uint8_t* pixel, int32_t bytesPerPixel) {
-    uint32_t value = 0;
-    memcpy(&value, pixel, static_cast<size_t>(bytesPerPixel));
+    if (bytesPerPixel == 3) return pixel[0] | uint32_t{pixel[1]} << 8 | uint32_t{pixel[2]} << 16;
+    uint32_t value;
+    memcpy(&value, pixel, sizeof value);
     return value;
-}
-
-// Copies `count` pixels, from the first on or from the last back.
-void CopyPixels(uint32_t* destination, const uint8_t* source, int32_t count, int32_t bytesPerPixel,
-                bool reversed) {
-    if (bytesPerPixel == 4 && !reversed) {
-        memcpy(destination, source, static_cast<size_t>(count) * 4);
-        return;
-    }
-    for (int32_t i = 0; i < count; ++i) {
-        const int32_t x = reversed ? count - 1 - i : i;
-        destination[i] = LoadPixel(source + x * ptrdiff_t{bytesPerPixel}, bytesPerPixel);
-    }
 }
 
 __m128i LoadFour(const uint8_t* pixels) {
@@ -52,25 +43,87 @@ void TransposeFour(const uint8_t* const (&lines)[4], uint32_t* band, ptrdiff_t r
     StoreFour(band + 3 * rowWidth, _mm_unpackhi_epi64(abHigh, cdHigh));
 }
 
+// Copies `count` 32-bit pixels from the last one back to the first.
+void CopyReversed(uint32_t* destination, const uint8_t* source, int32_t count) {
+    const uint8_t* end = source + ptrdiff_t{count} * 4;
+    int32_t i = 0;
+    for (; i + 4 <= count; i += 4) {
+        end -= 16;
+        StoreFour(destination + i, _mm_shuffle_epi32(LoadFour(end), _MM_SHUFFLE(0, 1, 2, 3)));
+    }
+    for (; i < count; ++i) {
+        end -= 4;
+        destination[i] = LoadPixel(end, 4);
+    }
+}
+
+// Copies `count` pixels, from the first on or from the last back.
+void CopyPixels(uint32_t* destination, const uint8_t* source, int32_t count, int32_t bytesPerPixel,
+                bool reversed) {
+    if (bytesPerPixel == 4 && reversed) {
+        CopyReversed(destination, source, count);
+        return;
+    }
+    if (bytesPerPixel == 4) {
+        memcpy(destination, source, static_cast<size_t>(count) * 4);
+        return;
+    }
+    for (int32_t i = 0; i < count; ++i) {
+        const int32_t x = reversed ? count - 1 - i : i;
+        destination[i] = LoadPixel(source + x * ptrdiff_t{bytesPerPixel}, bytesPerPixel);
+    }
+}
+
+bool SameBytes(const void* a, const void* b, size_t size) {
+    const auto* left = static_cast<const uint8_t*>(a);
+    const auto* right = static_cast<const uint8_t*>(b);
+    size_t i = 0;
+    for (; i + kCacheLine <= size; i += kCacheLine) {
+        __m128i same = _mm_cmpeq_epi8(LoadFour(left + i), LoadFour(right + i));
+        for (size_t quarter = 16; quarter < kCacheLine; quarter += 16) {
+            const size_t at = i + quarter;
+            same = _mm_and_si128(same, _mm_cmpeq_epi8(LoadFour(left + at), LoadFour(right + at)));
+        }
+        if (_mm_movemask_epi8(same) != 0xFFFF) return false;
+    }
+    return memcmp(left + i, right + i, size - i) == 0;
+}
+
+// Fetches a part of a scan line into the cache.
+void Prefetch(const uint8_t* bytes, size_t size) {
+    for (size_t i = 0; i < size; i += kCacheLine) {
+        _mm_prefetch(reinterpret_cast<const char*>(bytes + i), _MM_HINT_T0);
+    }
+    _mm_prefetch(reinterpret_cast<const char*>(bytes + size - 1), _MM_HINT_T0);
+}
+
 }  // namespace
 
 RowReader::RowReader(const PageBitmap& bitmap, RowOrder order) : bitmap_(bitmap), order_(order) {
     if (!NeedsBand()) return;
+    // Each row of the band begins a cache line, and no two of them at the same place of a memory page.
+    bandPitch_ = (ptrdiff_t{RowWidth()} + 15) / 16 * 16 + 16;
     const size_t rows = order.landscape ? 1 : kBandColumns;
-    band_ = AllocateArray<uint32_t>(rows * static_cast<size_t>(RowWidth()));
+    band_ = AllocateArray<uint32_t>(rows * static_cast<size_t>(bandPitch_));
 }
 
 const uint32_t* RowReader::Row(int32_t row) {
     return order_.landscape ? LandscapeRow(row) : PortraitRow(row);
 }
 
+void RowReader::CompareWithLast(const void* pixels, size_t bytes) {
+    repeats_ = last_ != nullptr && SameBytes(last_, pixels, bytes);
+    last_ = pixels;
+}
+
 const uint32_t* RowReader::LandscapeRow(int32_t row) {
     const uint8_t* line = Line(order_.rotate180 ? bitmap_.height - 1 - row : row);
+    CompareWithLast(line, static_cast<size_t>(bitmap_.width) * static_cast<size_t>(bitmap_.bytesPerPixel));
     const bool reversed = order_.rotate180 != order_.mirrorImage;
     const bool inPlace =
         !reversed && bitmap_.bytesPerPixel == 4 && reinterpret_cast<uintptr_t>(line) % 4 == 0;
     if (inPlace) return reinterpret_cast<const uint32_t*>(line);
-    CopyPixels(band_.get(), line, bitmap_.width, bitmap_.bytesPerPixel, reversed);
+    if (!repeats_) CopyPixels(band_.get(), line, bitmap_.width, bitmap_.bytesPerPixel, reversed);
     return band_.get();
 }
 
@@ -88,33 +141,49 @@ const uint32_t* RowReader::PortraitRow(int32_t row) {
     }
     const int32_t first = column - column % kBandColumns;
     if (first != bandFirst_) ReadBand(first);
-    return band_.get() + (column - first) * ptrdiff_t{RowWidth()};
+    const uint32_t* pixels = band_.get() + (column - first) * bandPitch_;
+    CompareWithLast(pixels, static_cast<size_t>(RowWidth()) * sizeof *pixels);
+    return pixels;
 }
 
 // Fills the band with the columns from `firstColumn` on, from the top scan line down or, rotated, from the
-// bottom up.
+// bottom up. Tiles of whole cache lines are turned, four by four pixels in registers; what they leave goes
+// pixel by pixel.
 void RowReader::ReadBand(int32_t firstColumn) {
     const int32_t columns = std::min(kBandColumns, bitmap_.width - firstColumn);
-    const ptrdiff_t rowWidth = bitmap_.height;
-    const uint8_t* line =
-        Line(order_.rotate180 ? bitmap_.height - 1 : 0) + firstColumn * bitmap_.bytesPerPixel;
+    const int32_t height = bitmap_.height;
     const ptrdiff_t step = order_.rotate180 ? -bitmap_.stride : bitmap_.stride;
+    const uint8_t* first = Line(order_.rotate180 ? height - 1 : 0) + firstColumn * bitmap_.bytesPerPixel;
     bandFirst_ = firstColumn;
+    last_ = nullptr;
 
-    int32_t y = 0;
-    if (columns == kBandColumns && bitmap_.bytesPerPixel == 4) {
-        for (; y + 4 <= bitmap_.height; y += 4) {
-            for (int32_t x = 0; x < kBandColumns; x += 4) {
-                const uint8_t* pixels = line + y * step + x * 4;
+    const bool turnable = bitmap_.bytesPerPixel == 4;
+    const int32_t tiledLines = turnable ? height - height % kTileLines : 0;
+    const int32_t tiledColumns = turnable ? columns - columns % 4 : 0;
+    for (int32_t y = 0; y < tiledLines; y += kTileLines) {
+        const uint8_t* tile = first + y * step;
+        const int32_t ahead = std::min(kTileLines, height - y - kLinesAhead);
+        for (int32_t line = 0; line < ahead; ++line) {
+            Prefetch(tile + (line + kLinesAhead) * step, static_cast<size_t>(columns) * 4);
+        }
+        for (int32_t x = 0; x < tiledColumns; x += 4) {
+            for (int32_t line = 0; line < kTileLines; line += 4) {
+                const uint8_t* pixels = tile + line * step + x * 4;
                 TransposeFour({pixels, pixels + step, pixels + 2 * step, pixels + 3 * step},
-                              band_.get() + x * rowWidth + y, rowWidth);
+                              band_.get() + x * bandPitch_ + y + line, bandPitch_);
             }
         }
     }
-    for (; y < bitmap_.height; ++y) {
-        for (int32_t x = 0; x < columns; ++x) {
-            band_[static_cast<size_t>(x * rowWidth + y)] =
-                LoadPixel(line + y * step + x * bitmap_.bytesPerPixel, bitmap_.bytesPerPixel);
+    ReadColumns(first, step, {tiledColumns, columns}, {0, tiledLines});
+    ReadColumns(first, step, {0, columns}, {tiledLines, height});
+}
+
+// Fills a part of the band pixel by pixel. Columns and scan lines count from the band's first ones.
+void RowReader::ReadColumns(const uint8_t* first, ptrdiff_t step, Range columns, Range lines) {
+    for (int32_t y = lines.begin; y < lines.end; ++y) {
+        for (int32_t x = columns.begin; x < columns.end; ++x) {
+            band_[static_cast<size_t>(x * bandPitch_ + y)] =
+                LoadPixel(first + y * step + x * bitmap_.bytesPerPixel, bitmap_.bytesPerPixel);
         }
     }
 }
@@ -122,6 +191,8 @@ void RowReader::ReadBand(int32_t firstColumn) {
 // Fills the band's first row with the column behind the last one, from the bottom up.
 void RowReader::ReadOverhang() {
     bandFirst_ = -1;
+    last_ = nullptr;
+    repeats_ = false;
     for (int32_t i = 0; i < bitmap_.height; ++i) {
         const int32_t next = bitmap_.height - i;  // the scan line below
         band_[static_cast<size_t>(i)] =

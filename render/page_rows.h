@@ -21,8 +21,9 @@ struct RowOrder {
     bool mirrorImage;
 };
 
-// Hands out the rows of a page. It owns a band buffer: columns lie a whole scan line apart, so a portrait
-// page is read in bands of neighbouring columns, each scan line of a band in one go.
+// Hands out the rows of a page. It owns a band buffer: the pixels of a column lie a whole scan line apart,
+// each on a memory page of its own, so a portrait page is read in bands of neighbouring columns, each scan
+// line of a band in one go.
 class RowReader {
   public:
     RowReader(const PageBitmap& bitmap, RowOrder order);
@@ -41,6 +42,10 @@ class RowReader {
     // white where no scan line follows.
     const uint32_t* Row(int32_t row);
 
+    // Whether the row handed out last is known to hold the same pixels as the one handed out before it, as
+    // most rows of a label do.
+    bool Repeats() const { return repeats_; }
+
   private:
     bool NeedsBand() const { return RowWidth() > 0 && RowCount() > 0; }
     const uint8_t* Line(int32_t y) const { return bitmap_.firstLine + y * bitmap_.stride; }
@@ -48,10 +53,19 @@ class RowReader {
     const uint32_t* PortraitRow(int32_t row);
     int32_t Column(int32_t row) const;
     void ReadBand(int32_t firstColumn);
+    struct Range {
+        int32_t begin, end;
+    };
+    void ReadColumns(const uint8_t* first, ptrdiff_t step, Range columns, Range lines);
     void ReadOverhang();
+    // Notes the row about to be handed out, which lies at `pixels`, of `bytes` bytes.
+    void CompareWithLast(const void* pixels, size_t bytes);
 
     PageBitmap bitmap_;
     RowOrder order_;
-    HeapArray<uint32_t> band_;  // kBandColumns rows of RowWidth() pixels; a single row when landscape
-    int32_t bandFirst_ = -1;    // first column of the band, or -1
+    HeapArray<uint32_t> band_;    // kBandColumns rows, bandPitch_ apart; a single row when landscape
+    ptrdiff_t bandPitch_ = 0;     // pixels from a row of the band to the next
+    int32_t bandFirst_ = -1;      // first column of the band, or -1
+    const void* last_ = nullptr;  // the row handed out last while it can still be compared, else null
+    bool repeats_ = false;
 };

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <random>
 #include <string>
@@ -138,4 +139,56 @@ TEST(PageRows, OfAPlainLandscapePageLieInTheBitmapItself) {
     const Page page(8, 2, 4);
     RowReader reader(page.Bitmap(), {true, false, false});
     EXPECT_EQ(static_cast<const void*>(reader.Row(1)), page.bytes.data() + page.stride);
+}
+
+TEST(PageRows, TellThatTheyRepeatOnlyWhenTheyHoldThePixelsOfTheRowBefore) {
+    for (const RowOrder order : AllOrders()) {
+        for (const int32_t bytesPerPixel : {3, 4}) {
+            SCOPED_TRACE(Name(order) + " " + std::to_string(bytesPerPixel));
+            // Every third line and column is like the one before it, as far as they cross.
+            Page page(70, 41, bytesPerPixel);
+            for (int32_t y = 0; y < page.height; ++y) {
+                for (int32_t x = 0; x < page.width; ++x) {
+                    memset(page.bytes.data() + y * page.stride + x * bytesPerPixel,
+                           order.landscape ? y / 3 : x / 3, static_cast<size_t>(bytesPerPixel));
+                }
+            }
+            RowReader reader(page.Bitmap(), order);
+            std::vector<uint32_t> before;
+            int32_t repeated = 0;
+            for (int32_t row = 0; row < reader.RowCount(); ++row) {
+                const uint32_t* pixels = reader.Row(row);
+                const std::vector<uint32_t> now(pixels, pixels + reader.RowWidth());
+                if (reader.Repeats()) {
+                    ++repeated;
+                    ASSERT_EQ(now, before) << "row " << row;
+                }
+                before = now;
+            }
+            EXPECT_GT(repeated, reader.RowCount() / 2);
+        }
+    }
+}
+
+TEST(PageRows, ThatDifferInOnePixelDoNotRepeat) {
+    for (const RowOrder order : AllOrders()) {
+        for (int32_t place = 0; place < 40; ++place) {
+            SCOPED_TRACE(Name(order) + " " + std::to_string(place));
+            Page page(40, 40, 4);
+            std::fill(page.bytes.begin(), page.bytes.end(), uint8_t{0});
+            const int32_t x = order.landscape ? place : 20, y = order.landscape ? 20 : place;
+            page.bytes[static_cast<size_t>(y * page.stride + x * 4)] = 1;
+            RowReader reader(page.Bitmap(), order);
+            uint32_t sumBefore = 0;
+            for (int32_t row = 0; row < reader.RowCount(); ++row) {
+                const uint32_t* pixels = reader.Row(row);
+                uint32_t sum = 0;
+                for (int32_t i = 0; i < reader.RowWidth(); ++i) sum += pixels[i] & kColorBits;
+                if (sum != sumBefore) {
+                    ASSERT_FALSE(reader.Repeats()) << "row " << row;
+                }
+                sumBefore = sum;
+            }
+        }
+    }
 }
