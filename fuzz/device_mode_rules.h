@@ -1,0 +1,10 @@
+// What makes a device mode valid, field by field: what an instance's record must always be.
+#pragma once
+
+#include "config/device_mode.h"
+
+// The first field of the record that is out of its range, in words; null for a valid record.
+const char* BrokenRule(const DeviceMode& record);
+
+// A printer's valid defaults: the custom size, no label of the list, no profile.
+DeviceMode DefaultDeviceMode();

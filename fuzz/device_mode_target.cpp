@@ -1,0 +1,109 @@
+// A caller's device mode: the merged record is valid in every field or left alone, the caller's own record is
+// written only where the printer's profile and label go, and nothing outside of what the record declares is
+// touched.
+
+#include <cstring>
+
+#include "config/device_mode_merge.h"
+#include "fuzz/device_mode_rules.h"
+#include "fuzz/fuzz_printer.h"
+#include "fuzz/input.h"
+#include "support/text.h"
+
+namespace {
+
+constexpr size_t kHeaderBytes = 72;  // what every record has
+
+struct Extent {
+    size_t begin, end;
+};
+// In the public part, and in the private one.
+constexpr Extent kPublicLabelFields = {78, 84};
+constexpr Extent kPrivateLabelFields[] = {{32, 96}, {136, 138}, {140, 160}};
+constexpr Extent kProfileField = {160, 680};
+
+DeviceMode PrintersDefaults(uint8_t choice) {
+    DeviceMode record = DefaultDeviceMode();
+    if (choice & 1) CopyText(record.priv.colorProfile, {L"paper.zvp", 9});
+    if (choice & 2) {
+        record.pub.dmPaperSize = record.priv.dmPaperSize = 300;
+        CopyText(record.priv.labelName, "Wine");
+        CopyText(record.priv.width_string, "4");
+        CopyText(record.priv.length_string, "6");
+    }
+    return record;
+}
+
+// Whether byte `at` of a caller's record may change while `printers` is merged with it.
+bool MayChange(const DeviceMode& printers, size_t publicSize, size_t at) {
+    const bool label = printers.priv.dmPaperSize >= 258;
+    const auto in = [](Extent extent, size_t offset) {
+        return offset >= extent.begin && offset < extent.end;
+    };
+    if (at < publicSize) return label && in(kPublicLabelFields, at);
+    at -= publicSize;
+    if (printers.priv.colorProfile[0] != 0 && in(kProfileField, at)) return true;
+    for (const Extent field : kPrivateLabelFields) {
+        if (label && in(field, at)) return true;
+    }
+    return false;
+}
+
+// The record that the input is, in a block that ends where the record says that it ends.
+std::vector<uint8_t> RecordOf(std::span<const uint8_t> bytes) {
+    DEVMODEW head = {};
+    if (!bytes.empty()) memcpy(&head, bytes.data(), std::min(bytes.size(), kHeaderBytes));
+    const size_t declared =
+        head.dmSize < kHeaderBytes ? head.dmSize : size_t{head.dmSize} + head.dmDriverExtra;
+    std::vector<uint8_t> record(std::max(declared, kHeaderBytes));
+    if (!bytes.empty()) memcpy(record.data(), bytes.data(), std::min(bytes.size(), record.size()));
+    return record;
+}
+
+}  // namespace
+
+void FuzzDeviceModeMerge(std::span<const uint8_t> input) {
+    FuzzInput choices(input);
+    const DeviceMode printers = PrintersDefaults(choices.Byte());
+    const std::vector<uint8_t> given = RecordOf(choices.Rest());
+    std::vector<uint8_t> block = given;
+    auto* source = reinterpret_cast<DEVMODEW*>(block.data());
+    const size_t publicSize = source->dmSize;
+
+    FuzzPrinter printer;
+    printer.AddLabel(258, "Shipping", "4", "6", 1);
+    printer.AddLabel(300, "Wine", "90", "-1", 0);
+    DeviceMode record = printers;
+    const BOOL merged = MergeDevMode(&record, source, printer.Handle());
+    REQUIRE(merged || memcmp(&record, &printers, sizeof record) == 0);
+    REQUIRE(BrokenRule(record) == nullptr);
+    for (size_t i = 0; i < given.size(); ++i) {
+        REQUIRE(block[i] == given[i] || MayChange(printers, publicSize, i));
+    }
+
+    // Merging what came out into itself changes nothing more.
+    DeviceMode again = record;
+    DeviceMode copy = record;
+    REQUIRE(MergeDevMode(&again, &copy.pub, printer.Handle()));
+    REQUIRE(memcmp(&again, &record, sizeof again) == 0);
+}
+
+Seeds DeviceModeMergeSeeds() {
+    const auto seed = [](char choice, DeviceMode record, WORD size, WORD extra) {
+        record.pub.dmSize = size;
+        record.pub.dmDriverExtra = extra;
+        std::string bytes(reinterpret_cast<const char*>(&record), sizeof record);
+        // The private part follows a public part of any size.
+        if (size < sizeof(DEVMODEW)) bytes.erase(size, sizeof(DEVMODEW) - size);
+        return choice + bytes.substr(0, size_t{size} + extra);
+    };
+    DeviceMode plain = DefaultDeviceMode();
+    DeviceMode listed = plain;
+    listed.pub.dmPaperSize = 258;
+    DeviceMode wild = plain;
+    memset(&wild.pub.dmOrientation, 0x7F, 24);
+    memset(&wild.priv.colorAdjust, 0xFF, sizeof wild.priv - 4);
+    wild.pub.dmFields = 0xFFFFFFFF;
+    return {seed(0, plain, 220, 696), seed(3, plain, 212, 696), seed(1, listed, 188, 300),
+            seed(3, wild, 220, 696),  seed(2, wild, 220, 0),    seed(3, plain, 100, 200)};
+}

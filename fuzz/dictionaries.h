@@ -1,0 +1,32 @@
+// Words of the fuzzed formats, in libFuzzer's form: one quoted word a line.
+#pragma once
+
+#include <string_view>
+
+struct FuzzDictionary {
+    std::string_view target;
+    const char* words;
+};
+
+inline constexpr FuzzDictionary kDictionaries[] = {
+    {"settings",
+     "\"[UI]\"\n\"[Driver]\"\n\"[Color]\"\n\"Language=\"\n\"Add_Thumb=\"\n\"Default_Media="
+     "\"\n\"\\x0D\\x0A\"\n"},
+    {"profile_names",
+     "\"[\\x00D\\x00E\\x00U\\x00]\\x00\"\n\"a\\x00.\\x00z\\x00v\\x00p\\x00=\\x00\"\n"
+     "\"\\x0D\\x00\\x0A\\x00\"\n\"\\xFF\\xFE\"\n"},
+    {"media_import", "\"[Media]\"\n\"\\\"\"\n\", \"\n\"\\x0D\\x0A\"\n\"-2147483648\"\n\"4294967296\"\n"},
+    {"label_data", "\"258\"\n\"65535\"\n\"8.500\"\n\"-0.1\"\n\"9999999\"\n"},
+    {"profile", "\"ZVC\"\n\"\\x01\"\n\"\\x02\\x02\\x00\"\n\"\\x05\"\n"},
+    {"output_callback", "\"@PJL COMMENT\"\n\"\\x1B*o0M\"\n\"\\x1B*o-1M\"\n"},
+    {"print_file",
+     "\"\\x1B%-12345X\"\n\"@PJL\"\n\"@PJL COMMENT \"\n\"@PJL SET \"\n\"@PJL JOB NAME=\\\"\"\n"
+     "\"@PJL ENTER LANGUAGE=STANDIN\\x0A\"\n\"QRV_THUMBNAIL=\\\"\"\n\"\\x1B*o-1M\"\n"},
+};
+
+constexpr const char* DictionaryOf(std::string_view target) {
+    for (const FuzzDictionary& dictionary : kDictionaries) {
+        if (dictionary.target == target) return dictionary.words;
+    }
+    return nullptr;
+}

@@ -1,0 +1,24 @@
+// libFuzzer's entry. The target's name comes from the environment, since libFuzzer's own arguments are the
+// corpus.
+
+#include <cstdio>
+#include <cstdlib>
+
+#include "fuzz/target.h"
+
+static const FuzzTarget* chosen = nullptr;
+
+extern "C" int LLVMFuzzerInitialize(int*, char***) {
+    const char* name = getenv("ORVEX_FUZZ_TARGET");
+    chosen = FindFuzzTarget(name != nullptr ? name : "");
+    if (chosen != nullptr) return 0;
+    fprintf(stderr, "fuzzer: set ORVEX_FUZZ_TARGET to one of:");
+    for (const FuzzTarget& target : FuzzTargets()) fprintf(stderr, " %s", target.name);
+    fprintf(stderr, "\n");
+    exit(2);
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    chosen->run({data, size});
+    return 0;
+}

@@ -1,0 +1,86 @@
+// profilenames.inf: a look-up finds what the plain definition of the file finds, whatever the file holds.
+
+#include <cstring>
+
+#include "color/profile_names.h"
+#include "fuzz/fuzz_installation.h"
+#include "fuzz/input.h"
+#include "fuzz/target.h"
+#include "support/text.h"
+#include "tests/color/file_watch.h"
+
+using namespace std::string_view_literals;
+
+namespace {
+
+constexpr size_t kPieceCharacters = 253;
+constexpr WCHAR kSection[] = L"[DEU]";
+constexpr WCHAR kFile[] = L"a.zvp";
+constexpr size_t kCapacities[] = {0, 1, 2, 7, 100, 512};
+
+// The file's characters behind its mark; a half character at the end is none.
+std::u16string CharactersOf(std::string_view file) {
+    file.remove_prefix(std::min<size_t>(2, file.size()));
+    std::u16string characters(file.size() / 2, u'\0');
+    if (!characters.empty()) memcpy(characters.data(), file.data(), characters.size() * 2);
+    return characters;
+}
+
+// Its lines without their line ends, each up to its first zero character.
+std::vector<std::u16string> LinesOf(std::u16string_view text) {
+    std::vector<std::u16string> lines;
+    while (!text.empty()) {
+        const std::u16string_view piece = text.substr(0, kPieceCharacters);
+        const size_t end = std::min(piece.find_first_of(u"\r\n"), piece.size());
+        const std::u16string_view line = piece.substr(0, end);
+        lines.emplace_back(line.substr(0, line.find(u'\0')));
+        const std::u16string_view lineEnd = piece.substr(end);
+        text.remove_prefix(end + (lineEnd.starts_with(u"\r\n") ? 2 : lineEnd.empty() ? 0 : 1));
+    }
+    return lines;
+}
+
+std::u16string Expected(std::string_view file, size_t capacity) {
+    std::u16string found;
+    bool inSection = false;
+    for (const std::u16string& line : LinesOf(CharactersOf(file))) {
+        if (line.starts_with(u'[')) {
+            if (inSection) return found;
+            inSection = line.starts_with(u"[DEU]");
+        } else if (inSection && line.starts_with(u"a.zvp=") && line.size() > 6) {
+            found = line.substr(6, capacity - 1);
+            if (line.size() - 6 < capacity - 1) return found;
+        }
+    }
+    return found;
+}
+
+std::string Wide(std::u16string_view text) {
+    return {reinterpret_cast<const char*>(text.data()), text.size() * 2};
+}
+
+}  // namespace
+
+void FuzzProfileNames(std::span<const uint8_t> input) {
+    FuzzInput choices(input);
+    const size_t capacity = kCapacities[choices.Byte() % std::size(kCapacities)];
+    const std::string_view file = choices.RestAsText();
+    FuzzInstallation().Write("profilenames.inf", file);
+
+    const FileWatch watch;
+    std::vector<WCHAR> out(capacity, L'#');
+    const size_t length = QRV_GetProfileFieldW(kSection, kFile, out.data(), capacity);
+    const std::u16string expected = capacity == 0 ? u"" : Expected(file, capacity);
+    REQUIRE(length == expected.size());
+    REQUIRE(capacity == 0 || memcmp(out.data(), expected.c_str(), 2 * (length + 1)) == 0);
+    REQUIRE(watch.Open() == 0);
+}
+
+Seeds ProfileNamesSeeds() {
+    return {
+        "\5" + Wide(u"\xFEFF[ENU]\r\na.zvp=Paper\r\n[DEU]\r\nb.zvp=Papier\r\na.zvp=Seide\r\n"),
+        "\3" + Wide(u"\xFEFF[DEU]\na.zvp=lang und l\u00E4nger\ra.zvp=kurz\n[x"),
+        "\5" + Wide(u"\xFEFF[DEU]\r" + std::u16string(252, u' ') + u"\r\na.zvp=x"),
+        "\4" + Wide(u"\xFEFF[DEU]\n\0a.zvp=1\na.zvp=\0\n"sv) + "x",
+    };
+}

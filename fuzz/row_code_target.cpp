@@ -1,0 +1,72 @@
+// The stand-in engine's row code: every row decodes to itself and is no longer than announced; any code
+// decodes to a row or a complaint, without a look behind its end.
+
+#include <string_view>
+
+#include "engine/row_encoder.h"
+#include "fuzz/input.h"
+#include "fuzz/target.h"
+#include "viewer/row_decoder.h"
+
+namespace {
+
+constexpr uint32_t kMaxWidth = 600;
+
+// Rows with runs and repeated pixels, as bytes: 0 to 15 an ink value, others that many times the last one.
+std::vector<uint32_t> TakeRow(FuzzInput& input, uint32_t width) {
+    std::vector<uint32_t> row;
+    while (row.size() < width) {
+        const uint8_t byte = input.Byte();
+        if (byte >= 16 && !row.empty()) {
+            row.resize(std::min<size_t>(width, row.size() + byte), row.back());
+        } else {
+            row.push_back(byte * 0x11110001u);
+        }
+    }
+    return row;
+}
+
+void CheckRoundTrip(const std::vector<uint32_t>& above, const std::vector<uint32_t>& row) {
+    const auto width = static_cast<uint32_t>(row.size());
+    std::vector<uint8_t> code(row_code::MaxEncodedRowSize(width));
+    code.resize(EncodeRow(above.data(), row.data(), width, code.data()));
+    const std::vector<uint8_t> exact(code.begin(), code.end());
+    std::span<const uint8_t> rest(exact);
+    std::vector<uint32_t> decoded = above;
+    REQUIRE(DecodeRow(rest, decoded) == nullptr);
+    REQUIRE(rest.empty());
+    REQUIRE(decoded == row);
+}
+
+}  // namespace
+
+void FuzzRowCode(std::span<const uint8_t> input) {
+    FuzzInput choices(input);
+    const uint32_t width = choices.Number<uint16_t>() % kMaxWidth;
+    const bool any = choices.Flag();
+    const std::vector<uint32_t> above = TakeRow(choices, width);
+    if (!any) {
+        CheckRoundTrip(above, TakeRow(choices, width));
+        return;
+    }
+    const std::span<const uint8_t> given = choices.Rest();
+    const std::vector<uint8_t> exact(given.begin(), given.end());
+    std::span<const uint8_t> rest(exact);
+    std::vector<uint32_t> row = above;
+    const char* complaint = DecodeRow(rest, row);
+    REQUIRE(rest.size() <= exact.size());
+    REQUIRE(rest.data() + rest.size() == exact.data() + exact.size());
+    // What decodes, encodes again to something that decodes the same.
+    if (complaint == nullptr) CheckRoundTrip(above, row);
+}
+
+Seeds RowCodeSeeds() {
+    return {
+        std::string("\x10\0\0\1\2\3\4\5\6\7\1\1\1\1\2\2\2", 17),
+        std::string("\xFF\1\0\1\xF0\xF0\2\3\xFF\xFF\1\xF0\2\xFF\xFF\xFF", 16),
+        std::string("\x08\0\1\1\x10\x03\x43\x01\x02\x03\x04\x82\1\2\3\4\5\6\7\x08", 20),
+        std::string("\x80\0\1\1\xFF\x00\x80\0\0\0", 10),
+        std::string("\x02\0\1\1\1\xC1", 6),
+        std::string("\0\0\0", 3),
+    };
+}

@@ -1,0 +1,44 @@
+// A fuzzed function of the system: it takes any bytes and breaks an invariant's REQUIRE when the system does
+// not hold it. The same functions run under libFuzzer and, over their seeds, in the tests.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <vector>
+
+using Seeds = std::vector<std::string>;
+
+struct FuzzTarget {
+    const char* name;
+    void (*run)(std::span<const uint8_t> input);
+    Seeds (*seeds)();        // small inputs that reach deep
+    const char* dictionary;  // words of the format, a libFuzzer dictionary's lines; null for none
+};
+
+std::span<const FuzzTarget> FuzzTargets();
+
+// Null for an unknown name.
+const FuzzTarget* FindFuzzTarget(std::string_view name);
+
+#define FUZZ_TARGETS(ROW)                                                         \
+    ROW(settings, Settings)              /* look-ups in settings.inf */           \
+    ROW(profile_names, ProfileNames)     /* look-ups in profilenames.inf */       \
+    ROW(media_import, MediaImport)       /* media.inf into the printer's data */  \
+    ROW(label_data, LabelData)           /* labels out of the printer's data */   \
+    ROW(profile, Profile)                /* colour profile files */               \
+    ROW(device_mode, DeviceModeMerge)    /* a caller's device mode */             \
+    ROW(output_callback, OutputCallback) /* the engine's output to the spooler */ \
+    ROW(page, Page)                      /* layout and rows of a page */          \
+    ROW(row_code, RowCode)               /* the stand-in engine's rows */         \
+    ROW(print_file, PrintFile)           /* print files in the viewer */
+
+#define DECLARE_FUZZ_TARGET(name, function)              \
+    void Fuzz##function(std::span<const uint8_t> input); \
+    Seeds function##Seeds();
+FUZZ_TARGETS(DECLARE_FUZZ_TARGET)
+#undef DECLARE_FUZZ_TARGET
+
+// Ends the program with a message when an invariant does not hold.
+#define REQUIRE(condition) ((condition) ? void() : InvariantBroken(#condition, __FILE__, __LINE__))
+[[noreturn]] void InvariantBroken(const char* condition, const char* file, int line);
