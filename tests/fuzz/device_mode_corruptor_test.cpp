@@ -3,6 +3,7 @@
 // instance's own device mode is valid in every field.
 
 #include <gtest/gtest.h>
+#include <algorithm>
 
 #include <cstring>
 #include <optional>
@@ -140,14 +141,14 @@ Record Resized(const Record& whole, size_t publicSize, size_t extra) {
 #ifndef _WIN32
     while ((publicSize + extra) % alignof(DEVMODEW) != 0) extra = extra < 65535 ? extra + 1 : extra - 3;
 #endif
-    const auto privateBegin = whole.begin() + sizeof(DEVMODEW);
-    Record record(whole.begin(), privateBegin);
-    record.resize(publicSize, 0xCC);
-    if (publicSize >= kHeader) {
-        record.insert(record.end(), privateBegin, whole.end());
-        record.resize(publicSize + extra, 0xDD);
+    const bool hasPrivate = publicSize >= kHeader;
+    Record record(hasPrivate ? publicSize + extra : kHeader, 0xCC);
+    std::copy_n(whole.begin(), std::min({publicSize, sizeof(DEVMODEW), record.size()}), record.begin());
+    if (hasPrivate) {
+        const auto privateBegin = whole.begin() + sizeof(DEVMODEW);
+        std::copy_n(privateBegin, std::min<size_t>(extra, whole.end() - privateBegin),
+                    record.begin() + static_cast<ptrdiff_t>(publicSize));
     }
-    record.resize(publicSize < kHeader ? kHeader : record.size());
     Put(record, kSize, static_cast<int64_t>(publicSize));
     Put(record, kExtra, static_cast<int64_t>(extra));
     return record;
