@@ -10,7 +10,7 @@ namespace {
 constexpr int32_t kBandColumns = 64;  // four cache lines of a scan line
 constexpr int32_t kTileLines = 16;    // scan lines that fill a cache line of each row of the band
 constexpr int32_t kLinesAhead = 32;   // scan lines between the one that is fetched and the one that is read
-constexpr size_t kCacheLine = 64;
+constexpr int32_t kCacheLine = 64;
 constexpr uint32_t kPaperWhite = 0x00FFFFFF;
 
 uint32_t LoadPixel(const uint8_t* pixel, int32_t bytesPerPixel) {
@@ -77,24 +77,39 @@ void CopyPixels(uint32_t* destination, const uint8_t* source, int32_t count, int
 bool SameBytes(const void* a, const void* b, size_t size) {
     const auto* left = static_cast<const uint8_t*>(a);
     const auto* right = static_cast<const uint8_t*>(b);
-    size_t i = 0;
-    for (; i + kCacheLine <= size; i += kCacheLine) {
-        __m128i same = _mm_cmpeq_epi8(LoadFour(left + i), LoadFour(right + i));
-        for (size_t quarter = 16; quarter < kCacheLine; quarter += 16) {
-            const size_t at = i + quarter;
-            same = _mm_and_si128(same, _mm_cmpeq_epi8(LoadFour(left + at), LoadFour(right + at)));
+    for (; size >= kCacheLine; left += kCacheLine, right += kCacheLine, size -= kCacheLine) {
+        __m128i same = _mm_cmpeq_epi8(LoadFour(left), LoadFour(right));
+        for (int32_t i = 16; i < kCacheLine; i += 16) {
+            same = _mm_and_si128(same, _mm_cmpeq_epi8(LoadFour(left + i), LoadFour(right + i)));
         }
         if (_mm_movemask_epi8(same) != 0xFFFF) return false;
     }
-    return memcmp(left + i, right + i, size - i) == 0;
+    return memcmp(left, right, size) == 0;
 }
 
-// Fetches a part of a scan line into the cache.
-void Prefetch(const uint8_t* bytes, size_t size) {
-    for (size_t i = 0; i < size; i += kCacheLine) {
-        _mm_prefetch(reinterpret_cast<const char*>(bytes + i), _MM_HINT_T0);
+// Fetches a band's part of a scan line into the cache. It begins anywhere in a cache line, and so reaches
+// into one more. Harmless where there is no memory.
+void Prefetch(const uint8_t* part) {
+    for (int32_t i = 0; i <= kBandColumns * 4; i += kCacheLine) {
+        _mm_prefetch(reinterpret_cast<const char*>(part + i), _MM_HINT_T0);
     }
-    _mm_prefetch(reinterpret_cast<const char*>(bytes + size - 1), _MM_HINT_T0);
+}
+
+// Turns a tile of kTileLines scan lines, `step` bytes apart, and `columns` columns, a multiple of four, into
+// a cache line of each row of the band. Meanwhile the tile at `next` is fetched, a scan line with each group
+// of columns: all at once they would wait for each other.
+void TurnTile(const uint8_t* tile, const uint8_t* next, ptrdiff_t step, int32_t columns, uint32_t* band,
+              ptrdiff_t pitch) {
+    static_assert(kBandColumns == 4 * kTileLines, "a group of four columns for each scan line to fetch");
+    for (int32_t x = 0; x < columns; x += 4) {
+        Prefetch(next);
+        next += step;
+        for (int32_t line = 0; line < kTileLines; line += 4) {
+            const uint8_t* pixels = tile + line * step + x * 4;
+            TransposeFour({pixels, pixels + step, pixels + 2 * step, pixels + 3 * step},
+                          band + x * pitch + line, pitch);
+        }
+    }
 }
 
 }  // namespace
@@ -161,18 +176,8 @@ void RowReader::ReadBand(int32_t firstColumn) {
     const int32_t tiledLines = turnable ? height - height % kTileLines : 0;
     const int32_t tiledColumns = turnable ? columns - columns % 4 : 0;
     for (int32_t y = 0; y < tiledLines; y += kTileLines) {
-        const uint8_t* tile = first + y * step;
-        const int32_t ahead = std::min(kTileLines, height - y - kLinesAhead);
-        for (int32_t line = 0; line < ahead; ++line) {
-            Prefetch(tile + (line + kLinesAhead) * step, static_cast<size_t>(columns) * 4);
-        }
-        for (int32_t x = 0; x < tiledColumns; x += 4) {
-            for (int32_t line = 0; line < kTileLines; line += 4) {
-                const uint8_t* pixels = tile + line * step + x * 4;
-                TransposeFour({pixels, pixels + step, pixels + 2 * step, pixels + 3 * step},
-                              band_.get() + x * bandPitch_ + y + line, bandPitch_);
-            }
-        }
+        const int32_t next = std::min(y + kLinesAhead, height - kTileLines);
+        TurnTile(first + y * step, first + next * step, step, tiledColumns, band_.get() + y, bandPitch_);
     }
     ReadColumns(first, step, {tiledColumns, columns}, {0, tiledLines});
     ReadColumns(first, step, {0, columns}, {tiledLines, height});
