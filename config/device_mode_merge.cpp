@@ -10,7 +10,7 @@
 
 namespace {
 
-// The public layouts and the specification version that each belongs to.
+// The public layouts and the dmSpecVersion that each belongs to.
 struct PublicLayout {
     WORD size;
     WORD version;

@@ -78,7 +78,7 @@ TEST_F(ProfileLanguage, OfTheSettingsIsSpanishByOneLetterUnlessItIsEnglish) {
 }
 
 TEST_F(ProfileLanguage, OfTheSettingsNeedsEveryOtherLetter) {
-    for (const char* value : {"DE", "DEX", "JP", "C", "eng", " DEU", "", "XXX"}) {
+    for (const char* value : {"DE", "DEX", "JP", "C", "eng", " DEU", "", "ZZZ"}) {
         EXPECT_EQ(FromSettings(value), kSystemIsJapanese) << value;
     }
 }
