@@ -1,5 +1,7 @@
 #include "color/row_conversion.h"
 
+#include <emmintrin.h>
+
 #include <algorithm>
 #include <array>
 #include <cstring>
@@ -59,6 +61,16 @@ bool IsOneColour(const uint32_t* pixels) {
     return differing == 0;
 }
 
+// How far ahead of the conversion the cache's entries are fetched: most of them are far apart, and many of
+// them can be on their way at once.
+constexpr uint32_t kAhead = 32;
+
+void FetchEntries(const uint32_t* pixels) {
+    for (uint32_t i = 0; i < kBlock; ++i) {
+        _mm_prefetch(reinterpret_cast<const char*>(g_colorCache + (pixels[i] & kColorBits)), _MM_HINT_T0);
+    }
+}
+
 // What a pixel at the given place of its block prints. `pattern` is null when blank pixels stay blank.
 template <uint32_t (*Printed)(uint32_t ink)>
 uint32_t ConvertPixel(uint32_t pixel, uint32_t place, const uint32_t* pattern) {
@@ -81,6 +93,7 @@ void ConvertBlocks(uint32_t* destination, const uint32_t* source, uint32_t count
     bool known = false;
     for (; count >= kBlock; destination += kBlock, source += kBlock, count -= kBlock) {
         if (!IsOneColour(source)) {
+            if (count >= kAhead + kBlock) FetchEntries(source + kAhead);
             ConvertPixels<Printed>(destination, source, kBlock, pattern);
             continue;
         }
