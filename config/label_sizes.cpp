@@ -84,8 +84,9 @@ class LabelNumbers {
             LogError("Could not find label list in registry: 0x%x", code);
             return code == ERROR_FILE_NOT_FOUND ? DWORD{ERROR_SUCCESS} : code;
         }
-        // Two characters more, so that the names end whatever the spooler writes.
-        names_ = AllocateZeroedArray<WCHAR>(needed / sizeof(WCHAR) + 2);
+        // Two characters more than the last whole or broken one, so that the names end whatever the spooler
+        // writes.
+        names_ = AllocateZeroedArray<WCHAR>(needed / sizeof(WCHAR) + 3);
         code = names_ ? EnumPrinterKeyW(printer, kListKey, names_.get(), needed, &needed)
                       : DWORD{ERROR_NOT_ENOUGH_MEMORY};
         if (code != ERROR_SUCCESS) {

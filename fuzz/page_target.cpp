@@ -9,7 +9,7 @@
 #include "fuzz/device_mode_rules.h"
 #include "fuzz/input.h"
 #include "fuzz/target.h"
-#include "render/page_layout.h"
+#include "render/page_layout_input.h"
 #include "render/raster_loop.h"
 
 namespace {
@@ -110,22 +110,6 @@ DeviceMode ModeOf(FuzzInput& input) {
     return mode;
 }
 
-PageLayoutInput LayoutInput(const DeviceMode& mode, int32_t width, int32_t height) {
-    PageLayoutInput input = {};
-    input.bitmapWidth = width;
-    input.bitmapHeight = height;
-    input.dpi = mode.pub.dmPrintQuality;
-    input.landscape = mode.pub.dmOrientation == DMORIENT_LANDSCAPE;
-    input.kws = mode.priv.kws != 0;
-    input.kwsFullWidth = mode.priv.kws_fullwidth != 0;
-    input.alignment = mode.priv.alignment;
-    input.purgeBar = mode.priv.purgeBar;
-    input.purgeDots = static_cast<uint16_t>(mode.priv.purgeDots);
-    input.purgeGap = static_cast<uint16_t>(mode.priv.purgeGap);
-    input.phHOffset = mode.priv.phHOffset;
-    return input;
-}
-
 // What adds up for any page, modulo 2^32.
 void CheckLayout(const PageLayoutInput& input) {
     const PageLayout layout = ComputePageLayout(input);
@@ -197,7 +181,8 @@ uint32_t HPCRLIB_CALL TakeRow(uint64_t, const uint32_t* row) {
 
 void CheckRows(FuzzInput& input, const DeviceMode& mode) {
     Bitmap page(input);
-    const PageLayout layout = ComputePageLayout(LayoutInput(mode, page.width, page.height));
+    const PageLayout layout =
+        ComputePageLayout(LayoutInput(mode, mode.pub.dmPrintQuality, page.width, page.height));
     FillCache();
     PDEV pdev = {};
     pdev.devmode = mode;
@@ -219,7 +204,8 @@ void FuzzPage(std::span<const uint8_t> input) {
     FuzzInput choices(input);
     g_nPage = 1 + choices.Byte() % 100;
     const DeviceMode mode = ModeOf(choices);
-    PageLayoutInput any = LayoutInput(mode, choices.Number<int32_t>(), choices.Number<int32_t>());
+    PageLayoutInput any =
+        LayoutInput(mode, mode.pub.dmPrintQuality, choices.Number<int32_t>(), choices.Number<int32_t>());
     CheckLayout(any);
     any.phHOffset = choices.Number<int16_t>();
     any.alignment = choices.Number<int16_t>();

@@ -5,6 +5,7 @@
 #include "host/number_text.h"
 #include "host/setting_table.h"
 #include "host/wide_text.h"
+#include "render/page_layout_input.h"
 #include "support/text.h"
 
 namespace {
@@ -86,19 +87,9 @@ std::vector<NamedValue> SettingValues(const DeviceMode& mode) {
 }
 
 PageLayout LayoutOf(const DeviceMode& mode, const PageBitmap& bitmap) {
-    PageLayoutInput input = {};
-    input.bitmapWidth = static_cast<int32_t>(bitmap.width);
-    input.bitmapHeight = static_cast<int32_t>(bitmap.height);
-    input.dpi = static_cast<int16_t>(bitmap.dpi);
-    input.landscape = mode.pub.dmOrientation == DMORIENT_LANDSCAPE;
-    input.kws = mode.priv.kws != 0;
-    input.kwsFullWidth = mode.priv.kws_fullwidth != 0;
-    input.alignment = mode.priv.alignment;
-    input.purgeBar = mode.priv.purgeBar;
-    input.purgeDots = static_cast<uint16_t>(mode.priv.purgeDots);
-    input.purgeGap = static_cast<uint16_t>(mode.priv.purgeGap);
-    input.phHOffset = mode.priv.phHOffset;
-    return ComputePageLayout(input);
+    return ComputePageLayout(LayoutInput(mode, static_cast<int16_t>(bitmap.dpi),
+                                         static_cast<int32_t>(bitmap.width),
+                                         static_cast<int32_t>(bitmap.height)));
 }
 
 void PrintLayout(std::ostream& out, const DeviceMode& mode, const PageBitmap& bitmap) {

@@ -57,6 +57,17 @@ void CopyReversed(uint32_t* destination, const uint8_t* source, int32_t count) {
     }
 }
 
+// Whether a landscape page's scan lines are read from right to left.
+bool IsReversed(RowOrder order) {
+    return order.rotate180 != order.mirrorImage;
+}
+
+// Whether the rows of a page can be read where they lie in the bitmap: all of its lines, or none.
+bool LiesInPlace(const PageBitmap& bitmap, RowOrder order) {
+    return order.landscape && !IsReversed(order) && bitmap.bytesPerPixel == 4 && bitmap.stride % 4 == 0 &&
+           reinterpret_cast<uintptr_t>(bitmap.firstLine) % 4 == 0;
+}
+
 // Copies `count` pixels, from the first on or from the last back.
 void CopyPixels(uint32_t* destination, const uint8_t* source, int32_t count, int32_t bytesPerPixel,
                 bool reversed) {
@@ -114,7 +125,8 @@ void TurnTile(const uint8_t* tile, const uint8_t* next, ptrdiff_t step, int32_t 
 
 }  // namespace
 
-RowReader::RowReader(const PageBitmap& bitmap, RowOrder order) : bitmap_(bitmap), order_(order) {
+RowReader::RowReader(const PageBitmap& bitmap, RowOrder order)
+    : bitmap_(bitmap), order_(order), inPlace_(LiesInPlace(bitmap, order)) {
     if (!NeedsBand()) return;
     // Each row of the band begins a cache line, and no two of them at the same place of a memory page.
     bandPitch_ = (ptrdiff_t{RowWidth()} + 15) / 16 * 16 + 16;
@@ -134,11 +146,9 @@ void RowReader::CompareWithLast(const void* pixels, size_t bytes) {
 const uint32_t* RowReader::LandscapeRow(int32_t row) {
     const uint8_t* line = Line(order_.rotate180 ? bitmap_.height - 1 - row : row);
     CompareWithLast(line, static_cast<size_t>(bitmap_.width) * static_cast<size_t>(bitmap_.bytesPerPixel));
-    const bool reversed = order_.rotate180 != order_.mirrorImage;
-    const bool inPlace =
-        !reversed && bitmap_.bytesPerPixel == 4 && reinterpret_cast<uintptr_t>(line) % 4 == 0;
-    if (inPlace) return reinterpret_cast<const uint32_t*>(line);
-    if (!repeats_) CopyPixels(band_.get(), line, bitmap_.width, bitmap_.bytesPerPixel, reversed);
+    if (inPlace_) return reinterpret_cast<const uint32_t*>(line);
+    // The band still holds a line that repeats.
+    if (!repeats_) CopyPixels(band_.get(), line, bitmap_.width, bitmap_.bytesPerPixel, IsReversed(order_));
     return band_.get();
 }
 

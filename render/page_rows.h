@@ -63,6 +63,7 @@ class RowReader {
 
     PageBitmap bitmap_;
     RowOrder order_;
+    bool inPlace_;
     HeapArray<uint32_t> band_;    // kBandColumns rows, bandPitch_ apart; a single row when landscape
     ptrdiff_t bandPitch_ = 0;     // pixels from a row of the band to the next
     int32_t bandFirst_ = -1;      // first column of the band, or -1

@@ -2,7 +2,7 @@
 // rows to the print engine.
 
 #include "driver/job_state.h"
-#include "render/page_layout.h"
+#include "render/page_layout_input.h"
 #include "render/raster_loop.h"
 #include "render/thumbnail.h"
 #include "support/installation.h"
@@ -14,23 +14,6 @@ namespace {
 
 constexpr char kSwitchTo600[] = "\x1B*o0M";
 constexpr char kSwitchToOther[] = "\x1B*o-1M";
-
-PageLayout LayOut(const PDEV& pdev, const SURFOBJ& surface) {
-    const PrivateDevMode& settings = pdev.devmode.priv;
-    PageLayoutInput input = {};
-    input.bitmapWidth = surface.sizlBitmap.cx;
-    input.bitmapHeight = surface.sizlBitmap.cy;
-    input.dpi = GetDeviceResolution(&pdev);
-    input.landscape = pdev.devmode.pub.dmOrientation == DMORIENT_LANDSCAPE;
-    input.kws = settings.kws != 0;
-    input.kwsFullWidth = settings.kws_fullwidth != 0;
-    input.alignment = settings.alignment;
-    input.purgeBar = settings.purgeBar;
-    input.purgeDots = static_cast<uint16_t>(settings.purgeDots);
-    input.purgeGap = static_cast<uint16_t>(settings.purgeGap);
-    input.phHOffset = settings.phHOffset;
-    return ComputePageLayout(input);
-}
 
 void BeginFirstPage(const PDEV& pdev, const SURFOBJ& surface, const PageLayout& layout) {
     const PrivateDevMode& settings = pdev.devmode.priv;
@@ -151,7 +134,8 @@ extern "C" BOOL APIENTRY DrvSendPage(SURFOBJ* pso) {
     if (pdev == nullptr) return trace.Bool(FALSE);
 
     HeapArray<WCHAR> driverName = GetPrinterDriverName(pdev->hPrinter);
-    const PageLayout layout = LayOut(*pdev, *pso);
+    const PageLayout layout = ComputePageLayout(
+        LayoutInput(pdev->devmode, GetDeviceResolution(pdev), pso->sizlBitmap.cx, pso->sizlBitmap.cy));
     const bool firstPage = g_nPage == 1;
     if (firstPage) BeginFirstPage(*pdev, *pso, layout);
     LogExtents(*pdev, layout);

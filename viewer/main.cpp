@@ -2,14 +2,13 @@
 #include <exception>
 #include <iostream>
 
+#include "host/utf8_arguments.h"
 #include "viewer/options.h"
-#include "viewer/utf8_arguments.h"
 #include "viewer/viewing.h"
 
 int main(int argc, char** argv) {
     int status = 0;
-    const std::optional<viewer::Options> options =
-        viewer::ReadOptions(viewer::Utf8Arguments(argc, argv), status);
+    const std::optional<viewer::Options> options = viewer::ReadOptions(Utf8Arguments(argc, argv), status);
     if (!options) return status;
     try {
         viewer::ShowPrintFile(*options, std::cout);

@@ -192,3 +192,12 @@ TEST(PageRows, ThatDifferInOnePixelDoNotRepeat) {
         }
     }
 }
+
+TEST(PageRows, RepeatRightlyWhereScanLinesAreNotAligned) {
+    Page page(27, 32, 4, 6);
+    std::fill(page.bytes.begin(), page.bytes.end(), uint8_t{0x5A});
+    for (const RowOrder order : AllOrders()) {
+        SCOPED_TRACE(Name(order));
+        ExpectRows(page, order);
+    }
+}

@@ -1,11 +1,9 @@
-#include "viewer/utf8_arguments.h"
+#include "host/utf8_arguments.h"
 
 #ifdef _WIN32
 #include "host/wide_text.h"
 #include "support/platform.h"
 #endif
-
-namespace viewer {
 
 std::vector<std::string> Utf8Arguments([[maybe_unused]] int count, [[maybe_unused]] char** arguments) {
 #ifdef _WIN32
@@ -20,5 +18,3 @@ std::vector<std::string> Utf8Arguments([[maybe_unused]] int count, [[maybe_unuse
     return {arguments + 1, arguments + count};
 #endif
 }
-
-}  // namespace viewer

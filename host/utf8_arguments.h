@@ -4,10 +4,6 @@
 #include <string>
 #include <vector>
 
-namespace viewer {
-
 // The arguments without the program's name. On Windows those of main() lack the characters that the code page
 // lacks; they are taken from the command line instead, and the console is told that output is UTF-8.
 std::vector<std::string> Utf8Arguments(int count, char** arguments);
-
-}  // namespace viewer
