@@ -43,7 +43,7 @@ class LabelSizes : public PrinterTest {
     }
 
     // Bytes of the list of sub-keys as it is allocated: the names, their end and two characters more.
-    static size_t ListBytes(size_t nameCharacters) { return (nameCharacters + 1 + 2) * sizeof(WCHAR); }
+    static size_t ListBytes(size_t nameCharacters) { return (nameCharacters + 1 + 3) * sizeof(WCHAR); }
 };
 
 LabelSize Label(uint16_t number) {
