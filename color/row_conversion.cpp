@@ -38,74 +38,103 @@ constexpr auto kCompositeGreys = [] {
     return greys;
 }();
 
-// What is printed for an ink value. No ink stays no ink in each of them.
-uint32_t InColour(uint32_t ink) {
-    return ink;
-}
-
-uint32_t InCompositeGrey(uint32_t ink) {
+uint32_t CompositeGrey(uint32_t ink) {
     return kCompositeGreys[GreyWeight(ink)];
 }
 
-uint32_t InBlackOnly(uint32_t ink) {
-    return GreyWeight(ink);
+// What is printed for an ink value. No ink stays no ink in each of them.
+struct InColour {
+    uint32_t operator()(uint32_t ink) const { return ink; }
+};
+
+// A grey takes some arithmetic, and is mostly the one of the pixel before.
+template <uint32_t (*Grey)(uint32_t ink)>
+class InGrey {
+  public:
+    uint32_t operator()(uint32_t ink) {
+        if (ink != ink_) {
+            ink_ = ink;
+            grey_ = Grey(ink);
+        }
+        return grey_;
+    }
+
+  private:
+    uint32_t ink_ = 0;
+    uint32_t grey_ = 0;
+};
+
+// The pixels of a row are taken in blocks, since most of a label is blocks of one colour. A block is some
+// turns of the blank-pixel pattern.
+constexpr uint32_t kBlock = 2 * kPatternSteps;
+
+__m128i LoadFour(const uint32_t* pixels) {
+    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(pixels));
 }
 
-// The pixels of a row are taken in blocks, since most of a label is blocks of one colour. A block is one turn
-// of the blank-pixel pattern.
-constexpr uint32_t kBlock = kPatternSteps;
-
 bool IsOneColour(const uint32_t* pixels) {
-    uint32_t differing = 0;
-    for (uint32_t i = 1; i < kBlock; ++i) differing |= pixels[i] ^ pixels[0];
-    return differing == 0;
+    const __m128i first = _mm_set1_epi32(static_cast<int>(pixels[0]));
+    __m128i same = _mm_cmpeq_epi32(first, LoadFour(pixels));
+    for (uint32_t i = 4; i < kBlock; i += 4) {
+        same = _mm_and_si128(same, _mm_cmpeq_epi32(first, LoadFour(pixels + i)));
+    }
+    return _mm_movemask_epi8(same) == 0xFFFF;
 }
 
 // How far ahead of the conversion the cache's entries are fetched: most of them are far apart, and many of
-// them can be on their way at once.
-constexpr uint32_t kAhead = 32;
+// them can be on their way at once. They are fetched into the second-level cache, since the first level would
+// lose them again before their turn.
+constexpr uint32_t kAhead = 192;
 
 void FetchEntries(const uint32_t* pixels) {
     for (uint32_t i = 0; i < kBlock; ++i) {
-        _mm_prefetch(reinterpret_cast<const char*>(g_colorCache + (pixels[i] & kColorBits)), _MM_HINT_T0);
+        _mm_prefetch(reinterpret_cast<const char*>(g_colorCache + (pixels[i] & kColorBits)), _MM_HINT_T1);
     }
 }
 
-// What a pixel at the given place of its block prints. `pattern` is null when blank pixels stay blank.
-template <uint32_t (*Printed)(uint32_t ink)>
-uint32_t ConvertPixel(uint32_t pixel, uint32_t place, const uint32_t* pattern) {
-    uint32_t ink = g_colorCache[pixel & kColorBits];
-    if (ink == kNotComputed) [[unlikely]]
-        ink = LookupColor(pixel);
-    if (ink == 0 && pattern != nullptr) return pattern[place];
-    return Printed(ink);
-}
+// Converts a row. `pattern` is null when blank pixels stay blank.
+template <typename Printed>
+class RowConverter {
+  public:
+    explicit RowConverter(const uint32_t* pattern) : pattern_(pattern) {}
 
-template <uint32_t (*Printed)(uint32_t ink)>
-void ConvertPixels(uint32_t* destination, const uint32_t* source, uint32_t count, const uint32_t* pattern) {
-    for (uint32_t i = 0; i < count; ++i) destination[i] = ConvertPixel<Printed>(source[i], i, pattern);
-}
-
-template <uint32_t (*Printed)(uint32_t ink)>
-void ConvertBlocks(uint32_t* destination, const uint32_t* source, uint32_t count, const uint32_t* pattern) {
-    uint32_t block[kBlock];  // what the last block of one colour printed
-    uint32_t color = 0;      // its pixel
-    bool known = false;
-    for (; count >= kBlock; destination += kBlock, source += kBlock, count -= kBlock) {
-        if (!IsOneColour(source)) {
-            if (count >= kAhead + kBlock) FetchEntries(source + kAhead);
-            ConvertPixels<Printed>(destination, source, kBlock, pattern);
-            continue;
+    void Convert(uint32_t* destination, const uint32_t* source, uint32_t count) {
+        uint32_t block[kBlock];  // what the last block of one colour printed
+        uint32_t color = 0;      // its pixel
+        bool known = false;
+        for (; count >= kBlock; destination += kBlock, source += kBlock, count -= kBlock) {
+            if (!IsOneColour(source)) {
+                if (count >= kAhead + kBlock) FetchEntries(source + kAhead);
+                ConvertPixels(destination, source, kBlock);
+                continue;
+            }
+            if (!known || source[0] != color) {
+                color = source[0];
+                known = true;
+                for (uint32_t i = 0; i < kBlock; ++i) block[i] = ConvertPixel(color, i);
+            }
+            memcpy(destination, block, sizeof block);
         }
-        if (!known || source[0] != color) {
-            color = source[0];
-            known = true;
-            for (uint32_t i = 0; i < kBlock; ++i) block[i] = ConvertPixel<Printed>(color, i, pattern);
-        }
-        memcpy(destination, block, sizeof block);
+        ConvertPixels(destination, source, count);
     }
-    ConvertPixels<Printed>(destination, source, count, pattern);
-}
+
+  private:
+    // Of a block, or of what is left behind the last one.
+    void ConvertPixels(uint32_t* destination, const uint32_t* source, uint32_t count) {
+        for (uint32_t i = 0; i < count; ++i) destination[i] = ConvertPixel(source[i], i);
+    }
+    // What a pixel at the given place of its block prints.
+    uint32_t ConvertPixel(uint32_t pixel, uint32_t place) {
+        uint32_t ink = g_colorCache[pixel & kColorBits];
+        if (ink == kNotComputed) [[unlikely]]
+            ink = LookupColor(pixel);
+        if (ink == 0 && pattern_ != nullptr) return pattern_[place % kPatternSteps];
+        return printed_(ink);
+    }
+
+    const uint32_t* pattern_;
+    Printed printed_;
+};
 
 }  // namespace
 
@@ -115,13 +144,13 @@ int32_t ConvertRow(uint32_t* destination, const uint32_t* source, uint32_t count
     const uint32_t* pattern = kws != 0 ? BlankPattern(lightPattern) : nullptr;
     switch (greyMode) {
         case kCompositeGrey:
-            ConvertBlocks<InCompositeGrey>(destination, source, count, pattern);
+            RowConverter<InGrey<CompositeGrey>>(pattern).Convert(destination, source, count);
             break;
         case kBlackOnlyGrey:
-            ConvertBlocks<InBlackOnly>(destination, source, count, pattern);
+            RowConverter<InGrey<GreyWeight>>(pattern).Convert(destination, source, count);
             break;
         default:
-            ConvertBlocks<InColour>(destination, source, count, pattern);
+            RowConverter<InColour>(pattern).Convert(destination, source, count);
             break;
     }
     return 0;
