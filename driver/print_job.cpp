@@ -30,14 +30,7 @@ void ContinueJob(PDEV* pdev) {
 }
 
 int32_t ResolutionMode(int16_t dpi) {
-    switch (dpi) {
-        case 600:
-            return kResolution600;
-        case 300:
-            return kResolution300;
-        default:
-            return kResolutionOther;
-    }
+    return dpi == 600 ? kResolution600 : kResolution300;
 }
 
 bool StartEngineJob(PDEV* pdev, const SURFOBJ* surface, int32_t resolutionMode) {

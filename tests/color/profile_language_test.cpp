@@ -131,3 +131,7 @@ TEST_F(ProfileLanguage, HasASectionForEachCode) {
     EXPECT_EQ(AsView(LanguageSection(kJapanese)), u"[JPN]");
     EXPECT_EQ(AsView(LanguageSection(kAmericanEnglish)), u"[ENU]");
 }
+
+TEST_F(ProfileLanguage, HasTheAmericanEnglishSectionForAnyOtherCode) {
+    EXPECT_EQ(AsView(LanguageSection(LanguageCode{})), u"[ENU]");
+}

@@ -75,6 +75,16 @@ TEST_F(DeviceInstance, HasOneOfTwoResolutions) {
     EXPECT_EQ(caps.denStyleStep, 24u);
 }
 
+TEST_F(DeviceInstance, PrintsAtTheLowerResolutionWhateverElseItsRecordSays) {
+    for (const int16_t quality : {int16_t{0}, int16_t{720}, int16_t{-4}, int16_t{299}, int16_t{601}}) {
+        const auto device = Session().EnablePdev(Bytes(Mode()));
+        Session().CompletePdev(*device);
+        InstanceOf(*device).devmode.pub.dmPrintQuality = quality;
+        ASSERT_TRUE(Session().EnableSurface(*device));
+        EXPECT_EQ(device->Surface()->sizlBitmap.cx, kWidthPx) << quality;
+    }
+}
+
 TEST_F(DeviceInstance, MeasuresThePageInPixelsAndMillimetres) {
     GDIINFO caps = Capabilities(300, 1000, 1500, DMORIENT_PORTRAIT);
     EXPECT_EQ(caps.ulHorzRes, 1181u);

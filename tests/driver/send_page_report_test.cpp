@@ -137,6 +137,25 @@ TEST_F(SendPage, LogsWhereThePrintHeadOffsetMovedThePage) {
     }
 }
 
+TEST_F(SendPage, LogsOnlyTheMeasuresOfAnOffsetThatWouldLeaveThePrintHead) {
+    for (const bool fullWidth : {false, true}) {
+        for (const int16_t alignment : {int16_t{0}, int16_t{2}}) {
+            DeviceMode mode = Mode();
+            mode.priv.alignment = alignment;
+            mode.priv.phHOffset = alignment == 0 ? -20 : 20;
+            mode.priv.kws = mode.priv.kws_fullwidth = fullWidth;
+            Print(mode, false);
+            std::vector<std::string> lines = LogLines();
+            std::erase_if(lines,
+                          [](const std::string& line) { return !line.starts_with("[Info]  phOffset"); });
+            EXPECT_THAT(lines,
+                        ElementsAre(StartsWith(
+                            "[Info]  phOffset:" + std::to_string(alignment == 0 ? 23 : -24) + " topOff:")));
+            Session().EndDoc(Current());
+        }
+    }
+}
+
 TEST_F(SendPage, LogsTheFirstPagesGeometryOnce) {
     const auto device = StartPage(Mode());
     ASSERT_TRUE(Session().SendPage(*device));

@@ -98,6 +98,16 @@ TEST_F(SendPage, OfNoRowsSendsItsFillAndClosesBlockAndPage) {
     EXPECT_EQ(engine.calls.back(), "PageEnd");
 }
 
+TEST_F(SendPage, OfRowsLongerThanCanBeCountedEndsBeforeTheFirst) {
+    DeviceMode mode = Mode();
+    mode.priv.purgeBar = 1;
+    EXPECT_THAT(PrintSize(mode, 0, INT32_MAX), IsEmpty());
+    EXPECT_THAT(LogLines(), Contains("[Error] Error: could not allocate rows of " +
+                                     std::to_string(INT32_MIN + 55) + " pixels"));
+    EXPECT_TRUE(engine.calls.back().starts_with("RasterBlockStart "));
+    EXPECT_EQ(PageCount(), 1u);
+}
+
 TEST_F(SendPage, OpensAndClosesPageAndBlock) {
     Print(Mode());
     EXPECT_THAT(engine.calls, ElementsAre("JobStart 0 0",
