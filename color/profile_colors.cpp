@@ -28,15 +28,23 @@ bool ReadEntries(BlockReader& file, uint32_t* cache) {
     return false;
 }
 
-// Version 2: a plane of bytes for each ink, from Y down to K.
+// Version 2: a plane of bytes for each ink, from Y down to K. A block of the cache is put together out of all
+// four planes while the processor's own caches hold it.
 bool ReadPlanes(BlockReader& file, uint32_t* cache) {
-    for (int shift = 24; shift >= 0; shift -= 8) {
-        for (size_t read = 0; read < kCacheEntries;) {
-            const std::span<const uint8_t> bytes = file.Take(kCacheEntries - read);
-            if (bytes.empty()) return true;
-            uint32_t* entries = cache + read;
-            for (size_t i = 0; i < bytes.size(); ++i) entries[i] |= uint32_t{bytes[i]} << shift;
-            read += bytes.size();
+    constexpr size_t kBlock = 32768;  // entries
+    const int64_t firstPlane = file.Position();
+    for (size_t first = 0; first < kCacheEntries; first += kBlock) {
+        uint32_t* entries = cache + first;
+        memset(entries, 0, kBlock * sizeof *entries);
+        for (size_t plane = 0; plane < kInks; ++plane) {
+            file.Seek(firstPlane + static_cast<int64_t>(plane * kCacheEntries + first));
+            const size_t shift = 24 - 8 * plane;
+            for (size_t read = 0; read < kBlock;) {
+                const std::span<const uint8_t> bytes = file.Take(kBlock - read);
+                if (bytes.empty()) break;
+                for (size_t i = 0; i < bytes.size(); ++i) entries[read + i] |= uint32_t{bytes[i]} << shift;
+                read += bytes.size();
+            }
         }
     }
     return true;
@@ -94,7 +102,7 @@ constexpr size_t kGridOnly = kGridPoints * kInks;
 
 constexpr ColorLayout kLayouts[] = {
     {kEntries, kAllColors, kNotPrepared, ReadEntries},
-    {kPlanes, kAllColors, 0x00, ReadPlanes},
+    {kPlanes, kAllColors, kNotPrepared, ReadPlanes},
     {kHalfGridEntries, kHalfGrid, 0x00, ReadHalfGridEntries},
     {kHalfGridPlanes, kHalfGrid, 0xFF, ReadHalfGridPlanes},
     {kGrid, kGridOnly, 0xFF, ReadGrid},
