@@ -1,5 +1,7 @@
 #include "color/color_cache.h"
 
+#include <emmintrin.h>
+
 #include <algorithm>
 
 #include "color/generic_conversion.h"
@@ -13,29 +15,38 @@ namespace {
 // which is only 15 wide: deliberate, so 255 lies a sixteenth short of the upper value there.
 struct GridCell {
     explicit GridCell(uint32_t value)
-        : lower(value & 0xF0), upper(lower < 240 ? lower + 16 : 255), fraction(value & 0x0F) {}
+        : lower(value & 0xF0), upper(std::min(lower + 16, 255u)), fraction(value & 0x0F) {}
     uint32_t lower;
     uint32_t upper;
     uint32_t fraction;
 };
 
-// A sum of ink values with weights that add up to 256. Two inks share each accumulator, in 16 bits of their
-// own, which a byte times 256 does not leave.
-class InkBlend {
-  public:
-    void Add(uint32_t ink, uint32_t weight) {
-        blackAndMagenta_ += (ink & kEvenBytes) * weight;
-        cyanAndYellow_ += (ink >> 8 & kEvenBytes) * weight;
-    }
-    uint32_t Truncated() const {
-        return (blackAndMagenta_ >> 8 & kEvenBytes) | (cyanAndYellow_ & ~kEvenBytes);
-    }
+// The inks of two ink values, 16 bits each, side by side: the one at the lower and the one at the upper red
+// of a corner.
+__m128i LoadPair(const uint32_t* lowerRed, const uint32_t* upperRed) {
+    const __m128i lower = _mm_cvtsi32_si128(static_cast<int>(*lowerRed));
+    const __m128i upper = _mm_cvtsi32_si128(static_cast<int>(*upperRed));
+    return _mm_unpacklo_epi8(_mm_unpacklo_epi32(lower, upper), _mm_setzero_si128());
+}
 
-  private:
-    static constexpr uint32_t kEvenBytes = 0x00FF00FF;
-    uint32_t blackAndMagenta_ = 0;
-    uint32_t cyanAndYellow_ = 0;
-};
+// Vectors of weights, in sixteenths: the same for both ink values of a pair, or what red's fraction leaves to
+// the lower one and gives to the upper one.
+constexpr struct Weights {
+    constexpr Weights() {
+        for (uint16_t sixteenths = 0; sixteenths <= 16; ++sixteenths) {
+            for (int lane = 0; lane < 8; ++lane) {
+                same[sixteenths][lane] = sixteenths;
+                shared[sixteenths][lane] = lane < 4 ? 16 - sixteenths : sixteenths;
+            }
+        }
+    }
+    alignas(16) uint16_t same[17][8] = {};
+    alignas(16) uint16_t shared[17][8] = {};
+} kWeights;
+
+__m128i Weighted(__m128i inks, const uint16_t (&weights)[8]) {
+    return _mm_mullo_epi16(inks, _mm_load_si128(reinterpret_cast<const __m128i*>(weights)));
+}
 
 // What each amount of an ink leaves of the light: as a share of it, and of 255.
 constexpr struct LightShares {
@@ -83,10 +94,10 @@ uint32_t LookupColor(uint32_t pixel) {
     const uint8_t blue = static_cast<uint8_t>(pixel);
     const uint8_t green = static_cast<uint8_t>(pixel >> 8);
     const uint8_t red = static_cast<uint8_t>(pixel >> 16);
-    if (g_cacheKind == kHalfGridEntries || g_cacheKind == kHalfGridPlanes) {
-        AverageHalfGridEntry(blue, green, red, &entry);
-    } else if (g_cacheKind == kGrid) {
+    if (g_cacheKind == kGrid) {
         InterpolateGridEntry(blue, green, red, &entry, g_colorCache);
+    } else if (g_cacheKind == kHalfGridEntries || g_cacheKind == kHalfGridPlanes) {
+        AverageHalfGridEntry(blue, green, red, &entry);
     }
     return entry;
 }
@@ -100,23 +111,21 @@ bool InterpolateGridEntry(uint8_t blue, uint8_t green, uint8_t red, uint32_t* en
     const bool blueLeads = b.fraction > g.fraction;
     const uint32_t further = std::max(b.fraction, g.fraction);
     const uint32_t nearer = std::min(b.fraction, g.fraction);
-    const struct {
-        uint32_t index;
-        uint32_t weight;  // in sixteenths
-    } corners[] = {
-        {ColorIndex(0, g.lower, b.lower), 16 - further},
-        {blueLeads ? ColorIndex(0, g.lower, b.upper) : ColorIndex(0, g.upper, b.lower), further - nearer},
-        {ColorIndex(0, g.upper, b.upper), nearer},
-    };
+    const uint32_t low = ColorIndex(0, g.lower, b.lower);
+    const uint32_t third = blueLeads ? ColorIndex(0, g.lower, b.upper) : ColorIndex(0, g.upper, b.lower);
+    const uint32_t high = ColorIndex(0, g.upper, b.upper);
 
+    // Weights and inks are whole numbers, and what the weights of a step add up to, 16, twice, takes a byte
+    // to no more than 16 bits: nothing is lost before the truncation.
     const uint32_t* lowerRed = table + ColorIndex(r.lower, 0, 0);
     const uint32_t* upperRed = table + ColorIndex(r.upper, 0, 0);
-    InkBlend blend;
-    for (const auto& corner : corners) {
-        blend.Add(lowerRed[corner.index], corner.weight * (16 - r.fraction));
-        blend.Add(upperRed[corner.index], corner.weight * r.fraction);
-    }
-    *entry = blend.Truncated();
+    __m128i pair = Weighted(LoadPair(lowerRed + low, upperRed + low), kWeights.same[16 - further]);
+    pair = _mm_add_epi16(
+        pair, Weighted(LoadPair(lowerRed + third, upperRed + third), kWeights.same[further - nearer]));
+    pair = _mm_add_epi16(pair, Weighted(LoadPair(lowerRed + high, upperRed + high), kWeights.same[nearer]));
+    pair = Weighted(pair, kWeights.shared[r.fraction]);
+    const __m128i inks = _mm_srli_epi16(_mm_add_epi16(pair, _mm_srli_si128(pair, 8)), 8);
+    *entry = static_cast<uint32_t>(_mm_cvtsi128_si32(_mm_packus_epi16(inks, inks)));
     return true;
 }
 
