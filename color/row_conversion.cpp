@@ -84,7 +84,7 @@ bool IsOneColour(const uint32_t* pixels) {
 // How far ahead of the conversion the cache's entries are fetched: most of them are far apart, and many of
 // them can be on their way at once. They are fetched into the second-level cache, since the first level would
 // lose them again before their turn.
-constexpr uint32_t kAhead = 192;
+constexpr uint32_t kAhead = 128;
 
 void FetchEntries(const uint32_t* pixels) {
     for (uint32_t i = 0; i < kBlock; ++i) {
