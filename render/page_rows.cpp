@@ -99,21 +99,26 @@ bool SameBytes(const void* a, const void* b, size_t size) {
 }
 
 // Fetches a band's part of a scan line into the cache. It begins anywhere in a cache line, and so reaches
-// into one more. Harmless where there is no memory.
-void Prefetch(const uint8_t* part) {
+// into one more. With it comes the part `companion` bytes further on, unless that is 0. Harmless where there
+// is no memory.
+void Prefetch(const uint8_t* part, ptrdiff_t companion) {
     for (int32_t i = 0; i <= kBandColumns * 4; i += kCacheLine) {
         _mm_prefetch(reinterpret_cast<const char*>(part + i), _MM_HINT_T0);
+    }
+    if (companion == 0) return;
+    for (int32_t i = 0; i < kBandColumns * 4; i += kCacheLine) {
+        _mm_prefetch(reinterpret_cast<const char*>(part + companion + i), _MM_HINT_T1);
     }
 }
 
 // Turns a tile of kTileLines scan lines, `step` bytes apart, and `columns` columns, a multiple of four, into
-// a cache line of each row of the band. Meanwhile the tile at `next` is fetched, a scan line with each group
-// of columns: all at once they would wait for each other.
-void TurnTile(const uint8_t* tile, const uint8_t* next, ptrdiff_t step, int32_t columns, uint32_t* band,
-              ptrdiff_t pitch) {
+// a cache line of each row of the band. Meanwhile the tile at `next` is fetched with its companion, a scan
+// line with each group of columns: all at once they would wait for each other.
+void TurnTile(const uint8_t* tile, const uint8_t* next, ptrdiff_t companion, ptrdiff_t step, int32_t columns,
+              uint32_t* band, ptrdiff_t pitch) {
     static_assert(kBandColumns == 4 * kTileLines, "a group of four columns for each scan line to fetch");
     for (int32_t x = 0; x < columns; x += 4) {
-        Prefetch(next);
+        Prefetch(next, companion);
         next += step;
         for (int32_t line = 0; line < kTileLines; line += 4) {
             const uint8_t* pixels = tile + line * step + x * 4;
@@ -179,6 +184,11 @@ void RowReader::ReadBand(int32_t firstColumn) {
     const int32_t height = bitmap_.height;
     const ptrdiff_t step = order_.rotate180 ? -bitmap_.stride : bitmap_.stride;
     const uint8_t* first = Line(order_.rotate180 ? height - 1 : 0) + firstColumn * bitmap_.bytesPerPixel;
+    // Bands go in pairs: the parts of a scan line that belong to a pair lie on one memory page, which is
+    // looked up once when the first band of a pair fetches those of the other one too.
+    const int32_t other = firstColumn ^ kBandColumns;
+    const bool fetchOther = other != bandFirst_ && other < bitmap_.width;
+    const ptrdiff_t companion = fetchOther ? ptrdiff_t{other - firstColumn} * bitmap_.bytesPerPixel : 0;
     bandFirst_ = firstColumn;
     last_ = nullptr;
 
@@ -187,7 +197,8 @@ void RowReader::ReadBand(int32_t firstColumn) {
     const int32_t tiledColumns = turnable ? columns - columns % 4 : 0;
     for (int32_t y = 0; y < tiledLines; y += kTileLines) {
         const int32_t next = std::min(y + kLinesAhead, height - kTileLines);
-        TurnTile(first + y * step, first + next * step, step, tiledColumns, band_.get() + y, bandPitch_);
+        TurnTile(first + y * step, first + next * step, companion, step, tiledColumns, band_.get() + y,
+                 bandPitch_);
     }
     ReadColumns(first, step, {tiledColumns, columns}, {0, tiledLines});
     ReadColumns(first, step, {0, columns}, {tiledLines, height});
