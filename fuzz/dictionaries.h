@@ -22,6 +22,16 @@ inline constexpr FuzzDictionary kDictionaries[] = {
     {"print_file",
      "\"\\x1B%-12345X\"\n\"@PJL\"\n\"@PJL COMMENT \"\n\"@PJL SET \"\n\"@PJL JOB NAME=\\\"\"\n"
      "\"@PJL ENTER LANGUAGE=STANDIN\\x0A\"\n\"QRV_THUMBNAIL=\\\"\"\n\"\\x1B*o-1M\"\n"},
+    {"tool_profile", "\"ZVC\"\n\"\\x01\"\n\"\\x02\\x02\\x00\"\n\"\\x05\"\n\"\\xFF\\xFF\\xFF\\xFF\"\n"},
+    {"recipe",
+     "\"\\\"name\\\":\"\n\"\\\"inks\\\":{\"\n\"\\\"density\\\":[\"\n\"\\\"dot_gain\\\":\"\n"
+     "\"\\\"black_density\\\":\"\n\"\\\"black_start\\\":\"\n\"\\\"ink_limit\\\":\"\n\"\\\"scale\\\":{\"\n"
+     "\"\\\"resolution_codes\\\":{\"\n\"\\\"600\\\":\"\n\"\\\"other\\\":\"\n\"\\\"comment\\\":"
+     "\"\n\"1e308\"\n\"0.2\"\n"},
+    {"icc",
+     "\"acsp\"\n\"CMYK\"\n\"prtr\"\n\"Lab \"\n\"XYZ \"\n\"B2A0\"\n\"A2B0\"\n\"mft1\"\n\"mft2\"\n\"mBA "
+     "\"\n\"mAB \"\n"
+     "\"curv\"\n\"para\"\n\"desc\"\n\"mluc\"\n\"wtpt\"\n\"bkpt\"\n"},
 };
 
 constexpr const char* DictionaryOf(std::string_view target) {

@@ -1,7 +1,11 @@
-// Labels in the printer's data: whatever the data holds and whatever keys the spooler names, the list that is
-// read is whole, a next number lies above all others, and a device mode is given valid sizes by it.
+// Labels in the printer's data: whatever the data holds, the list that is read is the one that the plain
+// definition finds; whatever keys the spooler names, it is whole, a next number lies above all others, and a
+// device mode is given valid sizes by it.
 
+#include <algorithm>
+#include <cstdlib>
 #include <cstring>
+#include <optional>
 
 #include "config/device_mode_validation.h"
 #include "config/label_sizes.h"
@@ -55,6 +59,77 @@ void AddFuzzedLabel(FuzzInput& choices, PrinterData& data) {
     }
 }
 
+// A label as the plain definition has it, out of the printer's data.
+struct ExpectedLabel {
+    uint16_t number;
+    std::string name, width, length;
+    uint32_t units;
+};
+
+uint16_t NumberOfKey(const std::string& name) {
+    const bool digits = name.find_first_not_of("0123456789") == std::string::npos;
+    const unsigned long long number = digits ? strtoull(name.c_str(), nullptr, 10) : 0;
+    return number > UINT16_MAX ? uint16_t{0} : static_cast<uint16_t>(number);
+}
+
+// The bytes of a value of that type that are no more than fit.
+std::optional<std::string> Value(const PrinterData& data, const std::string& key, const char* name,
+                                 DWORD type, size_t most) {
+    const PrinterValue* value = data.Find(key, name);
+    if (value == nullptr || value->type != type || value->bytes.size() > most) return std::nullopt;
+    return value->bytes;
+}
+
+std::optional<uint32_t> NumberValue(const PrinterData& data, const std::string& key, const char* name) {
+    const std::optional<std::string> bytes = Value(data, key, name, REG_DWORD, 4);
+    if (!bytes) return std::nullopt;
+    uint32_t number = 0;
+    memcpy(&number, bytes->data(), bytes->size());
+    return number;
+}
+
+// Up to its first zero character, or cut so that it ends within its field.
+std::optional<std::string> TextValue(const PrinterData& data, const std::string& key, const char* name,
+                                     size_t field) {
+    const std::optional<std::string> bytes = Value(data, key, name, REG_SZ, field);
+    return bytes ? std::optional(bytes->substr(0, std::min(bytes->find('\0'), field - 1))) : bytes;
+}
+
+std::vector<ExpectedLabel> ExpectedList(const PrinterData& data, uint32_t capacity) {
+    std::vector<ExpectedLabel> list;
+    for (const std::string& name : data.SubKeys("Label Sizes")) {
+        if (list.size() == capacity) break;
+        const uint16_t number = NumberOfKey(name);
+        const std::string key = "Label Sizes\\" + std::to_string(number);
+        const auto label = TextValue(data, key, "name", 64), width = TextValue(data, key, "width", 8),
+                   length = TextValue(data, key, "length", 8);
+        const auto units = NumberValue(data, key, "units");
+        if (NumberValue(data, key, "version") != 1u || !label || !width || !length || !units) continue;
+        list.push_back({number, *label, *width, *length, *units});
+    }
+    return list;
+}
+
+void CheckList(const std::vector<LabelSize>& list, const std::vector<ExpectedLabel>& expected) {
+    REQUIRE(list.size() == expected.size());
+    for (size_t i = 0; i < list.size(); ++i) {
+        REQUIRE(list[i].number == expected[i].number);
+        REQUIRE(FieldText(list[i].name) == expected[i].name);
+        REQUIRE(FieldText(list[i].width) == expected[i].width);
+        REQUIRE(FieldText(list[i].length) == expected[i].length);
+        REQUIRE(list[i].units == expected[i].units);
+    }
+}
+
+void CheckNextNumber(const PrinterData& data, DWORD code, uint16_t next) {
+    uint16_t largest = 257;
+    for (const std::string& name : data.SubKeys("Label Sizes")) {
+        largest = std::max(largest, NumberOfKey(name));
+    }
+    REQUIRE((code == ERROR_SUCCESS) == (largest < UINT16_MAX));
+    REQUIRE(code != ERROR_SUCCESS || next == largest + 1);
+}
+
 void CheckValidation(HANDLE printer, FuzzInput& choices) {
     DeviceMode record = DefaultDeviceMode();
     record.pub.dmPaperSize = choices.Number<int16_t>();
@@ -96,6 +171,12 @@ void FuzzLabelData(std::span<const uint8_t> input) {
         REQUIRE(FieldText(list[i].length).size() < sizeof list[i].length);
         REQUIRE(nextCode != ERROR_SUCCESS || list[i].number < next);
     }
+    if (patch == nullptr) {
+        list.resize(count);
+        REQUIRE(code == ERROR_SUCCESS);
+        CheckList(list, ExpectedList(printer.Data(), capacity));
+        CheckNextNumber(printer.Data(), nextCode, next);
+    }
     CheckValidation(printer.Handle(), choices);
 }
 
@@ -114,5 +195,8 @@ Seeds LabelDataSeeds() {
         bytes({0, 128, 1, 1, 2, 1, 0, 0, 0xC8, 1}) + "Wine two" + bytes({0xC3, 3, 1, 2, 3, 0xFF, 1}),
         bytes({3, 128, 20, 0, 20}) + std::string("2\0005\0008\0\0\0003\0000\0000\0\0\0", 16),
         bytes({3, 128, 0xFF, 0xFF, 2, 0x39, 0}),
+        // Half a character, behind it no end.
+        bytes({3, 128, 1, 0, 1, 0x32, 0}),
+        bytes({3, 128, 5, 0, 5, 0x32, 0, 0x35, 0, 0x38, 0}),
     };
 }

@@ -1,13 +1,16 @@
-// Layout and rows of a page: any geometry is laid out without an overflow and adds up; the engine gets as
-// many rows, of that width, as announced, and each holds what the plain definition of the orientation has
-// there.
+// Layout and rows of a page: any geometry is laid out without an overflow and as the plain definition has it;
+// the engine gets as many rows, of that width, as announced, and each, fill rows and purge bar too, holds
+// what the plain definition has there; a row that it refuses is the last one.
 
+#include <algorithm>
 #include <cstring>
 
 #include "color/color_cache.h"
+#include "color/row_conversion.h"
 #include "driver/job_state.h"
 #include "fuzz/device_mode_rules.h"
 #include "fuzz/input.h"
+#include "fuzz/page_model.h"
 #include "fuzz/target.h"
 #include "render/page_layout_input.h"
 #include "render/raster_loop.h"
@@ -110,33 +113,26 @@ DeviceMode ModeOf(FuzzInput& input) {
     return mode;
 }
 
-// What adds up for any page, modulo 2^32.
 void CheckLayout(const PageLayoutInput& input) {
     const PageLayout layout = ComputePageLayout(input);
-    const auto same = [](int64_t a, int64_t b) {
-        return static_cast<uint32_t>(a) == static_cast<uint32_t>(b);
-    };
-    REQUIRE(layout.rows == (input.landscape ? input.bitmapHeight : input.bitmapWidth));
-    REQUIRE(layout.imageWidth == (input.landscape ? input.bitmapWidth : input.bitmapHeight));
-    REQUIRE(same(layout.rowWidth, int64_t{layout.imageWidth} + layout.purgeLen));
-    REQUIRE((layout.purgeLen > 0) == (input.purgeBar > 0 && (input.purgeDots > 0 || input.purgeGap > 0)));
-    REQUIRE(same(layout.pageWUnits, int64_t{layout.unit} * layout.rowWidth + 2400));
-    REQUIRE(same(layout.pageHUnits, int64_t{layout.unit} * layout.rows + 2400));
-    const Placement& placed = layout.placed;
-    if (!layout.fullWidth) {
-        REQUIRE(layout.headRows == layout.rows && placed.fullTop == 0 && placed.fullBottom == 0);
-        return;
-    }
-    const int64_t grown = layout.offsetEffect == OffsetEffect::FullCentred ? 2 * layout.phOffsetPx : 0;
-    REQUIRE(layout.headRows == HeadWidthPx(input.dpi) && placed.topOff == 0);
-    REQUIRE(same(int64_t{placed.fullTop} + layout.rows + placed.fullBottom, layout.headRows + grown));
+    const PlainLayout plain = ComputePlainLayout(input);
+    REQUIRE(layout.phOffsetPx == plain.phOffsetPx);
+    REQUIRE(layout.fullWidth == plain.fullWidth);
+    REQUIRE(layout.imageWidth == plain.imageWidth && layout.rowWidth == plain.rowWidth);
+    REQUIRE(layout.rows == plain.rows && layout.headRows == plain.headRows);
+    REQUIRE(layout.purgeLead == plain.purgeLead && layout.purgeLen == plain.purgeLen);
+    REQUIRE(layout.pageWUnits == plain.pageW && layout.pageHUnits == plain.pageH);
+    REQUIRE(layout.pageLengthUnits == plain.pageLength);
+    REQUIRE(layout.placed.topOff == plain.topOff);
+    REQUIRE(layout.placed.fullTop == plain.fullTop && layout.placed.fullBottom == plain.fullBottom);
 }
 
-// Takes the rows of a page and holds each against its plain definition.
+// Takes the rows of a page and holds each against its plain definition; refuses one of them, or none.
 struct RowCheck {
     const Bitmap& page;
     const DeviceMode& mode;
     const PageLayout& layout;
+    int64_t refused;  // the number of the row to refuse
     std::vector<uint32_t> expected = std::vector<uint32_t>(static_cast<size_t>(layout.rowWidth));
     int64_t rows = 0;
 
@@ -150,52 +146,67 @@ struct RowCheck {
             expected[static_cast<size_t>(first + i)] = layout.dpi == 600 ? 0x7F7F7F7F : 0xFFFFFFFF;
         }
     }
-    void Take(const uint32_t* row) {
-        const int64_t imageRow = rows++ - layout.placed.fullTop;
-        if (mode.priv.kws != 0 || mode.priv.colorMode != 0 || imageRow < 0 || imageRow >= layout.rows) {
-            Touch(row[0]);
-            Touch(row[layout.rowWidth - 1]);
-            return;
-        }
-        const int32_t imageAt = layout.purgeLead != 0 ? layout.purgeLen : 0;
+    uint32_t* ImageArea() { return expected.data() + (layout.purgeLead != 0 ? layout.purgeLen : 0); }
+    // In front of the image, without a pattern, the row stays as it is.
+    void ExpectFill(bool inFront) {
         for (int32_t i = 0; i < layout.imageWidth; ++i) {
-            const uint32_t color = ExpectedPixel(page, mode, static_cast<int32_t>(imageRow), i);
-            expected[static_cast<size_t>(imageAt + i)] = InkOf(color);
+            const uint32_t amount = layout.dpi == 600 ? 2 : 4;
+            if (mode.priv.kws != 0)
+                ImageArea()[i] = amount << 8 * (i % 4);
+            else if (!inFront)
+                ImageArea()[i] = 0;
         }
-        if (imageRow == 0 && expected[0] == 0) expected[0] = 2;
-        REQUIRE(memcmp(row, expected.data(), expected.size() * sizeof *row) == 0);
     }
-    // Reads a pixel, so that a row that is too short is noticed.
-    static void Touch(uint32_t pixel) {
-        volatile uint32_t read = pixel;
-        (void)read;
+    // What a pixel becomes is the row conversion's; it has its own tests.
+    void ExpectImage(int32_t row) {
+        const auto count = static_cast<size_t>(layout.imageWidth);
+        std::vector<uint32_t> pixels(count);
+        for (size_t i = 0; i < count; ++i)
+            pixels[i] = ExpectedPixel(page, mode, row, static_cast<int32_t>(i));
+        if (mode.priv.kws == 0 && mode.priv.colorMode == 0) {
+            std::transform(pixels.begin(), pixels.end(), ImageArea(), InkOf);
+        } else {
+            ConvertRow(ImageArea(), pixels.data(), static_cast<uint32_t>(count), 1, mode.priv.kws,
+                       layout.dpi == 600, static_cast<uint32_t>(mode.priv.colorMode));
+        }
+        if (row == 0 && expected[0] == 0) expected[0] = 2;
+    }
+    bool Take(const uint32_t* row) {
+        const int64_t imageRow = rows - layout.placed.fullTop;
+        if (imageRow < 0 || imageRow >= layout.rows) {
+            ExpectFill(imageRow < 0);
+        } else {
+            ExpectImage(static_cast<int32_t>(imageRow));
+        }
+        REQUIRE(memcmp(row, expected.data(), expected.size() * sizeof *row) == 0);
+        return rows++ != refused;
     }
 };
 
 RowCheck* currentCheck = nullptr;
 
 uint32_t HPCRLIB_CALL TakeRow(uint64_t, const uint32_t* row) {
-    currentCheck->Take(row);
-    return 1;
+    return currentCheck->Take(row) ? 1 : 0;
 }
 
-void CheckRows(FuzzInput& input, const DeviceMode& mode) {
+void CheckRows(FuzzInput& input, const DeviceMode& mode, int64_t refused) {
     Bitmap page(input);
     const PageLayout layout =
         ComputePageLayout(LayoutInput(mode, mode.pub.dmPrintQuality, page.width, page.height));
     FillCache();
     PDEV pdev = {};
     pdev.devmode = mode;
-    RowCheck check{page, mode, layout};
+    RowCheck check{page, mode, layout, refused};
     check.Begin();
     currentCheck = &check;
     g_engine.HPCRLIB_RasterRow = &TakeRow;
-    REQUIRE(SendRasterRows(pdev, page.Surface(), layout));
+    const bool sent = SendRasterRows(pdev, page.Surface(), layout);
     g_engine = {};
     currentCheck = nullptr;
     const auto count = [](int32_t rows) { return int64_t{std::max(rows, 0)}; };
-    REQUIRE(check.rows ==
-            count(layout.placed.fullTop) + count(layout.rows) + count(layout.placed.fullBottom));
+    const int64_t all = count(layout.placed.fullTop) + layout.rows + count(layout.placed.fullBottom);
+    REQUIRE(sent == (refused < 0 || refused >= all));
+    REQUIRE(check.rows == (sent ? all : refused + 1));
 }
 
 }  // namespace
@@ -210,17 +221,20 @@ void FuzzPage(std::span<const uint8_t> input) {
     any.phHOffset = choices.Number<int16_t>();
     any.alignment = choices.Number<int16_t>();
     CheckLayout(any);
-    CheckRows(choices, mode);
+    const bool refuses = choices.Flag();
+    const auto refused = choices.Number<uint16_t>();
+    CheckRows(choices, mode, refuses ? refused : int64_t{-1});
 }
 
 Seeds PageSeeds() {
     // Page number, flags, alignment, purge bar, dots, gap, frequency, offset, colour mode, two lengths,
-    // offset and alignment of the second layout; then width, height, format, direction, padding and pixels of
-    // the bitmap.
+    // offset and alignment of the second layout; whether a row is refused, and its number; then width,
+    // height, format, direction, padding and pixels of the bitmap.
     Seeds seeds;
     for (char flags = 0; flags < 64; flags = static_cast<char>(flags + 7)) {
         std::string seed{0, flags, static_cast<char>(flags % 3), static_cast<char>(flags % 4), 1, 0, 1};
         seed += std::string("\xE8\x03\0\x10\x27\0\0\xFF\xFF\xFF\x7F\x18\xFC\1\0", 15);
+        seed += {flags == 14 ? '\1' : '\0', flags, '\0'};
         seed += std::string{16, static_cast<char>(17 + flags % 3), flags, static_cast<char>(flags / 2), 3};
         for (int i = 0; i < 300; ++i) seed += static_cast<char>(i * 5);
         seeds.push_back(seed);

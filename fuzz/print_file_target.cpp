@@ -1,11 +1,15 @@
 // Print files in the viewer: a file is refused at a place within it, or every page has the rows that it says
-// it has.
+// it has, its image lies within them, and it is described and drawn.
 
 #include "engine/print_stream.h"
 #include "fuzz/input.h"
 #include "fuzz/target.h"
 #include "tests/viewer/made_files.h"
+#include "viewer/base64_decoder.h"
+#include "viewer/layout_picture.h"
+#include "viewer/page_pictures.h"
 #include "viewer/print_file.h"
+#include "viewer/report.h"
 
 namespace {
 
@@ -25,6 +29,45 @@ std::string FileOf(FuzzInput& input) {
         }
     }
     return file + "\x1B%-12345X";
+}
+
+constexpr uint64_t kSmallPage = 4096;  // pixels of a page that is drawn
+
+// The image lies within its block, and the pictures have the sizes that follow; what they hold is checked by
+// the sanitizers only.
+void CheckViews(const viewer::PrintFile& file, const viewer::PrintedPage& page,
+                const viewer::PagePlacement& placement) {
+    const viewer::BlockArea area = viewer::ImageArea(placement);
+    REQUIRE(area.width > 0 && area.left + area.width <= page.rowWidth);
+    REQUIRE(area.rows > 0 && area.top + area.rows <= page.rows);
+    REQUIRE(placement.purgeWidth + area.width == page.rowWidth);
+    if (uint64_t{page.rowWidth} * page.rows > kSmallPage) return;
+    for (const uint32_t scale : {1u, 3u}) {
+        const viewer::Picture composite = viewer::DrawComposite(file, page, area, scale);
+        REQUIRE(composite.width == (area.width + scale - 1) / scale);
+        REQUIRE(composite.height == (area.rows + scale - 1) / scale);
+        REQUIRE(viewer::DrawInk(file, page, area, scale, 3).samples.size() * 3 == composite.samples.size());
+        REQUIRE(viewer::Upright(composite, placement).samples.size() == composite.samples.size());
+    }
+    const uint32_t scale = viewer::ScaleToFit(viewer::LayoutLength(page, placement), 200);
+    REQUIRE(viewer::DrawLayout(file, page, placement, scale).height <= 200 + 2 * viewer::kLayoutMargin + 1);
+}
+
+// The tables and pictures of a file that was taken.
+void CheckViews(const viewer::PrintFile& file) {
+    std::vector<viewer::PagePlacement> placements;
+    for (const viewer::PrintedPage& page : file.pages) {
+        placements.push_back(viewer::PlacePage(file, page));
+        CheckViews(file, page, placements.back());
+    }
+    REQUIRE(viewer::DescribeHeader(file).find("\nPages: ") != std::string::npos);
+    REQUIRE(!viewer::DescribePages(file, placements).empty());
+    if (!file.header.thumbnail) return;
+    try {
+        REQUIRE(viewer::DecodeBase64(*file.header.thumbnail).size() <= file.header.thumbnail->size());
+    } catch (const std::runtime_error&) {
+        REQUIRE(!file.header.thumbnail->empty());
+    }
 }
 
 void CheckPage(const viewer::PrintedPage& page) {
@@ -70,6 +113,7 @@ void FuzzPrintFile(std::span<const uint8_t> input) {
             REQUIRE(page.number == ++number);
             CheckPage(page);
         }
+        CheckViews(read);
     } catch (const viewer::PrintFileError& error) {
         REQUIRE(error.Offset() <= file.size());
     }
@@ -79,9 +123,14 @@ Seeds PrintFileSeeds() {
     const Rows page = {{1, 2, 3}, {1, 2, 3}, {9, 9, 9}};
     const Rows wide = {std::vector<uint32_t>(200, 7), std::vector<uint32_t>(200, 8)};
     const std::string lines = "@PJL SET COPIES=3\n@PJL JOB NAME=\"a\nb\"\n@PJL SET QRV_THUMBNAIL=\"aGk=\"\n";
+    // The job settings of a page of 3 x 2 with a purge bar of 1, sent landscape and full width.
+    const std::string settings =
+        "@PJL SET ORIGX=2\n@PJL SET ORIGY=3\n@PJL SET ALIGN=1\n@PJL SET PURGEBAR=1\n"
+        "@PJL SET PURGEDOTS=1\n@PJL SET KWS=1\n@PJL SET FULLWIDTH=1\n@PJL SET PHOFFSET=-20\n";
     const std::string one = MakeFile({page}, "", kMode600Dpi);
     return {
         SeedOf(one, lines),
+        SeedOf(one, settings),
         SeedOf(MakeFile({page, wide}, "", kMode300Dpi), ""),
         "\1" + MakeFile({{{5}}}, lines),
         "\1" + one.substr(0, one.size() - 30),

@@ -21,6 +21,13 @@ std::span<const FuzzTarget> FuzzTargets();
 // Null for an unknown name.
 const FuzzTarget* FindFuzzTarget(std::string_view name);
 
+// Little CMS, which reads ICC profiles, is there natively only.
+#ifdef ORVEX_LITTLE_CMS
+#define ICC_FUZZ_TARGET(ROW) ROW(icc, Icc)
+#else
+#define ICC_FUZZ_TARGET(ROW)
+#endif
+
 #define FUZZ_TARGETS(ROW)                                                         \
     ROW(settings, Settings)              /* look-ups in settings.inf */           \
     ROW(profile_names, ProfileNames)     /* look-ups in profilenames.inf */       \
@@ -31,7 +38,10 @@ const FuzzTarget* FindFuzzTarget(std::string_view name);
     ROW(output_callback, OutputCallback) /* the engine's output to the spooler */ \
     ROW(page, Page)                      /* layout and rows of a page */          \
     ROW(row_code, RowCode)               /* the stand-in engine's rows */         \
-    ROW(print_file, PrintFile)           /* print files in the viewer */
+    ROW(print_file, PrintFile)           /* print files in the viewer */          \
+    ROW(tool_profile, ToolProfile)       /* colour profiles in their tool */      \
+    ROW(recipe, Recipe)                  /* recipes of colour profiles */         \
+    ICC_FUZZ_TARGET(ROW)                 /* ICC profiles of printers */
 
 #define DECLARE_FUZZ_TARGET(name, function)              \
     void Fuzz##function(std::span<const uint8_t> input); \

@@ -51,7 +51,11 @@ bool LoadIntoDriver(const std::filesystem::path& path, PrintVariant variant) {
 
 ProfileFacts LoadAccepted(const std::filesystem::path& path, PrintVariant variant) {
     ProfileFacts facts = InspectProfile(path);
-    if (!facts.Accepted()) throw std::runtime_error(facts.problem);
+    if (!facts.Accepted()) {
+        // Some of the reader's messages name the file themselves.
+        const bool named = facts.problem.find(path.string()) != std::string::npos;
+        throw std::runtime_error(named ? facts.problem : path.string() + ": " + facts.problem);
+    }
     if (!LoadIntoDriver(path, variant))
         throw std::runtime_error("the driver does not accept " + path.string());
     return facts;

@@ -17,8 +17,8 @@ enum class PrintVariant { At600, Other };
 // load.
 bool LoadIntoDriver(const std::filesystem::path& path, PrintVariant variant);
 
-// Loads a file and says what it holds. Throws std::runtime_error with the reader's message when the driver
-// does not accept it.
+// Loads a file and says what it holds. Throws std::runtime_error with the file's name and the reader's
+// message when the driver does not accept it.
 ProfileFacts LoadAccepted(const std::filesystem::path& path, PrintVariant variant);
 
 // Loads what the driver prints through when a job names no profile.

@@ -38,6 +38,12 @@ std::string Shown(double value) {
     return text.str();
 }
 
+// Lists and objects by their kind only: they may be long, and nested deeper than a stack holds.
+std::string Shown(const Json& value) {
+    if (value.is_array()) return "a list of " + std::to_string(value.size());
+    return value.is_object() ? "an object" : value.dump();
+}
+
 // The members of one object; what is not asked for is refused at the end.
 class Section {
   public:
@@ -54,7 +60,7 @@ class Section {
     Section Inner(const char* key) { return Section(At(key), path_ + key + "/"); }
     std::string Text(const char* key) {
         const Json& value = At(key);
-        if (!value.is_string()) Refuse(path_ + key, "is a text, not " + value.dump());
+        if (!value.is_string()) Refuse(path_ + key, "is a text, not " + Shown(value));
         return value.get<std::string>();
     }
     double Number(const char* key, Range range) { return CheckedNumber(path_ + key, At(key), range); }
@@ -64,7 +70,7 @@ class Section {
     std::array<double, kChannels> Channels(const char* key, Range range) {
         const Json& value = At(key);
         if (!value.is_array() || value.size() != kChannels) {
-            Refuse(path_ + key, "is a list of 3 numbers, for red, green and blue, not " + value.dump());
+            Refuse(path_ + key, "is a list of 3 numbers, for red, green and blue, not " + Shown(value));
         }
         std::array<double, kChannels> numbers;
         for (size_t i = 0; i < kChannels; ++i) numbers[i] = CheckedNumber(path_ + key, value[i], range);
@@ -78,11 +84,11 @@ class Section {
 
   private:
     static double CheckedNumber(const std::string& key, const Json& value, Range range) {
-        if (!value.is_number()) Refuse(key, "is a number, not " + value.dump());
+        if (!value.is_number()) Refuse(key, "is a number, not " + Shown(value));
         const double number = value.get<double>();
         if (!(number >= range.least && number <= range.most)) {
             Refuse(key, "is a number from " + Shown(range.least) + " to " + Shown(range.most) + ", not " +
-                            value.dump());
+                            Shown(value));
         }
         return number;
     }
@@ -163,6 +169,8 @@ Recipe ParseRecipe(std::string_view json) {
         parsed = Json::parse(json);
     } catch (const Json::parse_error& error) {
         throw std::invalid_argument("not JSON, near byte " + std::to_string(error.byte));
+    } catch (const Json::out_of_range&) {
+        throw std::invalid_argument("holds a number that is too large for any key");
     }
     Section section(parsed, "");
     Recipe recipe;

@@ -1,7 +1,9 @@
 #include "config/label_sizes.h"
 
+#include <algorithm>
 #include <cstring>
 
+#include "host/import_patch.h"
 #include "support/text.h"
 #include "tests/config/printer_test.h"
 #include "tests/support/allocation_failure.h"
@@ -54,6 +56,15 @@ LabelSize Label(uint16_t number) {
     label.units = 0;
     label.number = number;
     return label;
+}
+
+// Answers the question for sub-keys with a broken list: three bytes for one character and a half.
+DWORD WINAPI AnswerHalfACharacter(HANDLE, LPCWSTR, LPWSTR keys, DWORD size, LPDWORD needed) {
+    constexpr char kBytes[] = {'7', 0, '8'};
+    *needed = sizeof kBytes;
+    if (keys == nullptr) return ERROR_MORE_DATA;
+    memcpy(keys, kBytes, std::min<size_t>(size, sizeof kBytes));
+    return ERROR_SUCCESS;
 }
 
 }  // namespace
@@ -146,6 +157,15 @@ TEST_F(LabelSizes, ASubKeyThatIsNoPaperNumberReadsAsLabelZero) {
     EXPECT_THAT(list.labels, IsEmpty());
     EXPECT_THAT(ErrorLines(), testing::AllOf(testing::SizeIs(5),
                                              testing::Each("[Error] Could not read label version: 0x2")));
+}
+
+TEST_F(LabelSizes, ASpoolersListThatEndsWithinACharacterIsReadNoFurther) {
+    AddLabel(78, "both", "1", "1", 0);
+    const ImportPatch answer(nullptr, "EnumPrinterKeyW", reinterpret_cast<void*>(&AnswerHalfACharacter));
+    EXPECT_THAT(Names(Read()), ElementsAre("78 both"));
+    uint16_t next = 0;
+    EXPECT_EQ(Next(&next), 0u);
+    EXPECT_EQ(next, 258);
 }
 
 TEST_F(LabelSizes, ReadingStopsAtTheCapacity) {

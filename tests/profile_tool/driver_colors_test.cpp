@@ -37,11 +37,14 @@ TEST(DriverColors, WithoutAProfileAreTheBuiltInConversion) {
     EXPECT_EQ(LookupColor(0xFF0000), PackInks(0, 0, 255, 255));
 }
 
-TEST(DriverColors, OfARefusedFileAreToldByItsReason) {
+TEST(DriverColors, OfARefusedFileAreToldByItsNameAndItsReason) {
     const ScratchFolder scratch;
     const std::filesystem::path path = scratch.Write("bad.zvp", FileWithTags(Tag(9, "")));
     EXPECT_THAT([&] { LoadAccepted(path, PrintVariant::Other); },
-                ThrowsMessage<std::runtime_error>(HasSubstr("invalid profile tag 9")));
+                ThrowsMessage<std::runtime_error>(path.string() + ": invalid profile tag 9"));
+    const std::filesystem::path cut = scratch.Write("cut.zvp", "ZVC");
+    EXPECT_THAT([&] { LoadAccepted(cut, PrintVariant::Other); },
+                ThrowsMessage<std::runtime_error>("error reading file " + cut.string() + " 3"));
     EXPECT_FALSE(LoadIntoDriver(path, PrintVariant::Other));
 }
 

@@ -99,6 +99,19 @@ TEST(Recipe, ThatIsNoJsonIsRefused) {
     EXPECT_THAT([] { ParseRecipe("[]"); }, ThrowsMessage<std::invalid_argument>(HasSubstr("an object")));
 }
 
+TEST(Recipe, WithANumberThatNoMachineHoldsIsRefused) {
+    std::string text = SampleRecipe().dump();
+    EXPECT_THAT([&] { ParseRecipe(text.replace(text.size() - 1, 1, ",\"ink_limit\":1e999}")); },
+                ThrowsMessage<std::invalid_argument>(HasSubstr("a number that is too large")));
+}
+
+TEST(Recipe, NestedDeeperThanAStackHoldsIsRefused) {
+    constexpr size_t kDepth = 200000;
+    const std::string deep = std::string(kDepth, '[') + std::string(kDepth, ']');
+    EXPECT_THAT([&] { ParseRecipe("{\"name\":" + deep + "}"); },
+                ThrowsMessage<std::invalid_argument>("\"name\": is a text, not a list of 1"));
+}
+
 TEST(Recipe, IsReadFromAFileWhoseNameComesWithTheError) {
     const ScratchFolder scratch;
     EXPECT_EQ(ReadRecipe(scratch.Write("good.json", SampleRecipe().dump())).name, "Sample");

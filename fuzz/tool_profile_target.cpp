@@ -1,0 +1,99 @@
+// Colour profile files in the profile tool: it judges every file as the plain definition does, and so as the
+// driver; a profile that is converted to its own version and written again reads the same; a refusal names
+// the file.
+
+#include <algorithm>
+#include <stdexcept>
+
+#include "fuzz/fuzz_installation.h"
+#include "fuzz/profile_input.h"
+#include "fuzz/profile_model.h"
+#include "fuzz/target.h"
+#include "profile_tool/conversion.h"
+#include "profile_tool/ink.h"
+#include "profile_tool/profile_writer.h"
+#include "tests/color/profile_bytes.h"
+
+namespace {
+
+constexpr PrintVariant kVariants[] = {PrintVariant::At600, PrintVariant::Other};
+
+std::string BeforeZero(const std::string& text) {
+    return text.substr(0, text.find('\0'));
+}
+
+// What was read of a file that is refused, too, lies within it.
+void CheckTags(const ProfileFacts& facts, std::string_view file) {
+    REQUIRE(facts.size == file.size());
+    for (const TagFacts& tag : facts.tags) {
+        REQUIRE(tag.data.size() <= tag.length);
+        REQUIRE(file.substr(tag.offset + kTagHeaderSize, tag.data.size()) == tag.data);
+    }
+    REQUIRE(BeforeZero(facts.Name().value_or("")) == WalkTags(file, kLongestName + 1, true).name);
+}
+
+Variant Loaded(const std::filesystem::path& path, PrintVariant variant) {
+    const ProfileFacts facts = LoadAccepted(path, variant);
+    Variant entries = LoadedEntries(facts.version);
+    for (uint32_t& inks : entries) inks = AvoidMark(inks);
+    return entries;
+}
+
+void CheckWrittenAgain(const std::filesystem::path& path, const ProfileFacts& facts) {
+    const std::filesystem::path copy = path.parent_path() / "copy.zvp";
+    const Profile profile = ConvertProfile(path, facts.version);
+    WriteProfileFile(profile, copy);
+    const ProfileFacts written = InspectProfile(copy);
+    REQUIRE(written.Accepted());
+    REQUIRE(written.size == FileSize(profile));
+    REQUIRE(written.Name() == facts.Name());
+    REQUIRE(written.Codes() == facts.Codes());
+    for (const PrintVariant variant : kVariants) REQUIRE(Loaded(copy, variant) == Loaded(path, variant));
+}
+
+void CheckRefusal(const std::filesystem::path& path) {
+    try {
+        LoadAccepted(path, PrintVariant::Other);
+    } catch (const std::runtime_error& error) {
+        REQUIRE(std::string_view(error.what()).find(path.string()) != std::string_view::npos);
+        return;
+    }
+    REQUIRE(!"a refused file was loaded");
+}
+
+}  // namespace
+
+void FuzzToolProfile(std::span<const uint8_t> input) {
+    FuzzInput choices(input);
+    const ProfileInput profile = TakeProfile(choices);
+    if (profile.colors == ProfileColors::HalfGrid) return;  // two million entries, one by one
+    FuzzInstallation().Write("profiles/fuzz.zvp", profile.file);
+    const std::filesystem::path path = FuzzInstallation().Folder() / "profiles" / "fuzz.zvp";
+
+    const TagWalk at600 = WalkTags(profile.file, kLongestName + 1, true);
+    const TagWalk other = WalkTags(profile.file, kLongestName + 1, false);
+    const ProfileFacts facts = InspectProfile(path);
+    REQUIRE(facts.Accepted() == (at600.accepted && HoldsColors(profile.file, at600.colorsAt)));
+    CheckTags(facts, profile.file);
+    if (!facts.Accepted()) {
+        CheckRefusal(path);
+        return;
+    }
+    const ResolutionCodes codes = facts.Codes().value_or(ResolutionCodes());
+    REQUIRE(codes.at600 == at600.code && codes.other == other.code);
+    REQUIRE(facts.dataOffset == at600.colorsAt);
+    CheckWrittenAgain(path, facts);
+}
+
+Seeds ToolProfileSeeds() {
+    const std::string tags = NameTag("Paper") + ResolutionTag(3, 6);
+    const std::string unnamed = ResolutionTag('\x80', 0) + NameTag(std::string("zero\0inside", 11));
+    return {
+        ProfileSeed(kProfileGrid, tags, tags.size() + 3, "\xFF\xFF\xFF\xFF\1\2\3"),
+        ProfileSeed(kProfileGrid, unnamed, unnamed.size() + 3),
+        ProfileSeed(kProfileCut | 5 << 3, tags, tags.size() + 3, "0123"),
+        ProfileSeed(kProfileCut, NameTag("over") + Tag(1, "run"), 5),
+        ProfileSeed(kProfileCut, Tag(2, "abc"), 9),
+        kProfileRaw + std::string("ZVC\5", 4) + Number32(18) + "????" + TagArea("\1\4"),
+    };
+}
