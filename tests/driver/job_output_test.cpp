@@ -330,6 +330,16 @@ TEST_F(JobOutput, IsNotPatchedOnceTheNextPageBeganAndReportsTheMiss) {
     EXPECT_THAT(LogLines(), Contains("[Error] Error: page 2 res missed!!!!!!!!!!!!!!!!!!!"));
 }
 
+TEST_F(JobOutput, ReportsNoMissWhereTheCommandWasPatched) {
+    Begin();
+    ASSERT_TRUE(Session().SendPage(Current()));
+    EXPECT_EQ(Written("\x1B*o-1M"), "\x1B*o3M");
+    ASSERT_TRUE(Session().StartPage(Current()));
+    LogLines();
+    ASSERT_TRUE(Session().SendPage(Current()));
+    EXPECT_THAT(LogLines(), Not(Contains(HasSubstr("res missed"))));
+}
+
 TEST_F(JobOutput, ReportsNoMissedSwitchOfTheJobBefore) {
     Begin();
     ASSERT_TRUE(Session().SendPage(Current()));
@@ -402,6 +412,8 @@ TEST_F(JobOutput, LogsTheCostOfItsSlowestWrite) {
     tickStep = 4'000'000;
     Written(std::string(980, 'x') + kComment);  // the whole chunk counts, not only what is written last
     EXPECT_THAT(LogLines(), Contains("[Info]  write: 4000000us/B"));
+    Written(std::string(1000, 'x'));  // as slow, no slower
+    EXPECT_THAT(LogLines(), IsEmpty());
     Written(std::string(1001, 'x'));
     EXPECT_THAT(LogLines(), IsEmpty());
     tickStep = 4'294'968;  // its microseconds wrap to 704

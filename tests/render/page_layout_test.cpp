@@ -86,6 +86,8 @@ TEST(PageLayout, FillsTheHeadWidthEvenlyAroundACentredImage) {
 TEST(PageLayout, PutsTheWholeFillBehindOrBeforeAnAlignedImage) {
     ExpectPlacement(ComputePageLayout(FullWidth600(5000, 2)).placed, 0, 0, 2020);
     ExpectPlacement(ComputePageLayout(FullWidth600(5000, 0)).placed, 0, 2020, 0);
+    ExpectPlacement(ComputePageLayout(FullWidth600(5001, 2)).placed, 0, 0, 2019);
+    ExpectPlacement(ComputePageLayout(FullWidth600(5001, 0)).placed, 0, 2019, 0);
 }
 
 TEST(PageLayout, HalvesANegativeFillAsUnsignedWithoutClamping) {
@@ -125,6 +127,14 @@ TEST(PageLayout, AddsATrailingPurgeBarWithWholePixelsPerMillimetre) {
     EXPECT_EQ(layout.purgeLead, 0);
 }
 
+TEST(PageLayout, Has25Point4MillimetresToTheInch) {
+    PageLayoutInput input = Portrait600();
+    input.dpi = 254;
+    input.purgeBar = 1;
+    input.purgeGap = 5;
+    EXPECT_EQ(ComputePageLayout(input).purgeLen, 50);
+}
+
 TEST(PageLayout, TakesNoPurgeDotsWithoutAPurgeBar) {
     PageLayoutInput input = Portrait600();
     input.purgeDots = 10;
@@ -162,6 +172,12 @@ TEST(PageLayout, TurnsThePrintHeadOffsetRound) {
     EXPECT_EQ(ComputePageLayout(input).phOffsetPx, 11);
     input.phHOffset = 0;
     EXPECT_EQ(ComputePageLayout(input).phOffsetPx, 0);
+    input.phHOffset = 69;  // 81.496 pixels
+    EXPECT_EQ(ComputePageLayout(input).phOffsetPx, -81);
+    input.phHOffset = -69;
+    EXPECT_EQ(ComputePageLayout(input).phOffsetPx, 80);
+    input.phHOffset = 1000;
+    EXPECT_EQ(ComputePageLayout(input).phOffsetPx, -1181);
     input.phHOffset = 20;
     input.dpi = 600;
     EXPECT_EQ(ComputePageLayout(input).phOffsetPx, -47);
@@ -261,6 +277,24 @@ TEST(PageLayout, GrowsBothFillsOfACentredFullWidthPageByTheSameSignedAmount) {
     EXPECT_EQ(layout.headRows, 7020);
     input.phHOffset = -20;
     ExpectPlacement(ComputePageLayout(input).placed, 0, 1056, 1056);
+    input.bitmapWidth = 5001;
+    ExpectPlacement(ComputePageLayout(input).placed, 0, 1055, 1056);
+}
+
+TEST(PageLayout, MovesByASinglePixelToo) {
+    PageLayoutInput input = FullWidth600(5000, 2);
+    input.phHOffset = -1;
+    ExpectPlacement(ComputePageLayout(input).placed, 0, 1, 2019);
+    input.kws = false;
+    ExpectPlacement(ComputePageLayout(input).placed, 1, 0, 0);
+    input.alignment = 1;
+    ExpectPlacement(ComputePageLayout(input).placed, 2, 0, 0);
+    EXPECT_EQ(ComputePageLayout(input).offsetAmount, 2 * 12);
+    input.dpi = 300;
+    input.bitmapWidth = 3000;
+    input.alignment = 0;
+    input.phHOffset = 1;
+    ExpectPlacement(ComputePageLayout(input).placed, 510 - 1, 0, 0);
 }
 
 TEST(PageLayout, WrapsAbsurdSizesWithoutTrapping) {
