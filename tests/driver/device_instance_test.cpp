@@ -86,6 +86,7 @@ TEST_F(DeviceInstance, PrintsAtTheLowerResolutionWhateverElseItsRecordSays) {
 }
 
 TEST_F(DeviceInstance, MeasuresThePageInPixelsAndMillimetres) {
+    EXPECT_EQ(Capabilities(300, 1709, 1500, DMORIENT_PORTRAIT).ulHorzRes, 2018u);  // of 2018.4999
     GDIINFO caps = Capabilities(300, 1000, 1500, DMORIENT_PORTRAIT);
     EXPECT_EQ(caps.ulHorzRes, 1181u);
     EXPECT_EQ(caps.ulVertRes, 1772u);
@@ -186,12 +187,44 @@ TEST_F(DeviceInstance, IsRefusedWithoutMemory) {
 }
 
 TEST_F(DeviceInstance, KeepsALabelsSizeEvenWhereAFreeSizeWouldBeReplaced) {
-    AddLabel(Printer().data, 258, "Tiny", "10", "20", kUnitsMillimetres);
+    for (const int16_t number : {kPaperDefault, kPaperFirstLabel}) {
+        AddLabel(Printer().data, number, "Tiny", "10", "20", kUnitsMillimetres);
+        DeviceMode mode = Mode();
+        mode.pub.dmPaperSize = number;
+        mode.priv.dmPaperSize = 300;
+        const auto device = Enable(mode);
+        EXPECT_EQ(InstanceOf(*device).dwPageWidth, 100u) << number;
+        EXPECT_EQ(InstanceOf(*device).dwPageLength, 200u) << number;
+    }
+}
+
+TEST_F(DeviceInstance, KeepsTheSizeOfTheLabelThatItsOwnTextsDescribe) {
+    AddLabel(Printer().data, 258, "Changed since", "10", "20", kUnitsMillimetres);
     DeviceMode mode = Mode();
-    mode.pub.dmPaperSize = 258;
+    mode.pub.dmPaperSize = mode.priv.dmPaperSize = 258;
     const auto device = Enable(mode);
-    EXPECT_EQ(InstanceOf(*device).dwPageWidth, 100u);
-    EXPECT_EQ(InstanceOf(*device).dwPageLength, 200u);
+    EXPECT_EQ(InstanceOf(*device).dwPageWidth, 300u);
+    EXPECT_EQ(InstanceOf(*device).dwPageLength, 400u);
+}
+
+TEST_F(DeviceInstance, TakesNoLabelForAFreeSize) {
+    AddLabel(Printer().data, kPaperCustom, "Not free", "10", "20", kUnitsMillimetres);
+    const auto device = Enable(Mode());
+    EXPECT_EQ(InstanceOf(*device).dwPageWidth, 300u);
+    EXPECT_EQ(InstanceOf(*device).dwPageLength, 400u);
+}
+
+TEST_F(DeviceInstance, TakesNothingOfALabelThatCannotBeReadWhole) {
+    PrinterData& data = Printer().data;
+    AddLabel(data, 258, "Whole", "80", "90", kUnitsMillimetres);
+    data.SetNumber("Label Sizes\\259", "version", 1);
+    data.SetText("Label Sizes\\259", "name", "Without a length");
+    data.SetText("Label Sizes\\259", "width", "100");
+    DeviceMode mode = Mode();
+    mode.pub.dmPaperSize = 259;
+    const auto device = Enable(mode);
+    EXPECT_EQ(InstanceOf(*device).dwPageWidth, 300u);
+    EXPECT_EQ(InstanceOf(*device).dwPageLength, 400u);
 }
 
 TEST_F(DeviceInstance, TakesTheSizeOfALabelThatTheCallerChoseByNumber) {
@@ -323,6 +356,16 @@ TEST_F(DeviceInstance, IsTracedWithAllThatBuildsIt) {
         EXPECT_THAT(lines, Contains("[Trace] </" + std::string(name) + ">"));
     }
     EXPECT_THAT(lines, AllOf(Contains("[Trace] </FillPDevData>"), Contains("[Trace] </DrvEnablePDEV>")));
+}
+
+TEST_F(DeviceInstance, IsTracedWhenItIsCompletedAndDisabled) {
+    mask = 3;
+    const auto device = Session().EnablePdev(Bytes(Mode()));
+    LogLines();
+    Session().CompletePdev(*device);
+    EXPECT_THAT(LogLines(), ElementsAre("[Trace] <DrvCompletePDEV>", "[Trace] </DrvCompletePDEV>"));
+    Session().DisablePdev(*device);
+    EXPECT_THAT(LogLines(), ElementsAre("[Trace] <DrvDisablePDEV>", "[Trace] </DrvDisablePDEV>"));
 }
 
 TEST_F(DeviceInstance, HasASurfaceAsLargeAsThePage) {

@@ -54,6 +54,13 @@ TEST_F(PrintJob, BindsTheEngineForItsTimeOnly) {
     EXPECT_THAT(engine.calls, ElementsAre("JobStart 0 0", "JobEnd"));
 }
 
+TEST_F(PrintJob, TakesNoOutputOnceItHasEnded) {
+    const auto device = StartPage(Mode());
+    ASSERT_TRUE(Session().EndDoc(*device));
+    EXPECT_EQ(engine.Output("late"), 0);
+    EXPECT_THAT(Printer().written, IsEmpty());
+}
+
 TEST_F(PrintJob, TellsTheEngineItsResolutionMode) {
     DeviceMode mode = Mode();
     mode.pub.dmPrintQuality = 600;
@@ -179,7 +186,8 @@ TEST_F(PrintJob, FailsWithoutTheEnginesLibrary) {
     Session().Engine().FailLoading(true);
     LogLines();
     EXPECT_FALSE(Start(device));
-    EXPECT_THAT(LogLines(), Contains("[Error] Error: could not load hpcrlib.DLL"));
+    EXPECT_THAT(LogLines(), AllOf(Contains("[Error] Error: could not load hpcrlib.DLL"),
+                                  Not(Contains(HasSubstr("could not get")))));  // looks for nothing in it
 }
 
 TEST_F(PrintJob, FailsForEachMissingEntryPoint) {
@@ -227,7 +235,8 @@ TEST_F(PrintJob, FailsWhenTheEngineStartsNone) {
     EXPECT_FALSE(Start(device));
     EXPECT_THAT(LogLines(), Contains("[Error] Error: could not start a job"));
     EXPECT_FALSE(Session().Engine().Bound());
-    ASSERT_TRUE(Start(device));  // the next attempt finds everything as it should be
+    EXPECT_EQ(engine.Output("x"), 0);  // there is no job whose output it could be
+    ASSERT_TRUE(Start(device));        // the next attempt finds everything as it should be
     Session().EndDoc(*device);
 }
 
@@ -317,6 +326,40 @@ TEST_F(PrintJob, GoesOnInTheInstanceOfAReset) {
     ASSERT_TRUE(Session().EndDoc(*fresh));
     EXPECT_EQ(Session().Engine().Books().jobsStarted, 1u);
     EXPECT_EQ(InstanceOf(*fresh).flags, 0u);
+}
+
+TEST_F(PrintJob, WritesTheSettingsOfTheInstanceThatItGoesOnIn) {
+    const auto old = StartPage(Mode());
+    DeviceMode mode = Mode();
+    mode.priv.overspray = 2;
+    const auto fresh = Enable(mode);
+    ASSERT_TRUE(Session().ResetPdev(*old, *fresh));
+    ASSERT_TRUE(Start(fresh));
+    EXPECT_EQ(engine.Output("@PJL COMMENT x\n"), 1);
+    EXPECT_THAT(Printer().written, HasSubstr("@PJL SET OVERSPRAY=2\n"));
+    LogLines();
+    ASSERT_TRUE(Start(fresh));  // which it goes on in already
+    EXPECT_THAT(LogLines(), Not(Contains(testing::StartsWith("[Info]  pdev: "))));
+    Session().EndDoc(*fresh);
+}
+
+TEST_F(PrintJob, CountsItsPagesAnew) {
+    const auto device = StartPage(Mode());
+    ASSERT_TRUE(Session().SendPage(*device));
+    ASSERT_TRUE(Session().EndDoc(*device));
+    EXPECT_EQ(InstanceOf(*device).pageCount, 1u);
+    ASSERT_TRUE(Start(device));
+    EXPECT_EQ(InstanceOf(*device).pageCount, 0u);
+    Session().EndDoc(*device);
+}
+
+TEST_F(PrintJob, ReadsTheLogsSwitchAgain) {
+    const auto device = Enable(Mode());
+    LogLines();
+    WriteBytes(fs::path(Session().Driver().LogPath()).replace_extension("dat"), "0");
+    ASSERT_TRUE(Start(device));
+    Session().EndDoc(*device);
+    EXPECT_THAT(LogLines(), IsEmpty());
 }
 
 TEST_F(PrintJob, OfAResetOutsideAJobStartsANewOne) {

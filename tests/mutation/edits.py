@@ -207,6 +207,8 @@ def statement_edits(tokens, pairs, i):
     end = statement_end(tokens, pairs, i)
     if end is None or any(t.text in ("delete", "default") for t in tokens[end - 1:end]):
         return
+    if token.text == "(" and tokens[i + 1].text == "void":
+        return
     first = [t.text for t in tokens[i:i + 3] if t.text not in ("const",)]
     declares = token.text == "const" or (token.kind == "word" and tokens[i + 1].kind == "word")
     if declares and first[0] not in SCOPES:
