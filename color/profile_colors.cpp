@@ -3,10 +3,10 @@
 #include <cstring>
 
 #include "color/color_cache.h"
+#include "color/ink.h"
 
 namespace {
 
-constexpr size_t kInks = 4;
 constexpr uint32_t kHalfGridSteps = 128;  // even components: 0, 2, ..., 254
 
 // One encoding of the colours.
@@ -36,7 +36,7 @@ bool ReadPlanes(BlockReader& file, uint32_t* cache) {
     for (size_t first = 0; first < kCacheEntries; first += kBlock) {
         uint32_t* entries = cache + first;
         memset(entries, 0, kBlock * sizeof *entries);
-        for (size_t plane = 0; plane < kInks; ++plane) {
+        for (size_t plane = 0; plane < size_t{kInks}; ++plane) {
             file.Seek(firstPlane + static_cast<int64_t>(plane * kCacheEntries + first));
             const size_t shift = 24 - 8 * plane;
             for (size_t read = 0; read < kBlock;) {

@@ -2,14 +2,14 @@
 
 #include <algorithm>
 
+#include "config/device_mode.h"
+
 namespace {
 
 constexpr int32_t kUnitsPerInch = 7200;
 constexpr int32_t kPageMarginUnits = 2400;  // the engine's page is a third of an inch larger than the image
 constexpr int32_t kFullPageUnits = 86616;   // 12.03 inches
 constexpr double kMmPerInch = 25.4;
-
-enum : int16_t { kFarEnd = 0, kCentre = 1, kNearEnd = 2 };
 
 // Sums and products are formed in 64 bits and wrap to 32.
 int32_t Wrap(int64_t value) {
@@ -53,12 +53,12 @@ void Align(int16_t alignment, PageLayout& layout) {
     layout.pageLengthUnits = kFullPageUnits;
     Placement& place = layout.aligned;
     if (!layout.fullWidth) {
-        if (alignment == kCentre) layout.pageLengthUnits = layout.pageHUnits;
-        if (alignment == kFarEnd) place.topOff = Wrap(int64_t{layout.dpi} * 117 / 10 - layout.rows);
-    } else if (alignment == kNearEnd) {
+        if (alignment == kAlignCentre) layout.pageLengthUnits = layout.pageHUnits;
+        if (alignment == kAlignRight) place.topOff = Wrap(int64_t{layout.dpi} * 117 / 10 - layout.rows);
+    } else if (alignment == kAlignLeft) {
         place.fullBottom = Wrap(int64_t{place.fullBottom} + place.fullTop);
         place.fullTop = 0;
-    } else if (alignment == kFarEnd) {
+    } else if (alignment == kAlignRight) {
         place.fullTop = Wrap(int64_t{place.fullTop} + place.fullBottom);
         place.fullBottom = 0;
     }
@@ -67,14 +67,14 @@ void Align(int16_t alignment, PageLayout& layout) {
 void ApplyOffsetToFill(int16_t alignment, PageLayout& layout) {
     const int32_t offset = layout.phOffsetPx;
     Placement& place = layout.placed;
-    if (alignment == kFarEnd) {
+    if (alignment == kAlignRight) {
         if (offset >= 0) return;
         const int32_t moved = std::min(place.fullTop, -offset);
         place.fullTop = Wrap(int64_t{place.fullTop} - moved);
         place.fullBottom = Wrap(int64_t{place.fullBottom} + moved);
         layout.offsetEffect = OffsetEffect::FullRightAligned;
         layout.offsetAmount = moved;
-    } else if (alignment == kNearEnd) {
+    } else if (alignment == kAlignLeft) {
         if (offset <= 0) return;
         const int32_t moved = std::min(place.fullBottom, offset);
         place.fullTop = Wrap(int64_t{place.fullTop} + moved);
@@ -94,11 +94,11 @@ void ApplyOffsetToFill(int16_t alignment, PageLayout& layout) {
 void ApplyOffsetToBlock(int16_t alignment, PageLayout& layout) {
     const int32_t offset = layout.phOffsetPx;
     Placement& place = layout.placed;
-    if (alignment == kFarEnd) {
+    if (alignment == kAlignRight) {
         if (offset >= 0) return;
         place.topOff = std::max(Wrap(int64_t{place.topOff} + offset), 0);
         layout.offsetEffect = OffsetEffect::RightAligned;
-    } else if (alignment == kNearEnd) {
+    } else if (alignment == kAlignLeft) {
         if (offset <= 0) return;
         place.topOff = static_cast<int32_t>(std::min<int64_t>(
             int64_t{place.topOff} + offset, int64_t{HeadWidthPx(layout.dpi)} - layout.rows));

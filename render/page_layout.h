@@ -11,7 +11,7 @@ struct PageLayoutInput {
     bool landscape;
     bool kws;
     bool kwsFullWidth;
-    int16_t alignment;   // 0 far end of the print head, 1 centred, 2 near end
+    int16_t alignment;   // kAlignRight: far end of the print head; kAlignCentre; kAlignLeft: near end
     int16_t purgeBar;    // 0 off, 1 leading, 2 trailing
     uint16_t purgeDots;  // pixels
     uint16_t purgeGap;   // mm

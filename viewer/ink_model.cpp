@@ -14,7 +14,7 @@ struct SolidInk {
 };
 
 // In the order of Ink.
-constexpr SolidInk kSolidInks[kInkCount] = {
+constexpr SolidInk kSolidInks[kInks] = {
     {{1.50, 1.50, 1.50}, 0, 0.18},
     {{1.35, 0.42, 0.18}, 0, 0.20},
     {{0.16, 1.30, 0.52}, 1, 0.20},
@@ -46,7 +46,7 @@ InkModel::InkModel(uint32_t dpi) : shown_(kLightSteps + 1) {
     const float fullInk = dpi == 600 ? 127.5f : 255.0f;
     for (size_t amount = 0; amount < share_.size(); ++amount) {
         share_[amount] = std::min(static_cast<float>(amount) / fullInk, 1.0f);
-        for (int ink = 0; ink < kInkCount; ++ink) {
+        for (int ink = 0; ink < kInks; ++ink) {
             const SolidInk& solid = kSolidInks[ink];
             const double share = share_[amount];
             light_[ink][amount] = {LightThrough(solid, share, 0), LightThrough(solid, share, 1),
@@ -67,10 +67,10 @@ uint8_t InkModel::Shown(float light) const {
 
 Rgb InkModel::OnPaper(uint32_t inkValue) const {
     if (inkValue == 0) return kPaperWhite;
-    const Light& k = light_[kBlack][InkAmount(inkValue, kBlack)];
-    const Light& c = light_[kCyan][InkAmount(inkValue, kCyan)];
-    const Light& m = light_[kMagenta][InkAmount(inkValue, kMagenta)];
-    const Light& y = light_[kYellow][InkAmount(inkValue, kYellow)];
+    const Light& k = light_[kBlackInk][InkAmount(inkValue, kBlackInk)];
+    const Light& c = light_[kCyanInk][InkAmount(inkValue, kCyanInk)];
+    const Light& m = light_[kMagentaInk][InkAmount(inkValue, kMagentaInk)];
+    const Light& y = light_[kYellowInk][InkAmount(inkValue, kYellowInk)];
     return {Shown(k.red * c.red * m.red * y.red), Shown(k.green * c.green * m.green * y.green),
             Shown(k.blue * c.blue * m.blue * y.blue)};
 }

@@ -15,6 +15,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "color/ink.h"
+
 namespace viewer {
 
 struct Rgb {
@@ -27,21 +29,12 @@ struct Rgb {
 
 inline constexpr Rgb kPaperWhite = {255, 255, 255};
 
-// The inks in the order of their bytes in an ink value, the lowest first.
-enum Ink { kBlack = 0, kCyan = 1, kMagenta = 2, kYellow = 3 };
-inline constexpr int kInkCount = 4;
-inline constexpr char kInkLetters[kInkCount + 1] = "KCMY";
-
-constexpr uint8_t InkAmount(uint32_t inkValue, int ink) {
-    return static_cast<uint8_t>(inkValue >> (8 * ink));
-}
-
 class InkModel {
   public:
     explicit InkModel(uint32_t dpi);
 
     // An amount as a part of full ink, 0 to 1.
-    float Share(uint8_t amount) const { return share_[amount]; }
+    float Share(uint32_t amount) const { return share_[amount]; }
 
     // The colour of an ink value on white paper.
     Rgb OnPaper(uint32_t inkValue) const;
@@ -59,7 +52,7 @@ class InkModel {
     uint8_t Shown(float light) const;
 
     std::array<float, 256> share_;
-    std::array<std::array<Light, 256>, kInkCount> light_;
+    std::array<std::array<Light, 256>, kInks> light_;
     std::vector<uint8_t> shown_;  // by light, in equal steps
 };
 

@@ -29,21 +29,21 @@ std::string PixelsAndMm(uint32_t pixels, uint32_t dpi) {
 }
 
 // The mean amount of every ink over the image, from 0 to 1.
-std::array<double, kInkCount> InkShares(const PrintFile& file, const PrintedPage& page,
-                                        const PagePlacement& placement) {
+std::array<double, kInks> InkShares(const PrintFile& file, const PrintedPage& page,
+                                    const PagePlacement& placement) {
     const InkModel model(file.dpi);
     const BlockArea area = ImageArea(placement);
-    std::array<std::array<uint64_t, 256>, kInkCount> counts{};
+    std::array<std::array<uint64_t, 256>, kInks> counts{};
     RowReader reader(page);
     for (uint32_t row = 0; row < area.top + area.rows; ++row) {
         const std::span<const uint32_t> inkValues = reader.Next();
         if (row < area.top) continue;
         for (const uint32_t value : inkValues.subspan(area.left, area.width)) {
-            for (int ink = 0; ink < kInkCount; ++ink) ++counts[ink][InkAmount(value, ink)];
+            for (int ink = 0; ink < kInks; ++ink) ++counts[ink][InkAmount(value, ink)];
         }
     }
-    std::array<double, kInkCount> shares{};
-    for (int ink = 0; ink < kInkCount; ++ink) {
+    std::array<double, kInks> shares{};
+    for (int ink = 0; ink < kInks; ++ink) {
         for (int amount = 0; amount < 256; ++amount) {
             shares[ink] +=
                 static_cast<double>(counts[ink][amount]) * model.Share(static_cast<uint8_t>(amount));
@@ -54,9 +54,9 @@ std::array<double, kInkCount> InkShares(const PrintFile& file, const PrintedPage
 }
 
 std::string InkText(const PrintFile& file, const PrintedPage& page, const PagePlacement& placement) {
-    const std::array<double, kInkCount> shares = InkShares(file, page, placement);
+    const std::array<double, kInks> shares = InkShares(file, page, placement);
     std::string text;
-    for (int ink = 0; ink < kInkCount; ++ink) {
+    for (int ink = 0; ink < kInks; ++ink) {
         text += (ink == 0 ? "" : "  ") + std::string(1, kInkLetters[ink]) + " " +
                 DecimalText(100 * shares[ink], 1) + " %";
     }

@@ -69,7 +69,7 @@ class Viewing {
         };
         const std::string name = Prefix() + "-page" + std::to_string(page.number);
         WritePicture(turned(DrawComposite(file_, page, area, scale)), scale, name + ".png");
-        for (int ink = 0; options_.inks && ink < kInkCount; ++ink) {
+        for (int ink = 0; options_.inks && ink < kInks; ++ink) {
             WritePicture(turned(DrawInk(file_, page, area, scale, ink)), scale,
                          name + "-" + kInkLetters[ink] + ".png");
         }

@@ -86,10 +86,10 @@ TEST(InkModel, FollowsItsDefinitionForAllAmounts) {
 
 TEST(InkModel, OneInkAloneShowsItsAmount) {
     const InkModel model(300);
-    EXPECT_EQ(model.Grey(0x04030201, kBlack), 254);
-    EXPECT_EQ(model.Grey(0x04030201, kCyan), 253);
-    EXPECT_EQ(model.Grey(0x04030201, kMagenta), 252);
-    EXPECT_EQ(model.Grey(0x04030201, kYellow), 251);
-    EXPECT_EQ(InkModel(600).Grey(0x00000033, kBlack), 153);
-    EXPECT_EQ(InkModel(600).Grey(0x00000080, kBlack), 0);
+    EXPECT_EQ(model.Grey(0x04030201, kBlackInk), 254);
+    EXPECT_EQ(model.Grey(0x04030201, kCyanInk), 253);
+    EXPECT_EQ(model.Grey(0x04030201, kMagentaInk), 252);
+    EXPECT_EQ(model.Grey(0x04030201, kYellowInk), 251);
+    EXPECT_EQ(InkModel(600).Grey(0x00000033, kBlackInk), 153);
+    EXPECT_EQ(InkModel(600).Grey(0x00000080, kBlackInk), 0);
 }

@@ -31,7 +31,7 @@ std::vector<int> Amounts(const Picture& ink) {
 }
 
 Picture DrawBlack(const PrintFile& file, const BlockArea& area, uint32_t scale = 1) {
-    return DrawInk(file, file.pages[0], area, scale, kBlack);
+    return DrawInk(file, file.pages[0], area, scale, kBlackInk);
 }
 
 const Rgb kSolidBlack = InkModel(300).OnPaper(0x000000FF);
@@ -84,10 +84,10 @@ TEST(PagePictures, CompositeAndInksShowTheSameRows) {
     EXPECT_EQ(PixelAt(composite, 0, 0), kPaperWhite);
     EXPECT_NE(PixelAt(composite, 1, 0), PixelAt(composite, 2, 0));
     using Samples = std::vector<uint8_t>;
-    EXPECT_EQ(DrawInk(file, file.pages[0], area, 1, kBlack).samples, Samples({255, 255, 255, 255, 0, 254}));
-    EXPECT_EQ(DrawInk(file, file.pages[0], area, 1, kCyan).samples, Samples({255, 255, 255, 0, 255, 253}));
-    EXPECT_EQ(DrawInk(file, file.pages[0], area, 1, kMagenta).samples, Samples({255, 255, 0, 255, 255, 252}));
-    EXPECT_EQ(DrawInk(file, file.pages[0], area, 1, kYellow).samples, Samples({255, 0, 255, 255, 255, 251}));
+    EXPECT_EQ(DrawInk(file, file.pages[0], area, 1, kBlackInk).samples, Samples({255, 255, 255, 255, 0, 254}));
+    EXPECT_EQ(DrawInk(file, file.pages[0], area, 1, kCyanInk).samples, Samples({255, 255, 255, 0, 255, 253}));
+    EXPECT_EQ(DrawInk(file, file.pages[0], area, 1, kMagentaInk).samples, Samples({255, 255, 0, 255, 255, 252}));
+    EXPECT_EQ(DrawInk(file, file.pages[0], area, 1, kYellowInk).samples, Samples({255, 0, 255, 255, 255, 251}));
 }
 
 TEST(PagePictures, PixelsAreTakenTogether) {
