@@ -44,14 +44,17 @@ function(orvex_room name)
     endif()
 endfunction()
 
+# Most of a build's time goes into the tests; they need to be compiled fast, not to run fast.
+set(ORVEX_TEST_OPTIONS -O1 -g1)
+
 # orvex_test(ROOM LIBRARY...): tests/ROOM/*.cpp as the GoogleTest program ROOM_tests, run by ctest in both builds.
 function(orvex_test room)
     file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/${room}/*.cpp)
     if(sources)
         add_executable(${room}_tests ${sources})
         target_link_libraries(${room}_tests PRIVATE ${ARGN} orvex_testing)
-        # Most of a build's time goes into the tests; they need to be compiled fast, not to run fast.
-        target_compile_options(${room}_tests PRIVATE -O1 -g1)
+        target_compile_options(${room}_tests PRIVATE ${ORVEX_TEST_OPTIONS})
+        target_precompile_headers(${room}_tests REUSE_FROM orvex_testing)
         add_test(NAME ${room}_tests COMMAND ${room}_tests)
         if("orvex_host" IN_LIST ARGN)
             # These load the driver and the engine's library, and the driver's log is one for the machine.
