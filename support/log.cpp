@@ -1,13 +1,14 @@
 #include "support/log.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstdio>
 #include <cstring>
 #include <string_view>
 
 #include "support/module.h"
 
-uint32_t logMask = 0;
+std::atomic<uint32_t> logMask = 0;
 
 namespace {
 
@@ -18,20 +19,41 @@ constexpr DWORD kMutexWaitMs = 100;
 constexpr LONGLONG kMaxLogBytes = 0x6400000;
 constexpr size_t kExtensionLetters = 3;
 
-// The two paths are worked out on first use and kept for the life of the process.
+// The two paths are worked out on first use and kept for the life of the process. Threads that come at once
+// may all work one out; the first keeps its own.
+using KeptPath = std::atomic<char*>;
+
+const char* Keep(KeptPath& kept, HeapArray<char> path) {
+    char* earlier = nullptr;
+    return kept.compare_exchange_strong(earlier, path.get()) ? path.release() : earlier;
+}
+
 const char* LogPath() {
-    static char* path = nullptr;
-    if (path == nullptr) path = GetLogPath().release();
-    return path;
+    static KeptPath kept;
+    const char* path = kept;
+    return path != nullptr ? path : Keep(kept, GetLogPath());
 }
 
 const char* ControlFilePath() {
-    static char* path = nullptr;
-    if (path == nullptr) {
-        path = GetLogPath().release();
-        if (path != nullptr) memcpy(path + strlen(path) - kExtensionLetters, "dat", kExtensionLetters);
-    }
-    return path;
+    static KeptPath kept;
+    if (const char* path = kept) return path;
+    HeapArray<char> path = GetLogPath();
+    if (path) memcpy(path.get() + strlen(path.get()) - kExtensionLetters, "dat", kExtensionLetters);
+    return Keep(kept, std::move(path));
+}
+
+// The number that the control file holds; 0 when there is none.
+uint32_t ReadLogMask() {
+    const char* path = ControlFilePath();
+    if (path == nullptr) return 0;
+    OwnedHandle file(CreateFileA(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                 OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    if (!file) return 0;
+    char text[64] = {};
+    DWORD length = 0;
+    if (!ReadFile(file.Get(), text, sizeof text - 1, &length, nullptr)) return 0;
+    int mask = 0;
+    return sscanf(text, "%d", &mask) == 1 ? static_cast<uint32_t>(mask) : 0;
 }
 
 // Opens the log for appending, at its end. A link planted in its place is opened itself, not followed.
@@ -126,18 +148,9 @@ void WriteLine(HANDLE file, const SYSTEMTIME& time, LogLevel level, const char* 
 
 }  // namespace
 
+// The old mask stays in force until the new one is known, so that other threads' lines go on meanwhile.
 void LoadLogMask() {
-    logMask = 0;
-    const char* path = ControlFilePath();
-    if (path == nullptr) return;
-    OwnedHandle file(CreateFileA(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                                 OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
-    if (!file) return;
-    char text[64] = {};
-    DWORD length = 0;
-    if (!ReadFile(file.Get(), text, sizeof text - 1, &length, nullptr)) return;
-    int mask = 0;
-    if (sscanf(text, "%d", &mask) == 1) logMask = static_cast<uint32_t>(mask);
+    logMask = ReadLogMask();
 }
 
 HeapArray<char> GetLogPath() {

@@ -5,6 +5,7 @@
 // mask as a decimal number. A log past 100 MiB becomes backup orvexgdi.1.txt, and older backups move up to 9.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 
 #include "support/heap.h"
@@ -16,7 +17,7 @@ constexpr uint32_t kLogMaskErrors = 1;  // lines of the levels Error and Info
 constexpr uint32_t kLogMaskTrace = 2;   // lines of the level Trace
 
 // Which lines are wanted. Call sites test it before they call the writer; the writer does not look at it.
-extern uint32_t logMask;
+extern std::atomic<uint32_t> logMask;
 
 // Sets logMask from the control file: 0 when that is missing or holds no decimal number.
 void LoadLogMask();

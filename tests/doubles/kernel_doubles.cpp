@@ -2,61 +2,16 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
-#include <atomic>
 #include <chrono>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
-#include <map>
-#include <memory>
-#include <mutex>
-#include <thread>
 
 #include "tests/doubles/double.h"
 
 namespace {
 
 thread_local DWORD lastError = ERROR_SUCCESS;
-
-// A named mutex of this process. As on Windows it lives until its last handle is closed, and stays owned by a
-// thread that closed its handle without a release while others hold theirs.
-class NamedMutex {
-  public:
-    bool Acquire(std::chrono::milliseconds wait) {
-        if (!mutex_.try_lock_for(wait)) return false;
-        owner_ = std::this_thread::get_id();
-        ++depth_;
-        return true;
-    }
-
-    bool Release() {
-        if (owner_ != std::this_thread::get_id()) return false;
-        if (--depth_ == 0) owner_ = std::thread::id();
-        mutex_.unlock();
-        return true;
-    }
-
-  private:
-    std::recursive_timed_mutex mutex_;
-    std::atomic<std::thread::id> owner_;
-    int depth_ = 0;
-};
-
-class MutexHandle final : public doubles::KernelObject {
-  public:
-    explicit MutexHandle(std::shared_ptr<NamedMutex> mutex) : named(std::move(mutex)) {}
-    std::shared_ptr<NamedMutex> named;
-};
-
-std::shared_ptr<NamedMutex> OpenNamedMutex(const char* name) {
-    static std::mutex guard;
-    static std::map<std::string, std::weak_ptr<NamedMutex>> mutexes;
-    const std::lock_guard lock(guard);
-    std::shared_ptr<NamedMutex> found = mutexes[name].lock();
-    lastError = found ? ERROR_ALREADY_EXISTS : ERROR_SUCCESS;
-    if (!found) mutexes[name] = found = std::make_shared<NamedMutex>();
-    return found;
-}
 
 // Copies text with its terminator when it fits; returns the length without it, or the size needed.
 template <typename Character, typename Text>
@@ -148,32 +103,6 @@ DOUBLE(void, GetSystemTime, (LPSYSTEMTIME time), (time)) {
 
 DOUBLE(DWORD, GetCurrentThreadId, (), ()) {
     return static_cast<DWORD>(syscall(SYS_gettid));
-}
-
-DOUBLE(HANDLE, CreateMutexA, (LPSECURITY_ATTRIBUTES attributes, BOOL owned, LPCSTR name),
-       (attributes, owned, name)) {
-    (void)attributes, (void)owned;
-    return doubles::OpenHandle(new MutexHandle(OpenNamedMutex(name)));
-}
-
-DOUBLE(DWORD, WaitForSingleObject, (HANDLE handle, DWORD milliseconds), (handle, milliseconds)) {
-    auto* mutex = dynamic_cast<MutexHandle*>(doubles::FindObject(handle));
-    if (mutex == nullptr) {
-        SetLastError(ERROR_INVALID_HANDLE);
-        return WAIT_FAILED;
-    }
-    return mutex->named->Acquire(std::chrono::milliseconds(milliseconds)) ? WAIT_OBJECT_0 : WAIT_TIMEOUT;
-}
-
-DOUBLE(BOOL, ReleaseMutex, (HANDLE handle), (handle)) {
-    auto* mutex = dynamic_cast<MutexHandle*>(doubles::FindObject(handle));
-    if (mutex == nullptr) {
-        SetLastError(ERROR_INVALID_HANDLE);
-        return FALSE;
-    }
-    if (mutex->named->Release()) return TRUE;
-    SetLastError(ERROR_NOT_OWNER);
-    return FALSE;
 }
 
 // The native build's narrow code page is UTF-8.

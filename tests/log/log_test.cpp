@@ -114,6 +114,28 @@ TEST(LogMask, IsZeroWithoutAControlFileAndNoLogIsEverMade) {
     EXPECT_FALSE(fs::exists(LogFile()));
 }
 
+namespace {
+
+// What a read of the control file found in force.
+uint32_t maskInForce = 0;
+void* readFile = nullptr;
+BOOL WINAPI NoteMaskAndRead(HANDLE file, LPVOID buffer, DWORD size, LPDWORD read, LPOVERLAPPED overlapped) {
+    maskInForce = logMask;
+    return reinterpret_cast<decltype(&ReadFile)>(readFile)(file, buffer, size, read, overlapped);
+}
+
+}  // namespace
+
+TEST(LogMask, StaysInForceWhileItIsReadAnew) {
+    const LogCapture log(3);
+    WriteBytes(LogControlFile(), "1");
+    const ImportPatch patch(nullptr, "ReadFile", reinterpret_cast<void*>(&NoteMaskAndRead));
+    readFile = patch.Original();
+    LoadLogMask();
+    EXPECT_EQ(maskInForce, 3u);  // a thread that prints meanwhile loses no line
+    EXPECT_EQ(logMask, 1u);
+}
+
 TEST(LogMask, BitZeroShowsErrorsAndInformationOnly) {
     LogCapture log(1);
     LogError("error");
@@ -214,6 +236,18 @@ TEST(LogWriter, DropsTheLineWhenAnotherThreadHoldsTheMutex) {
     CloseHandle(mutex);
     std::thread(WriteOneLine).join();
     EXPECT_THAT(log.TakeLines(), ElementsAre("[Error] line"));
+}
+
+TEST(LogWriter, DropsOneLineAfterAThreadThatEndedWithTheMutexAndGoesOn) {
+    LogCapture log;
+    std::string name = LogPathText();
+    std::replace(name.begin(), name.end(), '\\', '/');
+    const HANDLE mutex = CreateMutexA(nullptr, FALSE, name.c_str());
+    std::thread([mutex] { EXPECT_EQ(WaitForSingleObject(mutex, 0), WAIT_OBJECT_0); }).join();
+    LogInfo("dropped");
+    LogInfo("written");
+    EXPECT_THAT(log.TakeLines(), ElementsAre("[Info]  written"));
+    EXPECT_TRUE(CloseHandle(mutex));
 }
 
 namespace {
