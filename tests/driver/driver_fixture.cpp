@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "tests/color/profile_bytes.h"
+#include "tests/driver/test_mode.h"
 
 uint32_t ProfileColor(uint32_t color, bool at600Dpi) {
     return color == 0xFFFFFF ? 0 : (color ^ (at600Dpi ? 0x5A000000u : 0x3C000000u)) & 0x7FFFFFFF;
@@ -15,29 +16,7 @@ DriverTest::DriverTest() {
 }
 
 DeviceMode DriverTest::Mode() {
-    DeviceMode mode = {};
-    mode.pub.dmSpecVersion = mode.pub.dmDriverVersion = kDevModeVersion;
-    mode.pub.dmSize = sizeof mode.pub;
-    mode.pub.dmDriverExtra = sizeof mode.priv;
-    mode.pub.dmFields = DM_ORIENTATION | DM_PAPERSIZE | DM_PAPERLENGTH | DM_PAPERWIDTH | DM_COPIES |
-                        DM_PRINTQUALITY | DM_COLLATE | DM_FORMNAME;
-    mode.pub.dmOrientation = DMORIENT_PORTRAIT;
-    mode.pub.dmPaperSize = kPaperCustom;
-    mode.pub.dmPaperWidth = 300;
-    mode.pub.dmPaperLength = 400;
-    mode.pub.dmPrintQuality = 300;
-    mode.pub.dmCopies = 1;
-    mode.priv.signature = kPrivateSignature;
-    mode.priv.printSetting = 1;
-    mode.priv.copies = 1;
-    mode.priv.chunksize = 500;
-    mode.priv.alignment = 1;
-    mode.priv.purgeDots = 1;
-    mode.priv.purgeGap = 5;
-    mode.priv.dmPaperSize = kPaperDefault;
-    mode.priv.units = kUnitsInches;
-    for (size_t i = 0; i < strlen(kProfile); ++i) mode.priv.colorProfile[i] = static_cast<WCHAR>(kProfile[i]);
-    return mode;
+    return ValidTestMode(kProfile);
 }
 
 std::vector<uint8_t> DriverTest::Bytes(const DeviceMode& mode) {

@@ -39,7 +39,11 @@ struct RecordingEntryPoints {
         return Checked("RasterBlockStart", job);
     }
     static uint32_t HPCRLIB_CALL Row(uint64_t job, const uint32_t* row) {
-        current->rows.emplace_back(row, row + current->rowWidth_);
+        if (current->onRow) {
+            current->onRow({row, current->rowWidth_});
+        } else {
+            current->rows.emplace_back(row, row + current->rowWidth_);
+        }
         return Checked("RasterRow", job);
     }
     static uint32_t HPCRLIB_CALL BlockEnd(uint64_t job) { return Noted("RasterBlockEnd", job); }

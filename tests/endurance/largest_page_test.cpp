@@ -1,0 +1,157 @@
+// The largest page that a device mode can ask for, 297.0 x 901.7 mm at 600 dpi, through DrvSendPage.
+
+#include <algorithm>
+#include <cstring>
+#include <iostream>
+
+#include "driver/device_instance.h"
+#include "tests/driver/driver_fixture.h"
+#include "tests/endurance/marked_page.h"
+#include "tests/endurance/process_figures.h"
+#include "tests/support/picture.h"
+
+namespace {
+
+constexpr int16_t kWidestTenthsMm = 2970;
+constexpr int16_t kLongestTenthsMm = 9017;
+constexpr int32_t kAcrossPx = 7016;
+constexpr int32_t kAlongPx = 21300;
+
+// The row that a portrait page's band holds 64 of, and the rows that may stand beside the band.
+constexpr size_t kRowBytes = size_t{kAlongPx} * 4;
+constexpr size_t kRowsOfMemory = 64 + 32;
+
+constexpr int32_t kRowsAMeasure = 1000;
+
+struct PageTurn {
+    bool rotate180;
+    bool mirrorImage;
+};
+constexpr PageTurn kTurns[] = {{false, false}, {false, true}, {true, false}, {true, true}};
+
+// Where each row of a page reads its pixels.
+struct RowPlace {
+    bool alongLine;  // the row is a scan line, else a column
+    int32_t index;   // of the line or column
+    bool backwards;
+};
+
+class LargestPage : public DriverTest {
+  protected:
+    static DeviceMode LargestMode(bool landscape) {
+        DeviceMode mode = Mode();
+        mode.pub.dmOrientation = landscape ? DMORIENT_LANDSCAPE : DMORIENT_PORTRAIT;
+        mode.pub.dmPaperWidth = kWidestTenthsMm;
+        mode.pub.dmPaperLength = kLongestTenthsMm;
+        mode.pub.dmPrintQuality = 600;
+        return mode;
+    }
+
+    static RowPlace PlaceOf(bool landscape, PageTurn turn, int32_t row) {
+        const int32_t last = kAcrossPx - 1;
+        if (landscape) return {true, turn.rotate180 ? last - row : row, turn.rotate180 != turn.mirrorImage};
+        // Rotated and mirrored, the page is shifted by a column.
+        const int32_t column = turn.rotate180 ? (turn.mirrorImage ? last + 1 - row : row)
+                                              : (turn.mirrorImage ? row : last - row);
+        return {false, column, turn.rotate180};
+    }
+
+    // The inks of a row. Their memory serves row after row, so that the test adds nothing to the page's.
+    class ExpectedRow {
+      public:
+        explicit ExpectedRow(const MarkedPage& page) : page_(page) {}
+
+        const std::vector<uint32_t>& Inks(RowPlace place) {
+            Clear();
+            // The column behind the last one continues into the next scan line's first pixel.
+            const bool behindLast = !place.alongLine && place.index == page_.width;
+            const int32_t index = behindLast ? 0 : place.index;
+            place.alongLine ? page_.MarksOfLine(index, marks_) : page_.MarksOfColumn(index, marks_);
+            for (const int32_t mark : marks_) {
+                const uint32_t color = place.alongLine ? page_.Color(mark, index) : page_.Color(index, mark);
+                const int32_t at = behindLast ? mark - 1 : mark;
+                if (at >= 0) Set(place.backwards ? kAlongPx - 1 - at : at, ProfileColor(color, true));
+            }
+            if (inks_[0] == 0 && first_) Set(0, 2);  // the first-row marker
+            first_ = false;
+            return inks_;
+        }
+
+      private:
+        void Set(int32_t i, uint32_t ink) {
+            inks_[static_cast<size_t>(i)] = ink;
+            set_.push_back(i);
+        }
+        void Clear() {
+            for (const int32_t i : set_) inks_[static_cast<size_t>(i)] = 0;
+            set_.clear();
+        }
+
+        const MarkedPage& page_;
+        bool first_ = true;
+        std::vector<uint32_t> inks_ = std::vector<uint32_t>(static_cast<size_t>(kAlongPx));
+        std::vector<int32_t> marks_ = std::vector<int32_t>(static_cast<size_t>(kAlongPx));
+        std::vector<int32_t> set_ = std::vector<int32_t>(static_cast<size_t>(kAlongPx));
+    };
+
+    // Sends the page once more, turned as asked, and checks every row of it. The settings are changed in the
+    // instance itself, so that one bitmap serves all turns. Returns the memory that the page took.
+    size_t Send(Device& device, const MarkedPage& page, bool landscape, PageTurn turn) {
+        PrivateDevMode& settings = reinterpret_cast<PDEV*>(device.Instance())->devmode.priv;
+        settings.rotate180 = turn.rotate180;
+        settings.mirrorImage = turn.mirrorImage;
+
+        ExpectedRow expected(page);
+        int32_t rows = 0, wrong = 0;
+        ForgetPeak();
+        const ProcessFigures before = MeasureProcess();
+        size_t most = 0;
+        engine.onRow = [&](std::span<const uint32_t> row) {
+            if (rows % kRowsAMeasure == 0) most = std::max(most, MeasureProcess().residentBytes);
+            const std::vector<uint32_t>& inks = expected.Inks(PlaceOf(landscape, turn, rows));
+            const bool same = row.size() == inks.size() && memcmp(row.data(), inks.data(), kRowBytes) == 0;
+            if (!same && wrong++ == 0) ADD_FAILURE() << "row " << rows << " is the first that is wrong";
+            ++rows;
+        };
+        EXPECT_TRUE(Session().SendPage(device));
+        engine.onRow = nullptr;
+        EXPECT_EQ(rows, kAcrossPx);
+        EXPECT_EQ(wrong, 0);
+#ifndef _WIN32
+        most = std::max(most, MeasureProcess().peakResidentBytes);
+#endif
+        return most - std::min(most, before.residentBytes);
+    }
+
+    void SendInEveryTurn(bool landscape) {
+        const std::unique_ptr<Device> device = StartPage(LargestMode(landscape));
+        SURFOBJ& surface = *device->Surface();
+        const MarkedPage page(landscape ? kAlongPx : kAcrossPx, landscape ? kAcrossPx : kAlongPx);
+        ASSERT_EQ(surface.sizlBitmap.cx, page.width);
+        ASSERT_EQ(surface.sizlBitmap.cy, page.height);
+        ASSERT_EQ(surface.cjBits, 597763200u);
+        page.Draw(surface);
+        size_t most = 0;
+        for (const PageTurn turn : kTurns) {
+            SCOPED_TRACE(testing::Message()
+                         << "rotate180 " << turn.rotate180 << " mirror " << turn.mirrorImage);
+            const size_t grown = Send(*device, page, landscape, turn);
+            EXPECT_LT(grown, kRowsOfMemory * kRowBytes);
+            most = std::max(most, grown);
+        }
+        EXPECT_TRUE(device->Intact());
+        EXPECT_TRUE(Session().EndDoc(*device));
+        std::cout << "largest page, " << (landscape ? "landscape" : "portrait") << ": bitmap "
+                  << surface.cjBits / 1024 << " KiB, DrvSendPage adds at most " << most / 1024 << " KiB\n";
+    }
+};
+
+}  // namespace
+
+TEST_F(LargestPage, PrintsEachPortraitRowInEveryTurnWithinTheMemoryOfItsBand) {
+    SendInEveryTurn(false);
+}
+
+TEST_F(LargestPage, PrintsEachLandscapeRowInEveryTurnWithinTheMemoryOfARow) {
+    SendInEveryTurn(true);
+}

@@ -1,0 +1,86 @@
+#include "tests/endurance/log_text.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <fstream>
+#include <sstream>
+
+#include "support/platform.h"
+#include "tests/endurance/helper/log_writers.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr uint32_t kShortLine = 64;  // longer than the numbers of any line, shorter than a long one
+
+// The line's time, thread and level give way: "[...] [TID: n] [Info]  text". Empty when they are not there.
+std::string TextOf(const std::string& line) {
+    int year, month, day, hour, minute, second, millisecond, behind = 0;
+    unsigned thread;
+    if (sscanf(line.c_str(), "[%4d-%2d-%2d %2d:%2d:%2d.%3d] [TID: %u] [Info]%n", &year, &month, &day, &hour,
+               &minute, &second, &millisecond, &thread, &behind) != 8 ||
+        line.compare(static_cast<size_t>(behind), 2, "  ") != 0) {
+        return {};
+    }
+    return line.substr(static_cast<size_t>(behind) + 2);
+}
+
+bool ReadTurn(const std::string& text, Turn& turn) {
+    const std::string start = text.substr(0, kShortLine);
+    if (sscanf(start.c_str(), "yCoord %u<-%u", &turn.writer, &turn.number) != 2 &&
+        sscanf(start.c_str(), "writer %u line %u ", &turn.writer, &turn.number) != 2) {
+        return false;
+    }
+    return text == WriterText(turn);
+}
+
+}  // namespace
+
+void GrowPastLimit(const fs::path& log) {
+#ifdef _WIN32
+    // Whoever rotates the log meanwhile must not be hindered.
+    const HANDLE file =
+        CreateFileW(log.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                    nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (file == INVALID_HANDLE_VALUE) throw std::runtime_error("the log can't be grown");
+    LARGE_INTEGER size;
+    size.QuadPart = kMaxLogBytes + 1;
+    const bool grown = SetFilePointerEx(file, size, nullptr, FILE_BEGIN) && SetEndOfFile(file);
+    CloseHandle(file);
+    if (!grown) throw std::runtime_error("the log can't be grown");
+#else
+    fs::resize_file(log, kMaxLogBytes + 1);
+#endif
+}
+
+std::string ReadGrownLog(const fs::path& log) {
+    std::ifstream file(log, std::ios::binary);
+    std::string text;
+    std::string chunk(1 << 18, '\0');
+    bool beyondHole = false;
+    while (file.read(chunk.data(), static_cast<std::streamsize>(chunk.size())) || file.gcount() > 0) {
+        const auto end = chunk.begin() + file.gcount();
+        const size_t before = text.size();
+        std::copy_if(chunk.begin(), end, std::back_inserter(text), [](char each) { return each != '\0'; });
+        if (text.size() > before || beyondHole || !file) continue;
+        file.seekg(static_cast<std::streamoff>(kMaxLogBytes));
+        beyondHole = true;
+    }
+    return text;
+}
+
+std::vector<Turn> ReadTurns(std::string_view text, std::vector<std::string>& strangers) {
+    std::vector<Turn> turns;
+    std::istringstream lines{std::string(text)};
+    for (std::string line; std::getline(lines, line);) {
+        Turn turn = {};
+        if (ReadTurn(TextOf(line), turn)) {
+            turns.push_back(turn);
+        } else {
+            strangers.push_back(line);
+        }
+    }
+    if (!text.empty() && text.back() != '\n') strangers.push_back("the last line has no end");
+    return turns;
+}
