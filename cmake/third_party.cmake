@@ -3,10 +3,12 @@
 # LodePNG: the npm package of that name carries the upstream sources unaltered.
 set(lodepng_source ${CMAKE_SOURCE_DIR}/build/third_party/lodepng)
 execute_process(COMMAND ${CMAKE_SOURCE_DIR}/scripts/fetch-lodepng ${lodepng_source} COMMAND_ERROR_IS_FATAL ANY)
-# Its header declares C++ functions when C++ includes it.
+# Its header declares C++ functions when C++ includes it. Those that take C++ containers stay out: their exceptions
+# would bring locks and memory of the C++ runtime into the driver, which outlive its unloading.
 set_source_files_properties(${lodepng_source}/lodepng.c PROPERTIES LANGUAGE CXX)
 add_library(lodepng STATIC ${lodepng_source}/lodepng.c)
 target_include_directories(lodepng SYSTEM PUBLIC ${lodepng_source})
+target_compile_definitions(lodepng PUBLIC LODEPNG_NO_COMPILE_CPP)
 target_compile_options(lodepng PRIVATE -w)
 
 # Header-only libraries, offered through a folder of their own: the whole of the system's include folder would break

@@ -1,5 +1,7 @@
 // The library's entry, and the table of the hooks that it offers to the graphics engine.
 
+#include <iterator>
+
 #include "support/log.h"
 #include "support/module.h"
 #include "support/platform.h"
@@ -9,27 +11,18 @@ namespace {
 constexpr ULONG kLowestEngineVersion = 0x30000;
 constexpr ULONG kDriverVersion = 0x30000;
 
-template <typename Hook>
-PFN AsHook(Hook hook) {
-    return reinterpret_cast<PFN>(reinterpret_cast<void*>(hook));
-}
+#define HOOK(name) \
+    { INDEX_##name, reinterpret_cast<PFN>(reinterpret_cast<void*>(&name)) }
 
-const DRVFN* HookTable(ULONG* count) {
-    static const DRVFN table[] = {
-        {INDEX_DrvEnablePDEV, AsHook(&DrvEnablePDEV)},
-        {INDEX_DrvResetPDEV, AsHook(&DrvResetPDEV)},
-        {INDEX_DrvCompletePDEV, AsHook(&DrvCompletePDEV)},
-        {INDEX_DrvDisablePDEV, AsHook(&DrvDisablePDEV)},
-        {INDEX_DrvEnableSurface, AsHook(&DrvEnableSurface)},
-        {INDEX_DrvDisableSurface, AsHook(&DrvDisableSurface)},
-        {INDEX_DrvStartPage, AsHook(&DrvStartPage)},
-        {INDEX_DrvSendPage, AsHook(&DrvSendPage)},
-        {INDEX_DrvStartDoc, AsHook(&DrvStartDoc)},
-        {INDEX_DrvEndDoc, AsHook(&DrvEndDoc)},
-    };
-    *count = static_cast<ULONG>(sizeof table / sizeof table[0]);
-    return table;
-}
+// A constant, made without code: one that is filled on first use is guarded by a lock of the C++ runtime,
+// which leaves a handle in the spooler each time that the driver is unloaded.
+const DRVFN kHookTable[] = {
+    HOOK(DrvEnablePDEV),    HOOK(DrvResetPDEV),      HOOK(DrvCompletePDEV), HOOK(DrvDisablePDEV),
+    HOOK(DrvEnableSurface), HOOK(DrvDisableSurface), HOOK(DrvStartPage),    HOOK(DrvSendPage),
+    HOOK(DrvStartDoc),      HOOK(DrvEndDoc),
+};
+
+#undef HOOK
 
 }  // namespace
 
@@ -42,7 +35,8 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE hinstDLL, DWORD fdwReason, LPVOID lpRes
 extern "C" BOOL APIENTRY DrvEnableDriver(ULONG iEngineVersion, ULONG cj, DRVENABLEDATA* pded) {
     if (iEngineVersion < kLowestEngineVersion || cj < sizeof(DRVENABLEDATA)) return FALSE;
     pded->iDriverVersion = kDriverVersion;
-    pded->pdrvfn = const_cast<DRVFN*>(HookTable(&pded->c));
+    pded->c = static_cast<ULONG>(std::size(kHookTable));
+    pded->pdrvfn = const_cast<DRVFN*>(kHookTable);
     return TRUE;
 }
 

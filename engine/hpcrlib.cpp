@@ -15,7 +15,21 @@
 #define HPCRLIB_EXPORT __attribute__((visibility("default")))
 #endif
 
+#ifdef _WIN32
+namespace __gnu_cxx {
+void __freeres();
+}
+#endif
+
 namespace {
+
+#ifdef _WIN32
+// The library has a C++ runtime of its own, whose reserve of memory for exceptions would outlive it, once for
+// each job that the driver loads it for.
+struct RuntimeReserve {
+    ~RuntimeReserve() { __gnu_cxx::__freeres(); }
+} runtimeReserve;
+#endif
 
 constexpr uint32_t kSuccess = 1;
 constexpr uint32_t kFailure = 0;
@@ -33,10 +47,9 @@ struct JobTable {
     uint64_t lastHandle = 0;
 };
 
-JobTable& Jobs() {
-    static JobTable table;
-    return table;
-}
+// Not a static of a function: the lock that guards its first use would leave handles behind each time that
+// the driver, which loads the library for each job, unloads it again.
+JobTable jobTable;
 
 enum class Afterwards { kKeep, kRemove };
 
@@ -45,17 +58,17 @@ enum class Afterwards { kKeep, kRemove };
 class JobInCall {
   public:
     JobInCall(uint64_t handle, Afterwards afterwards) : handle_(handle), afterwards_(afterwards) {
-        const std::lock_guard guard(Jobs().lock);
-        const auto found = Jobs().jobs.find(handle);
-        if (found == Jobs().jobs.end() || found->second.inCall) return;
+        const std::lock_guard guard(jobTable.lock);
+        const auto found = jobTable.jobs.find(handle);
+        if (found == jobTable.jobs.end() || found->second.inCall) return;
         entry_ = &found->second;
         entry_->inCall = true;
     }
     ~JobInCall() {
         if (!entry_) return;
-        const std::lock_guard guard(Jobs().lock);
+        const std::lock_guard guard(jobTable.lock);
         entry_->inCall = false;
-        if (afterwards_ == Afterwards::kRemove) Jobs().jobs.erase(handle_);
+        if (afterwards_ == Afterwards::kRemove) jobTable.jobs.erase(handle_);
     }
     JobInCall(const JobInCall&) = delete;
     JobInCall& operator=(const JobInCall&) = delete;
@@ -90,9 +103,9 @@ HPCRLIB_EXPORT uint64_t HPCRLIB_CALL HPCRLIB_JobStart(HPCRLIB_OutputCallback out
     if (!output || resolutionMode >= print_stream::kResolutionModes || reserved != 0) return 0;
     try {
         auto job = std::make_unique<EngineJob>(output, context, resolutionMode);
-        const std::lock_guard guard(Jobs().lock);
-        Jobs().jobs[++Jobs().lastHandle].job = std::move(job);
-        return Jobs().lastHandle;
+        const std::lock_guard guard(jobTable.lock);
+        jobTable.jobs[++jobTable.lastHandle].job = std::move(job);
+        return jobTable.lastHandle;
     } catch (...) {
         return 0;
     }

@@ -11,6 +11,13 @@ namespace {
 
 constexpr size_t kValueCapacity = 254;  // of flags and numbers, terminator included
 
+// The text behind its first `count` characters, which it has. substr() would bring the C++ runtime's
+// exceptions into the driver, and with them locks that leave handles behind when the driver is unloaded.
+std::string_view Behind(std::string_view text, size_t count) {
+    text.remove_prefix(count);
+    return text;
+}
+
 // Walks a file line by line through its file pointer.
 class LineReader {
   public:
@@ -27,7 +34,7 @@ class LineReader {
         const std::string_view piece(buffer_, read);
         size_t end = piece.find_first_of("\r\n");
         if (end == std::string_view::npos) end = read;
-        if (piece.substr(end).starts_with("\r\n")) ++end;
+        if (Behind(piece, end).starts_with("\r\n")) ++end;
         position_.QuadPart += static_cast<LONGLONG>(end) + 1;
         if (!SetFilePointerEx(file_, position_, nullptr, FILE_BEGIN)) return false;
         *line = {buffer_, TextLength(buffer_, piece.substr(0, end + 1).size())};
@@ -54,7 +61,7 @@ size_t FindValue(LineReader& lines, std::string_view section, std::string_view k
             continue;
         }
         if (!inSection || !line.starts_with(key)) continue;
-        const std::string_view value = line.substr(key.size());
+        const std::string_view value = Behind(line, key.size());
         if (value.empty()) continue;
         CopyText(out, capacity, value);
         if (value.size() < capacity - 1) return value.size();

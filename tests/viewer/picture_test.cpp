@@ -4,6 +4,7 @@
 #include <lodepng.h>
 
 #include "host/png_page.h"
+#include "support/heap.h"
 #include "viewer/comparison.h"
 #include "viewer/png_file.h"
 
@@ -101,14 +102,19 @@ TEST(PngFile, KeepsEveryPixelAndTheResolution) {
 
 TEST(PngFile, AGreyPictureIsAGreyFile) {
     const std::vector<uint8_t> png = EncodePng(MakePicture(2, 1, 1, {0, 200}), 300);
-    std::vector<unsigned char> pixels;
+    unsigned char* pixels = nullptr;
     unsigned width = 0;
     unsigned height = 0;
-    lodepng::State state;
+    LodePNGState state;
+    lodepng_state_init(&state);
     state.info_raw.colortype = LCT_GREY;
-    ASSERT_EQ(lodepng::decode(pixels, width, height, state, png), 0u);
+    const unsigned error = lodepng_decode(&pixels, &width, &height, &state, png.data(), png.size());
+    const HeapArray<unsigned char> owned(pixels);
     EXPECT_EQ(state.info_png.color.colortype, LCT_GREY);
-    EXPECT_EQ(pixels, Samples({0, 200}));
+    lodepng_state_cleanup(&state);
+    ASSERT_EQ(error, 0u);
+    ASSERT_EQ(width * height, 2u);
+    EXPECT_EQ(std::vector<uint8_t>(pixels, pixels + 2), Samples({0, 200}));
 }
 
 TEST(Comparison, TellsLargestAndMeanDifferencePerChannel) {
