@@ -19,6 +19,7 @@ namespace {
 
 constexpr int kBackups = 9;
 constexpr int kRotations = kBackups + 3;
+constexpr uint32_t kLinesARotation = 200;  // that the log takes at least between two rotations
 
 // The writers of all processes, and the threads of each of them that write at once.
 #ifdef _WIN32
@@ -65,6 +66,16 @@ class Writers {
     std::thread thread_;
 };
 
+// Waits for what other threads or processes do; false when they never do it.
+template <typename Condition>
+bool Becomes(Condition condition) {
+    for (int i = 0; i < 20000; ++i) {
+        if (condition()) return true;
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    return false;
+}
+
 // A driver's log with its backups, removed at the end.
 class RotatingLog {
   public:
@@ -79,22 +90,14 @@ class RotatingLog {
 
     // Lets the writers rotate the log; false when none of them does.
     bool Rotate() const {
-        if (!Becomes([](uintmax_t size) { return size > 0; })) return false;
         GrowPastLimit(log_);
-        return Becomes([](uintmax_t size) { return size <= kMaxLogBytes; });
+        return Becomes([this] {
+            std::error_code missing;
+            return fs::file_size(log_, missing) <= kMaxLogBytes && !missing;
+        });
     }
 
   private:
-    template <typename Condition>
-    bool Becomes(Condition condition) const {
-        for (int i = 0; i < 20000; ++i) {
-            std::error_code missing;
-            const uintmax_t size = fs::file_size(log_, missing);
-            if (!missing && condition(size)) return true;
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        }
-        return false;
-    }
     void RemoveBackups() const {
         for (int i = 0; i <= kBackups + 1; ++i) fs::remove(Backup(i));
     }
@@ -120,6 +123,8 @@ TEST(LogUnderLoad, LosesNoLineThatGotItsTurnAndMixesNoneWhileTheLogRotates) {
     {
         Writers writers(driver, *book, bookName);
         for (int i = 0; i < kRotations; ++i) {
+            const uint32_t enough = book->taken + kLinesARotation;
+            ASSERT_TRUE(Becomes([&] { return book->taken >= enough; }));
             ASSERT_TRUE(log.Rotate()) << "rotation " << i + 1;
             generations.push_back(ReadGrownLog(log.Backup(1)));
         }

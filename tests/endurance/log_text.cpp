@@ -4,8 +4,9 @@
 #include <cstdio>
 #include <fstream>
 #include <sstream>
+#include <stdexcept>
 
-#include "support/platform.h"
+#include "support/heap.h"
 #include "tests/endurance/helper/log_writers.h"
 
 namespace fs = std::filesystem;
@@ -38,19 +39,24 @@ bool ReadTurn(const std::string& text, Turn& turn) {
 }  // namespace
 
 void GrowPastLimit(const fs::path& log) {
+    // One byte is written far behind the end. Setting the file's size could cut off a line of that moment.
 #ifdef _WIN32
     // Whoever rotates the log meanwhile must not be hindered.
-    const HANDLE file =
-        CreateFileW(log.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                    nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (file == INVALID_HANDLE_VALUE) throw std::runtime_error("the log can't be grown");
-    LARGE_INTEGER size;
-    size.QuadPart = kMaxLogBytes + 1;
-    const bool grown = SetFilePointerEx(file, size, nullptr, FILE_BEGIN) && SetEndOfFile(file);
-    CloseHandle(file);
-    if (!grown) throw std::runtime_error("the log can't be grown");
+    const OwnedHandle file(CreateFileW(log.c_str(), GENERIC_WRITE,
+                                       FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                       OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    LARGE_INTEGER last;
+    last.QuadPart = kMaxLogBytes;
+    DWORD written = 0;
+    if (!file || !SetFilePointerEx(file.Get(), last, nullptr, FILE_BEGIN) ||
+        !WriteFile(file.Get(), "", 1, &written, nullptr)) {
+        throw std::runtime_error("the log can't be grown");
+    }
 #else
-    fs::resize_file(log, kMaxLogBytes + 1);
+    std::fstream file(log, std::ios::in | std::ios::out | std::ios::binary);
+    file.seekp(static_cast<std::streamoff>(kMaxLogBytes));
+    file.put('\0');
+    if (!file.flush()) throw std::runtime_error("the log can't be grown");
 #endif
 }
 

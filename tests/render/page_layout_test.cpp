@@ -313,3 +313,45 @@ TEST(PageLayout, WrapsAbsurdSizesWithoutTrapping) {
         }
     }
 }
+
+TEST(PageLayout, LaysOutTheLargestPage) {
+    PageLayoutInput input = Portrait600();
+    input.bitmapWidth = 7016;
+    input.bitmapHeight = 21300;
+    input.purgeBar = 2;
+    input.purgeDots = 10;
+    input.purgeGap = 15;
+    input.phHOffset = -1000;
+    PageLayout layout = ComputePageLayout(input);
+    EXPECT_EQ(layout.imageWidth, 21300);
+    EXPECT_EQ(layout.rowWidth, 21300 + 10 + 23 * 15);
+    EXPECT_EQ(layout.rows, 7016);
+    EXPECT_EQ(layout.imageWUnits, 12 * 21655);
+    EXPECT_EQ(layout.pageWUnits, 12 * 21655 + 2400);
+    EXPECT_EQ(layout.pageHUnits, 12 * 7016 + 2400);
+    EXPECT_EQ(layout.pageLengthUnits, 86616);
+    EXPECT_EQ(layout.placed.topOff, 600 * (86616 - (12 * 7016 + 2400)) / 7200);
+    input.kwsFullWidth = true;
+    layout = ComputePageLayout(input);
+    ExpectPlacement(layout.halves, 0, 2, 2);
+    ExpectPlacement(layout.placed, 0, 2 + 2361, 2 + 2361);
+}
+
+// 3276.7 mm either way: as long as a label of the printer's list can say that it is.
+TEST(PageLayout, LaysOutTheLargestLabelWithoutWrapping) {
+    PageLayoutInput input = Portrait600();
+    input.bitmapWidth = input.bitmapHeight = 77402;
+    input.purgeBar = 1;
+    input.purgeDots = 10;
+    input.purgeGap = 15;
+    for (const bool landscape : {false, true}) {
+        input.landscape = landscape;
+        const PageLayout layout = ComputePageLayout(input);
+        EXPECT_EQ(layout.rowWidth, 77402 + 355);
+        EXPECT_EQ(layout.imageWUnits, 12 * (77402 + 355));
+        EXPECT_EQ(layout.pageHUnits, 12 * 77402 + 2400);
+        EXPECT_EQ(layout.pageLengthUnits, 12 * 77402 + 2400);
+    }
+    input.alignment = 0;
+    EXPECT_EQ(ComputePageLayout(input).placed.topOff, 7020 - 77402);
+}
