@@ -11,7 +11,7 @@ uint32_t ProfileColor(uint32_t color, bool at600Dpi) {
 
 DriverTest::DriverTest() {
     installation.Write(
-        std::string("profiles/") + kProfile,
+        std::filesystem::path("profiles") / kProfile,
         ProfileBytes(5, TagArea(NameTag("Test colours") + ResolutionTag(3, 6)), GridColors(&ProfileColor)));
 }
 
