@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <string_view>
 
@@ -52,8 +53,8 @@ uint32_t ReadLogMask() {
     char text[64] = {};
     DWORD length = 0;
     if (!ReadFile(file.Get(), text, sizeof text - 1, &length, nullptr)) return 0;
-    int mask = 0;
-    return sscanf(text, "%d", &mask) == 1 ? static_cast<uint32_t>(mask) : 0;
+    // Not sscanf: the one of the Windows build allocates, and writes through the null pointer it then gets.
+    return static_cast<uint32_t>(strtol(text, nullptr, 10));
 }
 
 // Opens the log for appending, at its end. A link planted in its place is opened itself, not followed.
