@@ -28,16 +28,18 @@ void RestoreDirectory() {
     if (g_wszSavedDirectory[0] != 0) SetCurrentDirectoryW(g_wszSavedDirectory);
 }
 
-bool EnterInstallationFolder() {
-    const HeapArray<WCHAR> folder = GetInstallationFolder();
-    if (!folder) {
-        LogError("Error: could get app path");
-        return false;
-    }
+// Loads the library out of `folder`, which becomes current. A folder that can't be entered has none: a
+// library of that name that lies elsewhere is a stranger's.
+HMODULE LoadFrom(const WCHAR* folder) {
     const DWORD length = GetCurrentDirectoryW(MAX_PATH, g_wszSavedDirectory);
     if (length == 0 || length >= MAX_PATH) g_wszSavedDirectory[0] = 0;  // can't be told, nor restored
-    SetCurrentDirectoryW(folder.get());
-    return true;
+    if (!SetCurrentDirectoryW(folder)) return nullptr;
+    const HMODULE library = LoadLibraryW(L"hpcrlib.dll");
+    if (library != nullptr) return library;
+    const DWORD code = GetLastError();
+    RestoreDirectory();
+    SetLastError(code);
+    return nullptr;
 }
 
 bool ResolveEntryPoints() {
@@ -55,15 +57,21 @@ bool ResolveEntryPoints() {
 }  // namespace
 
 bool BindPrintEngine() {
-    if (!EnterInstallationFolder()) return false;
-    g_hHpcrlib = LoadLibraryW(L"hpcrlib.dll");
+    HeapArray<WCHAR> folder = GetInstallationFolder();
+    if (!folder) {
+        LogError("Error: could get app path");
+        return false;
+    }
+    g_hHpcrlib = LoadFrom(folder.get());
+    folder.reset();
     if (g_hHpcrlib == nullptr) {
         LogError("Error: could not load hpcrlib.DLL");
-        RestoreDirectory();
         return false;
     }
     if (ResolveEntryPoints()) return true;
+    const DWORD code = GetLastError();
     UnbindPrintEngine();
+    SetLastError(code);
     return false;
 }
 

@@ -190,6 +190,17 @@ TEST_F(PrintJob, FailsWithoutTheEnginesLibrary) {
                                   Not(Contains(HasSubstr("could not get")))));  // looks for nothing in it
 }
 
+TEST_F(PrintJob, LoadsNoLibraryFromElsewhereWhenTheInstallationFolderCannotBeEntered) {
+    const auto device = Enable(Mode());
+    const fs::path before = fs::current_path();
+    fs::remove_all(installation.Path());
+    LogLines();
+    EXPECT_FALSE(Start(device));
+    EXPECT_THAT(LogLines(), Contains("[Error] Error: could not load hpcrlib.DLL"));
+    EXPECT_EQ(Session().Engine().Books().loads, 0u);
+    EXPECT_EQ(fs::current_path(), before);
+}
+
 TEST_F(PrintJob, FailsForEachMissingEntryPoint) {
     struct Export {
         const char* name;
