@@ -15,7 +15,7 @@ int64_t BlockReader::Size() const {
 void BlockReader::Seek(int64_t position) {
     LARGE_INTEGER target;
     target.QuadPart = position;
-    lost_ = !SetFilePointerEx(file_.Get(), target, nullptr, FILE_BEGIN);
+    if (!SetFilePointerEx(file_.Get(), target, nullptr, FILE_BEGIN)) failed_ = true;
     position_ = position;
     next_ = end_ = 0;
 }
@@ -50,6 +50,8 @@ std::span<const uint8_t> BlockReader::Take(size_t atMost) {
 
 size_t BlockReader::ReadFromFile(void* destination, size_t size) {
     DWORD came = 0;
-    if (lost_ || !ReadFile(file_.Get(), destination, static_cast<DWORD>(size), &came, nullptr)) return 0;
-    return came;
+    if (failed_) return 0;
+    if (ReadFile(file_.Get(), destination, static_cast<DWORD>(size), &came, nullptr)) return came;
+    failed_ = true;
+    return 0;
 }

@@ -20,6 +20,8 @@ class BlockReader {
     int64_t Position() const { return position_; }
     // Goes on reading from another place. When that can't be reached, no more bytes come.
     void Seek(int64_t position);
+    // Whether the file could not be read, or a place in it not be reached; its end is no failure.
+    bool Failed() const { return failed_; }
 
     // Reads `size` bytes and returns how many came; fewer only at the file's end or when reading fails. With
     // nothing buffered a large read goes straight into `destination`, in one piece.
@@ -35,8 +37,8 @@ class BlockReader {
 
     OwnedHandle file_;
     int64_t position_ = 0;
-    size_t next_ = 0;    // in the buffer
-    size_t end_ = 0;     // of what it holds
-    bool lost_ = false;  // the place to read from could not be reached
+    size_t next_ = 0;  // in the buffer
+    size_t end_ = 0;   // of what it holds
+    bool failed_ = false;
     uint8_t buffer_[kBlock];
 };

@@ -131,6 +131,11 @@ bool ReadProfileColors(BlockReader& file, const ProfileHeader& header, bool at60
         return false;
     }
     if (layout->prepared != kNotPrepared) memset(cache, layout->prepared, kCacheEntries * sizeof *cache);
-    file.Seek(at600Dpi ? start : start + variantSize);
-    return layout->read(file, cache);
+    const int64_t firstRead = at600Dpi ? start : start + variantSize;
+    file.Seek(firstRead);
+    if (!layout->read(file, cache)) return false;
+    // Fewer colours than there should be are taken as they are, but not those of a file that can't be read.
+    if (file.Failed())
+        LogError("error reading profile %d<>%d", file.Position() - firstRead, layout->variantSize);
+    return !file.Failed();
 }

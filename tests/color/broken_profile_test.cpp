@@ -268,11 +268,16 @@ TEST_F(BrokenProfile, LeavesColoursOfTheOtherVersionsThatDoNotComeAsPrepared) {
     }
 }
 
-TEST_F(BrokenProfile, OfVersion1ThatCanNotBeSoughtInIsRejected) {
-    const std::string path = HollowProfile(1, "");
-    const ImportPatch patch(nullptr, "SetFilePointerEx", reinterpret_cast<void*>(&FailToSeek));
-    EXPECT_EQ(Load(path, kResolution300), 1);
-    EXPECT_TRUE(HoldsGenericConversion(100));
+TEST_F(BrokenProfile, ThatCanNotBeSoughtInIsRejected) {
+    for (const int version : {1, 3, 5}) {
+        const std::string path = HollowProfile(version, "");
+        LogCapture log(1);
+        const ImportPatch patch(nullptr, "SetFilePointerEx", reinterpret_cast<void*>(&FailToSeek));
+        EXPECT_EQ(Load(path, kResolution300), 1);
+        EXPECT_TRUE(HoldsGenericConversion(100));
+        EXPECT_THAT(log.TakeLines(),
+                    testing::Contains(testing::StartsWith("[Error] error reading profile 0<>")));
+    }
 }
 
 TEST_F(BrokenProfile, WhoseReadingFailsIsRejected) {
