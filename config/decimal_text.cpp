@@ -13,6 +13,10 @@ namespace {
 // White space as the "C" locale has it.
 constexpr std::string_view kWhitespace = " \t\n\v\f\r";
 
+// A text of fewer bytes, as the length of a label, needs no memory: a label does not lose its size for want
+// of some.
+constexpr size_t kShortText = 64;
+
 bool IsDecimal(std::string_view text) {
     if (text.starts_with('+') || text.starts_with('-')) text.remove_prefix(1);
     bool point = false;
@@ -36,12 +40,17 @@ DWORD ParseDecimal(std::string_view text, double* out) {
     if (out == nullptr) return kErrorDecimalOut;
     if (!IsDecimal(text)) return kErrorDecimalSyntax;
     const size_t size = text.size() + 1;
-    const HeapArray<char> copy = AllocateArray<char>(size);
-    if (!copy) return kErrorDecimalMemory;
-    CopyText(copy.get(), size, text);
+    char shortCopy[kShortText];
+    HeapArray<char> longCopy;
+    if (size > sizeof shortCopy) {
+        longCopy = AllocateArray<char>(size);
+        if (!longCopy) return kErrorDecimalMemory;
+    }
+    char* copy = longCopy ? longCopy.get() : shortCopy;
+    CopyText(copy, size, text);
     // atof reads the point of the process's locale.
-    if (char* point = strchr(copy.get(), '.')) *point = *localeconv()->decimal_point;
-    *out = atof(copy.get());
+    if (char* point = strchr(copy, '.')) *point = *localeconv()->decimal_point;
+    *out = atof(copy);
     return ERROR_SUCCESS;
 }
 

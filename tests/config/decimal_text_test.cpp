@@ -60,10 +60,21 @@ TEST(ParseDecimal, NullTextsAndNullNumbersHaveCodesOfTheirOwn) {
     EXPECT_EQ(ParseDecimal(static_cast<const char*>(nullptr), nullptr), 0x20010008u);
 }
 
-TEST(ParseDecimal, ShortMemoryIsARefusal) {
-    const AllocationFailure memory(sizeof "12.75");
-    EXPECT_EQ(Refused("12.75"), 0x20010001u);
+TEST(ParseDecimal, ShortMemoryIsARefusalOfALongText) {
+    const std::string text(64, '1');
+    const AllocationFailure memory(text.size() + 1);
+    EXPECT_EQ(Refused(text.c_str()), 0x20010001u);
     EXPECT_EQ(memory.Count(), 1);
+}
+
+TEST(ParseDecimal, NeedsNoMemoryForAShortText) {
+    const AllocationFailure memory(sizeof "12.75");
+    EXPECT_EQ(Parsed("12.75"), 12.75);
+    EXPECT_EQ(memory.Count(), 0);
+    const std::string longest = "0." + std::string(61, '3');
+    const AllocationFailure more(longest.size() + 1);
+    EXPECT_NEAR(Parsed(longest.c_str()), 1.0 / 3, 1e-15);
+    EXPECT_EQ(more.Count(), 0);
 }
 
 TEST(ParseDecimal, DoesNotDependOnTheLocale) {
