@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "render/base64.h"
+#include "render/png_memory/png_memory.h"
 #include "support/log.h"
 #include "support/settings_file.h"
 
@@ -23,19 +24,50 @@ int32_t Halvings(int32_t side, double limit) {
     return count;
 }
 
+// LodePNG's own code for memory that is short.
+constexpr unsigned kPngMemoryShort = 83;
+
+// A picture to encode, and what becomes of it.
+struct PngJob {
+    const uint8_t* pixels;
+    unsigned width;
+    unsigned height;
+    uint8_t* png;
+    size_t size;
+    unsigned error;
+};
+
+void RunPngJob(void* context) {
+    auto* job = static_cast<PngJob*>(context);
+    job->error =
+        lodepng_encode_memory(&job->png, &job->size, job->pixels, job->width, job->height, LCT_RGBA, 8);
+}
+
+// The file's bytes, or null; LodePNG's error code.
+unsigned EncodeRgba(const uint32_t* pixels, int32_t width, int32_t height, HeapArray<uint8_t>* png,
+                    size_t* size) {
+    PngJob job = {reinterpret_cast<const uint8_t*>(pixels),
+                  static_cast<unsigned>(width),
+                  static_cast<unsigned>(height),
+                  nullptr,
+                  0,
+                  0};
+    if (!WithPngMemory(&RunPngJob, &job)) return kPngMemoryShort;
+    png->reset(job.png);
+    *size = job.size;
+    return job.error;
+}
+
 void EncodePng(const uint32_t* pixels, int32_t width, int32_t height, char** text, size_t* length) {
-    uint8_t* png = nullptr;
+    HeapArray<uint8_t> png;
     size_t size = 0;
-    const unsigned error =
-        lodepng_encode_memory(&png, &size, reinterpret_cast<const uint8_t*>(pixels),
-                              static_cast<unsigned>(width), static_cast<unsigned>(height), LCT_RGBA, 8);
+    const unsigned error = EncodeRgba(pixels, width, height, &png, &size);
     LogInfo("pngencode %d", error);
-    const HeapArray<uint8_t> owned(png);
-    if (error != 0 || png == nullptr) {
+    if (error != 0 || !png) {
         LogInfo("failed to generate png");
         return;
     }
-    HeapArray<char> encoded = EncodeBase64(png, size, length);
+    HeapArray<char> encoded = EncodeBase64(png.get(), size, length);
     if (!encoded) {
         LogInfo("failed to generate base64 png");
         return;
