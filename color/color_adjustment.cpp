@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 
 #include "color/color_cache.h"
 #include "color/ink_grid.h"
@@ -121,7 +122,8 @@ void AdjustColors(const int32_t (&values)[kAdjustmentValues]) {
     LogError("ca %lf,%lf,%lf,%lf,%lf,%lf,%lf\n", by.tone, by.brightness, by.saturation, by.cyan, by.black,
              by.yellow, by.magenta);
     MoveGrid(grid, Mover(by), &moved);
-    std::fill_n(g_colorCache, kCacheEntries, kNotComputed);
+    static_assert(kNotComputed == 0xFFFFFFFF);
+    memset(g_colorCache, 0xFF, sizeof g_colorCache);
     CopyGridIn(moved, g_colorCache);
     g_cacheKind = kGrid;
 }
