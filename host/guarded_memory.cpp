@@ -38,6 +38,10 @@ bool Open(uint8_t* begin, size_t size) {
     return VirtualAlloc(begin, size, MEM_COMMIT, PAGE_READWRITE) != nullptr;
 }
 
+void Shut(uint8_t* block, size_t size) {
+    VirtualFree(block, size, MEM_DECOMMIT);
+}
+
 void Release(uint8_t* block, size_t) {
     VirtualFree(block, 0, MEM_RELEASE);
 }
@@ -55,6 +59,10 @@ uint8_t* Reserve(size_t size) {
 
 bool Open(uint8_t* begin, size_t size) {
     return mprotect(begin, size, PROT_READ | PROT_WRITE) == 0;
+}
+
+void Shut(uint8_t* block, size_t size) {
+    mprotect(block, size, PROT_NONE);
 }
 
 void Release(uint8_t* block, size_t size) {
@@ -99,4 +107,8 @@ bool GuardedMemory::Intact() const {
     const bool intact = std::all_of(begin, data_, [](uint8_t each) { return each == kPadding; });
     ASAN_POISON_MEMORY_REGION(begin, padding);
     return intact;
+}
+
+void GuardedMemory::Close() {
+    Shut(block_, blockSize_);
 }

@@ -25,6 +25,9 @@ class GuardedMemory {
     // Whether the bytes in front of Data(), up to the guard page, are as they were made.
     bool Intact() const;
 
+    // Makes all of it a guard, for good: from now on every use of it faults.
+    void Close();
+
   private:
     uint8_t* block_ = nullptr;  // the first guard page
     size_t blockSize_ = 0;

@@ -77,6 +77,12 @@ void** FindSlot(const char* name) {
     return nullptr;
 }
 
+std::vector<std::string> SlotNames() {
+    std::vector<std::string> names;
+    for (const Slot* slot = FirstSlot(); slot != nullptr; slot = slot->next) names.emplace_back(slot->name);
+    return names;
+}
+
 const std::string& DriveC() {
     static ScratchDrive drive;
     return drive.path;

@@ -6,6 +6,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "support/platform.h"
 
@@ -13,6 +14,8 @@ namespace doubles {
 
 // The slot of the function of that name; null when there is none.
 void** FindSlot(const char* name);
+// The names of all functions that have one.
+std::vector<std::string> SlotNames();
 
 // The folder that stands for drive C. "c:\temp\x" is its file "temp/x"; a path without a drive is taken as it
 // is, with backslashes as separators. It is made on first use, below the system's temporary folder, and

@@ -15,6 +15,10 @@ DriverTest::DriverTest() {
         ProfileBytes(5, TagArea(NameTag("Test colours") + ResolutionTag(3, 6)), GridColors(&ProfileColor)));
 }
 
+DriverTest::~DriverTest() {
+    Unload();
+}
+
 DeviceMode DriverTest::Mode() {
     return ValidTestMode(kProfile);
 }
@@ -31,15 +35,36 @@ DriverSession& DriverTest::Session(EngineSource source) {
         setup.installation = installation.Path();
         setup.engine = std::move(source);
         session_.emplace(setup);
+        heap_.emplace(session_->Driver().Module());
         log_.emplace(session_->Driver().LogPath(), mask);
     }
     return *session_;
 }
 
 DriverSession& DriverTest::Restart(EngineSource source) {
-    log_.reset();
-    session_.reset();
+    Unload();
     return Session(std::move(source));
+}
+
+void DriverTest::Unload() {
+    if (!session_) return;
+    EXPECT_THAT(LeftOnHeap(), testing::IsEmpty());
+    log_.reset();
+    heap_.reset();
+    session_.reset();
+}
+
+std::vector<std::string> DriverTest::LeftOnHeap() const {
+    const std::string log = session_->Driver().LogName();
+    const std::string control = log.substr(0, log.size() - strlen("txt")) + "dat";
+    std::vector<std::string> left = heap_->Misuses();
+    for (const std::span<const uint8_t> block : heap_->LiveBlocks()) {
+        const std::string_view bytes(reinterpret_cast<const char*>(block.data()), block.size());
+        const bool keptForLife = bytes == std::string_view(log.c_str(), log.size() + 1) ||
+                                 bytes == std::string_view(control.c_str(), control.size() + 1);
+        if (!keptForLife) left.push_back("a block of " + std::to_string(block.size()) + " bytes");
+    }
+    return left;
 }
 
 std::unique_ptr<Device> DriverTest::Enable(const DeviceMode& mode) {
@@ -56,13 +81,6 @@ std::unique_ptr<Device> DriverTest::StartPage(const DeviceMode& mode, const std:
     EXPECT_TRUE(Session().StartDoc(*device, title));
     EXPECT_TRUE(Session().StartPage(*device));
     return device;
-}
-
-std::vector<std::vector<uint32_t>> DriverTest::PrintPage(const DeviceMode& mode) {
-    const std::unique_ptr<Device> device = StartPage(mode);
-    EXPECT_TRUE(Session().SendPage(*device));
-    EXPECT_TRUE(Session().EndDoc(*device));
-    return engine.rows;
 }
 
 uint32_t DriverTest::Pixel(const SURFOBJ& surface, int32_t x, int32_t y) {

@@ -1,5 +1,5 @@
-// The built driver with a recording print engine, a spooler and an installation folder of the test's own,
-// driven hook by hook.
+// The built driver with a recording print engine, a spooler, a heap and an installation folder of the test's
+// own, driven hook by hook. What the driver has left on that heap when it is unloaded fails the test.
 #pragma once
 
 #include <gmock/gmock.h>
@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "config/device_mode.h"
+#include "host/debug_heap.h"
 #include "host/driver_session.h"
 #include "tests/driver/recording_engine.h"
 #include "tests/support/log_capture.h"
@@ -22,6 +23,7 @@ class DriverTest : public testing::Test {
     // Installs a grid profile, "Test colours", whose ink is ProfileColor() of the colour, at every grid
     // colour.
     DriverTest();
+    ~DriverTest() override;
 
     // A valid device mode with that profile: portrait, 300 dpi, 30 x 40 mm, centred, no print-head offset.
     static DeviceMode Mode();
@@ -42,8 +44,11 @@ class DriverTest : public testing::Test {
     std::unique_ptr<Device> Enable(const DeviceMode& mode);
     // The same with a job and its first page begun.
     std::unique_ptr<Device> StartPage(const DeviceMode& mode, const std::string& title = "title");
-    // Prints one white page of a job and returns the engine's rows.
-    std::vector<std::vector<uint32_t>> PrintPage(const DeviceMode& mode);
+
+    // Of the driver's own allocations.
+    DebugHeap& Heap() { return *heap_; }
+    // The blocks that it has not freed, in words. The log's two paths are its to keep.
+    std::vector<std::string> LeftOnHeap() const;
 
     Spooler& PrintSpooler() { return Session().PrintSpooler(); }
     Spooler::Printer& Printer() { return Session().Printer(); }
@@ -56,7 +61,10 @@ class DriverTest : public testing::Test {
     RecordingEngine engine;
 
   private:
+    void Unload();
+
     std::optional<DriverSession> session_;
+    std::optional<DebugHeap> heap_;
     std::optional<LogCapture> log_;
 };
 

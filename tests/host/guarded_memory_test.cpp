@@ -77,6 +77,13 @@ TEST(GuardedMemory, ShowsAWriteInFrontOfIt) {
     }
 }
 
+TEST(GuardedMemory, CanNotBeReadAnyMoreWhenItIsClosed) {
+    GuardedMemory memory(5000);
+    memory.Close();
+    EXPECT_FALSE(Readable(memory.Data()));
+    EXPECT_FALSE(Readable(memory.Data() + 4999));
+}
+
 TEST(GuardedMemory, RefusesASizeThatNoMachineHas) {
     EXPECT_THROW(GuardedMemory(SIZE_MAX), std::bad_alloc);
     EXPECT_THROW(GuardedMemory(SIZE_MAX / 2), std::bad_alloc);
