@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <new>
+#include <stdexcept>
 
 namespace {
 
@@ -61,6 +62,8 @@ DebugHeap::DebugHeap(HMODULE module) {
                              {"free", &HeapReplacements::Free},
                              {"LocalAlloc", &HeapReplacements::LocalAlloc},
                              {"LocalFree", &HeapReplacements::LocalFree}});
+    if (patches_.Original("malloc", &HeapReplacements::Malloc) == nullptr)
+        throw std::logic_error("the module's heap is out of reach; natively it takes orvex_heap_doubles");
 }
 
 DebugHeap::~DebugHeap() {

@@ -1,0 +1,271 @@
+// One job after another, each with one failing call, over all kinds of calls that the job makes.
+
+#include <algorithm>
+#include <map>
+#include <optional>
+#include <tuple>
+
+#include "tests/faults/documented_answers.h"
+#include "tests/faults/fault_fixture.h"
+
+using testing::AnyOf;
+using testing::Each;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+// The hook of a place, without its number in the job.
+std::string HookOf(const std::string& place) {
+    std::string hook;
+    for (const char c : place) {
+        if (c < '0' || c > '9') hook += c;
+    }
+    return hook;
+}
+
+// What calls must have in common to be of one kind: rows are told apart by page; the log's calls, and the
+// allocations of the thumbnail's encoder, by nothing but the function.
+std::tuple<std::string, std::string, std::string, std::string> KindOf(const PlacedCall& placed) {
+    const WatchedCall& call = placed.call;
+    if (call.function == "HPCRLIB_RasterRow") return {call.function, call.place, "", ""};
+    if (call.subject == "orvexgdi.txt") return {call.Label(), "", "", ""};
+    const bool inThumbnail = call.bytes > 0 && placed.after == "HPCRLIB_PageStart";
+    return {inThumbnail ? call.function : call.Label(), HookOf(call.place), placed.before, placed.after};
+}
+
+// What does the same wherever it fails: it gives something back, or asks for the installation folder.
+bool IsAlikeEverywhere(const WatchedCall& call) {
+    for (const char* pattern :
+         {"CloseHandle*", "FindClose*", "SHGetSpecialFolderPathW", "PathAppendW *", "calloc 520"}) {
+        if (Matches(call.Label(), pattern)) return true;
+    }
+    return false;
+}
+
+// A job costs more in the Windows build, so that there the first calls have to do.
+constexpr bool kLastCallsToo =
+#ifdef _WIN32
+    false;
+#else
+    true;
+#endif
+
+// The first and the last call of each kind, of what is alike everywhere the first; of a page's rows the
+// first, second, middle and last.
+std::vector<PlacedCall> ChooseCalls(const std::vector<PlacedCall>& calls) {
+    std::map<std::tuple<std::string, std::string, std::string, std::string>, std::vector<size_t>> kinds;
+    for (const PlacedCall& call : calls) kinds[KindOf(call)].push_back(call.number);
+    std::vector<size_t> chosen;
+    for (const auto& [kind, numbers] : kinds) {
+        const bool rows = std::get<0>(kind) == "HPCRLIB_RasterRow";
+        const bool lastToo = rows || (kLastCallsToo && !IsAlikeEverywhere(calls[numbers.front()].call));
+        chosen.push_back(numbers.front());
+        if (numbers.size() > 1 && lastToo) chosen.push_back(numbers.back());
+        if (rows) {
+            chosen.push_back(numbers[1]);
+            chosen.push_back(numbers[numbers.size() / 2]);
+        }
+    }
+    std::sort(chosen.begin(), chosen.end());
+    std::vector<PlacedCall> result;
+    for (const size_t number : chosen) result.push_back(calls[number]);
+    return result;
+}
+
+size_t CountMatching(const std::vector<std::string>& lines, const std::string& pattern) {
+    return static_cast<size_t>(std::count_if(
+        lines.begin(), lines.end(), [&](const std::string& line) { return Matches(line, pattern); }));
+}
+
+std::string WithSubject(std::string line, const std::string& subject) {
+    const size_t at = line.find("{}");
+    return at == std::string::npos ? line : line.replace(at, 2, subject);
+}
+
+// Whether `lines` are `all` with some left out.
+bool IsSubsequence(const std::vector<std::string>& lines, const std::vector<std::string>& all) {
+    auto next = all.begin();
+    for (const std::string& line : lines) {
+        next = std::find(next, all.end(), line);
+        if (next == all.end()) return false;
+        ++next;
+    }
+    return true;
+}
+
+bool PrintsTheSame(const DocumentedAnswer& answer) {
+    return answer.shows != Shows::Line && answer.shows != Shows::Change;
+}
+
+// A job in which a call fails, or none.
+struct PlannedJob {
+    std::optional<PlacedCall> failing;
+    const DocumentedAnswer* answer;
+};
+
+// Behind each job whose output a failure may change comes one that shows what the failure spoilt: one that
+// must print the same in spite of a failure of its own, as long as there are such, or one without.
+std::vector<PlannedJob> PlanJobs(const std::vector<PlacedCall>& calls) {
+    const PlannedJob clean = {std::nullopt, nullptr};
+    std::vector<PlannedJob> changing, same, plan;
+    for (const PlacedCall& call : calls) {
+        const DocumentedAnswer* answer = FindAnswer(call);
+        (answer != nullptr && PrintsTheSame(*answer) ? same : changing).push_back({call, answer});
+    }
+    size_t next = 0;
+    for (PlannedJob& job : changing) {
+        plan.push_back(std::move(job));
+        plan.push_back(next < same.size() ? same[next++] : clean);
+    }
+    plan.insert(plan.end(), same.begin() + static_cast<ptrdiff_t>(next), same.end());
+    plan.push_back(clean);
+    return plan;
+}
+
+// The lines by which two logs differ.
+std::vector<std::string> Difference(const std::vector<std::string>& lines,
+                                    const std::vector<std::string>& all) {
+    std::vector<std::string> different;
+    const auto onlyIn = [&](const char* sign, const auto& these, const auto& those) {
+        for (const std::string& line : these) {
+            if (std::count(these.begin(), these.end(), line) != std::count(those.begin(), those.end(), line))
+                different.push_back(sign + line);
+        }
+    };
+    onlyIn("- ", all, lines);
+    onlyIn("+ ", lines, all);
+    return different;
+}
+
+class JobFaults : public FaultTest {
+  protected:
+    void ExpectAnswer(const PlacedCall& failing, const DocumentedAnswer& answer, const JobRecord& job);
+    void ExpectHooks(const PlacedCall& failing, const DocumentedAnswer& answer, const JobRecord& job);
+    void ExpectLog(const PlacedCall& failing, const DocumentedAnswer& answer, const JobRecord& job);
+    void ExpectNothingLeft(const DocumentedAnswer& answer);
+    void ExpectClean(const JobRecord& job) {
+        EXPECT_EQ(job.Refusals(), clean.Refusals());
+        EXPECT_TRUE(job.written == clean.written) << "the output is another";
+        EXPECT_TRUE(job.log == clean.log) << testing::PrintToString(Difference(job.log, clean.log));
+    }
+
+    JobRecord clean;
+};
+
+void JobFaults::ExpectHooks(const PlacedCall& failing, const DocumentedAnswer& answer, const JobRecord& job) {
+    if (answer.refuses == nullptr) {
+        EXPECT_THAT(job.Refusals(), IsEmpty());
+        return;
+    }
+    EXPECT_THAT(job.Refusals(), ElementsAre(answer.refuses));
+    const DWORD code = LastErrorOf(failing.call);
+    for (const HookAnswer& each : job.answers) {
+        if (!each.accepted && code != 0) {
+            EXPECT_EQ(each.lastError, code);
+        }
+    }
+}
+
+void JobFaults::ExpectLog(const PlacedCall& failing, const DocumentedAnswer& answer, const JobRecord& job) {
+    const std::string line = WithSubject(answer.line, failing.call.subject);
+    const std::string different = testing::PrintToString(Difference(job.log, clean.log));
+    switch (answer.shows) {
+        case Shows::Nothing:
+            EXPECT_TRUE(job.log == clean.log) << different;
+            break;
+        case Shows::LineLost:
+            // a message may hold a line end of its own
+            EXPECT_TRUE(IsSubsequence(job.log, clean.log)) << different;
+            EXPECT_THAT(clean.log.size() - job.log.size(), AnyOf(1u, 2u));
+            break;
+        case Shows::LinesLost:
+            EXPECT_TRUE(IsSubsequence(job.log, clean.log)) << different;
+            break;
+        case Shows::Line:
+        case Shows::LineOnly:
+            EXPECT_GT(CountMatching(job.log, line), CountMatching(clean.log, line))
+                << line << " is not in " << different;
+            break;
+        case Shows::OutputSame:
+        case Shows::Change:
+            break;
+    }
+}
+
+void JobFaults::ExpectNothingLeft(const DocumentedAnswer& answer) {
+    const std::vector<std::string> left = LeftBehind();
+    switch (answer.leaves) {
+        case Leaves::Nothing:
+            EXPECT_THAT(left, IsEmpty());
+            break;
+        case Leaves::Mutex:
+            EXPECT_THAT(left, ElementsAre("open: orvexgdi.txt"));
+            break;
+        case Leaves::Directory:
+            EXPECT_THAT(left, ElementsAre("another current directory"));
+            break;
+    }
+    Watch().CloseHandles();
+}
+
+void JobFaults::ExpectAnswer(const PlacedCall& failing, const DocumentedAnswer& answer,
+                             const JobRecord& job) {
+    ASSERT_GT(job.calls.size(), failing.number) << "the call did not come";
+    EXPECT_EQ(job.calls[failing.number].Label(), failing.call.Label());
+    ExpectHooks(failing, answer, job);
+    ExpectLog(failing, answer, job);
+    if (PrintsTheSame(answer)) {
+        EXPECT_TRUE(job.written == clean.written) << "the output is another";
+    }
+    ExpectNothingLeft(answer);
+}
+
+}  // namespace
+
+TEST_F(JobFaults, AreAnsweredAsDocumentedAndLeaveNothingBehind) {
+    Run();  // what a process does only once, is done
+    clean = Run();
+    ASSERT_THAT(clean.Refusals(), IsEmpty());
+    ASSERT_THAT(LeftBehind(), IsEmpty());
+    const std::vector<PlacedCall> calls = PlaceCalls(clean.calls);
+    EXPECT_THAT(UnusedAnswers(calls), IsEmpty());
+
+    size_t faults = 0;
+    const std::vector<PlannedJob> plan = PlanJobs(ChooseCalls(calls));
+    for (const PlannedJob& planned : plan) {
+        if (!planned.failing) {
+            ExpectClean(Run());
+            EXPECT_THAT(LeftBehind(), IsEmpty());
+            continue;
+        }
+        const PlacedCall& failing = *planned.failing;
+        SCOPED_TRACE(failing.call.Label() + " in " + failing.call.place + ", call " +
+                     std::to_string(failing.number) + " behind " + failing.before + ", before " +
+                     failing.after);
+        if (planned.answer == nullptr) {
+            ADD_FAILURE() << "nothing is known of this call";
+            continue;
+        }
+        ExpectAnswer(failing, *planned.answer, Run(failing.number));
+        ++faults;
+    }
+    std::cout << faults << " faults in " << plan.size() << " jobs, out of " << calls.size() << " calls\n";
+}
+
+TEST_F(JobFaults, WhileTheLogsPathIsWorkedOutLoseNoMoreThanLines) {
+    Reload();
+    clean = Run();
+    const std::string path = "malloc " + std::to_string(Session().Driver().LogName().size() + 1);
+    for (const PlacedCall& call : PlaceCalls(clean.calls)) {
+        if (call.call.function != "GetModuleFileNameA" && call.call.Label() != path) continue;
+        SCOPED_TRACE(call.call.Label());
+        Reload();
+        const JobRecord job = Run(call.number);
+        EXPECT_THAT(job.Refusals(), IsEmpty());
+        EXPECT_TRUE(job.written == clean.written);
+        EXPECT_TRUE(IsSubsequence(job.log, clean.log));
+        EXPECT_THAT(LeftBehind(), IsEmpty());
+        ExpectClean(Run());
+    }
+}
