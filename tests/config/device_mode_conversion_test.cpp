@@ -198,3 +198,15 @@ TEST_F(Conversion, CopyingIsTraced) {
                 ElementsAre("[Trace] <CopyDevmode>", "[Trace] dest:", "(dump)", "[Trace] src:", "(dump)",
                             "[Trace] dest:", "(dump)", "[Trace] src:", "(dump)", "[Trace] </CopyDevmode>"));
 }
+
+TEST_F(Conversion, DumpsBothRecordsBeforeAndAfter) {
+    DeviceMode in = DefaultRecord();
+    in.pub.dmDriverVersion = 7;
+    DeviceMode out = DefaultRecord();
+    out.pub.dmDriverVersion = 3;
+    ConvertDevMode(&in.pub, &out.pub);
+    EXPECT_THAT(DumpedField("dmDriverVersion"),
+                ElementsAre("pdmIn: 7", "pdmOut: 3", "pdmIn: 7", "pdmOut: 3"));
+    CopyDevmode(&out, &in);
+    EXPECT_THAT(DumpedField("dmDriverVersion"), ElementsAre("dest: 3", "src: 7", "dest: 3", "src: 7"));
+}

@@ -30,10 +30,10 @@ class Merging : public PrinterTest {
         record.pub.dmPaperWidth = 1016;
         record.pub.dmPaperLength = 1524;
         record.priv.dmPaperSize = number;
-        record.priv.units = 1;
+        record.priv.units = 0;
         CopyText(record.priv.labelName, "Versand");
-        CopyText(record.priv.width_string, "4");
-        CopyText(record.priv.length_string, "6");
+        CopyText(record.priv.width_string, "101.6");
+        CopyText(record.priv.length_string, "152.4");
         return record;
     }
 
@@ -140,6 +140,21 @@ TEST_F(Merging, ItsStepsAreTraced) {
                                    "[Trace] Return: TRUE", "[Trace] </MergeDevMode>"));
 }
 
+TEST_F(Merging, DumpsWhatItTakesOverAndWhatItGives) {
+    DeviceMode destination = PrinterRecord();
+    destination.pub.dmCopies = 3;
+    DeviceMode source = PrinterRecord();
+    source.pub.dmCopies = 7;
+    source.pub.dmFields = 0;
+    EXPECT_TRUE(MergeDevMode(&destination, &source.pub, handle_));
+    EXPECT_THAT(
+        DumpedField("dmCopies"),
+        ElementsAre("pdmDest: 3", "pdmSrc: 7", "pdmIn: 7", "pdmOut: 3", "pdmIn: 7", "pdmOut: 7",  // converted
+                    "dest: 3", "src: 7", "dest: 3", "src: 7",                                     // copied
+                    "pdm (before ValidateForm): 3", "pdm (After ValidateForm): 3", "pdm: 3",      // validated
+                    "pdmDest: 3", "pdmSrc: 7"));
+}
+
 TEST_F(Merging, ARecordOfAnOlderLayoutGivesItsPublicFields) {
     for (const WORD size : {188, 212}) {
         DeviceMode values = PrinterRecord();
@@ -223,7 +238,7 @@ TEST_F(Merging, ASourcesOwnProfileWins) {
 }
 
 TEST_F(Merging, ALabelChosenOnThePrinterSurvivesASourceThatNamesNone) {
-    AddLabel(300, "Versand", "4", "6", 1);
+    AddLabel(300, "Versand", "101.6", "152.4", 0);
     for (const int16_t number : {int16_t{257}, int16_t{256}, int16_t{9}, int16_t{0}, int16_t{-1}}) {
         DeviceMode source = PrinterRecord();
         source.pub.dmPaperSize = number;
@@ -234,11 +249,15 @@ TEST_F(Merging, ALabelChosenOnThePrinterSurvivesASourceThatNamesNone) {
         EXPECT_EQ(source.pub.dmPaperWidth, 1016);
         EXPECT_EQ(source.pub.dmPaperLength, 1524);
         EXPECT_EQ(source.priv.dmPaperSize, 300);
-        EXPECT_EQ(source.priv.units, 1u);
-        EXPECT_STREQ(source.priv.width_string, "4");
-        EXPECT_STREQ(source.priv.length_string, "6");
+        EXPECT_EQ(source.priv.units, 0u);
+        EXPECT_STREQ(source.priv.width_string, "101.6");
+        EXPECT_STREQ(source.priv.length_string, "152.4");
         EXPECT_STREQ(source.priv.labelName, "Versand");
     }
+}
+
+TEST_F(Merging, TheFirstLabelOfTheListSurvivesToo) {
+    EXPECT_TRUE(SameRecord(Merged(RecordWithLabel(258), PrinterRecord()), RecordWithLabel(258)));
 }
 
 TEST_F(Merging, ASourcesOwnLabelWins) {

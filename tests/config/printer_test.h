@@ -65,6 +65,18 @@ class PrinterTest : public testing::Test {
         return kept;
     }
 
+    // One field of each record dumped since the last call, behind the dump's caption: "pdmIn: 7".
+    std::vector<std::string> DumpedField(const std::string& name) {
+        std::vector<std::string> dumped;
+        std::string caption;
+        for (const std::string& line : log_.TakeLines()) {
+            if (line.ends_with(":")) caption = line.substr(line.find(' ') + 1);
+            if (line.starts_with("[Trace] " + name + " "))
+                dumped.push_back(caption + line.substr(line.rfind(' ')));
+        }
+        return dumped;
+    }
+
     InstallationFixture installation_;
     Spooler spooler_;
     Spooler::Printer& printer_ = spooler_.AddPrinter("Etikett 1", "Orvex Series");
