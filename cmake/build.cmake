@@ -46,10 +46,6 @@ endfunction()
 
 # Most of a build's time goes into the tests; they need to be compiled fast, not to run fast.
 set(ORVEX_TEST_OPTIONS -O1 -g1)
-if(WIN32)
-    # GCC 12 warns of std::string again, where its header is precompiled.
-    list(APPEND ORVEX_TEST_OPTIONS -Wno-array-bounds -Wno-stringop-overflow)
-endif()
 
 # orvex_test(ROOM LIBRARY...): tests/ROOM/*.cpp as the GoogleTest program ROOM_tests, run by ctest in both builds.
 function(orvex_test room)
