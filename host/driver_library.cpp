@@ -112,7 +112,7 @@ DriverLibrary::DriverLibrary(const fs::path& file) {
     }
 }
 
-DriverLibrary::~DriverLibrary() {  // NOLINT(modernize-use-equals-default): empty natively only
+DriverLibrary::~DriverLibrary() {
 #ifdef _WIN32
     FreeLibrary(module_);
 #endif
