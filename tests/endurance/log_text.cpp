@@ -64,14 +64,16 @@ std::string ReadGrownLog(const fs::path& log) {
     std::ifstream file(log, std::ios::binary);
     std::string text;
     std::string chunk(1 << 18, '\0');
-    bool beyondHole = false;
-    while (file.read(chunk.data(), static_cast<std::streamsize>(chunk.size())) || file.gcount() > 0) {
-        const auto end = chunk.begin() + file.gcount();
-        const size_t before = text.size();
-        std::copy_if(chunk.begin(), end, std::back_inserter(text), [](char each) { return each != '\0'; });
-        if (text.size() > before || beyondHole || !file) continue;
-        file.seekg(static_cast<std::streamoff>(kMaxLogBytes));
-        beyondHole = true;
+    const auto read = [&] {
+        file.read(chunk.data(), static_cast<std::streamsize>(chunk.size()));
+        return std::string_view(chunk).substr(0, static_cast<size_t>(file.gcount()));
+    };
+    for (std::string_view lines = read(); !lines.empty(); lines = read()) {
+        const size_t hole = lines.find('\0');
+        text += lines.substr(0, hole);
+        if (hole == std::string_view::npos) continue;
+        file.clear();
+        file.seekg(static_cast<std::streamoff>(kMaxLogBytes) + 1);
     }
     return text;
 }
