@@ -27,23 +27,23 @@ struct IdleEngine {
         ++rowsTaken;
         return kSuccess;
     }
-    static EngineTable Table() {
-        EngineTable table;
-        table.jobStart = &JobStart;
-        table.jobEnd = &Done;
-        table.pageStart = &PageStart;
-        table.pageEnd = &Done;
-        table.rasterBlockStart = &BlockStart;
-        table.rasterRow = &Row;
-        table.rasterBlockEnd = &Done;
-        return table;
+    static PrintEngine Entries() {
+        PrintEngine entries;
+        entries.HPCRLIB_JobStart = &JobStart;
+        entries.HPCRLIB_JobEnd = &Done;
+        entries.HPCRLIB_PageStart = &PageStart;
+        entries.HPCRLIB_PageEnd = &Done;
+        entries.HPCRLIB_RasterBlockStart = &BlockStart;
+        entries.HPCRLIB_RasterRow = &Row;
+        entries.HPCRLIB_RasterBlockEnd = &Done;
+        return entries;
     }
 };
 
 SessionSetup SetupFor(const std::filesystem::path& installation) {
     SessionSetup setup;
     setup.installation = installation;
-    setup.engine = IdleEngine::Table();
+    setup.engine = IdleEngine::Entries();
     return setup;
 }
 

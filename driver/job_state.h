@@ -8,17 +8,6 @@
 #include "engine/hpcrlib.h"
 #include "support/platform.h"
 
-// The entry points of the print engine's library; null while none is bound.
-struct PrintEngine {
-    HPCRLIB_JobStartFunction HPCRLIB_JobStart;
-    HPCRLIB_JobEndFunction HPCRLIB_JobEnd;
-    HPCRLIB_PageStartFunction HPCRLIB_PageStart;
-    HPCRLIB_RasterBlockStartFunction HPCRLIB_RasterBlockStart;
-    HPCRLIB_RasterRowFunction HPCRLIB_RasterRow;
-    HPCRLIB_RasterBlockEndFunction HPCRLIB_RasterBlockEnd;
-    HPCRLIB_PageEndFunction HPCRLIB_PageEnd;
-};
-
 constexpr uint32_t kEngineSuccess = 1;
 
 // A change of the engine resolution that waits to be patched into the engine's output. The output callback
@@ -44,7 +33,7 @@ constexpr size_t kMaxNarrowName = 512;    // bytes of a job's or profile's narro
 
 extern PDEV* g_pCurrentPdev;  // instance of the running job; its address is the engine's callback context
 extern HMODULE g_hHpcrlib;    // the engine's library while bound, else null
-extern PrintEngine g_engine;
+extern PrintEngine g_engine;  // its entry points
 extern uint64_t g_hJob;
 extern WCHAR g_wszSavedDirectory[MAX_PATH];  // current directory before the library was bound
 extern char g_szJobName[kMaxNarrowName];

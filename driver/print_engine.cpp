@@ -1,28 +1,11 @@
 #include "driver/print_engine.h"
 
-#include <cstring>
-
 #include "driver/job_state.h"
 #include "support/installation.h"
 #include "support/log.h"
 #include "support/text.h"
 
 namespace {
-
-struct EntryPoint {
-    const char* name;
-    void* function;  // a member of g_engine
-};
-
-const EntryPoint kEntryPoints[] = {
-    {"HPCRLIB_JobStart", &g_engine.HPCRLIB_JobStart},
-    {"HPCRLIB_JobEnd", &g_engine.HPCRLIB_JobEnd},
-    {"HPCRLIB_PageStart", &g_engine.HPCRLIB_PageStart},
-    {"HPCRLIB_RasterBlockStart", &g_engine.HPCRLIB_RasterBlockStart},
-    {"HPCRLIB_RasterRow", &g_engine.HPCRLIB_RasterRow},
-    {"HPCRLIB_RasterBlockEnd", &g_engine.HPCRLIB_RasterBlockEnd},
-    {"HPCRLIB_PageEnd", &g_engine.HPCRLIB_PageEnd},
-};
 
 void RestoreDirectory() {
     if (g_wszSavedDirectory[0] != 0) SetCurrentDirectoryW(g_wszSavedDirectory);
@@ -43,13 +26,13 @@ HMODULE LoadFrom(const WCHAR* folder) {
 }
 
 bool ResolveEntryPoints() {
-    for (const EntryPoint& entry : kEntryPoints) {
+    for (const PrintEngineExport& entry : kPrintEngineExports) {
         const FARPROC function = GetProcAddress(g_hHpcrlib, entry.name);
         if (function == nullptr) {
             LogError("Error: could not get \"%s\" address", entry.name);
             return false;
         }
-        memcpy(entry.function, &function, sizeof function);
+        *entry.In(g_engine) = reinterpret_cast<void*>(function);
     }
     return true;
 }

@@ -2,6 +2,7 @@
 // unsigned 32-bit numbers; a status of 1 is success.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 #if defined(_WIN32)
@@ -14,26 +15,57 @@ extern "C" {
 
 // Takes encoded output, on the thread of the call that produced it. Non-zero is success; 0 makes that call
 // fail.
-typedef int32_t(HPCRLIB_CALL* HPCRLIB_OutputCallback)(const uint8_t* data, uint32_t length, void* context);
+using HPCRLIB_OutputCallback = int32_t(HPCRLIB_CALL*)(const uint8_t* data, uint32_t length, void* context);
 
 // Starts a job; resolutionMode is 0 for 300 dpi, 1 for 600 dpi, 2 for any other. `reserved` is 0. The job's
 // handle, or 0.
-typedef uint64_t(HPCRLIB_CALL* HPCRLIB_JobStartFunction)(HPCRLIB_OutputCallback output, void* context,
+using HPCRLIB_JobStartFunction = uint64_t(HPCRLIB_CALL*)(HPCRLIB_OutputCallback output, void* context,
                                                          uint32_t resolutionMode, uint32_t reserved);
-typedef uint32_t(HPCRLIB_CALL* HPCRLIB_JobEndFunction)(uint64_t job);
+using HPCRLIB_JobEndFunction = uint32_t(HPCRLIB_CALL*)(uint64_t job);
 
 // Starts a page of that size in 1/7200 inch.
-typedef uint32_t(HPCRLIB_CALL* HPCRLIB_PageStartFunction)(uint64_t job, uint32_t width, uint32_t length);
-typedef uint32_t(HPCRLIB_CALL* HPCRLIB_PageEndFunction)(uint64_t job);
+using HPCRLIB_PageStartFunction = uint32_t(HPCRLIB_CALL*)(uint64_t job, uint32_t width, uint32_t length);
+using HPCRLIB_PageEndFunction = uint32_t(HPCRLIB_CALL*)(uint64_t job);
 
 // Starts a block of `rows` rows of `rowWidth` pixels, `top` pixels below the print head's start. `reserved`
 // is 0.
-typedef uint32_t(HPCRLIB_CALL* HPCRLIB_RasterBlockStartFunction)(uint64_t job, uint32_t reserved,
+using HPCRLIB_RasterBlockStartFunction = uint32_t(HPCRLIB_CALL*)(uint64_t job, uint32_t reserved,
                                                                  uint32_t top, uint32_t rowWidth,
                                                                  uint32_t rows);
 
 // Hands over one row: rowWidth ink values of 32 bits, K in the lowest byte, then C, M and Y.
-typedef uint32_t(HPCRLIB_CALL* HPCRLIB_RasterRowFunction)(uint64_t job, const uint32_t* row);
-typedef uint32_t(HPCRLIB_CALL* HPCRLIB_RasterBlockEndFunction)(uint64_t job);
+using HPCRLIB_RasterRowFunction = uint32_t(HPCRLIB_CALL*)(uint64_t job, const uint32_t* row);
+using HPCRLIB_RasterBlockEndFunction = uint32_t(HPCRLIB_CALL*)(uint64_t job);
 
 }  // extern "C"
+
+// The library's entry points, all of which the driver needs; null where none is bound.
+struct PrintEngine {
+    HPCRLIB_JobStartFunction HPCRLIB_JobStart = nullptr;
+    HPCRLIB_JobEndFunction HPCRLIB_JobEnd = nullptr;
+    HPCRLIB_PageStartFunction HPCRLIB_PageStart = nullptr;
+    HPCRLIB_RasterBlockStartFunction HPCRLIB_RasterBlockStart = nullptr;
+    HPCRLIB_RasterRowFunction HPCRLIB_RasterRow = nullptr;
+    HPCRLIB_RasterBlockEndFunction HPCRLIB_RasterBlockEnd = nullptr;
+    HPCRLIB_PageEndFunction HPCRLIB_PageEnd = nullptr;
+};
+
+// By what name the library exports each, and where a PrintEngine keeps it.
+struct PrintEngineExport {
+    const char* name;
+    size_t offset;
+
+    void** In(PrintEngine& engine) const {
+        return reinterpret_cast<void**>(reinterpret_cast<uint8_t*>(&engine) + offset);
+    }
+};
+
+inline constexpr PrintEngineExport kPrintEngineExports[] = {
+    {"HPCRLIB_JobStart", offsetof(PrintEngine, HPCRLIB_JobStart)},
+    {"HPCRLIB_JobEnd", offsetof(PrintEngine, HPCRLIB_JobEnd)},
+    {"HPCRLIB_PageStart", offsetof(PrintEngine, HPCRLIB_PageStart)},
+    {"HPCRLIB_RasterBlockStart", offsetof(PrintEngine, HPCRLIB_RasterBlockStart)},
+    {"HPCRLIB_RasterRow", offsetof(PrintEngine, HPCRLIB_RasterRow)},
+    {"HPCRLIB_RasterBlockEnd", offsetof(PrintEngine, HPCRLIB_RasterBlockEnd)},
+    {"HPCRLIB_PageEnd", offsetof(PrintEngine, HPCRLIB_PageEnd)},
+};

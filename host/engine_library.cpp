@@ -1,6 +1,5 @@
 #include "host/engine_library.h"
 
-#include <cstddef>
 #include <cstring>
 #include <string_view>
 
@@ -37,7 +36,7 @@ std::string Numbered(const char* call, uint64_t number) {
 
 // What the driver calls in place of the engine's entry points.
 struct EngineThunks {
-    static EngineTable& Entries() { return current->entries_; }
+    static PrintEngine& Entries() { return current->entries_; }
     static EngineBooks& Books() { return current->books_; }
     static EnginePage* CurrentPage() { return Books().pages.empty() ? nullptr : &Books().pages.back(); }
 
@@ -49,14 +48,14 @@ struct EngineThunks {
 
     static uint64_t HPCRLIB_CALL JobStart(HPCRLIB_OutputCallback output, void* context, uint32_t mode,
                                           uint32_t reserved) {
-        const uint64_t job = Entries().jobStart(output, context, mode, reserved);
+        const uint64_t job = Entries().HPCRLIB_JobStart(output, context, mode, reserved);
         if (job == 0) current->Refused("HPCRLIB_JobStart started no job");
         if (job != 0) ++Books().jobsStarted;
         return job;
     }
 
     static uint32_t HPCRLIB_CALL JobEnd(uint64_t job) {
-        const uint32_t status = Status(Entries().jobEnd(job), "HPCRLIB_JobEnd");
+        const uint32_t status = Status(Entries().HPCRLIB_JobEnd(job), "HPCRLIB_JobEnd");
         if (status == kSuccess) ++Books().jobsEnded;
         return status;
     }
@@ -65,7 +64,7 @@ struct EngineThunks {
         if (Books().pages.size() == kMaxPages) Books().pages.pop_back();
         Books().pages.push_back({.width = width, .length = length});
         ++Books().pagesStarted;
-        return Status(Entries().pageStart(job, width, length),
+        return Status(Entries().HPCRLIB_PageStart(job, width, length),
                       Numbered("HPCRLIB_PageStart of page", Books().pagesStarted));
     }
 
@@ -76,13 +75,13 @@ struct EngineThunks {
             page->rowWidth = rowWidth;
             page->blockRows = rows;
         }
-        return Status(Entries().rasterBlockStart(job, reserved, top, rowWidth, rows),
+        return Status(Entries().HPCRLIB_RasterBlockStart(job, reserved, top, rowWidth, rows),
                       Numbered("HPCRLIB_RasterBlockStart of page", Books().pagesStarted));
     }
 
     static uint32_t HPCRLIB_CALL Row(uint64_t job, const uint32_t* row) {
         EnginePage* const page = CurrentPage();
-        const uint32_t status = Entries().rasterRow(job, row);
+        const uint32_t status = Entries().HPCRLIB_RasterRow(job, row);
         if (status != kSuccess) {
             return Status(status,
                           Numbered("HPCRLIB_RasterRow of row", page == nullptr ? 0 : page->rowsTaken));
@@ -94,13 +93,13 @@ struct EngineThunks {
     }
 
     static uint32_t HPCRLIB_CALL BlockEnd(uint64_t job) {
-        return Status(Entries().rasterBlockEnd(job),
+        return Status(Entries().HPCRLIB_RasterBlockEnd(job),
                       Numbered("HPCRLIB_RasterBlockEnd of page", Books().pagesStarted));
     }
 
     static uint32_t HPCRLIB_CALL PageEnd(uint64_t job) {
         const uint32_t status =
-            Status(Entries().pageEnd(job), Numbered("HPCRLIB_PageEnd of page", Books().pagesStarted));
+            Status(Entries().HPCRLIB_PageEnd(job), Numbered("HPCRLIB_PageEnd of page", Books().pagesStarted));
         if (status == kSuccess) ++Books().pagesEnded;
         return status;
     }
@@ -108,28 +107,15 @@ struct EngineThunks {
 
 namespace {
 
-struct EntryPoint {
-    const char* name;
-    size_t offset;  // in an EngineTable
-    void* thunk;
+PrintEngine thunks = {
+    .HPCRLIB_JobStart = &EngineThunks::JobStart,
+    .HPCRLIB_JobEnd = &EngineThunks::JobEnd,
+    .HPCRLIB_PageStart = &EngineThunks::PageStart,
+    .HPCRLIB_RasterBlockStart = &EngineThunks::BlockStart,
+    .HPCRLIB_RasterRow = &EngineThunks::Row,
+    .HPCRLIB_RasterBlockEnd = &EngineThunks::BlockEnd,
+    .HPCRLIB_PageEnd = &EngineThunks::PageEnd,
 };
-
-const EntryPoint kEntryPoints[] = {
-    {"HPCRLIB_JobStart", offsetof(EngineTable, jobStart), reinterpret_cast<void*>(&EngineThunks::JobStart)},
-    {"HPCRLIB_JobEnd", offsetof(EngineTable, jobEnd), reinterpret_cast<void*>(&EngineThunks::JobEnd)},
-    {"HPCRLIB_PageStart", offsetof(EngineTable, pageStart),
-     reinterpret_cast<void*>(&EngineThunks::PageStart)},
-    {"HPCRLIB_PageEnd", offsetof(EngineTable, pageEnd), reinterpret_cast<void*>(&EngineThunks::PageEnd)},
-    {"HPCRLIB_RasterBlockStart", offsetof(EngineTable, rasterBlockStart),
-     reinterpret_cast<void*>(&EngineThunks::BlockStart)},
-    {"HPCRLIB_RasterRow", offsetof(EngineTable, rasterRow), reinterpret_cast<void*>(&EngineThunks::Row)},
-    {"HPCRLIB_RasterBlockEnd", offsetof(EngineTable, rasterBlockEnd),
-     reinterpret_cast<void*>(&EngineThunks::BlockEnd)},
-};
-
-void** Entry(EngineTable& table, const EntryPoint& point) {
-    return reinterpret_cast<void**>(reinterpret_cast<uint8_t*>(&table) + point.offset);
-}
 
 }  // namespace
 
@@ -168,15 +154,15 @@ struct LoaderReplacements {
     static FARPROC WINAPI FindEntry(HMODULE module, LPCSTR name) {
         const auto original = current->patches_.Original("GetProcAddress", &FindEntry);
         if (module == nullptr || module != current->handle_) return original(module, name);
-        for (const EntryPoint& point : kEntryPoints) {
+        for (const PrintEngineExport& point : kPrintEngineExports) {
             if (strcmp(point.name, name) != 0) continue;
-            void** entry = Entry(current->entries_, point);
-            if (auto* table = std::get_if<EngineTable>(&current->source_)) {
-                *entry = *Entry(*table, point);
+            void** entry = point.In(current->entries_);
+            if (auto* engine = std::get_if<PrintEngine>(&current->source_)) {
+                *entry = *point.In(*engine);
             } else {
                 *entry = reinterpret_cast<void*>(original(module, name));
             }
-            if (*entry != nullptr) return reinterpret_cast<FARPROC>(point.thunk);
+            if (*entry != nullptr) return reinterpret_cast<FARPROC>(*point.In(thunks));
         }
         current->Refused(std::string("hpcrlib.dll has no ") + name);
         SetLastError(ERROR_PROC_NOT_FOUND);
@@ -189,7 +175,7 @@ struct LoaderReplacements {
         ++current->books_.frees;
         current->handle_ = nullptr;
         current->entries_ = {};
-        return std::holds_alternative<EngineTable>(current->source_) ? TRUE : original(module);
+        return std::holds_alternative<PrintEngine>(current->source_) ? TRUE : original(module);
     }
 };
 

@@ -16,19 +16,8 @@
 #include "host/patch_set.h"
 #include "support/platform.h"
 
-// The seven entry points; a null one is an export that the library lacks.
-struct EngineTable {
-    HPCRLIB_JobStartFunction jobStart = nullptr;
-    HPCRLIB_JobEndFunction jobEnd = nullptr;
-    HPCRLIB_PageStartFunction pageStart = nullptr;
-    HPCRLIB_PageEndFunction pageEnd = nullptr;
-    HPCRLIB_RasterBlockStartFunction rasterBlockStart = nullptr;
-    HPCRLIB_RasterRowFunction rasterRow = nullptr;
-    HPCRLIB_RasterBlockEndFunction rasterBlockEnd = nullptr;
-};
-
-// A library file, or functions in this process.
-using EngineSource = std::variant<std::filesystem::path, EngineTable>;
+// A library file, or functions in this process, of which a null one is an export that the library lacks.
+using EngineSource = std::variant<std::filesystem::path, PrintEngine>;
 
 // One page as the engine was told of it. Lengths of the page in 1/7200 inch, of the block in pixels.
 struct EnginePage {
@@ -83,7 +72,7 @@ class EngineLibrary {
     void Refused(std::string complaint);
 
     EngineSource source_;
-    EngineTable entries_;  // what the thunks call
+    PrintEngine entries_;  // what the thunks call
     HMODULE handle_ = nullptr;
     bool loadingFails_ = false;
     EngineBooks books_;

@@ -22,7 +22,7 @@ struct PrintEnvironment {
     bool terminal = false;  // whether `error` is one that shows progress
     std::filesystem::path programFolder = ProgramFolder();
     std::filesystem::path driver = DefaultDriverFile();
-    std::optional<EngineTable> engine = std::nullopt;  // in place of any file
+    std::optional<PrintEngine> engine = std::nullopt;  // in place of any file
 };
 
 // Runs the command with the arguments behind its name, UTF-8. Every failure is told on `error` in words.

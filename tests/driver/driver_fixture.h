@@ -33,7 +33,7 @@ class DriverTest : public testing::Test {
     static std::vector<uint8_t> Bytes(const DeviceMode& mode);
 
     // Loads the driver, once, with `engine` or what `source` names. Logging is on, at `mask`.
-    DriverSession& Session() { return Session(engine.Table()); }
+    DriverSession& Session() { return Session(engine.Entries()); }
     DriverSession& Session(EngineSource source);
     uint32_t mask = 1;  // errors and information; 3 adds the trace
 

@@ -202,23 +202,10 @@ TEST_F(PrintJob, LoadsNoLibraryFromElsewhereWhenTheInstallationFolderCannotBeEnt
 }
 
 TEST_F(PrintJob, FailsForEachMissingEntryPoint) {
-    struct Export {
-        const char* name;
-        void (*remove)(EngineTable& table);
-    };
-    const Export exports[] = {
-        {"HPCRLIB_JobStart", [](EngineTable& table) { table.jobStart = nullptr; }},
-        {"HPCRLIB_JobEnd", [](EngineTable& table) { table.jobEnd = nullptr; }},
-        {"HPCRLIB_PageStart", [](EngineTable& table) { table.pageStart = nullptr; }},
-        {"HPCRLIB_RasterBlockStart", [](EngineTable& table) { table.rasterBlockStart = nullptr; }},
-        {"HPCRLIB_RasterRow", [](EngineTable& table) { table.rasterRow = nullptr; }},
-        {"HPCRLIB_RasterBlockEnd", [](EngineTable& table) { table.rasterBlockEnd = nullptr; }},
-        {"HPCRLIB_PageEnd", [](EngineTable& table) { table.pageEnd = nullptr; }},
-    };
-    for (const Export& missing : exports) {
-        EngineTable table = engine.Table();
-        missing.remove(table);
-        Restart(table);
+    for (const PrintEngineExport& missing : kPrintEngineExports) {
+        PrintEngine entries = engine.Entries();
+        *missing.In(entries) = nullptr;
+        Restart(entries);
         const auto device = Enable(Mode());
         LogLines();
         EXPECT_FALSE(Start(device));
@@ -231,7 +218,7 @@ TEST_F(PrintJob, FailsForEachMissingEntryPoint) {
 }
 
 TEST_F(PrintJob, NamesTheFirstMissingEntryPointOnly) {
-    Restart(EngineTable{});
+    Restart(PrintEngine{});
     const auto device = Enable(Mode());
     LogLines();
     EXPECT_FALSE(Start(device));

@@ -66,16 +66,16 @@ RecordingEngine::~RecordingEngine() {
     current = nullptr;
 }
 
-EngineTable RecordingEngine::Table() const {
-    EngineTable table;
-    table.jobStart = &RecordingEntryPoints::JobStart;
-    table.jobEnd = &RecordingEntryPoints::JobEnd;
-    table.pageStart = &RecordingEntryPoints::PageStart;
-    table.pageEnd = &RecordingEntryPoints::PageEnd;
-    table.rasterBlockStart = &RecordingEntryPoints::BlockStart;
-    table.rasterRow = &RecordingEntryPoints::Row;
-    table.rasterBlockEnd = &RecordingEntryPoints::BlockEnd;
-    return table;
+PrintEngine RecordingEngine::Entries() const {
+    PrintEngine entries;
+    entries.HPCRLIB_JobStart = &RecordingEntryPoints::JobStart;
+    entries.HPCRLIB_JobEnd = &RecordingEntryPoints::JobEnd;
+    entries.HPCRLIB_PageStart = &RecordingEntryPoints::PageStart;
+    entries.HPCRLIB_PageEnd = &RecordingEntryPoints::PageEnd;
+    entries.HPCRLIB_RasterBlockStart = &RecordingEntryPoints::BlockStart;
+    entries.HPCRLIB_RasterRow = &RecordingEntryPoints::Row;
+    entries.HPCRLIB_RasterBlockEnd = &RecordingEntryPoints::BlockEnd;
+    return entries;
 }
 
 int32_t RecordingEngine::Output(std::string_view bytes) {

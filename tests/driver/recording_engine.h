@@ -19,7 +19,7 @@ class RecordingEngine {
     RecordingEngine(const RecordingEngine&) = delete;
     RecordingEngine& operator=(const RecordingEngine&) = delete;
 
-    EngineTable Table() const;
+    PrintEngine Entries() const;
 
     // Makes the n-th call of that name from now on, 1 being the next, return `status` instead of success.
     void Fail(const std::string& call, int nth, uint32_t status = 0) { failures_[call] = {nth, status}; }

@@ -159,7 +159,7 @@ class DeviceModeCorruptor : public testing::Test {
     DeviceModeCorruptor() {
         SessionSetup setup;
         setup.installation = installation_.Path();
-        setup.engine = EngineTable();
+        setup.engine = PrintEngine();
         session_.emplace(setup);
         AddLabel("258", "4", 1);
         AddLabel("300", "100.5", 0);

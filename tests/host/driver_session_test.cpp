@@ -41,7 +41,7 @@ uint32_t HPCRLIB_CALL End(uint64_t) {
     return 1;
 }
 
-constexpr EngineTable kEngine = {JobStart, JobEnd, PageStart, End, BlockStart, Row, End};
+constexpr PrintEngine kEngine = {JobStart, JobEnd, PageStart, BlockStart, Row, End, End};
 
 class DriverSessionTest : public testing::Test {
   protected:

@@ -34,7 +34,7 @@ uint32_t HPCRLIB_CALL RefuseEnd(uint64_t) {
     return 9;
 }
 
-constexpr EngineTable kTable = {JobStart, JobEnd, PageStart, End, BlockStart, Row, End};
+constexpr PrintEngine kEngine = {JobStart, JobEnd, PageStart, BlockStart, Row, End, End};
 
 class EngineLibraryTest : public testing::Test {
   protected:
@@ -53,7 +53,7 @@ class EngineLibraryTest : public testing::Test {
 }  // namespace
 
 TEST_F(EngineLibraryTest, AnswersTheDriversRequestForIt) {
-    EngineLibrary engine(kTable);
+    EngineLibrary engine(kEngine);
     engine.Attach(nullptr);
     for (const WCHAR* name : {L"hpcrlib.dll", L"HPCRLIB.DLL"}) {
         const HMODULE library = LoadLibraryW(name);
@@ -69,7 +69,7 @@ TEST_F(EngineLibraryTest, AnswersTheDriversRequestForIt) {
 }
 
 TEST_F(EngineLibraryTest, LeavesOtherLibrariesToTheSystem) {
-    EngineLibrary engine(kTable);
+    EngineLibrary engine(kEngine);
     engine.Attach(nullptr);
     EXPECT_EQ(LoadLibraryW(L"no-such-library-here.dll"), nullptr);
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_MOD_NOT_FOUND));
@@ -77,9 +77,9 @@ TEST_F(EngineLibraryTest, LeavesOtherLibrariesToTheSystem) {
 }
 
 TEST_F(EngineLibraryTest, LacksTheExportsThatAreNull) {
-    EngineTable table = kTable;
-    table.rasterRow = nullptr;
-    EngineLibrary engine(table);
+    PrintEngine entries = kEngine;
+    entries.HPCRLIB_RasterRow = nullptr;
+    EngineLibrary engine(entries);
     engine.Attach(nullptr);
     const HMODULE library = LoadLibraryW(L"hpcrlib.dll");
     EXPECT_NE(GetProcAddress(library, "HPCRLIB_RasterBlockStart"), nullptr);
@@ -90,7 +90,7 @@ TEST_F(EngineLibraryTest, LacksTheExportsThatAreNull) {
 }
 
 TEST_F(EngineLibraryTest, KeepsTheBooksOfAJob) {
-    EngineLibrary engine(kTable);
+    EngineLibrary engine(kEngine);
     engine.Attach(nullptr);
     const HMODULE library = LoadLibraryW(L"hpcrlib.dll");
     const auto jobStart = Find<HPCRLIB_JobStartFunction>(library, "HPCRLIB_JobStart");
@@ -136,7 +136,7 @@ TEST_F(EngineLibraryTest, KeepsTheBooksOfAJob) {
 }
 
 TEST_F(EngineLibraryTest, NotesAJobThatDidNotStart) {
-    EngineLibrary engine(kTable);
+    EngineLibrary engine(kEngine);
     engine.Attach(nullptr);
     const HMODULE library = LoadLibraryW(L"hpcrlib.dll");
     startedJob = 0;
@@ -147,9 +147,9 @@ TEST_F(EngineLibraryTest, NotesAJobThatDidNotStart) {
 }
 
 TEST_F(EngineLibraryTest, KeepsTheFirstRefusalsAndCountsTheRest) {
-    EngineTable table = kTable;
-    table.jobEnd = RefuseEnd;
-    EngineLibrary engine(table);
+    PrintEngine entries = kEngine;
+    entries.HPCRLIB_JobEnd = RefuseEnd;
+    EngineLibrary engine(entries);
     engine.Attach(nullptr);
     const HMODULE library = LoadLibraryW(L"hpcrlib.dll");
     const auto jobEnd = Find<HPCRLIB_JobEndFunction>(library, "HPCRLIB_JobEnd");
@@ -161,7 +161,7 @@ TEST_F(EngineLibraryTest, KeepsTheFirstRefusalsAndCountsTheRest) {
 }
 
 TEST_F(EngineLibraryTest, IsNotThereWhenLoadingIsMadeToFail) {
-    EngineLibrary engine(kTable);
+    EngineLibrary engine(kEngine);
     engine.Attach(nullptr);
     engine.FailLoading(true);
     EXPECT_EQ(LoadLibraryW(L"hpcrlib.dll"), nullptr);

@@ -76,7 +76,7 @@ class OrvexPrintTest : public testing::Test {
     }
 
     ScratchFolder scratch;
-    std::optional<EngineTable> engine;
+    std::optional<PrintEngine> engine;
     fs::path programFolder;
     bool terminal = false;
     std::string out;
@@ -125,11 +125,11 @@ uint32_t HPCRLIB_CALL End(uint64_t) {
     return 1;
 }
 
-EngineTable RefusingEngine(uint32_t row, uint32_t jobEnd) {
+PrintEngine RefusingEngine(uint32_t row, uint32_t jobEnd) {
     refusedRow = row;
     refusedEnd = jobEnd;
     rowsSeen = 0;
-    return {JobStart, JobEnd, PageStart, End, BlockStart, Row, End};
+    return {JobStart, JobEnd, PageStart, BlockStart, Row, End, End};
 }
 
 }  // namespace
@@ -229,7 +229,7 @@ TEST_F(OrvexPrintTest, TellsOfAnEngineCallThatTheDriverSwallows) {
 
 TEST_F(OrvexPrintTest, TellsOfAJobThatTheDriverRefuses) {
     engine = RefusingEngine(UINT32_MAX, UINT32_MAX);
-    engine->pageEnd = nullptr;
+    engine->HPCRLIB_PageEnd = nullptr;
     EXPECT_EQ(Run({"--size", "30x40mm", "-o", Text("out.prn"), WritePage("a.png")}), kExitFailed);
     EXPECT_EQ(
         error,

@@ -5,6 +5,7 @@
 #include <stdexcept>
 
 #include "host/wide_text.h"
+#include "support/shell.h"
 #include "tests/support/scratch_folder.h"
 
 namespace {
