@@ -67,9 +67,10 @@ void* lodepng_malloc(size_t size) {
 void* lodepng_realloc(void* memory, size_t size) {
     if (!working) return realloc(memory, size);
     if (memory == nullptr) return lodepng_malloc(size);
+    void** const entry = Find(memory);
     void* moved = realloc(memory, size == 0 ? 1 : size);
     if (moved == nullptr) longjmp(givenUp, 1);
-    if (void** entry = Find(memory)) *entry = moved;
+    if (entry != nullptr) *entry = moved;
     return moved;
 }
 
