@@ -19,4 +19,4 @@ enum LanguageCode {
 LanguageCode QRV_Get_Locale(int* fromSettings);
 
 // The section of profilenames.inf for a language, with its brackets.
-const WCHAR* LanguageSection(LanguageCode language);
+const WCHAR* LanguageSection(LanguageCode code);

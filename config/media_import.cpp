@@ -34,7 +34,7 @@ bool TakeQuoted(std::string_view* line, char (&field)[N]) {
     SkipSeparators(line);
     if (!line->starts_with('"')) return false;
     const size_t end = line->find('"', 1);
-    if (end == std::string_view::npos || end > N) return false;
+    if (end > N) return false;  // without an end quote it is npos
     CopyText(field, line->substr(1, end - 1));
     line->remove_prefix(end + 1);
     return true;

@@ -77,7 +77,7 @@ inline constexpr uint32_t kMaxRowWidth = 32768;
 inline constexpr uint32_t kMaxBlockRows = 16384;
 
 // A rows record is closed as soon as its payload has this size.
-inline constexpr size_t kRowsRecordSize = 32 * 1024;
+inline constexpr size_t kRowsRecordSize = size_t{32} * 1024;
 
 // Adler-32; `state` is that of the bytes in front, 1 at the start.
 constexpr uint32_t Adler32(const uint8_t* bytes, size_t size, uint32_t state = 1) {

@@ -26,7 +26,7 @@ uint32_t madeUpSize = 0;
 DWORD WINAPI AnswerKeys(HANDLE, LPCWSTR, LPWSTR keys, DWORD size, LPDWORD needed) {
     *needed = madeUpSize;
     if (keys == nullptr) return ERROR_MORE_DATA;
-    memcpy(keys, madeUpKeys.data(), std::min<size_t>(size, madeUpKeys.size()));
+    std::copy_n(madeUpKeys.data(), std::min<size_t>(size, madeUpKeys.size()), reinterpret_cast<char*>(keys));
     return ERROR_SUCCESS;
 }
 

@@ -1,5 +1,6 @@
 // settings.inf: a look-up finds what the plain definition of the file finds, whatever the file holds.
 
+#include <bit>
 #include <cstdlib>
 #include <cstring>
 
@@ -75,7 +76,7 @@ void FuzzSettings(std::span<const uint8_t> input) {
     REQUIRE(LookupFlag(wanted.section, wanted.key) == flag);
     const double number = value.empty() ? -1.5 : atof(value.c_str());
     const double found = LookupNumber(wanted.section, wanted.key, -1.5);
-    REQUIRE(memcmp(&found, &number, sizeof number) == 0);
+    REQUIRE(std::bit_cast<uint64_t>(found) == std::bit_cast<uint64_t>(number));
     REQUIRE(watch.Open() == 0);
 }
 

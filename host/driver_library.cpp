@@ -112,7 +112,7 @@ DriverLibrary::DriverLibrary(const fs::path& file) {
     }
 }
 
-DriverLibrary::~DriverLibrary() {
+DriverLibrary::~DriverLibrary() {  // NOLINT(modernize-use-equals-default): empty natively only
 #ifdef _WIN32
     FreeLibrary(module_);
 #endif

@@ -171,6 +171,6 @@ bool GraphicsEngine::Fails(EngineService service) {
 }
 
 void GraphicsEngine::Complain(const char* complaint) {
-    if (complaints_.size() < kMaxRecords) complaints_.push_back(complaint);
+    if (complaints_.size() < kMaxRecords) complaints_.emplace_back(complaint);
     SetLastError(ERROR_INVALID_PARAMETER);
 }

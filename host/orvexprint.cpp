@@ -39,7 +39,7 @@ void MakeAbsolute(JobOptions& options) {
 }
 
 fs::path FindInstallation(const JobOptions& options, const PrintEnvironment& environment) {
-    const fs::path folder =
+    fs::path folder =
         options.installation.empty() ? environment.programFolder / kInstallationFolder : options.installation;
     std::error_code failure;
     if (fs::is_directory(folder, failure)) return folder;

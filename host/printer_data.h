@@ -47,7 +47,7 @@ class PrinterData {
 
     // The text form. FromJson throws std::runtime_error, saying what is wrong, for any text that is none.
     std::string ToJson() const;
-    static PrinterData FromJson(std::string_view json);
+    static PrinterData FromJson(std::string_view text);
 
     // Keeps the text form in a file and reads it back. The file is replaced only when the new one is
     // complete. Both throw std::runtime_error naming the file.

@@ -9,6 +9,8 @@ class Progress {
     // Shows nothing unless `shown`.
     Progress(std::ostream& out, bool shown, size_t pages) : out_(out), shown_(shown), pages_(pages) {}
     ~Progress() { Clear(); }
+    Progress(const Progress&) = delete;
+    Progress& operator=(const Progress&) = delete;
 
     // `done` of `rows` rows of a page, counted from 1, are printed.
     void Show(uint64_t page, uint64_t done, uint64_t rows);

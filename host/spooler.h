@@ -77,7 +77,7 @@ class Spooler {
     };
 
     // Counts a call. True when it is to fail, with `code`.
-    bool Fails(const char* function, DWORD* code);
+    bool Fails(const char* name, DWORD* code);
     // The open printer of a handle; null, and noted, when it is not open.
     const OpenPrinter* Find(HANDLE handle, const char* function);
     // Whether this spooler has ever given out the handle.

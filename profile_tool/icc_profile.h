@@ -19,6 +19,8 @@ class IccProfile {
     // printer, or has no conversion for the intent.
     IccProfile(const std::filesystem::path& path, RenderingIntent intent, bool blackPointCompensation);
     ~IccProfile();
+    IccProfile(const IccProfile&) = delete;
+    IccProfile& operator=(const IccProfile&) = delete;
 
     // The inks at 100 %, without limit.
     void Convert(std::span<const uint32_t> colors, std::span<uint32_t> inks) const;

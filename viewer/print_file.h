@@ -29,8 +29,12 @@ struct PrintedPage {
 
 struct PrintFile {
     PrintFile() = default;
+    ~PrintFile() = default;
+    // The pages' rows lie in `bytes`, which stays where it is when it is moved.
     PrintFile(PrintFile&&) = default;
     PrintFile& operator=(PrintFile&&) = default;
+    PrintFile(const PrintFile&) = delete;
+    PrintFile& operator=(const PrintFile&) = delete;
 
     std::vector<uint8_t> bytes;
     PjlHeader header;

@@ -121,7 +121,7 @@ class Grid {
         }
     }
     const double* At(uint32_t redStep, uint32_t greenStep, uint32_t blueStep) const {
-        return amounts_ + 4 * ((redStep * kGridSteps + greenStep) * kGridSteps + blueStep);
+        return amounts_ + size_t{4} * ((redStep * kGridSteps + greenStep) * kGridSteps + blueStep);
     }
 
   private:

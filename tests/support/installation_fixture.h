@@ -11,6 +11,8 @@ class InstallationFixture {
     // `module` is the one whose question for the folder is answered: null for this program's own code.
     explicit InstallationFixture(HMODULE module = nullptr);
     ~InstallationFixture();
+    InstallationFixture(const InstallationFixture&) = delete;
+    InstallationFixture& operator=(const InstallationFixture&) = delete;
 
     // The installation folder itself. It exists.
     const std::filesystem::path& Folder() const { return folder_; }
