@@ -9,6 +9,7 @@
 #include "color/profile_names.h"
 #include "support/installation.h"
 #include "support/log.h"
+#include "support/shell.h"
 #include "support/text.h"
 
 namespace {

@@ -5,6 +5,7 @@
 #include <stdexcept>
 
 #include "host/wide_text.h"
+#include "support/shell.h"
 
 namespace fs = std::filesystem;
 

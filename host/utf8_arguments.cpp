@@ -2,7 +2,7 @@
 
 #ifdef _WIN32
 #include "host/wide_text.h"
-#include "support/platform.h"
+#include "support/shell.h"
 #endif
 
 std::vector<std::string> Utf8Arguments([[maybe_unused]] int count, [[maybe_unused]] char** arguments) {

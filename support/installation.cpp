@@ -1,5 +1,6 @@
 #include "support/installation.h"
 
+#include "support/shell.h"
 #include "support/text.h"
 
 namespace {

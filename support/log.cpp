@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "support/module.h"
+#include "support/shell.h"
 
 std::atomic<uint32_t> logMask = 0;
 

@@ -1,8 +1,12 @@
-// The one place that brings in the Windows headers. Everything below includes this instead of <windows.h>.
+// The one place that brings in the Windows headers, but for the shell's. Everything includes this instead of
+// <windows.h>.
 #pragma once
 
 #ifndef NOMINMAX
 #define NOMINMAX
+#endif
+#ifndef WIN32_LEAN_AND_MEAN
+#define WIN32_LEAN_AND_MEAN  // without what nobody here calls, which takes longest to compile
 #endif
 
 // <windows.h> goes first: the others rely on it.
@@ -10,8 +14,6 @@
 #include <windows.h>
 #include <winspool.h>
 #include <winddi.h>
-#include <shlobj.h>
-#include <shlwapi.h>
 // clang-format on
 
 // The records that cross the driver's boundary must have the layout that the graphics engine was built with.

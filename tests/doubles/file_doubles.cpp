@@ -10,6 +10,7 @@
 #include <cstring>
 #include <vector>
 
+#include "support/shell.h"
 #include "tests/doubles/double.h"
 
 using doubles::FailWithErrno;

@@ -1,5 +1,6 @@
 #include <cstring>
 
+#include "support/shell.h"
 #include "tests/doubles/double.h"
 
 namespace {

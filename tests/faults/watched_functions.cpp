@@ -7,6 +7,7 @@
 
 #include "engine/hpcrlib.h"
 #include "host/wide_text.h"
+#include "support/shell.h"
 #include "tests/faults/call_watch.h"
 
 namespace {

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "host/import_patch.h"
+#include "support/shell.h"
 #include "support/text.h"
 #include "tests/support/allocation_failure.h"
 #include "tests/support/installation_fixture.h"

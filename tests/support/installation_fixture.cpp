@@ -2,6 +2,8 @@
 
 #include <cstring>
 #include <string>
+
+#include "support/shell.h"
 #ifndef _WIN32
 #include "tests/doubles/double.h"
 #endif
