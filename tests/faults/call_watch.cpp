@@ -1,5 +1,7 @@
 #include "tests/faults/call_watch.h"
 
+#include <utility>
+
 namespace {
 
 CallWatch* current = nullptr;
@@ -50,6 +52,11 @@ CallWatch::~CallWatch() {
 void CallWatch::Begin(size_t failing) {
     calls_.clear();
     failing_ = failing;
+}
+
+std::vector<WatchedCall> CallWatch::TakeCalls() {
+    failing_ = kNone;
+    return std::exchange(calls_, {});
 }
 
 void CallWatch::Enter(std::string_view place) {

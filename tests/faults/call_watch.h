@@ -41,10 +41,9 @@ std::vector<WatchedFunction>& WatchedFunctions();
 
 struct WatchedCall {
     std::string function;
-    std::string
-        subject;  // the file, value, entry point or line that the call is about; empty when there is none
-    std::string place;  // "DrvSendPage 2/HPCRLIB_PageStart"
-    size_t bytes = 0;   // of an allocation
+    std::string subject;  // the file, value, entry point or line that it is about; empty when there is none
+    std::string place;    // "DrvSendPage 2/HPCRLIB_PageStart"
+    size_t bytes = 0;     // of an allocation
 
     // "ReadFile settings.inf", "malloc 520"
     std::string Label() const {
@@ -66,9 +65,8 @@ class CallWatch {
     static constexpr size_t kNone = SIZE_MAX;
     // Forgets all calls. The call of that number from now on, 0 being the next, fails.
     void Begin(size_t failing = kNone);
-    const std::vector<WatchedCall>& Calls() const { return calls_; }
-    // Whether the call that was to fail has come.
-    bool HasFailed() const { return calls_.size() > failing_; }
+    // The calls since then; no call fails any more.
+    std::vector<WatchedCall> TakeCalls();
 
     void Enter(std::string_view place);
     void Leave();

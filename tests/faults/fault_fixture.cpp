@@ -157,8 +157,7 @@ JobRecord FaultTest::Run(size_t failingCall) {
     }
     record_.written = Printer().written;
     for (const std::string& line : LogLines()) record_.log.push_back(WithoutAddresses(line));
-    record_.calls = watch_->Calls();
-    watch_->Begin();
+    record_.calls = watch_->TakeCalls();
     return std::move(record_);
 }
 

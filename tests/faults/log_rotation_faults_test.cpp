@@ -62,7 +62,7 @@ class LogRotationFaults : public FaultTest {
         Session().Hooks().completePdev(nullptr, nullptr);
         EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_PARAMETER});
         Watch().Leave();
-        return Watch().Calls();
+        return Watch().TakeCalls();
     }
 
   private:

@@ -139,11 +139,10 @@ TEST(ProfileWriter, RefusesWhatTheDriverWouldNotAccept) {
         [&] { ProfileBytes(marked); },
         ThrowsMessage<std::invalid_argument>(HasSubstr("entry 17 of the variant for other resolutions")));
 
-    Profile small = PaperProfile();
-    small.at600.pop_back();
-    EXPECT_THAT([&] { ProfileBytes(small); },
-                ThrowsMessage<std::invalid_argument>(
-                    HasSubstr("the variant for 600 dpi has 4912 entries instead of 4913")));
+    Profile cut = PaperProfile();
+    cut.at600.pop_back();
+    EXPECT_THAT([&] { ProfileBytes(cut); }, ThrowsMessage<std::invalid_argument>(HasSubstr(
+                                                "the variant for 600 dpi has 4912 entries instead of 4913")));
 
     for (int version : {0, 6}) {
         Profile unknown = PaperProfile();

@@ -291,8 +291,8 @@ TEST(PrintFile, RandomRowCodeEndsInAnErrorOrInSoundPages) {
     std::mt19937 random(17);
     for (int round = 0; round < 5'000; ++round) {
         std::string code(1 + random() % 40, '\0');
-        for (char& byte : code)
-            byte = random() % 3 ? static_cast<char>(random() % 4) : static_cast<char>(random());
+        for (char& each : code)
+            each = random() % 3 ? static_cast<char>(random() % 4) : static_cast<char>(random());
         const std::string bytes =
             Opening() + kBeforeRows + MakeRecord('R', code) + kBlockEnd + kPageEnd + kJobEnd + kExit;
         try {

@@ -7,8 +7,8 @@
 #include "host/driver_library.h"
 #include "tests/endurance/helper/turn_book.h"
 
-// Writers are numbered from here on. No line's number gets here: the driver has nothing to say of a field that
-// a reset leaves as it is, so a writer must never write the line that has its own number.
+// Writers are numbered from here on. No line's number gets here: the driver has nothing to say of a field
+// that a reset leaves as it is, so a writer must never write the line that has its own number.
 constexpr uint32_t kFirstWriter = 1'000'000'000;
 
 // What a writer's line says behind its time, thread and level. Every other one is too long for one write to
