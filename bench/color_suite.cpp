@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 
@@ -11,6 +12,8 @@
 namespace {
 
 constexpr int16_t kDpi = 600;
+constexpr uint32_t kLookAhead = 128;  // pixels that bare look-ups ask for in advance
+constexpr uint32_t kColorBits = 0xFFFFFF;
 constexpr double kSameWork = 2;  // amounts, of 255, by which two interpolations of one grid may differ
 
 // A page converted row by row into one row of inks, as the row loop does it.
@@ -23,6 +26,20 @@ class PageConversion {
     }
     void Theirs(const LittleCms& colors) {
         for (int32_t y = 0; y < page_.height; ++y) colors.Convert(Row(y), inks_.data(), Width());
+    }
+
+    // Fetches the same entries of the cache and does nothing else: as fast as this machine's memory gives
+    // them.
+    void BareLookUps() {
+        for (int32_t y = 0; y < page_.height; ++y) {
+            const uint32_t* row = Row(y);
+            const uint32_t width = Width();
+            for (uint32_t x = 0; x < width; ++x) {
+                __builtin_prefetch(&g_colorCache[row[std::min(x + kLookAhead, width - 1)] & kColorBits], 0,
+                                   2);
+                inks_[x] = g_colorCache[row[x] & kColorBits];
+            }
+        }
     }
 
     void Check(const PageSettings& settings, const std::vector<uint32_t>& inks) {
@@ -93,6 +110,21 @@ void AgainstLittleCms(Bench& bench, const BenchSetting& setting, PageArt art, do
                 check});
 }
 
+// Whatever a page costs beyond these is ours; the rest is the machine's.
+void AgainstBareLookUps(Bench& bench, const BenchSetting& setting, PageArt art) {
+    const std::string title = "row conversion, " + std::string(NameOf(art)) + ", bare look-ups";
+    if (!bench.Wants(title)) return;
+    const BenchPage page = DrawPage(art, kA4At600, true);
+    LoadFresh(setting);
+    PageConversion conversion(page);
+    bench.Hold({title,
+                {"ConvertRow", [&] { conversion.Ours({}); }},
+                {"bare look-ups", [&] { conversion.BareLookUps(); }},
+                AimKind::AtMost,
+                0,
+                [&] { conversion.Check({}, setting.inks); }});
+}
+
 void AgainstPlainColour(Bench& bench, const BenchSetting& setting) {
     const struct {
         const char* title;
@@ -134,5 +166,7 @@ void MeasureRowConversion(Bench& bench, const BenchSetting& setting) {
     AgainstLittleCms(bench, setting, PageArt::Label, 15);
     AgainstLittleCms(bench, setting, PageArt::Photo, 8);
     AgainstLittleCms(bench, setting, PageArt::Noise, 3);
+    AgainstBareLookUps(bench, setting, PageArt::Photo);
+    AgainstBareLookUps(bench, setting, PageArt::Noise);
     AgainstPlainColour(bench, setting);
 }
