@@ -47,9 +47,10 @@ TEST_F(SendPage, CountsTheFillInTheNumberOfARefusedRow) {
     };
     for (const Case& item : {Case{1, 0}, {top, top - 1}, {top + 6, top + 5}, {top + kW + 3, top + kW + 2}}) {
         engine.Fail("RasterRow", item.nth);
-        Print(mode, false);
+        EXPECT_EQ(Print(mode, false).size(), static_cast<size_t>(item.nth));
         EXPECT_THAT(LogLines(),
                     Contains("[Error] Error: could not send raster row " + std::to_string(item.number)));
+        EXPECT_THAT(engine.calls, AllOf(Not(Contains("RasterBlockEnd")), Not(Contains("PageEnd"))));
         Session().EndDoc(Current());
     }
 }
@@ -153,6 +154,20 @@ TEST_F(SendPage, LogsOnlyTheMeasuresOfAnOffsetThatWouldLeaveThePrintHead) {
                             "[Info]  phOffset:" + std::to_string(alignment == 0 ? 23 : -24) + " topOff:")));
             Session().EndDoc(Current());
         }
+    }
+}
+
+TEST_F(SendPage, LogsAnOffsetOfOnePixelAndNoneOfNothing) {
+    DeviceMode mode = Mode();
+    mode.priv.alignment = 2;
+    for (const int16_t offset : {int16_t{-2}, int16_t{0}}) {
+        mode.priv.phHOffset = offset;
+        Print(mode, false);
+        const auto lines = LogLines();
+        EXPECT_EQ(std::count_if(lines.begin(), lines.end(),
+                                [](const auto& line) { return line.starts_with("[Info]  phOffset"); }),
+                  offset == 0 ? 0 : 2);
+        Session().EndDoc(Current());
     }
 }
 

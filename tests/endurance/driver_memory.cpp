@@ -40,14 +40,14 @@ HLOCAL WINAPI FreeLocal(HLOCAL memory) {
 
 }  // namespace
 
-DriverMemory::DriverMemory(DriverSession& session) : session_(session) {
-    calls = &patches_;
-    patches_.Attach(session.Driver().Module(), {{"malloc", &Allocate},
-                                                {"calloc", &AllocateZeroed},
-                                                {"realloc", &Reallocate},
-                                                {"free", &Free},
-                                                {"LocalAlloc", &AllocateLocal},
-                                                {"LocalFree", &FreeLocal}});
+DriverMemory::DriverMemory(const DriverLibrary& driver) {
+    calls = &calls_;
+    calls_.Attach(driver.Module(), {{"malloc", &Allocate},
+                                    {"calloc", &AllocateZeroed},
+                                    {"realloc", &Reallocate},
+                                    {"free", &Free},
+                                    {"LocalAlloc", &AllocateLocal},
+                                    {"LocalFree", &FreeLocal}});
 }
 
 DriverMemory::~DriverMemory() {
@@ -62,32 +62,13 @@ size_t DriverMemory::LiveBytes() const {
 
 #else
 
-#include <dlfcn.h>
-#include <malloc.h>
-
-// AddressSanitizer's, in a build that has it: its header does not come with every compiler.
-extern "C" size_t __sanitizer_get_current_allocated_bytes() __attribute__((weak));
-
-namespace {
-
-size_t AllocatedBytes() {
-    return __sanitizer_get_current_allocated_bytes != nullptr ? __sanitizer_get_current_allocated_bytes()
-                                                              : mallinfo2().uordblks;
-}
-
-}  // namespace
-
-// The engine's library stays loaded meanwhile: AddressSanitizer notes down each load of a library that has
-// something to destroy, and forgets it at the program's end only.
-DriverMemory::DriverMemory(DriverSession& session)
-    : session_(session), engine_(dlopen((ProgramFolder() / "hpcrlib.dll").c_str(), RTLD_NOW)) {}
-DriverMemory::~DriverMemory() {
-    if (engine_ != nullptr) dlclose(engine_);
-}
+DriverMemory::DriverMemory(const DriverLibrary& driver) : heap_(driver.Module()) {}
+DriverMemory::~DriverMemory() = default;
 
 size_t DriverMemory::LiveBytes() const {
-    return AllocatedBytes() - session_.Graphics().Erasures().capacity() * sizeof(Erasure) -
-           session_.Engine().Books().pages.capacity() * sizeof(EnginePage);
+    size_t bytes = 0;
+    for (const auto& block : heap_.LiveBlocks()) bytes += block.size();
+    return bytes;
 }
 
 #endif

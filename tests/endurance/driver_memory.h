@@ -3,14 +3,18 @@
 
 #include <cstddef>
 
-#include "host/driver_session.h"
+#include "host/driver_library.h"
+#ifdef _WIN32
 #include "host/patch_set.h"
+#else
+#include "host/debug_heap.h"
+#endif
 
-// In the Windows build the calls of the driver's library alone are counted. Natively the
-// allocator is asked for all of the process, and what the session notes down is left out.
+// While it lives, the calls of the driver's library alone are counted. On Windows the blocks are the ordinary
+// heap's, since guard pages would show in the memory of the process.
 class DriverMemory {
   public:
-    explicit DriverMemory(DriverSession& session);
+    explicit DriverMemory(const DriverLibrary& driver);
     ~DriverMemory();
     DriverMemory(const DriverMemory&) = delete;
     DriverMemory& operator=(const DriverMemory&) = delete;
@@ -19,9 +23,9 @@ class DriverMemory {
     size_t LiveBytes() const;
 
   private:
-    DriverSession& session_;
-    PatchSet patches_;
-#ifndef _WIN32
-    void* engine_;
+#ifdef _WIN32
+    PatchSet calls_;
+#else
+    DebugHeap heap_;
 #endif
 };

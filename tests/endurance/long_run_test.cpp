@@ -63,7 +63,7 @@ TEST_F(LongRun, NeitherGrowsNorChangesWhatItPrints) {
     const size_t kinds = JobKinds().size();
     const size_t warm = 2 * kinds;
     DriverSession session(JobSession(installation_.Path()));
-    const DriverMemory memory(session);
+    const DriverMemory memory(session.Driver());
     std::vector<std::string> firsts;
     std::vector<JobRecord> records;
     records.reserve(kJobs);
