@@ -12,8 +12,8 @@ constexpr uint32_t kHalfGridSteps = 128;  // even components: 0, 2, ..., 254
 // One encoding of the colours.
 struct ColorLayout {
     uint8_t version;
-    size_t variantSize;  // in bytes
     int prepared;        // the byte that the cache is filled with beforehand
+    size_t variantSize;  // in bytes
     bool (*read)(BlockReader& file, uint32_t* cache);
 };
 
@@ -101,11 +101,11 @@ constexpr size_t kHalfGrid = size_t{kHalfGridSteps} * kHalfGridSteps * kHalfGrid
 constexpr size_t kGridOnly = kGridPoints * kInks;
 
 constexpr ColorLayout kLayouts[] = {
-    {kEntries, kAllColors, kNotPrepared, ReadEntries},
-    {kPlanes, kAllColors, kNotPrepared, ReadPlanes},
-    {kHalfGridEntries, kHalfGrid, 0x00, ReadHalfGridEntries},
-    {kHalfGridPlanes, kHalfGrid, 0xFF, ReadHalfGridPlanes},
-    {kGrid, kGridOnly, 0xFF, ReadGrid},
+    {kEntries, kNotPrepared, kAllColors, ReadEntries},
+    {kPlanes, kNotPrepared, kAllColors, ReadPlanes},
+    {kHalfGridEntries, 0x00, kHalfGrid, ReadHalfGridEntries},
+    {kHalfGridPlanes, 0xFF, kHalfGrid, ReadHalfGridPlanes},
+    {kGrid, 0xFF, kGridOnly, ReadGrid},
 };
 
 const ColorLayout* FindLayout(uint8_t version) {
