@@ -84,10 +84,13 @@ TEST(PagePictures, CompositeAndInksShowTheSameRows) {
     EXPECT_EQ(PixelAt(composite, 0, 0), kPaperWhite);
     EXPECT_NE(PixelAt(composite, 1, 0), PixelAt(composite, 2, 0));
     using Samples = std::vector<uint8_t>;
-    EXPECT_EQ(DrawInk(file, file.pages[0], area, 1, kBlackInk).samples, Samples({255, 255, 255, 255, 0, 254}));
+    EXPECT_EQ(DrawInk(file, file.pages[0], area, 1, kBlackInk).samples,
+              Samples({255, 255, 255, 255, 0, 254}));
     EXPECT_EQ(DrawInk(file, file.pages[0], area, 1, kCyanInk).samples, Samples({255, 255, 255, 0, 255, 253}));
-    EXPECT_EQ(DrawInk(file, file.pages[0], area, 1, kMagentaInk).samples, Samples({255, 255, 0, 255, 255, 252}));
-    EXPECT_EQ(DrawInk(file, file.pages[0], area, 1, kYellowInk).samples, Samples({255, 0, 255, 255, 255, 251}));
+    EXPECT_EQ(DrawInk(file, file.pages[0], area, 1, kMagentaInk).samples,
+              Samples({255, 255, 0, 255, 255, 252}));
+    EXPECT_EQ(DrawInk(file, file.pages[0], area, 1, kYellowInk).samples,
+              Samples({255, 0, 255, 255, 255, 251}));
 }
 
 TEST(PagePictures, PixelsAreTakenTogether) {
