@@ -226,6 +226,15 @@ TEST_F(SendPage, FillsTheHeadWithThePatternAroundAFullWidthPage) {
     EXPECT_THAT(engine.calls, Contains("RasterBlockStart 0 0 472 3510"));
 }
 
+TEST_F(SendPage, FillsTheHeadWithThePatternAroundAPageOfOnePixelsWidth) {
+    DeviceMode mode = Landscape();
+    mode.priv.kws = 1;
+    mode.priv.kws_fullwidth = 1;
+    const Rows rows = PrintSize(mode, 1, 8);
+    ASSERT_EQ(rows.size(), 3510u);
+    EXPECT_THAT(rows, Each(ElementsAre(0x4u)));
+}
+
 TEST_F(SendPage, FillsWithTheLightPatternAt600Dpi) {
     DeviceMode mode = Mode();
     mode.pub.dmPrintQuality = 600;

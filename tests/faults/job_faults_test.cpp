@@ -1,6 +1,7 @@
 // One job after another, each with one failing call, over all kinds of calls that the job makes.
 
 #include <algorithm>
+#include <cstdlib>
 #include <map>
 #include <optional>
 #include <tuple>
@@ -52,8 +53,9 @@ constexpr bool kLastCallsToo =
 #endif
 
 // The first and the last call of each kind, of what is alike everywhere the first; of a page's rows the
-// first, second, middle and last.
+// first, second, middle and last. All calls, which take minutes, where the environment has ORVEX_EVERY_CALL.
 std::vector<PlacedCall> ChooseCalls(const std::vector<PlacedCall>& calls) {
+    if (getenv("ORVEX_EVERY_CALL") != nullptr) return calls;
     std::map<std::tuple<std::string, std::string, std::string, std::string>, std::vector<size_t>> kinds;
     for (const PlacedCall& call : calls) kinds[KindOf(call)].push_back(call.number);
     std::vector<size_t> chosen;
