@@ -68,10 +68,12 @@ std::string ReadGrownLog(const fs::path& log) {
         file.read(chunk.data(), static_cast<std::streamsize>(chunk.size()));
         return std::string_view(chunk).substr(0, static_cast<size_t>(file.gcount()));
     };
+    bool beyondHole = false;
     for (std::string_view lines = read(); !lines.empty(); lines = read()) {
-        const size_t hole = lines.find('\0');
+        const size_t hole = beyondHole ? std::string_view::npos : lines.find('\0');
         text += lines.substr(0, hole);
         if (hole == std::string_view::npos) continue;
+        beyondHole = true;
         file.clear();
         file.seekg(static_cast<std::streamoff>(kMaxLogBytes) + 1);
     }
