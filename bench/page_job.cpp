@@ -8,7 +8,6 @@
 namespace {
 
 constexpr uint64_t kJob = 1;
-constexpr uint32_t kSuccess = 1;
 
 RowObserver rowObserver;
 int32_t rowsTaken = 0;
@@ -16,16 +15,16 @@ int32_t rowsTaken = 0;
 // An engine that takes everything and does nothing.
 struct IdleEngine {
     static uint64_t HPCRLIB_CALL JobStart(HPCRLIB_OutputCallback, void*, uint32_t, uint32_t) { return kJob; }
-    static uint32_t HPCRLIB_CALL Done(uint64_t) { return kSuccess; }
-    static uint32_t HPCRLIB_CALL PageStart(uint64_t, uint32_t, uint32_t) { return kSuccess; }
+    static uint32_t HPCRLIB_CALL Done(uint64_t) { return kEngineSuccess; }
+    static uint32_t HPCRLIB_CALL PageStart(uint64_t, uint32_t, uint32_t) { return kEngineSuccess; }
     static uint32_t HPCRLIB_CALL BlockStart(uint64_t, uint32_t, uint32_t, uint32_t, uint32_t) {
         rowsTaken = 0;
-        return kSuccess;
+        return kEngineSuccess;
     }
     static uint32_t HPCRLIB_CALL Row(uint64_t, const uint32_t* row) {
         if (rowObserver) rowObserver(rowsTaken, row);
         ++rowsTaken;
-        return kSuccess;
+        return kEngineSuccess;
     }
     static PrintEngine Entries() {
         PrintEngine entries;

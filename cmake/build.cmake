@@ -48,6 +48,11 @@ endfunction()
 # compiled fast, not to run fast.
 set(ORVEX_COMPILED_FAST -O0)
 
+# orvex_compile_fast(SOURCE...): sources of this folder that include CLI11 or nlohmann's JSON.
+function(orvex_compile_fast)
+    set_source_files_properties(${ARGN} PROPERTIES COMPILE_OPTIONS "${ORVEX_COMPILED_FAST}" SKIP_PRECOMPILE_HEADERS ON)
+endfunction()
+
 # UBSan is for what is tested; in the tests it would cost a third of their compilation.
 set(ORVEX_TEST_OPTIONS ${ORVEX_COMPILED_FAST})
 if(ORVEX_SANITIZE MATCHES undefined)

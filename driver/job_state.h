@@ -8,8 +8,6 @@
 #include "engine/hpcrlib.h"
 #include "support/platform.h"
 
-constexpr uint32_t kEngineSuccess = 1;
-
 // A change of the engine resolution that waits to be patched into the engine's output. The output callback
 // acts while both flags are set, and clears both; DrvStartPage clears `pending` only.
 struct ResolutionSwitch {

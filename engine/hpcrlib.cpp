@@ -31,7 +31,6 @@ struct RuntimeReserve {
 } runtimeReserve;
 #endif
 
-constexpr uint32_t kSuccess = 1;
 constexpr uint32_t kFailure = 0;
 
 struct JobEntry {
@@ -87,7 +86,7 @@ uint32_t RunStep(uint64_t handle, Step step, Afterwards afterwards = Afterwards:
     const JobInCall call(handle, afterwards);
     if (!call.Get()) return kFailure;
     try {
-        return step(*call.Get()) ? kSuccess : kFailure;
+        return step(*call.Get()) ? kEngineSuccess : kFailure;
     } catch (...) {
         call.Get()->Break();
         return kFailure;

@@ -1,5 +1,5 @@
 // The interface of the print engine's raster library, hpcrlib.dll, as the driver calls it. Lengths are
-// unsigned 32-bit numbers; a status of 1 is success.
+// unsigned 32-bit numbers.
 #pragma once
 
 #include <cstddef>
@@ -10,6 +10,9 @@
 #elif defined(__x86_64__)
 #define HPCRLIB_CALL __attribute__((ms_abi))
 #endif
+
+// The status of a call that did its work. Any other, 0 among them, is a failure.
+inline constexpr uint32_t kEngineSuccess = 1;
 
 extern "C" {
 

@@ -12,7 +12,6 @@ namespace {
 EngineLibrary* current = nullptr;
 
 constexpr std::u16string_view kLibraryName = u"hpcrlib.dll";
-constexpr uint32_t kSuccess = 1;
 constexpr size_t kMaxRefusals = 16;
 constexpr size_t kMaxPages = 100000;
 
@@ -42,7 +41,7 @@ struct EngineThunks {
 
     // Passes a status on and keeps a refusal.
     static uint32_t Status(uint32_t status, const std::string& call) {
-        if (status != kSuccess) current->Refused(call + " was refused (" + std::to_string(status) + ")");
+        if (status != kEngineSuccess) current->Refused(call + " was refused (" + std::to_string(status) + ")");
         return status;
     }
 
@@ -56,7 +55,7 @@ struct EngineThunks {
 
     static uint32_t HPCRLIB_CALL JobEnd(uint64_t job) {
         const uint32_t status = Status(Entries().HPCRLIB_JobEnd(job), "HPCRLIB_JobEnd");
-        if (status == kSuccess) ++Books().jobsEnded;
+        if (status == kEngineSuccess) ++Books().jobsEnded;
         return status;
     }
 
@@ -82,7 +81,7 @@ struct EngineThunks {
     static uint32_t HPCRLIB_CALL Row(uint64_t job, const uint32_t* row) {
         EnginePage* const page = CurrentPage();
         const uint32_t status = Entries().HPCRLIB_RasterRow(job, row);
-        if (status != kSuccess) {
+        if (status != kEngineSuccess) {
             return Status(status,
                           Numbered("HPCRLIB_RasterRow of row", page == nullptr ? 0 : page->rowsTaken));
         }
@@ -100,7 +99,7 @@ struct EngineThunks {
     static uint32_t HPCRLIB_CALL PageEnd(uint64_t job) {
         const uint32_t status =
             Status(Entries().HPCRLIB_PageEnd(job), Numbered("HPCRLIB_PageEnd of page", Books().pagesStarted));
-        if (status == kSuccess) ++Books().pagesEnded;
+        if (status == kEngineSuccess) ++Books().pagesEnded;
         return status;
     }
 };
