@@ -1,37 +1,16 @@
 #include <cstring>
 
 #include "bench/suites.h"
+#include "render/pixel_reduction.h"
 #include "render/thumbnail.h"
 #include "support/log.h"
+#include "tests/render/plain_reduction.h"
 #include "tests/support/log_capture.h"
 
 namespace {
 
 constexpr double kThumbnailWidth = 800;
 constexpr double kThumbnailHeight = 600;
-
-void CheckThumbnail(const BenchPage& page, int32_t scale, const std::vector<uint32_t>& reduced) {
-    const int32_t side = 1 << scale, width = page.width >> scale, height = page.height >> scale;
-    for (int32_t y = 0; y < height; ++y) {
-        for (int32_t x = 0; x < width; ++x) {
-            uint32_t want = 0xFF000000;
-            for (int shift = 0; shift < 24; shift += 8) {
-                uint64_t sum = 0;
-                for (int32_t i = 0; i < side * side; ++i) {
-                    const int32_t row = y * side + i / side, column = x * side + i % side;
-                    sum += page.pixels[static_cast<size_t>(row) * static_cast<size_t>(page.width) +
-                                       static_cast<size_t>(column)] >>
-                               shift &
-                           0xFF;
-                }
-                want |= static_cast<uint32_t>(sum / static_cast<uint64_t>(side * side)) << shift;
-            }
-            if (reduced[static_cast<size_t>(y * width + x)] != want) {
-                throw CheckFailure("the thumbnail is wrong");
-            }
-        }
-    }
-}
 
 void MeasureThumbnail(Bench& bench) {
     constexpr char kTitle[] = "thumbnail's scaling, A4 600 dpi, photo";
@@ -51,7 +30,9 @@ void MeasureThumbnail(Bench& bench) {
                 1.3,
                 [&] {
                     reduce();
-                    CheckThumbnail(page, scale, reduced);
+                    if (reduced != PlainlyReduced(page.pixels, page.width, page.height, scale)) {
+                        throw CheckFailure("the thumbnail is wrong");
+                    }
                 }});
 }
 

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "render/base64.h"
+#include "render/pixel_reduction.h"
 #include "render/png_memory/png_memory.h"
 #include "support/log.h"
 #include "support/settings_file.h"
@@ -14,7 +15,6 @@ namespace {
 constexpr double kDefaultMaxWidth = 800;
 constexpr double kDefaultMaxHeight = 600;
 constexpr double kLowestLimit = 100;
-constexpr uint32_t kOpaque = 0xFF000000;
 
 // Halvings until `side` no longer exceeds `limit`.
 int32_t Halvings(int32_t side, double limit) {
@@ -81,27 +81,6 @@ void EncodePng(const uint32_t* pixels, int32_t width, int32_t height, char** tex
 int32_t ThumbnailScale(int32_t width, int32_t height, double maxWidth, double maxHeight) {
     if (!(maxWidth >= kLowestLimit && maxHeight >= kLowestLimit)) return 0;
     return width / maxWidth > height / maxHeight ? Halvings(width, maxWidth) : Halvings(height, maxHeight);
-}
-
-void ReducePixels(const uint32_t* pixels, int32_t width, int32_t height, int32_t scale, uint32_t* out) {
-    const int32_t factor = 1 << scale;
-    for (int32_t y = 0; y < height >> scale; ++y) {
-        for (int32_t x = 0; x < width >> scale; ++x) {
-            uint64_t sums[3] = {};
-            for (int32_t row = 0; row < factor; ++row) {
-                const uint32_t* block =
-                    pixels + (ptrdiff_t{y} * factor + row) * width + ptrdiff_t{x} * factor;
-                for (int32_t column = 0; column < factor; ++column) {
-                    sums[0] += block[column] & 0xFF;
-                    sums[1] += block[column] >> 8 & 0xFF;
-                    sums[2] += block[column] >> 16 & 0xFF;
-                }
-            }
-            *out++ = static_cast<uint32_t>(sums[0] >> 2 * scale | sums[1] >> 2 * scale << 8 |
-                                           sums[2] >> 2 * scale << 16) |
-                     kOpaque;
-        }
-    }
 }
 
 int32_t BuildPageThumbnail(const uint32_t* pixels, int32_t width, int32_t height, char** text,

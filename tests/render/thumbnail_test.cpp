@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "host/import_patch.h"
+#include "render/pixel_reduction.h"
 #include "tests/support/allocation_failure.h"
 #include "tests/support/installation_fixture.h"
 #include "tests/support/log_capture.h"
@@ -75,38 +76,6 @@ TEST(ThumbnailScale, IsOffBelowALimitOfAHundred) {
 TEST(ThumbnailScale, HoldsForAbsurdLimits) {
     EXPECT_EQ(ThumbnailScale(4000, 2400, 1e300, 1e300), 0);
     EXPECT_EQ(ThumbnailScale(4000, 2400, std::numeric_limits<double>::infinity(), 600), 2);
-}
-
-TEST(ThumbnailPixels, AreTruncatedMeansOfTheirBlocksAndOpaque) {
-    const std::vector<uint32_t> pixels = {
-        0x00000001, 0x11000002, 0x00FF0000, 0x00FF0000,  //
-        0x22000003, 0x33000005, 0x00FF0000, 0x00FE0000,
-    };
-    uint32_t out[2];
-    ReducePixels(pixels.data(), 4, 2, 1, out);
-    EXPECT_THAT(out, ElementsAre(0xFF000002, 0xFFFE0000));  // 11 / 4, (3 * 255 + 254) / 4
-}
-
-TEST(ThumbnailPixels, LeaveOutWhatIsNoWholeBlock) {
-    std::vector<uint32_t> pixels(5 * 3, 0x00123456);
-    pixels[4] = pixels[9] = pixels[14] = 0x00FFFFFF;
-    std::vector<uint32_t> out(2, 0);
-    ReducePixels(pixels.data(), 5, 3, 1, out.data());
-    EXPECT_THAT(out, ElementsAre(0xFF123456, 0xFF123456));
-}
-
-TEST(ThumbnailPixels, OfAnUnscaledPageGetAnOpaqueTopByteOnly) {
-    const std::vector<uint32_t> pixels = {0x00123456, 0xAA654321};
-    uint32_t out[2];
-    ReducePixels(pixels.data(), 2, 1, 0, out);
-    EXPECT_THAT(out, ElementsAre(0xFF123456, 0xFF654321));
-}
-
-TEST(ThumbnailPixels, HoldFullSumsOfLargeBlocks) {
-    const std::vector<uint32_t> pixels(512 * 512, 0x00FFFEFD);
-    uint32_t out[1];
-    ReducePixels(pixels.data(), 512, 512, 9, out);
-    EXPECT_EQ(out[0], 0xFFFFFEFDu);
 }
 
 TEST(Thumbnail, DecodesToThePageReducedToItsLimits) {
