@@ -1,5 +1,7 @@
 #include "color/profile_colors.h"
 
+#include <emmintrin.h>
+
 #include <cstring>
 
 #include "color/color_cache.h"
@@ -28,25 +30,42 @@ bool ReadEntries(BlockReader& file, uint32_t* cache) {
     return false;
 }
 
-// Version 2: a plane of bytes for each ink, from Y down to K. A block of the cache is put together out of all
-// four planes while the processor's own caches hold it.
-bool ReadPlanes(BlockReader& file, uint32_t* cache) {
-    constexpr size_t kBlock = 32768;  // entries
-    const int64_t firstPlane = file.Position();
-    for (size_t first = 0; first < kCacheEntries; first += kBlock) {
-        uint32_t* entries = cache + first;
-        memset(entries, 0, kBlock * sizeof *entries);
-        for (size_t plane = 0; plane < size_t{kInks}; ++plane) {
-            file.Seek(firstPlane + static_cast<int64_t>(plane * kCacheEntries + first));
-            const size_t shift = 24 - 8 * plane;
-            for (size_t read = 0; read < kBlock;) {
-                const std::span<const uint8_t> bytes = file.Take(kBlock - read);
-                if (bytes.empty()) break;
-                for (size_t i = 0; i < bytes.size(); ++i) entries[read + i] |= uint32_t{bytes[i]} << shift;
-                read += bytes.size();
-            }
+// A piece of each ink's plane. One profile is read at a time, so that it need not lie on a thread's stack.
+constexpr size_t kPiece = 32768;
+alignas(16) uint8_t planePieces[kInks][kPiece];
+
+// Puts entries together out of the pieces, 16 at a time. They go past the processor's caches, which the next
+// pieces need.
+void WeavePlanes(uint32_t* entries) {
+    const auto load = [](Ink ink, size_t first) {
+        return _mm_load_si128(reinterpret_cast<const __m128i*>(planePieces[ink] + first));
+    };
+    for (size_t first = 0; first < kPiece; first += 16) {
+        const __m128i k = load(kBlackInk, first), c = load(kCyanInk, first);
+        const __m128i m = load(kMagentaInk, first), y = load(kYellowInk, first);
+        const __m128i kc[] = {_mm_unpacklo_epi8(k, c), _mm_unpackhi_epi8(k, c)};
+        const __m128i my[] = {_mm_unpacklo_epi8(m, y), _mm_unpackhi_epi8(m, y)};
+        auto* out = reinterpret_cast<__m128i*>(entries + first);
+        for (int half = 0; half < 2; ++half) {
+            _mm_stream_si128(out++, _mm_unpacklo_epi16(kc[half], my[half]));
+            _mm_stream_si128(out++, _mm_unpackhi_epi16(kc[half], my[half]));
         }
     }
+}
+
+// Version 2: a plane of bytes for each ink, from Y down to K. What does not come counts as no ink.
+bool ReadPlanes(BlockReader& file, uint32_t* cache) {
+    const int64_t firstPlane = file.Position();
+    for (size_t first = 0; first < kCacheEntries; first += kPiece) {
+        for (size_t plane = 0; plane < size_t{kInks}; ++plane) {
+            file.Seek(firstPlane + static_cast<int64_t>(plane * kCacheEntries + first));
+            uint8_t* piece = planePieces[kInks - 1 - plane];
+            const size_t came = file.Read(piece, kPiece);
+            memset(piece + came, 0, kPiece - came);
+        }
+        WeavePlanes(cache + first);
+    }
+    _mm_sfence();
     return true;
 }
 
@@ -98,7 +117,7 @@ bool ReadGrid(BlockReader& file, uint32_t* cache) {
 
 constexpr size_t kAllColors = kCacheEntries * kInks;
 constexpr size_t kHalfGrid = size_t{kHalfGridSteps} * kHalfGridSteps * kHalfGridSteps * kInks;
-constexpr size_t kGridOnly = kGridPoints * kInks;
+constexpr size_t kGridOnly = size_t{kGridPoints} * kInks;
 
 constexpr ColorLayout kLayouts[] = {
     {kEntries, kNotPrepared, kAllColors, ReadEntries},
