@@ -125,5 +125,5 @@ void AdjustColors(const int32_t (&values)[kAdjustmentValues]) {
     static_assert(kNotComputed == 0xFFFFFFFF);
     memset(g_colorCache, 0xFF, sizeof g_colorCache);
     CopyGridIn(moved, g_colorCache);
-    g_cacheKind = kGrid;
+    SetCacheKind(kGrid);
 }

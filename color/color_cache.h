@@ -19,13 +19,16 @@ enum CacheKind : int32_t {
     kPlanes = 2,           // the same
     kHalfGridEntries = 3,  // the colours with even components are there, all others are 0 and stay so
     kHalfGridPlanes = 4,   // the colours with even components are there; others: AverageHalfGridEntry
-    kGrid = 5,             // the grid points are there; others: InterpolateGridEntry
+    kGrid = 5,             // the grid points are there; others: InterpolateGridEntry (prism_interpolation.h)
 };
 
-// The table, indexed by ColorIndex, and its kind. One job renders at a time in a process; nothing here is
-// locked.
+// The table, indexed by ColorIndex, and its kind, which SetCacheKind sets. One job renders at a time in a
+// process; nothing here is locked.
 extern uint32_t g_colorCache[kCacheEntries];
 extern int32_t g_cacheKind;
+
+// Says how the table is filled, once it is. The grid points of a kGrid table must not be written behind it.
+void SetCacheKind(int32_t kind);
 
 constexpr uint32_t ColorIndex(uint32_t red, uint32_t green, uint32_t blue) {
     return red << 16 | green << 8 | blue;
@@ -39,10 +42,6 @@ constexpr uint32_t GridValue(int step) {
 // The ink value of a pixel (its top byte is ignored), by the rule of the current cache kind. A computed value
 // is kept in the table.
 uint32_t LookupColor(uint32_t pixel);
-
-// Computes the entry of a colour out of the grid points of `table` and stores it in `entry`: linear along
-// red, and over one half of the blue-green square across it. Always true.
-bool InterpolateGridEntry(uint8_t blue, uint8_t green, uint8_t red, uint32_t* entry, const uint32_t* table);
 
 // Computes the entry of a colour as the average of its even neighbours in the cache, taken as colours of
 // light, and stores it in `entry`.

@@ -42,7 +42,7 @@ int32_t zvc_load_profile(const char* path, int32_t resolution, signed char* reso
     const bool at600Dpi = resolution == kResolution600;
     if (path != nullptr) {
         LogInfo("load_profile [%s]", path);
-        g_cacheKind = ReadProfile(path, name, nameSize, at600Dpi, g_colorCache, resolutionCode);
+        SetCacheKind(ReadProfile(path, name, nameSize, at600Dpi, g_colorCache, resolutionCode));
         const std::string_view nameRead(name, TextLength(name, nameSize));
         LogInfo("read_profile %d %d %s", g_cacheKind, *resolutionCode, nameRead);
         if (g_cacheKind > 0) {
@@ -57,7 +57,7 @@ int32_t zvc_load_profile(const char* path, int32_t resolution, signed char* reso
     LogInfo("generic profile");
     FillWithGenericConversion(g_colorCache, at600Dpi ? kHalfInk : kFullInk);
     g_profileLoaded = 1;
-    g_cacheKind = kEntries;
+    SetCacheKind(kEntries);
     LogTrace("</%s>", "zvc_load_profile");
     return g_cacheKind;
 }

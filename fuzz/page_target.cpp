@@ -34,7 +34,7 @@ void FillCache() {
         g_colorCache[color] = InkOf(color);
     }
     g_colorCache[kColorBits24] = InkOf(kColorBits24);
-    g_cacheKind = kEntries;
+    SetCacheKind(kEntries);
 }
 
 // The page bitmap, in a block that ends where its last pixel ends.

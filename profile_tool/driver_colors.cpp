@@ -45,7 +45,7 @@ bool LoadIntoDriver(const std::filesystem::path& path, PrintVariant variant) {
     signed char code = 0;
     const int32_t version = ReadProfile(path.string().c_str(), name, sizeof(name),
                                         variant == PrintVariant::At600, g_colorCache, &code);
-    if (version > 0) g_cacheKind = version;
+    if (version > 0) SetCacheKind(version);
     return version > 0;
 }
 

@@ -17,7 +17,7 @@ void FillCache(int32_t kind, uint32_t others, Holds holds, InkOf inkOf) {
     for (uint32_t color = 0; color < kCacheEntries; ++color) {
         g_colorCache[color] = holds(color) ? inkOf(color) : others;
     }
-    g_cacheKind = kind;
+    SetCacheKind(kind);
 }
 
 // Puts inkOf(color) at the 4,913 grid points and leaves the other entries.
@@ -38,7 +38,7 @@ template <typename InkOf>
 void FillGrid(InkOf inkOf) {
     std::fill_n(g_colorCache, kCacheEntries, kNotComputed);
     FillGridPoints(inkOf);
-    g_cacheKind = kGrid;
+    SetCacheKind(kGrid);
 }
 
 // Holds when actual(color) is expected(color) for each of the 2^24 colours; names the first one for which it

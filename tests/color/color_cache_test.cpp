@@ -8,14 +8,6 @@
 
 namespace {
 
-uint32_t Interpolated(uint32_t color) {
-    uint32_t entry = 0;
-    EXPECT_TRUE(InterpolateGridEntry(static_cast<uint8_t>(plain::Blue(color)),
-                                     static_cast<uint8_t>(plain::Green(color)),
-                                     static_cast<uint8_t>(plain::Red(color)), &entry, g_colorCache));
-    return entry;
-}
-
 // A profile without steps: each ink follows the light that it takes.
 uint32_t Smooth(uint32_t color) {
     const uint32_t red = plain::Red(color), green = plain::Green(color), blue = plain::Blue(color);
@@ -24,25 +16,6 @@ uint32_t Smooth(uint32_t color) {
 
 uint32_t Scrambled(uint32_t color) {
     return plain::Scramble(color);
-}
-
-// Every ink either absent or full.
-uint32_t Extreme(uint32_t color) {
-    const uint32_t bits = plain::Scramble(color, 7);
-    return (bits & 1) * 0xFFu | (bits >> 1 & 1) * 0xFF00u | (bits >> 2 & 1) * 0xFF0000u |
-           (bits >> 3 & 1) * 0xFF000000u;
-}
-
-// Compares the interpolation of all 2^24 colours with the plain one.
-void ExpectPlainPrismEverywhere() {
-    const plain::Table want = plain::PrismTable(g_colorCache);
-    for (uint32_t color = 0; color < kCacheEntries; ++color) {
-        uint32_t have = 0;
-        InterpolateGridEntry(static_cast<uint8_t>(color), static_cast<uint8_t>(color >> 8),
-                             static_cast<uint8_t>(color >> 16), &have, g_colorCache);
-        ASSERT_TRUE(have == want[color])
-            << std::hex << "colour 0x" << color << " has ink 0x" << have << ", not 0x" << want[color];
-    }
 }
 
 }  // namespace
@@ -54,55 +27,11 @@ TEST(ColorCache, GridValuesAreMultiplesOf16And255) {
     EXPECT_EQ(GridValue(16), 255u);
 }
 
-TEST(PrismInterpolation, EqualsTheMatrixFormForEveryColourOfRandomInksAboveExtremes) {
-    FillGrid([](uint32_t color) { return (Scrambled(color) & 0xFFFF0000) | (Extreme(color) & 0xFFFF); });
-    ExpectPlainPrismEverywhere();
-}
-
-TEST(PrismInterpolation, EqualsTheMatrixFormForEveryColourOfExtremesAboveSmoothAndRandomInks) {
-    FillGrid([](uint32_t color) {
-        return (Extreme(color) & 0xFFFF0000) | (Scrambled(color) & 0xFF00) | (Smooth(color) & 0xFF);
-    });
-    ExpectPlainPrismEverywhere();
-}
-
-TEST(PrismInterpolation, LeavesWhiteASixteenthShortOfTheWhiteGridPoint) {
-    FillGrid([](uint32_t color) { return color == 0xFFFFFF ? 0u : 0x00000064u; });
-    // 100 of K at seven corners, none at the eighth: 100 * (1 - 0.9375 * 0.9375) = 12.1.
-    EXPECT_EQ(Interpolated(0xFFFFFF), 12u);
-    EXPECT_EQ(Interpolated(0xFFFFFF), plain::Prism(0xFFFFFF, g_colorCache));
-}
-
-TEST(PrismInterpolation, TakesTheGreenSideWhenBlueAndGreenAreEquallyFar) {
-    // Only the two corners that the sides don't share hold ink: blue's in cyan, green's in magenta.
-    FillGrid([](uint32_t color) {
-        return color == 0x000010 ? 0x0000FF00u : color == 0x001000 ? 0x00FF0000u : 0u;
-    });
-    EXPECT_EQ(Interpolated(0x000808), 0u);
-    EXPECT_EQ(Interpolated(0x000809), 0x00000F00u);  // 255 / 16
-    EXPECT_EQ(Interpolated(0x000908), 0x000F0000u);
-}
-
-TEST(PrismInterpolation, IsTheLowerCornerItselfAtMultiplesOf16) {
-    FillGrid(Scrambled);
-    for (const uint32_t color : {0x000000u, 0x102030u, 0xF0F0F0u, 0x00F000u}) {
-        EXPECT_EQ(Interpolated(color), Scrambled(color));
-        EXPECT_EQ(LookupColor(color), Scrambled(color));
-    }
-}
-
-TEST(PrismInterpolation, DropsFractionsOfAnAmount) {
-    FillGrid([](uint32_t color) { return color == 0x100000 ? 0x01010101u : 0u; });
-    EXPECT_EQ(Interpolated(0x0F0000), 0u);
-    FillGrid([](uint32_t color) { return color == 0x000000 ? 0x00000000u : 0xFEFEFEFEu; });
-    EXPECT_EQ(Interpolated(0x010000), 0x0F0F0F0Fu);  // 254 / 16 = 15.9
-}
-
 TEST(LookupOfKind5, ReturnsStoredEntriesWithComponentsOf255AsStored) {
     FillGrid(Scrambled);
     for (const uint32_t color : {0xFFFFFFu, 0xFF0000u, 0x00FF10u, 0x0000FFu}) {
         EXPECT_EQ(LookupColor(color), Scrambled(color));
-        EXPECT_NE(Interpolated(color), Scrambled(color));
+        EXPECT_NE(plain::Prism(color, g_colorCache), Scrambled(color));
     }
 }
 
@@ -136,7 +65,7 @@ TEST(Lookup, IgnoresThePixelsTopByte) {
 TEST(LookupOfOtherKinds, NeverComputesAnything) {
     for (const int32_t kind : {1, 2, 0, -1, 6, 255, INT32_MIN, INT32_MAX}) {
         FillGrid(Scrambled);
-        g_cacheKind = kind;
+        SetCacheKind(kind);
         EXPECT_EQ(LookupColor(0x123456), kNotComputed) << kind;
         EXPECT_EQ(g_colorCache[0x123456], kNotComputed) << kind;
         EXPECT_EQ(LookupColor(0x102030), Scrambled(0x102030)) << kind;

@@ -81,7 +81,7 @@ TEST_F(ProfileFile, WithoutAPathIsTheGenericConversion) {
     signed char code = 77;
     g_profileLoaded = 0;
     std::fill_n(g_colorCache, kCacheEntries, kNotComputed);
-    g_cacheKind = 5;
+    SetCacheKind(5);
     EXPECT_EQ(zvc_load_profile(nullptr, kResolution300, &code, name, sizeof name), 1);
     EXPECT_STREQ(name, "Default");
     EXPECT_EQ(code, 77);

@@ -32,7 +32,7 @@ std::vector<uint32_t> Convert(const std::vector<uint32_t>& pixels, RowOptions op
 
 // One pixel whose entry in the cache is `ink`.
 uint32_t ConvertInk(uint32_t ink, RowOptions options) {
-    g_cacheKind = kEntries;
+    SetCacheKind(kEntries);
     g_colorCache[0x123456] = ink;
     return Convert({0x123456}, options)[0];
 }
@@ -166,9 +166,9 @@ TEST(ConvertRow, KeepsWhatItComputesInTheCache) {
 
 TEST(ConvertRow, FollowsTheKindInForceAtTheMoment) {
     FillForRows(kGrid);
-    g_cacheKind = kPlanes;
+    SetCacheKind(kPlanes);
     EXPECT_THAT(Convert({0x123456}), ElementsAre(kNotComputed));
-    g_cacheKind = kGrid;
+    SetCacheKind(kGrid);
     EXPECT_THAT(Convert({0x123456}), ElementsAre(plain::Prism(0x123456, g_colorCache)));
 }
 
