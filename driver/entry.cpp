@@ -12,7 +12,7 @@ constexpr ULONG kLowestEngineVersion = 0x30000;
 constexpr ULONG kDriverVersion = 0x30000;
 
 #define HOOK(name) \
-    { INDEX_##name, reinterpret_cast<PFN>(reinterpret_cast<void*>(&name)) }
+    { INDEX_##name, reinterpret_cast<PFN>(reinterpret_cast<void*>(&(name))) }
 
 // A constant, made without code: one that is filled on first use is guarded by a lock of the C++ runtime,
 // which leaves a handle in the spooler each time that the driver is unloaded.

@@ -41,7 +41,8 @@ struct EngineThunks {
 
     // Passes a status on and keeps a refusal.
     static uint32_t Status(uint32_t status, const std::string& call) {
-        if (status != kEngineSuccess) current->Refused(call + " was refused (" + std::to_string(status) + ")");
+        if (status != kEngineSuccess)
+            current->Refused(call + " was refused (" + std::to_string(status) + ")");
         return status;
     }
 

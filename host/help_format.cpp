@@ -9,10 +9,6 @@ constexpr size_t kLineWidth = 100;
 
 }  // namespace
 
-std::string HelpFormat::make_usage(const CLI::App*, std::string name) const {
-    return "Usage: " + name + " [options] -o FILE PAGE.png...\n";
-}
-
 // One blank line between groups.
 std::string HelpFormat::make_group(std::string group, bool isPositional,
                                    std::vector<const CLI::Option*> options) const {

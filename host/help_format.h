@@ -5,7 +5,6 @@
 
 class HelpFormat : public CLI::Formatter {
   public:
-    std::string make_usage(const CLI::App* app, std::string name) const override;
     std::string make_group(std::string group, bool isPositional,
                            std::vector<const CLI::Option*> options) const override;
     std::string make_option(const CLI::Option* option, bool isPositional) const override;

@@ -188,12 +188,19 @@ void CheckTask(const JobOptions& options) {
     if (options.output.empty()) throw OptionError("no output: name a file with -o FILE");
 }
 
+class PrintHelpFormat : public HelpFormat {
+  public:
+    std::string make_usage(const CLI::App*, std::string name) const override {
+        return "Usage: " + name + " [options] -o FILE PAGE.png...\n";
+    }
+};
+
 }  // namespace
 
 std::optional<JobOptions> ParseJobOptions(const std::vector<std::string>& arguments, std::ostream& help) {
     CLI::App app(kDescription, "orvexprint");
     app.allow_windows_style_options(false);  // a name may begin with a slash
-    app.formatter(std::make_shared<HelpFormat>());
+    app.formatter(std::make_shared<PrintHelpFormat>());
     app.footer(kExamples);
     app.set_help_flag();
 

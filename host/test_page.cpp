@@ -182,11 +182,12 @@ void DrawText(Sheet& sheet, double y, const TestPageText& text) {
         columns = LayColumns(sheet, top, text.values);
     }
     for (size_t i = 0; i < text.values.size() && columns.Hold(i + 1); ++i) {
-        const auto line = static_cast<double>(i % static_cast<size_t>(columns.lines));
-        const auto pair = static_cast<double>(i / static_cast<size_t>(columns.lines));
-        const double x = left + pair * (columns.names + columns.values);
-        sheet.Text(x, top + line * sheet.TextLineMm(), text.values[i].name);
-        sheet.Text(x + columns.names, top + line * sheet.TextLineMm(), text.values[i].value);
+        const size_t line = i % static_cast<size_t>(columns.lines),
+                     pair = i / static_cast<size_t>(columns.lines);
+        const double x = left + static_cast<double>(pair) * (columns.names + columns.values);
+        const double lineTop = top + static_cast<double>(line) * sheet.TextLineMm();
+        sheet.Text(x, lineTop, text.values[i].name);
+        sheet.Text(x + columns.names, lineTop, text.values[i].value);
     }
 }
 

@@ -27,7 +27,7 @@ class ProfileHelpFormat : public HelpFormat {
     std::string make_usage(const CLI::App* app, std::string name) const override {
         // The list of positional arguments brings its own blank line.
         const auto positional = [](const CLI::Option* option) { return option->get_positional(); };
-        return CLI::Formatter::make_usage(app, name) + (app->get_options(positional).empty() ? "\n" : "");
+        return HelpFormat::make_usage(app, name) + (app->get_options(positional).empty() ? "\n" : "");
     }
 };
 

@@ -96,5 +96,5 @@ std::string IccProfile::Description() const {
     if (text.empty()) return "";
     cmsGetProfileInfoASCII(printer, cmsInfoDescription, "en", "US", text.data(),
                            static_cast<cmsUInt32Number>(text.size()));
-    return text.c_str();
+    return text.substr(0, text.find('\0'));
 }

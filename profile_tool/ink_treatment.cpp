@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "profile_tool/ink.h"
 
@@ -26,7 +27,8 @@ uint32_t ScaleInk(uint32_t inks, double scalePercent) {
 }
 
 InkSource Treated(InkSource source, double limitPercent, double scalePercent) {
-    return [=](std::span<const uint32_t> colors, std::span<uint32_t> inks) {
+    return [source = std::move(source), limitPercent, scalePercent](std::span<const uint32_t> colors,
+                                                                    std::span<uint32_t> inks) {
         source(colors, inks);
         for (size_t i = 0; i < colors.size(); ++i) {
             const uint32_t treated = AvoidMark(ScaleInk(LimitInk(inks[i], limitPercent), scalePercent));

@@ -94,7 +94,7 @@ std::string ReadTags(ProfileInput& in, ProfileFacts& facts) {
             return "error reading tag " + Compared(header.size(), kTagHeaderSize);
         tag.id = static_cast<uint8_t>(header[0]);
         tag.length = LittleEndian(header, 1, 2);
-        const std::string problem = ReadTagData(in, tag);
+        std::string problem = ReadTagData(in, tag);
         remaining -= kTagHeaderSize + tag.data.size();
         facts.tags.push_back(tag);
         if (!problem.empty()) return problem;

@@ -121,7 +121,7 @@ void TurnTile(const uint8_t* tile, const uint8_t* next, ptrdiff_t companion, ptr
         Prefetch(next, companion);
         next += step;
         for (int32_t line = 0; line < kTileLines; line += 4) {
-            const uint8_t* pixels = tile + line * step + x * 4;
+            const uint8_t* pixels = tile + line * step + ptrdiff_t{x} * 4;
             TransposeFour({pixels, pixels + step, pixels + 2 * step, pixels + 3 * step},
                           band + x * pitch + line, pitch);
         }
@@ -183,7 +183,8 @@ void RowReader::ReadBand(int32_t firstColumn) {
     const int32_t columns = std::min(kBandColumns, bitmap_.width - firstColumn);
     const int32_t height = bitmap_.height;
     const ptrdiff_t step = order_.rotate180 ? -bitmap_.stride : bitmap_.stride;
-    const uint8_t* first = Line(order_.rotate180 ? height - 1 : 0) + firstColumn * bitmap_.bytesPerPixel;
+    const uint8_t* first =
+        Line(order_.rotate180 ? height - 1 : 0) + ptrdiff_t{firstColumn} * bitmap_.bytesPerPixel;
     // Bands go in pairs: the parts of a scan line that belong to a pair lie on one memory page, which is
     // looked up once when the first band of a pair fetches those of the other one too.
     const int32_t other = firstColumn ^ kBandColumns;
@@ -209,7 +210,7 @@ void RowReader::ReadColumns(const uint8_t* first, ptrdiff_t step, Range columns,
     for (int32_t y = lines.begin; y < lines.end; ++y) {
         for (int32_t x = columns.begin; x < columns.end; ++x) {
             band_[static_cast<size_t>(x * bandPitch_ + y)] =
-                LoadPixel(first + y * step + x * bitmap_.bytesPerPixel, bitmap_.bytesPerPixel);
+                LoadPixel(first + y * step + ptrdiff_t{x} * bitmap_.bytesPerPixel, bitmap_.bytesPerPixel);
         }
     }
 }
