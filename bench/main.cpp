@@ -21,15 +21,6 @@ void SetUpLibrary() {
     benchmark::Initialize(&count, arguments);
 }
 
-std::vector<uint32_t> InksOf(const std::filesystem::path& profile, ResolutionSelector resolution) {
-    signed char code;
-    char name[512];
-    if (zvc_load_profile(profile.string().c_str(), resolution, &code, name, sizeof name) != 5) {
-        throw CheckFailure(profile.string() + " is no profile of version 5");
-    }
-    return PlainInks();
-}
-
 }  // namespace
 
 int main(int count, char** values) {
@@ -51,8 +42,8 @@ int main(int count, char** values) {
         const std::filesystem::path installation = ProgramFolder() / "install";
         const std::filesystem::path profile = installation / "profiles" / kProfile;
         BenchDriver driver(installation, kProfile);
-        const BenchSetting setting = {driver, profile, InksOf(profile, kResolution600),
-                                      InksOf(profile, kResolutionOther)};
+        const BenchSetting setting = {driver, profile, PlainInks(profile, kResolution600),
+                                      PlainInks(profile, kResolutionOther)};
         Bench bench(options);
         for (int run = 0; run < runs; ++run) {
             MeasurePages(bench, setting);

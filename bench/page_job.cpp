@@ -12,37 +12,33 @@ constexpr uint64_t kJob = 1;
 RowObserver rowObserver;
 int32_t rowsTaken = 0;
 
-// An engine that takes everything and does nothing.
-struct IdleEngine {
-    static uint64_t HPCRLIB_CALL JobStart(HPCRLIB_OutputCallback, void*, uint32_t, uint32_t) { return kJob; }
-    static uint32_t HPCRLIB_CALL Done(uint64_t) { return kEngineSuccess; }
-    static uint32_t HPCRLIB_CALL PageStart(uint64_t, uint32_t, uint32_t) { return kEngineSuccess; }
-    static uint32_t HPCRLIB_CALL BlockStart(uint64_t, uint32_t, uint32_t, uint32_t, uint32_t) {
-        rowsTaken = 0;
-        return kEngineSuccess;
-    }
-    static uint32_t HPCRLIB_CALL Row(uint64_t, const uint32_t* row) {
-        if (rowObserver) rowObserver(rowsTaken, row);
-        ++rowsTaken;
-        return kEngineSuccess;
-    }
-    static PrintEngine Entries() {
-        PrintEngine entries;
-        entries.HPCRLIB_JobStart = &JobStart;
-        entries.HPCRLIB_JobEnd = &Done;
-        entries.HPCRLIB_PageStart = &PageStart;
-        entries.HPCRLIB_PageEnd = &Done;
-        entries.HPCRLIB_RasterBlockStart = &BlockStart;
-        entries.HPCRLIB_RasterRow = &Row;
-        entries.HPCRLIB_RasterBlockEnd = &Done;
-        return entries;
-    }
-};
+uint64_t HPCRLIB_CALL JobStart(HPCRLIB_OutputCallback, void*, uint32_t, uint32_t) {
+    return kJob;
+}
+
+uint32_t HPCRLIB_CALL Done(uint64_t) {
+    return kEngineSuccess;
+}
+
+uint32_t HPCRLIB_CALL PageStart(uint64_t, uint32_t, uint32_t) {
+    return kEngineSuccess;
+}
+
+uint32_t HPCRLIB_CALL BlockStart(uint64_t, uint32_t, uint32_t, uint32_t, uint32_t) {
+    rowsTaken = 0;
+    return kEngineSuccess;
+}
+
+uint32_t HPCRLIB_CALL Row(uint64_t, const uint32_t* row) {
+    if (rowObserver) rowObserver(rowsTaken, row);
+    ++rowsTaken;
+    return kEngineSuccess;
+}
 
 SessionSetup SetupFor(const std::filesystem::path& installation) {
     SessionSetup setup;
     setup.installation = installation;
-    setup.engine = IdleEngine::Entries();
+    setup.engine = IdleEngine();
     return setup;
 }
 
@@ -51,6 +47,18 @@ void Require(bool done, const char* hook) {
 }
 
 }  // namespace
+
+PrintEngine IdleEngine() {
+    PrintEngine engine;
+    engine.HPCRLIB_JobStart = &JobStart;
+    engine.HPCRLIB_JobEnd = &Done;
+    engine.HPCRLIB_PageStart = &PageStart;
+    engine.HPCRLIB_PageEnd = &Done;
+    engine.HPCRLIB_RasterBlockStart = &BlockStart;
+    engine.HPCRLIB_RasterRow = &Row;
+    engine.HPCRLIB_RasterBlockEnd = &Done;
+    return engine;
+}
 
 BenchDriver::BenchDriver(const std::filesystem::path& installation, const std::string& profile)
     : profile_(profile), session_(SetupFor(installation)) {}

@@ -20,6 +20,9 @@ struct PageSettings {
     int32_t colorMode = kColorModeColor;
 };
 
+// The engine that takes everything and does nothing.
+PrintEngine IdleEngine();
+
 // Sees each row that the idle engine gets, while one is set: the row's number from 0 and its pixels.
 using RowObserver = std::function<void(int32_t row, const uint32_t* pixels)>;
 

@@ -64,7 +64,7 @@ void MeasureObviousProgram(Bench& bench, const BenchSetting& setting, PageArt ar
     const LittleCms colors;
     PixmanRotation rotation(page);
     std::vector<uint32_t> row(static_cast<size_t>(rotation.Width()));
-    volatile uint32_t taken = 0;
+    const PrintEngine engine = IdleEngine();
     const auto check = [&] {
         CheckPage(job, page, {}, kA4At600.dpi, setting.inks);
         rotation.Rotate();
@@ -83,7 +83,7 @@ void MeasureObviousProgram(Bench& bench, const BenchSetting& setting, PageArt ar
                      rotation.Rotate();
                      for (int32_t y = 0; y < rotation.Rows(); ++y) {
                          colors.Convert(rotation.Row(y), row.data(), static_cast<uint32_t>(rotation.Width()));
-                         taken = row.back();
+                         engine.HPCRLIB_RasterRow(0, row.data());
                      }
                  }},
                 AimKind::TimesFaster,

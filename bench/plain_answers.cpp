@@ -19,7 +19,12 @@ uint32_t GreyWeight(uint32_t ink) {
 
 }  // namespace
 
-std::vector<uint32_t> PlainInks() {
+std::vector<uint32_t> PlainInks(const std::filesystem::path& profile, ResolutionSelector resolution) {
+    signed char code;
+    char name[512];
+    if (zvc_load_profile(profile.string().c_str(), resolution, &code, name, sizeof name) != kGrid) {
+        throw CheckFailure(profile.string() + " is no profile of version 5");
+    }
     const plain::Grid grid(g_colorCache);
     std::vector<uint32_t> inks(kCacheEntries);
     for (uint32_t color = 0; color < kCacheEntries; ++color) {

@@ -2,13 +2,16 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <vector>
 
 #include "bench/bench_page.h"
 #include "bench/page_job.h"
+#include "color/profile_file.h"
 
-// The inks of all 2^24 colours through the grid that is in the colour cache now, in double precision.
-std::vector<uint32_t> PlainInks();
+// The inks of all 2^24 colours through a profile of version 5, in double precision. Loads it into this
+// program's colour cache. Throws CheckFailure when it is no such profile.
+std::vector<uint32_t> PlainInks(const std::filesystem::path& profile, ResolutionSelector resolution);
 
 // Pixel `i` of row `row` of a page, as the orientations are defined.
 uint32_t PlainPixel(const BenchPage& page, const PageSettings& settings, int32_t row, int32_t i);

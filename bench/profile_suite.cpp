@@ -69,7 +69,14 @@ void MeasureLoads(Bench& bench, const BenchSetting& setting, std::vector<uint32_
                 Memset(table),
                 AimKind::AtMost,
                 1.5,
-                nullptr});
+                [&] {
+                    Load(setting.profile);
+                    std::vector<uint32_t> grid(kCacheEntries);
+                    for (uint32_t color = 0; color < kCacheEntries; ++color) {
+                        grid[color] = plain::IsGridPoint(color) ? setting.inks[color] : kNotComputed;
+                    }
+                    CheckCache(grid, "version 5");
+                }});
 }
 
 void MeasureInterpolation(Bench& bench, const BenchSetting& setting, std::vector<uint32_t>& table) {

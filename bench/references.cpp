@@ -33,7 +33,9 @@ LittleCms::LittleCms() {
     cmsSetColorSpace(link, cmsSigRgbData);
     cmsSetPCS(link, cmsSigCmykData);
     cmsWriteTag(link, cmsSigAToB0Tag, pipeline);
-    transform_ = cmsCreateTransform(link, TYPE_BGRA_8, nullptr, TYPE_KCMY_8, INTENT_PERCEPTUAL, 0);
+    // It would put a finer grid in the place of this one, of 33 points, which takes it longer.
+    transform_ = cmsCreateTransform(link, TYPE_BGRA_8, nullptr, TYPE_KCMY_8, INTENT_PERCEPTUAL,
+                                    cmsFLAGS_GRIDPOINTS(kGridSteps));
     cmsCloseProfile(link);
     cmsPipelineFree(pipeline);
     if (transform_ == nullptr) throw std::runtime_error("Little CMS makes no transform of the grid");

@@ -1,6 +1,9 @@
 #include "bench/report.h"
 
+#include <lcms2.h>
+#include <pixman.h>
 #include <sys/utsname.h>
+#include <unistd.h>
 
 #include <cstdarg>
 #include <cstdio>
@@ -58,15 +61,21 @@ Machine ThisMachine() {
             LineOf("/sys/kernel/mm/transparent_hugepage/enabled", ""),
             ORVEX_BENCH_COMPILER,
             ORVEX_BENCH_FLAGS,
-            "SSE2"};
+            "SSE2",
+            Format("%ld KiB, %ld KiB, %ld MiB", sysconf(_SC_LEVEL1_DCACHE_SIZE) / 1024,
+                   sysconf(_SC_LEVEL2_CACHE_SIZE) / 1024, sysconf(_SC_LEVEL3_CACHE_SIZE) / (1024 * 1024)),
+            Format("Little CMS %d.%d, pixman %s", cmsGetEncodedCMMversion() / 1000,
+                   cmsGetEncodedCMMversion() % 1000 / 10, pixman_version_string())};
 }
 
 void PrintReport(const Machine& machine, const Bench& bench, std::ostream& out) {
     out << "processor  " << machine.processor << ", " << machine.processors << " of them\n"
         << "system     " << machine.system << ", large pages " << machine.largePages << '\n'
         << "compiler   " << machine.compiler << "\nflags      " << machine.flags << '\n'
-        << "kernels    " << machine.kernels << "\n\n"
-        << "Times in ms, median / minimum; the ratio is that of the medians.\n\n"
+        << "kernels    " << machine.kernels << "\ncaches     " << machine.caches << "\nreferences "
+        << machine.references << "\n\n"
+        << "Times in ms, median / minimum; the ratio is that of a run's medians, of several runs the median "
+           "of theirs.\n\n"
         << Format("%-58s %21s %21s  %-22s %8s  %-16s\n", "what", "ours", "reference", "", "ratio", "aim");
     for (const ContestResult& result : bench.Results()) {
         out << Format("%-58s %10.3f /%9.3f %10.3f /%9.3f  %-22s %8.3f  %-16s %s\n", result.title.c_str(),
@@ -90,7 +99,9 @@ void WriteJson(const Machine& machine, const Bench& bench, const std::filesystem
                              {"large_pages", machine.largePages},
                              {"compiler", machine.compiler},
                              {"flags", machine.flags},
-                             {"kernels", machine.kernels}}},
+                             {"kernels", machine.kernels},
+                             {"caches", machine.caches},
+                             {"references", machine.references}}},
                            {"rows", nlohmann::json::array()},
                            {"peak_memory", nlohmann::json::array()},
                            {"notes", bench.Notes()}};

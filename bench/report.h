@@ -15,7 +15,9 @@ struct Machine {
     std::string largePages;  // the system's setting for those that nobody asks for
     std::string compiler;
     std::string flags;
-    std::string kernels;  // which of the driver's loops ran
+    std::string kernels;     // which of the driver's loops ran
+    std::string caches;      // the processor's
+    std::string references;  // the libraries held against
 };
 
 Machine ThisMachine();

@@ -7,7 +7,7 @@
 #include <functional>
 #include <vector>
 
-#include "bench/page_job.h"
+#include "bench/plain_answers.h"
 
 namespace {
 
@@ -25,12 +25,12 @@ double Median(std::vector<double> seconds) {
     return (seconds[seconds.size() / 2] + seconds[(seconds.size() - 1) / 2]) / 2;
 }
 
-void MeasurePage(BenchDriver& driver, PageArt art, bool landscape) {
+void MeasurePage(BenchDriver& driver, const std::vector<uint32_t>& inks, PageArt art, bool landscape) {
     const BenchPage page = DrawPage(art, kA4At600, landscape);
     std::vector<uint32_t> copy(page.pixels.size());
     PageJob job(driver, page, kA4At600, {.landscape = landscape});
     const auto memcpyPage = [&] { memcpy(copy.data(), page.pixels.data(), page.Bytes()); };
-    job.Send();
+    CheckPage(job, page, {.landscape = landscape}, kA4At600.dpi, inks);
     memcpyPage();
     std::vector<double> ours, theirs;
     for (int i = 0; i < kRepetitions; ++i) {
@@ -47,11 +47,14 @@ void MeasurePage(BenchDriver& driver, PageArt art, bool landscape) {
 
 int main() {
     try {
-        BenchDriver driver(ProgramFolder() / "install", kProfile);
+        const std::filesystem::path installation = ProgramFolder() / "install";
+        const std::vector<uint32_t> inks = PlainInks(installation / "profiles" / kProfile, kResolution600);
+        BenchDriver driver(installation, kProfile);
+        std::printf("compiler   GNU %s\n\n", __VERSION__);
         std::printf("A4 600 dpi, ms, median / minimum of %d\n%-17s %21s %21s %8s\n", kRepetitions, "page",
                     "DrvSendPage", "memcpy", "ratio");
         for (const PageArt art : {PageArt::Label, PageArt::Photo, PageArt::Noise}) {
-            for (const bool landscape : {true, false}) MeasurePage(driver, art, landscape);
+            for (const bool landscape : {true, false}) MeasurePage(driver, inks, art, landscape);
         }
     } catch (const std::exception& error) {
         std::fprintf(stderr, "orvexbench: %s\n", error.what());
