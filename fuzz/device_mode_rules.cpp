@@ -29,6 +29,48 @@ bool FormNameFits(const DEVMODEW& pub) {
 
 }  // namespace
 
+// Each field with what makes its value valid, and the value that stands in for any other.
+#define PUBLIC_FIELDS(FIELD)                             \
+    FIELD(dmOrientation, OneOf(value, {1, 2}), 1)        \
+    FIELD(dmPaperLength, Within(value, 254, 9017), 2159) \
+    FIELD(dmPaperWidth, Within(value, 254, 2970), 2794)  \
+    FIELD(dmCopies, Within(value, 1, 10000), 1)          \
+    FIELD(dmPrintQuality, OneOf(value, {300, 600}), 300) \
+    FIELD(dmScale, value == 100, 100)                    \
+    FIELD(dmDuplex, value == 1, 1)
+
+#define PRIVATE_FIELDS(FIELD)                                \
+    FIELD(printSetting, Within(value, 0, 3), 1)              \
+    FIELD(copies, Within(value, 1, 10000), 1)                \
+    FIELD(chunksize, Within(value, 30, 10000), 500)          \
+    FIELD(alignment, OneOf(value, {0, 1, 2}), 0)             \
+    FIELD(overspray, OneOf(value, {0, 1, 2, 3}), 0)          \
+    FIELD(purgeBar, OneOf(value, {0, 1, 2}), 1)              \
+    FIELD(purgeDots, OneOf(value, {1, 5, 10}), 1)            \
+    FIELD(purgeGap, OneOf(value, {5, 10, 15}), 5)            \
+    FIELD(purgeFreq, OneOf(value, {0, 1, 2, 10, 20, 50}), 0) \
+    FIELD(phHOffset, Within(value, -1000, 1000), 20)         \
+    FIELD(phVOffset, Within(value, -250, 250), 0)            \
+    FIELD(colorMode, OneOf(value, {0, 1, 2}), 0)             \
+    FIELD(colorAdjust, IsFlag(value), 0)                     \
+    FIELD(rotate180, IsFlag(value), 0)                       \
+    FIELD(mirrorImage, IsFlag(value), 0)                     \
+    FIELD(jobCapture, IsFlag(value), 0)                      \
+    FIELD(noPrint, IsFlag(value), 0)                         \
+    FIELD(stitched, IsFlag(value), 0)                        \
+    FIELD(usePrivateCopies, IsFlag(value), 0)                \
+    FIELD(chunkActive, IsFlag(value), 0)                     \
+    FIELD(feedSide, IsFlag(value), 0)                        \
+    FIELD(kws, IsFlag(value), 0)                             \
+    FIELD(kws_fullwidth, IsFlag(value), 0)                   \
+    FIELD(adj_brightness, Within(value, -100, 100), 0)       \
+    FIELD(adj_colortone, Within(value, -100, 100), 0)        \
+    FIELD(adj_saturation, Within(value, -100, 100), 0)       \
+    FIELD(adj_cyan, Within(value, -100, 100), 0)             \
+    FIELD(adj_magenta, Within(value, -100, 100), 0)          \
+    FIELD(adj_yellow, Within(value, -100, 100), 0)           \
+    FIELD(adj_black, Within(value, -100, 100), 0)
+
 #define RULE(condition) \
     if (!(condition)) return #condition
 
@@ -38,48 +80,33 @@ const char* BrokenRule(const DeviceMode& record) {
     RULE(pub.dmSpecVersion == 0x0401);
     RULE(pub.dmSize == 220 && pub.dmDriverExtra == 696);
     RULE((pub.dmFields & 0x0001000E) == 0x0001000E);
-    RULE(OneOf(pub.dmOrientation, {1, 2}));
     RULE(pub.dmPaperSize >= 256);
-    RULE(Within(pub.dmPaperLength, 254, 9017));
-    RULE(Within(pub.dmPaperWidth, 254, 2970));
-    RULE(Within(pub.dmCopies, 1, 10000));
-    RULE(OneOf(pub.dmPrintQuality, {300, 600}));
     RULE(pub.dmYResolution == pub.dmPrintQuality);
-    RULE(pub.dmScale == 100);
-    RULE(pub.dmDuplex == 1);
     RULE(FormNameFits(pub));
     RULE(priv.signature == 0x18284000);
-    RULE(Within(priv.printSetting, 0, 3));
-    RULE(Within(priv.copies, 1, 10000));
-    RULE(Within(priv.chunksize, 30, 10000));
-    RULE(OneOf(priv.alignment, {0, 1, 2}));
-    RULE(OneOf(priv.overspray, {0, 1, 2, 3}));
-    RULE(OneOf(priv.purgeBar, {0, 1, 2}));
-    RULE(OneOf(priv.purgeDots, {1, 5, 10}));
-    RULE(OneOf(priv.purgeGap, {5, 10, 15}));
-    RULE(OneOf(priv.purgeFreq, {0, 1, 2, 10, 20, 50}));
-    RULE(Within(priv.phHOffset, -1000, 1000));
-    RULE(Within(priv.phVOffset, -250, 250));
-    RULE(OneOf(priv.colorMode, {0, 1, 2}));
-    RULE(IsFlag(priv.colorAdjust));
-    RULE(IsFlag(priv.rotate180));
-    RULE(IsFlag(priv.mirrorImage));
-    RULE(IsFlag(priv.jobCapture));
-    RULE(IsFlag(priv.noPrint));
-    RULE(IsFlag(priv.stitched));
-    RULE(IsFlag(priv.usePrivateCopies));
-    RULE(IsFlag(priv.chunkActive));
-    RULE(IsFlag(priv.feedSide));
-    RULE(IsFlag(priv.kws));
-    RULE(IsFlag(priv.kws_fullwidth));
-    RULE(Within(priv.adj_brightness, -100, 100));
-    RULE(Within(priv.adj_colortone, -100, 100));
-    RULE(Within(priv.adj_saturation, -100, 100));
-    RULE(Within(priv.adj_cyan, -100, 100));
-    RULE(Within(priv.adj_magenta, -100, 100));
-    RULE(Within(priv.adj_yellow, -100, 100));
-    RULE(Within(priv.adj_black, -100, 100));
+#define CHECK(part, field, valid)                          \
+    {                                                      \
+        const auto value = part.field;                     \
+        if (!(valid)) return #part "." #field ": " #valid; \
+    }
+#define CHECK_PUBLIC(field, valid, replacement) CHECK(pub, field, valid)
+#define CHECK_PRIVATE(field, valid, replacement) CHECK(priv, field, valid)
+    PUBLIC_FIELDS(CHECK_PUBLIC)
+    PRIVATE_FIELDS(CHECK_PRIVATE)
     return nullptr;
+}
+
+void ForceIntoRange(DeviceMode& record) {
+#define FORCE(part, field, valid, replacement)         \
+    {                                                  \
+        const auto value = record.part.field;          \
+        if (!(valid)) record.part.field = replacement; \
+    }
+#define FORCE_PUBLIC(field, valid, replacement) FORCE(pub, field, valid, replacement)
+#define FORCE_PRIVATE(field, valid, replacement) FORCE(priv, field, valid, replacement)
+    PUBLIC_FIELDS(FORCE_PUBLIC)
+    PRIVATE_FIELDS(FORCE_PRIVATE)
+    record.pub.dmYResolution = record.pub.dmPrintQuality;
 }
 
 DeviceMode DefaultDeviceMode() {

@@ -9,12 +9,20 @@ namespace {
 // Where a hook is to leave zeros, something else stands before.
 const HSURF kStalePattern = reinterpret_cast<HSURF>(uintptr_t{0x5A5A});
 
+// Records begin at addresses that suit them where the build minds; elsewhere the end of each is that of its
+// memory, whatever its size.
+#ifdef _WIN32
+constexpr size_t kRecordAlignment = 1;
+#else
+constexpr size_t kRecordAlignment = alignof(DEVMODEW);
+#endif
+
 constexpr char kDeviceNote[] = "the driver refused the device (DrvEnablePDEV)";
 constexpr char kSurfaceNote[] = "the driver made no page bitmap (DrvEnableSurface)";
 constexpr char kStartDocNote[] = "the driver refused the job (DrvStartDoc)";
 constexpr char kStartPageNote[] = "the driver refused the page (DrvStartPage)";
 constexpr char kSendPageNote[] = "the driver did not send the page (DrvSendPage)";
-constexpr char kOverwriteNote[] = "the driver wrote in front of a record that it was given";
+constexpr char kOverwriteNote[] = "the driver wrote around a record that it was given";
 constexpr char kEndDocNote[] = "the driver did not end the job (DrvEndDoc)";
 
 }  // namespace
@@ -68,7 +76,7 @@ void DriverSession::RereadLogSwitch() {
 
 std::unique_ptr<Device> DriverSession::EnablePdev(std::span<const uint8_t> deviceMode) {
     std::unique_ptr<Device> device(new Device(*this));
-    device->deviceMode_ = std::make_unique<GuardedMemory>(deviceMode);
+    device->deviceMode_ = std::make_unique<GuardedMemory>(deviceMode, kRecordAlignment);
     device->handle_ = graphics_.AddDevice();
     std::fill(std::begin(device->patterns_), std::end(device->patterns_), kStalePattern);
     std::u16string name = Wide(printer_.name);

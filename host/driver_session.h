@@ -51,7 +51,7 @@ class Device {
     const DEVINFO& Information() const { return *reinterpret_cast<const DEVINFO*>(information_.Data()); }
     std::span<const HSURF> Patterns() const { return patterns_; }
 
-    // Whether the records given to the driver still have untouched memory in front of them.
+    // Whether the memory around the records that were given to the driver is still untouched.
     bool Intact() const { return deviceMode_->Intact() && capabilities_.Intact() && information_.Intact(); }
 
   private:

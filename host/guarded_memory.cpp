@@ -71,9 +71,18 @@ void Release(uint8_t* block, size_t size) {
 
 #endif
 
+// Lets a look at poisoned bytes pass, for as long as it takes.
+bool IsPadding(std::span<uint8_t> bytes) {
+    ASAN_UNPOISON_MEMORY_REGION(bytes.data(), bytes.size());
+    const bool untouched =
+        std::all_of(bytes.begin(), bytes.end(), [](uint8_t each) { return each == kPadding; });
+    ASAN_POISON_MEMORY_REGION(bytes.data(), bytes.size());
+    return untouched;
+}
+
 }  // namespace
 
-GuardedMemory::GuardedMemory(size_t size) : size_(size) {
+GuardedMemory::GuardedMemory(size_t size, size_t alignment) : size_(size) {
     const size_t page = PageSize();
     if (size > SIZE_MAX - 4 * page) throw std::bad_alloc();
     const size_t open = std::max(page, (size + page - 1) / page * page);
@@ -85,13 +94,15 @@ GuardedMemory::GuardedMemory(size_t size) : size_(size) {
         Release(block_, blockSize_);
         throw std::bad_alloc();
     }
-    data_ = begin + open - size;
-    const size_t padding = static_cast<size_t>(data_ - begin);
-    memset(begin, kPadding, padding);
-    ASAN_POISON_MEMORY_REGION(begin, padding);
+    data_ = begin + open - (size + alignment - 1) / alignment * alignment;
+    for (const std::span<uint8_t> padding : {Front(), Back()}) {
+        std::fill(padding.begin(), padding.end(), kPadding);
+        ASAN_POISON_MEMORY_REGION(padding.data(), padding.size());
+    }
 }
 
-GuardedMemory::GuardedMemory(std::span<const uint8_t> bytes) : GuardedMemory(bytes.size()) {
+GuardedMemory::GuardedMemory(std::span<const uint8_t> bytes, size_t alignment)
+    : GuardedMemory(bytes.size(), alignment) {
     if (!bytes.empty()) memcpy(data_, bytes.data(), bytes.size());
 }
 
@@ -100,13 +111,16 @@ GuardedMemory::~GuardedMemory() {
     Release(block_, blockSize_);
 }
 
+std::span<uint8_t> GuardedMemory::Front() const {
+    return {block_ + PageSize(), data_};
+}
+
+std::span<uint8_t> GuardedMemory::Back() const {
+    return {data_ + size_, block_ + blockSize_ - PageSize()};
+}
+
 bool GuardedMemory::Intact() const {
-    uint8_t* const begin = block_ + PageSize();
-    const size_t padding = static_cast<size_t>(data_ - begin);
-    ASAN_UNPOISON_MEMORY_REGION(begin, padding);
-    const bool intact = std::all_of(begin, data_, [](uint8_t each) { return each == kPadding; });
-    ASAN_POISON_MEMORY_REGION(begin, padding);
-    return intact;
+    return IsPadding(Front()) && IsPadding(Back());
 }
 
 void GuardedMemory::Close() {

@@ -1,10 +1,12 @@
-// Corrupted device modes through DrvEnablePDEV: every boundary value in every field, sizes that are wrong in
-// both directions, texts without an end, records that end where the memory ends. Whatever comes in, the
-// instance's own device mode is valid in every field.
+// Corrupted device modes through DrvEnablePDEV: every boundary value in every field, every flag of the public
+// fields, sizes that are wrong in both directions, texts without an end, records that end where the memory
+// ends. Whatever comes in is taken or refused as its size and version say, the instance's own device mode is
+// what the plain definition makes of it and valid in every field, and the caller's record is written only
+// where it gets the printer's profile and label.
 
 #include <gtest/gtest.h>
-#include <algorithm>
 
+#include <algorithm>
 #include <cstring>
 #include <optional>
 #include <random>
@@ -12,6 +14,7 @@
 #include <vector>
 
 #include "driver/device_instance.h"
+#include "fuzz/device_mode_model.h"
 #include "fuzz/device_mode_rules.h"
 #include "host/driver_session.h"
 #include "tests/support/scratch_folder.h"
@@ -20,7 +23,7 @@ namespace {
 
 #ifdef _WIN32
 constexpr int kRandomRecords = 4000;
-constexpr size_t kFieldStep = 3;  // of the fields' values, every third one
+constexpr size_t kFieldStep = 3;  // of a field's values every third one, of the next field's other ones
 #else
 constexpr int kRandomRecords = 96000;
 constexpr size_t kFieldStep = 1;
@@ -36,38 +39,23 @@ struct Field {
 #define PRIVATE(field) \
     { offsetof(DeviceMode, priv) + offsetof(PrivateDevMode, field), sizeof(PrivateDevMode::field) }
 
-constexpr Field kFields[] = {
-    PUBLIC(dmSpecVersion),
-    PUBLIC(dmDriverVersion),
-    PUBLIC(dmFields),
+// Fields in which a valid value arrives in the instance.
+constexpr Field kTakenFields[] = {
     PUBLIC(dmOrientation),
     PUBLIC(dmPaperSize),
     PUBLIC(dmPaperLength),
     PUBLIC(dmPaperWidth),
-    PUBLIC(dmScale),
     PUBLIC(dmCopies),
     PUBLIC(dmDefaultSource),
     PUBLIC(dmPrintQuality),
     PUBLIC(dmColor),
-    PUBLIC(dmDuplex),
-    PUBLIC(dmYResolution),
     PUBLIC(dmTTOption),
     PUBLIC(dmCollate),
-    PUBLIC(dmLogPixels),
-    PUBLIC(dmBitsPerPel),
-    PUBLIC(dmPelsWidth),
-    PUBLIC(dmPelsHeight),
     PUBLIC(dmNup),
-    PUBLIC(dmDisplayFrequency),
     PUBLIC(dmICMMethod),
     PUBLIC(dmICMIntent),
     PUBLIC(dmMediaType),
     PUBLIC(dmDitherType),
-    PUBLIC(dmReserved1),
-    PUBLIC(dmReserved2),
-    PUBLIC(dmPanningWidth),
-    PUBLIC(dmPanningHeight),
-    PRIVATE(signature),
     PRIVATE(colorAdjust),
     PRIVATE(printSetting),
     PRIVATE(rotate180),
@@ -102,11 +90,35 @@ constexpr Field kFields[] = {
     PRIVATE(adj_black),
 };
 
-// The ends of every range and of every integer, each with its neighbours.
+// Fields of which nothing arrives: the printer's own values stand, or ones that follow from other fields.
+constexpr Field kOwnFields[] = {
+    PUBLIC(dmSpecVersion),  PUBLIC(dmDriverVersion),    PUBLIC(dmScale),      PUBLIC(dmDuplex),
+    PUBLIC(dmYResolution),  PUBLIC(dmLogPixels),        PUBLIC(dmBitsPerPel), PUBLIC(dmPelsWidth),
+    PUBLIC(dmPelsHeight),   PUBLIC(dmDisplayFrequency), PUBLIC(dmReserved1),  PUBLIC(dmReserved2),
+    PUBLIC(dmPanningWidth), PUBLIC(dmPanningHeight),    PRIVATE(signature),
+};
+
+constexpr Field kVersion = PUBLIC(dmSpecVersion), kSize = PUBLIC(dmSize), kExtra = PUBLIC(dmDriverExtra),
+                kFlags = PUBLIC(dmFields), kPaper = PUBLIC(dmPaperSize), kSignature = PRIVATE(signature),
+                kLabel = PRIVATE(dmPaperSize), kProfile = PRIVATE(colorProfile);
+
+const std::vector<Field>& AllFields() {
+    static const std::vector<Field> fields = [] {
+        std::vector<Field> all(std::begin(kTakenFields), std::end(kTakenFields));
+        all.insert(all.end(), std::begin(kOwnFields), std::end(kOwnFields));
+        all.push_back(kFlags);
+        return all;
+    }();
+    return fields;
+}
+
+// The ends of every range and of every integer, and the versions of public layouts, each with its
+// neighbours.
 std::vector<int64_t> BoundaryValues() {
     std::set<int64_t> values;
-    for (const int64_t edge : {0,   1,   2,   3,   5,    10,   15,   20,    30,  50,  100,   250,  254,
-                               256, 258, 300, 600, 1000, 2971, 9018, 10000, 127, 255, 32767, 65535}) {
+    for (const int64_t edge :
+         {0,   1,   2,   3,    5,    10,   15,    20,  30,  50,    100,   250,   254,  256,
+          258, 300, 600, 1000, 2971, 9018, 10000, 127, 255, 32767, 65535, 0x320, 0x401}) {
         for (const int64_t value : {edge - 1, edge, edge + 1}) {
             values.insert(value);
             values.insert(-value);
@@ -132,15 +144,19 @@ void Put(Record& record, Field field, int64_t value) {
     }
 }
 
-constexpr Field kSize = PUBLIC(dmSize), kExtra = PUBLIC(dmDriverExtra), kFlags = PUBLIC(dmFields);
+int64_t Get(std::span<const uint8_t> record, Field field) {
+    uint64_t value = 0;
+    for (size_t i = 0; i < field.size; ++i) value |= uint64_t{record[field.offset + i]} << 8 * i;
+    return static_cast<int64_t>(value);
+}
 
-// A record that declares these sizes and ends there, with the private part where it then belongs. Natively
-// the private size is rounded up, so that a record that ends where memory ends begins at an aligned address.
+std::span<const uint8_t> Bytes(const DeviceMode& mode) {
+    return {reinterpret_cast<const uint8_t*>(&mode), sizeof mode};
+}
+
+// A record that declares these sizes and ends there, with the private part where it then belongs.
 Record Resized(const Record& whole, size_t publicSize, size_t extra) {
     constexpr size_t kHeader = 72;
-#ifndef _WIN32
-    while ((publicSize + extra) % alignof(DEVMODEW) != 0) extra = extra < 65535 ? extra + 1 : extra - 3;
-#endif
     const bool hasPrivate = publicSize >= kHeader;
     Record record(hasPrivate ? publicSize + extra : kHeader, 0xCC);
     std::copy_n(whole.begin(), std::min({publicSize, sizeof(DEVMODEW), record.size()}), record.begin());
@@ -154,6 +170,8 @@ Record Resized(const Record& whole, size_t publicSize, size_t extra) {
     return record;
 }
 
+constexpr ListedLabel kLabels[] = {{258, "Label 258", 1016, 1016}, {300, "Label 300", 1005, 1005}};
+
 class DeviceModeCorruptor : public testing::Test {
   protected:
     DeviceModeCorruptor() {
@@ -165,23 +183,36 @@ class DeviceModeCorruptor : public testing::Test {
         AddLabel("300", "100.5", 0);
         DeviceMode mode = DefaultDeviceMode();
         mode.pub.dmFields = 0xFFFFFFFF;
-        plain_.resize(sizeof mode);
-        memcpy(plain_.data(), &mode, sizeof mode);
+        plain_.assign(Bytes(mode).begin(), Bytes(mode).end());
+        AskForDefaults();
+    }
+
+    void AskForDefaults() {
         const std::unique_ptr<Device> device = session_->EnablePdev({});
         defaults_ = reinterpret_cast<const PDEV*>(device->Instance())->devmode;
     }
 
-    // Hands the record in, in memory that ends where it ends.
+    // Hands the record in, in memory that ends where it ends, and holds everything that came of it against
+    // the plain definition.
     void Submit(const Record& record) {
-        ++submitted_;
+        ++(IsTaken(record) ? taken_ : refused_);
         const std::unique_ptr<Device> device = session_->EnablePdev(record);
         ASSERT_NE(device->Instance(), nullptr);
         const auto* pdev = reinterpret_cast<const PDEV*>(device->Instance());
-        // A record of no known version is refused: the instance is then as without one.
-        const bool refused = memcmp(&pdev->devmode, &defaults_, sizeof defaults_) == 0;
-        const char* broken = refused ? nullptr : BrokenRule(pdev->devmode);
+        instance_ = pdev->devmode;
+        // A refused record leaves the instance as it is without one.
+        const DeviceMode expected = Merged(defaults_, record, kLabels);
+        ASSERT_EQ(FirstDifference(instance_, expected), sizeof instance_);
+        const char* broken = IsTaken(record) ? BrokenRule(instance_) : nullptr;
         ASSERT_EQ(broken, nullptr) << broken;
+
         ASSERT_TRUE(device->Intact());
+        const auto* callers = reinterpret_cast<const uint8_t*>(device->DeviceMode());
+        const Record given = GivenBack(defaults_, record);
+        const auto difference = std::mismatch(given.begin(), given.end(), callers).first;
+        ASSERT_EQ(difference - given.begin(), static_cast<ptrdiff_t>(given.size()))
+            << "in the caller's record";
+
         const bool portrait = pdev->devmode.pub.dmOrientation == DMORIENT_PORTRAIT;
         const auto width = static_cast<uint32_t>(pdev->devmode.pub.dmPaperWidth);
         const auto length = static_cast<uint32_t>(pdev->devmode.pub.dmPaperLength);
@@ -193,12 +224,16 @@ class DeviceModeCorruptor : public testing::Test {
         EXPECT_EQ(session_->PrintSpooler().OpenHandles(), 1u);
         EXPECT_TRUE(session_->PrintSpooler().Misuses().empty());
         EXPECT_EQ(session_->Graphics().LivePalettes(), 0u);
-        RecordProperty("records", submitted_);
+        RecordProperty("taken", taken_);
+        RecordProperty("refused", refused_);
     }
 
+    ScratchFolder installation_;
     Record plain_;
     DeviceMode defaults_;  // of an instance that was given no device mode
-    int submitted_ = 0;
+    DeviceMode instance_;  // of the last record
+    int taken_ = 0;
+    int refused_ = 0;
 
   private:
     void AddLabel(const std::string& number, const char* size, uint32_t units) {
@@ -211,34 +246,120 @@ class DeviceModeCorruptor : public testing::Test {
         data.SetNumber(key, "units", units);
     }
 
-    ScratchFolder installation_;
     std::optional<DriverSession> session_;
 };
+
+// A printer on which a label and a profile are chosen, which records without them get.
+class DeviceModeCorruptorWithChoices : public DeviceModeCorruptor {
+  protected:
+    DeviceModeCorruptorWithChoices() {
+        installation_.Write("settings.inf", "[UI]\r\nDefault_Media=Label 300\r\n");
+        installation_.Write("profiles/paper.zvp", "");
+        AskForDefaults();
+    }
+};
+
+constexpr size_t kSizes[] = {0,   1,   65,  66,  67,  68,  70,  71,  72,  73,  76,  79,  80,   81,   83,   84,
+                             100, 187, 188, 189, 211, 212, 213, 219, 220, 221, 300, 916, 4095, 4096, 65535};
+constexpr size_t kExtras[] = {0,   1,   3,   4,   5,   32,  33,  95,  96,  97,  136, 137, 138,  139,  144,
+                              159, 160, 161, 162, 479, 679, 680, 694, 695, 696, 697, 699, 1000, 4096, 65535};
 
 }  // namespace
 
 TEST_F(DeviceModeCorruptor, PutsEveryBoundaryValueIntoEveryField) {
-    size_t number = 0;
-    for (const Field& field : kFields) {
-        for (const int64_t value : Values()) {
-            if (number++ % kFieldStep != 0) continue;
+    const std::vector<Field>& fields = AllFields();
+    for (size_t number = 0; number < fields.size(); ++number) {
+        const Field field = fields[number];
+        std::set<int64_t> arrived;
+        for (size_t i = number % kFieldStep; i < Values().size(); i += kFieldStep) {
             Record record = plain_;
-            Put(record, field, value);
-            ASSERT_NO_FATAL_FAILURE(Submit(record)) << "offset " << field.offset << " value " << value;
+            Put(record, field, Values()[i]);
+            ASSERT_NO_FATAL_FAILURE(Submit(record)) << "offset " << field.offset << " value " << Values()[i];
+            if (Get(Bytes(instance_), field) == Get(record, field)) arrived.insert(Get(record, field));
+        }
+        // Two values, so that one of them is not what the instance has anyway.
+        if (number < std::size(kTakenFields)) {
+            EXPECT_GE(arrived.size(), 2u) << "offset " << field.offset;
+        } else if (field.offset != kFlags.offset) {
+            EXPECT_LE(arrived.size(), 1u) << "offset " << field.offset;
+        }
+    }
+    EXPECT_EQ(refused_, 0) << "the size is a public layout's, whatever the version";
+}
+
+TEST_F(DeviceModeCorruptor, SetsAndClearsEveryFlagOfThePublicFields) {
+    struct Case {
+        DWORD flags;
+        Field field;
+        int64_t value;  // valid, and not what any record has by itself
+    };
+    const Case cases[] = {
+        {DM_ORIENTATION, PUBLIC(dmOrientation), 2},
+        {DM_PAPERSIZE, kPaper, 301},
+        {DM_PAPERLENGTH, PUBLIC(dmPaperLength), 1234},
+        {DM_PAPERWIDTH, PUBLIC(dmPaperWidth), 2345},
+        {0, PUBLIC(dmScale), 50},
+        {DM_COPIES, PUBLIC(dmCopies), 9},
+        {DM_DEFAULTSOURCE, PUBLIC(dmDefaultSource), 7},
+        {DM_PRINTQUALITY, PUBLIC(dmPrintQuality), 600},
+        {DM_COLOR, PUBLIC(dmColor), 1},
+        {0, PUBLIC(dmDuplex), 2},
+        {0, PUBLIC(dmYResolution), 150},
+        {DM_TTOPTION, PUBLIC(dmTTOption), 3},
+        {DM_COLLATE, PUBLIC(dmCollate), 1},
+        {DM_FORMNAME, {offsetof(DEVMODEW, dmFormName), 4}, 0x410042},
+        {DM_NUP, PUBLIC(dmNup), 2},
+        {DM_ICMMETHOD, PUBLIC(dmICMMethod), 2},
+        {DM_ICMINTENT, PUBLIC(dmICMIntent), 3},
+        {DM_MEDIATYPE, PUBLIC(dmMediaType), 4},
+        {DM_DITHERTYPE, PUBLIC(dmDitherType), 5},
+        {0, PUBLIC(dmLogPixels), 6},
+        {0, PUBLIC(dmBitsPerPel), 7},
+        {0, PUBLIC(dmPelsWidth), 8},
+        {0, PUBLIC(dmPelsHeight), 9},
+        {0, PUBLIC(dmDisplayFrequency), 10},
+        {0, PUBLIC(dmPanningWidth), 11},
+        {0, PUBLIC(dmPanningHeight), 12},
+    };
+    Record filled = plain_;
+    for (const Case& each : cases) Put(filled, each.field, each.value);
+    for (int bit = 0; bit < 32; ++bit) {
+        for (const DWORD flags : {DWORD{1} << bit, ~(DWORD{1} << bit)}) {
+            Record record = filled;
+            Put(record, kFlags, flags);
+            ASSERT_NO_FATAL_FAILURE(Submit(record)) << "flags " << flags;
+            for (const Case& each : cases) {
+                // A form that is not named on its own is the custom size's.
+                if (each.field.offset == offsetof(DEVMODEW, dmFormName) && (flags & DM_FORMNAME) == 0)
+                    continue;
+                const bool arrived = Get(Bytes(instance_), each.field) == each.value;
+                EXPECT_EQ(arrived, (flags & each.flags) != 0)
+                    << "flags " << flags << " offset " << each.field.offset;
+            }
         }
     }
 }
 
+TEST_F(DeviceModeCorruptor, TakesARecordOfAnotherSizeThatStatesAVersion) {
+    for (const size_t size : kSizes) {
+        for (const int version : {0, 1, 0x100, 0x31F, 0x320, 0x321, 0x400, 0x401, 0x402, 0xFFFF}) {
+            Record record = Resized(plain_, size, sizeof(PrivateDevMode));
+            if (size > kVersion.offset) Put(record, kVersion, version);
+            ASSERT_NO_FATAL_FAILURE(Submit(record)) << "size " << size << " version " << version;
+        }
+    }
+    EXPECT_GT(taken_, 200);
+    EXPECT_GT(refused_, 40);
+}
+
 TEST_F(DeviceModeCorruptor, MakesBothSizesWrongInBothDirections) {
-    constexpr size_t kSizes[] = {0,   1,   68,  71,  72,  73,  76,  80,  100,  187,  188,  189,
-                                 211, 212, 213, 219, 220, 221, 300, 916, 4095, 4096, 65535};
-    constexpr size_t kExtras[] = {0,   1,   3,   4,   32,  95,   137,  160,  161,
-                                  679, 680, 695, 696, 697, 1000, 4096, 65535};
     for (const size_t size : kSizes) {
         for (const size_t extra : kExtras) {
             ASSERT_NO_FATAL_FAILURE(Submit(Resized(plain_, size, extra))) << size << " + " << extra;
         }
     }
+    EXPECT_GT(taken_, 800);
+    EXPECT_GT(refused_, 50);
 }
 
 TEST_F(DeviceModeCorruptor, EndsTheRecordAtEveryByte) {
@@ -248,6 +369,7 @@ TEST_F(DeviceModeCorruptor, EndsTheRecordAtEveryByte) {
     for (size_t extra = 0; extra <= sizeof(PrivateDevMode); ++extra) {
         ASSERT_NO_FATAL_FAILURE(Submit(Resized(plain_, sizeof(DEVMODEW), extra))) << extra;
     }
+    EXPECT_EQ(refused_, 0);
 }
 
 TEST_F(DeviceModeCorruptor, LeavesEveryTextWithoutAnEnd) {
@@ -258,8 +380,36 @@ TEST_F(DeviceModeCorruptor, LeavesEveryTextWithoutAnEnd) {
             Record record = plain_;
             std::fill_n(record.begin() + static_cast<ptrdiff_t>(text.offset), text.size, filling);
             for (const int16_t paper : {256, 257, 258, 300, 301, 32767}) {
-                Put(record, PUBLIC(dmPaperSize), paper);
+                Put(record, kPaper, paper);
                 ASSERT_NO_FATAL_FAILURE(Submit(record)) << "offset " << text.offset << " filling " << filling;
+            }
+        }
+    }
+    EXPECT_EQ(refused_, 0);
+}
+
+TEST_F(DeviceModeCorruptorWithChoices, GivesARecordThePrintersProfileAndLabelAsFarAsItReaches) {
+    for (const size_t size : kSizes) {
+        for (const size_t extra : kExtras) {
+            ASSERT_NO_FATAL_FAILURE(Submit(Resized(plain_, size, extra))) << size << " + " << extra;
+        }
+    }
+    EXPECT_EQ(defaults_.priv.dmPaperSize, 300);
+    EXPECT_EQ(defaults_.priv.colorProfile[0], L'p');
+}
+
+TEST_F(DeviceModeCorruptorWithChoices, LeavesARecordItsOwnProfileAndLabel) {
+    for (const int64_t label : {-32768, -1, 0, 257, 258, 259, 300, 32767}) {
+        for (const int64_t paper : {1, 256, 257, 258, 300, 301}) {
+            for (const int64_t signature : {0x18284000, 0}) {
+                for (const int64_t profile : {0, 0x41}) {
+                    Record record = plain_;
+                    Put(record, kLabel, label);
+                    Put(record, kPaper, paper);
+                    Put(record, kSignature, signature);
+                    Put(record, {kProfile.offset, 2}, profile);
+                    ASSERT_NO_FATAL_FAILURE(Submit(record)) << label << " " << paper << " " << profile;
+                }
             }
         }
     }
@@ -272,15 +422,20 @@ TEST_F(DeviceModeCorruptor, MixesBoundaryValuesSizesAndNoiseAtRandom) {
         Record record = plain_;
         if (below(2) == 0) Put(record, kFlags, static_cast<int64_t>(random()));
         for (size_t fields = below(12); fields-- > 0;) {
-            Put(record, kFields[below(std::size(kFields))], Values()[below(Values().size())]);
+            Put(record, AllFields()[below(AllFields().size())], Values()[below(Values().size())]);
         }
         for (size_t bytes = below(8) == 0 ? 40 : 0; bytes-- > 0;) {
             record[below(record.size())] = static_cast<uint8_t>(random());
         }
-        if (below(4) == 0)
+        if (below(4) == 0) {
+            if (below(2) == 0) Put(record, kVersion, 0);
             record = Resized(record, below(300), below(900));
-        else
-            Put(record, kSize, sizeof(DEVMODEW)), Put(record, kExtra, sizeof(PrivateDevMode));
+        } else {
+            Put(record, kSize, sizeof(DEVMODEW));
+            Put(record, kExtra, sizeof(PrivateDevMode));
+        }
         ASSERT_NO_FATAL_FAILURE(Submit(record)) << "record " << i;
     }
+    EXPECT_GT(taken_, kRandomRecords * 3 / 4);
+    EXPECT_GT(refused_, kRandomRecords / 10);
 }

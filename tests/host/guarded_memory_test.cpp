@@ -77,6 +77,28 @@ TEST(GuardedMemory, ShowsAWriteInFrontOfIt) {
     }
 }
 
+TEST(GuardedMemory, BeginsAtAnAlignedAddressWhereItIsToAndEndsAsCloseToTheGuardAsItThenCan) {
+    for (const size_t size : {1u, 72u, 913u, 914u, 915u, 916u, 4097u}) {
+        const GuardedMemory memory(size, 4);
+        ASSERT_EQ(memory.Size(), size);
+        EXPECT_EQ(reinterpret_cast<uintptr_t>(memory.Data()) % 4, 0u) << size;
+        EXPECT_FALSE(Readable(memory.Data() + (size + 3) / 4 * 4)) << size;
+        EXPECT_TRUE(memory.Intact()) << size;
+        if (!kPaddingIsPoisoned && size % 4 != 0) {
+            memory.Data()[size] = 0;
+            EXPECT_FALSE(memory.Intact()) << size;
+        }
+    }
+}
+
+#if defined(__SANITIZE_ADDRESS__)
+TEST(GuardedMemoryDeathTest, EndsTheProgramWhereAnAlignedBlockIsReadPastItsEnd) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    const GuardedMemory memory(913, 4);
+    EXPECT_DEATH(static_cast<void>(*const_cast<volatile uint8_t*>(memory.Data() + 913)), "AddressSanitizer");
+}
+#endif
+
 TEST(GuardedMemory, CanNotBeReadAnyMoreWhenItIsClosed) {
     GuardedMemory memory(5000);
     memory.Close();
