@@ -1,6 +1,7 @@
 // Layout and rows of a page: any geometry is laid out without an overflow and as the plain definition has it;
-// the engine gets as many rows, of that width, as announced, and each, fill rows and purge bar too, holds
-// what the plain definition has there; a row that it refuses is the last one.
+// page and raster block are announced so; the engine gets as many rows as follow from it, and each, fill rows
+// and purge bar too, holds what the plain definition has there; a call that it refuses is the last one. A
+// page takes two blocks of memory, of the documented sizes, and keeps none.
 
 #include <algorithm>
 #include <cstring>
@@ -8,17 +9,25 @@
 #include "color/color_cache.h"
 #include "color/row_conversion.h"
 #include "driver/job_state.h"
+#include "fuzz/allocation_watch.h"
 #include "fuzz/device_mode_rules.h"
+#include "fuzz/fuzz_installation.h"
 #include "fuzz/input.h"
 #include "fuzz/page_model.h"
 #include "fuzz/target.h"
 #include "render/page_layout_input.h"
-#include "render/raster_loop.h"
 
 namespace {
 
-constexpr int32_t kMaxSide = 40;
+constexpr int32_t kBandColumns = 64;  // columns that the driver reads at a time from a portrait page
 constexpr uint32_t kColorBits24 = 0xFFFFFF;
+
+// One in two sides of a bitmap is short, so that it is soon drawn; the others reach beyond two bands.
+int32_t Side(uint8_t choice) {
+    const int32_t side = choice < 128 ? 1 + choice % 40 : choice - 115;
+    static_assert(255 - 115 > 2 * kBandColumns);
+    return side;
+}
 
 // Pixels take 256 colours, each with an ink of its own.
 uint32_t ColorOf(uint8_t value) {
@@ -37,18 +46,23 @@ void FillCache() {
     SetCacheKind(kEntries);
 }
 
-// The page bitmap, in a block that ends where its last pixel ends.
+// The page bitmap, in a block that ends where its last pixel ends. Pixels that the input does not give are
+// unlike their neighbours, or all alike.
 struct Bitmap {
-    explicit Bitmap(FuzzInput& input)
-        : width(1 + input.Byte() % kMaxSide),
-          height(1 + input.Byte() % kMaxSide),
-          pixelBytes(input.Flag() ? 3 : 4),
-          upward(input.Flag()),
-          stride(width * pixelBytes + input.Byte() % 8),
-          bytes(static_cast<size_t>(stride * (height - 1) + width * pixelBytes)) {
+    explicit Bitmap(FuzzInput& input) {
+        width = Side(input.Byte());
+        height = Side(input.Byte());
+        pixelBytes = input.Flag() ? 3 : 4;
+        const uint8_t choices = input.Byte();
+        upward = (choices & 1) != 0;
+        const bool alike = (choices & 2) != 0;
+        stride = width * pixelBytes + input.Byte() % 8;
+        bytes.resize(static_cast<size_t>(stride * (height - 1) + width * pixelBytes));
         for (int32_t y = 0; y < height; ++y) {
             for (int32_t x = 0; x < width; ++x) {
-                const uint32_t color = ColorOf(input.Byte()) | 0xAB000000;
+                const auto place = static_cast<uint32_t>(y * width + x);
+                const auto filling = static_cast<uint8_t>(alike ? 0 : place * 2654435761u >> 24);
+                const uint32_t color = ColorOf(input.Empty() ? filling : input.Byte()) | 0xAB000000;
                 memcpy(bytes.data() + Offset(x, y), &color, static_cast<size_t>(pixelBytes));
             }
         }
@@ -72,9 +86,8 @@ struct Bitmap {
         return surface;
     }
 
-    int32_t width, height, pixelBytes;
+    int32_t width, height, pixelBytes, stride;
     bool upward;
-    int32_t stride;
     std::vector<uint8_t> bytes;
 };
 
@@ -127,30 +140,76 @@ void CheckLayout(const PageLayoutInput& input) {
     REQUIRE(layout.placed.fullTop == plain.fullTop && layout.placed.fullBottom == plain.fullBottom);
 }
 
-// Takes the rows of a page and holds each against its plain definition; refuses one of them, or none.
-struct RowCheck {
+// Takes a page in the engine's place and holds what it gets against the plain definition; refuses one call,
+// or none.
+struct EngineCheck {
     const Bitmap& page;
     const DeviceMode& mode;
-    const PageLayout& layout;
-    int64_t refused;  // the number of the row to refuse
-    std::vector<uint32_t> expected = std::vector<uint32_t>(static_cast<size_t>(layout.rowWidth));
+    const PlainLayout& layout;
+    int64_t refused = -1;  // the number of the call to refuse
+    int64_t calls = 0;
     int64_t rows = 0;
+    size_t blocksBefore = 0;  // that the page had taken when its rows began
+    std::vector<uint32_t> expected = std::vector<uint32_t>(static_cast<size_t>(layout.rowWidth));
 
-    void Begin() {
+    bool At600Dpi() const { return mode.pub.dmPrintQuality == 600; }
+    // A fill of fewer rows than none is none.
+    int64_t TopRows() const { return std::max(layout.fullTop, 0); }
+    int64_t Rows() const { return TopRows() + layout.rows + std::max(layout.fullBottom, 0); }
+    int64_t Calls() const { return Rows() + 4; }
+
+    uint32_t Answer() { return calls++ == refused ? 0 : 1; }
+
+    uint32_t PageStart(uint32_t width, uint32_t length) {
+        REQUIRE(calls == 0);
+        REQUIRE(width == static_cast<uint32_t>(layout.pageW));
+        REQUIRE(length == static_cast<uint32_t>(layout.pageLength));
+        return Answer();
+    }
+    uint32_t BlockStart(uint32_t top, uint32_t rowWidth, uint32_t headRows) {
+        REQUIRE(calls == 1);
+        REQUIRE(top == static_cast<uint32_t>(layout.topOff));
+        REQUIRE(rowWidth == static_cast<uint32_t>(layout.rowWidth));
+        REQUIRE(headRows == static_cast<uint32_t>(layout.headRows));
+        REQUIRE(AllocationWatch::Live().empty());
+        blocksBefore = AllocationWatch::Taken();
+        WritePurgeDots();
+        return Answer();
+    }
+    uint32_t BlockEnd() {
+        REQUIRE(calls == 2 + Rows() && rows == Rows());
+        return Answer();
+    }
+    uint32_t PageEnd() {
+        REQUIRE(calls == 3 + Rows());
+        return Answer();
+    }
+
+    // The row for the engine, and the band that the bitmap is read through: 64 columns of a portrait page or
+    // a scan line of a landscape one, each in whole cache lines and one more.
+    void CheckMemory() const {
+        const size_t bandRows = mode.pub.dmOrientation == DMORIENT_LANDSCAPE ? 1 : kBandColumns;
+        const auto pitch = static_cast<size_t>((layout.imageWidth + 15) / 16 * 16 + 16);
+        std::vector<size_t> blocks = {size_t{4} * static_cast<size_t>(layout.rowWidth), bandRows * pitch * 4};
+        std::sort(blocks.begin(), blocks.end());
+        REQUIRE(AllocationWatch::Live() == blocks);
+    }
+
+    void WritePurgeDots() {
         const PrivateDevMode& priv = mode.priv;
         const bool purges =
             priv.purgeFreq != 0 ? (g_nPage - 1) % static_cast<uint32_t>(priv.purgeFreq) == 0 : g_nPage == 1;
         if (priv.purgeBar == 0 || !purges) return;
-        const int32_t first = layout.purgeLead != 0 ? 0 : layout.rowWidth - layout.purgeDots - 1;
-        for (int32_t i = 0; i < layout.purgeDots; ++i) {
-            expected[static_cast<size_t>(first + i)] = layout.dpi == 600 ? 0x7F7F7F7F : 0xFFFFFFFF;
+        const int32_t first = layout.purgeLead != 0 ? 0 : layout.rowWidth - priv.purgeDots - 1;
+        for (int32_t i = 0; i < priv.purgeDots; ++i) {
+            expected[static_cast<size_t>(first + i)] = At600Dpi() ? 0x7F7F7F7F : 0xFFFFFFFF;
         }
     }
     uint32_t* ImageArea() { return expected.data() + (layout.purgeLead != 0 ? layout.purgeLen : 0); }
     // In front of the image, without a pattern, the row stays as it is.
     void ExpectFill(bool inFront) {
         for (int32_t i = 0; i < layout.imageWidth; ++i) {
-            const uint32_t amount = layout.dpi == 600 ? 2 : 4;
+            const uint32_t amount = At600Dpi() ? 2 : 4;
             if (mode.priv.kws != 0)
                 ImageArea()[i] = amount << 8 * (i % 4);
             else if (!inFront)
@@ -166,47 +225,98 @@ struct RowCheck {
         if (mode.priv.kws == 0 && mode.priv.colorMode == 0) {
             std::transform(pixels.begin(), pixels.end(), ImageArea(), InkOf);
         } else {
-            ConvertRow(ImageArea(), pixels.data(), static_cast<uint32_t>(count), 1, mode.priv.kws,
-                       layout.dpi == 600, static_cast<uint32_t>(mode.priv.colorMode));
+            ConvertRow(ImageArea(), pixels.data(), static_cast<uint32_t>(count), 1, mode.priv.kws, At600Dpi(),
+                       static_cast<uint32_t>(mode.priv.colorMode));
         }
         if (row == 0 && expected[0] == 0) expected[0] = 2;
     }
-    bool Take(const uint32_t* row) {
-        const int64_t imageRow = rows - layout.placed.fullTop;
+    uint32_t Row(const uint32_t* row) {
+        REQUIRE(calls == 2 + rows && rows < Rows());
+        if (rows == 0) CheckMemory();
+        REQUIRE(AllocationWatch::Taken() == blocksBefore + 2);  // all rows share what the first one has
+        const int64_t imageRow = rows - TopRows();
         if (imageRow < 0 || imageRow >= layout.rows) {
             ExpectFill(imageRow < 0);
         } else {
             ExpectImage(static_cast<int32_t>(imageRow));
         }
         REQUIRE(memcmp(row, expected.data(), expected.size() * sizeof *row) == 0);
-        return rows++ != refused;
+        ++rows;
+        return Answer();
     }
 };
 
-RowCheck* currentCheck = nullptr;
+EngineCheck* currentCheck = nullptr;
+constexpr uint64_t kJob = 0x1122334455667788;
 
-uint32_t HPCRLIB_CALL TakeRow(uint64_t, const uint32_t* row) {
-    return currentCheck->Take(row) ? 1 : 0;
+// One of the engine's calls, in the job that it belongs to. What the check takes is not the driver's.
+template <typename Call>
+uint32_t InJob(uint64_t job, Call call) {
+    const AllocationWatchPause pause;
+    REQUIRE(job == kJob);
+    return call(*currentCheck);
 }
 
-void CheckRows(FuzzInput& input, const DeviceMode& mode, int64_t refused) {
+uint32_t HPCRLIB_CALL StartPage(uint64_t job, uint32_t width, uint32_t length) {
+    return InJob(job, [=](EngineCheck& check) { return check.PageStart(width, length); });
+}
+uint32_t HPCRLIB_CALL StartBlock(uint64_t job, uint32_t reserved, uint32_t top, uint32_t rowWidth,
+                                 uint32_t rows) {
+    REQUIRE(reserved == 0);
+    return InJob(job, [=](EngineCheck& check) { return check.BlockStart(top, rowWidth, rows); });
+}
+uint32_t HPCRLIB_CALL TakeRow(uint64_t job, const uint32_t* row) {
+    return InJob(job, [=](EngineCheck& check) { return check.Row(row); });
+}
+uint32_t HPCRLIB_CALL EndBlock(uint64_t job) {
+    return InJob(job, [](EngineCheck& check) { return check.BlockEnd(); });
+}
+uint32_t HPCRLIB_CALL EndPage(uint64_t job) {
+    return InJob(job, [](EngineCheck& check) { return check.PageEnd(); });
+}
+
+// The job that the page belongs to, for as long as it takes to send it.
+struct RunningJob {
+    explicit RunningJob(EngineCheck& check) {
+        currentCheck = &check;
+        g_hJob = kJob;
+        g_hHpcrlib = reinterpret_cast<HMODULE>(&currentCheck);
+        g_engine.HPCRLIB_PageStart = &StartPage;
+        g_engine.HPCRLIB_RasterBlockStart = &StartBlock;
+        g_engine.HPCRLIB_RasterRow = &TakeRow;
+        g_engine.HPCRLIB_RasterBlockEnd = &EndBlock;
+        g_engine.HPCRLIB_PageEnd = &EndPage;
+        g_resolutionSwitch = {};
+    }
+    ~RunningJob() {
+        g_engine = {};
+        g_hHpcrlib = nullptr;
+        currentCheck = nullptr;
+    }
+};
+
+// Sends a page of which the engine refuses the call of the given number, counted round, or none.
+void CheckPage(FuzzInput& input, const DeviceMode& mode, bool refuses, uint32_t refused) {
     Bitmap page(input);
-    const PageLayout layout =
-        ComputePageLayout(LayoutInput(mode, mode.pub.dmPrintQuality, page.width, page.height));
+    const PlainLayout layout =
+        ComputePlainLayout(LayoutInput(mode, mode.pub.dmPrintQuality, page.width, page.height));
     FillCache();
+    // Without settings there is no thumbnail; a first page asks for it.
+    if (g_nPage == 1) FuzzInstallation().WriteSettings("");
     PDEV pdev = {};
+    pdev.signature = pdev.signatureTail = kPdevSignature;
     pdev.devmode = mode;
-    RowCheck check{page, mode, layout, refused};
-    check.Begin();
-    currentCheck = &check;
-    g_engine.HPCRLIB_RasterRow = &TakeRow;
-    const bool sent = SendRasterRows(pdev, page.Surface(), layout);
-    g_engine = {};
-    currentCheck = nullptr;
-    const auto count = [](int32_t rows) { return int64_t{std::max(rows, 0)}; };
-    const int64_t all = count(layout.placed.fullTop) + layout.rows + count(layout.placed.fullBottom);
-    REQUIRE(sent == (refused < 0 || refused >= all));
-    REQUIRE(check.rows == (sent ? all : refused + 1));
+    SURFOBJ surface = page.Surface();
+    surface.dhpdev = reinterpret_cast<DHPDEV>(&pdev);
+
+    EngineCheck check{page, mode, layout};
+    if (refuses) check.refused = refused % check.Calls();
+    const RunningJob job(check);
+    const AllocationWatch watch;
+    REQUIRE(DrvSendPage(&surface));
+    REQUIRE(AllocationWatch::Live().empty());
+    REQUIRE(check.calls == (refuses ? check.refused + 1 : check.Calls()));
+    REQUIRE(pdev.pageCount == 1);
 }
 
 }  // namespace
@@ -223,12 +333,12 @@ void FuzzPage(std::span<const uint8_t> input) {
     CheckLayout(any);
     const bool refuses = choices.Flag();
     const auto refused = choices.Number<uint16_t>();
-    CheckRows(choices, mode, refuses ? refused : int64_t{-1});
+    CheckPage(choices, mode, refuses, refused);
 }
 
 Seeds PageSeeds() {
     // Page number, flags, alignment, purge bar, dots, gap, frequency, offset, colour mode, two lengths,
-    // offset and alignment of the second layout; whether a row is refused, and its number; then width,
+    // offset and alignment of the second layout; whether a call is refused, and its number; then width,
     // height, format, direction, padding and pixels of the bitmap.
     Seeds seeds;
     for (char flags = 0; flags < 64; flags = static_cast<char>(flags + 7)) {
@@ -238,6 +348,12 @@ Seeds PageSeeds() {
         seed += std::string{16, static_cast<char>(17 + flags % 3), flags, static_cast<char>(flags / 2), 3};
         for (int i = 0; i < 300; ++i) seed += static_cast<char>(i * 5);
         seeds.push_back(seed);
+    }
+    // A page of two bands and a part of a third, in each order that columns are read in.
+    for (const char flags : {0, 4, 8, 12}) {
+        std::string seed(25, '\0');
+        seed[1] = flags;
+        seeds.push_back(seed + "\xFF\xC5");
     }
     return seeds;
 }
