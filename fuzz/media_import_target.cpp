@@ -95,7 +95,19 @@ void FuzzMediaImport(std::span<const uint8_t> input) {
 Seeds MediaImportSeeds() {
     std::string many = "[Media]\n";
     for (int i = 0; i < 30; ++i) many += "\"x\" \"4\" \"6\" 1\n";
+    // Labels around the last byte that counts, which lies within a number of one, at a line's end, or in
+    // front of it.
+    const auto around = [](size_t inFront) {
+        const std::string labels = "[Media]\n\"Wine\" \"4\" \"6\" 10\n";
+        std::string file(kBytesThatCount + inFront - labels.size(), ';');
+        return file + labels + "\"Bread\" \"4\" \"6\" 1\n";
+    };
     return {
+        around(1),
+        around(2),
+        around(0),
+        around(12),
+        around(40),
         "; labels\r\n[Media]\r\n\"Shipping 4 x 6\", \"4\", \"6\", 1\r\n\"Wine\" \"90.5\"\t\"120\" 0 rest\r\n",
         "[Media]\n\"\" \"1234567\" \"0\" -2147483649\n\"a\",\"1\",\"2\" 4294967296",
         "[Media]\n\"" + std::string(63, 'n') + "\"\"1\"\"2\"\n\"12345678\"\n",

@@ -235,10 +235,10 @@ struct EngineCheck {
         if (rows == 0) CheckMemory();
         REQUIRE(AllocationWatch::Taken() == blocksBefore + 2);  // all rows share what the first one has
         const int64_t imageRow = rows - TopRows();
-        if (imageRow < 0 || imageRow >= layout.rows) {
-            ExpectFill(imageRow < 0);
-        } else {
+        if (imageRow >= 0 && imageRow < layout.rows) {
             ExpectImage(static_cast<int32_t>(imageRow));
+        } else if (rows == 0 || imageRow == layout.rows) {
+            ExpectFill(imageRow < 0);  // for all fill rows on this side
         }
         REQUIRE(memcmp(row, expected.data(), expected.size() * sizeof *row) == 0);
         ++rows;

@@ -1,54 +1,70 @@
 #include "fuzz/profile_input.h"
 
+#include <algorithm>
+
+#include "fuzz/input.h"
 #include "tests/color/profile_bytes.h"
 
 namespace {
 
-constexpr uint8_t kHalfGridByte = 0x5A;  // all of the colours of versions 3 and 4
+constexpr uint64_t kParts = 8;  // of the colours; a plane of either variant is one
 
-ProfileColors ColorsOf(uint8_t choice) {
-    if (choice == kProfileHalfGridEntries || choice == kProfileHalfGridPlanes) return ProfileColors::HalfGrid;
-    if (choice == kProfileWholeLoad) return ProfileColors::WholeLoad;
-    return (choice & 7) == kProfileGrid ? ProfileColors::Grid : ProfileColors::Cut;
+bool IsRare(std::span<const uint8_t> input) {
+    uint32_t sum = 0;
+    for (const uint8_t byte : input) sum = (sum ^ byte) * 0x01000193u;
+    return (sum ^ sum >> 16) % kRare == 0;
 }
 
-// The colours of version 5 with the given bytes in front and, of the other variant, behind.
-std::string GridWith(std::string_view bytes) {
-    static const std::string grid = GridColors(ProfileInk);
-    std::string colors = grid;
-    bytes = bytes.substr(0, kGridVariantSize);
-    colors.replace(0, bytes.size(), bytes);
-    return colors.replace(colors.size() - bytes.size(), bytes.size(), bytes);
+// Puts the bytes into each eighth of the colours that begin at `begin`, each time one more than the last.
+void PutIntoColors(SparseFile& file, uint64_t begin, uint64_t size, std::string bytes, uint32_t where) {
+    const uint64_t part = size / kParts;
+    bytes.resize(static_cast<size_t>(std::min<uint64_t>(bytes.size(), part)));
+    const uint64_t offset = where % (part - bytes.size() + 1);
+    for (uint64_t i = 0; i < kParts; ++i) {
+        file.runs.push_back({begin + i * part + offset, bytes});
+        for (char& byte : bytes) ++byte;
+    }
 }
 
 }  // namespace
 
-ProfileInput TakeProfile(FuzzInput& input) {
-    const uint8_t choice = input.Byte();
-    ProfileInput profile = {ColorsOf(choice), ""};
+ProfileInput TakeProfile(std::span<const uint8_t> input) {
+    ProfileInput profile = {{}, IsRare(input)};
+    SparseFile& file = profile.file;
+    FuzzInput choices(input);
+    const uint8_t choice = choices.Byte();
     if (choice & 0x80) {
-        profile.file = input.RestAsText();
+        file.runs.push_back({0, std::string(choices.RestAsText())});
+        file.size = file.runs[0].bytes.size();
         return profile;
     }
-    const auto areaLength = input.Number<uint16_t>();
-    const std::string_view tags = input.TakeText(input.Number<uint16_t>());
-    const std::string_view rest = input.RestAsText();
-    int version = 5;
-    std::string colors;
-    if (profile.colors == ProfileColors::Cut) {
-        version = choice >> 3;
-        colors = rest;
-    } else if (profile.colors == ProfileColors::HalfGrid) {
-        version = choice == kProfileHalfGridEntries ? 3 : 4;
-        colors.assign(ColorsSize(version), static_cast<char>(kHalfGridByte));
+    const int version = choice & 7;
+    const auto areaLength = choices.Number<uint16_t>();
+    const std::string area = TagArea(choices.TakeText(choices.Number<uint16_t>()), areaLength);
+    const auto where = choices.Number<uint32_t>();
+    std::string colors(choices.RestAsText());
+    const size_t begin = ProfileHead(version, 0).size() + area.size();
+    const bool known = version >= 1 && version <= 5;
+    if ((choice & kProfileWhole) && known && (version == 5 || profile.rare)) {
+        file.size = begin + ColorsSize(version);
+        PutIntoColors(file, begin, ColorsSize(version), std::move(colors), where);
     } else {
-        colors = GridWith(rest);
+        file.size = begin + colors.size();
+        file.runs.push_back({begin, std::move(colors)});
     }
-    profile.file = ProfileBytes(version, TagArea(tags, areaLength), colors);
+    file.runs.push_back({0, ProfileHead(version, file.size) + area});
     return profile;
 }
 
-std::string ProfileSeed(char choice, const std::string& tags, size_t areaLength, const std::string& colors) {
-    return choice + Number16(static_cast<uint32_t>(areaLength)) +
-           Number16(static_cast<uint32_t>(tags.size())) + tags + colors;
+std::string ProfileSeed(int choice, const std::string& tags, size_t areaLength, const std::string& colors,
+                        uint32_t where) {
+    return static_cast<char>(choice) + Number16(static_cast<uint32_t>(areaLength)) +
+           Number16(static_cast<uint32_t>(tags.size())) + tags + Number32(where) + colors;
+}
+
+std::string RareSeed(const std::string& seed) {
+    for (uint32_t number = 0;; ++number) {
+        const std::string rare = seed + Number32(number);
+        if (IsRare({reinterpret_cast<const uint8_t*>(rare.data()), rare.size()})) return rare;
+    }
 }

@@ -2,38 +2,35 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+#include <span>
 #include <string>
 
-#include "fuzz/input.h"
+#include "fuzz/sparse_file.h"
 #include "fuzz/target.h"
 
-// What is done with a file's colours. Taking them costs the filling of the whole colour cache, so that most
-// files are refused for colours of a wrong size, once their header and tags are read, and the colours of
-// versions 3 and 4 and the whole load, which computes every entry of a refused file's cache, are rare.
-enum class ProfileColors { Cut, Grid, HalfGrid, WholeLoad };
-
 struct ProfileInput {
-    ProfileColors colors;
-    std::string file;
+    SparseFile file;
+    // Whether it is worth much time, as one input in kRare is, whatever else it holds: the colours of
+    // versions 1 to 4, of 16 and 128 MiB, are only there then.
+    bool rare;
 };
 
-// Takes all of the input. An input's first byte chooses: its own bytes as the file, or its tags between a
-// fitting header and colours.
-ProfileInput TakeProfile(FuzzInput& input);
+constexpr uint32_t kRare = 200;
 
-// How the first byte of an input chooses.
-constexpr char kProfileCut = 0, kProfileGrid = 5;
-constexpr char kProfileHalfGridEntries = 0x46, kProfileHalfGridPlanes = 0x47, kProfileWholeLoad = 0x4E;
+// Takes all of the input. Its first byte chooses: its own bytes as the file; or its tags behind a fitting
+// header, followed by colours that are cut short, or by the version's own number of them. Those are zeros,
+// but for the input's last bytes, which stand in each eighth of them.
+ProfileInput TakeProfile(std::span<const uint8_t> input);
+
+// How the first byte of an input chooses; the version is added.
+constexpr char kProfileCut = 0, kProfileWhole = 8;
 constexpr char kProfileRaw = '\x80';
 
-// Bytes of the first variant of the colours of version 5.
-constexpr size_t kGridVariantSize = 19652;
+// The input of a profile with these tags, of the area length that its header claims, and bytes that stand
+// among its colours, `where` bytes behind the beginning of each eighth.
+std::string ProfileSeed(int choice, const std::string& tags, size_t areaLength,
+                        const std::string& colors = "", uint32_t where = 0);
 
-// The input of a profile with these tags, of the area length that its header claims, and bytes over the
-// beginning of its colours.
-std::string ProfileSeed(char choice, const std::string& tags, size_t areaLength,
-                        const std::string& colors = "");
-
-// Inputs of the profile's target that take the tests a second, and would take the fuzzers the better part of
-// a short run.
-Seeds SlowProfileSeeds();
+// The input with bytes appended that make it a rare one.
+std::string RareSeed(const std::string& seed);

@@ -1,6 +1,12 @@
 #include "fuzz/profile_model.h"
 
 #include <algorithm>
+#include <cstring>
+#include <map>
+
+#include "color/color_cache.h"
+#include "fuzz/target.h"
+#include "tests/color/profile_bytes.h"
 
 namespace {
 
@@ -10,11 +16,75 @@ uint32_t Number(std::string_view bytes) {
     return value;
 }
 
+// Where a byte of a variant's colours stands in the cache.
+struct CachePlace {
+    uint32_t entry;
+    int shift;
+};
+
+constexpr uint32_t AllEven(uint32_t number) {
+    return ColorIndex(2 * (number >> 14), 2 * (number >> 7 & 127), 2 * (number & 127));
+}
+
+constexpr uint32_t GridPoint(uint32_t number) {
+    return ColorIndex(GridValue(static_cast<int>(number % 17)), GridValue(static_cast<int>(number / 17 % 17)),
+                      GridValue(static_cast<int>(number / 289)));
+}
+
+CachePlace PlaceOf(uint8_t version, uint32_t at) {
+    const int byteShift = 8 * static_cast<int>(at % 4);
+    const auto planeShift = [at](int planeBits) { return 24 - 8 * static_cast<int>(at >> planeBits); };
+    switch (version) {
+        case 1:
+            return {at / 4, byteShift};
+        case 2:
+            return {at & 0xFFFFFF, planeShift(24)};
+        case 3:
+            return {AllEven(at / 4), byteShift};
+        case 4:
+            return {AllEven(at & 0x1FFFFF), planeShift(21)};
+        default:
+            return {GridPoint(at / 4), byteShift};
+    }
+}
+
+// The entries that are not zero in the file.
+std::map<uint32_t, uint32_t> GivenEntries(const SparseFile& file, uint8_t version, uint64_t variantAt) {
+    const uint64_t variantEnd = variantAt + ColorsSize(version) / 2;
+    std::map<uint32_t, uint32_t> given;
+    for (const SparseFile::Run& run : file.runs) {
+        for (size_t i = 0; i < run.bytes.size(); ++i) {
+            const uint64_t at = run.offset + i;
+            if (at < variantAt || at >= variantEnd) continue;
+            const CachePlace place = PlaceOf(version, static_cast<uint32_t>(at - variantAt));
+            given[place.entry] |= uint32_t{static_cast<uint8_t>(run.bytes[i])} << place.shift;
+        }
+    }
+    return given;
+}
+
+bool IsAll(const uint32_t* entries, size_t count, uint32_t value) {
+    return entries[0] == value && memcmp(entries, entries + 1, (count - 1) * sizeof *entries) == 0;
+}
+
+// The all-even colours are the file's zeros, all others wait for their computation.
+bool IsHalfGrid(const uint32_t* cache) {
+    uint32_t even[256];
+    for (uint32_t blue = 0; blue < 256; ++blue) even[blue] = blue % 2 == 0 ? 0 : kNotComputed;
+    for (uint32_t row = 0; row < 0x10000; ++row) {
+        const uint32_t* blues = cache + row * 256;
+        const bool same =
+            (row & 0x0101) == 0 ? memcmp(blues, even, sizeof even) == 0 : IsAll(blues, 256, kNotComputed);
+        if (!same) return false;
+    }
+    return true;
+}
+
 }  // namespace
 
-TagWalk WalkTags(std::string_view file, size_t nameSize, bool at600Dpi) {
+TagWalk WalkTags(std::string_view file, uint64_t size, size_t nameSize, bool at600Dpi) {
     TagWalk walk;
-    if (file.size() < 15 || !file.starts_with("ZVC") || Number(file.substr(4, 4)) != file.size()) return walk;
+    if (size < 15 || !file.starts_with("ZVC") || Number(file.substr(4, 4)) != size) return walk;
     size_t at = 15;
     int64_t left = int64_t{Number(file.substr(13, 2))} - 3;  // what overruns it never comes to 0 again
     do {
@@ -37,8 +107,24 @@ TagWalk WalkTags(std::string_view file, size_t nameSize, bool at600Dpi) {
     return walk;
 }
 
-bool HoldsColors(std::string_view file, size_t colorsAt) {
-    constexpr size_t kSizes[] = {134217728, 134217728, 16777216, 16777216, 39304};
-    const auto version = static_cast<uint8_t>(file[3]);
-    return version >= 1 && version <= 5 && file.size() - colorsAt == kSizes[version - 1];
+bool HoldsColors(uint8_t version, uint64_t colorBytes) {
+    constexpr uint64_t kSizes[] = {134217728, 134217728, 16777216, 16777216, 39304};
+    return version >= 1 && version <= 5 && colorBytes == kSizes[version - 1];
+}
+
+void CheckCache(const SparseFile& file, uint8_t version, size_t colorsAt, bool at600Dpi) {
+    const uint64_t variantAt = colorsAt + (at600Dpi ? 0 : ColorsSize(version) / 2);
+    // With what the file gives taken out, one comparison goes over all that is left.
+    for (const auto& [entry, inks] : GivenEntries(file, version, variantAt)) {
+        REQUIRE(g_colorCache[entry] == inks);
+        g_colorCache[entry] = 0;
+    }
+    if (version == 5) {
+        for (uint32_t point = 0; point < kGridPoints; ++point) {
+            REQUIRE(g_colorCache[GridPoint(point)] == 0);
+            g_colorCache[GridPoint(point)] = kNotComputed;
+        }
+    }
+    REQUIRE(version == 4 ? IsHalfGrid(g_colorCache)
+                         : IsAll(g_colorCache, kCacheEntries, version == 5 ? kNotComputed : 0));
 }

@@ -16,6 +16,7 @@
 
 namespace {
 
+constexpr uint64_t kMostBytes = 1 << 20;
 constexpr PrintVariant kVariants[] = {PrintVariant::At600, PrintVariant::Other};
 
 std::string BeforeZero(const std::string& text) {
@@ -64,17 +65,17 @@ void CheckRefusal(const std::filesystem::path& path) {
 }  // namespace
 
 void FuzzToolProfile(std::span<const uint8_t> input) {
-    FuzzInput choices(input);
-    const ProfileInput profile = TakeProfile(choices);
-    if (profile.colors == ProfileColors::HalfGrid) return;  // two million entries, one by one
-    FuzzInstallation().Write("profiles/fuzz.zvp", profile.file);
+    const ProfileInput profile = TakeProfile(input);
+    if (profile.file.size > kMostBytes) return;  // millions of entries, one by one
+    const std::string file = profile.file.Beginning(kMostBytes);
+    FuzzInstallation().Write("profiles/fuzz.zvp", file);
     const std::filesystem::path path = FuzzInstallation().Folder() / "profiles" / "fuzz.zvp";
 
-    const TagWalk at600 = WalkTags(profile.file, kLongestName + 1, true);
-    const TagWalk other = WalkTags(profile.file, kLongestName + 1, false);
+    const TagWalk at600 = WalkTags(file, kLongestName + 1, true);
+    const TagWalk other = WalkTags(file, kLongestName + 1, false);
     const ProfileFacts facts = InspectProfile(path);
-    REQUIRE(facts.Accepted() == (at600.accepted && HoldsColors(profile.file, at600.colorsAt)));
-    CheckTags(facts, profile.file);
+    REQUIRE(facts.Accepted() == (at600.accepted && HoldsColors(file, at600.colorsAt)));
+    CheckTags(facts, file);
     if (!facts.Accepted()) {
         CheckRefusal(path);
         return;
@@ -89,9 +90,9 @@ Seeds ToolProfileSeeds() {
     const std::string tags = NameTag("Paper") + ResolutionTag(3, 6);
     const std::string unnamed = ResolutionTag('\x80', 0) + NameTag(std::string("zero\0inside", 11));
     return {
-        ProfileSeed(kProfileGrid, tags, tags.size() + 3, "\xFF\xFF\xFF\xFF\1\2\3"),
-        ProfileSeed(kProfileGrid, unnamed, unnamed.size() + 3),
-        ProfileSeed(kProfileCut | 5 << 3, tags, tags.size() + 3, "0123"),
+        ProfileSeed(kProfileWhole + 5, tags, tags.size() + 3, "\xFF\xFF\xFF\xFF\1\2\3"),
+        ProfileSeed(kProfileWhole + 5, unnamed, unnamed.size() + 3),
+        ProfileSeed(kProfileCut + 5, tags, tags.size() + 3, "0123"),
         ProfileSeed(kProfileCut, NameTag("over") + Tag(1, "run"), 5),
         ProfileSeed(kProfileCut, Tag(2, "abc"), 9),
         kProfileRaw + std::string("ZVC\5", 4) + Number32(18) + "????" + TagArea("\1\4"),

@@ -3,7 +3,6 @@
 #include <random>
 #include <set>
 
-#include "fuzz/profile_input.h"
 #include "fuzz/target.h"
 
 namespace {
@@ -47,10 +46,6 @@ TEST_P(FuzzedFunction, HoldsItsInvariantOverSeedsWithChangedBytes) {
 
 INSTANTIATE_TEST_SUITE_P(Every, FuzzedFunction, testing::ValuesIn(FuzzTargets().begin(), FuzzTargets().end()),
                          [](const auto& each) { return std::string(each.param.name); });
-
-TEST(FuzzedProfile, HoldsItsInvariantWhereTheWholeCacheIsFilled) {
-    for (const std::string& seed : SlowProfileSeeds()) FindFuzzTarget("profile")->run(Bytes(seed));
-}
 
 TEST(FuzzTargets, AreFoundByTheirNames) {
     std::set<std::string> names;
