@@ -39,8 +39,9 @@ constexpr FlaggedField kFlaggedFields[] = {
     {0x4000000, 200, 4},  // dithering
 };
 
+// A caller's record for reading.
 struct CallersRecord {
-    std::vector<uint8_t> bytes;
+    std::span<const uint8_t> bytes;
 
     uint8_t Byte(size_t at) const { return at < bytes.size() ? bytes[at] : uint8_t{0}; }
     uint16_t Word(size_t at) const { return static_cast<uint16_t>(Byte(at) | Byte(at + 1) << 8); }
@@ -52,26 +53,28 @@ struct CallersRecord {
     size_t Private(size_t offset) const {
         return offset < PrivateSize() ? PublicSize() + offset : bytes.size();
     }
+};
+
+// One that is written to, as far as it reaches.
+struct WrittenRecord {
+    CallersRecord given;
+    std::vector<uint8_t> bytes{given.bytes.begin(), given.bytes.end()};
 
     void Put(size_t at, const void* data, size_t size, size_t end) {
         const size_t reached = std::min({at + size, end, bytes.size()});
         if (at < reached) memcpy(bytes.data() + at, data, reached - at);
     }
     void PutPublic(size_t offset, const void* data, size_t size) {
-        Put(Public(offset), data, size, PublicSize());
+        Put(given.Public(offset), data, size, given.PublicSize());
     }
     void PutPrivate(size_t offset, const void* data, size_t size) {
-        Put(Private(offset), data, size, bytes.size());
+        Put(given.Private(offset), data, size, bytes.size());
     }
     template <size_t N>
     void PutText(size_t offset, const char (&field)[N]) {
         PutPrivate(offset, field, strlen(field) + 1);
     }
 };
-
-CallersRecord Record(std::span<const uint8_t> bytes) {
-    return {{bytes.begin(), bytes.end()}};
-}
 
 size_t Characters(const WCHAR* text) {
     size_t count = 0;
@@ -111,7 +114,7 @@ void ClearBehindEnd(T (&text)[N]) {
 }  // namespace
 
 bool IsTaken(std::span<const uint8_t> bytes) {
-    const CallersRecord record = Record(bytes);
+    const CallersRecord record = {bytes};
     const size_t size = record.PublicSize();
     if (size == 188 || size == 212 || size == 220) return true;
     return (size > 64 && record.Byte(64) != 0) || (size > 65 && record.Byte(65) != 0);
@@ -120,7 +123,8 @@ bool IsTaken(std::span<const uint8_t> bytes) {
 DeviceMode Merged(const DeviceMode& printers, std::span<const uint8_t> record,
                   std::span<const ListedLabel> labels) {
     if (!IsTaken(record)) return printers;
-    const CallersRecord callers = Record(GivenBack(printers, record));
+    const std::vector<uint8_t> givenBack = GivenBack(printers, record);
+    const CallersRecord callers = {givenBack};
     // What the caller's record does not reach to stays the printer's.
     DeviceMode given = printers;
     memcpy(&given.pub, callers.bytes.data(), std::min(callers.PublicSize(), kPublicBytes));
@@ -143,10 +147,11 @@ DeviceMode Merged(const DeviceMode& printers, std::span<const uint8_t> record,
 }
 
 std::vector<uint8_t> GivenBack(const DeviceMode& printers, std::span<const uint8_t> bytes) {
-    CallersRecord record = Record(bytes);
+    const CallersRecord given = {bytes};
+    WrittenRecord record = {given};
     const PrivateDevMode& priv = printers.priv;
-    const bool hasProfile = record.Word(record.Private(160)) != 0;
-    const bool hasLabel = static_cast<int16_t>(record.Word(record.Private(136))) >= 258;
+    const bool hasProfile = given.Word(given.Private(160)) != 0;
+    const bool hasLabel = static_cast<int16_t>(given.Word(given.Private(136))) >= 258;
     if (priv.colorProfile[0] != 0 && !hasProfile) {
         record.PutPrivate(160, priv.colorProfile, 2 * (Characters(priv.colorProfile) + 1));
     }
@@ -168,6 +173,7 @@ size_t FirstDifference(DeviceMode a, DeviceMode b) {
         ClearBehindEnd(record->pub.dmFormName);
         ClearBehindEnd(record->priv.labelName);
     }
+    if (memcmp(&a, &b, sizeof a) == 0) return sizeof a;
     const auto* left = reinterpret_cast<const uint8_t*>(&a);
     return static_cast<size_t>(
         std::mismatch(left, left + sizeof a, reinterpret_cast<const uint8_t*>(&b)).first - left);

@@ -193,7 +193,8 @@ class DeviceModeCorruptor : public testing::Test {
     // Hands the record in, in memory that ends where it ends, and holds everything that came of it against
     // the plain definition.
     void Submit(const Record& record) {
-        ++(IsTaken(record) ? taken_ : refused_);
+        const bool taken = IsTaken(record);
+        ++(taken ? taken_ : refused_);
         const std::unique_ptr<Device> device = session_->EnablePdev(record);
         ASSERT_NE(device->Instance(), nullptr);
         const auto* pdev = reinterpret_cast<const PDEV*>(device->Instance());
@@ -201,15 +202,12 @@ class DeviceModeCorruptor : public testing::Test {
         // A refused record leaves the instance as it is without one.
         const DeviceMode expected = Merged(defaults_, record, kLabels);
         ASSERT_EQ(FirstDifference(instance_, expected), sizeof instance_);
-        const char* broken = IsTaken(record) ? BrokenRule(instance_) : nullptr;
+        const char* broken = taken ? BrokenRule(instance_) : nullptr;
         ASSERT_EQ(broken, nullptr) << broken;
 
         ASSERT_TRUE(device->Intact());
-        const auto* callers = reinterpret_cast<const uint8_t*>(device->DeviceMode());
         const Record given = GivenBack(defaults_, record);
-        const auto difference = std::mismatch(given.begin(), given.end(), callers).first;
-        ASSERT_EQ(difference - given.begin(), static_cast<ptrdiff_t>(given.size()))
-            << "in the caller's record";
+        ASSERT_EQ(memcmp(device->DeviceMode(), given.data(), given.size()), 0) << "in the caller's record";
 
         const bool portrait = pdev->devmode.pub.dmOrientation == DMORIENT_PORTRAIT;
         const auto width = static_cast<uint32_t>(pdev->devmode.pub.dmPaperWidth);
