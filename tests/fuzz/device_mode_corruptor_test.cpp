@@ -17,6 +17,7 @@
 #include "fuzz/device_mode_model.h"
 #include "fuzz/device_mode_rules.h"
 #include "host/driver_session.h"
+#include "tests/fuzz/corrupted_record.h"
 #include "tests/support/scratch_folder.h"
 
 namespace {
@@ -26,147 +27,6 @@ constexpr int kRandomRecords = 3000;
 #else
 constexpr int kRandomRecords = 96000;
 #endif
-
-struct Field {
-    size_t offset;
-    size_t size;  // 1, 2 or 4
-};
-
-#define PUBLIC(field) \
-    { offsetof(DEVMODEW, field), sizeof(DEVMODEW::field) }
-#define PRIVATE(field) \
-    { offsetof(DeviceMode, priv) + offsetof(PrivateDevMode, field), sizeof(PrivateDevMode::field) }
-
-// Fields in which a valid value arrives in the instance.
-constexpr Field kTakenFields[] = {
-    PUBLIC(dmOrientation),
-    PUBLIC(dmPaperSize),
-    PUBLIC(dmPaperLength),
-    PUBLIC(dmPaperWidth),
-    PUBLIC(dmCopies),
-    PUBLIC(dmDefaultSource),
-    PUBLIC(dmPrintQuality),
-    PUBLIC(dmColor),
-    PUBLIC(dmTTOption),
-    PUBLIC(dmCollate),
-    PUBLIC(dmNup),
-    PUBLIC(dmICMMethod),
-    PUBLIC(dmICMIntent),
-    PUBLIC(dmMediaType),
-    PUBLIC(dmDitherType),
-    PRIVATE(colorAdjust),
-    PRIVATE(printSetting),
-    PRIVATE(rotate180),
-    PRIVATE(mirrorImage),
-    PRIVATE(jobCapture),
-    PRIVATE(noPrint),
-    PRIVATE(stitched),
-    PRIVATE(usePrivateCopies),
-    PRIVATE(copies),
-    PRIVATE(chunksize),
-    PRIVATE(chunkActive),
-    PRIVATE(alignment),
-    PRIVATE(feedSide),
-    PRIVATE(overspray),
-    PRIVATE(kws),
-    PRIVATE(kws_fullwidth),
-    PRIVATE(purgeBar),
-    PRIVATE(purgeDots),
-    PRIVATE(purgeGap),
-    PRIVATE(purgeFreq),
-    PRIVATE(dmPaperSize),
-    PRIVATE(units),
-    PRIVATE(phHOffset),
-    PRIVATE(phVOffset),
-    PRIVATE(colorMode),
-    PRIVATE(adj_brightness),
-    PRIVATE(adj_colortone),
-    PRIVATE(adj_saturation),
-    PRIVATE(adj_cyan),
-    PRIVATE(adj_magenta),
-    PRIVATE(adj_yellow),
-    PRIVATE(adj_black),
-};
-
-// Fields of which nothing arrives: the printer's own values stand, or ones that follow from other fields.
-constexpr Field kOwnFields[] = {
-    PUBLIC(dmSpecVersion),  PUBLIC(dmDriverVersion),    PUBLIC(dmScale),      PUBLIC(dmDuplex),
-    PUBLIC(dmYResolution),  PUBLIC(dmLogPixels),        PUBLIC(dmBitsPerPel), PUBLIC(dmPelsWidth),
-    PUBLIC(dmPelsHeight),   PUBLIC(dmDisplayFrequency), PUBLIC(dmReserved1),  PUBLIC(dmReserved2),
-    PUBLIC(dmPanningWidth), PUBLIC(dmPanningHeight),    PRIVATE(signature),
-};
-
-constexpr Field kVersion = PUBLIC(dmSpecVersion), kSize = PUBLIC(dmSize), kExtra = PUBLIC(dmDriverExtra),
-                kFlags = PUBLIC(dmFields), kPaper = PUBLIC(dmPaperSize), kSignature = PRIVATE(signature),
-                kLabel = PRIVATE(dmPaperSize), kProfile = PRIVATE(colorProfile);
-
-const std::vector<Field>& AllFields() {
-    static const std::vector<Field> fields = [] {
-        std::vector<Field> all(std::begin(kTakenFields), std::end(kTakenFields));
-        all.insert(all.end(), std::begin(kOwnFields), std::end(kOwnFields));
-        all.push_back(kFlags);
-        return all;
-    }();
-    return fields;
-}
-
-// The ends of every range and of every integer, and the versions of public layouts, each with its
-// neighbours.
-std::vector<int64_t> BoundaryValues() {
-    std::set<int64_t> values;
-    for (const int64_t edge :
-         {0,   1,   2,   3,    5,    10,   15,    20,  30,  50,    100,   250,   254,  256,
-          258, 300, 600, 1000, 2971, 9018, 10000, 127, 255, 32767, 65535, 0x320, 0x401}) {
-        for (const int64_t value : {edge - 1, edge, edge + 1}) {
-            values.insert(value);
-            values.insert(-value);
-        }
-    }
-    for (const int64_t edge :
-         {int64_t{INT32_MAX}, int64_t{INT32_MIN}, int64_t{UINT32_MAX}, int64_t{0x18284000}}) {
-        values.insert({edge - 1, edge, edge + 1});
-    }
-    return {values.begin(), values.end()};
-}
-
-const std::vector<int64_t>& Values() {
-    static const std::vector<int64_t> values = BoundaryValues();
-    return values;
-}
-
-using Record = std::vector<uint8_t>;
-
-void Put(Record& record, Field field, int64_t value) {
-    for (size_t i = 0; i < field.size && field.offset + i < record.size(); ++i) {
-        record[field.offset + i] = static_cast<uint8_t>(value >> 8 * i);
-    }
-}
-
-int64_t Get(std::span<const uint8_t> record, Field field) {
-    uint64_t value = 0;
-    for (size_t i = 0; i < field.size; ++i) value |= uint64_t{record[field.offset + i]} << 8 * i;
-    return static_cast<int64_t>(value);
-}
-
-std::span<const uint8_t> Bytes(const DeviceMode& mode) {
-    return {reinterpret_cast<const uint8_t*>(&mode), sizeof mode};
-}
-
-// A record that declares these sizes and ends there, with the private part where it then belongs.
-Record Resized(const Record& whole, size_t publicSize, size_t extra) {
-    constexpr size_t kHeader = 72;
-    const bool hasPrivate = publicSize >= kHeader;
-    Record record(hasPrivate ? publicSize + extra : kHeader, 0xCC);
-    std::copy_n(whole.begin(), std::min({publicSize, sizeof(DEVMODEW), record.size()}), record.begin());
-    if (hasPrivate) {
-        const auto privateBegin = whole.begin() + sizeof(DEVMODEW);
-        std::copy_n(privateBegin, std::min<size_t>(extra, whole.end() - privateBegin),
-                    record.begin() + static_cast<ptrdiff_t>(publicSize));
-    }
-    Put(record, kSize, static_cast<int64_t>(publicSize));
-    Put(record, kExtra, static_cast<int64_t>(extra));
-    return record;
-}
 
 constexpr ListedLabel kLabels[] = {{258, "Label 258", 1016, 1016}, {300, "Label 300", 1005, 1005}};
 
@@ -254,11 +114,6 @@ class DeviceModeCorruptorWithChoices : public DeviceModeCorruptor {
         AskForDefaults();
     }
 };
-
-constexpr size_t kSizes[] = {0,   1,   65,  66,  67,  68,  70,  71,  72,  73,  76,  79,  80,   81,   83,   84,
-                             100, 187, 188, 189, 211, 212, 213, 219, 220, 221, 300, 916, 4095, 4096, 65535};
-constexpr size_t kExtras[] = {0,   1,   3,   4,   5,   32,  33,  95,  96,  97,  136, 137, 138,  139,  144,
-                              159, 160, 161, 162, 479, 679, 680, 694, 695, 696, 697, 699, 1000, 4096, 65535};
 
 }  // namespace
 
