@@ -36,7 +36,8 @@ void Forget(const void* memory) {
 
 }  // namespace
 
-// The linker's --wrap sends every call of malloc, calloc and free here.
+// The linker's --wrap sends every call of malloc, calloc and free here, under names of its own choice.
+// NOLINTBEGIN(bugprone-reserved-identifier,readability-identifier-naming)
 extern "C" {
 void* __real_malloc(size_t bytes);
 void* __real_calloc(size_t count, size_t size);
@@ -52,6 +53,7 @@ void __wrap_free(void* memory) {
     __real_free(memory);
 }
 }
+// NOLINTEND(bugprone-reserved-identifier,readability-identifier-naming)
 
 AllocationWatch::AllocationWatch() {
     live = taken = 0;

@@ -19,7 +19,7 @@ struct ListedLabel {
 };
 
 // Whether a record is taken: its size is that of a public layout, or it states a version.
-bool IsTaken(std::span<const uint8_t> record);
+bool IsTaken(std::span<const uint8_t> bytes);
 
 // The printer's record, `printers` before, after a caller's was merged into it.
 DeviceMode Merged(const DeviceMode& printers, std::span<const uint8_t> record,
@@ -27,7 +27,7 @@ DeviceMode Merged(const DeviceMode& printers, std::span<const uint8_t> record,
 
 // The caller's record afterwards: one without a profile got the printer's, one without a label of the
 // printer's list the printer's label.
-std::vector<uint8_t> GivenBack(const DeviceMode& printers, std::span<const uint8_t> record);
+std::vector<uint8_t> GivenBack(const DeviceMode& printers, std::span<const uint8_t> bytes);
 
 // The offset of the first byte that tells two records apart, their size when none does. What stands behind
 // the end of a form's or label's name means nothing.

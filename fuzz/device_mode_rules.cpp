@@ -86,7 +86,7 @@ const char* BrokenRule(const DeviceMode& record) {
     RULE(priv.signature == 0x18284000);
 #define CHECK(part, field, valid)                          \
     {                                                      \
-        const auto value = part.field;                     \
+        const auto value = (part).field;                   \
         if (!(valid)) return #part "." #field ": " #valid; \
     }
 #define CHECK_PUBLIC(field, valid, replacement) CHECK(pub, field, valid)

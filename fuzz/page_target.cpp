@@ -293,6 +293,8 @@ struct RunningJob {
         g_hHpcrlib = nullptr;
         currentCheck = nullptr;
     }
+    RunningJob(const RunningJob&) = delete;
+    RunningJob& operator=(const RunningJob&) = delete;
 };
 
 // Sends a page of which the engine refuses the call of the given number, counted round, or none.

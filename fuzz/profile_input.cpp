@@ -64,7 +64,7 @@ std::string ProfileSeed(int choice, const std::string& tags, size_t areaLength, 
 
 std::string RareSeed(const std::string& seed) {
     for (uint32_t number = 0;; ++number) {
-        const std::string rare = seed + Number32(number);
+        std::string rare = seed + Number32(number);
         if (IsRare({reinterpret_cast<const uint8_t*>(rare.data()), rare.size()})) return rare;
     }
 }

@@ -72,7 +72,7 @@ bool IsHalfGrid(const uint32_t* cache) {
     uint32_t even[256];
     for (uint32_t blue = 0; blue < 256; ++blue) even[blue] = blue % 2 == 0 ? 0 : kNotComputed;
     for (uint32_t row = 0; row < 0x10000; ++row) {
-        const uint32_t* blues = cache + row * 256;
+        const uint32_t* blues = cache + size_t{row} * 256;
         const bool same =
             (row & 0x0101) == 0 ? memcmp(blues, even, sizeof even) == 0 : IsAll(blues, 256, kNotComputed);
         if (!same) return false;
@@ -82,19 +82,19 @@ bool IsHalfGrid(const uint32_t* cache) {
 
 }  // namespace
 
-TagWalk WalkTags(std::string_view file, uint64_t size, size_t nameSize, bool at600Dpi) {
+TagWalk WalkTags(std::string_view beginning, uint64_t size, size_t nameSize, bool at600Dpi) {
     TagWalk walk;
-    if (size < 15 || !file.starts_with("ZVC") || Number(file.substr(4, 4)) != size) return walk;
+    if (size < 15 || !beginning.starts_with("ZVC") || Number(beginning.substr(4, 4)) != size) return walk;
     size_t at = 15;
-    int64_t left = int64_t{Number(file.substr(13, 2))} - 3;  // what overruns it never comes to 0 again
+    int64_t left = int64_t{Number(beginning.substr(13, 2))} - 3;  // what overruns it never comes to 0 again
     do {
-        if (file.size() - at < 3) return walk;
-        const char id = file[at];
-        const size_t length = Number(file.substr(at + 1, 2));
+        if (beginning.size() - at < 3) return walk;
+        const char id = beginning[at];
+        const size_t length = Number(beginning.substr(at + 1, 2));
         at += 3;
         if (id != 1 && id != 2) return walk;
         if (id == 1 ? length >= nameSize : length != 2) return walk;
-        const std::string_view data = file.substr(at, length);
+        const std::string_view data = beginning.substr(at, length);
         if (id == 1) walk.name = data.substr(0, data.find('\0'));
         // A code out of a tag that is cut short counts; what is missing of it is 0.
         if (id == 2) walk.code = static_cast<signed char>(data.size() > at600Dpi ? data[at600Dpi] : 0);
