@@ -28,6 +28,8 @@ struct PjlHeader {
     const std::string* Find(std::string_view name) const;
     // The same as a decimal number from -1,000,000 to 1,000,000; nothing when it is none.
     std::optional<int32_t> FindNumber(std::string_view name) const;
+
+    bool operator==(const PjlHeader&) const = default;
 };
 
 // Reads from the universal exit to the end of the line that enters the engine's language. Throws

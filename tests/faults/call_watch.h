@@ -43,12 +43,12 @@ struct WatchedCall {
     std::string function;
     std::string subject;  // the file, value, entry point or line that it is about; empty when there is none
     std::string place;    // "DrvSendPage 2/HPCRLIB_PageStart"
-    size_t bytes = 0;     // of an allocation
+    size_t bytes = 0;     // of an allocation, or for the printer
 
     // "ReadFile settings.inf", "malloc 520"
     std::string Label() const {
-        if (bytes > 0) return function + " " + std::to_string(bytes);
-        return subject.empty() ? function : function + " " + subject;
+        if (!subject.empty()) return function + " " + subject;
+        return bytes > 0 ? function + " " + std::to_string(bytes) : function;
     }
 };
 

@@ -2,143 +2,279 @@
 
 #include <algorithm>
 #include <iterator>
+#include <map>
+#include <set>
+#include <utility>
 
 namespace {
 
 constexpr const char* kNone = nullptr;
 
-// The buffer of the installation folder's path.
-#define FOLDER_BUFFER "calloc 520"
+using Messages = std::vector<const char*>;
+
+Messages operator+(Messages first, const Messages& second) {
+    first.insert(first.end(), second.begin(), second.end());
+    return first;
+}
+
+// A job that prints as ever, but logs otherwise.
+Outcome Changed(const Messages& changes) {
+    return {Prints::All, Logs::Changes, changes};
+}
+
+// A job that prints as from other inputs.
+Outcome Like(JobInputs inputs, const Messages& changes = {}, const char* cut = nullptr) {
+    return {Prints::All, Logs::Changes, changes, inputs, cut};
+}
 
 // clang-format off
+const Outcome kUnchanged = {Prints::All, Logs::All};
+
+// The log and its switch.
+const Outcome kMessageLost = {Prints::All, Logs::NotThis};
+const Outcome kTextLost = {Prints::All, Logs::NotItsText};
+const Outcome kSilent = {Prints::All, Logs::NotUntilSwitch};
+
+// Jobs that end early, or go on in their first device.
+const Outcome kNoJob = {Prints::UntilThen, Logs::UntilThen};
+const Outcome kNoEnd = {Prints::UntilThen, Logs::All};
+const Outcome kNoNewDevice = {Prints::All, Logs::NotUntilPage};
+
+// A page that is not finished. The print engine refuses everything behind it; a page that it knows nothing of
+// is only missing, and the next one brings the job header.
+const Messages kNotStarted = {
+    "- [Info]  [UI]:Show_Chunked=:1",
+    "+ [Info]  Clearing thumbnail as not used!",
+};
+const Messages kNotFinished = {
+    "- [Info]  RasterBlockStart: 0, 0, 300, 300",
+    "- [Info]  Start render loop 90000 pixels rot=0 mir=0 luti=5 [Faults]",
+    "- [Info]  ln32: 1200 1200",
+    "- [Info]  Finished sending page",
+    "+ [Error] Error: page * res missed!!!!!!!!!!!!!!!!!!!",
+};
+const Messages kNothingMore = {
+    "+ [Error] Error: could not start a page",
+    "+ [Error] Error: could not end the job 0 1",
+};
+const Outcome kPageLeftOut = {Prints::AllButPage, Logs::Changes, kNotStarted + kNotFinished + Messages{
+    "+ [Info]  [UI]:Show_Chunked=:1",
+}};
+const Outcome kPageBroken = {Prints::UntilThen, Logs::Changes, kNotStarted + kNotFinished + kNothingMore};
+const Outcome kNoRows = {Prints::UntilThen, Logs::Changes, kNotFinished + kNothingMore + Messages{
+    "+ [Error] Error: could not allocate rows of 300 pixels",
+}};
+const Outcome kWriteLeftOut = {Prints::AllButThat, Logs::All};
+
+// Values that settings.inf does not give, and a thumbnail that can't be made.
+const Outcome kNoThumbnail = Like(JobInputs::NoThumbnail);
+const Outcome kNoChunkPages = Like(JobInputs::NoChunkPages);
+const Outcome kThumbnailFails = Like(JobInputs::NoThumbnail, {
+    "+ [Info]  failed to alloc thumbnail bytes",
+    "+ [Info]  pngencode 83",
+    "+ [Info]  failed to generate png",
+    "+ [Info]  failed to generate base64 png",
+});
+
+// A profile that the catalogue lists without its other name, can't read, does not list, or does not find.
+const Messages kNameLess = {
+    "- [Error] QRV_GetProfileFieldW [test.zvp] [Test paper]",
+};
+const Messages kReadLess = {
+    "- [Info]  Profile version:5",
+    "- [Info]  Profile name:*",
+};
+const Messages kListLess = kReadLess + Messages{
+    "- [Error] GetQRVProfileName [*.zvp] [*.zvp]",
+};
+const Outcome kNotNamed = Changed(kNameLess);
+const Outcome kNotRead = Changed(kReadLess);
+const Outcome kNotListed = Changed(kListLess + kNameLess + Messages{
+    "- [Info]  GetLocaleInfo lang:ENU",
+});
+const Outcome kNotFound = Changed(kListLess + Messages{
+    "+ [Error] GetQRVProfileName [*.zvp] [\\*]",
+    "+ [Info]  Error: could not open file [\\*]",
+});
+
+// The generic conversion instead of the job's profile.
+const Outcome kNoProfile = Like(JobInputs::NoProfile);
+const Outcome kNoColors = Like(JobInputs::NoColors);
+const Outcome kNoSuchProfile = Like(JobInputs::NoProfile, {
+    "- [Info]  load_profile [profiles\\test.zvp]",
+    "+ [Info]  load_profile [profiles\\*]",
+    "+ [Error] Error: could not open file [profiles\\*]",
+    "+ [Info]  read_profile 0 48 *",
+    "+ [Error] error reading profile *!",
+}, "PROFILE");
+
+// A job without a name, or with a part of it.
+const Outcome kTitleCut = Like(JobInputs::All, {
+    "- [Info]  Start render loop 90000 pixels rot=0 mir=0 luti=5 [Faults]",
+    "+ [Info]  Start render loop 90000 pixels rot=0 mir=0 luti=5 [*]",
+}, "JOB NAME");
+
+// Labels that are not imported. The second device imports them, but the job keeps its page size.
+const Outcome kNoLabels = Like(JobInputs::NoLabels, {
+    "+ [Error] Add Small 25.4 28 0",
+    "+ [Error] Add Strip 25.4 25.4 0",
+    "+ [Error] Could not find label list in registry: 0x2",
+    "+ [Info]  dwPageWidth 300<-254",
+    "+ [Info]  dwPageLength 400<-254",
+});
+const Messages kLabelLess = {
+    "+ [Error] Error adding label to registry!",
+    "+ [Error] Could not read label *: 0x2",
+};
+const Outcome kLabelNotAdded = Like(JobInputs::NoLabels, kLabelLess + Messages{
+    "+ [Error] Add Strip 25.4 25.4 0",
+    "+ [Error] Could not find label list in registry: 0x2",
+});
+const Outcome kOtherLabelBroken = Changed(kLabelLess);
+const Outcome kLabelsReadAgain = Changed({
+    "+ [Error] Add Strip 25.4 25.4 0",
+});
+
+// A device with the printer's defaults.
+const Outcome kFirstDefault = Like(JobInputs::NoFirstMode);
+const Outcome kSecondDefault = Like(JobInputs::NoSecondMode);
+
+// What leads to a file in the installation folder.
+#define FOLDER "calloc 520|SHGetSpecialFolderPathW|PathAppendW Quorvane|PathAppendW Orvex Series"
+
 const DocumentedAnswer kAnswers[] = {
     // the log and its switch
-    {"CreateMutexA orvexgdi.txt",        "", "", "", kNone, Shows::LineLost},
-    {"WaitForSingleObject orvexgdi.txt", "", "", "", kNone, Shows::LineLost},
-    {"CreateFileA orvexgdi.txt",         "", "", "", kNone, Shows::LineLost, "", Leaves::Mutex},
-    {"WriteFile orvexgdi.txt",           "", "", "", kNone, Shows::LineLost},
-    {"GetFileSizeEx orvexgdi.txt",       "", "", "", kNone, Shows::Nothing},
-    {"CreateFileA orvexgdi.dat",         "", "", "", kNone, Shows::LinesLost},
-    {"ReadFile orvexgdi.dat",            "", "", "", kNone, Shows::LinesLost},
-    {"WideCharToMultiByte 65001",        "", "", "", kNone, Shows::OutputSame},
+    {"CreateMutexA orvexgdi.txt",        "", "", "", kNone, kMessageLost},
+    {"WaitForSingleObject orvexgdi.txt", "", "", "", kNone, kMessageLost},
+    {"CreateFileA orvexgdi.txt",         "", "", "", kNone, kMessageLost, "", Leaves::Mutex},
+    {"WriteFile orvexgdi.txt",           "", "", "", kNone, kMessageLost},
+    {"GetFileSizeEx orvexgdi.txt",       "", "", "", kNone, kUnchanged},
+    {"CreateFileA orvexgdi.dat",         "", "", "", kNone, kSilent},
+    {"ReadFile orvexgdi.dat",            "", "", "", kNone, kSilent},
+    {"WideCharToMultiByte 65001",        "", "", "", kNone, kTextLost},
 
     // the name of the printer's driver, which is asked for and not used
-    {"GetPrinterDriverW", "", "", "", kNone, Shows::Nothing},
-    {"malloc *",          "", "GetPrinterDriverW", "GetPrinterDriverW", kNone, Shows::Nothing},
-    {"malloc 26",         "", "GetPrinterDriverW", "", kNone, Shows::Nothing},
+    {"GetPrinterDriverW", "", "", "", kNone, kUnchanged},
+    {"malloc *",          "", "GetPrinterDriverW", "GetPrinterDriverW", kNone, kUnchanged},
+    {"malloc 26",         "", "GetPrinterDriverW", "", kNone, kUnchanged},
 
-    // the installation folder, by what it is asked for
-    {FOLDER_BUFFER,             "DrvEnablePDEV*", "ReadFile orvexgdi.dat", "EnumPrinterKeyW", kNone, Shows::Line, "[Error] Error: could get app path"},
-    {"SHGetSpecialFolderPathW", "DrvEnablePDEV*", "ReadFile orvexgdi.dat", "EnumPrinterKeyW", kNone, Shows::Line, "[Error] Error: could get app path"},
-    {"PathAppendW *",           "DrvEnablePDEV*", "ReadFile orvexgdi.dat", "EnumPrinterKeyW", kNone, Shows::Line, "[Error] Error: could get app path"},
-    {FOLDER_BUFFER,             "", "", "PathAppendW *", kNone, Shows::LineOnly, "[Error] Error: could get app path"},
-    {"SHGetSpecialFolderPathW", "", "", "PathAppendW *", kNone, Shows::LineOnly, "[Error] Error: could get app path"},
-    {"PathAppendW *",           "", "", "PathAppendW *", kNone, Shows::LineOnly, "[Error] Error: could get app path"},
-    {FOLDER_BUFFER,             "", "", "CreateFileW settings.inf", kNone, Shows::Line, "[Error] failed to open settings.inf"},
-    {"SHGetSpecialFolderPathW", "", "", "CreateFileW settings.inf", kNone, Shows::Line, "[Error] failed to open settings.inf"},
-    {"PathAppendW *",           "", "", "CreateFileW settings.inf", kNone, Shows::Line, "[Error] failed to open settings.inf"},
-    {FOLDER_BUFFER,             "", "", "CreateFileW profilenames.inf", kNone, Shows::LinesLost},
-    {"SHGetSpecialFolderPathW", "", "", "CreateFileW profilenames.inf", kNone, Shows::LinesLost},
-    {"PathAppendW *",           "", "", "CreateFileW profilenames.inf", kNone, Shows::LinesLost},
-    {FOLDER_BUFFER,             "DrvStartDoc*", "", "GetCurrentDirectoryW", "DrvStartDoc 1", Shows::Line, "[Error] Error: could get app path"},
-    {"SHGetSpecialFolderPathW", "DrvStartDoc*", "", "GetCurrentDirectoryW", "DrvStartDoc 1", Shows::Line, "[Error] Error: could get app path"},
-    {"PathAppendW *",           "DrvStartDoc*", "", "GetCurrentDirectoryW", "DrvStartDoc 1", Shows::Line, "[Error] Error: could get app path"},
+    // settings.inf; what it does not give has its default
+    {FOLDER "|malloc *",              "DrvSendPage 1", "GetPrinterDriverW", "CreateFileW settings.inf", kNone, kNoThumbnail, "[Error] failed to open settings.inf"},
+    {"CreateFileW settings.inf",      "DrvSendPage 1", "GetPrinterDriverW", "", kNone, kNoThumbnail, "[Error] failed to open settings.inf"},
+    {"ReadFile settings.inf|SetFilePointerEx settings.inf", "DrvSendPage 1", "settings.inf 1", "", kNone, kNoThumbnail},
+    {FOLDER "|malloc *",              "*HPCRLIB_PageStart", "", "CreateFileW settings.inf", kNone, kNoChunkPages, "[Error] failed to open settings.inf"},
+    {"CreateFileW settings.inf",      "*HPCRLIB_PageStart", "", "", kNone, kNoChunkPages, "[Error] failed to open settings.inf"},
+    {"ReadFile settings.inf|SetFilePointerEx settings.inf", "*HPCRLIB_PageStart", "", "", kNone, kNoChunkPages},
+    {FOLDER "|malloc *",              "", "", "CreateFileW settings.inf", kNone, kUnchanged, "[Error] failed to open settings.inf"},
+    {"CreateFileW settings.inf",      "", "", "", kNone, kUnchanged, "[Error] failed to open settings.inf"},
+    {"ReadFile settings.inf|SetFilePointerEx settings.inf", "", "", "", kNone, kUnchanged},
 
-    // the files in it; what can't be read has its default
-    {"malloc *",                      "", "", "CreateFileW settings.inf", kNone, Shows::Line, "[Error] failed to open settings.inf"},
-    {"CreateFileW settings.inf",      "", "", "", kNone, Shows::Line, "[Error] failed to open settings.inf"},
-    {"ReadFile settings.inf",         "", "", "", kNone, Shows::Change},
-    {"SetFilePointerEx settings.inf", "", "", "", kNone, Shows::Change},
-    {"malloc *",                      "", "", "CreateFileW media.inf", kNone, Shows::Line, "[Error] failed to open media.inf"},
-    {"CreateFileW media.inf",         "", "", "", kNone, Shows::Line, "[Error] failed to open media.inf"},
-    {"ReadFile media.inf",            "", "", "", kNone, Shows::Line, "[Error] media.inf empty"},
-    {"malloc *",                      "", "", "CreateFileW profilenames.inf", kNone, Shows::LinesLost},
-    {"CreateFileW profilenames.inf",  "", "", "", kNone, Shows::LinesLost},
-    {"ReadFile profilenames.inf",     "", "", "", kNone, Shows::LinesLost},
-    {"SetFilePointerEx profilenames.inf", "", "", "", kNone, Shows::LinesLost},
+    // the labels to import
+    {FOLDER,                  "DrvEnablePDEV 1", "ReadFile orvexgdi.dat", "EnumPrinterKeyW", kNone, kNoLabels, "[Error] Error: could get app path"},
+    {FOLDER,                  "DrvEnablePDEV 2", "ReadFile orvexgdi.dat", "EnumPrinterKeyW", kNone, kUnchanged, "[Error] Error: could get app path"},
+    {"malloc *",              "", "", "CreateFileW media.inf", kNone, kNoLabels, "[Error] failed to open media.inf"},
+    {"CreateFileW media.inf", "", "", "", kNone, kNoLabels, "[Error] failed to open media.inf"},
+    {"ReadFile media.inf",    "", "", "", kNone, kNoLabels, "[Error] media.inf empty"},
+
+    // importing them; the job asks for the second
+    {"EnumPrinterKeyW",           "DrvEnablePDEV 1", "ReadFile orvexgdi.dat", "", kNone, kUnchanged},
+    {"EnumPrinterKeyW",           "DrvEnablePDEV 2", "ReadFile orvexgdi.dat", "", kNone, kLabelsReadAgain, "[Error] Add Small 25.4 28 0"},
+    {"EnumPrinterKeyW",           "", "media.inf 1", "", kNone, kLabelNotAdded, "[Error] Could not * label list * registry: 0x5"},
+    {"calloc *",                  "", "media.inf 1", "EnumPrinterKeyW", kNone, kLabelNotAdded, "[Error] Could not read label list from registry: 0x8"},
+    {"GetPrinterW",               "", "media.inf 1", "", kNone, kLabelNotAdded, "[Error] GetPrinterName: GetPrinter failed: 0x6"},
+    {"malloc *",                  "", "media.inf 1", "GetPrinterW|OpenPrinterW", kNone, kLabelNotAdded, "[Error] GetPrinterName: malloc failed"},
+    {"OpenPrinterW",              "", "media.inf 1", "", kNone, kLabelNotAdded, "[Error] OpenPrinterWithAccess: error 5 (983052)"},
+    {"SetPrinterDataExA * version", "", "", "", kNone, kLabelNotAdded, "[Error] Could not set label {}: 0x5"},
+    {"SetPrinterDataExA 258 *",   "", "", "", kNone, kOtherLabelBroken, "[Error] Could not set label {}: 0x5"},
+    {"SetPrinterDataExA 259 *",   "", "", "", kNone, kLabelNotAdded, "[Error] Could not set label {}: 0x5"},
 
     // the catalogue of profiles; the job names its own
-    {"PathAppendW *",          "", "", "FindFirstFileW*", kNone, Shows::LinesLost},
-    {"FindFirstFileW *",       "", "", "", kNone, Shows::LinesLost},
-    {"FindNextFileW *",        "", "", "", kNone, Shows::LinesLost},
-    {"calloc *",               "", "FindNextFileW*", "FindFirstFileW*", kNone, Shows::LinesLost},
-    {"calloc *",               "", "* profilenames.inf", "", kNone, Shows::LinesLost},
-    {"malloc *",               "", "* settings.inf", "EnumPrinterKeyW", kNone, Shows::Nothing},
-    {"CreateFileA *.zvp",      "DrvEnablePDEV*", "", "", kNone, Shows::LineOnly, "[Info]  Error: could not open file [*{}]"},
-    {"GetFileSizeEx *.zvp",    "DrvEnablePDEV*", "", "", kNone, Shows::LineOnly, "[Info]  error reading file *{} 0"},
-    {"ReadFile *.zvp",         "DrvEnablePDEV*", "", "", kNone, Shows::LineOnly, "[Info]  error reading file *{} 0"},
-    {"GetLocaleInfoW",         "", "", "", kNone, Shows::LineOnly, "[Info]  GetLocaleInfo lang:"},
+    {"GetPrinterW",            "", "GetPrinterDataExA 259 units", "GetPrinterW", kNone, kNotListed, "[Error] GetPrinterName: GetPrinter failed: 0x6"},
+    {"malloc *",               "", "GetPrinterDataExA 259 units, GetPrinterW", "GetPrinterW", kNone, kNotListed, "[Error] GetPrinterName: malloc failed"},
+    {"GetPrinterW",            "", "", "PathAppendW *.zvp", kNone, kNotListed, "[Error] GetPrinterName: GetPrinter failed: 0x6"},
+    {"malloc *",               "", "GetPrinterW", "PathAppendW *.zvp", kNone, kNotListed, "[Error] GetPrinterName: malloc failed"},
+    {FOLDER,                   "", "", "PathAppendW *", kNone, kNotListed, "[Error] Error: could get app path"},
+    {"PathAppendW *",          "", "", "FindFirstFileW*", kNone, kNotListed},
+    {"FindFirstFileW *",       "", "", "", kNone, kNotListed},
+    {"FindNextFileW *",        "", "", "", kNone, kNotListed},
+    {"calloc *",               "", "FindNextFileW*", "FindFirstFileW*", kNone, kNotListed},
+    {"calloc *",               "", "* profilenames.inf", "", kNone, kUnchanged},
+    {"malloc *",               "", "* settings.inf", "EnumPrinterKeyW", kNone, kUnchanged},
+    {"CreateFileA *.zvp",      "DrvEnablePDEV*", "", "", kNone, kNotRead, "[Info]  Error: could not open file [*{}]"},
+    {"GetFileSizeEx *.zvp",    "DrvEnablePDEV*", "", "", kNone, kNotRead, "[Info]  error reading file *{} 0"},
+    {"ReadFile *.zvp",         "DrvEnablePDEV*", "", "", kNone, kNotRead, "[Info]  error reading file *{} 0"},
+    {"WideCharToMultiByte 0",  "DrvEnablePDEV*", "", "", kNone, kNotFound},
+    {"MultiByteToWideChar 0",  "DrvEnablePDEV*", "", "", kNone, kUnchanged},
+    {"GetLocaleInfoW",         "", "", "", kNone, kTextLost},
+    {FOLDER "|malloc *",       "", "", "CreateFileW profilenames.inf", kNone, kNotNamed},
+    {"CreateFileW profilenames.inf", "", "", "", kNone, kNotNamed},
+    {"ReadFile profilenames.inf|SetFilePointerEx profilenames.inf", "", "", "", kNone, kNotNamed},
+
+    // looking the labels up; what can't be read is as it was
+    {"GetPrinterW",         "", "", "", kNone, kUnchanged, "[Error] GetPrinterName: GetPrinter failed: 0x6"},
+    {"malloc *",            "", "GetPrinterW", "", kNone, kUnchanged, "[Error] GetPrinterName: malloc failed"},
+    {"OpenPrinterW",        "", "", "", kNone, kUnchanged, "[Error] OpenPrinterWithAccess: error 5 (-2147483648)"},
+    {"EnumPrinterKeyW",     "", "", "", kNone, kUnchanged, "[Error] Could not * label list * registry: 0x5"},
+    {"calloc *",            "", "EnumPrinterKeyW", "EnumPrinterKeyW", kNone, kUnchanged, "[Error] Could not read label list from registry: 0x8"},
+    {"GetPrinterDataExA *", "", "", "", kNone, kUnchanged, "[Error] Could not read label {}: 0x5"},
 
     // the job's profile; whatever fails leads to the generic conversion
-    {"CreateFileA test.zvp",      "DrvStartDoc 1", "", "", kNone, Shows::Line, "[Error] Error: could not open file [profiles\\test.zvp]"},
-    {"GetFileSizeEx test.zvp",    "DrvStartDoc 1", "", "", kNone, Shows::Line, "[Error] error reading file profiles\\test.zvp 0"},
-    {"ReadFile test.zvp",         "DrvStartDoc 1", "GetFileSizeEx*", "", kNone, Shows::Line, "[Error] error reading file profiles\\test.zvp 0"},
-    {"ReadFile test.zvp",         "DrvStartDoc 1", "", "", kNone, Shows::Line, "[Error] error reading profile * colours!"},
-    {"SetFilePointerEx test.zvp", "DrvStartDoc 1", "", "", kNone, Shows::Line, "[Error] error reading profile * colours!"},
+    {"WideCharToMultiByte 0",     "DrvStartDoc 1", "HPCRLIB_JobStart", "", kNone, kNoSuchProfile},
+    {"MultiByteToWideChar 0",     "DrvStartDoc 1", "", "", kNone, kNoProfile, "[Error] Error: could not open file [profiles\\test.zvp]"},
+    {"CreateFileA test.zvp",      "DrvStartDoc 1", "", "", kNone, kNoProfile, "[Error] Error: could not open file [profiles\\test.zvp]"},
+    {"GetFileSizeEx test.zvp",    "DrvStartDoc 1", "", "", kNone, kNoProfile, "[Error] error reading file profiles\\test.zvp 0"},
+    {"ReadFile test.zvp",         "DrvStartDoc 1", "GetFileSizeEx*", "", kNone, kNoProfile, "[Error] error reading file profiles\\test.zvp 0"},
+    {"ReadFile test.zvp",         "DrvStartDoc 1", "", "", kNone, kNoColors, "[Error] error reading profile 0<>19652"},
+    {"SetFilePointerEx test.zvp", "DrvStartDoc 1", "", "", kNone, kNoColors, "[Error] error reading profile 0<>19652"},
 
-    // the printer's name and its labels
-    {"GetPrinterW",         "", "", "", kNone, Shows::Line, "[Error] GetPrinterName: GetPrinter failed: 0x6"},
-    {"malloc *",            "", "GetPrinterW", "", kNone, Shows::Line, "[Error] GetPrinterName: malloc failed"},
-    {"OpenPrinterW",        "", "", "", kNone, Shows::Line, "[Error] OpenPrinterWithAccess: error 5 (*)"},
-    {"EnumPrinterKeyW",     "DrvEnablePDEV 1", "ReadFile orvexgdi.dat", "", kNone, Shows::Nothing},
-    {"EnumPrinterKeyW",     "DrvEnablePDEV 2", "ReadFile orvexgdi.dat", "", kNone, Shows::LineOnly, "[Error] Add Small 25.4 28 0"},
-    {"EnumPrinterKeyW",     "", "", "", kNone, Shows::Line, "[Error] Could not * label list * registry: 0x5"},
-    {"calloc *",            "", "EnumPrinterKeyW", "EnumPrinterKeyW", kNone, Shows::Line, "[Error] Could not read label list from registry: 0x8"},
-    {"GetPrinterDataExA *", "", "", "", kNone, Shows::Line, "[Error] Could not read label {}: 0x5"},
-    {"SetPrinterDataExA *", "", "", "", kNone, Shows::Line, "[Error] Could not set label {}: 0x5"},
-
-    // the device
-    {"LocalAlloc *",        "DrvEnablePDEV 1", "", "", "DrvEnablePDEV 1", Shows::Change},
-    {"LocalAlloc *",        "DrvEnablePDEV 2", "", "", "DrvEnablePDEV 2", Shows::OutputSame},
-    {"calloc 916",          "DrvEnablePDEV*", "", "", kNone, Shows::Line, "[Info]  failed to alloc pdm"},
-    {"EngCreatePalette",    "DrvEnablePDEV 1", "", "", "DrvEnablePDEV 1", Shows::Change},
-    {"EngCreatePalette",    "DrvEnablePDEV 2", "", "", "DrvEnablePDEV 2", Shows::OutputSame},
-    {"EngCreateBitmap",     "DrvEnableSurface 1", "", "", "DrvEnableSurface 1", Shows::Line, "[Error] Could not create surface."},
-    {"EngCreateBitmap",     "DrvEnableSurface 2", "", "", "DrvEnableSurface 2", Shows::LineOnly, "[Error] Could not create surface."},
-    {"EngAssociateSurface", "DrvEnableSurface 1", "", "", "DrvEnableSurface 1", Shows::Change},
-    {"EngAssociateSurface", "DrvEnableSurface 2", "", "", "DrvEnableSurface 2", Shows::OutputSame},
-    {"EngDeleteSurface",    "", "", "", kNone, Shows::Nothing},
-    {"EngEraseSurface",     "", "", "", kNone, Shows::Nothing},
+    // the device; without the first there is no job, without the second it goes on in the first
+    {"LocalAlloc *",        "DrvEnablePDEV 1", "", "", "DrvEnablePDEV 1", kNoJob},
+    {"LocalAlloc *",        "DrvEnablePDEV 2", "", "", "DrvEnablePDEV 2", kNoNewDevice},
+    {"calloc 916",          "DrvEnablePDEV 1", "", "", kNone, kFirstDefault, "[Info]  failed to alloc pdm"},
+    {"calloc 916",          "DrvEnablePDEV 2", "", "", kNone, kSecondDefault, "[Info]  failed to alloc pdm"},
+    {"EngCreatePalette",    "DrvEnablePDEV 1", "", "", "DrvEnablePDEV 1", kNoJob},
+    {"EngCreatePalette",    "DrvEnablePDEV 2", "", "", "DrvEnablePDEV 2", kNoNewDevice},
+    {"EngCreateBitmap",     "DrvEnableSurface 1", "", "", "DrvEnableSurface 1", kNoJob, "[Error] Could not create surface."},
+    {"EngCreateBitmap",     "DrvEnableSurface 2", "", "", "DrvEnableSurface 2", kNoNewDevice, "[Error] Could not create surface."},
+    {"EngAssociateSurface", "DrvEnableSurface 1", "", "", "DrvEnableSurface 1", kNoJob},
+    {"EngAssociateSurface", "DrvEnableSurface 2", "", "", "DrvEnableSurface 2", kNoNewDevice},
+    {"EngDeleteSurface",    "", "", "", kNone, kUnchanged},
+    {"EngEraseSurface",     "", "", "", kNone, kUnchanged},
 
     // the print engine's library
-    {"GetCurrentDirectoryW",   "DrvStartDoc 1", "", "", kNone, Shows::Nothing, "", Leaves::Directory},
-    {"SetCurrentDirectoryW *", "DrvStartDoc 1", "", "", "DrvStartDoc 1", Shows::Line, "[Error] Error: could not load hpcrlib.DLL"},
-    {"SetCurrentDirectoryW *", "DrvEndDoc 1", "", "", kNone, Shows::Nothing, "", Leaves::Directory},
-    {"LoadLibraryW *",         "", "", "", "DrvStartDoc 1", Shows::Line, "[Error] Error: could not load hpcrlib.DLL"},
-    {"GetProcAddress *",       "", "", "", "DrvStartDoc 1", Shows::Line, "[Error] Error: could not get \"{}\" address"},
-    {"FreeLibrary",            "", "", "", kNone, Shows::Nothing},
+    {"WideCharToMultiByte 0",  "DrvStartDoc 1", "EngEraseSurface", "GetCurrentDirectoryW", kNone, kTitleCut},
+    {FOLDER,                   "DrvStartDoc 1", "", "GetCurrentDirectoryW", "DrvStartDoc 1", kNoJob, "[Error] Error: could get app path"},
+    {"GetCurrentDirectoryW",   "DrvStartDoc 1", "", "", kNone, kUnchanged, "", Leaves::Directory},
+    {"SetCurrentDirectoryW *", "DrvStartDoc 1", "", "", "DrvStartDoc 1", kNoJob, "[Error] Error: could not load hpcrlib.DLL"},
+    {"SetCurrentDirectoryW *", "DrvEndDoc 1", "", "", kNone, kUnchanged, "", Leaves::Directory},
+    {"LoadLibraryW *",         "", "", "", "DrvStartDoc 1", kNoJob, "[Error] Error: could not load hpcrlib.DLL"},
+    {"GetProcAddress *",       "", "", "", "DrvStartDoc 1", kNoJob, "[Error] Error: could not get \"{}\" address"},
+    {"FreeLibrary",            "", "", "", kNone, kUnchanged},
 
-    // its job and its pages; a page that is not taken whole is skipped
-    {"HPCRLIB_JobStart",         "", "", "", "DrvStartDoc 1", Shows::Line, "[Error] Error: could not start a job"},
-    {"HPCRLIB_PageStart",        "", "", "", kNone, Shows::Line, "[Error] Error: could not start a page"},
-    {"HPCRLIB_RasterBlockStart", "", "", "", kNone, Shows::Line, "[Error] Error: could not start a raster block"},
-    {"HPCRLIB_RasterRow",        "", "", "", kNone, Shows::Line, "[Error] Error: could not send raster row *"},
-    {"HPCRLIB_RasterBlockEnd",   "", "", "", kNone, Shows::Line, "[Error] Error: could not end a raster block"},
-    {"HPCRLIB_PageEnd",          "", "", "", kNone, Shows::Line, "[Error] Error: could not end the page"},
-    {"HPCRLIB_JobEnd",           "", "", "", kNone, Shows::LineOnly, "[Error] Error: could not end the job *"},
-    {"malloc *",                 "DrvSendPage*", "WritePrinter data", "HPCRLIB_RasterRow", kNone, Shows::Line, "[Error] Error: could not allocate rows of 300 pixels"},
-    {"calloc *",                 "DrvSendPage*", "WritePrinter data", "HPCRLIB_RasterRow", kNone, Shows::Line, "[Error] Error: could not allocate rows of 300 pixels"},
-    {"*alloc *",                 "DrvSendPage 1", "* settings.inf", "HPCRLIB_PageStart", kNone, Shows::Line, "[Info]  failed to *"},
+    // its job and its pages
+    {"HPCRLIB_JobStart",         "", "", "", "DrvStartDoc 1", kNoJob, "[Error] Error: could not start a job"},
+    {"*alloc *",                 "DrvSendPage 1", "* settings.inf", "HPCRLIB_PageStart", kNone, kThumbnailFails},
+    {"HPCRLIB_PageStart",        "", "", "", kNone, kPageLeftOut, "[Error] Error: could not start a page"},
+    {"HPCRLIB_RasterBlockStart", "", "", "", kNone, kPageBroken, "[Error] Error: could not start a raster block"},
+    {"malloc *|calloc *",        "DrvSendPage*", "WritePrinter data", "HPCRLIB_RasterRow", kNone, kNoRows},
+    {"HPCRLIB_RasterRow",        "", "", "", kNone, kPageBroken, "[Error] Error: could not send raster row *"},
+    {"HPCRLIB_RasterBlockEnd",   "", "", "", kNone, kPageBroken, "[Error] Error: could not end a raster block"},
+    {"HPCRLIB_PageEnd",          "", "", "", kNone, kPageBroken, "[Error] Error: could not end the page"},
+    {"HPCRLIB_JobEnd",           "", "", "", kNone, kUnchanged, "[Error] Error: could not end the job 0 1"},
 
-    // the way to the spooler; what is not checked does not show
-    {"WritePrinter JOB NAME",      "", "", "", kNone, Shows::Change},
-    {"WritePrinter PROFILE",       "", "", "", kNone, Shows::Change},
-    {"WritePrinter QRV_THUMBNAIL", "", "", "", kNone, Shows::Change},
-    {"WritePrinter data",          "", "WritePrinter QRV_THUMBNAIL", "", kNone, Shows::Change},
-    {"WritePrinter *", "*HPCRLIB_PageStart",        "", "", kNone, Shows::Line, "[Error] Error: could not start a page"},
-    {"WritePrinter *", "*HPCRLIB_RasterBlockStart", "", "", kNone, Shows::Line, "[Error] Error: could not start a raster block"},
-    {"WritePrinter *", "*HPCRLIB_RasterRow",        "", "", kNone, Shows::Line, "[Error] Error: could not send raster row *"},
-    {"WritePrinter *", "*HPCRLIB_RasterBlockEnd",   "", "", kNone, Shows::Line, "[Error] Error: could not end a raster block"},
-    {"WritePrinter *", "*HPCRLIB_PageEnd",          "", "", kNone, Shows::Line, "[Error] Error: could not end the page"},
-    {"WritePrinter *", "*HPCRLIB_JobEnd",           "", "", kNone, Shows::Line, "[Error] Error: could not end the job *"},
-
-    // texts that can't be converted are cut or empty
-    {"WideCharToMultiByte 0", "", "", "", kNone, Shows::Change},
-    {"MultiByteToWideChar 0", "", "", "", kNone, Shows::Change},
+    // the way to the spooler; the job's name, the profile's, and the thumbnail up to its end are not checked
+    {"WritePrinter JOB NAME|WritePrinter PROFILE|WritePrinter QRV_THUMBNAIL", "", "", "", kNone, kWriteLeftOut},
+    {"WritePrinter data", "", "WritePrinter QRV_THUMBNAIL", "", kNone, kWriteLeftOut},
+    {"WritePrinter *", "*HPCRLIB_PageStart",        "", "", kNone, kPageBroken, "[Error] Error: could not start a page"},
+    {"WritePrinter *", "*HPCRLIB_RasterBlockStart", "", "", kNone, kPageBroken, "[Error] Error: could not start a raster block"},
+    {"WritePrinter *", "*HPCRLIB_RasterRow",        "", "", kNone, kPageBroken, "[Error] Error: could not send raster row *"},
+    {"WritePrinter *", "*HPCRLIB_RasterBlockEnd",   "", "", kNone, kPageBroken, "[Error] Error: could not end a raster block"},
+    {"WritePrinter *", "*HPCRLIB_PageEnd",          "", "", kNone, kPageBroken, "[Error] Error: could not end the page"},
+    {"WritePrinter *", "*HPCRLIB_JobEnd",           "", "", kNone, kNoEnd, "[Error] Error: could not end the job 0 1"},
 
     // what is given back is given back
-    {"CloseHandle*", "", "", "", kNone, Shows::Nothing},
-    {"FindClose*",   "", "", "", kNone, Shows::Nothing},
+    {"CloseHandle*", "", "", "", kNone, kUnchanged},
+    {"FindClose*",   "", "", "", kNone, kUnchanged},
 };
 // clang-format on
 
@@ -161,52 +297,100 @@ bool IsLandmark(const WatchedCall& call) {
                         [&](const char* pattern) { return Matches(label, pattern); });
 }
 
+std::vector<std::string> Alternatives(std::string_view pattern) {
+    std::vector<std::string> alternatives;
+    for (size_t end; (end = pattern.find('|')) != pattern.npos; pattern.remove_prefix(end + 1)) {
+        alternatives.emplace_back(pattern.substr(0, end));
+    }
+    alternatives.emplace_back(pattern);
+    return alternatives;
+}
+
+bool MatchesOne(std::string_view text, std::string_view pattern) {
+    if (pattern.empty()) return text.empty();
+    if (pattern[0] == '*') {
+        return MatchesOne(text, pattern.substr(1)) || (!text.empty() && MatchesOne(text.substr(1), pattern));
+    }
+    return !text.empty() && text[0] == pattern[0] && MatchesOne(text.substr(1), pattern.substr(1));
+}
+
 bool Fits(std::string_view text, const char* pattern) {
     return *pattern == '\0' || Matches(text, pattern);
+}
+
+bool Fits(const PlacedCall& call, const DocumentedAnswer& answer) {
+    return Matches(call.call.Label(), answer.call) && Fits(call.call.place, answer.place) &&
+           (Fits(call.before, answer.before) || Matches(call.lastTwo, answer.before) ||
+            Matches(call.file, answer.before)) &&
+           Fits(call.after, answer.after);
+}
+
+// Notes of each call the file last opened in its hook.
+void NoteFiles(std::vector<PlacedCall>& calls) {
+    std::string hook, file;
+    std::map<std::string, int> opened;
+    for (PlacedCall& placed : calls) {
+        const WatchedCall& call = placed.call;
+        const std::string of = call.place.substr(0, call.place.find('/'));
+        if (std::exchange(hook, of) != of) {
+            file.clear();
+            opened.clear();
+        }
+        placed.file = file;
+        if (call.function == "CreateFileW" || (call.function == "CreateFileA" && IsLandmark(call))) {
+            file = call.subject + " " + std::to_string(++opened[call.subject]);
+        }
+    }
 }
 
 }  // namespace
 
 bool Matches(std::string_view text, std::string_view pattern) {
-    if (pattern.empty()) return text.empty();
-    if (pattern[0] == '*') {
-        return Matches(text, pattern.substr(1)) || (!text.empty() && Matches(text.substr(1), pattern));
-    }
-    return !text.empty() && text[0] == pattern[0] && Matches(text.substr(1), pattern.substr(1));
+    const std::vector<std::string> alternatives = Alternatives(pattern);
+    return std::any_of(alternatives.begin(), alternatives.end(),
+                       [&](const std::string& each) { return MatchesOne(text, each); });
 }
 
 std::vector<PlacedCall> PlaceCalls(const std::vector<WatchedCall>& calls) {
     std::vector<PlacedCall> placed;
-    std::string before;
+    std::string before, lastTwo;
     for (const WatchedCall& call : calls) {
-        placed.push_back({placed.size(), call, before, ""});
-        if (IsLandmark(call)) before = call.Label();
+        placed.push_back({placed.size(), call, before, "", lastTwo, ""});
+        if (IsLandmark(call)) {
+            lastTwo = before + ", " + call.Label();
+            before = call.Label();
+        }
     }
     std::string after;
     for (auto each = placed.rbegin(); each != placed.rend(); ++each) {
         each->after = after;
         if (IsLandmark(each->call)) after = each->call.Label();
     }
+    NoteFiles(placed);
     return placed;
 }
 
 const DocumentedAnswer* FindAnswer(const PlacedCall& call) {
-    const std::string label = call.call.Label();
-    for (const DocumentedAnswer& answer : kAnswers) {
-        if (Matches(label, answer.call) && Fits(call.call.place, answer.place) &&
-            Fits(call.before, answer.before) && Fits(call.after, answer.after)) {
-            return &answer;
-        }
-    }
-    return nullptr;
+    const auto found = std::find_if(std::begin(kAnswers), std::end(kAnswers),
+                                    [&](const DocumentedAnswer& answer) { return Fits(call, answer); });
+    return found == std::end(kAnswers) ? nullptr : found;
 }
 
 std::vector<std::string> UnusedAnswers(const std::vector<PlacedCall>& calls) {
-    std::vector<const DocumentedAnswer*> used;
-    for (const PlacedCall& call : calls) used.push_back(FindAnswer(call));
-    std::vector<std::string> unused;
+    std::set<std::pair<const DocumentedAnswer*, std::string>> unused;
     for (const DocumentedAnswer& answer : kAnswers) {
-        if (std::find(used.begin(), used.end(), &answer) == used.end()) unused.emplace_back(answer.call);
+        for (const std::string& call : Alternatives(answer.call)) unused.insert({&answer, call});
     }
-    return unused;
+    for (const PlacedCall& call : calls) {
+        const DocumentedAnswer* answer = FindAnswer(call);
+        std::erase_if(unused, [&](const auto& each) {
+            return each.first == answer && Matches(call.call.Label(), each.second);
+        });
+    }
+    std::vector<std::string> names;
+    for (const auto& [answer, call] : unused) {
+        names.push_back(call + " in " + answer->place + " behind " + answer->before + ", before " +
+                        answer->after);
+    }
+    return names;
 }

@@ -5,30 +5,55 @@
 #include <vector>
 
 #include "tests/faults/call_watch.h"
+#include "tests/faults/job_inputs.h"
 
-// How a failure shows, beside the hook that refuses.
-enum class Shows {
-    Nothing,     // output and log are as without it
-    LineLost,    // one message is missing in the log
-    LinesLost,   // messages may be missing in the log, but none is another
-    OutputSame,  // the log may be another
-    LineOnly,    // the log has the line; the output is as without it
-    Line,        // the log has the line; the output may be another
-    Change,      // a value falls back to its default, silently
+// What the printer gets.
+enum class Prints {
+    All,         // every byte that it gets of the same job without a failure
+    UntilThen,   // the bytes in front of the failing call, and nothing more
+    AllButThat,  // all but the bytes that the failing call should have written
+    AllButPage,  // all pages but the one that is being sent; without that, no thumbnail either
+};
+
+// What becomes of the log, beside the answer's own line, which comes where the call fails.
+enum class Logs {
+    All,             // every message that is there without the failure
+    NotThis,         // the message that is being written is not there
+    NotItsText,      // that message lacks a text
+    NotUntilSwitch,  // none until the log's switch is read again
+    NotUntilPage,    // none until the next page starts
+    UntilThen,       // none any more
+    Changes,         // other messages come and go
+};
+
+// How a failure shows.
+struct Outcome {
+    Prints prints;
+    Logs logs;
+    // Of Logs::Changes: "+ message" that may come, "- message" that may go, behind the call. Each does, at
+    // one failure or another. The texts may hold "*" for any text.
+    std::vector<const char*> changes = {};
+    // The job prints like one from these inputs, and any message may come and go that does so with them.
+    JobInputs like = JobInputs::All;
+    // The variable of the job header whose text is cut; null: none.
+    const char* cut = nullptr;
 };
 
 // What is left behind, deliberately.
 enum class Leaves { Nothing, Mutex, Directory };
 
-// One row of the table. The texts may hold "*" for any text; an empty one stands for anything.
+// One row of the table. The texts may hold "*" for any text and "|" between alternatives; an empty one stands
+// for anything.
 struct DocumentedAnswer {
-    const char* call;     // as WatchedCall::Label() says it
-    const char* place;    // the hook, or the print engine's call in it
-    const char* before;   // the last landmark before the call
+    const char* call;   // as WatchedCall::Label() says it
+    const char* place;  // the hook, or the print engine's call in it
+    const char*
+        before;  // the last landmark before the call, the last two, or the file last opened in the hook
     const char* after;    // the next landmark behind it
     const char* refuses;  // the hook that refuses; null: none
-    Shows shows;
-    const char* line = "";  // that the log has; "{}" is the call's subject
+    const Outcome& outcome;
+    const char* line =
+        "";  // the first message that the failure adds to the log; "{}" is what the call is about
     Leaves leaves = Leaves::Nothing;
 };
 
@@ -37,12 +62,15 @@ struct PlacedCall {
     size_t number;  // as CallWatch counts
     WatchedCall call;
     std::string before, after;
+    std::string lastTwo;  // landmarks before it: "OpenPrinterW, GetPrinterW"
+    std::string file;     // last opened in the hook, and how often so far: "settings.inf 2"
 };
 std::vector<PlacedCall> PlaceCalls(const std::vector<WatchedCall>& calls);
 
+// Whether a text is one of a pattern's alternatives.
 bool Matches(std::string_view text, std::string_view pattern);
 
 // The first row that fits; null when the table says nothing of such a call.
 const DocumentedAnswer* FindAnswer(const PlacedCall& call);
-// Rows that were never asked for, by their calls.
+// Alternatives of rows that were never asked for, by their calls.
 std::vector<std::string> UnusedAnswers(const std::vector<PlacedCall>& calls);

@@ -12,19 +12,27 @@ namespace {
 constexpr size_t kPages = 3;
 constexpr int32_t kColoursBetween = 500;  // of the page, that no profile holds
 
-constexpr char kSettings[] =
-    "[Driver]\r\nAdd_Thumb=1\r\nthumb_max_width=100\r\nthumb_max_height=100\r\n"
-    "[UI]\r\nDefault_Media=Small\r\nDefault_Profile=test.zvp\r\nShow_Chunked=1\r\n"
-    "[Color]\r\nblack_scale=150\r\n";
+std::string Settings(JobInputs inputs) {
+    const auto flag = [inputs](JobInputs without) { return inputs == without ? "0" : "1"; };
+    return std::string("[Driver]\r\nAdd_Thumb=") + flag(JobInputs::NoThumbnail) +
+           "\r\nthumb_max_width=100\r\nthumb_max_height=100\r\n"
+           "[UI]\r\nDefault_Media=Small\r\nDefault_Profile=test.zvp\r\nShow_Chunked=" +
+           flag(JobInputs::NoChunkPages) + "\r\n[Color]\r\nblack_scale=150\r\n";
+}
 constexpr char kMedia[] = "[Media]\r\n\"Small\" \"25.4\" \"28\" 0\r\n\"Strip\" \"25.4\" \"25.4\" 0\r\n";
 constexpr std::u16string_view kProfileNames = u"\xFEFF[ENU]\r\ntest.zvp=Test paper\r\n";
+
+std::string TestProfile(JobInputs inputs) {
+    const std::string colors = inputs == JobInputs::NoColors ? "" : GridColors(&ProfileColor);
+    return ProfileBytes(5, TagArea(NameTag("Test colours") + ResolutionTag(3, 6)), colors);
+}
 
 std::string BytesOf(std::u16string_view text) {
     return {reinterpret_cast<const char*>(text.data()), text.size() * sizeof(char16_t)};
 }
 
 // The second label of the list, other than the printer's own first one, and every stage of the colours.
-DeviceMode Settings(DeviceMode mode) {
+DeviceMode WithSettings(DeviceMode mode) {
     mode.pub.dmPaperSize = 259;
     mode.priv.dmPaperSize = 258;
     mode.priv.adj_brightness = 10;
@@ -51,10 +59,21 @@ void DrawPage(SURFOBJ& surface, size_t page) {
     for (int32_t pixel = 0; pixel < pixels; ++pixel) *next++ = PageColor(pixel, page);
 }
 
-// The two instances in "pdev: old<-new" lie elsewhere in each run.
-std::string WithoutAddresses(const std::string& line) {
+// A message that holds a line end goes on in the next line. The two instances in "pdev: old<-new" lie
+// elsewhere in each run.
+std::vector<std::string> Messages(const std::vector<std::string>& lines) {
     constexpr std::string_view kTakeover = "[Info]  pdev: ";
-    return line.starts_with(kTakeover) ? std::string(kTakeover) : line;
+    std::vector<std::string> messages;
+    for (const std::string& line : lines) {
+        if (line.starts_with(kTakeover)) {
+            messages.emplace_back(kTakeover);
+        } else if (messages.empty() || line.starts_with('[')) {
+            messages.push_back(line);
+        } else {
+            messages.back() += "\n" + line;
+        }
+    }
+    return messages;
 }
 
 }  // namespace
@@ -68,12 +87,22 @@ std::vector<std::string> JobRecord::Refusals() const {
 }
 
 FaultTest::FaultTest() : directory_(fs::current_path()) {
-    installation.Write("settings.inf", kSettings);
-    installation.Write("media.inf", kMedia);
+    SetInputs(JobInputs::All);
     installation.Write("profilenames.inf", BytesOf(kProfileNames));
     installation.Write("profiles/first.zvp",
                        ProfileBytes(5, TagArea(NameTag("First")), GridColors(&ProfileColor)));
     Reload();
+}
+
+void FaultTest::SetInputs(JobInputs inputs) {
+    const auto write = [&](const char* name, const std::string& bytes, JobInputs without) {
+        const fs::path path = installation.Write(name, bytes);
+        if (inputs == without) fs::remove(path);
+    };
+    installation.Write("settings.inf", Settings(inputs));
+    write("media.inf", kMedia, JobInputs::NoLabels);
+    write("profiles/test.zvp", TestProfile(inputs), JobInputs::NoProfile);
+    inputs_ = inputs;
 }
 
 void FaultTest::Reload() {
@@ -100,7 +129,9 @@ bool FaultTest::Hook(const std::string& name, const std::function<bool()>& call)
 
 std::unique_ptr<Device> FaultTest::MakeDevice() {
     std::unique_ptr<Device> device;
-    const std::vector<uint8_t> mode = Bytes(Settings(Mode()));
+    const bool first = hookCalls_["DrvEnablePDEV"] == 0;
+    const bool none = inputs_ == (first ? JobInputs::NoFirstMode : JobInputs::NoSecondMode);
+    const std::vector<uint8_t> mode = none ? std::vector<uint8_t>() : Bytes(WithSettings(Mode()));
     Hook("DrvEnablePDEV", [&] {
         device = Session().EnablePdev(mode);
         return device->Instance() != nullptr;
@@ -156,7 +187,7 @@ JobRecord FaultTest::Run(size_t failingCall) {
         CloseDevice(std::move(device));
     }
     record_.written = Printer().written;
-    for (const std::string& line : LogLines()) record_.log.push_back(WithoutAddresses(line));
+    record_.log = Messages(LogLines());
     record_.calls = watch_->TakeCalls();
     return std::move(record_);
 }

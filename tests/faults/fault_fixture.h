@@ -11,6 +11,7 @@
 
 #include "tests/driver/driver_fixture.h"
 #include "tests/faults/call_watch.h"
+#include "tests/faults/job_inputs.h"
 
 // How a hook of the job answered.
 struct HookAnswer {
@@ -23,7 +24,7 @@ struct HookAnswer {
 struct JobRecord {
     std::vector<HookAnswer> answers;
     std::string written;
-    std::vector<std::string> log;  // what differs from run to run is taken out
+    std::vector<std::string> log;  // message by message; what differs from run to run is taken out
     std::vector<WatchedCall> calls;
 
     // The hooks that refused.
@@ -37,6 +38,9 @@ class FaultTest : public DriverTest {
     // Loads the driver anew, so that it does again what a process does only once. Natively the driver is a
     // part of the program, and has done it.
     void Reload();
+
+    // What the next jobs are printed from.
+    void SetInputs(JobInputs inputs);
 
     // Prints the job on a printer without data. The call of that number fails.
     JobRecord Run(size_t failingCall = CallWatch::kNone);
@@ -56,6 +60,7 @@ class FaultTest : public DriverTest {
     void CloseDevice(std::unique_ptr<Device> device);
     void PrintPages(std::unique_ptr<Device>* device);
 
+    JobInputs inputs_ = JobInputs::All;
     std::filesystem::path directory_;  // before any job
     size_t misuses_ = 0;               // told already
     size_t complaints_ = 0;

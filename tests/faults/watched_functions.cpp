@@ -89,10 +89,17 @@ struct Stand<kName, kSubject, kEntryPoint, Result CALLED(Arguments...)> {
         const CallWatch::Aside aside;
         if constexpr (std::string_view(kName) == "WritePrinter") {
             return WrittenSubject({static_cast<const char*>(std::get<1>(arguments)), std::get<2>(arguments)});
+        } else if constexpr (std::string_view(kName).ends_with("PrinterDataExA")) {
+            return BaseName(std::get<1>(arguments)) + " " + std::get<2>(arguments);
         } else if constexpr (kSubject != kNoSubject) {
             return Subject(std::get<kSubject>(arguments));
         }
         return {};
+    }
+
+    static size_t BytesOf([[maybe_unused]] std::tuple<Arguments...> arguments) {
+        if constexpr (std::string_view(kName) == "WritePrinter") return std::get<2>(arguments);
+        return 0;
     }
 
     // Only the host reads UTF-8; natively it shares the driver's functions.
@@ -103,7 +110,7 @@ struct Stand<kName, kSubject, kEntryPoint, Result CALLED(Arguments...)> {
     static Result CALLED Call(Arguments... arguments) {
         const WatchedFunction& row = Row();
         const std::string subject = SubjectOf({arguments...});
-        const bool fails = !IsHosts(subject) && CurrentWatch()->Take(kName, subject);
+        const bool fails = !IsHosts(subject) && CurrentWatch()->Take(kName, subject, BytesOf({arguments...}));
         Result result = ResultOf<Result>(row.failure);
         if (!fails || row.failing == FailingCall::DoesItsWork) {
             const Result came = CallOn(row, arguments...);
@@ -203,8 +210,8 @@ std::vector<WatchedFunction>& WatchedFunctions() {
         IMPORT(GetPrinterW,       kNoSubject, FALSE, ERROR_INVALID_HANDLE, kPlain, kNot),
         IMPORT(OpenPrinterW,      kNoSubject, FALSE, ERROR_ACCESS_DENIED, kPlain, kNot),
         IMPORT(EnumPrinterKeyW,   kNoSubject, ERROR_ACCESS_DENIED, 0, kPlain, kNot),
-        IMPORT(GetPrinterDataExA, 2, ERROR_ACCESS_DENIED, 0, kPlain, kNot),
-        IMPORT(SetPrinterDataExA, 2, ERROR_ACCESS_DENIED, 0, kPlain, kNot),
+        IMPORT(GetPrinterDataExA, kNoSubject, ERROR_ACCESS_DENIED, 0, kPlain, kNot),
+        IMPORT(SetPrinterDataExA, kNoSubject, ERROR_ACCESS_DENIED, 0, kPlain, kNot),
         IMPORT(WritePrinter,      kNoSubject, FALSE, ERROR_WRITE_FAULT, kPlain, kNot),
         // the graphics engine
         IMPORT(EngCreateBitmap,     kNoSubject, 0, ERROR_NOT_ENOUGH_MEMORY, kPlain, kNot),
