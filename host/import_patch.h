@@ -6,6 +6,9 @@
 // Patches of one function nest; they must end in reverse order.
 #pragma once
 
+#include <string>
+#include <vector>
+
 #include "support/platform.h"
 
 class ImportPatch {
@@ -25,3 +28,7 @@ class ImportPatch {
     void** slot_ = nullptr;
     void* original_ = nullptr;
 };
+
+// The names of all functions that a loaded module imports, sorted, "library #3" for one without a name;
+// natively those of all doubles.
+std::vector<std::string> ImportedFunctions(HMODULE module);

@@ -230,19 +230,26 @@ TEST_F(JobFaults, AreAnsweredAsDocumentedAndLeaveNothingBehind) {
     std::cout << faults << " faults in " << plan.size() << " jobs, out of " << calls.size() << " calls\n";
 }
 
+#ifdef _WIN32
+// Natively the driver is a part of the program, which has worked the path out long before.
 TEST_F(JobFaults, WhileTheLogsPathIsWorkedOutLoseNoMoreThanLines) {
     Reload();
     clean = Run();
     const std::string path = "malloc " + std::to_string(Session().Driver().LogName().size() + 1);
+    std::vector<std::string> faults;
     for (const PlacedCall& call : PlaceCalls(clean.calls)) {
-        if (call.call.function != "GetModuleFileNameA" && call.call.Label() != path) continue;
+        if (!Matches(call.call.Label(), "GetModuleFileNameA|" + path)) continue;
         SCOPED_TRACE(call.call.Label());
         Reload();
         const JobRecord job = Run(call.number);
+        faults.push_back(job.calls.at(call.number).function);
         EXPECT_THAT(job.Refusals(), IsEmpty());
         EXPECT_TRUE(job.written == clean.written);
         EXPECT_THAT(Difference(job.log, clean.log), Each(StartsWith("- ")));
         EXPECT_THAT(LeftBehind(), IsEmpty());
         ExpectClean(Run());
     }
+    // of the path of the file with the log's switch, and of the log's own
+    EXPECT_THAT(faults, ElementsAre("GetModuleFileNameA", "malloc", "GetModuleFileNameA", "malloc"));
 }
+#endif
