@@ -5,6 +5,7 @@
 #include <chrono>
 #include <iostream>
 #include <map>
+#include <set>
 #include <thread>
 
 #include "tests/endurance/helper/log_writers.h"
@@ -28,6 +29,24 @@ constexpr uint32_t kProcesses = 4, kWritersEach = 4;
 constexpr uint32_t kProcesses = 1, kWritersEach = 8;  // a named mutex of the doubles is one process' own
 #endif
 
+// Each process numbers its writers from another hundred on.
+constexpr uint32_t FirstWriterOf(uint32_t process) {
+    return kFirstWriter + 100 * process;
+}
+constexpr uint32_t ProcessOf(uint32_t writer) {
+    return (writer - kFirstWriter) / 100;
+}
+
+// The processes that have had a turn.
+std::set<uint32_t> ProcessesIn(const TurnBook& book) {
+    std::set<uint32_t> processes;
+    const uint32_t taken = std::min<uint32_t>(book.taken, TurnBook::kMaxTurns);
+    for (uint32_t i = 0; i < taken; ++i) {
+        if (book.turns[i].writer >= kFirstWriter) processes.insert(ProcessOf(book.turns[i].writer));
+    }
+    return processes;
+}
+
 // Runs the writers, in other processes where there can be such, until it goes.
 class Writers {
   public:
@@ -36,11 +55,11 @@ class Writers {
         (void)driver;
         for (uint32_t i = 0; i < kProcesses; ++i) {
             processes_.push_back(std::make_unique<OtherProcess>(std::vector<std::string>{
-                "write-log", bookName, std::to_string(FirstWriter(i)), std::to_string(kWritersEach)}));
+                "write-log", bookName, std::to_string(FirstWriterOf(i)), std::to_string(kWritersEach)}));
         }
 #else
         (void)bookName;
-        thread_ = std::thread([&] { WriteUntilStopped(driver, book_, FirstWriter(0), kWritersEach); });
+        thread_ = std::thread([&] { WriteUntilStopped(driver, book_, FirstWriterOf(0), kWritersEach); });
 #endif
     }
     ~Writers() {
@@ -57,10 +76,6 @@ class Writers {
     }
 
   private:
-    static uint32_t FirstWriter(uint32_t process) {
-        return kFirstWriter + 100 * process;
-    }
-
     TurnBook& book_;
     std::vector<std::unique_ptr<OtherProcess>> processes_;
     std::thread thread_;
@@ -128,6 +143,8 @@ TEST(LogUnderLoad, LosesNoLineThatGotItsTurnAndMixesNoneWhileTheLogRotates) {
             ASSERT_TRUE(log.Rotate()) << "rotation " << i + 1;
             generations.push_back(ReadGrownLog(log.Backup(1)));
         }
+        // A process may have started late.
+        EXPECT_TRUE(Becomes([&] { return ProcessesIn(*book).size() == kProcesses; }));
     }
     generations.push_back(ReadGrownLog(driver.LogPath()));
 
@@ -151,7 +168,10 @@ TEST(LogUnderLoad, LosesNoLineThatGotItsTurnAndMixesNoneWhileTheLogRotates) {
         EXPECT_GT(turn.number, last[turn.writer]) << "writer " << turn.writer;
         last[turn.writer] = turn.number;
     }
-    EXPECT_GT(last.size(), 1u);
+    // And there are lines of every process.
+    std::set<uint32_t> processes;
+    for (const auto& [writer, number] : last) processes.insert(ProcessOf(writer));
+    EXPECT_EQ(processes.size(), kProcesses);
 
     // The nine newest backups are there, the newest first; the older ones are gone.
     for (int i = 1; i <= kBackups; ++i) {
