@@ -25,12 +25,9 @@ constexpr size_t MostAllocated(bool landscape) {
     return (landscape ? 1 + 1 : 64 + 1) * kRowBytes + kSmallChange;
 }
 
-// What the heap may add to that: the sanitizers keep a shadow of it.
-#ifdef _WIN32
-constexpr size_t kHeapsOwn = 128 * 1024;
-#else
-constexpr size_t kHeapsOwn = 2560 * 1024;
-#endif
+// What the process may grow by beyond that: the sanitizers keep a shadow of the heap, and the system may hand
+// out pages of 2 MiB.
+constexpr size_t kBeyond = 2560 * 1024;
 
 // Of the thumbnail of the landscape page, which is halved until it is at most 800 pixels wide.
 constexpr int32_t kThumbnailPart = 32;
@@ -128,15 +125,13 @@ class LargestPage : public DriverTest {
         ForgetPeak();
         const ProcessFigures before = MeasureProcess();
         PageMemory memory = {};
-        const auto measure = [&] {
-            const ProcessFigures now = MeasureProcess();
-            memory.grown =
-                std::max({memory.grown, now.residentBytes - std::min(now.residentBytes, before.residentBytes),
-                          now.privateBytes - std::min(now.privateBytes, before.privateBytes)});
+        const auto measure = [&](size_t ProcessFigures::*figure, size_t start) {
+            const size_t now = MeasureProcess().*figure;
+            memory.grown = std::max(memory.grown, now - std::min(now, start));
         };
         Heap().OnAllocate([&](const char*, size_t bytes) { return memory.allocated += bytes, false; });
         engine.onRow = [&](std::span<const uint32_t> row) {
-            if (rows % kRowsAMeasure == 0) measure();
+            if (rows % kRowsAMeasure == 0) measure(&ProcessFigures::residentBytes, before.residentBytes);
             const std::vector<uint32_t>& inks = expected.Inks(PlaceOf(landscape, turn, rows));
             const bool same = row.size() == inks.size() && memcmp(row.data(), inks.data(), kRowBytes) == 0;
             if (!same && wrong++ == 0) ADD_FAILURE() << "row " << rows << " is the first that is wrong";
@@ -147,10 +142,7 @@ class LargestPage : public DriverTest {
         Heap().OnAllocate({});
         EXPECT_EQ(rows, kAcrossPx);
         EXPECT_EQ(wrong, 0);
-#ifndef _WIN32
-        const size_t peak = MeasureProcess().peakResidentBytes;
-        memory.grown = std::max(memory.grown, peak - std::min(peak, before.residentBytes));
-#endif
+        measure(&ProcessFigures::peakResidentBytes, std::max(before.residentBytes, before.peakResidentBytes));
         return memory;
     }
 
@@ -168,7 +160,7 @@ class LargestPage : public DriverTest {
                          << "rotate180 " << turn.rotate180 << " mirror " << turn.mirrorImage);
             const PageMemory memory = Send(*device, page, landscape, turn);
             EXPECT_LE(memory.allocated, MostAllocated(landscape));
-            EXPECT_LE(memory.grown, MostAllocated(landscape) + kHeapsOwn);
+            EXPECT_LE(memory.grown, MostAllocated(landscape) + kBeyond);
             most = {std::max(most.allocated, memory.allocated), std::max(most.grown, memory.grown)};
         }
         EXPECT_TRUE(device->Intact());
