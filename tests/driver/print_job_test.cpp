@@ -1,7 +1,9 @@
 #include <filesystem>
 
 #include "driver/device_instance.h"
+#include "tests/color/profile_bytes.h"
 #include "tests/driver/driver_fixture.h"
+#include "tests/driver/test_mode.h"
 
 namespace fs = std::filesystem;
 using testing::AllOf;
@@ -9,6 +11,7 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::IsSupersetOf;
 using testing::Not;
 
 namespace {
@@ -434,4 +437,22 @@ TEST_F(PrintJob, LeavesNoPrinterHandleOpen) {
     }
     EXPECT_LE(PrintSpooler().OpenHandles(), before + 1);  // the job's own
     EXPECT_THAT(PrintSpooler().Misuses(), IsEmpty());
+}
+
+TEST_F(PrintJob, PrintsAndLogsNamesThatLookLikeFormatsAsTheyAre) {
+    const std::string name = "%s%n%x";
+    installation.Write(
+        fs::path("profiles") / (name + ".zvp"),
+        ProfileBytes(5, TagArea(NameTag(name) + ResolutionTag(3, 6)), GridColors(&ProfileColor)));
+    installation.Write("media.inf", "[Media]\r\n\"" + name + "\" \"25.4\" \"28\" 0\r\n");
+    mask = 3;
+    Printer().name = name;
+    const std::string header = HeaderOf(ValidTestMode(name + ".zvp"), name);
+    EXPECT_THAT(header, HasSubstr("@PJL JOB NAME=\"%s%n%x\"\n@PJL SET PROFILE=\"%s%n%x\"\n"));
+    EXPECT_TRUE(Printer().data.HasKey("Label Sizes\\258"));
+    EXPECT_THAT(LogLines(),
+                IsSupersetOf({"[Error] Add %s%n%x 25.4 28 0", "[Trace] dmDeviceName       = %s%n%x",
+                              "[Info]  JobId:1 docname:%s%n%x 0 0", "[Info]  Load profile [%s%n%x.zvp]",
+                              "[Info]  load_profile [profiles\\%s%n%x.zvp]", "[Info]  Profile name:%s%n%x",
+                              "[Info]  read_profile 5 3 %s%n%x"}));
 }
