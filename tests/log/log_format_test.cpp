@@ -84,8 +84,14 @@ TEST(LogFormat, WritesNumbersAndCharacters) {
     EXPECT_EQ(Format("%lf", std::numeric_limits<double>::infinity()), "inf");
 }
 
+TEST(LogFormat, SaysThatATextIsMissing) {
+    EXPECT_EQ(Format("%s|%S", static_cast<const char*>(nullptr), static_cast<const WCHAR*>(nullptr)),
+              "(null)|(null)");
+}
+
 TEST(LogFormat, ShowsAQuestionMarkForAnArgumentThatDoesNotFit) {
     EXPECT_EQ(Format("%s %d %S %lf", 1, "text", "narrow", 3), "? ? ? ?");
+    EXPECT_EQ(Format("%c %p", "text", "text"), "? ?");
     EXPECT_EQ(Format("%d %d", 1), "1 ?");
     EXPECT_EQ(Format("%q", 1), "?");
     EXPECT_EQ(Format("ends with %"), "ends with ?");

@@ -4,6 +4,7 @@
 
 #include <cstring>
 #include <string>
+#include <string_view>
 
 TEST(Text, FieldsWithoutATerminatorAreReadUpToTheirSize) {
     const char full[3] = {'a', 'b', 'c'};
@@ -25,6 +26,10 @@ TEST(Text, CopiesAreCutToTheFieldAndTerminated) {
     EXPECT_TRUE(SameText(FieldText(wide), WideView{L"xy", 2}));
 }
 
+TEST(Text, AMissingTextHasNoLength) {
+    EXPECT_EQ(TextLength(nullptr), 0u);
+}
+
 TEST(Text, ComparesWideTextsByLengthAndContent) {
     EXPECT_TRUE(SameText({L"ab", 2}, {L"ab", 2}));
     EXPECT_FALSE(SameText({L"ab", 2}, {L"aB", 2}));
@@ -39,6 +44,37 @@ TEST(Text, NarrowsAndCutsAtTheCapacity) {
     EXPECT_EQ(NarrowText(narrow, 1, {L"a", 1}), 0u);
     EXPECT_STREQ(narrow, "");
     EXPECT_EQ(NarrowText(nullptr, 0, {L"a", 1}), 0u);
+}
+
+TEST(Text, NarrowsASurrogatePairAsOneCharacterOrNotAtAll) {
+    const WCHAR text[] = {'a', 0xD83D, 0xDE00, 'b'};
+    char pair[8] = {};
+    const int bytes = WideCharToMultiByte(CP_ACP, 0, text + 1, 2, pair, sizeof pair, nullptr, nullptr);
+    ASSERT_GT(bytes, 0);
+    char narrow[16];
+    NarrowText(narrow, sizeof narrow, {text, 4});
+    EXPECT_EQ(narrow, "a" + std::string(pair) + "b");
+    EXPECT_EQ(NarrowText(narrow, static_cast<size_t>(1 + bytes), {text, 4}), 1u);
+    EXPECT_STREQ(narrow, "a");
+}
+
+TEST(Text, NarrowsWhatStandsAroundALoneSurrogate) {
+    const WCHAR atTheEnd[] = {'a', 0xD83D};
+    const WCHAR beforeAnother[] = {'a', 0xD83D, 'b'};
+    const WCHAR low[] = {'a', 0xDE00, 0xFFFD};
+    char narrow[16];
+    NarrowText(narrow, sizeof narrow, {atTheEnd, 2});
+    EXPECT_EQ(narrow[0], 'a');
+    NarrowText(narrow, sizeof narrow, {beforeAnother, 3});
+    EXPECT_TRUE(std::string_view(narrow).starts_with('a') && std::string_view(narrow).ends_with('b'));
+    NarrowText(narrow, sizeof narrow, {low, 3});
+    EXPECT_EQ(narrow[0], 'a');
+}
+
+TEST(Text, LeavesAFieldOfNoSizeAlone) {
+    EXPECT_EQ(WidenText(nullptr, 0, "a"), 0u);
+    CopyText(static_cast<char*>(nullptr), 0, "a");
+    CopyText(static_cast<WCHAR*>(nullptr), 0, {L"a", 1});
 }
 
 TEST(Text, WidensAndCutsAtTheCapacity) {
