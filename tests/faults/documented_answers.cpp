@@ -55,7 +55,7 @@ const Messages kNotFinished = {
 };
 const Messages kNothingMore = {
     "+ [Error] Error: could not start a page",
-    "+ [Error] Error: could not end the job 0 1",
+    "+ [Error] Error: could not end the job 0 *",
 };
 const Outcome kPageLeftOut = {Prints::AllButPage, Logs::Changes, kNotStarted + kNotFinished + Messages{
     "+ [Info]  [UI]:Show_Chunked=:1",
@@ -260,7 +260,7 @@ const DocumentedAnswer kAnswers[] = {
     {"HPCRLIB_RasterRow",        "", "", "", kNone, kPageBroken, "[Error] Error: could not send raster row *"},
     {"HPCRLIB_RasterBlockEnd",   "", "", "", kNone, kPageBroken, "[Error] Error: could not end a raster block"},
     {"HPCRLIB_PageEnd",          "", "", "", kNone, kPageBroken, "[Error] Error: could not end the page"},
-    {"HPCRLIB_JobEnd",           "", "", "", kNone, kUnchanged, "[Error] Error: could not end the job 0 1"},
+    {"HPCRLIB_JobEnd",           "", "", "", kNone, kUnchanged, "[Error] Error: could not end the job 0 *"},
 
     // the way to the spooler; the job's name, the profile's, and the thumbnail up to its end are not checked
     {"WritePrinter JOB NAME|WritePrinter PROFILE|WritePrinter QRV_THUMBNAIL", "", "", "", kNone, kWriteLeftOut},
@@ -270,7 +270,7 @@ const DocumentedAnswer kAnswers[] = {
     {"WritePrinter *", "*HPCRLIB_RasterRow",        "", "", kNone, kPageBroken, "[Error] Error: could not send raster row *"},
     {"WritePrinter *", "*HPCRLIB_RasterBlockEnd",   "", "", kNone, kPageBroken, "[Error] Error: could not end a raster block"},
     {"WritePrinter *", "*HPCRLIB_PageEnd",          "", "", kNone, kPageBroken, "[Error] Error: could not end the page"},
-    {"WritePrinter *", "*HPCRLIB_JobEnd",           "", "", kNone, kNoEnd, "[Error] Error: could not end the job 0 1"},
+    {"WritePrinter *", "*HPCRLIB_JobEnd",           "", "", kNone, kNoEnd, "[Error] Error: could not end the job 0 *"},
 
     // what is given back is given back
     {"CloseHandle*", "", "", "", kNone, kUnchanged},
