@@ -69,12 +69,13 @@ function(orvex_test room)
         target_precompile_headers(${room}_tests REUSE_FROM orvex_testing)
         add_test(NAME ${room}_tests COMMAND ${room}_tests)
         if("orvex_host" IN_LIST ARGN)
-            # These load the driver and the engine's library, and the driver's log is one for the machine.
+            # These load the driver and the engine's library.
             add_dependencies(${room}_tests hpcrlib)
             if(WIN32)
                 add_dependencies(${room}_tests orvexgdi)
+                # The driver's log is one for the machine there; natively it is one for each process.
+                set_tests_properties(${room}_tests PROPERTIES RESOURCE_LOCK driver_log)
             endif()
-            set_tests_properties(${room}_tests PROPERTIES RESOURCE_LOCK driver_log)
         endif()
     endif()
 endfunction()
