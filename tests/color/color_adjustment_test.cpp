@@ -219,8 +219,12 @@ TEST_F(ColorAdjustment, OfBlackAloneLowersTheLightness) {
 }
 
 TEST(GridLookup, EqualsTheInterpolationInDoublePrecision) {
+    // Two inks at random, two either absent or full.
     std::vector<uint32_t> points;
-    for (uint32_t i = 0; i < kGridPoints; ++i) points.push_back(plain::Scramble(i));
+    for (uint32_t i = 0; i < kGridPoints; ++i) {
+        const uint32_t random = plain::Scramble(i), which = plain::Scramble(i, 1);
+        points.push_back((random & 0xFFFF) | (which & 1) * 0xFF0000u | (which >> 1 & 1) * 0xFF000000u);
+    }
     InkGrid grid;
     std::copy(points.begin(), points.end(), grid.inks);
     for (int red = 0; red < 256; red += red < 238 ? 17 : 1) {

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <array>
+#include <numeric>
 #include <vector>
 
 #include "tests/color/cache_filling.h"
@@ -65,6 +66,15 @@ std::vector<uint32_t> MixedRow(size_t length, uint32_t seed) {
     }
     row.resize(length);
     return row;
+}
+
+// Some blocks with every rest, and rows long enough that what comes is fetched ahead.
+std::vector<uint32_t> RowLengths() {
+    std::vector<uint32_t> lengths(40);
+    std::iota(lengths.begin(), lengths.end(), 1u);
+    for (uint32_t length = 127; length <= 146; ++length) lengths.push_back(length);
+    lengths.push_back(300);
+    return lengths;
 }
 
 void FillForRows(int32_t kind) {
@@ -183,7 +193,7 @@ TEST(ConvertRow, ConvertsABufferInPlace) {
 TEST(ConvertRow, EqualsThePlainConversionForEveryKindModePatternAndLength) {
     for (const int32_t kind : {1, 2, 3, 4, 5}) {
         FillForRows(kind);
-        for (uint32_t length = 1; length <= 40; ++length) {
+        for (const uint32_t length : RowLengths()) {
             const std::vector<uint32_t> row = MixedRow(length, length);
             std::vector<uint32_t> inks;
             for (const uint32_t pixel : row) inks.push_back(LookupColor(pixel));

@@ -21,17 +21,20 @@ struct Page {
         for (uint8_t& byte : bytes) byte = static_cast<uint8_t>(random());
     }
 
-    PageBitmap Bitmap() const { return {bytes.data(), width, height, stride, pixelBytes}; }
+    PageBitmap Bitmap() const { return {Line(0), width, height, bottomUp ? -stride : stride, pixelBytes}; }
 
     uint32_t Pixel(int32_t x, int32_t y) const {
         uint32_t pixel = 0;
-        memcpy(&pixel, bytes.data() + y * stride + x * pixelBytes, static_cast<size_t>(pixelBytes));
+        memcpy(&pixel, Line(y) + x * pixelBytes, static_cast<size_t>(pixelBytes));
         return pixel & kColorBits;
     }
+
+    const uint8_t* Line(int32_t y) const { return bytes.data() + (bottomUp ? height - 1 - y : y) * stride; }
 
     int32_t width, height, pixelBytes;
     ptrdiff_t stride;
     std::vector<uint8_t> bytes;
+    bool bottomUp = false;  // the last scan line comes first in memory
 };
 
 // What row `row` must hold, pixel by pixel, as the printer's orientations are defined.
@@ -84,6 +87,29 @@ TEST(PageRows, ReadEveryOrientationOfPagesOfManySizes) {
                 ExpectRows(Page(width, height, 4), order);
                 ExpectRows(Page(width, height, 3), order);
             }
+        }
+    }
+}
+
+TEST(PageRows, ReadEveryOrientationOfPagesOfSeveralBands) {
+    for (const RowOrder order : AllOrders()) {
+        for (const int32_t width : {127, 128, 129, 130, 192, 193}) {
+            for (const int32_t height : {47, 48, 49}) {
+                SCOPED_TRACE(Name(order) + " " + std::to_string(width) + "x" + std::to_string(height));
+                ExpectRows(Page(width, height, 4), order);
+                ExpectRows(Page(width, height, 3), order);
+            }
+        }
+    }
+}
+
+TEST(PageRows, ReadBitmapsWhoseLastScanLineComesFirst) {
+    for (const RowOrder order : AllOrders()) {
+        for (const int32_t bytesPerPixel : {3, 4}) {
+            SCOPED_TRACE(Name(order) + " of " + std::to_string(bytesPerPixel) + " bytes");
+            Page page(131, 21, bytesPerPixel, 4);
+            page.bottomUp = true;
+            ExpectRows(page, order);
         }
     }
 }
