@@ -62,14 +62,16 @@ TEST(LogFormat, WritesWideTextAsUtf8) {
 }
 
 TEST(LogFormat, KeepsLongWideTextsWholeAroundSurrogatePairs) {
-    std::u16string text;
-    std::string expected;
-    for (int i = 0; i < 200; ++i) {
-        text += i % 3 == 0 ? u"\xD83D\xDE00" : u"x";
-        expected += i % 3 == 0 ? "\xF0\x9F\x98\x80" : "x";
+    for (size_t before = 0; before < 4; ++before) {
+        std::u16string text(before, u'x');
+        std::string expected(before, 'x');
+        for (int i = 0; i < 200; ++i) {
+            text += i % 3 == 0 ? u"\xD83D\xDE00" : u"x";
+            expected += i % 3 == 0 ? "\xF0\x9F\x98\x80" : "x";
+        }
+        const WideView view{reinterpret_cast<const WCHAR*>(text.data()), text.size()};
+        EXPECT_EQ(Format("%S", view), expected) << before;
     }
-    const WideView view{reinterpret_cast<const WCHAR*>(text.data()), text.size()};
-    EXPECT_EQ(Format("%S", view), expected);
 }
 
 TEST(LogFormat, ReadsBoundedFieldsUpToTheirSize) {

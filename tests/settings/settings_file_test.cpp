@@ -297,6 +297,8 @@ TEST_F(SettingsFile, ANumberIsReadUpToWhatIsNoNumber) {
     EXPECT_EQ(LookupNumber("[Color]", "tone_scale=", 100), 12.5);
     EXPECT_EQ(LookupNumber("[Color]", "black_scale=", 200), -30);
     EXPECT_EQ(LookupNumber("[Color]", "cyan_scale=", 100), 0) << "a value that is no number reads as 0";
+    installation_.WriteSettings("[Color]\r\ntone_scale=7");
+    EXPECT_EQ(LookupNumber("[Color]", "tone_scale=", 100), 7) << "a digit that ends the file";
 }
 
 TEST_F(SettingsFile, AnAbsentNumberIsTheGivenDefaultAndIsNotLogged) {

@@ -1,0 +1,67 @@
+#include "color/block_reader.h"
+
+#include <gmock/gmock.h>
+
+#include <fstream>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "tests/support/scratch_folder.h"
+
+namespace {
+
+constexpr size_t kFileSize = 100000;
+
+uint8_t ByteAt(size_t place) {
+    return static_cast<uint8_t>(place * 31 + place / 251);
+}
+
+class BlockReaderTest : public testing::Test {
+  protected:
+    BlockReaderTest() {
+        std::string bytes;
+        for (size_t place = 0; place < kFileSize; ++place) bytes += static_cast<char>(ByteAt(place));
+        std::ofstream(folder_.Path() / "bytes", std::ios::binary) << bytes;
+        reader_ = std::make_unique<BlockReader>((folder_.Path() / "bytes").string().c_str());
+    }
+
+    // Reads `size` bytes and compares the `expected` ones that come with those of the file from `place` on,
+    // and what lies behind them with what was there.
+    void ExpectRead(size_t size, size_t place, size_t expected) {
+        SCOPED_TRACE(testing::Message() << size << " bytes at " << place);
+        std::vector<uint8_t> bytes(size + kFileSize, 0xA5), want = bytes;
+        for (size_t i = 0; i < expected; ++i) want[i] = ByteAt(place + i);
+        EXPECT_EQ(reader_->Read(bytes.data(), size), expected);
+        EXPECT_TRUE(bytes == want);
+        EXPECT_EQ(reader_->Position(), static_cast<int64_t>(place + expected));
+    }
+
+    ScratchFolder folder_;
+    std::unique_ptr<BlockReader> reader_;
+};
+
+}  // namespace
+
+TEST_F(BlockReaderTest, ReadsOnAcrossItsBlocks) {
+    EXPECT_EQ(reader_->Size(), static_cast<int64_t>(kFileSize));
+    ExpectRead(30000, 0, 30000);
+    ExpectRead(5000, 30000, 5000);
+    ExpectRead(100, 35000, 100);
+    ExpectRead(32768, 35100, 32768);
+    ExpectRead(40000, 67868, 32132);
+    ExpectRead(1, kFileSize, 0);
+    EXPECT_FALSE(reader_->Failed());
+}
+
+TEST_F(BlockReaderTest, ReadsFromWhereItWasTold) {
+    ExpectRead(10, 0, 10);
+    reader_->Seek(50000);
+    ExpectRead(40000, 50000, 40000);  // with nothing buffered, in one piece
+    ExpectRead(20, 90000, 20);
+    reader_->Seek(5);
+    ExpectRead(20, 5, 20);
+    reader_->Seek(kFileSize + 7);
+    ExpectRead(20, kFileSize + 7, 0);
+    EXPECT_FALSE(reader_->Failed());
+}
