@@ -12,10 +12,6 @@ using testing::Not;
 
 namespace {
 
-PDEV& InstanceOf(const Device& device) {
-    return *reinterpret_cast<PDEV*>(device.Instance());
-}
-
 // Adds a label to the printer's list.
 void AddLabel(PrinterData& data, int number, const char* name, const char* width, const char* length,
               DWORD units) {

@@ -16,6 +16,8 @@
 #include "tests/support/log_capture.h"
 #include "tests/support/scratch_folder.h"
 
+struct PDEV;
+
 class DriverTest : public testing::Test {
   protected:
     static constexpr char kProfile[] = "test.zvp";
@@ -44,6 +46,9 @@ class DriverTest : public testing::Test {
     std::unique_ptr<Device> Enable(const DeviceMode& mode);
     // The same with a job and its first page begun.
     std::unique_ptr<Device> StartPage(const DeviceMode& mode, const std::string& title = "title");
+
+    // What the driver keeps of a device.
+    static PDEV& InstanceOf(const Device& device) { return *reinterpret_cast<PDEV*>(device.Instance()); }
 
     // Of the driver's own allocations.
     DebugHeap& Heap() { return *heap_; }

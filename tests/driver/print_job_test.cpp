@@ -16,10 +16,6 @@ using testing::Not;
 
 namespace {
 
-PDEV& InstanceOf(const Device& device) {
-    return *reinterpret_cast<PDEV*>(device.Instance());
-}
-
 class PrintJob : public DriverTest {
   protected:
     PrintJob() : directoryBefore_(fs::current_path()) {}
@@ -302,48 +298,6 @@ TEST_F(PrintJob, TakesNoMorePagesWhileTheInstanceSaysSo) {
     Session().EndDoc(*device);
 }
 
-TEST_F(PrintJob, GoesOnInTheInstanceOfAReset) {
-    const auto old = StartPage(Mode());
-    EXPECT_EQ(engine.Output("@PJL COMMENT x\n"), 1);
-    ASSERT_TRUE(Session().SendPage(*old));
-    const auto fresh = Enable(Mode());
-    ASSERT_TRUE(Session().ResetPdev(*old, *fresh));
-    LogLines();
-    ASSERT_TRUE(Start(fresh));
-    const auto lines = LogLines();
-    EXPECT_THAT(lines, Contains("[Info]  JobId:42 docname:title 1048576 4"));
-    EXPECT_THAT(lines, Contains(testing::StartsWith("[Info]  pdev: ")));
-    EXPECT_THAT(lines, Not(Contains("[Info]  Load profile [test.zvp]")));
-    Session().DisableSurface(*old);
-    Session().DisablePdev(*old);
-
-    Printer().written.clear();
-    EXPECT_EQ(engine.Output("@PJL COMMENT again\n"),
-              1);  // written through the new instance, without a second header
-    EXPECT_EQ(Printer().written, "@PJL COMMENT again\n");
-    ASSERT_TRUE(Session().StartPage(*fresh));
-    ASSERT_TRUE(Session().SendPage(*fresh));
-    EXPECT_EQ(InstanceOf(*fresh).pageCount, 2u);
-    ASSERT_TRUE(Session().EndDoc(*fresh));
-    EXPECT_EQ(Session().Engine().Books().jobsStarted, 1u);
-    EXPECT_EQ(InstanceOf(*fresh).flags, 0u);
-}
-
-TEST_F(PrintJob, WritesTheSettingsOfTheInstanceThatItGoesOnIn) {
-    const auto old = StartPage(Mode());
-    DeviceMode mode = Mode();
-    mode.priv.overspray = 2;
-    const auto fresh = Enable(mode);
-    ASSERT_TRUE(Session().ResetPdev(*old, *fresh));
-    ASSERT_TRUE(Start(fresh));
-    EXPECT_EQ(engine.Output("@PJL COMMENT x\n"), 1);
-    EXPECT_THAT(Printer().written, HasSubstr("@PJL SET OVERSPRAY=2\n"));
-    LogLines();
-    ASSERT_TRUE(Start(fresh));  // which it goes on in already
-    EXPECT_THAT(LogLines(), Not(Contains(testing::StartsWith("[Info]  pdev: "))));
-    Session().EndDoc(*fresh);
-}
-
 TEST_F(PrintJob, CountsItsPagesAnew) {
     const auto device = StartPage(Mode());
     ASSERT_TRUE(Session().SendPage(*device));
@@ -361,15 +315,6 @@ TEST_F(PrintJob, ReadsTheLogsSwitchAgain) {
     ASSERT_TRUE(Start(device));
     Session().EndDoc(*device);
     EXPECT_THAT(LogLines(), IsEmpty());
-}
-
-TEST_F(PrintJob, OfAResetOutsideAJobStartsANewOne) {
-    const auto old = Enable(Mode());
-    const auto fresh = Enable(Mode());
-    ASSERT_TRUE(Session().ResetPdev(*old, *fresh));
-    ASSERT_TRUE(Start(fresh));
-    EXPECT_EQ(Session().Engine().Books().jobsStarted, 1u);
-    Session().EndDoc(*fresh);
 }
 
 TEST_F(PrintJob, IsTracedAndDumpsTheDeviceModeTwice) {

@@ -47,13 +47,13 @@ enum class Leaves { Nothing, Mutex, Directory };
 struct DocumentedAnswer {
     const char* call;   // as WatchedCall::Label() says it
     const char* place;  // the hook, or the print engine's call in it
-    const char*
-        before;  // the last landmark before the call, the last two, or the file last opened in the hook
+    // The last landmark before the call, the last two, or the file last opened in the hook.
+    const char* before;
     const char* after;    // the next landmark behind it
     const char* refuses;  // the hook that refuses; null: none
     const Outcome& outcome;
-    const char* line =
-        "";  // the first message that the failure adds to the log; "{}" is what the call is about
+    // The first message that the failure adds to the log; "{}" is what the call is about.
+    const char* line = "";
     Leaves leaves = Leaves::Nothing;
 };
 
