@@ -65,3 +65,9 @@ TEST_F(BlockReaderTest, ReadsFromWhereItWasTold) {
     ExpectRead(20, kFileSize + 7, 0);
     EXPECT_FALSE(reader_->Failed());
 }
+
+TEST_F(BlockReaderTest, OfNoFileHasNoSize) {
+    const BlockReader missing((folder_.Path() / "missing").string().c_str());
+    EXPECT_FALSE(missing);
+    EXPECT_EQ(missing.Size(), -1);
+}
