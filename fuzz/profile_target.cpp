@@ -35,21 +35,18 @@ void SpoilCache() {
 }
 
 // Through the loader, which always fills the cache.
-void CheckLoad(const std::string& path, bool at600Dpi, int32_t version, ReadHead& head) {
-    const int32_t resolution = at600Dpi          ? kResolution600
-                               : path.size() % 2 ? kResolution300
-                                                 : kResolutionOther;
+void CheckLoad(const std::string& path, int32_t resolution, int32_t version, ReadHead& head) {
     const int32_t kind =
         zvc_load_profile(path.c_str(), resolution, &head.code, head.name.data(), head.name.size());
     REQUIRE(kind == (version == 0 ? kEntries : version));
     REQUIRE(kind == g_cacheKind && g_profileLoaded == 1);
-    REQUIRE(version != 0 || IsGenericCache(g_colorCache, at600Dpi ? 50 : 100));
+    REQUIRE(version != 0 || IsGenericCache(g_colorCache, resolution == kResolution600 ? 50 : 100));
 }
 
 // Through the reader alone: a refusal then costs no filling of the cache.
-void CheckRead(const std::string& path, bool at600Dpi, int32_t version, ReadHead& head) {
-    REQUIRE(ReadProfile(path.c_str(), head.name.data(), head.name.size(), at600Dpi, g_colorCache,
-                        &head.code) == version);
+void CheckRead(const std::string& path, int32_t resolution, int32_t version, ReadHead& head) {
+    REQUIRE(ReadProfile(path.c_str(), head.name.data(), head.name.size(), resolution == kResolution600,
+                        g_colorCache, &head.code) == version);
 }
 
 // The name that the catalogue shows, as narrow text.
@@ -78,7 +75,10 @@ void FuzzProfile(std::span<const uint8_t> input) {
     const ProfileInput profile = TakeProfile(input);
     const SparseFile& file = profile.file;
     const std::string beginning = file.Beginning(kBeginning);
-    const bool at600Dpi = file.size % 2 == 0;
+    // The job's resolution: 600 dpi for every other size, one of the others for the rest.
+    constexpr int32_t kResolutions[] = {kResolution600, kResolution300, kResolution600, kResolutionOther};
+    const int32_t resolution = kResolutions[file.size % 4];
+    const bool at600Dpi = resolution == kResolution600;
     const std::string path = (FuzzInstallation().Folder() / "profiles" / "fuzz.zvp").string();
     std::filesystem::create_directories(FuzzInstallation().Folder() / "profiles");
     file.Write(path);
@@ -89,7 +89,7 @@ void FuzzProfile(std::span<const uint8_t> input) {
     const uint8_t version = HoldsColors(stated, file.size - loaders.colorsAt) ? stated : uint8_t{0};
     if (profile.rare || version != 0) SpoilCache();
     ReadHead head;
-    (profile.rare ? CheckLoad : CheckRead)(path, at600Dpi, version, head);
+    (profile.rare ? CheckLoad : CheckRead)(path, resolution, version, head);
     REQUIRE(head.code == loaders.code);
     REQUIRE(std::string_view(head.name.data()) == loaders.name);
     REQUIRE(watch.Open() == 0);
