@@ -60,7 +60,6 @@ void TakeCustomLabelSize(PDEV* pdev) {
 
 BOOL FillPDevData(PDEV* pdev, DEVMODEW* pdm, const WCHAR* deviceName) {
     const TraceScope trace("FillPDevData");
-    pdev->flags = 0;
     pdev->signatureTail = kPdevSignature;
     pdev->signature = kPdevSignature;
     SetupDefaultDevMode(&pdev->devmode, deviceName, pdev->hPrinter);
@@ -110,7 +109,6 @@ extern "C" DHPDEV APIENTRY DrvEnablePDEV(DEVMODEW* pdm, LPWSTR pwszLogAddress, U
 
     OwnedInstance pdev(static_cast<PDEV*>(LocalAlloc(LMEM_FIXED | LMEM_ZEROINIT, sizeof(PDEV))));
     if (!pdev) return fail();
-    pdev->dwReserved = 0;
     pdev->cCopies = kNoCarriedCopies;
     pdev->hPrinter = hDriver;
     pdev->hModule = g_hModule;

@@ -2,6 +2,7 @@
 
 #include "driver/job_state.h"
 #include "support/installation.h"
+#include "support/last_error.h"
 #include "support/log.h"
 #include "support/text.h"
 
@@ -18,11 +19,11 @@ HMODULE LoadFrom(const WCHAR* folder) {
     if (length == 0 || length >= MAX_PATH) g_wszSavedDirectory[0] = 0;  // can't be told, nor restored
     if (!SetCurrentDirectoryW(folder)) return nullptr;
     const HMODULE library = LoadLibraryW(L"hpcrlib.dll");
-    if (library != nullptr) return library;
-    const DWORD code = GetLastError();
-    RestoreDirectory();
-    SetLastError(code);
-    return nullptr;
+    if (library == nullptr) {
+        const LastErrorKept lastError;
+        RestoreDirectory();
+    }
+    return library;
 }
 
 bool ResolveEntryPoints() {
@@ -40,21 +41,19 @@ bool ResolveEntryPoints() {
 }  // namespace
 
 bool BindPrintEngine() {
-    HeapArray<WCHAR> folder = GetInstallationFolder();
+    const HeapArray<WCHAR> folder = GetInstallationFolder();
     if (!folder) {
         LogError("Error: could get app path");
         return false;
     }
     g_hHpcrlib = LoadFrom(folder.get());
-    folder.reset();
     if (g_hHpcrlib == nullptr) {
         LogError("Error: could not load hpcrlib.DLL");
         return false;
     }
     if (ResolveEntryPoints()) return true;
-    const DWORD code = GetLastError();
+    const LastErrorKept lastError;
     UnbindPrintEngine();
-    SetLastError(code);
     return false;
 }
 

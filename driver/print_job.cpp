@@ -103,7 +103,7 @@ extern "C" BOOL APIENTRY DrvStartDoc(SURFOBJ* pso, LPWSTR pwszDocName, DWORD dwJ
     if (pdev == nullptr) return trace.Bool(FALSE);
 
     DumpDevMode(&pdev->devmode.pub);
-    HeapArray<WCHAR> driverName = GetPrinterDriverName(pdev->hPrinter);
+    const HeapArray<WCHAR> driverName = GetPrinterDriverName(pdev->hPrinter);
     ErasePage(pso);
     LogInfo("JobId:%d docname:%S %d %d", dwJobId, static_cast<const WCHAR*>(pwszDocName),
             pdev->flags & PDEV_RESET, pdev->flags & PDEV_IN_JOB);
@@ -114,7 +114,6 @@ extern "C" BOOL APIENTRY DrvStartDoc(SURFOBJ* pso, LPWSTR pwszDocName, DWORD dwJ
     } else {
         started = StartNewJob(pdev, pso, pwszDocName);
     }
-    driverName.reset();
     DumpDevMode(&pdev->devmode.pub);
     return trace.Bool(started);
 }

@@ -7,6 +7,7 @@
 #include <cstring>
 #include <string_view>
 
+#include "support/last_error.h"
 #include "support/module.h"
 #include "support/shell.h"
 
@@ -124,18 +125,6 @@ void MoveLogToBackup(const char* path) {
     MoveFileA(path, backup.get());
 }
 
-// Logging must not show to the callers of the driver, who read the last error that a hook leaves.
-class LastErrorKept {
-  public:
-    LastErrorKept() : code_(GetLastError()) {}
-    ~LastErrorKept() { SetLastError(code_); }
-    LastErrorKept(const LastErrorKept&) = delete;
-    LastErrorKept& operator=(const LastErrorKept&) = delete;
-
-  private:
-    DWORD code_;
-};
-
 void WriteLine(HANDLE file, const SYSTEMTIME& time, LogLevel level, const char* format,
                const LogArgument* arguments, size_t count) {
     LineWriter line(file);
@@ -190,7 +179,7 @@ void RotateLogFile(const char* name) {
 void WriteLogLine(LogLevel level, const char* format, const LogArgument* arguments, size_t count) {
     SYSTEMTIME time;
     GetSystemTime(&time);
-    const LastErrorKept lastError;
+    const LastErrorKept lastError;  // callers of the driver read the one that a hook leaves
     const char* path = LogPath();
     if (path == nullptr) return;
 

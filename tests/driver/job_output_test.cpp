@@ -409,6 +409,9 @@ TEST_F(JobOutput, LogsTheCostOfItsSlowestWrite) {
     const ImportPatch clock(Session().Driver().Module(), "GetTickCount",
                             reinterpret_cast<void*>(+[]() WINAPI -> DWORD { return tick += tickStep; }));
     LogLines();
+    tickStep = 1;
+    Written(std::string(1000, 'x'));  // the cheapest that is slower than none
+    EXPECT_THAT(LogLines(), Contains("[Info]  write: 1us/B"));
     tickStep = 4'000'000;
     Written(std::string(980, 'x') + kComment);  // the whole chunk counts, not only what is written last
     EXPECT_THAT(LogLines(), Contains("[Info]  write: 4000000us/B"));

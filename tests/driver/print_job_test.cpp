@@ -225,6 +225,33 @@ TEST_F(PrintJob, NamesTheFirstMissingEntryPointOnly) {
                                   Not(Contains("[Error] Error: could not get \"HPCRLIB_JobEnd\" address"))));
 }
 
+namespace {
+
+int directoryChanges = 0;
+
+// Goes nowhere, and says so from the second time on.
+BOOL WINAPI ChangeDirectoryOnce(LPCWSTR) {
+    if (++directoryChanges == 1) return TRUE;
+    SetLastError(ERROR_ACCESS_DENIED);
+    return FALSE;
+}
+
+}  // namespace
+
+TEST_F(PrintJob, LeavesTheErrorOfTheEnginesLibraryThoughTheDirectoryCannotBeRestored) {
+    for (const DWORD code : {ERROR_MOD_NOT_FOUND, ERROR_PROC_NOT_FOUND}) {
+        Restart(PrintEngine{});
+        const auto device = Enable(Mode());
+        Session().Engine().FailLoading(code == ERROR_MOD_NOT_FOUND);
+        const ImportPatch patch(Session().Driver().Module(), "SetCurrentDirectoryW",
+                                reinterpret_cast<void*>(&ChangeDirectoryOnce));
+        directoryChanges = 0;
+        EXPECT_FALSE(Start(device));
+        EXPECT_EQ(GetLastError(), code);
+        EXPECT_EQ(directoryChanges, 2);
+    }
+}
+
 TEST_F(PrintJob, FailsWhenTheEngineStartsNone) {
     const auto device = Enable(Mode());
     engine.Fail("JobStart", 1);
