@@ -100,20 +100,15 @@ constexpr DumpSection kSections[] = {
     {"<Private-DevMode>", "</Private-DevMode>", 28, kPrivateLines, std::size(kPrivateLines)},
 };
 
-// The trace can be switched off at any moment; the dump then ends before its next line.
-bool IsTracing() {
-    return (logMask & kLogMaskTrace) != 0;
-}
-
 void DumpSectionLines(const DumpSection& section, const DeviceMode& record) {
     LogTrace(section.opening);
-    for (size_t i = 0; i < section.count && IsTracing(); ++i) {
+    for (size_t i = 0; i < section.count; ++i) {
         const DumpLine& line = section.lines[i];
         char format[16];
         snprintf(format, sizeof format, "%%-%ds= %s", section.nameColumn, line.conversion);
         LogTrace(format, line.name, line.value(record));
     }
-    if (IsTracing()) LogTrace(section.closing);
+    LogTrace(section.closing);
 }
 
 }  // namespace
@@ -148,11 +143,8 @@ void DumpDevMode(const DEVMODEW* record) {
         LogInfo("DevMode is invalid. The values of sizeof(DEVMODE) and dmSize do not match.");
         return;
     }
-    if (!IsTracing()) return;
+    if ((logMask & kLogMaskTrace) == 0) return;  // every line tests it too: it may be cleared at any moment
     LogTrace("pdm:%x priv:%x", static_cast<const void*>(record), PrivatePart(record));
     const DeviceMode values = LoadDevMode(record);
-    for (const DumpSection& section : kSections) {
-        if (!IsTracing()) return;
-        DumpSectionLines(section, values);
-    }
+    for (const DumpSection& section : kSections) DumpSectionLines(section, values);
 }

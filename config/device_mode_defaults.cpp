@@ -67,7 +67,6 @@ void SetPrivateDefaults(PrivateDevMode* priv) {
     priv->copies = 1;
     priv->chunksize = 500;
     priv->phHOffset = 20;
-    priv->units = kUnitsInches;
     priv->dmPaperSize = kPaperDefault;
 }
 

@@ -7,6 +7,8 @@
 #include "tests/config/printer_test.h"
 #include "tests/support/allocation_failure.h"
 
+using testing::AllOf;
+using testing::Contains;
 using testing::ElementsAre;
 
 namespace {
@@ -235,6 +237,33 @@ TEST_F(Merging, ASourcesOwnProfileWins) {
     EXPECT_EQ(Text(Merged(destination, &source.pub).priv.colorProfile), u"coated.zvp");
     EXPECT_EQ(Text(source.priv.colorProfile), u"coated.zvp");
     EXPECT_EQ(Text(Merged(PrinterRecord(), &source.pub).priv.colorProfile), u"coated.zvp");
+}
+
+TEST_F(Merging, ANameOfOneCharacterIsAProfileToo) {
+    DeviceMode destination = PrinterRecord();
+    CopyText(destination.priv.colorProfile, FieldText(L"n"));
+    EXPECT_EQ(Text(Merged(destination, PrinterRecord()).priv.colorProfile), u"n");
+    DeviceMode source = PrinterRecord();
+    CopyText(source.priv.colorProfile, FieldText(L"c"));
+    EXPECT_EQ(Text(Merged(destination, source).priv.colorProfile), u"c");
+}
+
+TEST_F(Merging, ANameOfOneCharacterIsTracedAsAProfile) {
+    DeviceMode destination = PrinterRecord();
+    CopyText(destination.priv.colorProfile, FieldText(L"n"));
+    DeviceMode source = PrinterRecord();
+    CopyText(source.priv.colorProfile, FieldText(L"c"));
+    EXPECT_TRUE(MergeDevMode(&destination, &source.pub, handle_));
+    EXPECT_THAT(LinesWithDumpsFolded(), AllOf(Contains("[Trace] pdmDest profile [n] 1"),
+                                              Contains("[Trace] pdmSrc profile [c] 1")));
+}
+
+TEST_F(Merging, WhatFollowsAnEmptyProfilesNameStaysAsItIs) {
+    DeviceMode source = PrinterRecord();
+    source.priv.colorProfile[1] = L'x';
+    const DeviceMode before = source;
+    Merged(PrinterRecord(), &source.pub);
+    EXPECT_TRUE(SameRecord(source, before));
 }
 
 TEST_F(Merging, ALabelChosenOnThePrinterSurvivesASourceThatNamesNone) {
