@@ -7,11 +7,9 @@ namespace {
 
 constexpr DWORD kPrinterInfoLevel = 2;
 
-// Both log the failure and keep its code as the last error, which logging changes.
+// Both log the failure; its code is the last error.
 HeapArray<WCHAR> QueryFailed() {
-    const DWORD code = GetLastError();
-    LogError("GetPrinterName: GetPrinter failed: 0x%x", code);
-    SetLastError(code);
+    LogError("GetPrinterName: GetPrinter failed: 0x%x", GetLastError());
     return nullptr;
 }
 
@@ -36,7 +34,7 @@ HeapArray<WCHAR> GetPrinterName(HANDLE printer) {
 }
 
 HANDLE OpenPrinterWithAccess(HANDLE printer, DWORD access) {
-    HeapArray<WCHAR> name = GetPrinterName(printer);
+    const HeapArray<WCHAR> name = GetPrinterName(printer);
     if (!name) return nullptr;
     HANDLE opened = nullptr;
     PRINTER_DEFAULTSW defaults = {nullptr, nullptr, access};
@@ -46,7 +44,6 @@ HANDLE OpenPrinterWithAccess(HANDLE printer, DWORD access) {
         opened = nullptr;
         LogError("OpenPrinterWithAccess: error %d (%d)", code, access);
     }
-    name.reset();
     SetLastError(code);
     return opened;
 }

@@ -27,14 +27,20 @@ struct InfoText {
     std::u16string text;
 };
 
+// A size that says that there is a buffer where there is none.
+bool LacksBuffer(const void* buffer, DWORD size) {
+    return buffer == nullptr && size != 0;
+}
+
 // Answers a query for a record as Windows does: the record with its texts behind it, or the size that they
 // need.
 template <typename Info>
 BOOL AnswerRecord(Info info, std::initializer_list<InfoText<Info>> texts, LPBYTE buffer, DWORD size,
                   LPDWORD needed) {
+    if (LacksBuffer(buffer, size)) return Refuse(ERROR_INVALID_USER_BUFFER);
     *needed = sizeof info;
     for (const auto& each : texts) *needed += static_cast<DWORD>((each.text.size() + 1) * sizeof(WCHAR));
-    if (size < *needed || buffer == nullptr) return Refuse(ERROR_INSUFFICIENT_BUFFER);
+    if (size < *needed) return Refuse(ERROR_INSUFFICIENT_BUFFER);
     BYTE* end = buffer + sizeof info;
     for (const auto& each : texts) {
         const size_t bytes = (each.text.size() + 1) * sizeof(WCHAR);
@@ -48,8 +54,9 @@ BOOL AnswerRecord(Info info, std::initializer_list<InfoText<Info>> texts, LPBYTE
 
 // Answers a query for bytes: ERROR_MORE_DATA and the size needed when there is no room for all of them.
 DWORD AnswerBytes(std::string_view bytes, void* buffer, DWORD size, LPDWORD needed) {
+    if (LacksBuffer(buffer, size)) return ERROR_INVALID_USER_BUFFER;
     *needed = static_cast<DWORD>(bytes.size());
-    if (size < bytes.size() || (buffer == nullptr && !bytes.empty())) return ERROR_MORE_DATA;
+    if (size < bytes.size()) return ERROR_MORE_DATA;
     if (!bytes.empty()) memcpy(buffer, bytes.data(), bytes.size());
     return ERROR_SUCCESS;
 }

@@ -149,14 +149,18 @@ TEST_F(LabelSizes, AnUnknownVersionIsLeftOutAndTheNextLabelTakesItsSlot) {
 }
 
 TEST_F(LabelSizes, ASubKeyThatIsNoPaperNumberReadsAsLabelZero) {
-    for (const char* key : {"Versand", "258x", "-1", "70000", "99999999999999999999"}) {
+    for (const char* key : {"/", ":", "Versand", "258x", "2:", "2/", "-1", "65536", "99999999999999999999"}) {
         printer_.data.SetNumber("Label Sizes\\"s + key, "version", 1);
     }
-    const List list = Read();
-    EXPECT_EQ(list.code, 0u);
-    EXPECT_THAT(list.labels, IsEmpty());
-    EXPECT_THAT(ErrorLines(), testing::AllOf(testing::SizeIs(5),
+    const List none = Read();
+    EXPECT_EQ(none.code, 0u);
+    EXPECT_THAT(none.labels, IsEmpty());
+    EXPECT_THAT(ErrorLines(), testing::AllOf(testing::SizeIs(9),
                                              testing::Each("[Error] Could not read label version: 0x2")));
+    AddLabel(0, "zero", "1", "1", 0);
+    EXPECT_THAT(Names(Read()), testing::AllOf(testing::SizeIs(10), testing::Each("0 zero")));
+    AddLabel(65535, "last", "1", "1", 0);
+    EXPECT_THAT(Names(Read()), testing::Contains("65535 last"));
 }
 
 TEST_F(LabelSizes, ASpoolersListThatEndsWithinACharacterIsReadNoFurther) {
@@ -209,6 +213,14 @@ TEST_F(LabelSizes, AnUnknownVersionHasACodeOfItsOwn) {
     EXPECT_THAT(log_.TakeLines(),
                 ElementsAre("[Error] Unknown label version: 0", "[Error] Unknown label version: 2",
                             "[Error] Unknown label version: -1"));
+}
+
+TEST_F(LabelSizes, AVersionOfNoBytesIsZero) {
+    AddLabel(258, "Versand", "1", "1", 0);
+    printer_.data.Set("Label Sizes\\258", "version", {REG_DWORD, ""});
+    LabelSize label;
+    EXPECT_EQ(ReadLabel(handle_, &label, 258), 0x20000002u);
+    EXPECT_THAT(log_.TakeLines(), ElementsAre("[Error] Unknown label version: 0"));
 }
 
 TEST_F(LabelSizes, TextsThatAreTooLongForTheirFieldAreNotRead) {

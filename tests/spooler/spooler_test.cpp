@@ -175,6 +175,19 @@ TEST_F(SpoolerTest, EnumeratesSubKeysSortedAndEndedByAnEmptyName) {
     EXPECT_EQ(EnumPrinterKeyW(handle, L"Forms", nullptr, 0, &needed), 2u);
 }
 
+TEST_F(SpoolerTest, RefusesASizeWithoutABuffer) {
+    printer_.data.SetNumber("Label Sizes\\258", "version", 1);
+    const HANDLE handle = OpenForWriting();
+    DWORD needed = 0;
+    EXPECT_FALSE(GetPrinterW(handle, 2, nullptr, 1, &needed));
+    EXPECT_EQ(GetLastError(), 1784u);
+    EXPECT_FALSE(GetPrinterDriverW(handle, nullptr, 3, nullptr, 1, &needed));
+    EXPECT_EQ(GetLastError(), 1784u);
+    EXPECT_EQ(EnumPrinterKeyW(handle, L"Label Sizes", nullptr, 1, &needed), 1784u);
+    EXPECT_EQ(GetPrinterDataExA(handle, "Label Sizes\\258", "version", nullptr, nullptr, 1, &needed), 1784u);
+    EXPECT_EQ(needed, 0u);
+}
+
 TEST_F(SpoolerTest, MakesTheNthCallOfAFunctionFail) {
     const HANDLE handle = OpenForWriting();
     char bytes[] = "abc";
