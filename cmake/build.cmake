@@ -59,23 +59,25 @@ if(ORVEX_SANITIZE MATCHES undefined)
     list(APPEND ORVEX_TEST_OPTIONS -fno-sanitize=undefined)
 endif()
 
-# orvex_test(ROOM LIBRARY...): tests/ROOM/*.cpp as the GoogleTest program ROOM_tests, run by ctest in both builds.
+# orvex_test(ROOM LIBRARY... [USES FILE...]): tests/ROOM/*.cpp as the GoogleTest program ROOM_tests, run by ctest in both
+# builds. FILE... are files and folders that it uses when it runs, besides the libraries.
 function(orvex_test room)
+    cmake_parse_arguments(PARSE_ARGV 1 test "" "" USES)
     file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/${room}/*.cpp)
-    if(sources)
-        add_executable(${room}_tests ${sources})
-        target_link_libraries(${room}_tests PRIVATE ${ARGN} orvex_testing)
-        target_compile_options(${room}_tests PRIVATE ${ORVEX_TEST_OPTIONS})
-        target_precompile_headers(${room}_tests REUSE_FROM orvex_testing)
-        add_test(NAME ${room}_tests COMMAND ${room}_tests)
-        if("orvex_host" IN_LIST ARGN)
-            # These load the driver and the engine's library.
-            add_dependencies(${room}_tests hpcrlib)
-            if(WIN32)
-                add_dependencies(${room}_tests orvexgdi)
-                # The driver's log is one for the machine there; natively it is one for each process.
-                set_tests_properties(${room}_tests PROPERTIES RESOURCE_LOCK driver_log)
-            endif()
-        endif()
+    add_executable(${room}_tests ${sources})
+    target_link_libraries(${room}_tests PRIVATE ${test_UNPARSED_ARGUMENTS} orvex_testing)
+    target_compile_options(${room}_tests PRIVATE ${ORVEX_TEST_OPTIONS})
+    target_precompile_headers(${room}_tests REUSE_FROM orvex_testing)
+    add_dependencies(${room}_tests hpcrlib)
+    list(PREPEND test_USES $<TARGET_FILE:${room}_tests> $<TARGET_FILE:hpcrlib>)
+    if(WIN32 AND orvex_host IN_LIST test_UNPARSED_ARGUMENTS)
+        add_dependencies(${room}_tests orvexgdi)
+        list(APPEND test_USES $<TARGET_FILE:orvexgdi>)
+        # The driver's log is one for the machine there; natively it is one for each process.
+        set(lock RESOURCE_LOCK driver_log)
     endif()
+    add_test(NAME ${room}_tests
+             COMMAND ${CMAKE_SOURCE_DIR}/scripts/suite ${CMAKE_BINARY_DIR}/passed/${room}_tests ${test_USES} --
+                     ${CMAKE_CROSSCOMPILING_EMULATOR} $<TARGET_FILE:${room}_tests>)
+    set_tests_properties(${room}_tests PROPERTIES SKIP_RETURN_CODE 77 ${lock})
 endfunction()

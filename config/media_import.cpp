@@ -54,7 +54,6 @@ int32_t ReadNumber(std::string_view text) {
 }
 
 bool ParseLabel(std::string_view line, LabelSize* label) {
-    *label = {};
     if (!TakeQuoted(&line, label->name) || !TakeQuoted(&line, label->width) ||
         !TakeQuoted(&line, label->length)) {
         return false;
@@ -99,7 +98,7 @@ int ImportMediaFile(HANDLE printer, const WCHAR* folder) {
     if (section == std::string_view::npos) return 1;
     text.remove_prefix(section);
     TakeLine(&text);
-    LabelSize label;
+    LabelSize label = {};
     while (!text.empty() && ParseLabel(TakeLine(&text), &label)) AddLabel(printer, &label);
     return 1;
 }

@@ -86,10 +86,11 @@ TEST_F(MediaImport, UnitsAreReadAsLeadingDigits) {
                        "\"h\",\"1\",\"2\",-99999999999\n"
                        "\"i\",\"1\",\"2\",\v\f1\n"
                        "\"j\",\"1\",\"2\",+-1\n"
-                       "\"k\",\"1\",\"2\",3000000000\n"),
+                       "\"k\",\"1\",\"2\",3000000000\n"
+                       "\"l\",\"1\",\"2\",~1\n"),
                 ElementsAre("258 a|1|2|1", "259 b|1|2|0", "260 c|1|2|0", "261 d|1|2|0", "262 e|1|2|-1",
                             "263 f|1|2|2", "264 g|1|2|2147483647", "265 h|1|2|-2147483647", "266 i|1|2|1",
-                            "267 j|1|2|0", "268 k|1|2|2147483647"));
+                            "267 j|1|2|0", "268 k|1|2|2147483647", "269 l|1|2|0"));
 }
 
 TEST_F(MediaImport, MissingUnitsAreNotTakenFromTheNextLine) {
@@ -115,7 +116,7 @@ TEST_F(MediaImport, AnyLineOfAnotherFormEndsTheImport) {
     const std::string kGood = "\"A\",\"1\",\"2\",0\n";
     for (const std::string& bad :
          {"\n"s, "\r\n"s, "; comment\n"s, "A,1,2,0\n"s, "\"B\"\n"s, "\"B\",\"1\"\n"s, "\"B\",\"1\",\"2\n"s,
-          "\"B\n\",\"1\",\"2\",0\n"s, "[Other]\n"s, "\"B\";\"1\",\"2\",0\n"s}) {
+          "\"B\n\",\"1\",\"2\",0\n"s, "[Other]\n"s, "\"B\";\"1\",\"2\",0\n"s, "~\"B\",\"1\",\"2\",0\n"s}) {
         EXPECT_THAT(Import("[Media]\n" + kGood + bad + kGood), ElementsAre("258 A|1|2|0")) << bad;
     }
 }

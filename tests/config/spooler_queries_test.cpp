@@ -1,5 +1,8 @@
 #include "config/spooler_queries.h"
 
+#include <cstring>
+
+#include "host/import_patch.h"
 #include "support/text.h"
 #include "tests/config/printer_test.h"
 #include "tests/support/allocation_failure.h"
@@ -21,6 +24,17 @@ class SpoolerQueries : public PrinterTest {
 
 constexpr size_t kNameBytes = sizeof u"Etikett 1";
 
+// Answers with a record whose texts lie elsewhere.
+BOOL WINAPI AnswerBareRecord(HANDLE, DWORD, LPBYTE buffer, DWORD size, LPDWORD needed) {
+    static WCHAR name[] = L"Elsewhere";
+    *needed = sizeof(PRINTER_INFO_2W);
+    if (size < *needed) return FALSE;
+    PRINTER_INFO_2W info = {};
+    info.pPrinterName = name;
+    memcpy(buffer, &info, sizeof info);
+    return TRUE;
+}
+
 }  // namespace
 
 TEST_F(SpoolerQueries, ThePrintersNameIsCopied) {
@@ -28,6 +42,13 @@ TEST_F(SpoolerQueries, ThePrintersNameIsCopied) {
     ASSERT_TRUE(name);
     EXPECT_TRUE(SameText({name.get(), TextLength(name.get())}, {L"Etikett 1", 9}));
     EXPECT_THAT(log_.TakeLines(), IsEmpty());
+}
+
+TEST_F(SpoolerQueries, TheNameMayLieOutsideTheRecord) {
+    const ImportPatch answer(nullptr, "GetPrinterW", reinterpret_cast<void*>(&AnswerBareRecord));
+    const HeapArray<WCHAR> name = GetPrinterName(handle_);
+    ASSERT_TRUE(name);
+    EXPECT_TRUE(SameText({name.get(), TextLength(name.get())}, {L"Elsewhere", 9}));
 }
 
 TEST_F(SpoolerQueries, AnUnknownSizeIsLoggedAndStaysTheLastError) {
@@ -45,10 +66,11 @@ TEST_F(SpoolerQueries, AnUnknownRecordIsLoggedAndStaysTheLastError) {
     EXPECT_THAT(log_.TakeLines(), ElementsAre("[Error] GetPrinterName: GetPrinter failed: 0x5"));
 }
 
-TEST_F(SpoolerQueries, ShortMemoryForTheRecordOrTheNameIsLogged) {
+TEST_F(SpoolerQueries, ShortMemoryForTheRecordOrTheNameIsLoggedAndTheLastError) {
     for (const size_t bytes : {size_t{RecordBytes()}, kNameBytes}) {
         const AllocationFailure memory(bytes);
         EXPECT_FALSE(GetPrinterName(handle_));
+        EXPECT_EQ(GetLastError(), DWORD{ERROR_NOT_ENOUGH_MEMORY});
         EXPECT_EQ(memory.Count(), 1);
         EXPECT_THAT(log_.TakeLines(), ElementsAre("[Error] GetPrinterName: malloc failed"));
     }
