@@ -103,6 +103,16 @@ TEST_F(SpoolerQueries, AFailureWithoutACodeIsStillAFailure) {
     EXPECT_THAT(log_.TakeLines(), ElementsAre("[Error] OpenPrinterWithAccess: error 0 (-2147483648)"));
 }
 
+TEST_F(SpoolerQueries, AHandleThatComesWithARefusalIsNone) {
+    const ImportPatch refusal(
+        nullptr, "OpenPrinterW",
+        reinterpret_cast<void*>(+[](LPWSTR, LPHANDLE handle, LPPRINTER_DEFAULTSW) WINAPI -> BOOL {
+            *handle = reinterpret_cast<HANDLE>(4711);
+            return FALSE;
+        }));
+    EXPECT_EQ(OpenPrinterWithAccess(handle_, GENERIC_READ), nullptr);
+}
+
 TEST_F(SpoolerQueries, WithoutTheNameNothingIsOpened) {
     spooler_.FailCall("GetPrinterW", 1, 0x1234);
     EXPECT_EQ(OpenPrinterWithAccess(handle_, GENERIC_READ), nullptr);
