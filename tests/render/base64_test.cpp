@@ -4,15 +4,16 @@
 
 #include <cstring>
 #include <string>
+#include <vector>
 
 namespace {
 
-std::string Encode(std::string_view bytes) {
+std::string Encode(std::string_view text) {
+    const std::vector<uint8_t> bytes(text.begin(), text.end());  // nothing readable follows
     size_t length = 999;
-    const HeapArray<char> text =
-        EncodeBase64(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size(), &length);
-    EXPECT_EQ(length, strlen(text.get()));
-    return text.get();
+    const HeapArray<char> encoded = EncodeBase64(bytes.data(), bytes.size(), &length);
+    EXPECT_EQ(length, strlen(encoded.get()));
+    return encoded.get();
 }
 
 }  // namespace
