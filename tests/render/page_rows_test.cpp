@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/allocation_failure.h"
+
 namespace {
 
 constexpr uint32_t kColorBits = 0x00FFFFFF;
@@ -161,6 +163,30 @@ TEST(PageRows, OfAnEmptyPageAreNone) {
     }
 }
 
+// Four bytes for each pixel of a row, which takes whole cache lines and one more.
+size_t RowBytes(int32_t pixels) {
+    return static_cast<size_t>((pixels + 15) / 16 * 16 + 16) * 4;
+}
+
+TEST(PageRows, TakeTheMemoryOf64ColumnsOrOfAScanLine) {
+    for (const int32_t side : {1, 15, 16, 17, 100}) {
+        for (const RowOrder order : AllOrders()) {
+            const Page page(side, side, 4);
+            const AllocationFailure memory((order.landscape ? 1 : 64) * RowBytes(side));
+            EXPECT_FALSE(RowReader(page.Bitmap(), order));
+            EXPECT_EQ(memory.Count(), 1) << Name(order) << " " << side;
+        }
+    }
+}
+
+TEST(PageRows, OfAnEmptyPageTakeNoMemory) {
+    for (const RowOrder order : AllOrders()) {
+        const AllocationFailure memory((order.landscape ? 1 : 64) * RowBytes(0));
+        EXPECT_TRUE(RowReader(Page(0, 0, 4).Bitmap(), order));
+        EXPECT_EQ(memory.Count(), 0);
+    }
+}
+
 TEST(PageRows, OfAPlainLandscapePageLieInTheBitmapItself) {
     const Page page(8, 2, 4);
     RowReader reader(page.Bitmap(), {true, false, false});
@@ -193,6 +219,41 @@ TEST(PageRows, TellThatTheyRepeatOnlyWhenTheyHoldThePixelsOfTheRowBefore) {
             }
             EXPECT_GT(repeated, reader.RowCount() / 2);
         }
+    }
+}
+
+TEST(PageRows, DoNotRepeatARowOfAnotherBand) {
+    // Columns of two colours, so that a column is often like one that lies a band further on.
+    Page page(400, 20, 4);
+    std::mt19937 random(1);
+    std::vector<uint8_t> colors(400);
+    for (uint8_t& color : colors) color = random() % 2 == 0 ? 0x11 : 0x77;
+    for (size_t i = 0; i < page.bytes.size(); ++i) page.bytes[i] = colors[i / 4 % 400];
+    for (const RowOrder order : AllOrders()) {
+        if (order.landscape) continue;
+        RowReader reader(page.Bitmap(), order);
+        uint32_t before = 0;
+        for (int32_t row = 0; row < reader.RowCount(); ++row) {
+            const uint32_t now = reader.Row(row)[1] & kColorBits;
+            ASSERT_TRUE(!reader.Repeats() || now == before) << Name(order) << " row " << row;
+            before = now;
+        }
+    }
+}
+
+TEST(PageRows, BehindTheLastColumnRepeatNoneAndAreNotTakenForAnother) {
+    Page page(80, 20, 4);
+    std::fill(page.bytes.begin(), page.bytes.end(), uint8_t{0x5A});
+    for (int32_t y = 0; y < page.height; ++y) memset(page.bytes.data() + y * page.stride, 0x11, 4);
+    const RowOrder order = {false, true, true};
+    RowReader reader(page.Bitmap(), order);
+    // Row 16 is column 64, the first one of its band.
+    for (const int32_t row : {15, 14, 0, 16, 0, 16}) {
+        const uint32_t* pixels = reader.Row(row);
+        for (int32_t i = 0; i < reader.RowWidth(); ++i) {
+            ASSERT_EQ(pixels[i] & kColorBits, Expected(page, order, row, i)) << row;
+        }
+        EXPECT_EQ(reader.Repeats(), row == 14);
     }
 }
 
