@@ -106,8 +106,8 @@ bool RasterLoop::Allocate() {
 }
 
 void RasterLoop::WritePurgeDots() {
-    if (settings_.purgeBar <= 0 || !PurgesThisPage(static_cast<uint16_t>(settings_.purgeFreq))) return;
-    // Behind the image the row's last pixel stays free, deliberately.
+    if (!PurgesThisPage(static_cast<uint16_t>(settings_.purgeFreq))) return;
+    // Behind the image the row's last pixel stays free, deliberately. A page without a bar has no dots.
     const int32_t first = layout_.purgeLead ? 0 : layout_.rowWidth - layout_.purgeDots - 1;
     std::fill(output_.get() + std::max(first, 0), output_.get() + std::max(first + layout_.purgeDots, 0),
               Is600Dpi() ? kPurgeDot600 : kPurgeDot);

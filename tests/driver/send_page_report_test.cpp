@@ -55,6 +55,25 @@ TEST_F(SendPage, CountsTheFillInTheNumberOfARefusedRow) {
     }
 }
 
+TEST_F(SendPage, CountsEveryRowOnceInTheNumberOfARefusedOneWhereverTheFillIs) {
+    DeviceMode mode = Mode();
+    mode.priv.kws = 1;
+    mode.priv.kws_fullwidth = 1;
+    struct Case {
+        int16_t alignment;
+        int nth;
+    };
+    // The fill is in front of the image, or behind it.
+    for (const Case& item : {Case{0, 3510 - kW + 6}, {2, 6}, {2, kW + 6}}) {
+        mode.priv.alignment = item.alignment;
+        engine.Fail("RasterRow", item.nth);
+        Print(mode, false);
+        EXPECT_THAT(LogLines(),
+                    Contains("[Error] Error: could not send raster row " + std::to_string(item.nth - 1)));
+        Session().EndDoc(Current());
+    }
+}
+
 TEST_F(SendPage, CountsAHundredFillRowsInTheNumberOfTheSixthImageRow) {
     DeviceMode mode = Landscape();
     mode.priv.kws = 1;
@@ -187,8 +206,14 @@ namespace {
 
 DWORD now = 0;
 
+DWORD tick = 0;
+
 DWORD WINAPI SlowingClock() {
     return now += now / 16 + 1;
+}
+
+DWORD WINAPI SteadyClock() {
+    return now += tick;
 }
 
 }  // namespace
@@ -231,6 +256,43 @@ TEST_F(SendPage, LogsEachStageOnlyWhenItTookLongerThanEver) {
                                  Contains(StartsWith("[Info]  Page Time elapsed : "))));
         Session().EndDoc(Current());
     }
+}
+
+TEST_F(SendPage, LogsTheLongestDurationOfEachStageSoFar) {
+    mask = 3;
+    Session();
+    const ImportPatch clock(Session().Driver().Module(), "GetTickCount",
+                            reinterpret_cast<void*>(&SteadyClock));
+    // The clock is read at both ends of each stage of a row. All rows are white; converted are the first two
+    // and the first of each of the five other bands of columns that are read at once.
+    constexpr int kReadings = 1 + 4 * kWidthPx + 2 * (2 + 5) + 1;
+    static_assert(kWidthPx > 5 * 64 && kWidthPx <= 6 * 64);
+    const auto device = StartPage(Mode());
+    struct Page {
+        int step;  // milliseconds between two readings
+        bool slowest;
+    };
+    for (const Page& page : {Page{3, true}, {3, false}, {2, false}, {4, true}}) {
+        now = 1000;
+        tick = static_cast<DWORD>(page.step);
+        LogLines();
+        ASSERT_TRUE(Session().SendPage(*device));
+        std::vector<std::string> lines = LogLines();
+        std::erase_if(lines, [](const std::string& line) { return line.find("ms") == std::string::npos; });
+        const auto took = [&](const std::string& line, int readings) {
+            return line + std::to_string(readings * page.step) + "ms";
+        };
+        std::vector<std::string> expected;
+        if (page.slowest) {
+            expected = {took("[Info]  setup: ", 1), took("[Info]  P Reformat: ", 1),
+                        took("[Info]  P Convert: ", 1), took("[Info]  P Encode: ", 1)};
+        }
+        expected.push_back(took("[Trace] Finished main rendering loop: ", kReadings));
+        expected.push_back(took("[Info]  Page Time elapsed : ", kReadings + 2));
+        EXPECT_EQ(lines, expected);
+        ASSERT_TRUE(Session().StartPage(*device));
+    }
+    Session().EndDoc(*device);
 }
 
 TEST_F(SendPage, LogsHowLongARefusedRowTookBeforeTheRefusal) {

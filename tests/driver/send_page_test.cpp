@@ -60,14 +60,16 @@ TEST_F(SendPage, SendsARotatedMirroredLandscapePageFromTheBottom) {
 TEST_F(SendPage, SendsA24BitBitmapToo) {
     const auto device = StartPage(Landscape());
     std::vector<uint8_t> bytes(static_cast<size_t>(kH) * 3 * kW, 0xFF);
-    bytes[0] = 0x30, bytes[1] = 0x20, bytes[2] = 0x10;
+    constexpr uint8_t kTwoPixels[] = {0x30, 0x20, 0x10, 0xD0, 0xE0, 0xF0};
+    std::copy(std::begin(kTwoPixels), std::end(kTwoPixels), bytes.begin());
     SURFOBJ surface = *device->Surface();
     surface.iBitmapFormat = BMF_24BPP;
     surface.pvBits = surface.pvScan0 = bytes.data();
     surface.lDelta = kH * 3;
     ASSERT_TRUE(Session().Hooks().sendPage(&surface));
     EXPECT_EQ(engine.rows[0][0], ProfileColor(0x102030, false));
-    EXPECT_EQ(engine.rows[0][1], 0u);
+    EXPECT_EQ(engine.rows[0][1], ProfileColor(0xF0E0D0, false));
+    EXPECT_EQ(engine.rows[0][2], 0u);
     Session().EndDoc(*device);
 }
 
@@ -95,6 +97,11 @@ TEST_F(SendPage, OfNoRowsSendsItsFillAndClosesBlockAndPage) {
     EXPECT_EQ(PageCount(), 1u);
     Session().EndDoc(Current());
     EXPECT_THAT(PrintSize(Mode(), 0, 100), IsEmpty());
+    EXPECT_EQ(engine.calls.back(), "PageEnd");
+}
+
+TEST_F(SendPage, OfRowsWithoutPixelsSendsThemAllTheSame) {
+    EXPECT_THAT(PrintSize(Landscape(), 0, 3), ElementsAre(IsEmpty(), IsEmpty(), IsEmpty()));
     EXPECT_EQ(engine.calls.back(), "PageEnd");
 }
 
@@ -173,13 +180,13 @@ TEST_F(SendPage, EndsTrailingPurgeDotsOnePixelBeforeTheRowEnds) {
 
 TEST_F(SendPage, PurgesOnlyThePagesOfItsFrequency) {
     constexpr uint32_t kDot = 0xFFFFFFFF;
-    const auto purged = [&](int16_t frequency) {
+    const auto purged = [&](int16_t frequency, int pageCount = 4) {
         DeviceMode mode = Mode();
         mode.priv.purgeBar = 2;
         mode.priv.purgeFreq = frequency;
         const auto device = StartPage(mode);
         std::vector<uint32_t> pages;  // the one dot of the fourth row of each
-        for (int page = 1; page <= 4; ++page) {
+        for (int page = 1; page <= pageCount; ++page) {
             if (page > 1) {
                 EXPECT_TRUE(Session().StartPage(*device));
             }
@@ -192,6 +199,7 @@ TEST_F(SendPage, PurgesOnlyThePagesOfItsFrequency) {
     EXPECT_THAT(purged(0), ElementsAre(kDot, 0u, 0u, 0u));
     EXPECT_THAT(purged(1), Each(kDot));
     EXPECT_THAT(purged(2), ElementsAre(kDot, 0u, kDot, 0u));
+    EXPECT_THAT(purged(10, 11), ElementsAre(kDot, 0u, 0u, 0u, 0u, 0u, 0u, 0u, 0u, 0u, kDot));
 }
 
 TEST_F(SendPage, LeavesTheMarkerInAPurgeBarWithoutDots) {
