@@ -68,8 +68,6 @@ void LogPrintHeadOffset(const PageLayout& layout) {
 }
 
 void MakeThumbnail(const SURFOBJ& surface) {
-    g_pThumbnail = nullptr;
-    g_cbThumbnail = 0;
     if (!LookupFlag("[Driver]", "Add_Thumb=")) return;
     if (surface.iBitmapFormat == BMF_24BPP) return;  // has not the 32 bits a pixel that a thumbnail reads
     BuildPageThumbnail(static_cast<const uint32_t*>(surface.pvBits), surface.sizlBitmap.cx,
@@ -133,7 +131,7 @@ extern "C" BOOL APIENTRY DrvSendPage(SURFOBJ* pso) {
     PDEV* pdev = RequireInstance(pso);
     if (pdev == nullptr) return trace.Bool(FALSE);
 
-    HeapArray<WCHAR> driverName = GetPrinterDriverName(pdev->hPrinter);
+    const HeapArray<WCHAR> driverName = GetPrinterDriverName(pdev->hPrinter);
     const PageLayout layout = ComputePageLayout(
         LayoutInput(pdev->devmode, GetDeviceResolution(pdev), pso->sizlBitmap.cx, pso->sizlBitmap.cy));
     const bool firstPage = g_nPage == 1;
@@ -146,7 +144,6 @@ extern "C" BOOL APIENTRY DrvSendPage(SURFOBJ* pso) {
     if (g_hHpcrlib != nullptr) SendToEngine(*pdev, *pso, layout);
 
     ++pdev->pageCount;
-    driverName.reset();
     DiscardThumbnail();
     LogInfo("Page Time elapsed : %ldms\n", GetTickCount() - start);
     return trace.Bool(TRUE);

@@ -307,7 +307,9 @@ TEST_F(JobOutput, SettlesTheCodeOnTheFirstPageWhenTheProfileSetNone) {
             EXPECT_EQ(Written(item.command), item.command);
             EXPECT_THAT(Written(kComment), HasSubstr(item.code));
         };
+        LogLines();
         ASSERT_TRUE(Session().SendPage(Current()));
+        EXPECT_THAT(LogLines(), Not(Contains(StartsWith("[Trace] hpres found"))));
         engine.onPageStart = [&] {
             EXPECT_EQ(Written(item.command), item.command);
         };  // patched to what it was

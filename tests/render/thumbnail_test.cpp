@@ -141,6 +141,15 @@ TEST(Thumbnail, OfAPageAsLargeAsTheDefaultLimitsIsItsOpaqueCopy) {
     EXPECT_EQ(memcmp(picture.rgba.data(), page.data(), picture.rgba.size()), 0);
 }
 
+TEST(Thumbnail, OfAPageALittleLargerThanTheDefaultLimitsIsHalfOfIt) {
+    const InstallationFixture installation;
+    LogCapture log;
+    Build(Gradient(801, 10), 801, 10);
+    EXPECT_THAT(log.TakeLines(), Contains("[Info]  scaled image 400x5 2"));
+    Build(Gradient(10, 601), 10, 601);
+    EXPECT_THAT(log.TakeLines(), Contains("[Info]  scaled image 5x300 2"));
+}
+
 TEST(Thumbnail, OfAPageThatIsReducedToNothingIsStillEncoded) {
     const InstallationFixture installation;
     LogCapture log;
