@@ -386,8 +386,10 @@ TEST_F(DeviceInstance, HasASurfaceAsLargeAsThePage) {
 }
 
 TEST_F(DeviceInstance, HasItsSurfaceDeletedOnce) {
+    mask = 3;
     DriverSession& session = Session();
     const auto device = Enable(Mode());
+    LogLines();
     const auto deletions = [&] { return session.Graphics().Calls(EngineService::DeleteSurface); };
     EXPECT_EQ(session.Graphics().LiveSurfaces(), 1u);
     session.Hooks().disableSurface(device->Instance());
@@ -395,6 +397,8 @@ TEST_F(DeviceInstance, HasItsSurfaceDeletedOnce) {
     EXPECT_EQ(session.Graphics().LiveSurfaces(), 0u);
     EXPECT_EQ(deletions(), 1u);
     EXPECT_EQ(InstanceOf(*device).hSurface, nullptr);
+    EXPECT_THAT(LogLines(), ElementsAre("[Trace] <DrvDisableSurface>", "[Trace] </DrvDisableSurface>",
+                                        "[Trace] <DrvDisableSurface>", "[Trace] </DrvDisableSurface>"));
     SetLastError(0);
     session.Hooks().disableSurface(nullptr);
     EXPECT_EQ(GetLastError(), 0u);  // silent, unlike the other hooks

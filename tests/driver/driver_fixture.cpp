@@ -49,6 +49,7 @@ DriverSession& DriverTest::Restart(EngineSource source) {
 void DriverTest::Unload() {
     if (!session_) return;
     EXPECT_THAT(LeftOnHeap(), testing::IsEmpty());
+    EXPECT_THAT(session_->Graphics().Complaints(), testing::IsEmpty());
     log_.reset();
     heap_.reset();
     session_.reset();

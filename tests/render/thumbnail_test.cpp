@@ -59,6 +59,7 @@ TEST(ThumbnailScale, IsGovernedByTheSideThatExceedsItsLimitByMore) {
 
 TEST(ThumbnailScale, ChecksOnlyTheGoverningSide) {
     EXPECT_EQ(ThumbnailScale(1000, 1000, 300, 999), 2);
+    EXPECT_EQ(ThumbnailScale(3204, 2403, 800, 600), 2);  // the height when both exceed their limits alike
 }
 
 TEST(ThumbnailScale, TruncatesALimitWithAFraction) {
