@@ -37,11 +37,8 @@ HeapArray<WCHAR> GetInstallationFolder() {
         SetLastError(kErrorPathAllocation);
         return nullptr;
     }
-    if (BuildInstallationPath(path.get())) return path;
-    const DWORD code = GetLastError();
-    path.reset();
-    SetLastError(code);
-    return nullptr;
+    if (!BuildInstallationPath(path.get())) return nullptr;
+    return path;
 }
 
 HANDLE OpenInstallationFile(const WCHAR* folder, const WCHAR* name) {

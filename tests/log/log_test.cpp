@@ -20,6 +20,8 @@ using testing::StartsWith;
 
 namespace {
 
+const uint32_t maskAtStart = logMask;
+
 constexpr uintmax_t kMaxLogBytes = 104857600;
 
 fs::path Backup(int number) {
@@ -52,21 +54,27 @@ void WriteOneLine() {
     LogError("line");
 }
 
-// Notes how the log is opened.
+// Notes how files are opened.
 class OpenWatch {
   public:
+    struct Opening {
+        std::string path;
+        DWORD access, share, flags;
+        bool operator==(const Opening&) const = default;
+    };
+
     OpenWatch() : patch_(nullptr, "CreateFileA", reinterpret_cast<void*>(&Open)) {
-        flags.clear();
+        openings.clear();
         original_ = reinterpret_cast<decltype(&CreateFileA)>(patch_.Original());
     }
 
-    static inline std::vector<DWORD> flags;
+    static inline std::vector<Opening> openings;
 
   private:
     static HANDLE WINAPI Open(LPCSTR path, DWORD access, DWORD share, SECURITY_ATTRIBUTES* security,
-                              DWORD disposition, DWORD flag, HANDLE templateFile) {
-        if (path == LogPathText()) flags.push_back(flag);
-        return original_(path, access, share, security, disposition, flag, templateFile);
+                              DWORD disposition, DWORD flags, HANDLE templateFile) {
+        openings.push_back({path, access, share, flags});
+        return original_(path, access, share, security, disposition, flags, templateFile);
     }
 
     static inline decltype(&CreateFileA) original_ = nullptr;
@@ -122,6 +130,34 @@ TEST(LogPath, IsMissingWhenTheModuleNameCannotBeHad) {
     EXPECT_EQ(GetLogPath(), nullptr);
 }
 
+namespace {
+
+std::string moduleName;
+
+// Cuts the name at the buffer's end as the system does, without a terminator and without an error.
+DWORD WINAPI AnswerModuleName(HMODULE, LPSTR buffer, DWORD capacity) {
+    const auto length = static_cast<DWORD>(std::min<size_t>(moduleName.size(), capacity));
+    memcpy(buffer, moduleName.data(), length);
+    if (length < capacity) buffer[length] = '\0';
+    return length;
+}
+
+}  // namespace
+
+TEST(LogPath, IsMissingForAModuleNameThatIsTooShortOrCut) {
+    const ImportPatch patch(nullptr, "GetModuleFileNameA", reinterpret_cast<void*>(&AnswerModuleName));
+    for (const char* name : {"", "\\", "\\a", "\\ab"}) {
+        moduleName = name;
+        EXPECT_EQ(GetLogPath(), nullptr) << name;
+    }
+    moduleName = "\\abc";
+    EXPECT_EQ(LogPathText(), "c:\\temp\\txt");
+    moduleName = "\\" + std::string(254, 'a') + ".dll";
+    EXPECT_EQ(LogPathText(), "c:\\temp\\" + std::string(254, 'a') + ".txt") << "of 259 characters";
+    moduleName = "\\" + std::string(255, 'a') + ".dll";
+    EXPECT_EQ(GetLogPath(), nullptr) << "of 260";
+}
+
 TEST(LogMask, ComesFromTheControlFileAsADecimalNumber) {
     struct Case {
         const char* text;
@@ -134,6 +170,30 @@ TEST(LogMask, ComesFromTheControlFileAsADecimalNumber) {
         LoadLogMask();
         EXPECT_EQ(logMask, item.mask) << item.text;
     }
+}
+
+TEST(LogMask, IsZeroBeforeAnyControlFileIsRead) {
+    EXPECT_EQ(maskAtStart, 0u);
+}
+
+TEST(LogMask, IsReadFromTheFirst63BytesOfAFileThatOthersMayWrite) {
+    const LogCapture log(0);
+    WriteBytes(LogControlFile(), std::string(62, '0') + "39");
+    const OpenWatch watch;
+    LoadLogMask();
+    EXPECT_EQ(logMask, 3u);
+    ASSERT_EQ(OpenWatch::openings.size(), 1u);
+    EXPECT_EQ(OpenWatch::openings[0].access, DWORD{GENERIC_READ});
+    EXPECT_EQ(OpenWatch::openings[0].share, DWORD{FILE_SHARE_READ | FILE_SHARE_WRITE});
+}
+
+TEST(LogMask, IsZeroWhenTheControlFileCannotBeRead) {
+    const LogCapture log(3);
+    const ImportPatch failure(nullptr, "ReadFile",
+                              reinterpret_cast<void*>(+[](HANDLE, LPVOID, DWORD, LPDWORD, LPOVERLAPPED)
+                                                           WINAPI -> BOOL { return FALSE; }));
+    LoadLogMask();
+    EXPECT_EQ(logMask, 0u);
 }
 
 TEST(LogMask, IsZeroWithoutAControlFileAndNoLogIsEverMade) {
@@ -336,7 +396,10 @@ TEST(LogWriter, OpensALinkInTheLogsPlaceInsteadOfWhatItLeadsTo) {
     const LogCapture log;
     const OpenWatch watch;
     WriteOneLine();
-    EXPECT_THAT(OpenWatch::flags, ElementsAre(FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT));
+    EXPECT_THAT(OpenWatch::openings,
+                ElementsAre(OpenWatch::Opening{LogPathText(), FILE_APPEND_DATA | SYNCHRONIZE,
+                                               FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                               FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT}));
 }
 
 TEST(LogWriter, LeavesAloneWhatALinkPlantedInTheLogsPlaceLeadsTo) {
@@ -379,7 +442,11 @@ TEST(LogRotation, KeepsNineBackupsAndDeletesTheOldest) {
     WriteOneLine();
     EXPECT_EQ(fs::file_size(Backup(1)), kMaxLogBytes + 1);
     for (int i = 2; i <= 9; ++i) EXPECT_EQ(ReadBytes(Backup(i)), std::to_string(i - 1));
-    EXPECT_FALSE(fs::exists(Backup(10)));
+    const std::string stem = LogFile().stem().string() + ".";
+    const auto isOfThisLog = [&stem](const fs::directory_entry& entry) {
+        return entry.path().filename().string().starts_with(stem) && entry.path().extension() == ".txt";
+    };
+    EXPECT_EQ(std::count_if(fs::directory_iterator(LogFile().parent_path()), {}, isOfThisLog), 1 + 9);
 }
 
 TEST(LogRotation, ShiftsOnlyUpToTheFirstGap) {
@@ -392,6 +459,18 @@ TEST(LogRotation, ShiftsOnlyUpToTheFirstGap) {
     EXPECT_EQ(ReadBytes(Backup(3)), "2");
     EXPECT_FALSE(fs::exists(Backup(4)));
     EXPECT_EQ(ReadBytes(Backup(5)), "5");
+}
+
+TEST(LogRotation, LeavesNamesWithoutANumberAlone) {
+    const ScratchFolder scratch;
+    for (const char* name : {"log", ".txt"}) {
+        const fs::path before = fs::current_path();
+        fs::current_path(scratch.Path());
+        WriteBytes(name, "kept");
+        RotateLogFile(name);
+        EXPECT_EQ(ReadBytes(name), "kept") << name;
+        fs::current_path(before);
+    }
 }
 
 TEST(LogRotation, KeepsGrowingTheLogWhenItCannotBeRenamed) {

@@ -145,7 +145,19 @@ TEST(InstallationFile, OpensForSharedReadingOnlyWhatExists) {
     EXPECT_TRUE(first);
     EXPECT_TRUE(second);
     EXPECT_EQ(OpenInstallationFile(folder.get(), L"absent.inf"), INVALID_HANDLE_VALUE);
+}
+
+TEST(InstallationFile, IsNotLookedForWithoutAFolder) {
+    static bool looked;
+    looked = false;
+    const ImportPatch open(nullptr, "CreateFileW",
+                           reinterpret_cast<void*>(+[](LPCWSTR, DWORD, DWORD, SECURITY_ATTRIBUTES*, DWORD,
+                                                       DWORD, HANDLE) WINAPI -> HANDLE {
+                               looked = true;
+                               return INVALID_HANDLE_VALUE;
+                           }));
     EXPECT_EQ(OpenInstallationFile(nullptr, L"media.inf"), INVALID_HANDLE_VALUE);
+    EXPECT_FALSE(looked);
 }
 
 TEST_F(PrinterDriverName, IsCopiedFromTheDriversRecord) {
@@ -170,6 +182,14 @@ TEST_F(PrinterDriverName, IsUnknownWhenTheSpoolerNeedsNoRoomForIt) {
     driver.needed = 0;
     EXPECT_EQ(Name(), u"(none)");
     EXPECT_EQ(driver.calls, 1);
+}
+
+TEST_F(PrinterDriverName, MayLieOutsideTheRecord) {
+    driver.needed = sizeof(DRIVER_INFO_3W);
+    EXPECT_EQ(Name(), u"Orvex Series");
+    driver.calls = 0;
+    driver.needed = sizeof(DRIVER_INFO_3W) - 1;
+    EXPECT_EQ(Name(), u"(none)");
 }
 
 TEST_F(PrinterDriverName, IsUnknownWhenTheRecordHasNone) {
