@@ -83,7 +83,6 @@ std::string_view ReadMediaFile(const WCHAR* folder, char (&buffer)[kMaxFileBytes
     DWORD read = 0;
     if (!ReadFile(file.Get(), buffer, sizeof buffer, &read, nullptr) || read == 0) {
         LogError("media.inf empty");
-        return {};
     }
     return {buffer, TextLength(buffer, read)};
 }

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <limits>
 #include <string>
 
@@ -27,6 +28,55 @@ TEST(LogFormat, WritesIntegersAsPrintfDoes) {
     EXPECT_EQ(Format("%d|%5d|%-5d|%05d|%+d|%.3d", -3, 42, 42, 42, 42, 7), "-3|   42|42   |00042|+42|007");
     EXPECT_EQ(Format("%x|%X|%#x|%o|%u|%lu", 255, 255, 255, 8, 4000000000u, 4000000000u),
               "ff|FF|0xff|10|4000000000|4000000000");
+}
+
+TEST(LogFormat, WritesEveryWidthPrecisionAndFlagAsPrintfDoes) {
+    const auto printed = [](const std::string& format, auto value) {
+        char text[256];
+        snprintf(text, sizeof text, format.c_str(), value);
+        return std::string(text);
+    };
+    for (const std::string flags : {"", "-", "+", " ", "0", "#", "-+", "+0", "++ #0"}) {
+        for (const std::string width : {"", "1", "9", "10", "20", "105"}) {
+            for (const std::string precision : {"", ".", ".0", ".1", ".10", ".19"}) {
+                const std::string start = "%" + flags + width + precision;
+                for (const int value : {0, 7, -42, 1234567890}) {
+                    for (const char type : {'d', 'i'}) {
+                        EXPECT_EQ(Format((start + type).c_str(), value), printed(start + type, value));
+                    }
+                    for (const char type : {'u', 'x', 'X', 'o'}) {
+                        EXPECT_EQ(Format((start + type).c_str(), value),
+                                  printed(start + type, static_cast<unsigned>(value)));
+                    }
+                }
+                for (const double value : {0.0, -2.5, 1e10, 1.0 / 3}) {
+                    for (const char type : {'e', 'f', 'g', 'E', 'G'}) {
+                        EXPECT_EQ(Format((start + type).c_str(), value), printed(start + type, value));
+                    }
+                }
+                if (flags.empty() || flags == "-") {
+                    EXPECT_EQ(Format((start + "s").c_str(), "a text"), printed(start + "s", "a text"));
+                    EXPECT_EQ(Format((start + "S").c_str(), L"a text"), printed(start + "s", "a text"));
+                }
+            }
+        }
+    }
+    for (const char* format : {"%c", "%3c", "%-10c", "%40c"}) {
+        EXPECT_EQ(Format(format, 'q'), printed(format, 'q'));
+    }
+    EXPECT_EQ(Format("%20p|%-20p|", static_cast<const void*>(nullptr), static_cast<const void*>(nullptr)),
+              "    0000000000000000|0000000000000000    |");
+}
+
+TEST(LogFormat, TakesTheFirstFiveFlags) {
+    EXPECT_EQ(Format("%++++05d|%+++++05d", 7, 7), "+0007|   +7");
+}
+
+TEST(LogFormat, WritesNoFieldWiderThan512Characters) {
+    EXPECT_EQ(Format("%600d", 1), std::string(511, ' ') + "1");
+    EXPECT_EQ(Format("%.99999999999d", 1), std::string(511, '0') + "1");
+    EXPECT_EQ(Format("%-513s|", "a"), "a" + std::string(511, ' ') + "|");
+    EXPECT_EQ(Format("%.600s", std::string(600, 'a').c_str()), std::string(512, 'a'));
 }
 
 TEST(LogFormat, TakesIntegersAs32BitsUnlessTheConversionIsWider) {
@@ -96,5 +146,6 @@ TEST(LogFormat, ShowsAQuestionMarkForAnArgumentThatDoesNotFit) {
     EXPECT_EQ(Format("%c %p", "text", "text"), "? ?");
     EXPECT_EQ(Format("%d %d", 1), "1 ?");
     EXPECT_EQ(Format("%q", 1), "?");
+    EXPECT_EQ(Format("%~d %1:d", 1, 1), "?d ?d");
     EXPECT_EQ(Format("ends with %"), "ends with ?");
 }

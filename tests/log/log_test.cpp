@@ -338,7 +338,7 @@ TEST(LogWriter, DropsOneLineAfterAThreadThatEndedWithTheMutexAndGoesOn) {
     const HANDLE mutex = CreateMutexA(nullptr, FALSE, name.c_str());
     std::thread([mutex] { EXPECT_EQ(WaitForSingleObject(mutex, 0), WAIT_OBJECT_0); }).join();
     LogInfo("dropped");
-    LogInfo("written");
+    std::thread([] { LogInfo("written"); }).join();
     EXPECT_THAT(log.TakeLines(), ElementsAre("[Info]  written"));
     EXPECT_TRUE(CloseHandle(mutex));
 }
@@ -459,6 +459,20 @@ TEST(LogRotation, ShiftsOnlyUpToTheFirstGap) {
     EXPECT_EQ(ReadBytes(Backup(3)), "2");
     EXPECT_FALSE(fs::exists(Backup(4)));
     EXPECT_EQ(ReadBytes(Backup(5)), "5");
+}
+
+TEST(LogRotation, LeavesAnOldestBackupThatCannotBeDeleted) {
+    const ScratchFolder scratch;
+    const fs::path before = fs::current_path();
+    fs::current_path(scratch.Path());
+    WriteBytes("log.9.txt", "kept");
+    {
+        const ImportPatch failure(nullptr, "DeleteFileA",
+                                  reinterpret_cast<void*>(+[](LPCSTR) WINAPI -> BOOL { return FALSE; }));
+        RotateLogFile("log.9.txt");
+    }
+    EXPECT_EQ(ReadBytes("log.9.txt"), "kept");
+    fs::current_path(before);
 }
 
 TEST(LogRotation, LeavesNamesWithoutANumberAlone) {
