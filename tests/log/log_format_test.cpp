@@ -61,7 +61,7 @@ TEST(LogFormat, WritesEveryWidthPrecisionAndFlagAsPrintfDoes) {
             }
         }
     }
-    for (const char* format : {"%c", "%3c", "%-10c", "%40c"}) {
+    for (const char* format : {"%c", "%2c", "%-10c", "%40c"}) {
         EXPECT_EQ(Format(format, 'q'), printed(format, 'q'));
     }
     EXPECT_EQ(Format("%20p|%-20p|", static_cast<const void*>(nullptr), static_cast<const void*>(nullptr)),
@@ -109,6 +109,16 @@ TEST(LogFormat, WritesWideTextAsUtf8) {
     EXPECT_EQ(Format("%S", lone),
               "a\xEF\xBF\xBD"
               "b");
+}
+
+TEST(LogFormat, WritesLongTextsOfWideCharacters) {
+    std::u16string text;
+    std::string expected;
+    for (int i = 0; i < 200; ++i) {
+        text += u'\u20AC';
+        expected += "\xE2\x82\xAC";
+    }
+    EXPECT_EQ(Format("%S", WideView{reinterpret_cast<const WCHAR*>(text.data()), text.size()}), expected);
 }
 
 TEST(LogFormat, KeepsLongWideTextsWholeAroundSurrogatePairs) {
