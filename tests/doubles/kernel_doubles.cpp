@@ -110,7 +110,11 @@ DOUBLE(INT, WideCharToMultiByte,
        (UINT page, DWORD flags, LPCWSTR wide, INT length, LPSTR narrow, INT capacity, LPCSTR fallback,
         LPBOOL used),
        (page, flags, wide, length, narrow, capacity, fallback, used)) {
-    (void)page, (void)flags, (void)fallback, (void)used;
+    (void)page, (void)fallback, (void)used;
+    if (flags != 0) {  // that UTF-8 does not take
+        SetLastError(ERROR_INVALID_FLAGS);
+        return 0;
+    }
     const std::string text =
         length < 0 ? doubles::Utf8(wide) + '\0' : doubles::Utf8(wide, static_cast<size_t>(length));
     if (capacity == 0) return static_cast<INT>(text.size());
@@ -125,7 +129,11 @@ DOUBLE(INT, WideCharToMultiByte,
 DOUBLE(INT, MultiByteToWideChar,
        (UINT page, DWORD flags, LPCSTR narrow, INT length, LPWSTR wide, INT capacity),
        (page, flags, narrow, length, wide, capacity)) {
-    (void)page, (void)flags;
+    (void)page;
+    if (flags != 0) {
+        SetLastError(ERROR_INVALID_FLAGS);
+        return 0;
+    }
     const std::u16string text = doubles::Utf16(length < 0 ? std::string(narrow, strlen(narrow) + 1)
                                                           : std::string(narrow, static_cast<size_t>(length)));
     if (capacity == 0) return static_cast<INT>(text.size());

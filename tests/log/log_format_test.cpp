@@ -109,6 +109,8 @@ TEST(LogFormat, WritesWideTextAsUtf8) {
     EXPECT_EQ(Format("%S", lone),
               "a\xEF\xBF\xBD"
               "b");
+    const WCHAR last[] = {'a', 0xD800, 0};
+    EXPECT_EQ(Format("%S", last), "a\xEF\xBF\xBD");
 }
 
 TEST(LogFormat, WritesLongTextsOfWideCharacters) {
@@ -118,6 +120,10 @@ TEST(LogFormat, WritesLongTextsOfWideCharacters) {
         text += u'\u20AC';
         expected += "\xE2\x82\xAC";
     }
+    EXPECT_EQ(Format("%S", WideView{reinterpret_cast<const WCHAR*>(text.data()), text.size()}), expected);
+    // A pair across the place where most texts are cut, behind as many bytes as there can be.
+    text.replace(63, 1, u"\xD83D\xDE00");
+    expected.replace(63 * 3, 3, "\xF0\x9F\x98\x80");
     EXPECT_EQ(Format("%S", WideView{reinterpret_cast<const WCHAR*>(text.data()), text.size()}), expected);
 }
 
@@ -156,6 +162,6 @@ TEST(LogFormat, ShowsAQuestionMarkForAnArgumentThatDoesNotFit) {
     EXPECT_EQ(Format("%c %p", "text", "text"), "? ?");
     EXPECT_EQ(Format("%d %d", 1), "1 ?");
     EXPECT_EQ(Format("%q", 1), "?");
-    EXPECT_EQ(Format("%~d %1:d", 1, 1), "?d ?d");
+    EXPECT_EQ(Format("%~d %1:d ~", 1, 1), "?d ?d ~");
     EXPECT_EQ(Format("ends with %"), "ends with ?");
 }
