@@ -5,6 +5,7 @@
 #include <cstring>
 #include <string>
 #include <string_view>
+#include <vector>
 
 TEST(Text, FieldsWithoutATerminatorAreReadUpToTheirSize) {
     const char full[3] = {'a', 'b', 'c'};
@@ -71,6 +72,36 @@ TEST(Text, NarrowsWhatStandsAroundALoneSurrogate) {
     EXPECT_EQ(narrow[0], 'a');
 }
 
+TEST(Text, NarrowsCharacterByCharacterUntilOneDoesNotFit) {
+    constexpr WCHAR kUnits[] = {'a', 0xD83D, 0xDE00, 0x20AC};
+    for (int choice = 0; choice < 4 * 4 * 4 * 4; ++choice) {
+        const std::vector<WCHAR> text = {kUnits[choice & 3], kUnits[choice >> 2 & 3], kUnits[choice >> 4 & 3],
+                                         kUnits[choice >> 6]};
+        for (size_t size = 0; size <= text.size(); ++size) {
+            const std::vector<WCHAR> part(text.begin(), text.begin() + static_cast<ptrdiff_t>(size));
+            std::vector<std::string> characters;
+            for (size_t i = 0; i < size; ++i) {
+                const bool paired = i > 0 && part[i - 1] == 0xD83D && part[i] == 0xDE00;
+                char narrow[8] = {};
+                WideCharToMultiByte(CP_ACP, 0, &part[paired ? i - 1 : i], paired ? 2 : 1, narrow, 7, nullptr,
+                                    nullptr);
+                if (paired) characters.pop_back();
+                characters.emplace_back(narrow);
+            }
+            for (size_t capacity = 1; capacity < 16; ++capacity) {
+                std::string expected;
+                for (const std::string& character : characters) {
+                    if (expected.size() + character.size() >= capacity) break;
+                    expected += character;
+                }
+                std::vector<char> narrow(capacity, 'x');
+                ASSERT_EQ(NarrowText(narrow.data(), capacity, {part.data(), size}), expected.size());
+                ASSERT_EQ(narrow.data(), expected) << choice << " " << size << " " << capacity;
+            }
+        }
+    }
+}
+
 TEST(Text, LeavesAFieldOfNoSizeAlone) {
     EXPECT_EQ(WidenText(nullptr, 0, "a"), 0u);
     CopyText(static_cast<char*>(nullptr), 0, "a");
@@ -82,6 +113,8 @@ TEST(Text, WidensAndCutsAtTheCapacity) {
     EXPECT_EQ(WidenText(wide, 4, "abcdef"), 3u);
     EXPECT_TRUE(SameText({wide, 3}, {L"abc", 3}));
     EXPECT_EQ(wide[3], 0);
+    EXPECT_EQ(WidenText(wide, 4, "a"), 1u);
+    EXPECT_TRUE(SameText({wide, TextLength(wide)}, {L"a", 1}));
     EXPECT_EQ(WidenText(wide, 4, ""), 0u);
     EXPECT_EQ(wide[0], 0);
 }

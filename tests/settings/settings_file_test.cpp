@@ -147,6 +147,16 @@ TEST_F(SettingsFile, OfSeveralCutValuesTheLastOneCounts) {
     EXPECT_EQ(Value("Key=", 7), "ABCDEF");
 }
 
+TEST_F(SettingsFile, AnEmptyValueDoesNotReplaceOneThatWasCut) {
+    installation_.WriteSettings("[UI]\nKey=abcdefgh\nKey=");
+    EXPECT_EQ(Value("Key=", 7), "abcdef");
+}
+
+TEST_F(SettingsFile, AnySignsMayStandInAValue) {
+    installation_.WriteSettings("[UI]\nKey=~a~[b]=\"\n");
+    EXPECT_EQ(Value(), "~a~[b]=\"\n");
+}
+
 TEST_F(SettingsFile, ABufferOfOneByteHoldsNoValue) {
     installation_.WriteSettings("[UI]\nKey=abc\n");
     EXPECT_EQ(Value("Key=", 1), "");
@@ -251,7 +261,10 @@ TEST_F(SettingsFile, AFileThatCannotBeReadHoldsNothing) {
 }
 
 TEST_F(SettingsFile, AFileThatCannotBeMovedInEndsTheSearch) {
-    installation_.WriteSettings("[UI]\nKey=1\n");
+    // Without the move the next piece would begin with the key.
+    const std::string section = "[UI]\n";
+    installation_.WriteSettings(section + std::string(kPiece - section.size(), '\n') + "Key=1\n");
+    EXPECT_EQ(Value(), "1\n");
     const ImportPatch files(nullptr, "SetFilePointerEx", reinterpret_cast<void*>(&FailToSeek));
     EXPECT_EQ(Value(), "");
 }
@@ -267,11 +280,14 @@ TEST_F(SettingsFile, AFlagIsOnWhenItsNumberIsAboveZero) {
     const struct {
         const char* value;
         int flag;
-    } kCases[] = {{"0", 0},  {"-1", 0}, {"1", 1}, {"7", 1},           {" 1", 1},  {"yes", 0},
-                  {"+2", 1}, {"1x", 1}, {"", 0},  {"99999999999", 1}, {"0.9", 0}, {"-99999999999", 0}};
+    } kCases[] = {{"0", 0},   {"-1", 0},           {"1", 1},  {"7", 1}, {" 1", 1},
+                  {"yes", 0}, {"+2", 1},           {"1x", 1}, {"", 0},  {"99999999999", 1},
+                  {"0.9", 0}, {"-99999999999", 0}, {"a", 0}};
     for (const auto& each : kCases) {
         installation_.WriteSettings("[Driver]\r\nAdd_Thumb=" + std::string(each.value) + "\r\n");
         EXPECT_EQ(LookupFlag("[Driver]", "Add_Thumb="), each.flag) << each.value;
+        installation_.WriteSettings("[Driver]\r\nAdd_Thumb=" + std::string(each.value));
+        EXPECT_EQ(LookupFlag("[Driver]", "Add_Thumb="), each.flag) << each.value << " at the file's end";
     }
 }
 
