@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "host/import_patch.h"
 #include "tests/support/scratch_folder.h"
 
 namespace {
@@ -64,6 +65,29 @@ TEST_F(BlockReaderTest, ReadsFromWhereItWasTold) {
     reader_->Seek(kFileSize + 7);
     ExpectRead(20, kFileSize + 7, 0);
     EXPECT_FALSE(reader_->Failed());
+}
+
+TEST_F(BlockReaderTest, ReadsNoMoreAfterAFailedRead) {
+    {
+        const ImportPatch failure(nullptr, "ReadFile",
+                                  reinterpret_cast<void*>(+[](HANDLE, LPVOID, DWORD, LPDWORD, LPOVERLAPPED)
+                                                               WINAPI -> BOOL { return FALSE; }));
+        ExpectRead(10, 0, 0);
+    }
+    EXPECT_TRUE(reader_->Failed());
+    ExpectRead(10, 0, 0);
+    ExpectRead(40000, 0, 0);
+}
+
+TEST_F(BlockReaderTest, ReadsNoMoreAfterAFailedMove) {
+    {
+        const ImportPatch failure(nullptr, "SetFilePointerEx",
+                                  reinterpret_cast<void*>(+[](HANDLE, LARGE_INTEGER, PLARGE_INTEGER, DWORD)
+                                                               WINAPI -> BOOL { return FALSE; }));
+        reader_->Seek(5);
+    }
+    EXPECT_TRUE(reader_->Failed());
+    ExpectRead(10, 5, 0);
 }
 
 TEST_F(BlockReaderTest, OfNoFileHasNoSize) {
