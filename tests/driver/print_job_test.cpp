@@ -316,12 +316,15 @@ TEST_F(PrintJob, NumbersItsPagesBeforeAnyCheck) {
 
 TEST_F(PrintJob, TakesNoMorePagesWhileTheInstanceSaysSo) {
     const auto device = StartPage(Mode());
-    InstanceOf(*device).flags |= PDEV_NO_MORE_PAGES;
+    uint32_t& flags = InstanceOf(*device).flags;
+    const uint32_t before = flags;
+    flags |= 0x8;
     SetLastError(0);
     EXPECT_FALSE(Session().StartPage(*device));
     EXPECT_EQ(GetLastError(), 0u);
-    InstanceOf(*device).flags &= ~static_cast<uint32_t>(PDEV_NO_MORE_PAGES);
+    flags = ~0x8u;
     EXPECT_TRUE(Session().StartPage(*device));
+    flags = before;
     Session().EndDoc(*device);
 }
 

@@ -318,6 +318,25 @@ TEST(LogWriter, LosesTheLineWhenTheLogCannotBeOpenedAndLeavesTheMutexOwned) {
     EXPECT_FALSE(CloseHandle(MutexWatch::last));  // a line that was written closes it
 }
 
+TEST(LogWriter, DoesTheSameWhenTheLogCannotBeOpenedAfterItsRotation) {
+    const BackupsRemoved backups;
+    LogCapture log;
+    MakeLogOfSize(kMaxLogBytes + 1);
+    const MutexWatch watch;
+    {
+        // In place of the log, which was moved away, there is a folder by the time that it is opened anew.
+        const ImportPatch move(nullptr, "MoveFileA",
+                               reinterpret_cast<void*>(+[](LPCSTR, LPCSTR) WINAPI -> BOOL {
+                                   fs::rename(LogFile(), Backup(1));
+                                   return fs::create_directory(LogFile()) ? TRUE : FALSE;
+                               }));
+        WriteOneLine();
+    }
+    fs::remove(LogFile());
+    EXPECT_TRUE(ReleaseMutex(MutexWatch::last));
+    EXPECT_TRUE(CloseHandle(MutexWatch::last));
+}
+
 TEST(LogWriter, DropsTheLineWhenAnotherThreadHoldsTheMutex) {
     LogCapture log;
     std::string name = LogPathText();
