@@ -13,9 +13,9 @@ constexpr signed char kDefaultResolutionCode = 0x30;
 // 1 while a profile or the generic conversion is in place, 0 during a load and before the first one.
 extern int32_t g_profileLoaded;
 
-// Reads the profile at `path` into `cache`, 2^24 entries on a 16-byte boundary, which are worth nothing after a
-// failure. Writes the engine's resolution code, kDefaultResolutionCode unless the profile says otherwise, and
-// the profile's name into `name` of `nameSize` bytes, both as far as the reading got. A relative path
+// Reads the profile at `path` into `cache`, 2^24 entries on a 16-byte boundary, which are worth nothing after
+// a failure. Writes the engine's resolution code, kDefaultResolutionCode unless the profile says otherwise,
+// and the profile's name into `name` of `nameSize` bytes, both as far as the reading got. A relative path
 // "profiles\..." is opened only when a bare file name follows. Returns the profile's version, 1 to 5, or 0 on
 // any failure; each has its line in the log.
 int32_t ReadProfile(const char* path, char* name, size_t nameSize, bool at600Dpi, uint32_t* cache,

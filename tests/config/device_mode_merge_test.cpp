@@ -254,8 +254,8 @@ TEST_F(Merging, ANameOfOneCharacterIsTracedAsAProfile) {
     DeviceMode source = PrinterRecord();
     CopyText(source.priv.colorProfile, FieldText(L"c"));
     EXPECT_TRUE(MergeDevMode(&destination, &source.pub, handle_));
-    EXPECT_THAT(LinesWithDumpsFolded(), AllOf(Contains("[Trace] pdmDest profile [n] 1"),
-                                              Contains("[Trace] pdmSrc profile [c] 1")));
+    EXPECT_THAT(LinesWithDumpsFolded(),
+                AllOf(Contains("[Trace] pdmDest profile [n] 1"), Contains("[Trace] pdmSrc profile [c] 1")));
 }
 
 TEST_F(Merging, WhatFollowsAnEmptyProfilesNameStaysAsItIs) {

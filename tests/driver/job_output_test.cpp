@@ -1,6 +1,6 @@
 #include "driver/device_instance.h"
-#include "tests/color/profile_bytes.h"
 #include "driver/job_state.h"
+#include "tests/color/profile_bytes.h"
 #include "tests/driver/driver_fixture.h"
 #include "tests/support/picture.h"
 
