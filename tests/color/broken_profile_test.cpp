@@ -24,8 +24,12 @@ std::string VersionLine(int version) {
     return std::string("[Info]  Profile version:").append(std::to_string(version));
 }
 
-BOOL WINAPI FailToMeasure(HANDLE, PLARGE_INTEGER) {
-    return FALSE;
+// Fails for files of this size alone: the log measures its file as well.
+LONGLONG unmeasurable;
+decltype(&GetFileSizeEx) originalMeasure;
+
+BOOL WINAPI FailToMeasure(HANDLE file, PLARGE_INTEGER size) {
+    return originalMeasure(file, size) && size->QuadPart != unmeasurable;
 }
 
 BOOL WINAPI FailToSeek(HANDLE, LARGE_INTEGER, PLARGE_INTEGER, DWORD) {
@@ -63,11 +67,17 @@ TEST_F(BrokenProfile, ShorterThanItsHeaderIsRejected) {
 }
 
 TEST_F(BrokenProfile, WhoseLengthCanNotBeToldIsRejected) {
-    const std::string path = PathOf(SmallProfile(NameTag("n")));
-    LogCapture log(0);  // the log measures its file as well
+    const std::string bytes = SmallProfile(NameTag("n"));
     const ImportPatch patch(nullptr, "GetFileSizeEx", reinterpret_cast<void*>(&FailToMeasure));
-    EXPECT_EQ(Load(path), 1);
-    EXPECT_TRUE(HoldsGenericConversion(50));
+    originalMeasure = reinterpret_cast<decltype(&GetFileSizeEx)>(patch.Original());
+    unmeasurable = static_cast<LONGLONG>(bytes.size());
+    ExpectRejectedBytes(bytes, {"[Error] error reading file <path> 0"});
+}
+
+TEST_F(BrokenProfile, IsMentionedInALogOfErrorsAlone) {
+    LogCapture log(2);
+    Load((folder_.Path() / "none.zvp").string());
+    EXPECT_THAT(log.TakeLines(), ElementsAre("[Trace] <zvc_load_profile>", "[Trace] </zvc_load_profile>"));
 }
 
 TEST_F(BrokenProfile, WithAnotherMarkIsRejected) {

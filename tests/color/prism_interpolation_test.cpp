@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <memory>
 #include <numeric>
 #include <random>
 #include <vector>
@@ -141,13 +142,13 @@ TEST(PrismInterpolation, TakesMissingGridPointsFromTheTableAsItIsByThen) {
 }
 
 TEST(GridCopy, IsRefusedWhenAnyPointIsMissing) {
-    static GridCopy copy;
+    const auto copy = std::make_unique<GridCopy>();
     FillGrid(HalfInk);
-    EXPECT_TRUE(copy.Take(g_colorCache));
+    EXPECT_TRUE(copy->Take(g_colorCache));
     for (const uint32_t color : {0x000000u, 0x1020FFu, 0xFF0000u, 0xFFFFFFu}) {
         FillGrid(HalfInk);
         g_colorCache[color] = kNotComputed;
-        EXPECT_FALSE(copy.Take(g_colorCache)) << std::hex << color;
+        EXPECT_FALSE(copy->Take(g_colorCache)) << std::hex << color;
     }
 }
 

@@ -189,6 +189,32 @@ TEST_F(ProfileCatalogue, LeavesOutNamesThatAppearBetweenTheSearchesAndDoNotFit) 
     EXPECT_THAT(ListedTexts(files.get()), ElementsAre(u"film.zvp"));
 }
 
+TEST_F(ProfileCatalogue, LeavesOutANameThatIsACharacterTooLong) {
+    WriteProfile("film.zvp", NameTag("Film"));
+    static std::filesystem::path film;
+    film = installation_.Folder() / "profiles" / "film.zvp";
+    const SecondSearch renamed(+[] {
+        std::filesystem::rename(film, film.parent_path() / "films.zvp");
+        return true;
+    });
+    HeapArray<WCHAR> files;
+    EXPECT_EQ(Scan(&files), kScanned);
+    EXPECT_THAT(ListedTexts(files.get()), IsEmpty());
+}
+
+TEST_F(ProfileCatalogue, HasNoMoreNamesThanItMadeRoomFor) {
+    for (const char* file : {"b.zvp", "c.zvp", "d.zvp", "e.zvp"}) WriteProfile(file, NameTag("Name"));
+    static std::filesystem::path folder;
+    folder = installation_.Folder() / "profiles";
+    const SecondSearch grows(+[] {
+        for (const char* file : {"a.zvp", "f.zvp"}) WriteBytes(folder / file, "");
+        return true;
+    });
+    HeapArray<WCHAR> files;
+    EXPECT_EQ(Scan(&files), kScanned);
+    EXPECT_EQ(ListedTexts(files.get()).size(), 4u);
+}
+
 TEST_F(ProfileCatalogue, DoesNotMissFilesThatDisappearBetweenTheSearches) {
     WriteProfile("film.zvp", NameTag("Film"));
     WriteProfile("paper.zvp", NameTag("Paper"));
@@ -259,6 +285,11 @@ TEST_F(ProfileCatalogue, AppendsNamesToTheList) {
     EXPECT_THAT(ListedTexts(names.get()), ElementsAre(u"Film", u"none.zvp"));
 }
 
+TEST_F(ProfileCatalogue, ShowsANameOfOneLetter) {
+    WriteNames(u"[DEU]\r\nfilm.zvp=F\r\n");
+    EXPECT_EQ(NameOf(L"film.zvp"), u"F");
+}
+
 TEST_F(ProfileCatalogue, ShowsAProfileThatIsNoneByItsFileName) {
     installation_.Write("profiles/empty.zvp", "");
     installation_.Write("profiles/other.zvp", "PK\3\4 something else");
@@ -324,4 +355,14 @@ TEST_F(ProfileCatalogue, CutsFileNamesAt99Bytes) {
     const std::string file = std::string(150, 'f') + ".zvp";
     WriteProfile(file, ResolutionTag(1, 2));
     EXPECT_THAT(List(), ElementsAre(Pair(std::u16string(150, u'f') + u".zvp", std::u16string(99, u'f'))));
+}
+
+TEST_F(ProfileCatalogue, CutsThePartsOfAPathAt511Bytes) {
+    const std::u16string folder(512, u'd'), file(512, u'f');
+    LogCapture log(1);
+    HeapArray<WCHAR> names;
+    size_t bytes = 0;
+    EXPECT_EQ(GetQRVProfileName(AsWchar(file), &names, &bytes, AsWchar(folder), L"[DEU]"), 1);
+    EXPECT_EQ(log.TakeLines()[0], "[Error] GetQRVProfileName [" + std::string(512, 'f') + "] [" +
+                                      std::string(511, 'd') + "\\profiles\\" + std::string(511, 'f') + "]");
 }

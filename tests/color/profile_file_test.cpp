@@ -6,6 +6,14 @@ namespace {
 
 class ProfileFile : public ProfileFixture {};
 
+int32_t loadedWhileReading;
+decltype(&ReadFile) originalRead;
+
+BOOL WINAPI NoteAndRead(HANDLE file, LPVOID buffer, DWORD size, LPDWORD came, LPOVERLAPPED overlapped) {
+    loadedWhileReading = g_profileLoaded;
+    return originalRead(file, buffer, size, came, overlapped);
+}
+
 }  // namespace
 
 TEST_F(ProfileFile, OfVersion1FillsEveryEntryAtBothResolutions) {
@@ -73,6 +81,15 @@ TEST_F(ProfileFile, LogsALoadWithoutAnExitLineWhenItSucceeds) {
                             "[Info]  read_profile 5 -6 Coated"));
     EXPECT_EQ(code_, -6);
     EXPECT_STREQ(name_, "Coated");
+}
+
+TEST_F(ProfileFile, CountsAsLoadedWhenItIsReadWhole) {
+    const std::string path = PathOf(SmallProfile(NameTag("n")));
+    const ImportPatch patch(nullptr, "ReadFile", reinterpret_cast<void*>(&NoteAndRead));
+    originalRead = reinterpret_cast<decltype(&ReadFile)>(patch.Original());
+    g_profileLoaded = loadedWhileReading = 1;
+    EXPECT_EQ(Load(path), 5);  // it counts as loaded then
+    EXPECT_EQ(loadedWhileReading, 0);
 }
 
 TEST_F(ProfileFile, WithoutAPathIsTheGenericConversion) {

@@ -77,6 +77,13 @@ TEST_F(ProfileLanguage, OfTheSettingsIsSpanishByOneLetterUnlessItIsEnglish) {
     EXPECT_EQ(FromSettings("EN"), 5);
 }
 
+TEST_F(ProfileLanguage, OfTheSettingsMayBeOneLetterAtTheFilesEnd) {
+    installation_.WriteSettings("[UI]\r\nLanguage=E");
+    int flag = 0;
+    EXPECT_EQ(QRV_Get_Locale(&flag), 5);
+    EXPECT_EQ(flag, 1);
+}
+
 TEST_F(ProfileLanguage, OfTheSettingsNeedsEveryOtherLetter) {
     for (const char* value : {"DE", "DEX", "JP", "C", "eng", " DEU", "", "ZZZ"}) {
         EXPECT_EQ(FromSettings(value), kSystemIsJapanese) << value;
@@ -101,6 +108,13 @@ TEST_F(ProfileLanguage, OfTheSystemIsComparedWhole) {
     EXPECT_EQ(FromSystem(u"ESP"), 5);
     EXPECT_EQ(FromSystem(u"JPN"), 6);
     EXPECT_EQ(FromSystem(u"ENU"), 7);
+}
+
+TEST_F(ProfileLanguage, OfTheSystemMayHaveMoreLettersThanAreCompared) {
+    EXPECT_EQ(FromSystem(u"ENGX"), 1);
+    EXPECT_EQ(FromSystem(u"FRAX"), 2);
+    EXPECT_EQ(FromSystem(u"DEUX"), 3);
+    EXPECT_EQ(FromSystem(u"JPNX"), 6);
 }
 
 TEST_F(ProfileLanguage, OfTheSystemIsAmericanEnglishWhenItIsNotListed) {

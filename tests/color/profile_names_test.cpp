@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstring>
 #include <string>
 
 #include "tests/color/file_watch.h"
@@ -29,6 +30,16 @@ class ProfileNames : public testing::Test {
 
     InstallationFixture installation_;
 };
+
+BOOL WINAPI FailToSeek(HANDLE, LARGE_INTEGER, PLARGE_INTEGER, DWORD) {
+    return FALSE;
+}
+
+BOOL WINAPI FailToRead(HANDLE, LPVOID buffer, DWORD, LPDWORD came, LPOVERLAPPED) {
+    memcpy(buffer, "x", 2);
+    *came = 2;
+    return FALSE;
+}
 
 }  // namespace
 
@@ -69,6 +80,13 @@ TEST_F(ProfileNames, TakeASectionThatGoesOnBehindItsBracket) {
     EXPECT_EQ(Look(), u"");
 }
 
+TEST_F(ProfileNames, AreNotTakenFromALineThatBeginsTheirSection) {
+    Write(u"[DEU].zvp=x\n[DEU].zvp=y\n");
+    WCHAR name[8];
+    EXPECT_EQ(QRV_GetProfileFieldW(L"[DEU]", L"[DEU].zvp", name, 8), 0u);
+    EXPECT_EQ(name[0], 0);
+}
+
 TEST_F(ProfileNames, HaveExactKeys) {
     for (const char16_t* line : {u"A.zvp=x", u" a.zvp=x", u"a.zvp =x", u"a.zvpx=x", u"a.zvp", u"a.zvp:x"}) {
         Write(std::u16string(u"[DEU]\n") + line + u"\n");
@@ -100,6 +118,7 @@ TEST_F(ProfileNames, AreCutToTheBufferWhileABetterOneIsSought) {
     EXPECT_EQ(Look(1), u"");
     Write(u"[DEU]\r\na.zvp=12345\r\na.zvp=abcdef\r\na.zvp=xy\r\n");
     EXPECT_EQ(Look(5), u"xy");
+    EXPECT_EQ(Look(6), u"xy");  // one that fills the buffer counts as cut
     Write(u"[DEU]\r\na.zvp=12345\r\na.zvp=abcdef\r\n[ENG]\r\na.zvp=xy\r\n");
     EXPECT_EQ(Look(5), u"abcd");
 }
@@ -124,6 +143,26 @@ TEST_F(ProfileNames, FindLinesBehindLongOnes) {
 TEST_F(ProfileNames, EndWhereOneReadOfALineEnds) {
     Write(std::u16string(u"[DEU]\r\na.zvp=") + std::u16string(400, u'x') + u"\r\n");
     EXPECT_EQ(Look(), std::u16string(253 - 6, u'x'));
+}
+
+TEST_F(ProfileNames, GoOnWhereOneReadOfALineEnds) {
+    Write(std::u16string(u"[DEU]\r\n") + std::u16string(253, u'x') + u"a.zvp=Matt\r\n");
+    EXPECT_EQ(Look(), u"Matt");
+}
+
+TEST_F(ProfileNames, AreEmptyWhenTheFileCanNotBeSoughtIn) {
+    Write(u"[DEU]\r\na.zvp=Matt\r\n");
+    const ImportPatch patch(nullptr, "SetFilePointerEx", reinterpret_cast<void*>(&FailToSeek));
+    const FileWatch watch;
+    WCHAR name[8];
+    EXPECT_EQ(QRV_GetProfileFieldW(L"[DEU]", L"a.zvp", name, 8), 0u);
+    EXPECT_EQ(watch.Reads(), 0u);
+}
+
+TEST_F(ProfileNames, AreEmptyWhenTheFileCanNotBeRead) {
+    Write(u"[DEU]\r\na.zvp=Matt\r\n");
+    const ImportPatch patch(nullptr, "ReadFile", reinterpret_cast<void*>(&FailToRead));
+    EXPECT_EQ(Look(), u"");
 }
 
 TEST_F(ProfileNames, EndBeforeAZeroCharacter) {

@@ -124,8 +124,8 @@ TEST(ConvertRow, CountsThePatternByThePixelsPlaceNotByTheBlankOnes) {
 TEST(ConvertRow, LeavesBlankPixelsBlankWithoutKws) {
     FillForRows(kEntries);
     for (const uint32_t greyMode : {0u, 1u, 2u, 3u}) {
-        EXPECT_THAT(Convert({0xFFFFFF, 0xFFFFFF}, {.lightPattern = 1, .greyMode = greyMode}),
-                    ElementsAre(0, 0));
+        EXPECT_THAT(Convert({0xFFFFFF, 0, 0xFFFFFF}, {.lightPattern = 1, .greyMode = greyMode}),
+                    ElementsAre(0, testing::Ne(0u), 0));
     }
 }
 
@@ -188,6 +188,26 @@ TEST(ConvertRow, ConvertsABufferInPlace) {
     const std::vector<uint32_t> want = Convert(row, {.kws = 1});
     ConvertRow(row.data(), row.data(), 61, 1, 1, 0, 0);
     EXPECT_EQ(row, want);
+}
+
+TEST(ConvertRow, DoesNotLookAtWhatTheBufferHeld) {
+    FillForRows(kEntries);
+    std::vector<uint32_t> row(32, 0x123456);
+    std::fill(row.begin() + 16, row.end(), 0x654321);
+    const std::vector<uint32_t> want = Convert(row);
+    std::vector<uint32_t> inks(32, 0x123456);
+    ConvertRow(inks.data(), row.data(), 32, 1, 0, 0, kColour);
+    EXPECT_EQ(inks, want);
+    EXPECT_EQ(inks[31], g_colorCache[0x654321]);
+}
+
+TEST(ConvertRow, ReadsNothingAroundItsRow) {
+    FillForRows(kEntries);
+    for (const uint32_t length : RowLengths()) {
+        std::vector<uint32_t> row(length);
+        std::iota(row.begin(), row.end(), 0x123456);
+        EXPECT_EQ(Convert(row).back(), g_colorCache[row.back()]) << length;
+    }
 }
 
 TEST(ConvertRow, EqualsThePlainConversionForEveryKindModePatternAndLength) {
