@@ -121,10 +121,6 @@ const void* PrivatePart(const DEVMODEW* record) {
     return reinterpret_cast<const BYTE*>(record) + record->dmSize;
 }
 
-void* PrivatePart(DEVMODEW* record) {
-    return reinterpret_cast<BYTE*>(record) + record->dmSize;
-}
-
 DeviceMode LoadDevMode(const DEVMODEW* record) {
     DeviceMode values = {};
     memcpy(&values.pub, record, std::min<size_t>(record->dmSize, sizeof values.pub));
@@ -133,7 +129,8 @@ DeviceMode LoadDevMode(const DEVMODEW* record) {
 }
 
 void StoreDevMode(DEVMODEW* record, const DeviceMode& values) {
-    memcpy(PrivatePart(record), &values.priv, std::min(PrivateSize(record), sizeof values.priv));
+    memcpy(const_cast<void*>(PrivatePart(record)), &values.priv,
+           std::min(PrivateSize(record), sizeof values.priv));
     memcpy(static_cast<void*>(record), &values.pub, std::min<size_t>(record->dmSize, sizeof values.pub));
 }
 

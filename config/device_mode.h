@@ -105,7 +105,6 @@ size_t PrivateSize(const DEVMODEW* record);
 
 // The record's private part, PrivateSize() bytes, at any alignment.
 const void* PrivatePart(const DEVMODEW* record);
-void* PrivatePart(DEVMODEW* record);
 
 // The record in the driver's own layout. What lies past its end reads as zero or empty.
 DeviceMode LoadDevMode(const DEVMODEW* record);

@@ -31,16 +31,14 @@ HeapArray<T> AllocateZeroedArray(size_t count) {
 class OwnedHandle {
   public:
     explicit OwnedHandle(HANDLE handle) : handle_(handle) {}
-    ~OwnedHandle() { Close(); }
+    ~OwnedHandle() {
+        if (*this) CloseHandle(handle_);
+    }
     OwnedHandle(const OwnedHandle&) = delete;
     OwnedHandle& operator=(const OwnedHandle&) = delete;
 
     explicit operator bool() const { return handle_ != nullptr && handle_ != INVALID_HANDLE_VALUE; }
     HANDLE Get() const { return handle_; }
-    void Close() {
-        if (*this) CloseHandle(handle_);
-        handle_ = nullptr;
-    }
 
   private:
     HANDLE handle_;

@@ -299,6 +299,12 @@ TEST_F(Validation, ANumberThatSomeoneChangedBringsItsLabelsSizeAndName) {
                             "[Trace] </ReadPrinterLabelList>", "[Trace] </ValidateForm>"));
 }
 
+TEST_F(Validation, ALabelBehind128OthersIsNotFound) {
+    for (uint16_t number = 258; number <= 258 + 128; ++number) AddLabel(number, "Versand", "4", "6", 1);
+    EXPECT_EQ(PaperOf(WithForm(RecordWithPaper(258 + 127))), (Paper{258 + 127, 1524, 1016, u"Versand"}));
+    EXPECT_EQ(PaperOf(WithForm(RecordWithPaper(258 + 128))), (Paper{258 + 128, 1000, 500, u"Before"}));
+}
+
 TEST_F(Validation, AChangedNumberThatNoLabelHasChangesNothing) {
     AddLabel(258, "Klein", "50", "25.4", 0);
     EXPECT_EQ(PaperOf(WithForm(RecordWithPaper(300))), (Paper{300, 1000, 500, u"Before"}));

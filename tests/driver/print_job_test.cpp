@@ -93,6 +93,17 @@ TEST_F(PrintJob, LogsItsNumberAndWholeDocumentName) {
     Session().EndDoc(*device);
 }
 
+TEST_F(PrintJob, MayHaveNoDocumentName) {
+    const auto device = Enable(Mode());
+    LogLines();
+    ASSERT_TRUE(Session().Hooks().startDoc(device->Surface(), nullptr, 42));
+    EXPECT_THAT(LogLines(), Contains("[Info]  JobId:42 docname:(null) 0 0"));
+    ASSERT_TRUE(Session().StartPage(*device));
+    EXPECT_EQ(engine.Output("@PJL COMMENT x\n"), 1);
+    EXPECT_TRUE(Session().EndDoc(*device));
+    EXPECT_THAT(Printer().written, HasSubstr("@PJL JOB NAME=\"\"\n"));
+}
+
 TEST_F(PrintJob, LogsTheProfileThatItLoads) {
     const auto device = Enable(Mode());
     LogLines();

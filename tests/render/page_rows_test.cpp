@@ -180,10 +180,12 @@ TEST(PageRows, TakeTheMemoryOf64ColumnsOrOfAScanLine) {
 }
 
 TEST(PageRows, OfAnEmptyPageTakeNoMemory) {
-    for (const RowOrder order : AllOrders()) {
-        const AllocationFailure memory((order.landscape ? 1 : 64) * RowBytes(0));
-        EXPECT_TRUE(RowReader(Page(0, 0, 4).Bitmap(), order));
-        EXPECT_EQ(memory.Count(), 0);
+    for (const auto& [width, height] : {std::pair{0, 0}, {0, 5}, {5, 0}}) {
+        for (const RowOrder order : AllOrders()) {
+            const AllocationFailure memory(order.landscape ? RowBytes(width) : 64 * RowBytes(height));
+            EXPECT_TRUE(RowReader(Page(width, height, 4).Bitmap(), order));
+            EXPECT_EQ(memory.Count(), 0) << Name(order) << " " << width << " " << height;
+        }
     }
 }
 
