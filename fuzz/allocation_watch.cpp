@@ -16,14 +16,14 @@ struct Block {
 constexpr size_t kMostBlocks = 16;
 Block blocks[kMostBlocks];
 size_t live = 0;
-size_t taken = 0;
+size_t allocations = 0;
 bool watching = false;
 
 void* Note(void* memory, size_t bytes) {
     if (!watching || memory == nullptr) return memory;
     REQUIRE(live < kMostBlocks);
     blocks[live++] = {memory, bytes};
-    ++taken;
+    ++allocations;
     return memory;
 }
 
@@ -56,7 +56,7 @@ void __wrap_free(void* memory) {
 // NOLINTEND(bugprone-reserved-identifier,readability-identifier-naming)
 
 AllocationWatch::AllocationWatch() {
-    live = taken = 0;
+    live = allocations = 0;
     watching = true;
 }
 
@@ -66,7 +66,7 @@ AllocationWatch::~AllocationWatch() {
 }
 
 size_t AllocationWatch::Taken() {
-    return taken;
+    return allocations;
 }
 
 std::vector<size_t> AllocationWatch::Live() {

@@ -15,7 +15,7 @@
 
 namespace {
 
-constexpr size_t kHeaderBytes = 72;  // what every record has
+constexpr size_t kLeastBytes = 72;  // what every record has
 
 DeviceMode PrintersDefaults(uint8_t choice) {
     DeviceMode record = DefaultDeviceMode();
@@ -34,10 +34,10 @@ constexpr ListedLabel kLabels[] = {{258, "Shipping", 1016, 1524}, {300, "Wine", 
 // The record that the input is, in a block that ends where the record says that it ends.
 std::vector<uint8_t> RecordOf(std::span<const uint8_t> bytes) {
     DEVMODEW head = {};
-    if (!bytes.empty()) memcpy(&head, bytes.data(), std::min(bytes.size(), kHeaderBytes));
+    if (!bytes.empty()) memcpy(&head, bytes.data(), std::min(bytes.size(), kLeastBytes));
     const size_t declared =
-        head.dmSize < kHeaderBytes ? head.dmSize : size_t{head.dmSize} + head.dmDriverExtra;
-    std::vector<uint8_t> record(std::max(declared, kHeaderBytes));
+        head.dmSize < kLeastBytes ? head.dmSize : size_t{head.dmSize} + head.dmDriverExtra;
+    std::vector<uint8_t> record(std::max(declared, kLeastBytes));
     if (!bytes.empty()) memcpy(record.data(), bytes.data(), std::min(bytes.size(), record.size()));
     return record;
 }

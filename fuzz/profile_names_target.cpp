@@ -16,7 +16,7 @@ namespace {
 constexpr size_t kPieceCharacters = 253;
 constexpr WCHAR kSection[] = L"[DEU]";
 constexpr WCHAR kFile[] = L"a.zvp";
-constexpr size_t kCapacities[] = {0, 1, 2, 7, 100, 512};
+constexpr size_t kNameCapacities[] = {0, 1, 2, 7, 100, 512};
 
 // The file's characters behind its mark; a half character at the end is none.
 std::u16string CharactersOf(std::string_view file) {
@@ -63,7 +63,7 @@ std::string Wide(std::u16string_view text) {
 
 void FuzzProfileNames(std::span<const uint8_t> input) {
     FuzzInput choices(input);
-    const size_t capacity = kCapacities[choices.Byte() % std::size(kCapacities)];
+    const size_t capacity = kNameCapacities[choices.Byte() % std::size(kNameCapacities)];
     const std::string_view file = choices.RestAsText();
     FuzzInstallation().Write("profilenames.inf", file);
 

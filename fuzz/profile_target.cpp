@@ -76,8 +76,9 @@ void FuzzProfile(std::span<const uint8_t> input) {
     const SparseFile& file = profile.file;
     const std::string beginning = file.Beginning(kBeginning);
     // The job's resolution: 600 dpi for every other size, one of the others for the rest.
-    constexpr int32_t kResolutions[] = {kResolution600, kResolution300, kResolution600, kResolutionOther};
-    const int32_t resolution = kResolutions[file.size % 4];
+    constexpr int32_t kAskedResolutions[] = {kResolution600, kResolution300, kResolution600,
+                                             kResolutionOther};
+    const int32_t resolution = kAskedResolutions[file.size % 4];
     const bool at600Dpi = resolution == kResolution600;
     const std::string path = (FuzzInstallation().Folder() / "profiles" / "fuzz.zvp").string();
     std::filesystem::create_directories(FuzzInstallation().Folder() / "profiles");

@@ -19,7 +19,7 @@ struct Key {
     const char* key;
 };
 constexpr Key kKeys[] = {{"[UI]", "Language="}, {"[Driver]", "Add_Thumb="}, {"[Color]", ""}};
-constexpr size_t kCapacities[] = {0, 1, 2, 7, 254, 1000};
+constexpr size_t kValueCapacities[] = {0, 1, 2, 7, 254, 1000};
 
 // The file's lines with their line ends, each up to its first zero byte.
 std::vector<std::string> LinesOf(std::string_view file) {
@@ -60,7 +60,7 @@ std::string Expected(std::string_view file, const Key& wanted, size_t capacity) 
 void FuzzSettings(std::span<const uint8_t> input) {
     FuzzInput choices(input);
     const Key& wanted = kKeys[choices.Byte() % std::size(kKeys)];
-    const size_t capacity = kCapacities[choices.Byte() % std::size(kCapacities)];
+    const size_t capacity = kValueCapacities[choices.Byte() % std::size(kValueCapacities)];
     const std::string_view file = choices.RestAsText();
     FuzzInstallation().WriteSettings(file);
 

@@ -4,7 +4,6 @@
 
 #include <ostream>
 #include <string>
-#include <vector>
 
 #include <CLI/CLI.hpp>
 
@@ -20,10 +19,6 @@ void AddBuildCommand(CLI::App& app, std::ostream& out);
 void AddConvertCommand(CLI::App& app, std::ostream& out);
 void AddApplyCommand(CLI::App& app, std::ostream& out);
 void AddChartCommand(CLI::App& app, std::ostream& out);
-
-// Runs the tool with the arguments that follow its name. Returns the exit status: 0, 1 when the command could
-// not do what was asked or `info` looked at a file that the driver refuses, or the command-line parser's own.
-int RunProfileTool(std::vector<std::string> arguments, std::ostream& out, std::ostream& err);
 
 // The same check without words of its own in the help.
 CLI::Validator Unnamed(CLI::Validator check);

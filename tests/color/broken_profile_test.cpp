@@ -32,15 +32,6 @@ BOOL WINAPI FailToMeasure(HANDLE file, PLARGE_INTEGER size) {
     return originalMeasure(file, size) && size->QuadPart != unmeasurable;
 }
 
-BOOL WINAPI FailToSeek(HANDLE, LARGE_INTEGER, PLARGE_INTEGER, DWORD) {
-    return FALSE;
-}
-
-BOOL WINAPI FailToRead(HANDLE, LPVOID, DWORD, LPDWORD came, LPOVERLAPPED) {
-    *came = 5;
-    return FALSE;
-}
-
 }  // namespace
 
 TEST_F(BrokenProfile, ThatIsMissingIsRejected) {

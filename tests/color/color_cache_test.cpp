@@ -6,20 +6,6 @@
 #include "tests/color/plain_colors.h"
 #include "tests/color/plain_tables.h"
 
-namespace {
-
-// A profile without steps: each ink follows the light that it takes.
-uint32_t Smooth(uint32_t color) {
-    const uint32_t red = plain::Red(color), green = plain::Green(color), blue = plain::Blue(color);
-    return plain::Ink(255 - std::max({red, green, blue}), 255 - red, 255 - green, 255 - blue);
-}
-
-uint32_t Scrambled(uint32_t color) {
-    return plain::Scramble(color);
-}
-
-}  // namespace
-
 TEST(ColorCache, GridValuesAreMultiplesOf16And255) {
     EXPECT_EQ(GridValue(0), 0u);
     EXPECT_EQ(GridValue(1), 16u);
@@ -28,15 +14,15 @@ TEST(ColorCache, GridValuesAreMultiplesOf16And255) {
 }
 
 TEST(LookupOfKind5, ReturnsStoredEntriesWithComponentsOf255AsStored) {
-    FillGrid(Scrambled);
+    FillGrid(plain::Scrambled);
     for (const uint32_t color : {0xFFFFFFu, 0xFF0000u, 0x00FF10u, 0x0000FFu}) {
-        EXPECT_EQ(LookupColor(color), Scrambled(color));
-        EXPECT_NE(plain::Prism(color, g_colorCache), Scrambled(color));
+        EXPECT_EQ(LookupColor(color), plain::Scrambled(color));
+        EXPECT_NE(plain::Prism(color, g_colorCache), plain::Scrambled(color));
     }
 }
 
 TEST(LookupOfKind5, ComputesAMissingEntryOnceAndKeepsIt) {
-    FillGrid(Scrambled);
+    FillGrid(plain::Scrambled);
     const uint32_t want = plain::Prism(0x123456, g_colorCache);
     EXPECT_EQ(g_colorCache[0x123456], kNotComputed);
     EXPECT_EQ(LookupColor(0x123456), want);
@@ -46,16 +32,16 @@ TEST(LookupOfKind5, ComputesAMissingEntryOnceAndKeepsIt) {
 }
 
 TEST(LookupOfKind5, ChangesNoOtherEntry) {
-    FillGrid(Scrambled);
+    FillGrid(plain::Scrambled);
     LookupColor(0x7F0301);
     EXPECT_TRUE(SameForEveryColor(StoredEntry, [](uint32_t color) {
         if (color == 0x7F0301) return plain::Prism(color, g_colorCache);
-        return plain::IsGridPoint(color) ? Scrambled(color) : kNotComputed;
+        return plain::IsGridPoint(color) ? plain::Scrambled(color) : kNotComputed;
     }));
 }
 
 TEST(Lookup, IgnoresThePixelsTopByte) {
-    FillGrid(Scrambled);
+    FillGrid(plain::Scrambled);
     const uint32_t want = plain::Prism(0x123456, g_colorCache);
     EXPECT_EQ(LookupColor(0xFF123456), want);
     EXPECT_EQ(LookupColor(0x80123456), want);
@@ -64,11 +50,11 @@ TEST(Lookup, IgnoresThePixelsTopByte) {
 
 TEST(LookupOfOtherKinds, NeverComputesAnything) {
     for (const int32_t kind : {1, 2, 0, -1, 6, 255, INT32_MIN, INT32_MAX}) {
-        FillGrid(Scrambled);
+        FillGrid(plain::Scrambled);
         SetCacheKind(kind);
         EXPECT_EQ(LookupColor(0x123456), kNotComputed) << kind;
         EXPECT_EQ(g_colorCache[0x123456], kNotComputed) << kind;
-        EXPECT_EQ(LookupColor(0x102030), Scrambled(0x102030)) << kind;
+        EXPECT_EQ(LookupColor(0x102030), plain::Scrambled(0x102030)) << kind;
     }
 }
 
@@ -82,13 +68,13 @@ TEST(LookupOfKind3, LeavesColoursWithAnOddComponentWithoutInk) {
 }
 
 TEST(LookupOfKind3, AveragesASentinelThatAProfilePutThere) {
-    FillCache(kHalfGridEntries, 0, plain::IsAllEven, Smooth);
+    FillCache(kHalfGridEntries, 0, plain::IsAllEven, plain::Smooth);
     g_colorCache[0x112233] = kNotComputed;
     EXPECT_EQ(LookupColor(0x112233), plain::HalfGridAverage(0x112233, g_colorCache));
 }
 
 TEST(LookupOfKind4, EqualsThePlainAverageForEveryColour) {
-    FillCache(kHalfGridPlanes, kNotComputed, plain::IsAllEven, Scrambled);
+    FillCache(kHalfGridPlanes, kNotComputed, plain::IsAllEven, plain::Scrambled);
     const plain::Table want = plain::HalfGridTable(g_colorCache);
     EXPECT_TRUE(SameForEveryColor(LookupColor, [&](uint32_t color) { return want[color]; }));
     EXPECT_TRUE(HoldsTable(want));
@@ -113,13 +99,13 @@ TEST(HalfGridAverage, GoesThroughRedGreenAndBlue) {
 }
 
 TEST(HalfGridAverage, CopiesTheReversedEntryWhenNoComponentCountsAsOdd) {
-    FillCache(kHalfGridPlanes, kNotComputed, plain::IsAllEven, Scrambled);
-    EXPECT_EQ(LookupColor(0xFF0000), Scrambled(0x0000FE));
-    EXPECT_EQ(LookupColor(0x10FF20), Scrambled(0x20FE10));
-    EXPECT_EQ(LookupColor(0xFFFFFF), Scrambled(0xFEFEFE));
+    FillCache(kHalfGridPlanes, kNotComputed, plain::IsAllEven, plain::Scrambled);
+    EXPECT_EQ(LookupColor(0xFF0000), plain::Scrambled(0x0000FE));
+    EXPECT_EQ(LookupColor(0x10FF20), plain::Scrambled(0x20FE10));
+    EXPECT_EQ(LookupColor(0xFFFFFF), plain::Scrambled(0xFEFEFE));
     uint32_t entry = 0;
     AverageHalfGridEntry(0x10, 0x20, 0x30, &entry);
-    EXPECT_EQ(entry, Scrambled(0x102030));
+    EXPECT_EQ(entry, plain::Scrambled(0x102030));
 }
 
 TEST(HalfGridAverage, Of255WithOddComponentsUsesItsBaseOnly) {

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstring>
 #include <set>
 
 #include "host/import_patch.h"
@@ -87,3 +88,13 @@ class FileWatch {
     ImportPatch findClosePatch_{nullptr, "FindClose", reinterpret_cast<void*>(&WatchedFindClose)};
     ImportPatch readPatch_{nullptr, "ReadFile", reinterpret_cast<void*>(&WatchedRead)};
 };
+
+// What an ImportPatch can put in place of SetFilePointerEx, and of ReadFile.
+inline BOOL WINAPI FailToSeek(HANDLE, LARGE_INTEGER, PLARGE_INTEGER, DWORD) {
+    return FALSE;
+}
+inline BOOL WINAPI FailToRead(HANDLE, LPVOID buffer, DWORD, LPDWORD came, LPOVERLAPPED) {
+    *came = 5;
+    memset(buffer, 'x', *came);
+    return FALSE;
+}

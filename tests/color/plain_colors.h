@@ -44,6 +44,16 @@ constexpr uint32_t Scramble(uint32_t index, uint32_t seed = 0) {
     return x ^ x >> 15;
 }
 
+// A profile without steps: each ink follows the light that it takes.
+constexpr uint32_t Smooth(uint32_t color) {
+    const uint32_t red = Red(color), green = Green(color), blue = Blue(color);
+    return Ink(255 - std::max({red, green, blue}), 255 - red, 255 - green, 255 - blue);
+}
+// One of nothing but steps.
+constexpr uint32_t Scrambled(uint32_t color) {
+    return Scramble(color);
+}
+
 // The generic conversion of a colour at `percent` of ink.
 inline uint32_t Generic(uint32_t color, double percent) {
     const double range = percent * 255 / 100;

@@ -23,16 +23,6 @@ uint32_t Interpolated(uint32_t color) {
     return entry;
 }
 
-// A profile without steps: each ink follows the light that it takes.
-uint32_t Smooth(uint32_t color) {
-    const uint32_t red = plain::Red(color), green = plain::Green(color), blue = plain::Blue(color);
-    return plain::Ink(255 - std::max({red, green, blue}), 255 - red, 255 - green, 255 - blue);
-}
-
-uint32_t Scrambled(uint32_t color) {
-    return plain::Scramble(color);
-}
-
 // No point of it is missing.
 uint32_t HalfInk(uint32_t color) {
     return plain::Scramble(color) & 0x7F7F7F7F;
@@ -83,13 +73,15 @@ void ExpectPlainPrismInTurn(const std::vector<uint32_t>& colors) {
 }  // namespace
 
 TEST(PrismInterpolation, EqualsTheMatrixFormForEveryColourOfRandomInksAboveExtremes) {
-    FillGrid([](uint32_t color) { return (Scrambled(color) & 0xFFFF0000) | (Extreme(color) & 0xFFFF); });
+    FillGrid(
+        [](uint32_t color) { return (plain::Scrambled(color) & 0xFFFF0000) | (Extreme(color) & 0xFFFF); });
     ExpectPlainPrismEverywhere();
 }
 
 TEST(PrismInterpolation, EqualsTheMatrixFormForEveryColourOfExtremesAboveSmoothAndRandomInks) {
     FillGrid([](uint32_t color) {
-        return (Extreme(color) & 0xFFFF0000) | (Scrambled(color) & 0xFF00) | (Smooth(color) & 0xFF);
+        return (Extreme(color) & 0xFFFF0000) | (plain::Scrambled(color) & 0xFF00) |
+               (plain::Smooth(color) & 0xFF);
     });
     ExpectPlainPrismEverywhere();
 }
@@ -112,10 +104,10 @@ TEST(PrismInterpolation, TakesTheGreenSideWhenBlueAndGreenAreEquallyFar) {
 }
 
 TEST(PrismInterpolation, IsTheLowerCornerItselfAtMultiplesOf16) {
-    FillGrid(Scrambled);
+    FillGrid(plain::Scrambled);
     for (const uint32_t color : {0x000000u, 0x102030u, 0xF0F0F0u, 0x00F000u}) {
-        EXPECT_EQ(Interpolated(color), Scrambled(color));
-        EXPECT_EQ(LookupColor(color), Scrambled(color));
+        EXPECT_EQ(Interpolated(color), plain::Scrambled(color));
+        EXPECT_EQ(LookupColor(color), plain::Scrambled(color));
     }
 }
 
@@ -155,7 +147,7 @@ TEST(GridCopy, IsRefusedWhenAnyPointIsMissing) {
 TEST(GridCopy, IsTakenAnewWithEachKind) {
     FillGrid(HalfInk);
     EXPECT_EQ(LookupColor(0x010203), plain::Prism(0x010203, g_colorCache));
-    FillGrid(Scrambled);
+    FillGrid(plain::Scrambled);
     EXPECT_EQ(LookupColor(0x010203), plain::Prism(0x010203, g_colorCache));
     SetCacheKind(kPlanes);
     EXPECT_EQ(LookupColor(0x010204), kNotComputed);

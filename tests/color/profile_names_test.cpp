@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstring>
 #include <string>
 
 #include "tests/color/file_watch.h"
@@ -30,16 +29,6 @@ class ProfileNames : public testing::Test {
 
     InstallationFixture installation_;
 };
-
-BOOL WINAPI FailToSeek(HANDLE, LARGE_INTEGER, PLARGE_INTEGER, DWORD) {
-    return FALSE;
-}
-
-BOOL WINAPI FailToRead(HANDLE, LPVOID buffer, DWORD, LPDWORD came, LPOVERLAPPED) {
-    memcpy(buffer, "x", 2);
-    *came = 2;
-    return FALSE;
-}
 
 }  // namespace
 

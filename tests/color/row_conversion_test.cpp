@@ -13,7 +13,7 @@ using testing::ElementsAre;
 
 namespace {
 
-constexpr uint32_t kUntouched = 0xDEADBEEF;
+constexpr uint32_t kUnwritten = 0xDEADBEEF;
 
 struct RowOptions {
     int32_t kws = 0;
@@ -22,11 +22,11 @@ struct RowOptions {
 };
 
 std::vector<uint32_t> Convert(const std::vector<uint32_t>& pixels, RowOptions options = {}) {
-    std::vector<uint32_t> inks(pixels.size() + 1, kUntouched);
+    std::vector<uint32_t> inks(pixels.size() + 1, kUnwritten);
     EXPECT_EQ(ConvertRow(inks.data(), pixels.data(), static_cast<uint32_t>(pixels.size()), 1, options.kws,
                          options.lightPattern, options.greyMode),
               0);
-    EXPECT_EQ(inks.back(), kUntouched) << "a value behind the row was written";
+    EXPECT_EQ(inks.back(), kUnwritten) << "a value behind the row was written";
     inks.pop_back();
     return inks;
 }
@@ -95,11 +95,11 @@ void FillForRows(int32_t kind) {
 }  // namespace
 
 TEST(ConvertRow, OfNoPixelsWritesNothing) {
-    uint32_t ink = kUntouched;
+    uint32_t ink = kUnwritten;
     const uint32_t pixel = 0;
     EXPECT_EQ(ConvertRow(&ink, &pixel, 0, 1, 1, 1, 0), 0);
     EXPECT_EQ(ConvertRow(nullptr, nullptr, 0, 1, 0, 0, 1), 0);
-    EXPECT_EQ(ink, kUntouched);
+    EXPECT_EQ(ink, kUnwritten);
 }
 
 TEST(ConvertRow, PutsTheLightPatternOnBlankPixels) {
@@ -264,10 +264,10 @@ TEST(ConvertRow, AddsThePartsOfAGreyInTheirOrder) {
 }
 
 TEST(FillBlankPattern, StartsAtItsFirstPosition) {
-    std::vector<uint32_t> inks(6, kUntouched);
+    std::vector<uint32_t> inks(6, kUnwritten);
     FillBlankPattern(inks.data(), 5, 1);
-    EXPECT_THAT(inks, ElementsAre(0x00000002, 0x00000200, 0x00020000, 0x02000000, 0x00000002, kUntouched));
+    EXPECT_THAT(inks, ElementsAre(0x00000002, 0x00000200, 0x00020000, 0x02000000, 0x00000002, kUnwritten));
     FillBlankPattern(inks.data(), 5, 0);
-    EXPECT_THAT(inks, ElementsAre(0x00000004, 0x00000400, 0x00040000, 0x04000000, 0x00000004, kUntouched));
+    EXPECT_THAT(inks, ElementsAre(0x00000004, 0x00000400, 0x00040000, 0x04000000, 0x00000004, kUnwritten));
     FillBlankPattern(nullptr, 0, 0);
 }

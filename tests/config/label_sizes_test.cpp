@@ -14,7 +14,7 @@ using namespace std::string_literals;
 
 namespace {
 
-constexpr uint16_t kUntouched = 4711;
+constexpr uint16_t kNoNumber = 4711;
 
 class LabelSizes : public PrinterTest {
   protected:
@@ -26,7 +26,7 @@ class LabelSizes : public PrinterTest {
     // The list as a reader with room for `capacity` entries, and not one more, gets it.
     List Read(uint32_t capacity = kMaxLabels) {
         const HeapArray<LabelSize> entries = AllocateArray<LabelSize>(capacity);
-        uint32_t count = kUntouched;
+        uint32_t count = kNoNumber;
         const DWORD code = ReadPrinterLabelList(handle_, entries.get(), capacity, &count);
         EXPECT_LE(count, capacity);
         return {code, {entries.get(), entries.get() + count}};
@@ -40,7 +40,7 @@ class LabelSizes : public PrinterTest {
     }
 
     DWORD Next(uint16_t* number) {
-        *number = kUntouched;
+        *number = kNoNumber;
         return NextLabelNumber(handle_, number);
     }
 

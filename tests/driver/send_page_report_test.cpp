@@ -218,14 +218,14 @@ namespace {
 
 DWORD now = 0;
 
-DWORD tick = 0;
+DWORD step = 0;
 
 DWORD WINAPI SlowingClock() {
     return now += now / 16 + 1;
 }
 
 DWORD WINAPI SteadyClock() {
-    return now += tick;
+    return now += step;
 }
 
 }  // namespace
@@ -286,7 +286,7 @@ TEST_F(SendPage, LogsTheLongestDurationOfEachStageSoFar) {
     };
     for (const Page& page : {Page{3, true}, {3, false}, {2, false}, {4, true}}) {
         now = 1000;
-        tick = static_cast<DWORD>(page.step);
+        step = static_cast<DWORD>(page.step);
         LogLines();
         ASSERT_TRUE(Session().SendPage(*device));
         std::vector<std::string> lines = LogLines();

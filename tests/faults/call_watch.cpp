@@ -4,7 +4,7 @@
 
 namespace {
 
-CallWatch* current = nullptr;
+CallWatch* currentWatch = nullptr;
 
 DWORD WINAPI StandingClock() {
     return 1000;
@@ -20,19 +20,19 @@ DWORD LastErrorOf(const WatchedCall& call) {
 }
 
 CallWatch* CurrentWatch() {
-    return current;
+    return currentWatch;
 }
 
 CallWatch::Aside::Aside() {
-    ++current->aside_;
+    ++currentWatch->aside_;
 }
 
 CallWatch::Aside::~Aside() {
-    --current->aside_;
+    --currentWatch->aside_;
 }
 
 CallWatch::CallWatch(HMODULE module, DebugHeap& heap) : heap_(heap) {
-    current = this;
+    currentWatch = this;
     patches_.push_back(
         std::make_unique<ImportPatch>(module, "GetTickCount", reinterpret_cast<void*>(&StandingClock)));
     for (WatchedFunction& function : WatchedFunctions()) {
@@ -46,7 +46,7 @@ CallWatch::CallWatch(HMODULE module, DebugHeap& heap) : heap_(heap) {
 CallWatch::~CallWatch() {
     heap_.OnAllocate({});
     while (!patches_.empty()) patches_.pop_back();
-    current = nullptr;
+    currentWatch = nullptr;
 }
 
 void CallWatch::Begin(size_t failing) {

@@ -61,7 +61,7 @@ void DrawPage(SURFOBJ& surface, size_t page) {
 
 // A message that holds a line end goes on in the next line. The two instances in "pdev: old<-new" lie
 // elsewhere in each run.
-std::vector<std::string> Messages(const std::vector<std::string>& lines) {
+std::vector<std::string> MessagesIn(const std::vector<std::string>& lines) {
     constexpr std::string_view kTakeover = "[Info]  pdev: ";
     std::vector<std::string> messages;
     for (const std::string& line : lines) {
@@ -187,7 +187,7 @@ JobRecord FaultTest::Run(size_t failingCall) {
         CloseDevice(std::move(device));
     }
     record_.written = Printer().written;
-    record_.log = Messages(LogLines());
+    record_.log = MessagesIn(LogLines());
     record_.calls = watch_->TakeCalls();
     return std::move(record_);
 }

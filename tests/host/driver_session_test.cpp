@@ -4,6 +4,7 @@
 
 #include <stdexcept>
 
+#include "tests/host/refusing_engine.h"
 #include "tests/support/scratch_folder.h"
 
 using testing::IsEmpty;
@@ -11,41 +12,35 @@ using testing::StartsWith;
 
 namespace {
 
-// An engine that hands a few bytes to the driver's callback in every call, and fails with it.
-HPCRLIB_OutputCallback output = nullptr;
-void* outputContext = nullptr;
+// An engine that hands a few bytes to the driver's callback when a job ends or a page begins, and fails with
+// it.
+struct EmittingEngine {
+    inline static HPCRLIB_OutputCallback output = nullptr;
+    inline static void* outputContext = nullptr;
 
-uint32_t Emit() {
-    static constexpr char kBytes[] = "@PJL COMMENT job";
-    return output(reinterpret_cast<const uint8_t*>(kBytes), sizeof kBytes - 1, outputContext) != 0 ? 1 : 0;
-}
+    static uint32_t Emit() {
+        static constexpr char kBytes[] = "@PJL COMMENT job";
+        return output(reinterpret_cast<const uint8_t*>(kBytes), sizeof kBytes - 1, outputContext) != 0 ? 1
+                                                                                                       : 0;
+    }
+    static uint64_t HPCRLIB_CALL JobStart(HPCRLIB_OutputCallback callback, void* context, uint32_t,
+                                          uint32_t) {
+        output = callback;
+        outputContext = context;
+        return 7;
+    }
+    static uint32_t HPCRLIB_CALL JobEnd(uint64_t) { return Emit(); }
+    static uint32_t HPCRLIB_CALL PageStart(uint64_t, uint32_t, uint32_t) { return Emit(); }
+};
 
-uint64_t HPCRLIB_CALL JobStart(HPCRLIB_OutputCallback callback, void* context, uint32_t, uint32_t) {
-    output = callback;
-    outputContext = context;
-    return 7;
-}
-uint32_t HPCRLIB_CALL JobEnd(uint64_t) {
-    return Emit();
-}
-uint32_t HPCRLIB_CALL PageStart(uint64_t, uint32_t, uint32_t) {
-    return Emit();
-}
-uint32_t HPCRLIB_CALL BlockStart(uint64_t, uint32_t, uint32_t, uint32_t, uint32_t) {
-    return 1;
-}
-uint32_t HPCRLIB_CALL Row(uint64_t, const uint32_t*) {
-    return 1;
-}
-uint32_t HPCRLIB_CALL End(uint64_t) {
-    return 1;
-}
-
-constexpr PrintEngine kEngine = {JobStart, JobEnd, PageStart, BlockStart, Row, End, End};
+constexpr PrintEngine kEmittingEngine = {
+    EmittingEngine::JobStart, EmittingEngine::JobEnd, EmittingEngine::PageStart, RefusingEngine::BlockStart,
+    RefusingEngine::Row,      RefusingEngine::End,    RefusingEngine::End,
+};
 
 class DriverSessionTest : public testing::Test {
   protected:
-    DriverSessionTest() : session({.installation = installation.Path(), .engine = kEngine}) {}
+    DriverSessionTest() : session({.installation = installation.Path(), .engine = kEmittingEngine}) {}
 
     ScratchFolder installation;
     DriverSession session;

@@ -2,47 +2,20 @@
 
 #include <gmock/gmock.h>
 
+#include "tests/host/refusing_engine.h"
+
 using testing::ElementsAre;
 using testing::IsEmpty;
 
 namespace {
 
-// An engine that takes everything, or refuses the rows from one on.
-uint32_t refusedRow = UINT32_MAX;
-uint32_t rowsSeen = 0;
-uint64_t startedJob = 7;
-
-uint64_t HPCRLIB_CALL JobStart(HPCRLIB_OutputCallback, void*, uint32_t, uint32_t) {
-    return startedJob;
-}
-uint32_t HPCRLIB_CALL JobEnd(uint64_t) {
-    return 1;
-}
-uint32_t HPCRLIB_CALL PageStart(uint64_t, uint32_t, uint32_t) {
-    return 1;
-}
-uint32_t HPCRLIB_CALL BlockStart(uint64_t, uint32_t, uint32_t, uint32_t, uint32_t) {
-    return 1;
-}
-uint32_t HPCRLIB_CALL Row(uint64_t, const uint32_t*) {
-    return rowsSeen++ == refusedRow ? 0 : 1;
-}
-uint32_t HPCRLIB_CALL End(uint64_t) {
-    return 1;
-}
 uint32_t HPCRLIB_CALL RefuseEnd(uint64_t) {
     return 9;
 }
 
-constexpr PrintEngine kEngine = {JobStart, JobEnd, PageStart, BlockStart, Row, End, End};
-
 class EngineLibraryTest : public testing::Test {
   protected:
-    EngineLibraryTest() {
-        refusedRow = UINT32_MAX;
-        rowsSeen = 0;
-        startedJob = 7;
-    }
+    EngineLibraryTest() { RefusingEngine::Reset(); }
 
     template <typename Function>
     static Function Find(HMODULE library, const char* name) {
@@ -53,7 +26,7 @@ class EngineLibraryTest : public testing::Test {
 }  // namespace
 
 TEST_F(EngineLibraryTest, AnswersTheDriversRequestForIt) {
-    EngineLibrary engine(kEngine);
+    EngineLibrary engine(kRefusingEngine);
     engine.Attach(nullptr);
     for (const WCHAR* name : {L"hpcrlib.dll", L"HPCRLIB.DLL"}) {
         const HMODULE library = LoadLibraryW(name);
@@ -69,7 +42,7 @@ TEST_F(EngineLibraryTest, AnswersTheDriversRequestForIt) {
 }
 
 TEST_F(EngineLibraryTest, LeavesOtherLibrariesToTheSystem) {
-    EngineLibrary engine(kEngine);
+    EngineLibrary engine(kRefusingEngine);
     engine.Attach(nullptr);
     EXPECT_EQ(LoadLibraryW(L"no-such-library-here.dll"), nullptr);
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_MOD_NOT_FOUND));
@@ -77,7 +50,7 @@ TEST_F(EngineLibraryTest, LeavesOtherLibrariesToTheSystem) {
 }
 
 TEST_F(EngineLibraryTest, LacksTheExportsThatAreNull) {
-    PrintEngine entries = kEngine;
+    PrintEngine entries = kRefusingEngine;
     entries.HPCRLIB_RasterRow = nullptr;
     EngineLibrary engine(entries);
     engine.Attach(nullptr);
@@ -90,7 +63,7 @@ TEST_F(EngineLibraryTest, LacksTheExportsThatAreNull) {
 }
 
 TEST_F(EngineLibraryTest, KeepsTheBooksOfAJob) {
-    EngineLibrary engine(kEngine);
+    EngineLibrary engine(kRefusingEngine);
     engine.Attach(nullptr);
     const HMODULE library = LoadLibraryW(L"hpcrlib.dll");
     const auto jobStart = Find<HPCRLIB_JobStartFunction>(library, "HPCRLIB_JobStart");
@@ -105,7 +78,7 @@ TEST_F(EngineLibraryTest, KeepsTheBooksOfAJob) {
         EXPECT_EQ(number, 1u);
         progress.push_back(page.rowsTaken);
     });
-    refusedRow = 2;
+    RefusingEngine::refusedRow = 2;
     ASSERT_EQ(jobStart(nullptr, nullptr, 1, 0), 7u);
     EXPECT_EQ(pageStart(7, 5000, 86616), 1u);
     EXPECT_EQ(blockStart(7, 0, 11, 300, 3), 1u);
@@ -136,10 +109,10 @@ TEST_F(EngineLibraryTest, KeepsTheBooksOfAJob) {
 }
 
 TEST_F(EngineLibraryTest, NotesAJobThatDidNotStart) {
-    EngineLibrary engine(kEngine);
+    EngineLibrary engine(kRefusingEngine);
     engine.Attach(nullptr);
     const HMODULE library = LoadLibraryW(L"hpcrlib.dll");
-    startedJob = 0;
+    RefusingEngine::job = 0;
     EXPECT_EQ(Find<HPCRLIB_JobStartFunction>(library, "HPCRLIB_JobStart")(nullptr, nullptr, 0, 0), 0u);
     FreeLibrary(library);
     EXPECT_THAT(engine.Books().refusals, ElementsAre("HPCRLIB_JobStart started no job"));
@@ -147,7 +120,7 @@ TEST_F(EngineLibraryTest, NotesAJobThatDidNotStart) {
 }
 
 TEST_F(EngineLibraryTest, KeepsTheFirstRefusalsAndCountsTheRest) {
-    PrintEngine entries = kEngine;
+    PrintEngine entries = kRefusingEngine;
     entries.HPCRLIB_JobEnd = RefuseEnd;
     EngineLibrary engine(entries);
     engine.Attach(nullptr);
@@ -161,7 +134,7 @@ TEST_F(EngineLibraryTest, KeepsTheFirstRefusalsAndCountsTheRest) {
 }
 
 TEST_F(EngineLibraryTest, IsNotThereWhenLoadingIsMadeToFail) {
-    EngineLibrary engine(kEngine);
+    EngineLibrary engine(kRefusingEngine);
     engine.Attach(nullptr);
     engine.FailLoading(true);
     EXPECT_EQ(LoadLibraryW(L"hpcrlib.dll"), nullptr);

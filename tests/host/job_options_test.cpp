@@ -17,7 +17,7 @@ JobOptions Parse(const std::vector<std::string>& arguments) {
     return ParseJobOptions(arguments, help).value();
 }
 
-std::string Complaint(const std::vector<std::string>& arguments) {
+std::string OptionsComplaint(const std::vector<std::string>& arguments) {
     try {
         Parse(arguments);
         return {};
@@ -77,9 +77,9 @@ TEST(JobOptions, LetTheLastOfTwoValuesStand) {
 TEST(JobOptions, TakeThePaper) {
     EXPECT_EQ(Parse({"--size", "100x150mm", "-o", "x", "a.png"}).size, (PaperSize{1000, 1500}));
     EXPECT_EQ(Parse({"--label", "Versand 4x6", "-o", "x", "a.png"}).label, "Versand 4x6");
-    EXPECT_EQ(Complaint({"--size", "100x150mm", "--label", "x", "-o", "x", "a.png"}),
+    EXPECT_EQ(OptionsComplaint({"--size", "100x150mm", "--label", "x", "-o", "x", "a.png"}),
               "--size and --label: give one of them");
-    EXPECT_EQ(Complaint({"--landscape", "--portrait", "-o", "x", "a.png"}),
+    EXPECT_EQ(OptionsComplaint({"--landscape", "--portrait", "-o", "x", "a.png"}),
               "--landscape and --portrait: give one of them");
 }
 
@@ -105,37 +105,38 @@ TEST(JobOptions, TakeTheRest) {
 }
 
 TEST(JobOptions, NameOptionValueAndRangeOfWhatIsWrong) {
-    EXPECT_EQ(Complaint({"--dpi", "720", "-o", "x", "a.png"}),
+    EXPECT_EQ(OptionsComplaint({"--dpi", "720", "-o", "x", "a.png"}),
               "--dpi: \"720\" is not allowed; it takes 300 or 600 dpi");
-    EXPECT_EQ(Complaint({"--rotate180=maybe", "-o", "x", "a.png"}),
+    EXPECT_EQ(OptionsComplaint({"--rotate180=maybe", "-o", "x", "a.png"}),
               "--rotate180: \"maybe\" is not allowed; it takes on or off");
-    EXPECT_EQ(Complaint({"--image-dpi", "9", "-o", "x", "a.png"}),
+    EXPECT_EQ(OptionsComplaint({"--image-dpi", "9", "-o", "x", "a.png"}),
               "--image-dpi: \"9\" is not allowed; it takes 10 to 10000 dpi");
-    EXPECT_EQ(Complaint({"--log", "all", "-o", "x", "a.png"}),
+    EXPECT_EQ(OptionsComplaint({"--log", "all", "-o", "x", "a.png"}),
               "--log: \"all\" is not allowed; it takes error or trace");
-    EXPECT_EQ(Complaint({"--language", "DE", "-o", "x", "a.png"}),
+    EXPECT_EQ(OptionsComplaint({"--language", "DE", "-o", "x", "a.png"}),
               "--language: \"DE\" is not allowed; it takes ENG, FRA, DEU, CH, ES, JPN or ENU");
-    EXPECT_THAT(Complaint({"--size", "big", "-o", "x", "a.png"}),
+    EXPECT_THAT(OptionsComplaint({"--size", "big", "-o", "x", "a.png"}),
                 HasSubstr("--size: \"big\" is not allowed"));
-    EXPECT_THAT(Complaint({"--nonsense", "-o", "x", "a.png"}), HasSubstr("--nonsense"));
-    EXPECT_THAT(Complaint({"-o"}), HasSubstr("--output"));
+    EXPECT_THAT(OptionsComplaint({"--nonsense", "-o", "x", "a.png"}), HasSubstr("--nonsense"));
+    EXPECT_THAT(OptionsComplaint({"-o"}), HasSubstr("--output"));
 }
 
 TEST(JobOptions, RefuseAnEmptyValue) {
-    EXPECT_THAT(Complaint({"--dpi", "", "-o", "x", "a.png"}), HasSubstr("--dpi: \"\" is not allowed"));
-    EXPECT_THAT(Complaint({"--size", "", "-o", "x", "a.png"}), HasSubstr("--size: \"\" is not allowed"));
-    EXPECT_THAT(Complaint({"--log", "", "-o", "x", "a.png"}), HasSubstr("--log: \"\" is not allowed"));
+    EXPECT_THAT(OptionsComplaint({"--dpi", "", "-o", "x", "a.png"}), HasSubstr("--dpi: \"\" is not allowed"));
+    EXPECT_THAT(OptionsComplaint({"--size", "", "-o", "x", "a.png"}),
+                HasSubstr("--size: \"\" is not allowed"));
+    EXPECT_THAT(OptionsComplaint({"--log", "", "-o", "x", "a.png"}), HasSubstr("--log: \"\" is not allowed"));
 }
 
 TEST(JobOptions, NeedPagesAndAnOutputToPrint) {
-    EXPECT_EQ(Complaint({"-o", "x"}), "no pages: name PNG files, or ask for the --test-page");
-    EXPECT_EQ(Complaint({"a.png"}), "no output: name a file with -o FILE");
-    EXPECT_EQ(Complaint({"--test-page"}), "no output: name a file with -o FILE");
-    EXPECT_EQ(Complaint({"--test-page", "a.png", "-o", "x"}),
+    EXPECT_EQ(OptionsComplaint({"-o", "x"}), "no pages: name PNG files, or ask for the --test-page");
+    EXPECT_EQ(OptionsComplaint({"a.png"}), "no output: name a file with -o FILE");
+    EXPECT_EQ(OptionsComplaint({"--test-page"}), "no output: name a file with -o FILE");
+    EXPECT_EQ(OptionsComplaint({"--test-page", "a.png", "-o", "x"}),
               "--test-page prints no other pages; leave the files out");
-    EXPECT_EQ(Complaint({"--test-page", "-o", "x"}), "");
-    for (const char* look : {"--dry-run", "--list"}) EXPECT_EQ(Complaint({look}), "");
-    EXPECT_EQ(Complaint({"--save-devmode", "x"}), "");
+    EXPECT_EQ(OptionsComplaint({"--test-page", "-o", "x"}), "");
+    for (const char* look : {"--dry-run", "--list"}) EXPECT_EQ(OptionsComplaint({look}), "");
+    EXPECT_EQ(OptionsComplaint({"--save-devmode", "x"}), "");
 }
 
 TEST(JobOptions, ShowHelpWithGroupsRangesAndExamples) {

@@ -8,6 +8,7 @@
 #include "config/device_mode.h"
 #include "host/wide_text.h"
 #include "tests/host/png_maker.h"
+#include "tests/host/refusing_engine.h"
 #include "tests/support/log_capture.h"
 #include "tests/support/scratch_folder.h"
 
@@ -33,6 +34,7 @@ constexpr char kMedia[] = "[Media]\r\n\"Shipping\", \"4\", \"6\", 1\r\n\"Small\"
 class OrvexPrintTest : public testing::Test {
   protected:
     OrvexPrintTest() {
+        RefusingEngine::Reset();
         scratch.Write("install/settings.inf", "[UI]\r\n");
         scratch.Write("install/media.inf", kMedia);
     }
@@ -100,36 +102,6 @@ std::vector<std::string> OpenScopes(const std::vector<std::string>& lines) {
         }
     }
     return open;
-}
-
-// An engine that takes everything but what it is told to refuse.
-uint32_t refusedRow = UINT32_MAX;
-uint32_t refusedEnd = UINT32_MAX;
-uint32_t rowsSeen = 0;
-uint64_t HPCRLIB_CALL JobStart(HPCRLIB_OutputCallback, void*, uint32_t, uint32_t) {
-    return 7;
-}
-uint32_t HPCRLIB_CALL JobEnd(uint64_t) {
-    return refusedEnd == 0 ? 5 : 1;
-}
-uint32_t HPCRLIB_CALL PageStart(uint64_t, uint32_t, uint32_t) {
-    return 1;
-}
-uint32_t HPCRLIB_CALL BlockStart(uint64_t, uint32_t, uint32_t, uint32_t, uint32_t) {
-    return 1;
-}
-uint32_t HPCRLIB_CALL Row(uint64_t, const uint32_t*) {
-    return rowsSeen++ == refusedRow ? 0 : 1;
-}
-uint32_t HPCRLIB_CALL End(uint64_t) {
-    return 1;
-}
-
-PrintEngine RefusingEngine(uint32_t row, uint32_t jobEnd) {
-    refusedRow = row;
-    refusedEnd = jobEnd;
-    rowsSeen = 0;
-    return {JobStart, JobEnd, PageStart, BlockStart, Row, End, End};
 }
 
 }  // namespace
@@ -218,17 +190,19 @@ TEST_F(OrvexPrintTest, LeavesAnEarlierOutputWhenTheJobFails) {
 }
 
 TEST_F(OrvexPrintTest, TellsOfAnEngineCallThatTheDriverSwallows) {
-    engine = RefusingEngine(5, UINT32_MAX);
+    engine = kRefusingEngine;
+    RefusingEngine::refusedRow = 5;
     EXPECT_EQ(Run({"--size", "30x40mm", "-o", Text("out.prn"), WritePage("a.png")}), kExitFailed);
     EXPECT_EQ(error, "orvexprint: the job did not print: HPCRLIB_RasterRow of row 5 was refused (0)\n");
-    engine = RefusingEngine(UINT32_MAX, 0);
+    RefusingEngine::Reset();
+    RefusingEngine::jobEnd = 5;
     EXPECT_EQ(Run({"--size", "30x40mm", "-o", Text("out.prn"), WritePage("a.png")}), kExitFailed);
     EXPECT_EQ(error, "orvexprint: the job did not print: HPCRLIB_JobEnd was refused (5)\n");
     EXPECT_TRUE(NothingWasWritten());
 }
 
 TEST_F(OrvexPrintTest, TellsOfAJobThatTheDriverRefuses) {
-    engine = RefusingEngine(UINT32_MAX, UINT32_MAX);
+    engine = kRefusingEngine;
     engine->HPCRLIB_PageEnd = nullptr;
     EXPECT_EQ(Run({"--size", "30x40mm", "-o", Text("out.prn"), WritePage("a.png")}), kExitFailed);
     EXPECT_EQ(

@@ -12,12 +12,12 @@ using testing::StartsWith;
 
 namespace {
 
-std::vector<uint32_t> Pixels(const RasterImage& image) {
+std::vector<uint32_t> DecodedPixels(const RasterImage& image) {
     return {image.pixels.get(), image.pixels.get() + size_t{image.width} * image.height};
 }
 
 // What the decoder says of a bad file; empty when it takes it.
-std::string Complaint(const std::vector<uint8_t>& file) {
+std::string DecodingError(const std::vector<uint8_t>& file) {
     try {
         DecodePng(file);
         return {};
@@ -44,29 +44,29 @@ TEST(PngPage, BecomesPixelsOfRedGreenAndBlue) {
                                                                             7, 8, 9, 255, 255, 0, 0, 255}));
     EXPECT_EQ(image.width, 2u);
     EXPECT_EQ(image.height, 2u);
-    EXPECT_THAT(Pixels(image), ElementsAre(0x010203u, 0x040506u, 0x070809u, 0xFF0000u));
+    EXPECT_THAT(DecodedPixels(image), ElementsAre(0x010203u, 0x040506u, 0x070809u, 0xFF0000u));
     EXPECT_FALSE(image.density);
 }
 
 TEST(PngPage, ShowsTheLabelsWhiteWhereItIsTransparent) {
     const RasterImage image =
         DecodePng(MakePng({.width = 4, .height = 1}, {0, 0, 0, 0, 0, 0, 0, 255, 255, 0, 0, 128, 9, 9, 9, 1}));
-    EXPECT_THAT(Pixels(image), ElementsAre(0xFFFFFFu, 0x000000u, 0xFF7F7Fu, 0xFEFEFEu));
+    EXPECT_THAT(DecodedPixels(image), ElementsAre(0xFFFFFFu, 0x000000u, 0xFF7F7Fu, 0xFEFEFEu));
 }
 
 TEST(PngPage, MayBeOfAnyColourType) {
-    EXPECT_THAT(Pixels(DecodePng(MakePng({.width = 2, .color = LCT_GREY}, {0, 200}))),
+    EXPECT_THAT(DecodedPixels(DecodePng(MakePng({.width = 2, .color = LCT_GREY}, {0, 200}))),
                 ElementsAre(0u, 0xC8C8C8u));
-    EXPECT_THAT(Pixels(DecodePng(MakePng({.width = 8, .color = LCT_GREY, .bitDepth = 1}, {0x80})))[0],
+    EXPECT_THAT(DecodedPixels(DecodePng(MakePng({.width = 8, .color = LCT_GREY, .bitDepth = 1}, {0x80})))[0],
                 0xFFFFFFu);
-    EXPECT_THAT(Pixels(DecodePng(MakePng({.width = 2, .color = LCT_GREY_ALPHA}, {0, 255, 0, 0}))),
+    EXPECT_THAT(DecodedPixels(DecodePng(MakePng({.width = 2, .color = LCT_GREY_ALPHA}, {0, 255, 0, 0}))),
                 ElementsAre(0u, 0xFFFFFFu));
-    EXPECT_THAT(Pixels(DecodePng(MakePng({.width = 1, .color = LCT_RGB}, {1, 2, 3}))),
+    EXPECT_THAT(DecodedPixels(DecodePng(MakePng({.width = 1, .color = LCT_RGB}, {1, 2, 3}))),
                 ElementsAre(0x010203u));
-    EXPECT_THAT(Pixels(DecodePng(MakePng({.width = 2, .color = LCT_PALETTE}, {0, 1}))),
+    EXPECT_THAT(DecodedPixels(DecodePng(MakePng({.width = 2, .color = LCT_PALETTE}, {0, 1}))),
                 ElementsAre(0u, 0xFF0000u));
     EXPECT_THAT(
-        Pixels(DecodePng(MakePng({.width = 1, .color = LCT_RGB, .bitDepth = 16}, {1, 0, 2, 0, 3, 0}))),
+        DecodedPixels(DecodePng(MakePng({.width = 1, .color = LCT_RGB, .bitDepth = 16}, {1, 0, 2, 0, 3, 0}))),
         ElementsAre(0x010203u));
 }
 
@@ -76,7 +76,8 @@ TEST(PngPage, MayBeInterlaced) {
     const PngRecipe plain{.width = 17, .height = 13, .color = LCT_GREY};
     PngRecipe interlaced = plain;
     interlaced.interlaced = true;
-    EXPECT_EQ(Pixels(DecodePng(MakePng(plain, samples))), Pixels(DecodePng(MakePng(interlaced, samples))));
+    EXPECT_EQ(DecodedPixels(DecodePng(MakePng(plain, samples))),
+              DecodedPixels(DecodePng(MakePng(interlaced, samples))));
     // The smallest ones have more passes than rows.
     EXPECT_EQ(DecodePng(MakePng({.width = 1, .height = 1, .color = LCT_GREY, .interlaced = true}, {5})).width,
               1u);
@@ -97,14 +98,14 @@ TEST(PngPage, TellsItsDensityWhenItIsInMetres) {
 }
 
 TEST(PngPage, IsRefusedWhenItIsNoPng) {
-    EXPECT_THAT(Complaint({}), StartsWith("is a damaged PNG file: "));
-    EXPECT_EQ(Complaint(std::vector<uint8_t>(100, 'x')), "is no PNG file");
+    EXPECT_THAT(DecodingError({}), StartsWith("is a damaged PNG file: "));
+    EXPECT_EQ(DecodingError(std::vector<uint8_t>(100, 'x')), "is no PNG file");
 }
 
 TEST(PngPage, IsRefusedWhereverItIsCutShort) {
     const std::vector<uint8_t> whole = MakePlainPng(9, 9, 11811, 0x102030);
     for (size_t size = 0; size < whole.size() - 12; ++size) {
-        EXPECT_THAT(Complaint({whole.begin(), whole.begin() + static_cast<ptrdiff_t>(size)}),
+        EXPECT_THAT(DecodingError({whole.begin(), whole.begin() + static_cast<ptrdiff_t>(size)}),
                     StartsWith("is a damaged"))
             << size;
     }
@@ -116,25 +117,25 @@ TEST(PngPage, IsNeverTrustedWithAnyByteChanged) {
         for (const int flip : {1, 0x80, 0xFF}) {
             std::vector<uint8_t> damaged = whole;
             damaged[at] ^= static_cast<uint8_t>(flip);
-            Complaint(damaged);  // must come back, with a picture or with a complaint
+            DecodingError(damaged);  // must come back, with a picture or with a complaint
         }
     }
 }
 
 TEST(PngPage, IsRefusedWhenItClaimsMoreThanAnyLabelHolds) {
     const std::vector<uint8_t> tiny = MakePlainPng(2, 2, 0);
-    EXPECT_EQ(Complaint(WithClaimedSize(tiny, 2147483647, 2147483647)),
+    EXPECT_EQ(DecodingError(WithClaimedSize(tiny, 2147483647, 2147483647)),
               "is larger than any label: 2147483647 x 2147483647 pixels");
-    EXPECT_EQ(Complaint(WithClaimedSize(tiny, 20000, 20000)),
+    EXPECT_EQ(DecodingError(WithClaimedSize(tiny, 20000, 20000)),
               "is larger than any label: 20000 x 20000 pixels");
-    EXPECT_THAT(Complaint(WithClaimedSize(tiny, 0, 4)), StartsWith("is a damaged"));
+    EXPECT_THAT(DecodingError(WithClaimedSize(tiny, 0, 4)), StartsWith("is a damaged"));
 }
 
 TEST(PngPage, IsRefusedWhenItUnpacksToMoreThanItsSize) {
     // 4 MB of zeros behind a header that claims one grey pixel.
     const std::vector<uint8_t> bomb =
         MakePng({.width = 2048, .height = 2048, .color = LCT_GREY}, std::vector<uint8_t>(2048 * 2048));
-    EXPECT_THAT(Complaint(WithClaimedSize(bomb, 1, 1)), StartsWith("is a damaged"));
+    EXPECT_THAT(DecodingError(WithClaimedSize(bomb, 1, 1)), StartsWith("is a damaged"));
 }
 
 TEST(PngPage, OfAFileNamesItInEveryComplaint) {

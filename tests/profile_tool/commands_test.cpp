@@ -1,6 +1,6 @@
 // Native only: the tool needs Little CMS.
 #ifdef ORVEX_LITTLE_CMS
-#include "profile_tool/commands.h"
+#include "profile_tool/orvexprofile.h"
 
 #include <gmock/gmock.h>
 

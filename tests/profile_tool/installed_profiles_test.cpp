@@ -8,6 +8,7 @@
 #include "profile_tool/ink.h"
 #include "profile_tool/ink_statistics.h"
 #include "profile_tool/recipe.h"
+#include "tests/profile_tool/profile_samples.h"
 
 namespace {
 
@@ -38,11 +39,10 @@ class InstalledProfiles : public testing::TestWithParam<InstalledProfile> {
     }
 };
 
-constexpr PrintVariant kVariants[] = {PrintVariant::At600, PrintVariant::Other};
 constexpr uint32_t kGrey = 0x010101;
 
 TEST_P(InstalledProfiles, AreAcceptedByTheDriver) {
-    for (PrintVariant variant : kVariants) {
+    for (PrintVariant variant : kBothVariants) {
         const ProfileFacts facts = Load(variant);
         EXPECT_EQ(facts.version, 5);
         EXPECT_EQ(facts.Name(), GetParam().name);
@@ -52,7 +52,7 @@ TEST_P(InstalledProfiles, AreAcceptedByTheDriver) {
 }
 
 TEST_P(InstalledProfiles, PrintWhiteWithoutInk) {
-    for (PrintVariant variant : kVariants) {
+    for (PrintVariant variant : kBothVariants) {
         Load(variant);
         EXPECT_EQ(LookupColor(0xFFFFFF), 0u);
     }
@@ -71,7 +71,7 @@ TEST_P(InstalledProfiles, PrintBlackWithAllOfTheBlackInkAndSomeColour) {
 }
 
 TEST_P(InstalledProfiles, KeepAllInksTogetherWithinTheirLimit) {
-    for (PrintVariant variant : kVariants) {
+    for (PrintVariant variant : kBothVariants) {
         Load(variant);
         // At 600 dpi each amount is half of one within the limit, rounded up at most.
         const double limit = GetParam().limit * 255 / 100;
@@ -125,7 +125,7 @@ TEST_P(InstalledProfiles, PrintRampsOfPureInksWithNothingElse) {
         int shift;
         int ink;
     } ramps[] = {{16, kCyanInk}, {8, kMagentaInk}, {0, kYellowInk}};
-    for (PrintVariant variant : kVariants) {
+    for (PrintVariant variant : kBothVariants) {
         Load(variant);
         for (const auto& ramp : ramps) {
             uint32_t before = 0;
@@ -141,7 +141,7 @@ TEST_P(InstalledProfiles, PrintRampsOfPureInksWithNothingElse) {
 }
 
 TEST_P(InstalledProfiles, KeepNearlyWhitePaperClean) {
-    for (PrintVariant variant : kVariants) {
+    for (PrintVariant variant : kBothVariants) {
         Load(variant);
         for (uint32_t red = 240; red < 256; ++red) {
             for (uint32_t green = 240; green < 256; ++green) {

@@ -5,9 +5,12 @@
 #include <sstream>
 #include <string>
 
+#include "profile_tool/driver_colors.h"
 #include "profile_tool/ink.h"
 #include "profile_tool/profile.h"
 #include "profile_tool/profile_writer.h"
+
+constexpr PrintVariant kBothVariants[] = {PrintVariant::At600, PrintVariant::Other};
 
 // An ink value that no other colour has in the same variant, and that is never the "not computed" mark.
 inline uint32_t SampleInks(uint32_t color, bool at600) {

@@ -13,7 +13,7 @@ namespace {
 constexpr std::string_view kStart = "\x1B%-12345X@PJL\n";
 constexpr std::string_view kEnd = "@PJL ENTER LANGUAGE=STANDIN\n";
 
-PjlHeader Read(const std::string& text) {
+PjlHeader ReadHeader(const std::string& text) {
     const std::vector<uint8_t> bytes = AsBytes(text);
     ByteReader reader(bytes);
     PjlHeader header = ReadPjlHeader(reader);
@@ -22,10 +22,10 @@ PjlHeader Read(const std::string& text) {
 }
 
 PjlHeader ReadLines(const std::string& lines) {
-    return Read(std::string(kStart) + lines + std::string(kEnd));
+    return ReadHeader(std::string(kStart) + lines + std::string(kEnd));
 }
 
-std::string ErrorOf(const std::string& text) {
+std::string HeaderErrorOf(const std::string& text) {
     const std::vector<uint8_t> bytes = AsBytes(text);
     ByteReader reader(bytes);
     try {
@@ -37,7 +37,7 @@ std::string ErrorOf(const std::string& text) {
 }
 
 std::string ErrorOfLines(const std::string& lines) {
-    return ErrorOf(std::string(kStart) + lines);
+    return HeaderErrorOf(std::string(kStart) + lines);
 }
 
 }  // namespace
@@ -91,17 +91,17 @@ TEST(PjlHeader, NumbersAreReadWhole) {
 }
 
 TEST(PjlHeader, SaysWhatIsWrongWithItsOpening) {
-    EXPECT_EQ(ErrorOf(""), "offset 0: \"\"; expected the universal exit ESC%-12345X");
-    EXPECT_EQ(ErrorOf("\x89PNG\r\n\x1A\nabcdefgh"),
+    EXPECT_EQ(HeaderErrorOf(""), "offset 0: \"\"; expected the universal exit ESC%-12345X");
+    EXPECT_EQ(HeaderErrorOf("\x89PNG\r\n\x1A\nabcdefgh"),
               "offset 0: \"\\x89PNG\\x0D\\x0A\\x1A\\x0Aabcd\"; expected the universal exit ESC%-12345X");
-    EXPECT_EQ(ErrorOf("\x1B%-12345X@PJX\n"), "offset 9: \"@PJX\"; expected the line \"@PJL\"");
-    EXPECT_EQ(ErrorOf("\x1B%-12345X@PJL"),
+    EXPECT_EQ(HeaderErrorOf("\x1B%-12345X@PJX\n"), "offset 9: \"@PJX\"; expected the line \"@PJL\"");
+    EXPECT_EQ(HeaderErrorOf("\x1B%-12345X@PJL"),
               "offset 9: the file ends within a PJL line: \"@PJL\"; expected a line feed");
 }
 
 TEST(PjlHeader, KnowsTheFramingChunkThatShouldNotBeThere) {
     EXPECT_EQ(
-        ErrorOf(PrintJob({{{1}}}).chunks[0] + std::string(kStart)),
+        HeaderErrorOf(PrintJob({{{1}}}).chunks[0] + std::string(kStart)),
         "offset 0: the engine's framing chunk, which the driver should have dropped; expected the universal "
         "exit ESC%-12345X");
 }

@@ -19,7 +19,7 @@ using testing::HasSubstr;
 namespace {
 
 // A label of 3 x 2 pixels, sent turned; two pages of it.
-const Rows kRows = {{0x000000FF, 0}, {0, 0}, {0, 0x0000FF00}};
+const Rows kPageRows = {{0x000000FF, 0}, {0, 0}, {0, 0x0000FF00}};
 const std::vector<Setting> kSettings = {{"COPIES", 2}, {"ORIGX", 3}, {"ORIGY", 2}, {"PHOFFSET", 20}};
 
 class ViewingTest : public testing::Test {
@@ -31,7 +31,7 @@ class ViewingTest : public testing::Test {
     }
 
     void PrintLabels(const std::string& lines = SettingLines(kSettings)) {
-        WriteBytes(PathFromUtf8(options_.file), MakeFile({kRows, kRows}, lines, kMode300Dpi));
+        WriteBytes(PathFromUtf8(options_.file), MakeFile({kPageRows, kPageRows}, lines, kMode300Dpi));
     }
 
     std::string Show() {
