@@ -53,6 +53,20 @@ function(orvex_compile_fast)
     set_source_files_properties(${ARGN} PROPERTIES COMPILE_OPTIONS "${ORVEX_COMPILED_FAST}" SKIP_PRECOMPILE_HEADERS ON)
 endfunction()
 
+# orvex_compile_together(TARGET): the sources of a target some at a time. Else each compiles again what all of them use of
+# templates and inline functions, and the linker sorts it out. What reads the sources one by one sets ORVEX_EACH_SOURCE.
+option(ORVEX_EACH_SOURCE "Compile every source by itself" OFF)
+function(orvex_compile_together target)
+    if(ORVEX_EACH_SOURCE)
+        return()
+    endif()
+    set_target_properties(${target} PROPERTIES UNITY_BUILD ON)
+    if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+        # A source that is included is no header, whatever its unnamed namespaces look like.
+        target_compile_options(${target} PRIVATE -Wno-subobject-linkage)
+    endif()
+endfunction()
+
 # UBSan is for what is tested; in the tests it would cost a third of their compilation.
 set(ORVEX_TEST_OPTIONS ${ORVEX_COMPILED_FAST})
 if(ORVEX_SANITIZE MATCHES undefined)
@@ -72,6 +86,7 @@ function(orvex_test room)
     target_link_libraries(${room}_tests PRIVATE ${test_UNPARSED_ARGUMENTS} orvex_testing)
     target_compile_options(${room}_tests PRIVATE ${ORVEX_TEST_OPTIONS})
     target_precompile_headers(${room}_tests REUSE_FROM orvex_testing)
+    orvex_compile_together(${room}_tests)
     add_dependencies(${room}_tests hpcrlib)
     list(PREPEND test_USES $<TARGET_FILE:${room}_tests> $<TARGET_FILE:hpcrlib>)
     if(WIN32 AND orvex_host IN_LIST test_UNPARSED_ARGUMENTS)
