@@ -283,7 +283,11 @@ TEST_F(LabelSizes, AWrittenLabelIsReadBack) {
     const List list = Read();
     ASSERT_EQ(list.labels.size(), 1u);
     const LabelSize expected = Label(65535);
-    EXPECT_EQ(memcmp(&list.labels[0], &expected, sizeof expected), 0);
+    EXPECT_STREQ(list.labels[0].name, expected.name);
+    EXPECT_STREQ(list.labels[0].width, expected.width);
+    EXPECT_STREQ(list.labels[0].length, expected.length);
+    EXPECT_EQ(list.labels[0].units, expected.units);
+    EXPECT_EQ(list.labels[0].number, expected.number);
 }
 
 TEST_F(LabelSizes, TextsWithoutTerminatorAreWrittenWithOne) {
