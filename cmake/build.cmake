@@ -54,7 +54,8 @@ function(orvex_compile_fast)
 endfunction()
 
 # orvex_compile_together(TARGET): the sources of a target some at a time. Else each compiles again what all of them use of
-# templates and inline functions, and the linker sorts it out. What reads the sources one by one sets ORVEX_EACH_SOURCE.
+# templates and inline functions, and the linker sorts it out. Names in their unnamed namespaces must differ, then. What
+# reads the sources one by one sets ORVEX_EACH_SOURCE.
 option(ORVEX_EACH_SOURCE "Compile every source by itself" OFF)
 function(orvex_compile_together target)
     if(ORVEX_EACH_SOURCE)

@@ -6,7 +6,7 @@
 
 namespace {
 
-// Some steps end within a hundredth of every curve's straight part.
+// So fine that some steps lie within a hundredth of where each curve's straight part ends.
 constexpr double kStep = 1.0 / 65536;
 constexpr double kTolerance = 1e-9;
 
