@@ -4,6 +4,7 @@
 #include "config/label_length.h"
 #include "config/label_sizes.h"
 #include "driver/device_capabilities.h"
+#include "driver/job_state.h"
 #include "support/log.h"
 #include "support/module.h"
 
@@ -127,7 +128,12 @@ extern "C" void APIENTRY DrvCompletePDEV(DHPDEV dhpdev, HDEV hdev) {
 
 extern "C" void APIENTRY DrvDisablePDEV(DHPDEV dhpdev) {
     const TraceScope trace("DrvDisablePDEV");
-    if (PDEV* pdev = RequireInstance(dhpdev)) LocalFree(pdev);
+    PDEV* pdev = RequireInstance(dhpdev);
+    if (pdev == nullptr) return;
+    // The engine may still write when the job is ended later. Without an instance the output callback refuses
+    // those bytes.
+    if (g_pCurrentPdev == pdev) g_pCurrentPdev = nullptr;
+    LocalFree(pdev);
 }
 
 // The page size is deliberately the old instance's: a reset in the middle of a job never changes the page

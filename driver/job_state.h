@@ -29,7 +29,9 @@ struct StageMaxima {
 constexpr signed char kHpresUnset = '0';  // what g_cHpres holds until a value has been set for the job
 constexpr size_t kMaxNarrowName = 512;    // bytes of a job's or profile's narrow name, terminator included
 
-extern PDEV* g_pCurrentPdev;  // instance of the running job; its address is the engine's callback context
+// The instance of the running job; null without a job, and once that instance is disabled. Its address is the
+// engine's callback context.
+extern PDEV* g_pCurrentPdev;
 extern HMODULE g_hHpcrlib;    // the engine's library while bound, else null
 extern PrintEngine g_engine;  // its entry points
 extern uint64_t g_hJob;

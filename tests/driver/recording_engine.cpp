@@ -22,9 +22,14 @@ struct RecordingEntryPoints {
         Note("JobStart", mode, reserved);
         current->output = output;
         current->context = context;
+        if (current->onJobStart) current->onJobStart();
         return current->Status("JobStart") == 1 ? RecordingEngine::kJob : 0;
     }
-    static uint32_t HPCRLIB_CALL JobEnd(uint64_t job) { return Noted("JobEnd", job); }
+    static uint32_t HPCRLIB_CALL JobEnd(uint64_t job) {
+        Note("JobEnd");
+        if (current->onJobEnd) current->onJobEnd();
+        return Checked("JobEnd", job);
+    }
     static uint32_t HPCRLIB_CALL PageStart(uint64_t job, uint32_t width, uint32_t length) {
         Note("PageStart", width, length);
         if (current->onPageStart) current->onPageStart();

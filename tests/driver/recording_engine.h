@@ -32,6 +32,8 @@ class RecordingEngine {
 
     std::vector<std::string> calls;           // every call but the rows, with its arguments
     std::vector<std::vector<uint32_t>> rows;  // of the current block
+    std::function<void()> onJobStart;         // inside HPCRLIB_JobStart
+    std::function<void()> onJobEnd;           // inside HPCRLIB_JobEnd
     std::function<void()> onPageStart;        // inside HPCRLIB_PageStart
     // Is given each row of a page that is too large for all of its rows to be kept; none is then.
     std::function<void(std::span<const uint32_t> row)> onRow;
