@@ -82,6 +82,8 @@ bool StartNewJob(PDEV* pdev, const SURFOBJ* surface, const WCHAR* documentName) 
     NarrowText(g_szJobName, sizeof g_szJobName, {documentName, TextLength(documentName)});
     pdev->flags |= PDEV_IN_JOB;
     g_nPage = 0;
+    // A switch that the job before left over belongs to a page of that job. The new job drops it: it must
+    // neither be patched into what the engine writes at job start nor count as missed on the first page.
     g_resolutionSwitch = {};
 
     if (!BindPrintEngine()) return false;
@@ -89,6 +91,8 @@ bool StartNewJob(PDEV* pdev, const SURFOBJ* surface, const WCHAR* documentName) 
     if (!StartEngineJob(pdev, surface, resolutionMode)) return false;
     LoadJobProfile(pdev->devmode.priv, resolutionMode);
     AdjustJobColors(pdev->devmode.priv);
+    // Deliberately last: what the engine writes inside HPCRLIB_JobStart passes under the flags that the job
+    // before left. This job's framing and header are still to come then.
     g_bFirstChunk = true;
     g_bHeaderPending = true;
     return true;

@@ -1,0 +1,182 @@
+// What the print engine writes inside HPCRLIB_JobStart. The job's instance, name and page size are set by
+// then; its profile is not loaded, and the flags of the output callback are those that the job before left:
+// they are set for this job only when all of its start is done.
+
+#include "driver/device_instance.h"
+#include "driver/job_state.h"
+#include "tests/driver/driver_fixture.h"
+#include "tests/driver/plain_header.h"
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::Not;
+
+namespace {
+
+constexpr char kFraming[] = "\x40\x20\x20_\x20\x20\x40";  // its ends add up to 256
+constexpr char kSwitch[] = "\x1B*o-1M";
+
+class JobStartOutput : public DriverTest {
+  protected:
+    JobStartOutput() {
+        Session();
+#ifndef _WIN32
+        g_bFirstChunk = g_bHeaderPending = false;  // natively the driver is loaded once for all tests
+#endif
+    }
+
+    // Hands a chunk to the callback, which takes it, and returns the bytes that were written.
+    std::string Written(std::string_view chunk) {
+        Printer().written.clear();
+        EXPECT_EQ(engine.Output(chunk), 1);
+        return Printer().written;
+    }
+
+    // Starts a job in which the engine writes these chunks inside HPCRLIB_JobStart; what each of them became.
+    std::vector<std::string> Start(Device& device, const std::string& title,
+                                   std::initializer_list<std::string_view> chunks) {
+        std::vector<std::string> written;
+        engine.onJobStart = [&] {
+            for (const std::string_view chunk : chunks) written.push_back(Written(chunk));
+        };
+        EXPECT_TRUE(Session().StartDoc(device, title));
+        engine.onJobStart = nullptr;
+        return written;
+    }
+
+    // The framing and the header of a job that has started are still to come, whatever came inside its start.
+    void ExpectFramingAndHeaderToCome(const HeaderFacts& facts) {
+        EXPECT_EQ(Written(kFraming), "");
+        EXPECT_EQ(Written(kComment), PlainHeader(facts) + kComment);
+        EXPECT_EQ(Written(kFraming), kFraming);
+        EXPECT_EQ(Written(kComment), kComment);
+    }
+
+    // A landscape device without a profile, so that a header shows whose facts it has.
+    std::unique_ptr<Device> EnableOther() {
+        std::filesystem::remove_all(installation.Path() / "profiles");
+        DeviceMode mode = Mode();
+        mode.pub.dmOrientation = DMORIENT_LANDSCAPE;
+        mode.priv.colorProfile[0] = 0;
+        return Enable(mode);
+    }
+    static HeaderFacts OtherFacts(const std::string& title) {
+        return {title, "Default", '0', 472, 354};
+    }
+    // Those of a header that is written before the other job's profile is loaded.
+    static HeaderFacts EarlyFacts(const std::string& title) {
+        return {title, "Test colours", 3, 472, 354};
+    }
+};
+
+}  // namespace
+
+TEST_F(JobStartOutput, PassesAsItIsInAFreshProcess) {
+    const auto device = Enable(Mode());
+    EXPECT_THAT(Start(*device, "first", {kFraming, kComment, kFraming}),
+                ElementsAre(kFraming, kComment, kFraming));
+    ExpectFramingAndHeaderToCome({.jobName = "first"});
+    Session().EndDoc(*device);
+}
+
+TEST_F(JobStartOutput, PassesAsItIsAfterAJobThatWroteItsHeader) {
+    const auto device = Enable(Mode());
+    Start(*device, "first", {});
+    Written(kComment);
+    Session().EndDoc(*device);
+    EXPECT_THAT(Start(*device, "second", {kFraming, kComment, kFraming}),
+                ElementsAre(kFraming, kComment, kFraming));
+    ExpectFramingAndHeaderToCome({.jobName = "second"});
+    Session().EndDoc(*device);
+}
+
+TEST_F(JobStartOutput, LosesItsFramingAndGetsAHeaderAfterAJobThatWroteNothing) {
+    const auto device = Enable(Mode());
+    Start(*device, "first", {});
+    Session().EndDoc(*device);
+    const auto other = EnableOther();
+    EXPECT_THAT(Start(*other, "second", {kFraming, std::string("early ") + kComment, kFraming, kComment}),
+                ElementsAre("", "early " + PlainHeader(EarlyFacts("second")) + kComment, kFraming, kComment));
+    ExpectFramingAndHeaderToCome(OtherFacts("second"));
+    Session().EndDoc(*other);
+}
+
+TEST_F(JobStartOutput, GetsAHeaderAfterAJobThatWroteNone) {
+    const auto device = Enable(Mode());
+    Start(*device, "first", {});
+    Written("page");
+    Session().EndDoc(*device);
+    const auto other = EnableOther();
+    EXPECT_THAT(Start(*other, "second", {kFraming, kComment, kComment}),
+                ElementsAre(kFraming, PlainHeader(EarlyFacts("second")) + kComment, kComment));
+    ExpectFramingAndHeaderToCome(OtherFacts("second"));
+    Session().EndDoc(*other);
+}
+
+TEST_F(JobStartOutput, FindsTheFlagsOfAJobThatWasNeverEnded) {
+    const auto device = Enable(Mode());
+    Start(*device, "first", {});
+    const auto other = EnableOther();
+    EXPECT_THAT(Start(*other, "second", {kFraming, kComment, kFraming}),
+                ElementsAre("", PlainHeader(EarlyFacts("second")) + kComment, kFraming));
+    ExpectFramingAndHeaderToCome(OtherFacts("second"));
+    Session().EndDoc(*other);
+}
+
+TEST_F(JobStartOutput, GoesToTheNewPrinterAfterTheEndOfAJobThatWasNeverEnded) {
+    const auto device = Enable(Mode());
+    Start(*device, "first", {});
+    const auto other = EnableOther();
+    const Spooler::Printer& otherPrinter = PrintSpooler().AddPrinter("Other", "Orvex Series");
+    const HANDLE handle = PrintSpooler().Open("Other");
+    InstanceOf(*other).hPrinter = handle;
+
+    std::string late;
+    engine.onJobEnd = [&] { late = Written(kComment); };
+    Start(*other, "second", {kFraming, kComment});
+    engine.onJobEnd = nullptr;
+    EXPECT_EQ(late, PlainHeader({.jobName = "first"}) + kComment);
+    EXPECT_EQ(otherPrinter.written, std::string(kFraming) + kComment);
+    Session().EndDoc(*other);
+    EXPECT_TRUE(PrintSpooler().Close(handle));
+}
+
+TEST_F(JobStartOutput, IsNotPatchedWithASwitchThatTheJobBeforeLeftOver) {
+    for (const bool ended : {true, false}) {
+        SCOPED_TRACE(ended ? "ended" : "never ended");
+        const auto device = StartPage(Mode());
+        Written(kComment);
+        ASSERT_TRUE(Session().SendPage(*device));  // arms the switch, which nothing consumes
+        if (ended) {
+            ASSERT_TRUE(Session().EndDoc(*device));
+        }
+        const auto next = Enable(Mode());
+        EXPECT_THAT(Start(*next, "second", {kSwitch}), ElementsAre(kSwitch));
+        EXPECT_EQ(Written(kSwitch), kSwitch);
+        ASSERT_TRUE(Session().EndDoc(*next));
+    }
+}
+
+TEST_F(JobStartOutput, ComesAfterTheSwitchOfAJobThatWasNeverEndedTookEffect) {
+    const auto device = StartPage(Mode());
+    Written(kComment);
+    ASSERT_TRUE(Session().SendPage(*device));
+    std::string late;
+    engine.onJobEnd = [&] { late = Written(kSwitch); };
+    EXPECT_THAT(Start(*device, "second", {kSwitch}), ElementsAre(kSwitch));
+    engine.onJobEnd = nullptr;
+    EXPECT_EQ(late, "\x1B*o3M");
+    Session().EndDoc(*device);
+}
+
+TEST_F(JobStartOutput, LeavesNoMissedSwitchToReport) {
+    const auto device = StartPage(Mode());
+    ASSERT_TRUE(Session().SendPage(*device));
+    Session().EndDoc(*device);
+    Start(*device, "second", {});
+    ASSERT_TRUE(Session().StartPage(*device));
+    LogLines();
+    ASSERT_TRUE(Session().SendPage(*device));
+    EXPECT_THAT(LogLines(), Not(testing::Contains(HasSubstr("res missed"))));
+    Session().EndDoc(*device);
+}
