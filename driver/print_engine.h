@@ -4,7 +4,8 @@
 #include "support/platform.h"
 
 // Makes the installation folder current, which it stays until the job ends, loads hpcrlib.dll and resolves
-// its seven entry points into g_engine. On failure the reason is logged, nothing stays loaded, the current
+// its seven entry points into g_engine. A folder that can't be entered is no failure: the library is loaded
+// from wherever the system finds it. On failure the reason is logged, nothing stays loaded, the current
 // directory is what it was, and the last error is that of the call that failed.
 bool BindPrintEngine();
 

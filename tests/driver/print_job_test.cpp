@@ -21,7 +21,6 @@ class PrintJob : public DriverTest {
     PrintJob() : directoryBefore_(fs::current_path()) {}
     ~PrintJob() override { EXPECT_EQ(fs::current_path(), directoryBefore_); }
 
-    bool InInstallationFolder() const { return fs::equivalent(fs::current_path(), installation.Path()); }
     bool Start(const std::unique_ptr<Device>& device, const std::string& title = "title") {
         return Session().StartDoc(*device, title, 42);
     }
@@ -38,20 +37,6 @@ class PrintJob : public DriverTest {
 };
 
 }  // namespace
-
-TEST_F(PrintJob, BindsTheEngineForItsTimeOnly) {
-    const auto device = Enable(Mode());
-    EXPECT_FALSE(Session().Engine().Bound());
-    ASSERT_TRUE(Start(device));
-    EXPECT_TRUE(Session().Engine().Bound());
-    EXPECT_TRUE(InInstallationFolder());
-    EXPECT_EQ(InstanceOf(*device).flags, PDEV_IN_JOB);
-    ASSERT_TRUE(Session().EndDoc(*device));
-    EXPECT_FALSE(Session().Engine().Bound());
-    EXPECT_FALSE(InInstallationFolder());
-    EXPECT_EQ(InstanceOf(*device).flags, 0u);
-    EXPECT_THAT(engine.calls, ElementsAre("JobStart 0 0", "JobEnd"));
-}
 
 TEST_F(PrintJob, TakesNoOutputOnceItHasEnded) {
     const auto device = StartPage(Mode());
@@ -178,89 +163,6 @@ TEST_F(PrintJob, AppliesTheAdjustmentWhenAnyValueIsSet) {
               Contains(
                   "[Error] ca 105.000000,0.005000,0.020000,200.000000,-163.467500,300.000000,250.000000")));
     Session().EndDoc(*device);
-}
-
-TEST_F(PrintJob, FailsWithoutAnInstallationFolder) {
-    mask = 3;
-    const auto device = Enable(Mode());
-    Session().Shell().FailFolder(ERROR_ACCESS_DENIED);
-    LogLines();
-    EXPECT_FALSE(Start(device));
-    EXPECT_THAT(LogLines(),
-                AllOf(Contains("[Error] Error: could get app path"), Contains("[Trace] Return: FALSE")));
-    EXPECT_FALSE(Session().Engine().Bound());
-}
-
-TEST_F(PrintJob, FailsWithoutTheEnginesLibrary) {
-    const auto device = Enable(Mode());
-    Session().Engine().FailLoading(true);
-    LogLines();
-    EXPECT_FALSE(Start(device));
-    EXPECT_THAT(LogLines(), AllOf(Contains("[Error] Error: could not load hpcrlib.DLL"),
-                                  Not(Contains(HasSubstr("could not get")))));  // looks for nothing in it
-}
-
-TEST_F(PrintJob, LoadsNoLibraryFromElsewhereWhenTheInstallationFolderCannotBeEntered) {
-    const auto device = Enable(Mode());
-    const fs::path before = fs::current_path();
-    fs::remove_all(installation.Path());
-    LogLines();
-    EXPECT_FALSE(Start(device));
-    EXPECT_THAT(LogLines(), Contains("[Error] Error: could not load hpcrlib.DLL"));
-    EXPECT_EQ(Session().Engine().Books().loads, 0u);
-    EXPECT_EQ(fs::current_path(), before);
-}
-
-TEST_F(PrintJob, FailsForEachMissingEntryPoint) {
-    for (const PrintEngineExport& missing : kPrintEngineExports) {
-        PrintEngine entries = engine.Entries();
-        *missing.In(entries) = nullptr;
-        Restart(entries);
-        const auto device = Enable(Mode());
-        LogLines();
-        EXPECT_FALSE(Start(device));
-        EXPECT_THAT(LogLines(),
-                    Contains("[Error] Error: could not get \"" + std::string(missing.name) + "\" address"));
-        EXPECT_EQ(Session().Engine().Books().loads, 1u);
-        EXPECT_FALSE(Session().Engine().Bound());
-        EXPECT_FALSE(InInstallationFolder());
-    }
-}
-
-TEST_F(PrintJob, NamesTheFirstMissingEntryPointOnly) {
-    Restart(PrintEngine{});
-    const auto device = Enable(Mode());
-    LogLines();
-    EXPECT_FALSE(Start(device));
-    EXPECT_THAT(LogLines(), AllOf(Contains("[Error] Error: could not get \"HPCRLIB_JobStart\" address"),
-                                  Not(Contains("[Error] Error: could not get \"HPCRLIB_JobEnd\" address"))));
-}
-
-namespace {
-
-int directoryChanges = 0;
-
-// Goes nowhere, and says so from the second time on.
-BOOL WINAPI ChangeDirectoryOnce(LPCWSTR) {
-    if (++directoryChanges == 1) return TRUE;
-    SetLastError(ERROR_ACCESS_DENIED);
-    return FALSE;
-}
-
-}  // namespace
-
-TEST_F(PrintJob, LeavesTheErrorOfTheEnginesLibraryThoughTheDirectoryCannotBeRestored) {
-    for (const DWORD code : {ERROR_MOD_NOT_FOUND, ERROR_PROC_NOT_FOUND}) {
-        Restart(PrintEngine{});
-        const auto device = Enable(Mode());
-        Session().Engine().FailLoading(code == ERROR_MOD_NOT_FOUND);
-        const ImportPatch patch(Session().Driver().Module(), "SetCurrentDirectoryW",
-                                reinterpret_cast<void*>(&ChangeDirectoryOnce));
-        directoryChanges = 0;
-        EXPECT_FALSE(Start(device));
-        EXPECT_EQ(GetLastError(), code);
-        EXPECT_EQ(directoryChanges, 2);
-    }
 }
 
 TEST_F(PrintJob, FailsWhenTheEngineStartsNone) {
@@ -397,21 +299,6 @@ TEST_F(PrintJob, AsksForTheDriversNameInEveryHook) {
     EXPECT_TRUE(Session().StartPage(*device) && asked());
     EXPECT_TRUE(Session().SendPage(*device) && asked());
     EXPECT_TRUE(Session().EndDoc(*device) && asked());
-}
-
-TEST_F(PrintJob, StaysWhereItIsWhenTheCurrentDirectoryCannotBeTold) {
-    const auto device = Enable(Mode());
-    ASSERT_TRUE(Start(device));  // leaves a directory to go back to
-    ASSERT_TRUE(Session().EndDoc(*device));
-    const fs::path before = fs::current_path();
-    {
-        const ImportPatch patch(Session().Driver().Module(), "GetCurrentDirectoryW",
-                                reinterpret_cast<void*>(+[](DWORD, LPWSTR) WINAPI -> DWORD { return 0; }));
-        ASSERT_TRUE(Start(device));
-        ASSERT_TRUE(Session().EndDoc(*device));
-    }
-    EXPECT_TRUE(InInstallationFolder());
-    fs::current_path(before);
 }
 
 TEST_F(PrintJob, LeavesNoPrinterHandleOpen) {

@@ -245,7 +245,7 @@ const DocumentedAnswer kAnswers[] = {
     {"WideCharToMultiByte 0",  "DrvStartDoc 1", "EngEraseSurface", "GetCurrentDirectoryW", kNone, kTitleCut},
     {FOLDER,                   "DrvStartDoc 1", "", "GetCurrentDirectoryW", "DrvStartDoc 1", kNoJob, "[Error] Error: could get app path"},
     {"GetCurrentDirectoryW",   "DrvStartDoc 1", "", "", kNone, kUnchanged, "", Leaves::Directory},
-    {"SetCurrentDirectoryW *", "DrvStartDoc 1", "", "", "DrvStartDoc 1", kNoJob, "[Error] Error: could not load hpcrlib.DLL"},
+    {"SetCurrentDirectoryW *", "DrvStartDoc 1", "", "", kNone, kNoProfile},  // no refusal; the profile's path is relative
     {"SetCurrentDirectoryW *", "DrvEndDoc 1", "", "", kNone, kUnchanged, "", Leaves::Directory},
     {"LoadLibraryW *",         "", "", "", "DrvStartDoc 1", kNoJob, "[Error] Error: could not load hpcrlib.DLL"},
     {"GetProcAddress *",       "", "", "", "DrvStartDoc 1", kNoJob, "[Error] Error: could not get \"{}\" address"},
