@@ -5,8 +5,9 @@
 #include "render/page_layout.h"
 #include "support/platform.h"
 
-// Sends the rows of an opened raster block: fill rows, image rows with the purge bar, fill rows. False when a
-// row was refused, or memory for the rows was short, which is logged; no further row is sent then.
+// Sends the rows of an opened raster block: fill rows, image rows with the purge bar, fill rows. No side of
+// the bitmap may be negative. Returns false, and logs it, when the engine refuses a row or when there is no
+// memory for the rows; no further row is sent then.
 bool SendRasterRows(const PDEV& pdev, const SURFOBJ& surface, const PageLayout& layout);
 
 // Logs a duration since `startTick`, "...%dms...", when it is longer than every earlier one of its kind in

@@ -67,7 +67,14 @@ void LogPrintHeadOffset(const PageLayout& layout) {
     }
 }
 
+// Returns whether a side of the bitmap is negative. No graphics engine makes such a bitmap, and no row and no
+// thumbnail can be made of it.
+bool HasNegativeSide(const SURFOBJ& surface) {
+    return surface.sizlBitmap.cx < 0 || surface.sizlBitmap.cy < 0;
+}
+
 void MakeThumbnail(const SURFOBJ& surface) {
+    if (HasNegativeSide(surface)) return;
     if (!LookupFlag("[Driver]", "Add_Thumb=")) return;
     if (surface.iBitmapFormat == BMF_24BPP) return;  // has not the 32 bits a pixel that a thumbnail reads
     BuildPageThumbnail(static_cast<const uint32_t*>(surface.pvBits), surface.sizlBitmap.cx,
@@ -103,6 +110,12 @@ bool Succeeded(uint32_t status, const char* refusal) {
 }
 
 void SendToEngine(const PDEV& pdev, const SURFOBJ& surface, const PageLayout& layout) {
+    // Refused before the engine opens the page, so that it takes the next one.
+    if (HasNegativeSide(surface)) {
+        LogError("Error: could not send a page of %dx%d pixels", surface.sizlBitmap.cx,
+                 surface.sizlBitmap.cy);
+        return;
+    }
     const auto topOff = static_cast<uint32_t>(layout.placed.topOff);
     const auto rowWidth = static_cast<uint32_t>(layout.rowWidth);
     const auto headRows = static_cast<uint32_t>(layout.headRows);
