@@ -5,10 +5,11 @@
 #include "config/device_mode.h"
 #include "support/platform.h"
 
-// Takes the caller's settings over into `destination`, the printer's valid defaults, and validates the
-// result. `source` may be null (TRUE, nothing is done) or of another public layout. Where `source` has room
-// for a profile or a label but names none of the printer's, they are written into `source` itself. FALSE,
-// when memory is short or the source can't be read, leaves `destination` unchanged.
+// Merges the caller's settings into `destination`, which holds the printer's defaults, and validates the
+// result. `source` may be of another public layout. Where it has room for a profile or a label but names none
+// of the printer's, they are written into `source` itself. Returns TRUE without doing anything when `source`
+// is null, and FALSE when it can't be read or the process is out of memory. In both cases `destination` stays
+// as it was; the defaults are not valid in every field, since only validation fills in some of them.
 BOOL MergeDevMode(DeviceMode* destination, DEVMODEW* source, HANDLE printer);
 
 // Copies as much of `in` into `out` as both declare to have; `out` keeps its layout and takes the public

@@ -19,7 +19,7 @@ constexpr int32_t kNoCarriedCopies = -1;
 // Lives on the local heap, zero-filled, from DrvEnablePDEV to DrvDisablePDEV.
 struct PDEV {
     uint32_t signature;
-    DeviceMode devmode;  // the job's settings, valid in every field
+    DeviceMode devmode;  // the job's settings; validated only after a merge, see MergeDevMode()
     HMODULE hModule;
     HANDLE hPrinter;
     uint64_t carryWord1;

@@ -1,4 +1,4 @@
-// What makes a device mode valid, field by field: what an instance's record must always be.
+// What makes a device mode valid, field by field: what a record must be once a caller's was merged into it.
 #pragma once
 
 #include "config/device_mode.h"

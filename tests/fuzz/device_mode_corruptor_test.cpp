@@ -1,8 +1,8 @@
 // Corrupted device modes through DrvEnablePDEV: every boundary value in every field, every flag of the public
 // fields, sizes that are wrong in both directions, texts without an end, records that end where the memory
 // ends. Whatever comes in is taken or refused as its size and version say, the instance's own device mode is
-// what the plain definition makes of it and valid in every field, and the caller's record is written only
-// where it gets the printer's profile and label.
+// what the plain definition makes of it, valid in every field if the record was taken, and the caller's
+// record is written only where it gets the printer's profile and label.
 
 #include <gtest/gtest.h>
 
