@@ -13,7 +13,7 @@ using testing::Not;
 
 namespace {
 
-constexpr char kFraming[] = "\x40\x20\x20_\x20\x20\x40";  // its ends add up to 256
+constexpr char kFraming[] = "@  _  @";  // 0x40 + 0x20 + 0x20 at each end, 256 together
 constexpr char kSwitch[] = "\x1B*o-1M";
 
 class JobStartOutput : public DriverTest {
