@@ -1,5 +1,7 @@
 #include "config/label_length.h"
 
+#include <cmath>
+
 #include "config/decimal_text.h"
 #include "config/device_mode.h"
 
@@ -22,7 +24,7 @@ int16_t LabelLengthTenthsMm(std::string_view text, uint32_t units) {
     double length = 0;
     ParseDecimal(text, &length);
     const double tenthsMm = length * TenthsMmPerUnit(units) + 0.5;
-    // Written so that what is not a number fails it too.
-    const bool fits = tenthsMm > INT16_MIN - 1.0 && tenthsMm < INT16_MAX + 1.0;
-    return fits ? static_cast<int16_t>(tenthsMm) : int16_t{0};
+    // The conversion of a double to an integer is defined only for a value that the integer can hold.
+    const bool fits64Bits = std::abs(tenthsMm) < 0x1p63;
+    return fits64Bits ? static_cast<int16_t>(static_cast<int64_t>(tenthsMm)) : int16_t{0};
 }

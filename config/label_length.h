@@ -4,6 +4,9 @@
 #include <cstdint>
 #include <string_view>
 
-// The length that `text` gives in `units` (0 millimetres, 1 inches, other tenths of a millimetre) in whole
-// tenths of a millimetre, rounded. 0 for a text that is no number and for a length that 16 bits don't hold.
+// Returns the length that `text` gives in `units` (0 millimetres, 1 inches, other tenths of a millimetre) as
+// tenths of a millimetre: a half is added and the sum truncated. A text that is not a number gives 0.
+//
+// Device modes have 16 bits for a length, so these are the low 16 bits of that whole number; one that does
+// not fit 64 bits gives 0.
 int16_t LabelLengthTenthsMm(std::string_view text, uint32_t units);

@@ -144,14 +144,33 @@ TEST(LabelLength, ATextThatIsNoNumberIsZero) {
         EXPECT_EQ(LabelLengthTenthsMm(text, 0), 0) << text;
 }
 
-TEST(LabelLength, ALengthThatSixteenBitsDoNotHoldIsZero) {
+TEST(LabelLength, KeepsItsLowSixteenBits) {
     EXPECT_EQ(LabelLengthTenthsMm("32767", 2), 32767);
     EXPECT_EQ(LabelLengthTenthsMm("32767.4", 2), 32767);
-    EXPECT_EQ(LabelLengthTenthsMm("32767.5", 2), 0);
+    EXPECT_EQ(LabelLengthTenthsMm("32767.5", 2), -32768);
+    EXPECT_EQ(LabelLengthTenthsMm("4000", 0), 40000 - 65536);
+    EXPECT_EQ(LabelLengthTenthsMm("65535", 2), -1);
+    EXPECT_EQ(LabelLengthTenthsMm("65536", 2), 0);
+    EXPECT_EQ(LabelLengthTenthsMm("67695", 2), 2159);
     EXPECT_EQ(LabelLengthTenthsMm("-32768", 2), -32767);
     EXPECT_EQ(LabelLengthTenthsMm("-32769", 2), -32768);
-    EXPECT_EQ(LabelLengthTenthsMm("-32769.5", 2), 0);
-    EXPECT_EQ(LabelLengthTenthsMm("9999999", 1), 0);
+    EXPECT_EQ(LabelLengthTenthsMm("-32769.5", 2), 32767);
+    EXPECT_EQ(LabelLengthTenthsMm("-65537.5", 2), -1);
+}
+
+TEST(LabelLength, BeyondThirtyTwoBitsKeepsItsLowSixteenBits) {
+    EXPECT_EQ(LabelLengthTenthsMm("2147483649", 2), 1);
+    EXPECT_EQ(LabelLengthTenthsMm("4294967299", 2), 3);
+    EXPECT_EQ(LabelLengthTenthsMm("-4294967300", 2), -3);
+    EXPECT_EQ(LabelLengthTenthsMm("9999999", 1), 2539999746 % 65536) << "the longest text of a label";
+    EXPECT_EQ(LabelLengthTenthsMm("9223372036854774784", 2), -1024) << "2^63 - 1024, the last below 2^63";
+    EXPECT_EQ(LabelLengthTenthsMm("-9223372036854774784", 2), 1024);
+}
+
+TEST(LabelLength, BeyondSixtyFourBitsIsZero) {
+    EXPECT_EQ(LabelLengthTenthsMm("9223372036854775808", 2), 0);
+    EXPECT_EQ(LabelLengthTenthsMm("9223372036854777856", 2), 0) << "2^63 + 2048";
+    EXPECT_EQ(LabelLengthTenthsMm("-9223372036854777856", 2), 0);
     EXPECT_EQ(LabelLengthTenthsMm(std::string(400, '9'), 0), 0);
     EXPECT_EQ(LabelLengthTenthsMm("-" + std::string(400, '9'), 0), 0);
 }

@@ -321,8 +321,10 @@ TEST_F(Validation, TheNumberOfThePrivatePartNeedsNoList) {
 TEST_F(Validation, ALabelsSizeOutOfTheLimitsIsReplaced) {
     AddLabel(258, "Lang", "4", "999999", 1);
     AddLabel(259, "Unlesbar", "x", "y", 0);
+    AddLabel(260, "Zu lang", "4000", "6653.6", 0);
     EXPECT_EQ(PaperOf(WithForm(RecordWithPaper(258))), (Paper{258, 2159, 1016, u"Lang"}));
     EXPECT_EQ(PaperOf(WithForm(RecordWithPaper(259))), (Paper{259, 2159, 2794, u"Unlesbar"}));
+    EXPECT_EQ(PaperOf(WithForm(RecordWithPaper(260))), (Paper{260, 1000, 2794, u"Zu lang"}));
 }
 
 TEST_F(Validation, ALabelsNameIsCutToTheFormNamesField) {

@@ -227,11 +227,12 @@ TEST_F(DeviceInstance, TakesTheSizeOfALabelThatTheCallerChoseByNumber) {
     AddLabel(Printer().data, 258, "Small", "4", "6.5", kUnitsInches);
     AddLabel(Printer().data, 259, "Metric", "80", "120.25", kUnitsMillimetres);
     AddLabel(Printer().data, 260, "Tenths", "777", "888", 7);
+    AddLabel(Printer().data, 261, "Past 16 bits", "9000", "6653.6", kUnitsMillimetres);
     struct Case {
         int16_t number;
         uint32_t width, length;
     };
-    for (const Case& item : {Case{258, 1016, 1651}, {259, 800, 1203}, {260, 777, 888}}) {
+    for (const Case& item : {Case{258, 1016, 1651}, {259, 800, 1203}, {260, 777, 888}, {261, 24464, 1000}}) {
         DeviceMode mode = Mode();
         mode.pub.dmPaperSize = item.number;
         const auto device = Enable(mode);
