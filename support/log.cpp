@@ -45,7 +45,8 @@ const char* ControlFilePath() {
     return Keep(kept, std::move(path));
 }
 
-// The number that the control file holds; 0 when there is none.
+// Returns the low 32 bits of the decimal integer in the control file, 0 without one. An integer past 64 bits,
+// of either sign, sets every bit.
 uint32_t ReadLogMask() {
     const char* path = ControlFilePath();
     if (path == nullptr) return 0;
@@ -55,8 +56,9 @@ uint32_t ReadLogMask() {
     char text[64] = {};
     DWORD length = 0;
     if (!ReadFile(file.Get(), text, sizeof text - 1, &length, nullptr)) return 0;
-    // Not sscanf: the one of the Windows build allocates, and writes through the null pointer it then gets.
-    return static_cast<uint32_t>(strtol(text, nullptr, 10));
+    // The Windows runtime's sscanf allocates, and writes through a null pointer when it is out of memory; its
+    // strtol stops at 31 bits.
+    return static_cast<uint32_t>(strtoull(text, nullptr, 10));
 }
 
 // Opens the log for appending, at its end. A link planted in its place is opened itself, not followed.

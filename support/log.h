@@ -19,7 +19,8 @@ constexpr uint32_t kLogMaskTrace = 2;   // lines of the level Trace
 // Which lines are wanted. Call sites test it before they call the writer; the writer does not look at it.
 extern std::atomic<uint32_t> logMask;
 
-// Sets logMask from the control file: 0 when that is missing or holds no decimal number.
+// Sets logMask to the low 32 bits of the decimal integer in the control file; to 0 when there is no such file
+// or no integer in it.
 void LoadLogMask();
 
 // A new copy of the log's path, or null when the module's file name can't be had.

@@ -9,6 +9,7 @@
 
 #include "host/import_patch.h"
 #include "tests/log/log_files.h"
+#include "tests/log/open_watch.h"
 #include "tests/support/scratch_folder.h"
 
 namespace fs = std::filesystem;
@@ -20,39 +21,10 @@ using testing::StartsWith;
 
 namespace {
 
-const uint32_t maskAtStart = logMask;
-
 // Path of the log as the driver writes it.
 std::string LogPathText() {
     return GetLogPath().get();
 }
-
-// Notes how files are opened.
-class OpenWatch {
-  public:
-    struct Opening {
-        std::string path;
-        DWORD access, share, flags;
-        bool operator==(const Opening&) const = default;
-    };
-
-    OpenWatch() : patch_(nullptr, "CreateFileA", reinterpret_cast<void*>(&Open)) {
-        openings.clear();
-        original_ = reinterpret_cast<decltype(&CreateFileA)>(patch_.Original());
-    }
-
-    static inline std::vector<Opening> openings;
-
-  private:
-    static HANDLE WINAPI Open(LPCSTR path, DWORD access, DWORD share, SECURITY_ATTRIBUTES* security,
-                              DWORD disposition, DWORD flags, HANDLE templateFile) {
-        openings.push_back({path, access, share, flags});
-        return original_(path, access, share, security, disposition, flags, templateFile);
-    }
-
-    static inline decltype(&CreateFileA) original_ = nullptr;
-    ImportPatch patch_;
-};
 
 // Puts a link to a file into another place; false when the system can't.
 bool MakeLink(const fs::path& place, const fs::path& target) {
@@ -129,93 +101,6 @@ TEST(LogPath, IsMissingForAModuleNameThatIsTooShortOrCut) {
     EXPECT_EQ(LogPathText(), "c:\\temp\\" + std::string(254, 'a') + ".txt") << "of 259 characters";
     moduleName = "\\" + std::string(255, 'a') + ".dll";
     EXPECT_EQ(GetLogPath(), nullptr) << "of 260";
-}
-
-TEST(LogMask, ComesFromTheControlFileAsADecimalNumber) {
-    struct Case {
-        const char* text;
-        uint32_t mask;
-    };
-    for (const Case& item :
-         {Case{"3", 3}, {"2", 2}, {"1", 1}, {"0", 0}, {"abc", 0}, {"", 0}, {" 3\r\n", 3}, {"1x", 1}}) {
-        const LogCapture log(0);
-        WriteBytes(LogControlFile(), item.text);
-        LoadLogMask();
-        EXPECT_EQ(logMask, item.mask) << item.text;
-    }
-}
-
-TEST(LogMask, IsZeroBeforeAnyControlFileIsRead) {
-    EXPECT_EQ(maskAtStart, 0u);
-}
-
-TEST(LogMask, IsReadFromTheFirst63BytesOfAFileThatOthersMayWrite) {
-    const LogCapture log(0);
-    WriteBytes(LogControlFile(), std::string(62, '0') + "39");
-    const OpenWatch watch;
-    LoadLogMask();
-    EXPECT_EQ(logMask, 3u);
-    ASSERT_EQ(OpenWatch::openings.size(), 1u);
-    EXPECT_EQ(OpenWatch::openings[0].access, DWORD{GENERIC_READ});
-    EXPECT_EQ(OpenWatch::openings[0].share, DWORD{FILE_SHARE_READ | FILE_SHARE_WRITE});
-}
-
-TEST(LogMask, IsZeroWhenTheControlFileCannotBeRead) {
-    const LogCapture log(3);
-    const ImportPatch failure(nullptr, "ReadFile",
-                              reinterpret_cast<void*>(+[](HANDLE, LPVOID, DWORD, LPDWORD, LPOVERLAPPED)
-                                                           WINAPI -> BOOL { return FALSE; }));
-    LoadLogMask();
-    EXPECT_EQ(logMask, 0u);
-}
-
-TEST(LogMask, IsZeroWithoutAControlFileAndNoLogIsEverMade) {
-    const LogCapture log(3);
-    fs::remove(LogControlFile());
-    LoadLogMask();
-    EXPECT_EQ(logMask, 0u);
-    LogError("error");
-    LogInfo("info");
-    LogTrace("trace");
-    EXPECT_FALSE(fs::exists(LogFile()));
-}
-
-namespace {
-
-// What a read of the control file found in force.
-uint32_t maskInForce = 0;
-void* readFile = nullptr;
-BOOL WINAPI NoteMaskAndRead(HANDLE file, LPVOID buffer, DWORD size, LPDWORD read, LPOVERLAPPED overlapped) {
-    maskInForce = logMask;
-    return reinterpret_cast<decltype(&ReadFile)>(readFile)(file, buffer, size, read, overlapped);
-}
-
-}  // namespace
-
-TEST(LogMask, StaysInForceWhileItIsReadAnew) {
-    const LogCapture log(3);
-    WriteBytes(LogControlFile(), "1");
-    const ImportPatch patch(nullptr, "ReadFile", reinterpret_cast<void*>(&NoteMaskAndRead));
-    readFile = patch.Original();
-    LoadLogMask();
-    EXPECT_EQ(maskInForce, 3u);  // a thread that prints meanwhile loses no line
-    EXPECT_EQ(logMask, 1u);
-}
-
-TEST(LogMask, BitZeroShowsErrorsAndInformationOnly) {
-    LogCapture log(1);
-    LogError("error");
-    LogInfo("info");
-    LogTrace("trace");
-    EXPECT_THAT(log.TakeLines(), ElementsAre("[Error] error", "[Info]  info"));
-}
-
-TEST(LogMask, BitOneShowsTheTraceOnly) {
-    LogCapture log(2);
-    LogError("error");
-    LogInfo("info");
-    LogTrace("trace");
-    EXPECT_THAT(log.TakeLines(), ElementsAre("[Trace] trace"));
 }
 
 TEST(LogWriter, WritesWhateverTheMaskSaysAndNoTagForAnUnknownLevel) {
