@@ -4,8 +4,8 @@
 #include <cstring>
 
 BlockReader::BlockReader(const char* path)
-    : file_(CreateFileA(path, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL,
-                        nullptr)) {}
+    : file_(CreateFileA(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING,
+                        FILE_ATTRIBUTE_NORMAL, nullptr)) {}
 
 int64_t BlockReader::Size() const {
     LARGE_INTEGER size = {};

@@ -10,7 +10,8 @@
 
 class BlockReader {
   public:
-    // Opens the file for reading, shared with other readers; false below when that fails.
+    // Opens the file for reading; the reader is false when that fails. The file is shared with readers and
+    // writers, as with C's fopen: an installer or a virus scanner may have it open for writing.
     explicit BlockReader(const char* path);
     explicit operator bool() const { return static_cast<bool>(file_); }
 

@@ -23,8 +23,8 @@ class BlockReaderTest : public testing::Test {
     BlockReaderTest() {
         std::string bytes;
         for (size_t place = 0; place < kFileSize; ++place) bytes += static_cast<char>(ByteAt(place));
-        std::ofstream(folder_.Path() / "bytes", std::ios::binary) << bytes;
-        reader_ = std::make_unique<BlockReader>((folder_.Path() / "bytes").string().c_str());
+        std::ofstream(Path(), std::ios::binary) << bytes;
+        reader_ = std::make_unique<BlockReader>(Path().c_str());
     }
 
     // Reads `size` bytes and compares the `expected` ones that come with those of the file from `place` on,
@@ -37,6 +37,24 @@ class BlockReaderTest : public testing::Test {
         EXPECT_TRUE(bytes == want);
         EXPECT_EQ(reader_->Position(), static_cast<int64_t>(place + expected));
     }
+
+    std::string Path() const { return (folder_.Path() / "bytes").string(); }
+
+    // Opens the file with another handle.
+    OwnedHandle Open(DWORD access, DWORD share) {
+        return OwnedHandle(CreateFileA(Path().c_str(), access, share, nullptr, OPEN_EXISTING,
+                                       FILE_ATTRIBUTE_NORMAL, nullptr));
+    }
+    void ExpectNotShared(DWORD access, DWORD share) {
+        EXPECT_FALSE(Open(access, share));
+        EXPECT_EQ(GetLastError(), DWORD{ERROR_SHARING_VIOLATION});
+    }
+    bool CanBeReadBeside(const OwnedHandle& other) {
+        EXPECT_TRUE(other);
+        return static_cast<bool>(BlockReader(Path().c_str()));
+    }
+
+    static constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
     ScratchFolder folder_;
     std::unique_ptr<BlockReader> reader_;
@@ -88,6 +106,28 @@ TEST_F(BlockReaderTest, ReadsNoMoreAfterAFailedMove) {
     }
     EXPECT_TRUE(reader_->Failed());
     ExpectRead(10, 5, 0);
+}
+
+TEST_F(BlockReaderTest, ReadsAFileThatIsOpenForWriting) {
+    reader_.reset();
+    EXPECT_TRUE(CanBeReadBeside(Open(GENERIC_WRITE, kShareAll)));
+    EXPECT_TRUE(CanBeReadBeside(Open(GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ)));
+}
+
+TEST_F(BlockReaderTest, DoesNotReadAFileThatIsOpenForItsDeletionOrNotShared) {
+    reader_.reset();
+    EXPECT_FALSE(CanBeReadBeside(Open(DELETE, kShareAll)));
+    EXPECT_FALSE(CanBeReadBeside(Open(GENERIC_WRITE, FILE_SHARE_WRITE)));
+    EXPECT_FALSE(CanBeReadBeside(Open(GENERIC_READ, 0)));
+}
+
+TEST_F(BlockReaderTest, SharesItsFileWithReadersAndWritersAlone) {
+    EXPECT_TRUE(Open(GENERIC_READ, kShareAll));
+    EXPECT_TRUE(Open(GENERIC_WRITE, kShareAll));
+    EXPECT_TRUE(Open(GENERIC_WRITE, FILE_SHARE_READ));
+    ExpectNotShared(GENERIC_WRITE, FILE_SHARE_WRITE);
+    ExpectNotShared(DELETE, kShareAll);
+    ExpectRead(10, 0, 10);
 }
 
 TEST_F(BlockReaderTest, OfNoFileHasNoSize) {

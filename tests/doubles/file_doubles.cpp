@@ -8,6 +8,8 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <mutex>
+#include <set>
 #include <vector>
 
 #include "support/shell.h"
@@ -18,14 +20,55 @@ using doubles::PosixPath;
 
 namespace {
 
+// A file and how it is open: the uses that the handle is for, and those that others may open the file for
+// meanwhile, both as FILE_SHARE_... bits.
+struct FileUse {
+    dev_t device;
+    ino_t inode;
+    DWORD uses, share;
+
+    bool Excludes(const FileUse& other) const {
+        const bool sameFile = device == other.device && inode == other.inode;
+        return sameFile && ((uses & ~other.share) != 0 || (other.uses & ~share) != 0);
+    }
+};
+
+DWORD UsesOf(DWORD access) {
+    DWORD uses = 0;
+    if (access & (GENERIC_READ | FILE_READ_DATA)) uses |= FILE_SHARE_READ;
+    if (access & (GENERIC_WRITE | FILE_WRITE_DATA | FILE_APPEND_DATA)) uses |= FILE_SHARE_WRITE;
+    if (access & DELETE) uses |= FILE_SHARE_DELETE;
+    return uses;
+}
+
 class File final : public doubles::KernelObject {
   public:
-    explicit File(int descriptor) : descriptor_(descriptor) {}
-    ~File() override { close(descriptor_); }
+    // Takes over the descriptor. Returns null, with the descriptor closed, when another handle of this
+    // process excludes this use.
+    static File* Open(int descriptor, const FileUse& use) {
+        const std::lock_guard lock(mutex);
+        const bool excluded = std::any_of(openFiles.begin(), openFiles.end(),
+                                          [&](const File* other) { return use.Excludes(other->use_); });
+        if (!excluded) return *openFiles.insert(new File(descriptor, use)).first;
+        close(descriptor);
+        return nullptr;
+    }
+    ~File() override {
+        const std::lock_guard lock(mutex);
+        openFiles.erase(this);
+        close(descriptor_);
+    }
     int Descriptor() const { return descriptor_; }
 
   private:
+    File(int descriptor, const FileUse& use) : descriptor_(descriptor), use_(use) {}
+
+    static inline std::mutex mutex;
+    static inline std::set<File*>& openFiles =
+        *new std::set<File*>;  // outlives every static owner of a handle
+
     int descriptor_;
+    FileUse use_;
 };
 
 // The file's descriptor, or -1 with the last error set.
@@ -54,7 +97,7 @@ BOOL TakeNextName(FileSearch& search, WIN32_FIND_DATAW* data) {
     return TRUE;
 }
 
-HANDLE OpenFile(const std::string& path, DWORD access, DWORD disposition, DWORD flags) {
+HANDLE OpenFile(const std::string& path, DWORD access, DWORD share, DWORD disposition, DWORD flags) {
     const bool writes = (access & (GENERIC_WRITE | FILE_APPEND_DATA)) != 0;
     int mode = writes ? ((access & GENERIC_READ) ? O_RDWR : O_WRONLY) : O_RDONLY;
     if (access & FILE_APPEND_DATA) mode |= O_APPEND;
@@ -63,12 +106,15 @@ HANDLE OpenFile(const std::string& path, DWORD access, DWORD disposition, DWORD 
     if (disposition == CREATE_ALWAYS || disposition == TRUNCATE_EXISTING) mode |= O_TRUNC;
     if (flags & FILE_FLAG_OPEN_REPARSE_POINT) mode |= O_NOFOLLOW;
     const int descriptor = open(path.c_str(), mode | O_CLOEXEC, 0666);
-    struct stat status;
+    struct stat status = {};
     if (descriptor >= 0 && fstat(descriptor, &status) == 0 && S_ISDIR(status.st_mode)) {
         close(descriptor);
         errno = EISDIR;
     } else if (descriptor >= 0) {
-        return doubles::OpenHandle(new File(descriptor));
+        File* file = File::Open(descriptor, {status.st_dev, status.st_ino, UsesOf(access), share});
+        if (file != nullptr) return doubles::OpenHandle(file);
+        SetLastError(ERROR_SHARING_VIOLATION);
+        return INVALID_HANDLE_VALUE;
     }
     FailWithErrno();
     return INVALID_HANDLE_VALUE;
@@ -80,16 +126,16 @@ DOUBLE(HANDLE, CreateFileA,
        (LPCSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES attributes, DWORD disposition,
         DWORD flags, HANDLE pattern),
        (path, access, share, attributes, disposition, flags, pattern)) {
-    (void)share, (void)attributes, (void)pattern;
-    return OpenFile(PosixPath(path), access, disposition, flags);
+    (void)attributes, (void)pattern;
+    return OpenFile(PosixPath(path), access, share, disposition, flags);
 }
 
 DOUBLE(HANDLE, CreateFileW,
        (LPCWSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES attributes, DWORD disposition,
         DWORD flags, HANDLE pattern),
        (path, access, share, attributes, disposition, flags, pattern)) {
-    (void)share, (void)attributes, (void)pattern;
-    return OpenFile(PosixPath(path), access, disposition, flags);
+    (void)attributes, (void)pattern;
+    return OpenFile(PosixPath(path), access, share, disposition, flags);
 }
 
 DOUBLE(BOOL, ReadFile, (HANDLE file, LPVOID buffer, DWORD size, LPDWORD read, LPOVERLAPPED overlapped),

@@ -216,17 +216,16 @@ TEST_F(SettingsFile, AMissingFileIsAnErrorLineAndNotFound) {
     EXPECT_THAT(log.TakeLines(), ElementsAre("[Error] failed to open settings.inf"));
 }
 
-#ifdef _WIN32
 TEST_F(SettingsFile, ALockedFileReadsAsAMissingOne) {
     installation_.WriteSettings("[UI]\nKey=1\n");
     LogCapture log;
-    const OwnedHandle writer(CreateFileW((installation_.Folder() / "settings.inf").c_str(), GENERIC_WRITE, 0,
-                                         nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    const OwnedHandle writer(CreateFileA((installation_.Folder() / "settings.inf").string().c_str(),
+                                         GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL,
+                                         nullptr));
     ASSERT_TRUE(writer);
     EXPECT_EQ(Value(), "");
     EXPECT_THAT(log.TakeLines(), ElementsAre("[Error] failed to open settings.inf"));
 }
-#endif
 
 TEST_F(SettingsFile, TheErrorLineIsWrittenOnlyWhenErrorsAreLogged) {
     LogCapture log(2);
