@@ -16,18 +16,15 @@ struct ColorLayout {
     uint8_t version;
     int prepared;        // the byte that the cache is filled with beforehand
     size_t variantSize;  // in bytes
-    bool (*read)(BlockReader& file, uint32_t* cache);
+    // Reads a variant into the cache and returns how many bytes came.
+    size_t (*read)(BlockReader& file, uint32_t* cache);
 };
 
 constexpr int kNotPrepared = -1;
 
 // Version 1: all entries.
-bool ReadEntries(BlockReader& file, uint32_t* cache) {
-    constexpr size_t kSize = kCacheEntries * sizeof *cache;
-    const size_t came = file.Read(cache, kSize);
-    if (came == kSize) return true;
-    LogError("error reading profile %d<>%d", came, kSize);
-    return false;
+size_t ReadEntries(BlockReader& file, uint32_t* cache) {
+    return file.Read(cache, kCacheEntries * sizeof *cache);
 }
 
 // A piece of each ink's plane. One profile is read at a time, so that it need not lie on a thread's stack.
@@ -54,36 +51,41 @@ void WeavePlanes(uint32_t* entries) {
 }
 
 // Version 2: a plane of bytes for each ink, from Y down to K. What does not come counts as no ink.
-bool ReadPlanes(BlockReader& file, uint32_t* cache) {
+size_t ReadPlanes(BlockReader& file, uint32_t* cache) {
     const int64_t firstPlane = file.Position();
+    size_t total = 0;
     for (size_t first = 0; first < kCacheEntries; first += kPiece) {
         for (size_t plane = 0; plane < size_t{kInks}; ++plane) {
             file.Seek(firstPlane + static_cast<int64_t>(plane * kCacheEntries + first));
             uint8_t* piece = planePieces[kInks - 1 - plane];
             const size_t came = file.Read(piece, kPiece);
             memset(piece + came, 0, kPiece - came);
+            total += came;
         }
         WeavePlanes(cache + first);
     }
     _mm_sfence();
-    return true;
+    return total;
 }
 
 // Version 3: the entries of all-even colours, a run of blues for each red and green.
-bool ReadHalfGridEntries(BlockReader& file, uint32_t* cache) {
+size_t ReadHalfGridEntries(BlockReader& file, uint32_t* cache) {
+    size_t total = 0;
     for (uint32_t red = 0; red < kHalfGridSteps; ++red) {
         for (uint32_t green = 0; green < kHalfGridSteps; ++green) {
             uint32_t run[kHalfGridSteps];
             uint32_t* entries = cache + ColorIndex(2 * red, 2 * green, 0);
-            const size_t came = file.Read(run, sizeof run) / sizeof *run;
-            for (size_t blue = 0; blue < came; ++blue) entries[2 * blue] = run[blue];
+            const size_t came = file.Read(run, sizeof run);
+            for (size_t blue = 0; blue < came / sizeof *run; ++blue) entries[2 * blue] = run[blue];
+            total += came;
         }
     }
-    return true;
+    return total;
 }
 
 // Version 4: a plane of bytes of the all-even colours for each ink, from Y down to K.
-bool ReadHalfGridPlanes(BlockReader& file, uint32_t* cache) {
+size_t ReadHalfGridPlanes(BlockReader& file, uint32_t* cache) {
+    size_t total = 0;
     for (int shift = 24; shift >= 0; shift -= 8) {
         for (uint32_t red = 0; red < kHalfGridSteps; ++red) {
             for (uint32_t green = 0; green < kHalfGridSteps; ++green) {
@@ -94,25 +96,28 @@ bool ReadHalfGridPlanes(BlockReader& file, uint32_t* cache) {
                     uint32_t& entry = entries[2 * blue];
                     entry = (entry & ~(0xFFu << shift)) | uint32_t{run[blue]} << shift;
                 }
+                total += came;
             }
         }
     }
-    return true;
+    return total;
 }
 
 // Version 5: the grid points. Deliberate: in the reverse of the other versions' order, blue slowest and red
 // fastest.
-bool ReadGrid(BlockReader& file, uint32_t* cache) {
+size_t ReadGrid(BlockReader& file, uint32_t* cache) {
+    size_t total = 0;
     for (int blue = 0; blue < kGridSteps; ++blue) {
         for (int green = 0; green < kGridSteps; ++green) {
             uint32_t run[kGridSteps];
-            const int came = static_cast<int>(file.Read(run, sizeof run) / sizeof *run);
-            for (int red = 0; red < came; ++red) {
+            const size_t came = file.Read(run, sizeof run);
+            for (int red = 0; red < static_cast<int>(came / sizeof *run); ++red) {
                 cache[ColorIndex(GridValue(red), GridValue(green), GridValue(blue))] = run[red];
             }
+            total += came;
         }
     }
-    return true;
+    return total;
 }
 
 constexpr size_t kAllColors = kCacheEntries * kInks;
@@ -150,11 +155,11 @@ bool ReadProfileColors(BlockReader& file, const ProfileHeader& header, bool at60
         return false;
     }
     if (layout->prepared != kNotPrepared) memset(cache, layout->prepared, kCacheEntries * sizeof *cache);
-    const int64_t firstRead = at600Dpi ? start : start + variantSize;
-    file.Seek(firstRead);
-    if (!layout->read(file, cache)) return false;
-    // Fewer colours than there should be are taken as they are, but not those of a file that can't be read.
-    if (file.Failed())
-        LogError("error reading profile %d<>%d", file.Position() - firstRead, layout->variantSize);
-    return !file.Failed();
+    file.Seek(at600Dpi ? start : start + variantSize);
+    const size_t came = layout->read(file, cache);
+    // Deliberate: only version 1 is refused when the file ends early. A read that fails refuses every
+    // version, since a page full of ink, or without any, serves nobody.
+    const bool taken = header.version == kEntries ? came == layout->variantSize : !file.Failed();
+    if (!taken) LogError("error reading profile %d<>%d", came, layout->variantSize);
+    return taken;
 }

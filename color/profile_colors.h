@@ -4,8 +4,8 @@
 
 #include "color/profile_header.h"
 
-// Reads the colours that start at the file's position into `cache`, 2^24 entries on a 16-byte boundary. False
-// when the version is unknown, when the colours' size is not the version's own, or when the colours of
-// version 1 can't be read, with an Error line; the cache may then be filled in part. Entries of other
-// versions that can't be read stay as they were prepared: 0 or the sentinel.
+// Reads the colors that start at the file's position into `cache`, 2^24 entries on a 16-byte boundary.
+// Returns false, with an Error line, when the version is unknown, when the colors' size is not the version's
+// own, when reading fails, or when a file of version 1 ends early; the cache may then be filled in part. In
+// the other versions, entries past an early end stay as they were prepared: 0 or the sentinel.
 bool ReadProfileColors(BlockReader& file, const ProfileHeader& header, bool at600Dpi, uint32_t* cache);

@@ -7,6 +7,35 @@ using testing::ElementsAre;
 
 namespace {
 
+constexpr size_t kBlock = 32768;  // what is read at once
+
+// Lets so many calls of ReadFile or of SetFilePointerEx through, and fails those that follow.
+class CallsCounted {
+  public:
+    CallsCounted(const char* function, int allowed)
+        : patch_(nullptr, function,
+                 function == std::string("ReadFile") ? reinterpret_cast<void*>(&Read)
+                                                     : reinterpret_cast<void*>(&Seek)) {
+        left = allowed;
+        original = patch_.Original();
+    }
+
+  private:
+    static inline int left;
+    static inline void* original;
+
+    static BOOL WINAPI Read(HANDLE file, LPVOID buffer, DWORD size, LPDWORD came, LPOVERLAPPED overlapped) {
+        return left-- > 0 &&
+               reinterpret_cast<decltype(&ReadFile)>(original)(file, buffer, size, came, overlapped);
+    }
+    static BOOL WINAPI Seek(HANDLE file, LARGE_INTEGER distance, PLARGE_INTEGER position, DWORD method) {
+        return left-- > 0 &&
+               reinterpret_cast<decltype(&SetFilePointerEx)>(original)(file, distance, position, method);
+    }
+
+    ImportPatch patch_;
+};
+
 class BrokenProfile : public ProfileFixture {
   protected:
     // The path of a profile with the name "n" whose colours begin with these bytes and go on with zeros.
@@ -17,6 +46,23 @@ class BrokenProfile : public ProfileFixture {
         WriteBytes(path, ProfileHead(version, size) + area + std::string(colors));
         std::filesystem::resize_file(path, size);
         return path.string();
+    }
+
+    // Reads a hollow profile of that version, in which `function` fails from its call after `allowed` ones
+    // on. Expects a refusal that logs how many bytes of the variant came.
+    void ExpectFailure(int version, const char* function, int allowed, size_t came) {
+        const std::string path = HollowProfile(version, "");
+        for (const bool at600Dpi : {true, false}) {
+            SCOPED_TRACE(testing::Message() << "version " << version << ", " << function << " after "
+                                            << allowed << ", 600 dpi: " << at600Dpi);
+            LogCapture log(1);
+            {
+                const CallsCounted failure(function, allowed);
+                EXPECT_EQ(ReadProfile(path.c_str(), name_, sizeof name_, at600Dpi, g_colorCache, &code_), 0);
+            }
+            EXPECT_EQ(log.TakeLines().back(), "[Error] error reading profile " + std::to_string(came) + "<>" +
+                                                  std::to_string(ColorsSize(version) / 2));
+        }
     }
 };
 
@@ -279,6 +325,42 @@ TEST_F(BrokenProfile, ThatCanNotBeSoughtInIsRejected) {
         EXPECT_THAT(log.TakeLines(),
                     testing::Contains(testing::StartsWith("[Error] error reading profile 0<>")));
     }
+}
+
+TEST_F(BrokenProfile, LogsHowManyBytesCameBeforeAReadThatFailed) {
+    // The first read has the head. After the move to the variant, its bytes come in blocks.
+    ExpectFailure(1, "ReadFile", 1, 0);
+    ExpectFailure(3, "ReadFile", 1, 0);
+    ExpectFailure(3, "ReadFile", 4, 3 * kBlock);
+    ExpectFailure(4, "ReadFile", 4, 3 * kBlock);
+    ExpectFailure(4, "ReadFile", 1 + 255, 255 * kBlock);
+    ExpectFailure(5, "ReadFile", 1, 0);
+}
+
+TEST_F(BrokenProfile, LogsHowManyBytesOfAllPlanesCameBeforeAFailure) {
+    // Version 2 moves to each plane for each of its blocks.
+    for (const int blocks : {0, 3}) {
+        for (int plane = 0; plane < 4; ++plane) {
+            const int came = 4 * blocks + plane;
+            ExpectFailure(2, "ReadFile", 1 + came, came * kBlock);
+            ExpectFailure(2, "SetFilePointerEx", 1 + came, came * kBlock);
+        }
+    }
+}
+
+TEST_F(BrokenProfile, WhosePlanesCanNotBeReadOnIsTheGenericProfile) {
+    const std::string path = HollowProfile(2, "\x80");
+    LogCapture log(1);
+    {
+        const CallsCounted failure("ReadFile", 1 + 6);
+        EXPECT_EQ(Load(path), 1);
+    }
+    EXPECT_TRUE(HoldsGenericConversion(50));
+    EXPECT_THAT(log.TakeLines(),
+                ElementsAre("[Info]  load_profile [" + path + "]", "[Info]  Profile version:2",
+                            "[Info]  Profile name:n", "[Error] error reading profile 196608<>67108864",
+                            "[Info]  read_profile 0 48 n", "[Error] error reading profile n!",
+                            "[Info]  generic profile"));
 }
 
 TEST_F(BrokenProfile, WhoseReadingFailsIsRejected) {
