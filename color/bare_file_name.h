@@ -1,6 +1,8 @@
-// Which names stay inside the folder that they are looked up in.
+// Which names are safe to look up in a folder.
 #pragma once
 
-// Whether `name`, in the narrow code page, names a file of the folder itself: it holds no separator and no
-// colon, is neither empty nor "..", and is short enough for a path at all.
+// Returns whether `name`, in the narrow code page, can only be a file of the folder that it is looked up in:
+// it has no separator and no colon, is neither empty nor "..", is short enough for a path, and is not the
+// name of a device, such as NUL or COM1, in any case and with any extension. Opening a device could block
+// the spooler, or drive the port.
 bool IsBareFileName(const char* name);

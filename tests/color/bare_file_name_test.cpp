@@ -21,6 +21,12 @@ INT WINAPI WidenDoubleBytes(UINT, DWORD, LPCSTR text, INT length, LPWSTR wide, I
     return written;
 }
 
+// The code page in which every byte is the character of that number.
+INT WINAPI WidenLatin1(UINT, DWORD, LPCSTR text, INT length, LPWSTR wide, INT) {
+    for (INT i = 0; i < length; ++i) wide[i] = static_cast<unsigned char>(text[i]);
+    return length;
+}
+
 // Makes a scratch folder with profiles in and beside "profiles" current.
 class NamedProfile : public ProfileFixture {
   protected:
@@ -50,6 +56,42 @@ TEST(BareFileName, HasNoSeparatorAndNoDrive) {
     }
 }
 
+TEST(BareFileName, IsNotThatOfADevice) {
+    for (const char* name :
+         {"CON", "PRN", "AUX", "NUL", "CONIN$", "CONOUT$", "COM1", "COM9", "LPT1", "LPT9"}) {
+        for (const char* end : {"", ".", ".zvp", ".a.zvp", "..", " ", "  ", " .zvp", " . ", ". .zvp"}) {
+            std::string text = std::string(name) + end;
+            EXPECT_FALSE(IsBareFileName(text.c_str())) << text;
+            for (char& c : text) c = static_cast<char>(tolower(c));
+            EXPECT_FALSE(IsBareFileName(text.c_str())) << text;
+        }
+    }
+    for (const char* name : {"nUl.zvp", "Com5.ZVP", "cOnOuT$", "NUL:", "NUL:stream", "com1:.zvp"})
+        EXPECT_FALSE(IsBareFileName(name)) << name;
+}
+
+TEST(BareFileName, MayResembleThatOfADevice) {
+    for (const char* name : {"CO",    "CONN",    "CON1",      "NUL1.zvp", "NULL.zvp",  "a.NUL", "aNUL",
+                             " NUL",  ".NUL",    "NUL_.zvp",  "N UL",     "NUL a.zvp", "COM",   "COM.zvp",
+                             "COM0",  "COM10",   "COM11.zvp", "COM#",     "COMA",      "LPT",   "LPT0.zvp",
+                             "CONIN", "CONIN$$", "CONOUT",    "CLOCK$",   "COM1a.zvp", "xCOM1"}) {
+        EXPECT_TRUE(IsBareFileName(name)) << name;
+    }
+}
+
+TEST(BareFileName, IsNotThatOfAPortWithASuperscriptNumber) {
+    const ImportPatch patch(nullptr, "MultiByteToWideChar", reinterpret_cast<void*>(&WidenLatin1));
+    for (const std::string port : {"COM", "lpt"}) {
+        for (const char* digit : {"\xB9", "\xB2", "\xB3"}) {
+            EXPECT_FALSE(IsBareFileName((port + digit).c_str())) << port << digit;
+            EXPECT_FALSE(IsBareFileName((port + digit + " .zvp").c_str())) << port << digit;
+            EXPECT_TRUE(IsBareFileName((port + "1" + digit).c_str())) << port << digit;
+        }
+        for (const char* digit : {"\xB0", "\xB1", "\xB4", "\xB8", "\xBA", "\xE1"})
+            EXPECT_TRUE(IsBareFileName((port + digit).c_str())) << port << digit;
+    }
+}
+
 TEST(BareFileName, IsShortEnoughForAPath) {
     EXPECT_TRUE(IsBareFileName(std::string(511, 'a').c_str()));
     EXPECT_FALSE(IsBareFileName(std::string(512, 'a').c_str()));
@@ -66,6 +108,18 @@ TEST_F(NamedProfile, IsReadFromTheProfilesFolder) {
     for (const char* name : {"in.zvp", "a..b c.zvp"}) {
         EXPECT_EQ(Load(std::string("profiles\\") + name), 5) << name;
         EXPECT_STREQ(name_, "Found");
+    }
+}
+
+TEST_F(NamedProfile, IsNotOpenedWhenItIsADevice) {
+    for (const std::string name : {"NUL", "nul.zvp", "con .zvp", "COM1.zvp", "lpt9"}) {
+        const std::string path = "profiles\\" + name;
+#ifndef _WIN32
+        // Windows would open the device; here it is a file, which must not be opened either.
+        folder_.Write("profiles/" + name, SmallProfile(NameTag("Device")));
+#endif
+        ExpectRejected(path, {"[Error] Error: could not open file [" + path + "]"});
+        EXPECT_STREQ(name_, "asked.zvp");
     }
 }
 
