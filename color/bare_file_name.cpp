@@ -14,9 +14,10 @@ bool IsPortNumber(WCHAR c) {
     return (c >= L'1' && c <= L'9') || c == 0xB9 || c == 0xB2 || c == 0xB3;  // superscript 1, 2 and 3
 }
 
-bool MatchesLetter(WCHAR wanted, WCHAR c) {
+bool MatchesCharacter(WCHAR wanted, WCHAR c) {
     if (wanted == L'#') return IsPortNumber(c);
-    return c == wanted || (c >= L'a' && c <= L'z' && c - L'a' + L'A' == wanted);
+    const bool isLetter = wanted >= L'A';
+    return c == wanted || (isLetter && c == wanted - L'A' + L'a');
 }
 
 // Tells whether the system opens a device under this name. It looks at what precedes the first dot, without
@@ -26,7 +27,7 @@ bool IsDeviceName(WideView name) {
     while (end != name.data && end[-1] == L' ') --end;
     return std::any_of(std::begin(kDeviceNames), std::end(kDeviceNames), [&](const WCHAR(&device)[8]) {
         const WideView wanted = FieldText(device);
-        return std::equal(wanted.data, wanted.data + wanted.size, name.data, end, MatchesLetter);
+        return std::equal(wanted.data, wanted.data + wanted.size, name.data, end, MatchesCharacter);
     });
 }
 

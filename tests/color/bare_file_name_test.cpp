@@ -71,10 +71,11 @@ TEST(BareFileName, IsNotThatOfADevice) {
 }
 
 TEST(BareFileName, MayResembleThatOfADevice) {
-    for (const char* name : {"CO",    "CONN",    "CON1",      "NUL1.zvp", "NULL.zvp",  "a.NUL", "aNUL",
-                             " NUL",  ".NUL",    "NUL_.zvp",  "N UL",     "NUL a.zvp", "COM",   "COM.zvp",
-                             "COM0",  "COM10",   "COM11.zvp", "COM#",     "COMA",      "LPT",   "LPT0.zvp",
-                             "CONIN", "CONIN$$", "CONOUT",    "CLOCK$",   "COM1a.zvp", "xCOM1"}) {
+    for (const char* name :
+         {"CO",        "CONN",     "CON1", "NUL1.zvp",  "NULL.zvp",  "a.NUL",   "aNUL",    " NUL",
+          ".NUL",      "NUL_.zvp", "N UL", "NUL a.zvp", "COM",       "COM.zvp", "COM0",    "COM10",
+          "COM11.zvp", "COM#",     "COMA", "LPT",       "LPT0.zvp",  "CONIN",   "CONIN$$", "CONOUT",
+          "CLOCK$",    "CONIND",   " ",    " .zvp",     "COM1a.zvp", "xCOM1"}) {
         EXPECT_TRUE(IsBareFileName(name)) << name;
     }
 }
