@@ -6,6 +6,8 @@
 #include <cstdio>
 #include <fstream>
 
+namespace orvex::bench {
+
 namespace {
 
 // A line of this process' status, in KiB: "VmRSS:", "VmHWM:".
@@ -50,3 +52,5 @@ void Bench::NotePeak(const std::string& title, const std::function<void()>& run)
     }
     peaks_.push_back({title, grown});
 }
+
+}  // namespace orvex::bench

@@ -7,6 +7,8 @@
 
 #include "bench/contest.h"
 
+namespace orvex::bench {
+
 struct BenchOptions {
     int repetitions = 20;
     std::string filter;  // only rows whose title holds this text; empty: all
@@ -41,3 +43,5 @@ class Bench {
     std::vector<PeakMemory> peaks_;
     std::vector<std::string> notes_;
 };
+
+}  // namespace orvex::bench

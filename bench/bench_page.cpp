@@ -5,9 +5,13 @@
 #include <string>
 
 #include "driver/device_instance.h"
-#include "host/barcode.h"
-#include "host/canvas.h"
+#include "tools/common/canvas.h"
+#include "tools/orvexprint/barcode.h"
 
+namespace orvex::bench {
+
+using namespace tools::print;
+using namespace tools;
 namespace {
 
 constexpr uint32_t kColorCount = 1u << 24;
@@ -155,9 +159,9 @@ void DrawNoise(BenchPage& page) {
 
 std::string_view NameOf(PageArt art) {
     switch (art) {
-        case PageArt::Label:
+        case PageArt::kLabel:
             return "label";
-        case PageArt::Photo:
+        case PageArt::kPhoto:
             return "photo";
         default:
             return "noise";
@@ -170,9 +174,9 @@ BenchPage DrawPage(PageArt art, const PageSize& size, bool landscape) {
     page.height = static_cast<int32_t>(PixelCount(size.dpi, static_cast<uint32_t>(size.heightTenthsMm)));
     if (landscape) std::swap(page.width, page.height);
     page.pixels.assign(static_cast<size_t>(page.width) * static_cast<size_t>(page.height), kWhite);
-    if (art == PageArt::Label) LabelArtist(page).Draw();
-    if (art == PageArt::Photo) DrawPhoto(page);
-    if (art == PageArt::Noise) DrawNoise(page);
+    if (art == PageArt::kLabel) LabelArtist(page).Draw();
+    if (art == PageArt::kPhoto) DrawPhoto(page);
+    if (art == PageArt::kNoise) DrawNoise(page);
     return page;
 }
 
@@ -186,3 +190,5 @@ size_t DistinctColors(const BenchPage& page) {
     }
     return count;
 }
+
+}  // namespace orvex::bench

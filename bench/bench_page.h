@@ -5,10 +5,12 @@
 #include <string_view>
 #include <vector>
 
+namespace orvex::bench {
+
 enum class PageArt {
-    Label,  // text, lines, a barcode, flat areas, a logo, much white
-    Photo,  // smooth, with very many distinct colours
-    Noise,  // random colours, the worst that can come
+    kLabel,  // text, lines, a barcode, flat areas, a logo, much white
+    kPhoto,  // smooth, with very many distinct colours
+    kNoise,  // random colours, the worst that can come
 };
 
 std::string_view NameOf(PageArt art);
@@ -38,3 +40,5 @@ inline constexpr PageSize kRollLabel = {"100x150 mm 600 dpi", 1000, 1500, 600};
 BenchPage DrawPage(PageArt art, const PageSize& size, bool landscape);
 
 size_t DistinctColors(const BenchPage& page);
+
+}  // namespace orvex::bench

@@ -5,9 +5,11 @@
 #include "bench/plain_answers.h"
 #include "bench/references.h"
 #include "bench/suites.h"
-#include "color/color_cache.h"
-#include "color/profile_file.h"
-#include "color/row_conversion.h"
+#include "driver/color/color_cache.h"
+#include "driver/color/row_conversion.h"
+#include "driver/profiles/profile_file.h"
+
+namespace orvex::bench {
 
 namespace {
 
@@ -84,7 +86,7 @@ void AgainstLittleCms(Bench& bench, const BenchSetting& setting, PageArt art, do
     const std::string name(NameOf(art));
     const std::string warm = "row conversion, " + name + ", warm";
     const std::string first = "row conversion, " + name + ", first page";
-    const bool wantsFirst = art == PageArt::Photo && bench.Wants(first);
+    const bool wantsFirst = art == PageArt::kPhoto && bench.Wants(first);
     if (!bench.Wants(warm) && !wantsFirst) return;
     const BenchPage page = DrawPage(art, kA4At600, true);
     LoadFresh(setting);
@@ -100,12 +102,12 @@ void AgainstLittleCms(Bench& bench, const BenchSetting& setting, PageArt art, do
                    std::to_string(difference) + " of 255 in the mean");
     };
     bench.Hold(
-        {warm, {"ConvertRow", [&] { conversion.Ours({}); }}, theirs, AimKind::TimesFaster, aim, check});
+        {warm, {"ConvertRow", [&] { conversion.Ours({}); }}, theirs, AimKind::kTimesFaster, aim, check});
     if (!wantsFirst) return;
     bench.Hold({first,
                 {"ConvertRow", [&] { conversion.Ours({}); }, [&] { LoadFresh(setting); }},
                 theirs,
-                AimKind::TimesFaster,
+                AimKind::kTimesFaster,
                 3.5,
                 check});
 }
@@ -120,32 +122,32 @@ void AgainstBareLookUps(Bench& bench, const BenchSetting& setting, PageArt art) 
     bench.Hold({title,
                 {"ConvertRow", [&] { conversion.Ours({}); }},
                 {"bare look-ups", [&] { conversion.BareLookUps(); }},
-                AimKind::AtMost,
+                AimKind::kAtMost,
                 0,
                 [&] { conversion.Check({}, setting.inks); }});
 }
 
-void AgainstPlainColour(Bench& bench, const BenchSetting& setting) {
+void AgainstPlainColor(Bench& bench, const BenchSetting& setting) {
     const struct {
         const char* title;
         PageSettings settings;
     } ways[] = {
-        {"row conversion, label, composite grey", {.colorMode = kColorModeCompositeGrey}},
-        {"row conversion, label, black-only grey", {.colorMode = kColorModeBlackGrey}},
+        {"row conversion, label, composite grey", {.colorMode = kColorModeCompositeGray}},
+        {"row conversion, label, black-only grey", {.colorMode = kColorModeBlackGray}},
         {"row conversion, label, kws", {.kws = true}},
         {"row conversion, label, kws and composite grey",
-         {.kws = true, .colorMode = kColorModeCompositeGrey}},
+         {.kws = true, .colorMode = kColorModeCompositeGray}},
     };
     BenchPage page;
     for (const auto& way : ways) {
         if (!bench.Wants(way.title)) continue;
-        if (page.pixels.empty()) page = DrawPage(PageArt::Label, kA4At600, true);
+        if (page.pixels.empty()) page = DrawPage(PageArt::kLabel, kA4At600, true);
         LoadFresh(setting);
         PageConversion conversion(page);
         bench.Hold({way.title,
                     {"ConvertRow", [&] { conversion.Ours(way.settings); }},
                     {"plain colour", [&] { conversion.Ours({}); }},
-                    AimKind::AtMost,
+                    AimKind::kAtMost,
                     1.5,
                     [&] { conversion.Check(way.settings, setting.inks); }});
     }
@@ -163,10 +165,12 @@ void LoadFresh(const BenchSetting& setting) {
 }
 
 void MeasureRowConversion(Bench& bench, const BenchSetting& setting) {
-    AgainstLittleCms(bench, setting, PageArt::Label, 15);
-    AgainstLittleCms(bench, setting, PageArt::Photo, 8);
-    AgainstLittleCms(bench, setting, PageArt::Noise, 3);
-    AgainstBareLookUps(bench, setting, PageArt::Photo);
-    AgainstBareLookUps(bench, setting, PageArt::Noise);
-    AgainstPlainColour(bench, setting);
+    AgainstLittleCms(bench, setting, PageArt::kLabel, 15);
+    AgainstLittleCms(bench, setting, PageArt::kPhoto, 8);
+    AgainstLittleCms(bench, setting, PageArt::kNoise, 3);
+    AgainstBareLookUps(bench, setting, PageArt::kPhoto);
+    AgainstBareLookUps(bench, setting, PageArt::kNoise);
+    AgainstPlainColor(bench, setting);
 }
+
+}  // namespace orvex::bench

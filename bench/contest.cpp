@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <chrono>
 
+namespace orvex::bench {
+
 namespace {
 
 // Times one run of a contender in each of the library's iterations.
@@ -60,7 +62,7 @@ double ContestResult::Ratio() const {
 }
 
 bool ContestResult::Met() const {
-    return kind == AimKind::AtMost ? Ratio() <= aim : Ratio() >= aim;
+    return kind == AimKind::kAtMost ? Ratio() <= aim : Ratio() >= aim;
 }
 
 void ContestResult::Add(const ContestResult& other) {
@@ -90,6 +92,8 @@ ContestResult Hold(const Contest& contest, int repetitions) {
     }
     benchmark::RunSpecifiedBenchmarks(&collector);
     const double ours = result.ours.Median(), theirs = result.theirs.Median();
-    result.ratios.push_back(contest.kind == AimKind::AtMost ? ours / theirs : theirs / ours);
+    result.ratios.push_back(contest.kind == AimKind::kAtMost ? ours / theirs : theirs / ours);
     return result;
 }
+
+}  // namespace orvex::bench

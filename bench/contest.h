@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+namespace orvex::bench {
+
 double MedianOf(std::vector<double> values);
 
 // Seconds of repeated runs, in the order they were taken.
@@ -24,8 +26,8 @@ struct Contender {
 };
 
 enum class AimKind {
-    AtMost,      // our time is at most so many times the reference's
-    TimesFaster  // the reference's time is at least so many times ours
+    kAtMost,      // our time is at most so many times the reference's
+    kTimesFaster  // the reference's time is at least so many times ours
 };
 
 struct Contest {
@@ -61,3 +63,5 @@ class CheckFailure : public std::runtime_error {
 
 // Checks, runs both once to warm up, then times each `repetitions` times, one after the other by turns.
 ContestResult Hold(const Contest& contest, int repetitions);
+
+}  // namespace orvex::bench

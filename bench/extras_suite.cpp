@@ -1,11 +1,13 @@
 #include <cstring>
 
 #include "bench/suites.h"
-#include "render/pixel_reduction.h"
-#include "render/thumbnail.h"
-#include "support/log.h"
-#include "tests/render/plain_reduction.h"
-#include "tests/support/log_capture.h"
+#include "driver/render/pixel_reduction.h"
+#include "driver/render/thumbnail.h"
+#include "driver/support/log.h"
+#include "tests/kit/log_capture.h"
+#include "tests/plain/plain_reduction.h"
+
+namespace orvex::bench {
 
 namespace {
 
@@ -15,7 +17,7 @@ constexpr double kThumbnailHeight = 600;
 void MeasureThumbnail(Bench& bench) {
     constexpr char kTitle[] = "thumbnail's scaling, A4 600 dpi, photo";
     if (!bench.Wants(kTitle)) return;
-    const BenchPage page = DrawPage(PageArt::Photo, kA4At600, false);
+    const BenchPage page = DrawPage(PageArt::kPhoto, kA4At600, false);
     const int32_t scale = ThumbnailScale(page.width, page.height, kThumbnailWidth, kThumbnailHeight);
     std::vector<uint32_t> reduced(static_cast<size_t>(page.width >> scale) *
                                   static_cast<size_t>(page.height >> scale));
@@ -26,7 +28,7 @@ void MeasureThumbnail(Bench& bench) {
     bench.Hold({kTitle,
                 {"ReducePixels", reduce},
                 {"memcpy", [&] { memcpy(copy.data(), page.pixels.data(), page.Bytes()); }},
-                AimKind::AtMost,
+                AimKind::kAtMost,
                 1.3,
                 [&] {
                     reduce();
@@ -46,7 +48,7 @@ size_t LogLinesOf(PageJob& job) {
 void MeasureSilentLog(Bench& bench, const BenchSetting& setting) {
     constexpr char kTitle[] = "log call sites of a page, log off, against the page";
     if (!bench.Wants(kTitle)) return;
-    const BenchPage page = DrawPage(PageArt::Label, kRollLabel, true);
+    const BenchPage page = DrawPage(PageArt::kLabel, kRollLabel, true);
     PageJob job(setting.driver, page, kRollLabel, {.landscape = true});
     const size_t lines = LogLinesOf(job);
     bench.Note("log lines of a page with everything on: " + std::to_string(lines));
@@ -56,7 +58,7 @@ void MeasureSilentLog(Bench& bench, const BenchSetting& setting) {
                      for (size_t i = 0; i < lines; ++i) LogInfo("Page Time elapsed : %ldms\n", i);
                  }},
                 {"DrvSendPage", [&] { job.Send(); }},
-                AimKind::AtMost,
+                AimKind::kAtMost,
                 0.001,
                 nullptr});
 }
@@ -67,3 +69,5 @@ void MeasureExtras(Bench& bench, const BenchSetting& setting) {
     MeasureThumbnail(bench);
     MeasureSilentLog(bench, setting);
 }
+
+}  // namespace orvex::bench

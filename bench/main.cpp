@@ -7,7 +7,11 @@
 #include "bench/plain_answers.h"
 #include "bench/report.h"
 #include "bench/suites.h"
-#include "color/profile_file.h"
+#include "driver/profiles/profile_file.h"
+
+using namespace orvex;
+using namespace orvex::tools;
+using namespace orvex::bench;
 
 namespace {
 

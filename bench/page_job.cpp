@@ -3,8 +3,11 @@
 #include <cstring>
 #include <vector>
 
-#include "host/driver_library.h"
+#include "tools/host/driver_library.h"
 
+namespace orvex::bench {
+
+using namespace tools;
 namespace {
 
 constexpr uint64_t kJob = 1;
@@ -131,3 +134,5 @@ void PageJob::Send(RowObserver observer) {
     Send();
     rowObserver = nullptr;
 }
+
+}  // namespace orvex::bench

@@ -8,9 +8,12 @@
 #include <string>
 
 #include "bench/bench_page.h"
-#include "config/device_mode.h"
-#include "host/driver_session.h"
+#include "driver/config/device_mode.h"
+#include "tools/host/driver_session.h"
 
+namespace orvex::bench {
+
+using namespace tools;
 // How a page lies, and the settings that change what is done with its pixels.
 struct PageSettings {
     bool landscape = false;
@@ -59,3 +62,5 @@ class PageJob {
     std::unique_ptr<Device> device_;
     SURFOBJ surface_ = {};
 };
+
+}  // namespace orvex::bench

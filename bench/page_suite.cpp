@@ -5,6 +5,8 @@
 #include "bench/references.h"
 #include "bench/suites.h"
 
+namespace orvex::bench {
+
 namespace {
 
 // A way for a page to lie, and its aims in copies of the bitmap.
@@ -25,10 +27,10 @@ constexpr Lie kLies[] = {
     {"portrait rotated mirrored", {.rotate180 = true, .mirrorImage = true}, 2, 0, 0},
 };
 
-constexpr PageArt kArts[] = {PageArt::Label, PageArt::Photo, PageArt::Noise};
+constexpr PageArt kArts[] = {PageArt::kLabel, PageArt::kPhoto, PageArt::kNoise};
 
 double AimFor(const Lie& lie, PageArt art) {
-    return art == PageArt::Label ? lie.labelAim : art == PageArt::Photo ? lie.photoAim : lie.noiseAim;
+    return art == PageArt::kLabel ? lie.labelAim : art == PageArt::kPhoto ? lie.photoAim : lie.noiseAim;
 }
 
 std::string Title(const PageSize& size, PageArt art, const char* lie) {
@@ -48,7 +50,7 @@ void MeasureLie(Bench& bench, const BenchSetting& setting, const BenchPage& page
     bench.Hold({title,
                 {"DrvSendPage", [&] { job.Send(); }},
                 {"memcpy", [&] { memcpy(copy.data(), page.pixels.data(), page.Bytes()); }},
-                AimKind::AtMost,
+                AimKind::kAtMost,
                 size.dpi == kA4At600.dpi && size.name == kA4At600.name ? AimFor(lie, art) : 0,
                 [&] { CheckPage(job, page, lie.settings, size.dpi, InksAt(setting, size.dpi)); }});
     bench.NotePeak(title, [&] { job.Send(); });
@@ -86,7 +88,7 @@ void MeasureObviousProgram(Bench& bench, const BenchSetting& setting, PageArt ar
                          engine.HPCRLIB_RasterRow(0, row.data());
                      }
                  }},
-                AimKind::TimesFaster,
+                AimKind::kTimesFaster,
                 aim,
                 check});
 }
@@ -101,7 +103,7 @@ void MeasurePages(Bench& bench, const BenchSetting& setting) {
                 for (const Lie& lie : kLies) {
                     const bool plain = !lie.settings.rotate180 && !lie.settings.mirrorImage;
                     // Every way to lie is measured with the one page that has aims for all of them.
-                    if (!plain && (art != PageArt::Label || size.name != kA4At600.name)) continue;
+                    if (!plain && (art != PageArt::kLabel || size.name != kA4At600.name)) continue;
                     if (lie.settings.landscape != landscape) continue;
                     if (!bench.Wants(Title(size, art, lie.name))) continue;
                     if (page.pixels.empty()) page = DrawPage(art, size, landscape);
@@ -110,6 +112,8 @@ void MeasurePages(Bench& bench, const BenchSetting& setting) {
             }
         }
     }
-    MeasureObviousProgram(bench, setting, PageArt::Label, 10);
-    MeasureObviousProgram(bench, setting, PageArt::Photo, 5);
+    MeasureObviousProgram(bench, setting, PageArt::kLabel, 10);
+    MeasureObviousProgram(bench, setting, PageArt::kPhoto, 5);
 }
+
+}  // namespace orvex::bench

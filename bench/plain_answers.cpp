@@ -4,13 +4,15 @@
 #include <string>
 
 #include "bench/contest.h"
-#include "tests/color/plain_colors.h"
+#include "tests/plain/plain_colors.h"
+
+namespace orvex::bench {
 
 namespace {
 
 constexpr uint32_t kFirstPixelMarker = 2;
 
-uint32_t GreyWeight(uint32_t ink) {
+uint32_t GrayWeight(uint32_t ink) {
     const uint32_t k = plain::InkByte(ink, 0);
     const double sum = (plain::InkByte(ink, 2) + k) * 0.587 + (plain::InkByte(ink, 1) + k) * 0.299 +
                        (plain::InkByte(ink, 3) + k) * 0.114;
@@ -58,9 +60,9 @@ uint32_t PlainPixel(const BenchPage& page, const PageSettings& settings, int32_t
 uint32_t PlainPrinted(uint32_t ink, int32_t place, const PageSettings& settings, int16_t dpi) {
     if (ink == 0) return settings.kws ? (dpi == 600 ? 2u : 4u) << 8 * (place % 4) : 0;
     if (settings.colorMode == kColorModeColor) return ink;
-    const uint32_t grey = GreyWeight(ink);
-    if (settings.colorMode == kColorModeBlackGrey) return grey;
-    const auto both = static_cast<uint32_t>(grey * 0.67);
+    const uint32_t gray = GrayWeight(ink);
+    if (settings.colorMode == kColorModeBlackGray) return gray;
+    const auto both = static_cast<uint32_t>(gray * 0.67);
     return plain::Ink(0, static_cast<uint32_t>(both * 0.8), both, both);
 }
 
@@ -91,3 +93,5 @@ void CheckCache(const std::vector<uint32_t>& inks, const char* what) {
         }
     }
 }
+
+}  // namespace orvex::bench

@@ -7,8 +7,11 @@
 
 #include "bench/bench_page.h"
 #include "bench/page_job.h"
-#include "color/profile_file.h"
+#include "driver/profiles/profile_file.h"
 
+namespace orvex::bench {
+
+using namespace tools;
 // The inks of all 2^24 colours through a profile of version 5, in double precision. Loads it into this
 // program's colour cache. Throws CheckFailure when it is no such profile.
 std::vector<uint32_t> PlainInks(const std::filesystem::path& profile, ResolutionSelector resolution);
@@ -25,3 +28,5 @@ void CheckPage(PageJob& job, const BenchPage& page, const PageSettings& settings
 
 // Throws CheckFailure unless the colour cache holds `inks`, all of them.
 void CheckCache(const std::vector<uint32_t>& inks, const char* what);
+
+}  // namespace orvex::bench

@@ -3,15 +3,18 @@
 
 #include "bench/plain_answers.h"
 #include "bench/suites.h"
-#include "color/color_cache.h"
-#include "color/generic_conversion.h"
-#include "color/profile_file.h"
-#include "color/row_conversion.h"
-#include "profile_tool/conversion.h"
-#include "profile_tool/profile_writer.h"
-#include "tests/color/plain_colors.h"
-#include "tests/support/scratch_folder.h"
+#include "driver/color/color_cache.h"
+#include "driver/color/generic_conversion.h"
+#include "driver/color/row_conversion.h"
+#include "driver/profiles/profile_file.h"
+#include "tests/kit/scratch_folder.h"
+#include "tests/plain/plain_colors.h"
+#include "tools/orvexprofile/conversion.h"
+#include "tools/orvexprofile/profile_writer.h"
 
+namespace orvex::bench {
+
+using namespace tools::profile;
 namespace {
 
 constexpr size_t kTableBytes = kCacheEntries * sizeof(uint32_t);
@@ -31,7 +34,7 @@ void MeasureGeneric(Bench& bench, std::vector<uint32_t>& table) {
     bench.Hold({"generic conversion of all colours",
                 {"FillWithGenericConversion", [] { FillWithGenericConversion(g_colorCache, kHalfInk); }},
                 Memset(table),
-                AimKind::AtMost,
+                AimKind::kAtMost,
                 4,
                 [] {
                     std::vector<uint32_t> inks(kCacheEntries);
@@ -55,7 +58,7 @@ void MeasureLoads(Bench& bench, const BenchSetting& setting, std::vector<uint32_
         bench.Hold({kLoad2,
                     {"zvc_load_profile", [&] { Load(paths[2]); }},
                     {"version 1", [&] { Load(paths[1]); }},
-                    AimKind::AtMost,
+                    AimKind::kAtMost,
                     2.5,
                     [&] {
                         Load(paths[2]);
@@ -67,7 +70,7 @@ void MeasureLoads(Bench& bench, const BenchSetting& setting, std::vector<uint32_
     bench.Hold({kLoad5,
                 {"zvc_load_profile", [&] { Load(setting.profile); }},
                 Memset(table),
-                AimKind::AtMost,
+                AimKind::kAtMost,
                 1.5,
                 [&] {
                     Load(setting.profile);
@@ -86,13 +89,13 @@ void MeasureInterpolation(Bench& bench, const BenchSetting& setting, std::vector
     std::iota(colors.begin(), colors.end(), 0u);
     const auto convertAll = [&] {
         for (size_t first = 0; first < kCacheEntries; first += kRow) {
-            ConvertRow(inks.data(), colors.data() + first, kRow, 1, 0, 1, kColour);
+            ConvertRow(inks.data(), colors.data() + first, kRow, 1, 0, 1, kColor);
         }
     };
     bench.Hold({kTitle,
                 {"ConvertRow", convertAll, [&] { LoadFresh(setting); }},
                 Memset(table),
-                AimKind::AtMost,
+                AimKind::kAtMost,
                 40,
                 [&] {
                     LoadFresh(setting);
@@ -109,3 +112,5 @@ void MeasureProfiles(Bench& bench, const BenchSetting& setting) {
     MeasureLoads(bench, setting, table);
     MeasureInterpolation(bench, setting, table);
 }
+
+}  // namespace orvex::bench

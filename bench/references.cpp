@@ -2,7 +2,9 @@
 
 #include <stdexcept>
 
-#include "color/ink_grid.h"
+#include "driver/color/ink_grid.h"
+
+namespace orvex::bench {
 
 namespace {
 
@@ -68,3 +70,5 @@ PixmanRotation::~PixmanRotation() {
 void PixmanRotation::Rotate() {
     pixman_image_composite32(PIXMAN_OP_SRC, source_, nullptr, target_, 0, 0, 0, 0, 0, 0, width_, rows_);
 }
+
+}  // namespace orvex::bench

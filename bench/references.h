@@ -10,6 +10,8 @@
 
 #include "bench/bench_page.h"
 
+namespace orvex::bench {
+
 // A device link with the 17-point grid that is in the colour cache at its making, from BGRA to KCMY of 8
 // bits.
 class LittleCms {
@@ -47,3 +49,5 @@ class PixmanRotation {
     pixman_image_t* source_;
     pixman_image_t* target_;
 };
+
+}  // namespace orvex::bench

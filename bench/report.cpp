@@ -12,6 +12,8 @@
 #include <stdexcept>
 #include <thread>
 
+namespace orvex::bench {
+
 namespace {
 
 std::string Format(const char* format, ...) {
@@ -41,7 +43,7 @@ std::string SystemName() {
 
 std::string AimOf(const ContestResult& result) {
     if (result.aim == 0) return "-";
-    return Format(result.kind == AimKind::AtMost ? "<= %g x" : ">= %g x faster", result.aim);
+    return Format(result.kind == AimKind::kAtMost ? "<= %g x" : ">= %g x faster", result.aim);
 }
 
 const char* Verdict(const ContestResult& result) {
@@ -110,7 +112,7 @@ void WriteJson(const Machine& machine, const Bench& bench, const std::filesystem
                               {"ours", TimesOf(result.ours)},
                               {"reference", result.reference},
                               {"theirs", TimesOf(result.theirs)},
-                              {"kind", result.kind == AimKind::AtMost ? "at most" : "times faster"},
+                              {"kind", result.kind == AimKind::kAtMost ? "at most" : "times faster"},
                               {"ratio", result.Ratio()},
                               {"ratios", result.ratios}};
         if (result.aim != 0) {
@@ -126,3 +128,5 @@ void WriteJson(const Machine& machine, const Bench& bench, const std::filesystem
     file << root.dump(1) << '\n';
     if (!file.flush()) throw std::runtime_error("could not write " + path.string());
 }
+
+}  // namespace orvex::bench

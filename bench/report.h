@@ -7,6 +7,8 @@
 
 #include "bench/bench.h"
 
+namespace orvex::bench {
+
 // On what was measured.
 struct Machine {
     std::string processor;
@@ -24,3 +26,5 @@ Machine ThisMachine();
 
 void PrintReport(const Machine& machine, const Bench& bench, std::ostream& out);
 void WriteJson(const Machine& machine, const Bench& bench, const std::filesystem::path& path);
+
+}  // namespace orvex::bench

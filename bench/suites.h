@@ -8,6 +8,9 @@
 #include "bench/bench.h"
 #include "bench/page_job.h"
 
+namespace orvex::bench {
+
+using namespace tools;
 // What the suites share.
 struct BenchSetting {
     BenchDriver& driver;
@@ -27,3 +30,5 @@ void MeasureExtras(Bench& bench, const BenchSetting& setting);
 
 // Puts the profile into the colour cache anew, at 600 dpi; nothing is interpolated yet.
 void LoadFresh(const BenchSetting& setting);
+
+}  // namespace orvex::bench

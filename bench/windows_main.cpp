@@ -9,6 +9,10 @@
 
 #include "bench/plain_answers.h"
 
+using namespace orvex;
+using namespace orvex::tools;
+using namespace orvex::bench;
+
 namespace {
 
 constexpr int kRepetitions = 20;
@@ -53,7 +57,7 @@ int main() {
         std::printf("compiler   GNU %s\n\n", __VERSION__);
         std::printf("A4 600 dpi, ms, median / minimum of %d\n%-17s %21s %21s %8s\n", kRepetitions, "page",
                     "DrvSendPage", "memcpy", "ratio");
-        for (const PageArt art : {PageArt::Label, PageArt::Photo, PageArt::Noise}) {
+        for (const PageArt art : {PageArt::kLabel, PageArt::kPhoto, PageArt::kNoise}) {
             for (const bool landscape : {true, false}) MeasurePage(driver, inks, art, landscape);
         }
     } catch (const std::exception& error) {

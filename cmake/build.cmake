@@ -5,43 +5,33 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     add_compile_options(-Wno-restrict)  # GCC 12 warns of std::string's own operator+
 endif()
 
-# <windows.h>, <winspool.h>, <winddi.h>: mingw-w64's own for the Windows build; natively the Windows headers of
-# Debian's libwine-dev with mingw's winddi.h put beside them.
-add_library(orvex_platform INTERFACE)
-target_include_directories(orvex_platform INTERFACE ${CMAKE_SOURCE_DIR})
-target_include_directories(orvex_platform SYSTEM INTERFACE ${CMAKE_SOURCE_DIR}/cmake/platform)
 if(WIN32)
     add_link_options(-static)
-    target_compile_definitions(orvex_platform INTERFACE _WIN32_WINNT=0x0601)
-    target_link_libraries(orvex_platform INTERFACE winspool gdi32 shell32 shlwapi)
 else()
     # UTF-16 text in both builds: every C++ source of the native build, GoogleTest included, agrees on a 2-byte wchar_t.
     add_compile_options(-fshort-wchar)
-    set(winddi ${CMAKE_BINARY_DIR}/platform)
-    configure_file(/usr/share/mingw-w64/include/winddi.h ${winddi}/winddi.h COPYONLY)
-    target_include_directories(orvex_platform SYSTEM INTERFACE ${winddi} /usr/include/wine/wine/windows)
-    target_compile_definitions(orvex_platform INTERFACE WINE_UNICODE_NATIVE WINBOOL=BOOL)
     if(ORVEX_SANITIZE)
         add_compile_options(-fsanitize=${ORVEX_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
         add_link_options(-fsanitize=${ORVEX_SANITIZE})
     endif()
 endif()
 
-# orvex_room(NAME LIBRARY...): one room of the driver, all its sources, as the library orvex_NAME. The driver neither
-# throws nor catches.
-function(orvex_room name)
-    file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/${name}/*.cpp)
-    add_library(orvex_${name} STATIC ${sources})
-    target_compile_options(orvex_${name} PRIVATE -fno-exceptions -fno-rtti)
-    target_link_libraries(orvex_${name} PUBLIC orvex_platform ${ARGN})
+# orvex_driver_library(TARGET SOURCE...): sources of the driver, which neither throws nor catches, as a library.
+function(orvex_driver_library target)
+    add_library(${target} STATIC ${ARGN})
+    target_compile_options(${target} PRIVATE -fno-exceptions -fno-rtti)
     if(ORVEX_COVERAGE)
         # Unoptimised, so that every line of the source is one of the program's.
-        target_compile_options(orvex_${name} PRIVATE -O0 --coverage)
-        target_link_options(orvex_${name} INTERFACE --coverage)
+        target_compile_options(${target} PRIVATE -O0 --coverage)
+        target_link_options(${target} INTERFACE --coverage)
     endif()
-    if(NOT WIN32)
-        target_link_libraries(orvex_${name} PUBLIC orvex_doubles)
-    endif()
+endfunction()
+
+# orvex_room(NAME LIBRARY...): one room of the driver, all its sources, as the library orvex_NAME.
+function(orvex_room name)
+    file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${name}/*.cpp)
+    orvex_driver_library(orvex_${name} ${sources})
+    target_link_libraries(orvex_${name} PUBLIC ${ARGN})
 endfunction()
 
 # Most of a build's time goes into the tests, and into what large headers of others make of a file. These need to be
@@ -76,13 +66,14 @@ endif()
 
 # Most tests call the system more than they calculate, and under Wine do so beside its server. These would only be in its
 # way; those of endurance, besides, write logs from several processes at the same time.
-set(ORVEX_CALCULATING_TESTS color render viewer profile_tool endurance)
+set(ORVEX_CALCULATING_TESTS color profiles render orvexview orvexprofile endurance)
 
-# orvex_test(ROOM LIBRARY... [USES FILE...]): tests/ROOM/*.cpp as the GoogleTest program ROOM_tests, run by ctest in both
-# builds. FILE... are files and folders that it uses when it runs, besides the libraries.
-function(orvex_test room)
+# orvex_test(FOLDER LIBRARY... [USES FILE...]): tests/FOLDER/*.cpp as the GoogleTest program NAME_tests, named after the last
+# part of the folder and run by ctest in both builds. FILE... are files and folders that it uses when it runs, besides the libraries.
+function(orvex_test folder)
     cmake_parse_arguments(PARSE_ARGV 1 test "" "" USES)
-    file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/${room}/*.cpp)
+    get_filename_component(room ${folder} NAME)
+    file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/${folder}/*.cpp)
     add_executable(${room}_tests ${sources})
     target_link_libraries(${room}_tests PRIVATE ${test_UNPARSED_ARGUMENTS} orvex_testing)
     target_compile_options(${room}_tests PRIVATE ${ORVEX_TEST_OPTIONS})

@@ -11,7 +11,7 @@ target_include_directories(lodepng SYSTEM PUBLIC ${lodepng_source})
 target_compile_definitions(lodepng PUBLIC LODEPNG_NO_COMPILE_CPP)
 target_compile_options(lodepng PRIVATE -w)
 # Its memory comes from us, since it does not come through every allocation that fails.
-add_library(orvex_png_memory STATIC render/png_memory/png_memory.cpp)
+add_library(orvex_png_memory STATIC driver/render/png_memory/png_memory.cpp)
 target_include_directories(orvex_png_memory PRIVATE ${CMAKE_SOURCE_DIR})
 target_compile_options(orvex_png_memory PRIVATE -fno-exceptions -fno-rtti)
 target_compile_definitions(lodepng PUBLIC LODEPNG_NO_COMPILE_ALLOCATORS)

@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <cstring>
 
-#include "support/log.h"
+#include "driver/support/log.h"
+
+namespace orvex {
 
 void FillPDevCaps(const PDEV* pdev, ULONG cjCaps, GDIINFO* pGdiInfo) {
     const TraceScope trace("FillPDevCaps");
@@ -50,3 +52,5 @@ BOOL FillPDevInfo(const PDEV* pdev, ULONG cjDevInfo, DEVINFO* pDevInfo) {
     memcpy(pDevInfo, &info, std::min<size_t>(cjDevInfo, sizeof info));
     return trace.Bool(TRUE);
 }
+
+}  // namespace orvex

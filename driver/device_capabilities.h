@@ -2,7 +2,9 @@
 #pragma once
 
 #include "driver/device_instance.h"
-#include "support/platform.h"
+#include "platform/windows.h"
+
+namespace orvex {
 
 // Copies the device's GDIINFO, `cjCaps` bytes at most.
 void FillPDevCaps(const PDEV* pdev, ULONG cjCaps, GDIINFO* pGdiInfo);
@@ -10,3 +12,5 @@ void FillPDevCaps(const PDEV* pdev, ULONG cjCaps, GDIINFO* pGdiInfo);
 // Copies the device's DEVINFO, `cjDevInfo` bytes at most, with a palette that it makes. FALSE, and nothing
 // copied, when the palette can't be made.
 BOOL FillPDevInfo(const PDEV* pdev, ULONG cjDevInfo, DEVINFO* pDevInfo);
+
+}  // namespace orvex

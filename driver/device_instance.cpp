@@ -1,12 +1,14 @@
 #include "driver/device_instance.h"
 
-#include "config/device_mode_operations.h"
-#include "config/label_length.h"
-#include "config/label_sizes.h"
+#include "driver/config/device_mode_operations.h"
+#include "driver/config/label_length.h"
+#include "driver/config/label_sizes.h"
 #include "driver/device_capabilities.h"
 #include "driver/job_state.h"
-#include "support/log.h"
-#include "support/module.h"
+#include "driver/support/log.h"
+#include "driver/support/module.h"
+
+namespace orvex {
 
 PDEV* ValidInstance(DHPDEV dhpdev) {
     PDEV* pdev = reinterpret_cast<PDEV*>(dhpdev);
@@ -156,3 +158,5 @@ extern "C" BOOL APIENTRY DrvResetPDEV(DHPDEV dhpdevOld, DHPDEV dhpdevNew) {
     fresh->flags |= PDEV_RESET | (old->flags & PDEV_IN_JOB);
     return trace.Bool(TRUE);
 }
+
+}  // namespace orvex

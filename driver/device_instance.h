@@ -3,8 +3,10 @@
 
 #include <cstdint>
 
-#include "config/device_mode.h"
-#include "support/platform.h"
+#include "driver/config/device_mode.h"
+#include "platform/windows.h"
+
+namespace orvex {
 
 constexpr uint32_t kPdevSignature = 0x534C5144;  // "DQLS" in memory
 
@@ -52,3 +54,5 @@ int16_t GetDeviceResolution(const PDEV* pdev);
 // A length in 0.1 mm as a count of pixels at `dpi`, rounded to nearest: the page bitmap and GDIINFO agree on
 // it.
 uint32_t PixelCount(int16_t dpi, uint32_t lengthTenthsMm);
+
+}  // namespace orvex

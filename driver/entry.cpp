@@ -2,9 +2,11 @@
 
 #include <iterator>
 
-#include "support/log.h"
-#include "support/module.h"
-#include "support/platform.h"
+#include "driver/support/log.h"
+#include "driver/support/module.h"
+#include "platform/windows.h"
+
+namespace orvex {
 
 namespace {
 
@@ -55,3 +57,5 @@ extern "C" BOOL APIENTRY DrvQueryDriverInfo(DWORD dwMode, PVOID pBuffer, DWORD c
     *static_cast<DWORD*>(pBuffer) = kUserMode;
     return trace.Bool(TRUE);
 }
+
+}  // namespace orvex

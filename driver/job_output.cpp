@@ -4,7 +4,9 @@
 
 #include "driver/job_state.h"
 #include "driver/pjl_header.h"
-#include "support/log.h"
+#include "driver/support/log.h"
+
+namespace orvex {
 
 bool WriteToPrinter(HANDLE printer, std::string_view bytes) {
     if (bytes.empty()) return true;
@@ -90,3 +92,5 @@ int32_t HPCRLIB_CALL JobOutputCallback(const uint8_t* data, uint32_t length, voi
         return 0;
     return WriteTimed(pdev->hPrinter, rest, length) ? 1 : 0;
 }
+
+}  // namespace orvex

@@ -5,7 +5,9 @@
 #include <string_view>
 
 #include "engine/hpcrlib.h"
-#include "support/platform.h"
+#include "platform/windows.h"
+
+namespace orvex {
 
 // Takes a chunk of the engine's output: drops leading framing, puts the job header in front of "@PJL
 // COMMENT", patches a pending resolution switch, and writes everything else to the printer of the current
@@ -16,3 +18,5 @@ int32_t HPCRLIB_CALL JobOutputCallback(const uint8_t* data, uint32_t length, voi
 // Writes bytes to the printer; nothing is written for no bytes. The count that the spooler reports is not
 // checked.
 bool WriteToPrinter(HANDLE printer, std::string_view bytes);
+
+}  // namespace orvex

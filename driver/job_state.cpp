@@ -1,5 +1,7 @@
 #include "driver/job_state.h"
 
+namespace orvex {
+
 PDEV* g_pCurrentPdev = nullptr;
 HMODULE g_hHpcrlib = nullptr;
 PrintEngine g_engine = {};
@@ -19,3 +21,5 @@ ResolutionSwitch g_resolutionSwitch = {};
 StageMaxima g_stageMaxima = {};
 char* g_pThumbnail = nullptr;
 size_t g_cbThumbnail = 0;
+
+}  // namespace orvex

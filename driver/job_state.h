@@ -6,7 +6,9 @@
 
 #include "driver/device_instance.h"
 #include "engine/hpcrlib.h"
-#include "support/platform.h"
+#include "platform/windows.h"
+
+namespace orvex {
 
 // A change of the engine resolution that waits to be patched into the engine's output. The output callback
 // acts while both flags are set, and clears both; DrvStartPage clears `pending` only.
@@ -50,3 +52,5 @@ extern ResolutionSwitch g_resolutionSwitch;
 extern StageMaxima g_stageMaxima;
 extern char* g_pThumbnail;    // base64 text from malloc, until the header takes it or the page ends
 extern size_t g_cbThumbnail;  // its length, terminator not counted
+
+}  // namespace orvex

@@ -6,7 +6,9 @@
 
 #include "driver/job_output.h"
 #include "driver/job_state.h"
-#include "support/settings_file.h"
+#include "driver/support/settings_file.h"
+
+namespace orvex {
 
 namespace {
 
@@ -88,3 +90,5 @@ bool WriteJobHeader(const PDEV& pdev) {
     const bool profileWritten = WriteLine(pdev.hPrinter, "@PJL SET PROFILE=\"%s\"\n", g_szProfileName);
     return g_pThumbnail != nullptr ? WriteThumbnail(pdev.hPrinter) : profileWritten;
 }
+
+}  // namespace orvex

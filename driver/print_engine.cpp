@@ -1,10 +1,12 @@
 #include "driver/print_engine.h"
 
 #include "driver/job_state.h"
-#include "support/installation.h"
-#include "support/last_error.h"
-#include "support/log.h"
-#include "support/text.h"
+#include "driver/support/installation.h"
+#include "driver/support/last_error.h"
+#include "driver/support/log.h"
+#include "driver/support/text.h"
+
+namespace orvex {
 
 namespace {
 
@@ -74,3 +76,5 @@ void EndEngineJob() {
     g_hJob = 0;
     g_pCurrentPdev = nullptr;
 }
+
+}  // namespace orvex

@@ -1,7 +1,9 @@
 // Binding of the print engine's library for the time of a job.
 #pragma once
 
-#include "support/platform.h"
+#include "platform/windows.h"
+
+namespace orvex {
 
 // Makes the installation folder current, which it stays until the job ends, loads hpcrlib.dll and resolves
 // its seven entry points into g_engine. A folder that can't be entered is no failure: the library is loaded
@@ -15,3 +17,5 @@ void UnbindPrintEngine();
 // Ends the engine's job and unbinds its library; a failure of the engine is logged. Does nothing while none
 // is bound.
 void EndEngineJob();
+
+}  // namespace orvex

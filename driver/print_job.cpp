@@ -2,14 +2,16 @@
 
 #include <cstdio>
 
-#include "color/color_adjustment.h"
-#include "color/profile_file.h"
+#include "driver/color/color_adjustment.h"
 #include "driver/job_output.h"
 #include "driver/job_state.h"
 #include "driver/print_engine.h"
-#include "support/installation.h"
-#include "support/log.h"
-#include "support/text.h"
+#include "driver/profiles/profile_file.h"
+#include "driver/support/installation.h"
+#include "driver/support/log.h"
+#include "driver/support/text.h"
+
+namespace orvex {
 
 namespace {
 
@@ -147,3 +149,5 @@ extern "C" BOOL APIENTRY DrvEndDoc(SURFOBJ* pso, FLONG fl) {
     pdev->flags &= ~static_cast<uint32_t>(PDEV_RESET | PDEV_IN_JOB);
     return trace.Bool(TRUE);
 }
+
+}  // namespace orvex

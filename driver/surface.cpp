@@ -2,7 +2,9 @@
 // into by the graphics engine alone.
 
 #include "driver/device_instance.h"
-#include "support/log.h"
+#include "driver/support/log.h"
+
+namespace orvex {
 
 extern "C" HSURF APIENTRY DrvEnableSurface(DHPDEV dhpdev) {
     const TraceScope trace("DrvEnableSurface");
@@ -36,3 +38,5 @@ extern "C" void APIENTRY DrvDisableSurface(DHPDEV dhpdev) {
     EngDeleteSurface(pdev->hSurface);
     pdev->hSurface = nullptr;
 }
+
+}  // namespace orvex

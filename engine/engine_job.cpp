@@ -5,6 +5,8 @@
 #include "engine/print_stream.h"
 #include "engine/row_encoder.h"
 
+namespace orvex::engine {
+
 using namespace print_stream;
 
 bool EngineJob::Output() {
@@ -92,3 +94,5 @@ bool EngineJob::End() {
     stream_.PutText(kUniversalExit);
     return Output();
 }
+
+}  // namespace orvex::engine

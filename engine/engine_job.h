@@ -8,6 +8,8 @@
 #include "engine/hpcrlib.h"
 #include "engine/stream_writer.h"
 
+namespace orvex::engine {
+
 // Every function returns true on success. A call out of order or with a bad argument is refused and changes
 // nothing. After a failed output callback every further call fails and nothing more is output.
 class EngineJob {
@@ -50,3 +52,5 @@ class EngineJob {
     uint32_t rows_ = 0;
     std::vector<uint32_t> above_;
 };
+
+}  // namespace orvex::engine

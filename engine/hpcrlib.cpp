@@ -21,6 +21,8 @@ void __freeres();
 }
 #endif
 
+namespace orvex::engine {
+
 namespace {
 
 #ifdef _WIN32
@@ -147,3 +149,5 @@ static_assert(std::is_same_v<decltype(&HPCRLIB_PageEnd), HPCRLIB_PageEndFunction
 static_assert(std::is_same_v<decltype(&HPCRLIB_RasterBlockStart), HPCRLIB_RasterBlockStartFunction>);
 static_assert(std::is_same_v<decltype(&HPCRLIB_RasterRow), HPCRLIB_RasterRowFunction>);
 static_assert(std::is_same_v<decltype(&HPCRLIB_RasterBlockEnd), HPCRLIB_RasterBlockEndFunction>);
+
+}  // namespace orvex::engine

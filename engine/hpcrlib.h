@@ -11,6 +11,8 @@
 #define HPCRLIB_CALL __attribute__((ms_abi))
 #endif
 
+namespace orvex {
+
 // The status of a call that did its work. Any other, 0 among them, is a failure.
 inline constexpr uint32_t kEngineSuccess = 1;
 
@@ -72,3 +74,5 @@ inline constexpr PrintEngineExport kPrintEngineExports[] = {
     {"HPCRLIB_RasterBlockEnd", offsetof(PrintEngine, HPCRLIB_RasterBlockEnd)},
     {"HPCRLIB_PageEnd", offsetof(PrintEngine, HPCRLIB_PageEnd)},
 };
+
+}  // namespace orvex

@@ -17,7 +17,7 @@
 #include <cstdint>
 #include <string_view>
 
-namespace print_stream {
+namespace orvex::print_stream {
 
 inline constexpr std::string_view kUniversalExit = "\x1B%-12345X";
 inline constexpr std::string_view kPjlOpening =
@@ -99,4 +99,4 @@ constexpr uint32_t Adler32(const uint8_t* bytes, size_t size, uint32_t state = 1
     return b << 16 | a;
 }
 
-}  // namespace print_stream
+}  // namespace orvex::print_stream

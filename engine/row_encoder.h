@@ -20,6 +20,8 @@
 #include <cstdint>
 #include <cstring>
 
+namespace orvex {
+
 namespace row_code {
 
 enum Command : uint8_t { kAbove = 0, kRun = 1, kLiterals = 2 };
@@ -107,3 +109,5 @@ inline size_t EncodeRow(const uint32_t* above, const uint32_t* row, uint32_t wid
     }
     return static_cast<size_t>(PutLiterals(end, row + sent, width - sent) - out);
 }
+
+}  // namespace orvex

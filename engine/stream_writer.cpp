@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
+namespace orvex::engine {
+
 using namespace print_stream;
 
 namespace {
@@ -64,3 +66,5 @@ bool StreamWriter::Flush() {
     size_ = 0;
     return output_(bytes_.get(), length, context_) != 0;
 }
+
+}  // namespace orvex::engine

@@ -10,6 +10,8 @@
 #include "engine/hpcrlib.h"
 #include "engine/print_stream.h"
 
+namespace orvex::engine {
+
 class StreamWriter {
   public:
     StreamWriter(HPCRLIB_OutputCallback output, void* context) : output_(output), context_(context) {}
@@ -48,3 +50,5 @@ class StreamWriter {
     size_t recordStart_ = 0;
     bool inRecord_ = false;
 };
+
+}  // namespace orvex::engine

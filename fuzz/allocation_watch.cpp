@@ -5,6 +5,8 @@
 
 #include "fuzz/target.h"
 
+namespace orvex::fuzz {
+
 namespace {
 
 struct Block {
@@ -84,3 +86,5 @@ AllocationWatchPause::AllocationWatchPause() : before_(watching) {
 AllocationWatchPause::~AllocationWatchPause() {
     watching = before_;
 }
+
+}  // namespace orvex::fuzz

@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <vector>
 
+namespace orvex::fuzz {
+
 // While it lives, knows the blocks that the code linked into this program takes with malloc and calloc, and
 // which of them it has not freed. One lives at a time, over a part of the driver that keeps few blocks.
 class AllocationWatch {
@@ -31,3 +33,5 @@ class AllocationWatchPause {
   private:
     bool before_;
 };
+
+}  // namespace orvex::fuzz

@@ -6,6 +6,8 @@
 
 #include "fuzz/device_mode_rules.h"
 
+namespace orvex::fuzz {
+
 namespace {
 
 constexpr size_t kHeaderBytes = 72;  // what every record has
@@ -178,3 +180,5 @@ size_t FirstDifference(DeviceMode a, DeviceMode b) {
     return static_cast<size_t>(
         std::mismatch(left, left + sizeof a, reinterpret_cast<const uint8_t*>(&b)).first - left);
 }
+
+}  // namespace orvex::fuzz

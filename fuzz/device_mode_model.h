@@ -9,7 +9,9 @@
 #include <span>
 #include <vector>
 
-#include "config/device_mode.h"
+#include "driver/config/device_mode.h"
+
+namespace orvex::fuzz {
 
 // A label of the printer's list.
 struct ListedLabel {
@@ -32,3 +34,5 @@ std::vector<uint8_t> GivenBack(const DeviceMode& printers, std::span<const uint8
 // The offset of the first byte that tells two records apart, their size when none does. What stands behind
 // the end of a form's or label's name means nothing.
 size_t FirstDifference(DeviceMode a, DeviceMode b);
+
+}  // namespace orvex::fuzz

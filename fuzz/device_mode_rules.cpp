@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <initializer_list>
 
-#include "support/text.h"
+#include "driver/support/text.h"
+
+namespace orvex::fuzz {
 
 namespace {
 
@@ -134,3 +136,5 @@ DeviceMode DefaultDeviceMode() {
     record.priv.units = 1;
     return record;
 }
+
+}  // namespace orvex::fuzz

@@ -6,13 +6,16 @@
 #include <algorithm>
 #include <cstring>
 
-#include "config/device_mode_merge.h"
+#include "driver/config/device_mode_merge.h"
+#include "driver/support/text.h"
 #include "fuzz/device_mode_model.h"
 #include "fuzz/device_mode_rules.h"
 #include "fuzz/fuzz_printer.h"
 #include "fuzz/input.h"
-#include "support/text.h"
 
+namespace orvex::fuzz {
+
+using namespace tools;
 namespace {
 
 constexpr size_t kLeastBytes = 72;  // what every record has
@@ -88,3 +91,5 @@ Seeds DeviceModeMergeSeeds() {
     return {seed(0, plain, 220, 696), seed(3, plain, 212, 696), seed(1, listed, 188, 300),
             seed(3, wild, 220, 696),  seed(2, wild, 220, 0),    seed(3, plain, 100, 200)};
 }
+
+}  // namespace orvex::fuzz

@@ -3,6 +3,8 @@
 
 #include <string_view>
 
+namespace orvex::fuzz {
+
 struct FuzzDictionary {
     std::string_view target;
     const char* words;
@@ -40,3 +42,5 @@ constexpr const char* DictionaryOf(std::string_view target) {
     }
     return nullptr;
 }
+
+}  // namespace orvex::fuzz

@@ -1,9 +1,13 @@
 // The installation folder that fuzzed files are put into; one for the whole program.
 #pragma once
 
-#include "tests/support/installation_fixture.h"
+#include "tests/kit/installation_fixture.h"
+
+namespace orvex::fuzz {
 
 inline InstallationFixture& FuzzInstallation() {
     static InstallationFixture installation;
     return installation;
 }
+
+}  // namespace orvex::fuzz

@@ -2,8 +2,11 @@
 #pragma once
 
 #include "fuzz/target.h"
-#include "host/spooler.h"
+#include "tools/host/spooler.h"
 
+namespace orvex::fuzz {
+
+using namespace tools;
 class FuzzPrinter {
   public:
     FuzzPrinter() { spooler_.Attach(); }
@@ -35,3 +38,5 @@ class FuzzPrinter {
     Spooler::Printer& printer_ = spooler_.AddPrinter("Etikett 1", "Orvex Series");
     HANDLE handle_ = spooler_.Open("Etikett 1");
 };
+
+}  // namespace orvex::fuzz

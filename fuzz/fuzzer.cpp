@@ -6,6 +6,8 @@
 
 #include "fuzz/target.h"
 
+using namespace orvex::fuzz;
+
 static const FuzzTarget* chosen = nullptr;
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {

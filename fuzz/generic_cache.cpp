@@ -2,7 +2,9 @@
 
 #include <algorithm>
 
-#include "tests/color/plain_colors.h"
+#include "tests/plain/plain_colors.h"
+
+namespace orvex::fuzz {
 
 namespace {
 
@@ -39,3 +41,5 @@ bool IsGenericCache(const uint32_t* cache, int percent) {
     }
     return different == 0;
 }
+
+}  // namespace orvex::fuzz

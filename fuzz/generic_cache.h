@@ -4,5 +4,9 @@
 
 #include <cstdint>
 
+namespace orvex::fuzz {
+
 // Whether each of the 2^24 entries is the generic conversion of its colour at `percent` of ink, 50 or 100.
 bool IsGenericCache(const uint32_t* cache, int percent);
+
+}  // namespace orvex::fuzz

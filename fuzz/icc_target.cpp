@@ -1,8 +1,4 @@
-// ICC profiles in the profile tool: one that is taken gives every colour its inks, alone as among others, in
-// range and within the limit; one that is refused gets an error that names its file.
-
 #ifdef ORVEX_LITTLE_CMS
-
 #include <lcms2.h>
 
 #include <array>
@@ -11,14 +7,23 @@
 #include "fuzz/fuzz_installation.h"
 #include "fuzz/input.h"
 #include "fuzz/target.h"
-#include "profile_tool/icc_profile.h"
-#include "profile_tool/ink.h"
-#include "profile_tool/ink_treatment.h"
+#include "tools/orvexprofile/icc_profile.h"
+#include "tools/orvexprofile/ink.h"
+#include "tools/orvexprofile/ink_treatment.h"
+#endif
+
+namespace orvex::fuzz {
+
+using namespace tools::profile;
+// ICC profiles in the profile tool: one that is taken gives every colour its inks, alone as among others, in
+// range and within the limit; one that is refused gets an error that names its file.
+
+#ifdef ORVEX_LITTLE_CMS
 
 namespace {
 
-constexpr RenderingIntent kIntents[] = {RenderingIntent::Perceptual, RenderingIntent::RelativeColorimetric,
-                                        RenderingIntent::Saturation, RenderingIntent::AbsoluteColorimetric};
+constexpr RenderingIntent kIntents[] = {RenderingIntent::kPerceptual, RenderingIntent::kRelativeColorimetric,
+                                        RenderingIntent::kSaturation, RenderingIntent::kAbsoluteColorimetric};
 constexpr uint32_t kColors[] = {0xFFFFFF, 0x000000, 0xFF0000, 0x00FF00, 0x0000FF, 0x808080, 0x123456,
                                 0xFEFEFE, 0x010101, 0xC08040, 0x00FFFF, 0xFF00FF, 0xFFFF00, 0xFFFFFF};
 constexpr double kLimit = 240, kScale = 50;
@@ -93,3 +98,5 @@ Seeds IccSeeds() {
 }
 
 #endif
+
+}  // namespace orvex::fuzz

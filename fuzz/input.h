@@ -6,6 +6,8 @@
 #include <span>
 #include <string_view>
 
+namespace orvex::fuzz {
+
 class FuzzInput {
   public:
     explicit FuzzInput(std::span<const uint8_t> bytes) : rest_(bytes) {}
@@ -42,3 +44,5 @@ class FuzzInput {
   private:
     std::span<const uint8_t> rest_;
 };
+
+}  // namespace orvex::fuzz

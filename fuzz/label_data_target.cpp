@@ -7,14 +7,17 @@
 #include <cstring>
 #include <optional>
 
-#include "config/device_mode_validation.h"
-#include "config/label_sizes.h"
+#include "driver/config/device_mode_validation.h"
+#include "driver/config/label_sizes.h"
+#include "driver/support/text.h"
 #include "fuzz/device_mode_rules.h"
 #include "fuzz/fuzz_printer.h"
 #include "fuzz/input.h"
-#include "host/import_patch.h"
-#include "support/text.h"
+#include "tools/host/import_patch.h"
 
+namespace orvex::fuzz {
+
+using namespace tools;
 namespace {
 
 constexpr const char* kValues[] = {"version", "name", "width", "length", "units"};
@@ -200,3 +203,5 @@ Seeds LabelDataSeeds() {
         bytes({3, 128, 5, 0, 5, 0x32, 0, 0x35, 0, 0x38, 0}),
     };
 }
+
+}  // namespace orvex::fuzz

@@ -6,16 +6,19 @@
 #include <cstdlib>
 #include <optional>
 
-#include "config/label_sizes.h"
-#include "config/media_import.h"
+#include "driver/config/label_sizes.h"
+#include "driver/config/media_import.h"
+#include "driver/support/installation.h"
+#include "driver/support/text.h"
 #include "fuzz/fuzz_installation.h"
 #include "fuzz/fuzz_printer.h"
 #include "fuzz/input.h"
-#include "host/wide_text.h"
-#include "support/installation.h"
-#include "support/text.h"
-#include "tests/color/file_watch.h"
+#include "tests/driver/profiles/file_watch.h"
+#include "tools/common/wide_text.h"
 
+namespace orvex::fuzz {
+
+using namespace tools;
 namespace {
 
 constexpr size_t kBytesThatCount = 4095;
@@ -114,3 +117,5 @@ Seeds MediaImportSeeds() {
         many,
     };
 }
+
+}  // namespace orvex::fuzz

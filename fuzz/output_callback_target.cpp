@@ -8,12 +8,15 @@
 #include "driver/job_output.h"
 #include "driver/job_state.h"
 #include "driver/pjl_header.h"
+#include "driver/support/text.h"
 #include "fuzz/device_mode_rules.h"
 #include "fuzz/fuzz_installation.h"
 #include "fuzz/fuzz_printer.h"
 #include "fuzz/input.h"
-#include "support/text.h"
 
+namespace orvex::fuzz {
+
+using namespace tools;
 namespace {
 
 constexpr std::string_view kComment = "@PJL COMMENT";
@@ -146,3 +149,5 @@ Seeds OutputCallbackSeeds() {
             chunk(opening),
     };
 }
+
+}  // namespace orvex::fuzz

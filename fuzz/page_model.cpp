@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstdlib>
 
+namespace orvex::fuzz {
+
 namespace {
 
 int32_t To32(int64_t value) {
@@ -74,3 +76,5 @@ PlainLayout ComputePlainLayout(const PageLayoutInput& input) {
     out.fullWidth ? PlaceFill(input, out) : PlaceBlock(input, unit, out);
     return out;
 }
+
+}  // namespace orvex::fuzz

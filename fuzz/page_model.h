@@ -2,7 +2,9 @@
 // the end of each step.
 #pragma once
 
-#include "render/page_layout.h"
+#include "driver/render/page_layout.h"
+
+namespace orvex::fuzz {
 
 struct PlainLayout {
     bool fullWidth;
@@ -12,3 +14,5 @@ struct PlainLayout {
 };
 
 PlainLayout ComputePlainLayout(const PageLayoutInput& input);
+
+}  // namespace orvex::fuzz

@@ -6,16 +6,18 @@
 #include <algorithm>
 #include <cstring>
 
-#include "color/color_cache.h"
-#include "color/row_conversion.h"
+#include "driver/color/color_cache.h"
+#include "driver/color/row_conversion.h"
 #include "driver/job_state.h"
+#include "driver/page_layout_input.h"
 #include "fuzz/allocation_watch.h"
 #include "fuzz/device_mode_rules.h"
 #include "fuzz/fuzz_installation.h"
 #include "fuzz/input.h"
 #include "fuzz/page_model.h"
 #include "fuzz/target.h"
-#include "render/page_layout_input.h"
+
+namespace orvex::fuzz {
 
 namespace {
 
@@ -359,3 +361,5 @@ Seeds PageSeeds() {
     }
     return seeds;
 }
+
+}  // namespace orvex::fuzz

@@ -4,13 +4,16 @@
 #include "engine/print_stream.h"
 #include "fuzz/input.h"
 #include "fuzz/target.h"
-#include "tests/viewer/made_files.h"
-#include "viewer/base64_decoder.h"
-#include "viewer/layout_picture.h"
-#include "viewer/page_pictures.h"
-#include "viewer/print_file.h"
-#include "viewer/report.h"
+#include "tests/tools/orvexview/made_files.h"
+#include "tools/orvexview/base64_decoder.h"
+#include "tools/orvexview/layout_picture.h"
+#include "tools/orvexview/page_pictures.h"
+#include "tools/orvexview/print_file.h"
+#include "tools/orvexview/report.h"
 
+namespace orvex::fuzz {
+
+using namespace tools::view;
 namespace {
 
 // The file of an input: its own bytes, or PJL lines and records, whose checksums are made right.
@@ -35,44 +38,46 @@ constexpr uint64_t kSmallPage = 4096;  // pixels of a page that is drawn
 
 // The image lies within its block, and the pictures have the sizes that follow; what they hold is checked by
 // the sanitizers only.
-void CheckViews(const viewer::PrintFile& file, const viewer::PrintedPage& page,
-                const viewer::PagePlacement& placement) {
-    const viewer::BlockArea area = viewer::ImageArea(placement);
+void CheckViews(const tools::view::PrintFile& file, const tools::view::PrintedPage& page,
+                const tools::view::PagePlacement& placement) {
+    const tools::view::BlockArea area = tools::view::ImageArea(placement);
     REQUIRE(area.width > 0 && area.left + area.width <= page.rowWidth);
     REQUIRE(area.rows > 0 && area.top + area.rows <= page.rows);
     REQUIRE(placement.purgeWidth + area.width == page.rowWidth);
     if (uint64_t{page.rowWidth} * page.rows > kSmallPage) return;
     for (const uint32_t scale : {1u, 3u}) {
-        const viewer::Picture composite = viewer::DrawComposite(file, page, area, scale);
+        const tools::view::Picture composite = tools::view::DrawComposite(file, page, area, scale);
         REQUIRE(composite.width == (area.width + scale - 1) / scale);
         REQUIRE(composite.height == (area.rows + scale - 1) / scale);
-        REQUIRE(viewer::DrawInk(file, page, area, scale, 3).samples.size() * 3 == composite.samples.size());
-        REQUIRE(viewer::Upright(composite, placement).samples.size() == composite.samples.size());
+        REQUIRE(tools::view::DrawInk(file, page, area, scale, 3).samples.size() * 3 ==
+                composite.samples.size());
+        REQUIRE(tools::view::Upright(composite, placement).samples.size() == composite.samples.size());
     }
-    const uint32_t scale = viewer::ScaleToFit(viewer::LayoutLength(page, placement), 200);
-    REQUIRE(viewer::DrawLayout(file, page, placement, scale).height <= 200 + 2 * viewer::kLayoutMargin + 1);
+    const uint32_t scale = tools::view::ScaleToFit(tools::view::LayoutLength(page, placement), 200);
+    REQUIRE(tools::view::DrawLayout(file, page, placement, scale).height <=
+            200 + 2 * tools::view::kLayoutMargin + 1);
 }
 
 // The tables and pictures of a file that was taken.
-void CheckViews(const viewer::PrintFile& file) {
-    std::vector<viewer::PagePlacement> placements;
-    for (const viewer::PrintedPage& page : file.pages) {
-        placements.push_back(viewer::PlacePage(file, page));
+void CheckViews(const tools::view::PrintFile& file) {
+    std::vector<tools::view::PagePlacement> placements;
+    for (const tools::view::PrintedPage& page : file.pages) {
+        placements.push_back(tools::view::PlacePage(file, page));
         CheckViews(file, page, placements.back());
     }
-    REQUIRE(viewer::DescribeHeader(file).find("\nPages: ") != std::string::npos);
-    REQUIRE(!viewer::DescribePages(file, placements).empty());
+    REQUIRE(tools::view::DescribeHeader(file).find("\nPages: ") != std::string::npos);
+    REQUIRE(!tools::view::DescribePages(file, placements).empty());
     if (!file.header.thumbnail) return;
     try {
-        REQUIRE(viewer::DecodeBase64(*file.header.thumbnail).size() <= file.header.thumbnail->size());
+        REQUIRE(tools::view::DecodeBase64(*file.header.thumbnail).size() <= file.header.thumbnail->size());
     } catch (const std::runtime_error&) {
         REQUIRE(!file.header.thumbnail->empty());
     }
 }
 
-void CheckPage(const viewer::PrintedPage& page) {
+void CheckPage(const tools::view::PrintedPage& page) {
     REQUIRE(page.rowWidth > 0 && page.rowWidth <= print_stream::kMaxRowWidth);
-    viewer::RowReader reader(page);
+    tools::view::RowReader reader(page);
     uint32_t rows = 0;
     for (std::span<const uint32_t> row = reader.Next(); !row.empty(); row = reader.Next()) {
         REQUIRE(row.size() == page.rowWidth);
@@ -106,15 +111,15 @@ void FuzzPrintFile(std::span<const uint8_t> input) {
     FuzzInput choices(input);
     const std::string file = FileOf(choices);
     try {
-        const viewer::PrintFile read = viewer::ParsePrintFile(AsBytes(file));
+        const tools::view::PrintFile read = tools::view::ParsePrintFile(AsBytes(file));
         REQUIRE(!read.pages.empty());
         uint32_t number = 0;
-        for (const viewer::PrintedPage& page : read.pages) {
+        for (const tools::view::PrintedPage& page : read.pages) {
             REQUIRE(page.number == ++number);
             CheckPage(page);
         }
         CheckViews(read);
-    } catch (const viewer::PrintFileError& error) {
+    } catch (const tools::view::PrintFileError& error) {
         REQUIRE(error.Offset() <= file.size());
     }
 }
@@ -136,3 +141,5 @@ Seeds PrintFileSeeds() {
         "\1" + one.substr(0, one.size() - 30),
     };
 }
+
+}  // namespace orvex::fuzz

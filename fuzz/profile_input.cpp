@@ -3,7 +3,9 @@
 #include <algorithm>
 
 #include "fuzz/input.h"
-#include "tests/color/profile_bytes.h"
+#include "tests/driver/profiles/profile_bytes.h"
+
+namespace orvex::fuzz {
 
 namespace {
 
@@ -68,3 +70,5 @@ std::string RareSeed(const std::string& seed) {
         if (IsRare({reinterpret_cast<const uint8_t*>(rare.data()), rare.size()})) return rare;
     }
 }
+
+}  // namespace orvex::fuzz

@@ -9,6 +9,8 @@
 #include "fuzz/sparse_file.h"
 #include "fuzz/target.h"
 
+namespace orvex::fuzz {
+
 struct ProfileInput {
     SparseFile file;
     // Whether it is worth much time, as one input in kRare is, whatever else it holds: the colours of
@@ -34,3 +36,5 @@ std::string ProfileSeed(int choice, const std::string& tags, size_t areaLength,
 
 // The input with bytes appended that make it a rare one.
 std::string RareSeed(const std::string& seed);
+
+}  // namespace orvex::fuzz

@@ -4,9 +4,11 @@
 #include <cstring>
 #include <map>
 
-#include "color/color_cache.h"
+#include "driver/color/color_cache.h"
 #include "fuzz/target.h"
-#include "tests/color/profile_bytes.h"
+#include "tests/driver/profiles/profile_bytes.h"
+
+namespace orvex::fuzz {
 
 namespace {
 
@@ -128,3 +130,5 @@ void CheckCache(const SparseFile& file, uint8_t version, size_t colorsAt, bool a
     REQUIRE(version == 4 ? IsHalfGrid(g_colorCache)
                          : IsAll(g_colorCache, kCacheEntries, version == 5 ? kNotComputed : 0));
 }
+
+}  // namespace orvex::fuzz

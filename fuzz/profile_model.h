@@ -9,6 +9,8 @@
 
 #include "fuzz/sparse_file.h"
 
+namespace orvex::fuzz {
+
 struct TagWalk {
     bool accepted = false;    // header and tags are right
     std::string name;         // up to its first zero byte; as far as the walk got
@@ -33,3 +35,5 @@ inline bool HoldsColors(std::string_view file, size_t colorsAt) {
 // Requires that the colour cache is what a file of that version, whose colours begin there, makes of it: each
 // of its 2^24 entries. The cache is worth nothing afterwards.
 void CheckCache(const SparseFile& file, uint8_t version, size_t colorsAt, bool at600Dpi);
+
+}  // namespace orvex::fuzz

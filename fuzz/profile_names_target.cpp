@@ -2,13 +2,16 @@
 
 #include <cstring>
 
-#include "color/profile_names.h"
+#include "driver/profiles/profile_names.h"
+#include "driver/support/text.h"
 #include "fuzz/fuzz_installation.h"
 #include "fuzz/input.h"
 #include "fuzz/target.h"
-#include "support/text.h"
-#include "tests/color/file_watch.h"
+#include "tests/driver/profiles/file_watch.h"
 
+namespace orvex::fuzz {
+
+using namespace tools;
 using namespace std::string_view_literals;
 
 namespace {
@@ -84,3 +87,5 @@ Seeds ProfileNamesSeeds() {
         "\4" + Wide(u"\xFEFF[DEU]\n\0a.zvp=1\na.zvp=\0\n"sv) + "x",
     };
 }
+
+}  // namespace orvex::fuzz

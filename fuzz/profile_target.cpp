@@ -2,19 +2,22 @@
 // profile that is taken fills the whole cache as its colours say, one that is refused leaves the generic
 // conversion in all of it.
 
-#include "color/color_cache.h"
-#include "color/profile_catalogue.h"
-#include "color/profile_file.h"
+#include "driver/color/color_cache.h"
+#include "driver/profiles/profile_catalogue.h"
+#include "driver/profiles/profile_file.h"
+#include "driver/support/installation.h"
+#include "driver/support/text.h"
 #include "fuzz/fuzz_installation.h"
 #include "fuzz/generic_cache.h"
 #include "fuzz/profile_input.h"
 #include "fuzz/profile_model.h"
 #include "fuzz/target.h"
-#include "support/installation.h"
-#include "support/text.h"
-#include "tests/color/file_watch.h"
-#include "tests/color/profile_bytes.h"
+#include "tests/driver/profiles/file_watch.h"
+#include "tests/driver/profiles/profile_bytes.h"
 
+namespace orvex::fuzz {
+
+using namespace tools;
 namespace {
 
 constexpr WCHAR kFileName[] = L"fuzz.zvp";
@@ -126,3 +129,5 @@ Seeds ProfileSeeds() {
     seeds.push_back(RareSeed(ProfileSeed(kProfileCut + 5, tags, length, "odd")));
     return seeds;
 }
+
+}  // namespace orvex::fuzz

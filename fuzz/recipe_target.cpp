@@ -8,10 +8,13 @@
 #include "fuzz/input.h"
 #include "fuzz/profile_model.h"
 #include "fuzz/target.h"
-#include "profile_tool/ink.h"
-#include "profile_tool/profile_writer.h"
-#include "profile_tool/recipe.h"
+#include "tools/orvexprofile/ink.h"
+#include "tools/orvexprofile/profile_writer.h"
+#include "tools/orvexprofile/recipe.h"
 
+namespace orvex::fuzz {
+
+using namespace tools::profile;
 namespace {
 
 // Inks of a limited and scaled variant: each amount is rounded on its own.
@@ -69,3 +72,5 @@ Seeds RecipeSeeds() {
         "[]",
     };
 }
+
+}  // namespace orvex::fuzz

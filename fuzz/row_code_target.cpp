@@ -6,7 +6,9 @@
 #include "engine/row_encoder.h"
 #include "fuzz/input.h"
 #include "fuzz/target.h"
-#include "viewer/row_decoder.h"
+#include "tools/orvexview/row_decoder.h"
+
+namespace orvex::fuzz {
 
 namespace {
 
@@ -70,3 +72,5 @@ Seeds RowCodeSeeds() {
         std::string("\0\0\0", 3),
     };
 }
+
+}  // namespace orvex::fuzz

@@ -4,12 +4,15 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "driver/support/settings_file.h"
 #include "fuzz/fuzz_installation.h"
 #include "fuzz/input.h"
 #include "fuzz/target.h"
-#include "support/settings_file.h"
-#include "tests/color/file_watch.h"
+#include "tests/driver/profiles/file_watch.h"
 
+namespace orvex::fuzz {
+
+using namespace tools;
 namespace {
 
 constexpr size_t kPieceBytes = 253;  // a longer line comes in pieces, the byte behind each of which is lost
@@ -91,3 +94,5 @@ Seeds SettingsSeeds() {
         std::string("\0\2", 2) + "[UI]" + std::string(260, ' ') + "\rLanguage=a\r\n",
     };
 }
+
+}  // namespace orvex::fuzz

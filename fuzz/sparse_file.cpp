@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <fstream>
 
+namespace orvex::fuzz {
+
 std::string SparseFile::Beginning(uint64_t most) const {
     std::string beginning(static_cast<size_t>(std::min(size, most)), '\0');
     for (const Run& run : runs) {
@@ -23,3 +25,5 @@ void SparseFile::Write(const std::filesystem::path& path) const {
     file.close();
     std::filesystem::resize_file(path, size);
 }
+
+}  // namespace orvex::fuzz

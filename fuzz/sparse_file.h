@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+namespace orvex::fuzz {
+
 struct SparseFile {
     struct Run {
         uint64_t offset;
@@ -19,3 +21,5 @@ struct SparseFile {
     // Writes it in place of what is there. The zeros cost nothing where the file system can leave them out.
     void Write(const std::filesystem::path& path) const;
 };
+
+}  // namespace orvex::fuzz

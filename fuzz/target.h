@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+namespace orvex::fuzz {
+
 using Seeds = std::vector<std::string>;
 
 struct FuzzTarget {
@@ -52,3 +54,5 @@ FUZZ_TARGETS(DECLARE_FUZZ_TARGET)
 // Ends the program with a message when an invariant does not hold.
 #define REQUIRE(condition) ((condition) ? void() : InvariantBroken(#condition, __FILE__, __LINE__))
 [[noreturn]] void InvariantBroken(const char* condition, const char* file, int line);
+
+}  // namespace orvex::fuzz

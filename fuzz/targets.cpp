@@ -5,6 +5,8 @@
 #include "fuzz/dictionaries.h"
 #include "fuzz/target.h"
 
+namespace orvex::fuzz {
+
 namespace {
 
 #define FUZZ_TARGET_ROW(name, function) {#name, &Fuzz##function, &function##Seeds, DictionaryOf(#name)},
@@ -29,3 +31,5 @@ void InvariantBroken(const char* condition, const char* file, int line) {
     fflush(stderr);
     abort();
 }
+
+}  // namespace orvex::fuzz

@@ -9,15 +9,18 @@
 #include "fuzz/profile_input.h"
 #include "fuzz/profile_model.h"
 #include "fuzz/target.h"
-#include "profile_tool/conversion.h"
-#include "profile_tool/ink.h"
-#include "profile_tool/profile_writer.h"
-#include "tests/color/profile_bytes.h"
+#include "tests/driver/profiles/profile_bytes.h"
+#include "tools/orvexprofile/conversion.h"
+#include "tools/orvexprofile/ink.h"
+#include "tools/orvexprofile/profile_writer.h"
 
+namespace orvex::fuzz {
+
+using namespace tools::profile;
 namespace {
 
 constexpr uint64_t kMostBytes = 1 << 20;
-constexpr PrintVariant kVariants[] = {PrintVariant::At600, PrintVariant::Other};
+constexpr PrintVariant kVariants[] = {PrintVariant::kAt600, PrintVariant::kOther};
 
 std::string BeforeZero(const std::string& text) {
     return text.substr(0, text.find('\0'));
@@ -54,7 +57,7 @@ void CheckWrittenAgain(const std::filesystem::path& path, const ProfileFacts& fa
 
 void CheckRefusal(const std::filesystem::path& path) {
     try {
-        LoadAccepted(path, PrintVariant::Other);
+        LoadAccepted(path, PrintVariant::kOther);
     } catch (const std::runtime_error& error) {
         REQUIRE(std::string_view(error.what()).find(path.string()) != std::string_view::npos);
         return;
@@ -98,3 +101,5 @@ Seeds ToolProfileSeeds() {
         kProfileRaw + std::string("ZVC\5", 4) + Number32(18) + "????" + TagArea("\1\4"),
     };
 }
+
+}  // namespace orvex::fuzz

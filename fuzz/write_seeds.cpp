@@ -5,7 +5,10 @@
 #include <filesystem>
 
 #include "fuzz/target.h"
-#include "tests/support/scratch_folder.h"
+#include "tests/kit/scratch_folder.h"
+
+using namespace orvex;
+using namespace orvex::fuzz;
 
 int main(int argc, char** argv) {
     if (argc != 2) {

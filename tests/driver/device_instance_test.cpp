@@ -4,6 +4,9 @@
 
 #include "tests/driver/driver_fixture.h"
 
+namespace orvex {
+
+using namespace tools;
 using testing::AllOf;
 using testing::Contains;
 using testing::ElementsAre;
@@ -97,7 +100,7 @@ TEST_F(DeviceInstance, MeasuresThePageInPixelsAndMillimetres) {
     EXPECT_EQ(caps.ulVertSize, 100u);
 }
 
-TEST_F(DeviceInstance, IsA24BitColourRasterPrinter) {
+TEST_F(DeviceInstance, IsA24BitColorRasterPrinter) {
     const GDIINFO caps = Capabilities(300, 300, 400, 1);
     EXPECT_EQ(caps.ulVersion, 0x401u);
     EXPECT_EQ(caps.ulTechnology, 2u);
@@ -167,7 +170,7 @@ TEST_F(DeviceInstance, CopiesNoMoreOfItsRecordsThanThereIs) {
 
 TEST_F(DeviceInstance, IsRefusedWithoutAPaletteAndLeaksNothing) {
     mask = 3;
-    Session().Graphics().FailCall(EngineService::CreatePalette);
+    Session().Graphics().FailCall(EngineService::kCreatePalette);
     const auto device = Session().EnablePdev(Bytes(Mode()));
     EXPECT_EQ(device->Instance(), nullptr);
     EXPECT_EQ(Session().Graphics().LivePalettes(), 0u);
@@ -391,7 +394,7 @@ TEST_F(DeviceInstance, HasItsSurfaceDeletedOnce) {
     DriverSession& session = Session();
     const auto device = Enable(Mode());
     LogLines();
-    const auto deletions = [&] { return session.Graphics().Calls(EngineService::DeleteSurface); };
+    const auto deletions = [&] { return session.Graphics().Calls(EngineService::kDeleteSurface); };
     EXPECT_EQ(session.Graphics().LiveSurfaces(), 1u);
     session.Hooks().disableSurface(device->Instance());
     session.Hooks().disableSurface(device->Instance());
@@ -408,7 +411,7 @@ TEST_F(DeviceInstance, HasItsSurfaceDeletedOnce) {
 TEST_F(DeviceInstance, ReportsABitmapThatCannotBeMade) {
     const auto device = Session().EnablePdev(Bytes(Mode()));
     Session().CompletePdev(*device);
-    Session().Graphics().FailCall(EngineService::CreateBitmap);
+    Session().Graphics().FailCall(EngineService::kCreateBitmap);
     EXPECT_FALSE(Session().EnableSurface(*device));
     EXPECT_THAT(LogLines(), Contains("[Error] Could not create surface."));
     EXPECT_EQ(InstanceOf(*device).hSurface, nullptr);
@@ -417,8 +420,10 @@ TEST_F(DeviceInstance, ReportsABitmapThatCannotBeMade) {
 TEST_F(DeviceInstance, DeletesABitmapThatCannotBeAssociated) {
     const auto device = Session().EnablePdev(Bytes(Mode()));
     Session().CompletePdev(*device);
-    Session().Graphics().FailCall(EngineService::AssociateSurface);
+    Session().Graphics().FailCall(EngineService::kAssociateSurface);
     EXPECT_FALSE(Session().EnableSurface(*device));
     EXPECT_EQ(Session().Graphics().LiveSurfaces(), 0u);
     EXPECT_EQ(InstanceOf(*device).hSurface, nullptr);
 }
+
+}  // namespace orvex

@@ -3,6 +3,9 @@
 #include "driver/device_instance.h"
 #include "tests/driver/driver_fixture.h"
 
+namespace orvex {
+
+using namespace tools;
 using testing::Contains;
 using testing::HasSubstr;
 using testing::Not;
@@ -64,3 +67,5 @@ TEST_F(DeviceReset, OutsideAJobLeavesTheJobToBegin) {
     EXPECT_EQ(Session().Engine().Books().jobsStarted, 1u);
     Session().EndDoc(*fresh);
 }
+
+}  // namespace orvex

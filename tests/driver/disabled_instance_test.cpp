@@ -6,6 +6,9 @@
 #include "tests/driver/driver_fixture.h"
 #include "tests/driver/plain_header.h"
 
+namespace orvex {
+
+using namespace tools;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -71,7 +74,7 @@ TEST_F(DisabledInstance, IsNotUsedWhenTheJobEndsAfterAResetWithoutASurface) {
     Session().CompletePdev(*fresh);
     ASSERT_TRUE(Session().ResetPdev(*old, *fresh));
     Disable(*old);
-    Session().Graphics().FailCall(EngineService::CreateBitmap);
+    Session().Graphics().FailCall(EngineService::kCreateBitmap);
     ASSERT_FALSE(Session().EnableSurface(*fresh));
     EXPECT_FALSE(Session().EndDoc(*fresh));  // there is no surface to name the instance
     EXPECT_THAT(results, ElementsAre(0));
@@ -100,3 +103,5 @@ TEST_F(DisabledInstance, OfNoJobLeavesTheRunningJobItsOutput) {
     ASSERT_TRUE(Session().EndDoc(*running));
     EXPECT_THAT(results, ElementsAre(1));
 }
+
+}  // namespace orvex

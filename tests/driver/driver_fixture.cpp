@@ -2,9 +2,12 @@
 
 #include <cstring>
 
-#include "tests/color/profile_bytes.h"
+#include "tests/driver/profiles/profile_bytes.h"
 #include "tests/driver/test_mode.h"
 
+namespace orvex {
+
+using namespace tools;
 uint32_t ProfileColor(uint32_t color, bool at600Dpi) {
     return color == 0xFFFFFF ? 0 : (color ^ (at600Dpi ? 0x5A000000u : 0x3C000000u)) & 0x7FFFFFFF;
 }
@@ -93,3 +96,5 @@ uint32_t DriverTest::Pixel(const SURFOBJ& surface, int32_t x, int32_t y) {
 void DriverTest::SetPixel(SURFOBJ& surface, int32_t x, int32_t y, uint32_t color) {
     memcpy(static_cast<uint8_t*>(surface.pvBits) + y * surface.lDelta + x * 4, &color, sizeof color);
 }
+
+}  // namespace orvex

@@ -9,13 +9,16 @@
 #include <string>
 #include <vector>
 
-#include "config/device_mode.h"
-#include "host/debug_heap.h"
-#include "host/driver_session.h"
+#include "driver/config/device_mode.h"
 #include "tests/driver/recording_engine.h"
-#include "tests/support/log_capture.h"
-#include "tests/support/scratch_folder.h"
+#include "tests/kit/log_capture.h"
+#include "tests/kit/scratch_folder.h"
+#include "tools/host/debug_heap.h"
+#include "tools/host/driver_session.h"
 
+namespace orvex {
+
+using namespace tools;
 struct PDEV;
 
 class DriverTest : public testing::Test {
@@ -75,3 +78,5 @@ class DriverTest : public testing::Test {
 
 // The ink of the test profile, another one at 600 dpi; none for white.
 uint32_t ProfileColor(uint32_t color, bool at600Dpi);
+
+}  // namespace orvex

@@ -1,6 +1,9 @@
-#include "support/module.h"
+#include "driver/support/module.h"
 #include "tests/driver/driver_fixture.h"
 
+namespace orvex {
+
+using namespace tools;
 using testing::ElementsAre;
 
 using Entry = DriverTest;
@@ -99,3 +102,5 @@ TEST_F(Entry, RefusesADeviceWhileItsModuleIsUnknown) {
 }
 
 #endif
+
+}  // namespace orvex

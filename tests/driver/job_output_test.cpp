@@ -1,10 +1,13 @@
 #include "driver/device_instance.h"
 #include "driver/job_state.h"
-#include "tests/color/profile_bytes.h"
 #include "tests/driver/driver_fixture.h"
 #include "tests/driver/plain_header.h"
-#include "tests/support/picture.h"
+#include "tests/driver/profiles/profile_bytes.h"
+#include "tests/kit/picture.h"
 
+namespace orvex {
+
+using namespace tools;
 using testing::AllOf;
 using testing::Contains;
 using testing::ElementsAre;
@@ -396,3 +399,5 @@ TEST_F(JobOutput, LogsTheCostOfItsSlowestWrite) {
     Written(std::string(1000, 'x'));
     EXPECT_THAT(LogLines(), ElementsAre("[Info]  write: 4005000us/B"));
 }
+
+}  // namespace orvex

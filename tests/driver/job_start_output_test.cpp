@@ -7,6 +7,9 @@
 #include "tests/driver/driver_fixture.h"
 #include "tests/driver/plain_header.h"
 
+namespace orvex {
+
+using namespace tools;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Not;
@@ -180,3 +183,5 @@ TEST_F(JobStartOutput, LeavesNoMissedSwitchToReport) {
     EXPECT_THAT(LogLines(), Not(testing::Contains(HasSubstr("res missed"))));
     Session().EndDoc(*device);
 }
+
+}  // namespace orvex

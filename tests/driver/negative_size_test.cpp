@@ -6,6 +6,9 @@
 
 #include "tests/driver/send_page_fixture.h"
 
+namespace orvex {
+
+using namespace tools;
 using testing::Contains;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -91,3 +94,5 @@ TEST_F(NegativeSize, IsNotThatOfABitmapWithoutScanLines) {
     EXPECT_EQ(rowsTaken, 0);
     EXPECT_EQ(engine.calls.back(), "PageEnd");
 }
+
+}  // namespace orvex

@@ -1,5 +1,7 @@
 #include "tests/driver/plain_header.h"
 
+namespace orvex {
+
 std::string PlainHeader(const HeaderFacts& facts) {
     return "@PJL SET COPIES=1\n"
            "@PJL SET COLLATE=0\n"
@@ -32,3 +34,5 @@ std::string PlainHeader(const HeaderFacts& facts) {
            "@PJL SET PROFILE=\"" +
            facts.profileName + "\"\n";
 }
+
+}  // namespace orvex

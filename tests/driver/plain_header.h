@@ -3,6 +3,8 @@
 
 #include <string>
 
+namespace orvex {
+
 // The engine's line in front of which the driver writes the header.
 inline constexpr char kComment[] = "@PJL COMMENT engine\n";
 
@@ -17,3 +19,5 @@ struct HeaderFacts {
 
 // Returns all lines of the header, every setting as in the fixture's device mode.
 std::string PlainHeader(const HeaderFacts& facts = {});
+
+}  // namespace orvex

@@ -6,6 +6,9 @@
 #include "driver/device_instance.h"
 #include "tests/driver/driver_fixture.h"
 
+namespace orvex {
+
+using namespace tools;
 namespace fs = std::filesystem;
 using testing::AllOf;
 using testing::Contains;
@@ -159,3 +162,5 @@ TEST_F(PrintEngineBinding, StaysWhereItIsWhenTheCurrentDirectoryCannotBeTold) {
     EXPECT_TRUE(InInstallationFolder());
     fs::current_path(before);
 }
+
+}  // namespace orvex

@@ -1,10 +1,13 @@
 #include <filesystem>
 
 #include "driver/device_instance.h"
-#include "tests/color/profile_bytes.h"
 #include "tests/driver/driver_fixture.h"
+#include "tests/driver/profiles/profile_bytes.h"
 #include "tests/driver/test_mode.h"
 
+namespace orvex {
+
+using namespace tools;
 namespace fs = std::filesystem;
 using testing::AllOf;
 using testing::Contains;
@@ -113,7 +116,7 @@ TEST_F(PrintJob, WithAProfilePrintsItsNameAndResolutionCode) {
                 AllOf(HasSubstr("@PJL SET PROFILE=\"Test colours\"\n"), HasSubstr("@PJL SET HPRES=3\n")));
 }
 
-TEST_F(PrintJob, WithAMissingProfileKeepsItsFileNameAndPrintsGenericColours) {
+TEST_F(PrintJob, WithAMissingProfileKeepsItsFileNameAndPrintsGenericColors) {
     DeviceMode mode = Mode();
     mode.priv.colorProfile[0] = 'r';
     EXPECT_THAT(HeaderOf(mode),
@@ -329,3 +332,5 @@ TEST_F(PrintJob, PrintsAndLogsNamesThatLookLikeFormatsAsTheyAre) {
                               "[Info]  load_profile [profiles\\%s%n%x.zvp]", "[Info]  Profile name:%s%n%x",
                               "[Info]  read_profile 5 3 %s%n%x"}));
 }
+
+}  // namespace orvex

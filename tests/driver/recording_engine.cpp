@@ -2,6 +2,8 @@
 
 #include <sstream>
 
+namespace orvex {
+
 namespace {
 
 RecordingEngine* current = nullptr;
@@ -93,3 +95,5 @@ uint32_t RecordingEngine::Status(const char* call) {
     if (failure == failures_.end() || --failure->second.countdown != 0) return 1;
     return failure->second.status;
 }
+
+}  // namespace orvex

@@ -10,8 +10,11 @@
 #include <string_view>
 #include <vector>
 
-#include "host/engine_library.h"
+#include "tools/host/engine_library.h"
 
+namespace orvex {
+
+using namespace tools;
 class RecordingEngine {
   public:
     RecordingEngine();
@@ -51,3 +54,5 @@ class RecordingEngine {
     std::map<std::string, Failure> failures_;
     uint32_t rowWidth_ = 0;
 };
+
+}  // namespace orvex

@@ -2,6 +2,9 @@
 
 #include <random>
 
+namespace orvex {
+
+using namespace tools;
 namespace {
 
 constexpr uint32_t kGridColors[] = {0xFFFFFF, 0x000000, 0xFF0000, 0x00FF00,
@@ -54,3 +57,5 @@ Rows SendPageTest::PrintSize(const DeviceMode& mode, int32_t width, int32_t heig
 uint32_t SendPageTest::Ink(int32_t x, int32_t y) const {
     return ProfileColor(Pixel(*device_->Surface(), x, y) & 0xFFFFFF, at600Dpi_);
 }
+
+}  // namespace orvex

@@ -4,6 +4,9 @@
 #include "driver/device_instance.h"
 #include "tests/driver/driver_fixture.h"
 
+namespace orvex {
+
+using namespace tools;
 using Row = std::vector<uint32_t>;
 using Rows = std::vector<Row>;
 
@@ -47,3 +50,5 @@ class SendPageTest : public DriverTest {
     std::unique_ptr<Device> device_;
     bool at600Dpi_ = false;
 };
+
+}  // namespace orvex

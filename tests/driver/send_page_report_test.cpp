@@ -1,5 +1,8 @@
 #include "tests/driver/send_page_fixture.h"
 
+namespace orvex {
+
+using namespace tools;
 using testing::AllOf;
 using testing::Contains;
 using testing::ElementsAre;
@@ -335,3 +338,5 @@ TEST_F(SendPage, MakesNoThumbnailOfA24BitBitmap) {
                 AllOf(Contains("[Info]  [Driver]:Add_Thumb=:1"), Not(Contains(HasSubstr("add page thumb")))));
     Session().EndDoc(*device);
 }
+
+}  // namespace orvex

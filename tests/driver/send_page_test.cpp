@@ -1,5 +1,8 @@
 #include "tests/driver/send_page_fixture.h"
 
+namespace orvex {
+
+using namespace tools;
 using testing::Contains;
 using testing::Each;
 using testing::ElementsAre;
@@ -267,7 +270,7 @@ TEST_F(SendPage, FillsWithNothingWhenAPurgeBarAloneAsksForFullWidth) {
     }
 }
 
-TEST_F(SendPage, PrintsInGreyWhenTheColourModeSaysSo) {
+TEST_F(SendPage, PrintsInGrayWhenTheColorModeSaysSo) {
     DeviceMode mode = Landscape();
     mode.priv.colorMode = 2;
     const Rows rows = Print(mode);
@@ -293,3 +296,5 @@ TEST_F(SendPage, KeepsTheBitmapAsItWas) {
     EXPECT_EQ(memcmp(before.data(), surface.pvBits, before.size()), 0);
     Session().EndDoc(*device);
 }
+
+}  // namespace orvex

@@ -1,5 +1,7 @@
 #include "tests/driver/test_mode.h"
 
+namespace orvex {
+
 DeviceMode ValidTestMode(std::string_view profile) {
     DeviceMode mode = {};
     mode.pub.dmSpecVersion = mode.pub.dmDriverVersion = kDevModeVersion;
@@ -25,3 +27,5 @@ DeviceMode ValidTestMode(std::string_view profile) {
     for (size_t i = 0; i < profile.size(); ++i) mode.priv.colorProfile[i] = static_cast<WCHAR>(profile[i]);
     return mode;
 }
+
+}  // namespace orvex

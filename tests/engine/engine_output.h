@@ -9,6 +9,8 @@
 #include "engine/print_stream.h"
 #include "tests/engine/hpcrlib_functions.h"
 
+namespace orvex {
+
 inline constexpr uint32_t kMode300Dpi = 0;
 inline constexpr uint32_t kMode600Dpi = 1;
 
@@ -61,3 +63,5 @@ inline EngineOutput PrintJob(const std::vector<Rows>& pages, uint32_t mode = kMo
     HPCRLIB_JobEnd(job);
     return output;
 }
+
+}  // namespace orvex

@@ -3,6 +3,8 @@
 
 #include "engine/hpcrlib.h"
 
+namespace orvex {
+
 extern "C" {
 uint64_t HPCRLIB_CALL HPCRLIB_JobStart(HPCRLIB_OutputCallback output, void* context, uint32_t resolutionMode,
                                        uint32_t reserved);
@@ -14,3 +16,5 @@ uint32_t HPCRLIB_CALL HPCRLIB_RasterBlockStart(uint64_t job, uint32_t reserved, 
 uint32_t HPCRLIB_CALL HPCRLIB_RasterRow(uint64_t job, const uint32_t* row);
 uint32_t HPCRLIB_CALL HPCRLIB_RasterBlockEnd(uint64_t job);
 }
+
+}  // namespace orvex

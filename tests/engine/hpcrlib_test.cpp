@@ -6,7 +6,9 @@
 #include <thread>
 
 #include "tests/engine/engine_output.h"
-#include "viewer/print_file.h"
+#include "tools/orvexview/print_file.h"
+
+namespace orvex {
 
 namespace {
 
@@ -310,9 +312,9 @@ TEST_F(Engine, SeveralJobsRunAtATime) {
     for (uint64_t job : jobs) ASSERT_EQ(HPCRLIB_JobEnd(job), 1u);
     for (uint32_t i = 0; i < 3; ++i) {
         const std::string bytes = outputs[i].File();
-        const viewer::PrintFile file = viewer::ParsePrintFile({bytes.begin(), bytes.end()});
+        const tools::view::PrintFile file = tools::view::ParsePrintFile({bytes.begin(), bytes.end()});
         EXPECT_EQ(file.resolutionMode, i);
-        EXPECT_EQ(viewer::ReadRows(file.pages[0]),
+        EXPECT_EQ(tools::view::ReadRows(file.pages[0]),
                   Rows({std::vector<uint32_t>(4, 100 * i), std::vector<uint32_t>(4, 100 * i + 1)}));
     }
 }
@@ -327,10 +329,10 @@ TEST_F(Engine, JobsOnSeveralThreadsDoNotMix) {
     }
     for (std::thread& thread : threads) thread.join();
     for (uint32_t i = 0; i < 4; ++i) {
-        const viewer::PrintFile file = viewer::ParsePrintFile({files[i].begin(), files[i].end()});
+        const tools::view::PrintFile file = tools::view::ParsePrintFile({files[i].begin(), files[i].end()});
         ASSERT_EQ(file.pages.size(), 20u);
-        for (const viewer::PrintedPage& page : file.pages) {
-            ASSERT_EQ(viewer::ReadRows(page), Rows(10, std::vector<uint32_t>(50, i)));
+        for (const tools::view::PrintedPage& page : file.pages) {
+            ASSERT_EQ(tools::view::ReadRows(page), Rows(10, std::vector<uint32_t>(50, i)));
         }
     }
 }
@@ -348,7 +350,9 @@ TEST_F(Engine, RandomPagesComeBackAsTheyWereHandedOver) {
         pages.push_back(std::move(rows));
     }
     const std::string bytes = PrintJob(pages).File();
-    const viewer::PrintFile file = viewer::ParsePrintFile({bytes.begin(), bytes.end()});
+    const tools::view::PrintFile file = tools::view::ParsePrintFile({bytes.begin(), bytes.end()});
     ASSERT_EQ(file.pages.size(), pages.size());
-    for (size_t i = 0; i < pages.size(); ++i) EXPECT_EQ(viewer::ReadRows(file.pages[i]), pages[i]);
+    for (size_t i = 0; i < pages.size(); ++i) EXPECT_EQ(tools::view::ReadRows(file.pages[i]), pages[i]);
 }
+
+}  // namespace orvex

@@ -7,6 +7,8 @@
 #include "engine/row_encoder.h"
 #include "tests/engine/engine_output.h"
 
+namespace orvex {
+
 using namespace std::string_literals;
 using print_stream::RecordType;
 
@@ -158,3 +160,5 @@ TEST(PrintStream, HeadWidthsAreThoseOfElevenPointSevenInches) {
     EXPECT_EQ(print_stream::UnitsPerPixel(0), 24u);
     EXPECT_EQ(print_stream::UnitsPerPixel(1), 12u);
 }
+
+}  // namespace orvex

@@ -5,7 +5,9 @@
 #include <random>
 #include <vector>
 
-#include "viewer/row_decoder.h"
+#include "tools/orvexview/row_decoder.h"
+
+namespace orvex {
 
 namespace {
 
@@ -149,3 +151,5 @@ TEST(RowEncoder, RandomBitsComeBack) {
         ExpectRoundTrip(above, row);
     }
 }
+
+}  // namespace orvex

@@ -8,7 +8,9 @@
 #include <span>
 #include <vector>
 
-#include "config/device_mode.h"
+#include "driver/config/device_mode.h"
+
+namespace orvex::fuzz {
 
 struct Field {
     size_t offset;
@@ -159,3 +161,5 @@ inline constexpr size_t kSizes[] = {0,   1,   65,  66,  67,  68,  70,   71,   72
 inline constexpr size_t kExtras[] = {0,   1,   3,   4,   5,   32,  33,  95,   96,   97,
                                      136, 137, 138, 139, 144, 159, 160, 161,  162,  479,
                                      679, 680, 694, 695, 696, 697, 699, 1000, 4096, 65535};
+
+}  // namespace orvex::fuzz

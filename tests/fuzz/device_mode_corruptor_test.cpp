@@ -16,10 +16,13 @@
 #include "driver/device_instance.h"
 #include "fuzz/device_mode_model.h"
 #include "fuzz/device_mode_rules.h"
-#include "host/driver_session.h"
 #include "tests/fuzz/corrupted_record.h"
-#include "tests/support/scratch_folder.h"
+#include "tests/kit/scratch_folder.h"
+#include "tools/host/driver_session.h"
 
+namespace orvex::fuzz {
+
+using namespace tools;
 namespace {
 
 #ifdef _WIN32
@@ -291,3 +294,5 @@ TEST_F(DeviceModeCorruptor, MixesBoundaryValuesSizesAndNoiseAtRandom) {
     EXPECT_GT(taken_, kRandomRecords * 3 / 4);
     EXPECT_GT(refused_, kRandomRecords / 10);
 }
+
+}  // namespace orvex::fuzz

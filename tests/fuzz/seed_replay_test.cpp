@@ -5,6 +5,8 @@
 
 #include "fuzz/target.h"
 
+namespace orvex::fuzz {
+
 namespace {
 
 std::span<const uint8_t> Bytes(const std::string& text) {
@@ -60,3 +62,5 @@ TEST(FuzzTargetsDeathTest, EndTheProgramWithTheInvariantThatIsBroken) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     EXPECT_DEATH(REQUIRE(1 + 1 == 3), "invariant broken: 1 \\+ 1 == 3");
 }
+
+}  // namespace orvex::fuzz

@@ -1,0 +1,24 @@
+// The printer's default device mode, built from the installation and the printer's data.
+#pragma once
+
+#include "driver/config/device_mode.h"
+#include "driver/config/label_sizes.h"
+#include "platform/windows.h"
+
+namespace orvex {
+
+// Builds the printer's default record: zeroed, then the defaults, the default label and the default colour
+// profile. Imports media.inf when the printer has no labels yet. Rereads the log mask first. `printerName`
+// may be null. Always TRUE.
+BOOL SetupDefaultDevMode(DeviceMode* record, const WCHAR* printerName, HANDLE printer);
+
+// The label that a new record begins with: the one of the printer's list that settings.inf names, else
+// "A4", 8.500 by 11.000 inches, which leaves `paperNumber` as it is. Always 1.
+int ChooseDefaultMedia(HANDLE printer, char (&name)[64], char (&width)[8], char (&length)[8], uint32_t* units,
+                       int16_t* paperNumber);
+
+// The profile that a new record begins with: the installed one that settings.inf names, else the first one.
+// `profile` stays as it is when there is none. Always TRUE.
+BOOL AssignDefaultColorProfile(HANDLE printer, WCHAR (&profile)[kMaxProfileName]);
+
+}  // namespace orvex

@@ -1,0 +1,34 @@
+#include "driver/config/label_length.h"
+
+#include <cmath>
+
+#include "driver/config/decimal_text.h"
+#include "driver/config/device_mode.h"
+
+namespace orvex {
+
+namespace {
+
+double TenthsMmPerUnit(uint32_t units) {
+    switch (units) {
+        case kUnitsMillimetres:
+            return 10.0;
+        case kUnitsInches:
+            return 254.0;
+        default:
+            return 1.0;
+    }
+}
+
+}  // namespace
+
+int16_t LabelLengthTenthsMm(std::string_view text, uint32_t units) {
+    double length = 0;
+    ParseDecimal(text, &length);
+    const double tenthsMm = length * TenthsMmPerUnit(units) + 0.5;
+    // The conversion of a double to an integer is defined only for a value that the integer can hold.
+    const bool fits64Bits = std::abs(tenthsMm) < 0x1p63;
+    return fits64Bits ? static_cast<int16_t>(static_cast<int64_t>(tenthsMm)) : int16_t{0};
+}
+
+}  // namespace orvex

@@ -1,0 +1,67 @@
+#include "driver/profiles/profile_file.h"
+
+#include <string_view>
+
+#include "driver/color/color_cache.h"
+#include "driver/color/generic_conversion.h"
+#include "driver/profiles/bare_file_name.h"
+#include "driver/profiles/profile_colors.h"
+#include "driver/profiles/profile_header.h"
+#include "driver/support/log.h"
+#include "driver/support/text.h"
+
+namespace orvex {
+
+int32_t g_profileLoaded = 0;
+
+namespace {
+
+// Applications name the profile of a job, so a path into the profiles folder may not lead out of it again, or
+// further in.
+bool LeavesProfilesFolder(const char* path) {
+    constexpr std::string_view kProfilesFolder = "profiles\\";
+    return std::string_view(path).starts_with(kProfilesFolder) &&
+           !IsBareFileName(path + kProfilesFolder.size());
+}
+
+}  // namespace
+
+int32_t ReadProfile(const char* path, char* name, size_t nameSize, bool at600Dpi, uint32_t* cache,
+                    signed char* resolutionCode) {
+    *resolutionCode = kDefaultResolutionCode;
+    BlockReader file(LeavesProfilesFolder(path) ? "" : path);
+    ProfileHeader header;
+    if (!ReadProfileHeader(file, path, LogLevel::kError, &header)) return 0;
+    if (!ReadProfileTags(file, {name, nameSize, resolutionCode, at600Dpi})) return 0;
+    if (!ReadProfileColors(file, header, at600Dpi, cache)) return 0;
+    return header.version;
+}
+
+int32_t zvc_load_profile(const char* path, int32_t resolution, signed char* resolutionCode, char* name,
+                         size_t nameSize) {
+    LogTrace("<%s>", "zvc_load_profile");
+    g_profileLoaded = 0;
+    const bool at600Dpi = resolution == kResolution600;
+    if (path != nullptr) {
+        LogInfo("load_profile [%s]", path);
+        SetCacheKind(ReadProfile(path, name, nameSize, at600Dpi, g_colorCache, resolutionCode));
+        const std::string_view nameRead(name, TextLength(name, nameSize));
+        LogInfo("read_profile %d %d %s", g_cacheKind, *resolutionCode, nameRead);
+        if (g_cacheKind > 0) {
+            g_profileLoaded = 1;
+            // Deliberate: this way out is not traced.
+            return g_cacheKind;
+        }
+        LogError("error reading profile %s!", nameRead);
+    } else if (name != nullptr) {
+        CopyText(name, nameSize, "Default");
+    }
+    LogInfo("generic profile");
+    FillWithGenericConversion(g_colorCache, at600Dpi ? kHalfInk : kFullInk);
+    g_profileLoaded = 1;
+    SetCacheKind(kEntries);
+    LogTrace("</%s>", "zvc_load_profile");
+    return g_cacheKind;
+}
+
+}  // namespace orvex

@@ -1,0 +1,15 @@
+// Base64 with the standard alphabet and padding, without line breaks.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "driver/support/heap.h"
+
+namespace orvex {
+
+// Encodes `size` bytes as zero-terminated text and stores its length, terminator not counted. Null when
+// memory is short or the size of the text can't be expressed; the length is then left alone.
+HeapArray<char> EncodeBase64(const uint8_t* bytes, size_t size, size_t* length);
+
+}  // namespace orvex

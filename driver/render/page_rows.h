@@ -1,0 +1,76 @@
+// Reading the page bitmap as raster rows, in any orientation.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "driver/support/heap.h"
+
+namespace orvex {
+
+// A page bitmap in memory; it is only read.
+struct PageBitmap {
+    const uint8_t* firstLine;  // the top scan line
+    int32_t width;             // pixels
+    int32_t height;            // scan lines
+    ptrdiff_t stride;          // bytes from a scan line to the next one down
+    int32_t bytesPerPixel;     // 3 (B, G, R) or 4 (a 32-bit pixel)
+};
+
+struct RowOrder {
+    bool landscape;  // rows are scan lines; otherwise they are columns
+    bool rotate180;
+    bool mirrorImage;
+};
+
+// Hands out the rows of a page. It owns a band buffer: the pixels of a column lie a whole scan line apart,
+// each on a memory page of its own, so a portrait page is read in bands of neighbouring columns, each scan
+// line of a band in one go.
+class RowReader {
+  public:
+    RowReader(const PageBitmap& bitmap, RowOrder order);
+
+    // False when the band buffer could not be allocated; no row can be read then.
+    explicit operator bool() const { return !NeedsBand() || band_ != nullptr; }
+
+    int32_t RowCount() const { return order_.landscape ? bitmap_.height : bitmap_.width; }
+    int32_t RowWidth() const { return order_.landscape ? bitmap_.width : bitmap_.height; }
+
+    // Row `row`, 0 to RowCount() - 1, as RowWidth() 32-bit pixels. It stays valid until the next call, and
+    // may lie in the bitmap itself. The top byte of a pixel means nothing.
+    //
+    // Portrait pages that are both rotated and mirrored are deliberately shifted by one column: row 0 reads
+    // the column behind the last one, which continues into the next scan line's first pixel, and is paper
+    // white where no scan line follows.
+    const uint32_t* Row(int32_t row);
+
+    // Whether the row handed out last is known to hold the same pixels as the one handed out before it, as
+    // most rows of a label do.
+    bool Repeats() const { return repeats_; }
+
+  private:
+    bool NeedsBand() const { return RowWidth() > 0 && RowCount() > 0; }
+    const uint8_t* Line(int32_t y) const { return bitmap_.firstLine + y * bitmap_.stride; }
+    const uint32_t* LandscapeRow(int32_t row);
+    const uint32_t* PortraitRow(int32_t row);
+    int32_t Column(int32_t row) const;
+    void ReadBand(int32_t firstColumn);
+    struct Range {
+        int32_t begin, end;
+    };
+    void ReadColumns(const uint8_t* first, ptrdiff_t step, Range columns, Range lines);
+    void ReadOverhang();
+    // Notes the row about to be handed out, which lies at `pixels`, of `bytes` bytes.
+    void CompareWithLast(const void* pixels, size_t bytes);
+
+    PageBitmap bitmap_;
+    RowOrder order_;
+    bool inPlace_;
+    HeapArray<uint32_t> band_;    // kBandColumns rows, bandPitch_ apart; a single row when landscape
+    ptrdiff_t bandPitch_ = 0;     // pixels from a row of the band to the next
+    int32_t bandFirst_ = -1;      // first column of the band, or -1
+    const void* last_ = nullptr;  // the row handed out last while it can still be compared, else null
+    bool repeats_ = false;
+};
+
+}  // namespace orvex

@@ -1,0 +1,75 @@
+#include "driver/render/pixel_reduction.h"
+
+#include <emmintrin.h>
+
+#include <algorithm>
+#include <cstddef>
+
+namespace orvex {
+
+namespace {
+
+constexpr uint32_t kOpaque = 0xFF000000;
+
+// The sums of some pixels' first three bytes.
+class ByteSums {
+  public:
+    // Adds a line of pixels, whose number is a power of two.
+    void AddLine(const uint32_t* pixels, ptrdiff_t count) {
+        if (count == 1) {
+            Add(_mm_cvtsi32_si128(static_cast<int>(*pixels)));
+        } else if (count == 2) {
+            Add(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(pixels)));
+        } else {
+            for (const uint32_t* end = pixels + count; pixels != end; pixels += 4) {
+                Add(_mm_loadu_si128(reinterpret_cast<const __m128i*>(pixels)));
+            }
+        }
+    }
+
+    // The opaque pixel of the means of 2^shift pixels.
+    uint32_t Mean(int32_t shift) const {
+        uint32_t pixel = kOpaque;
+        for (int byte = 0; byte < kBytes; ++byte) {
+            const uint64_t sum = Half(sums_[byte]) + Half(_mm_srli_si128(sums_[byte], 8));
+            pixel |= static_cast<uint32_t>(sum >> shift) << 8 * byte;
+        }
+        return pixel;
+    }
+
+  private:
+    static constexpr int kBytes = 3;
+
+    void Add(__m128i pixels) {
+        for (int byte = 0; byte < kBytes; ++byte) {
+            const __m128i alone = _mm_and_si128(pixels, _mm_set1_epi32(0xFF << 8 * byte));
+            sums_[byte] = _mm_add_epi64(sums_[byte], _mm_sad_epu8(alone, _mm_setzero_si128()));
+        }
+    }
+    static uint64_t Half(__m128i sums) { return static_cast<uint64_t>(_mm_cvtsi128_si64(sums)); }
+
+    __m128i sums_[kBytes] = {};  // two of each byte
+};
+
+}  // namespace
+
+void ReducePixels(const uint32_t* pixels, int32_t width, int32_t height, int32_t scale, uint32_t* out) {
+    // So many blocks side by side are summed at once that their lines are read in pieces of many memory
+    // pages.
+    constexpr int32_t kStrip = 512;
+    ByteSums sums[kStrip];
+    const ptrdiff_t side = ptrdiff_t{1} << scale;
+    for (int32_t y = 0; y < height >> scale; ++y) {
+        for (int32_t x = 0; x < width >> scale; x += kStrip) {
+            const int32_t blocks = std::min(kStrip, (width >> scale) - x);
+            std::fill_n(sums, blocks, ByteSums());
+            for (ptrdiff_t row = y * side; row < (y + 1) * side; ++row) {
+                const uint32_t* line = pixels + row * width + x * side;
+                for (int32_t i = 0; i < blocks; ++i) sums[i].AddLine(line + i * side, side);
+            }
+            for (int32_t i = 0; i < blocks; ++i) *out++ = sums[i].Mean(2 * scale);
+        }
+    }
+}
+
+}  // namespace orvex

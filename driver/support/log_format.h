@@ -1,0 +1,53 @@
+// printf-style formatting of log messages with arguments that know their own type, so that a wrong conversion
+// can't read past the arguments, and so that both builds read "%ld" and "%S" alike.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+#include <type_traits>
+
+#include "driver/support/text.h"
+
+namespace orvex {
+
+struct LogArgument {
+    enum class Kind { kInteger, kNumber, kText, kWideText };
+
+    template <typename T>
+    requires std::is_integral_v<T> || std::is_enum_v<T> LogArgument(T value)
+        : kind(Kind::kInteger), integer(static_cast<int64_t>(value)) {}
+    LogArgument(double value) : kind(Kind::kNumber), number(value) {}
+    LogArgument(std::string_view value) : kind(Kind::kText), text(value) {}
+    LogArgument(const char* value)
+        : kind(Kind::kText), text(value == nullptr ? std::string_view("(null)") : std::string_view(value)) {}
+    LogArgument(WideView value) : kind(Kind::kWideText), wideText(value) {}
+    LogArgument(const WCHAR* value)
+        : kind(Kind::kWideText),
+          wideText(value == nullptr ? WideView{L"(null)", 6} : WideView{value, TextLength(value)}) {}
+    LogArgument(const void* value)
+        : kind(Kind::kInteger), integer(static_cast<int64_t>(reinterpret_cast<uintptr_t>(value))) {}
+    LogArgument() : LogArgument(0) {}
+
+    Kind kind;
+    int64_t integer = 0;
+    double number = 0;
+    std::string_view text;
+    WideView wideText;
+};
+
+// Takes the formatted bytes piece by piece.
+class TextSink {
+  public:
+    virtual void Append(std::string_view piece) = 0;
+
+  protected:
+    ~TextSink() = default;
+};
+
+// Formats as printf does, with the widths of Windows: integers are 32 bits wide unless the conversion says
+// "ll", "I64" or "z" or is "%p", which shows 16 hexadecimal digits. "%S" takes wide text and writes UTF-8. An
+// argument of another kind than its conversion's, or a missing one, shows as "?".
+void FormatLogText(TextSink& sink, const char* format, const LogArgument* arguments, size_t count);
+
+}  // namespace orvex

@@ -1,0 +1,11 @@
+// The driver module's own handle.
+#pragma once
+
+#include "platform/windows.h"
+
+namespace orvex {
+
+// Set by DllMain when the process attaches; null before that.
+extern HMODULE g_hModule;
+
+}  // namespace orvex

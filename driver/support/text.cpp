@@ -1,0 +1,102 @@
+#include "driver/support/text.h"
+
+#include <algorithm>
+#include <climits>
+#include <cstring>
+
+namespace orvex {
+
+size_t TextLength(const char* text, size_t capacity) {
+    const void* end = memchr(text, 0, capacity);
+    return end == nullptr ? capacity : static_cast<size_t>(static_cast<const char*>(end) - text);
+}
+
+size_t TextLength(const WCHAR* text, size_t capacity) {
+    return static_cast<size_t>(std::find(text, text + capacity, WCHAR{0}) - text);
+}
+
+size_t TextLength(const WCHAR* text) {
+    size_t length = 0;
+    if (text != nullptr) {
+        while (text[length] != 0) ++length;
+    }
+    return length;
+}
+
+bool SameText(WideView a, WideView b) {
+    return a.size == b.size && (a.size == 0 || memcmp(a.data, b.data, a.size * sizeof(WCHAR)) == 0);
+}
+
+namespace {
+
+template <typename Character>
+void CopyBounded(Character* destination, size_t capacity, const Character* source, size_t length) {
+    if (capacity == 0) return;
+    const size_t copied = std::min(length, capacity - 1);
+    if (copied > 0) memmove(destination, source, copied * sizeof(Character));
+    destination[copied] = 0;
+}
+
+// The conversion functions count in signed 32-bit numbers.
+int ClampedLength(size_t length) {
+    return static_cast<int>(std::min<size_t>(length, INT_MAX / 4));
+}
+
+}  // namespace
+
+void CopyText(char* destination, size_t capacity, std::string_view source) {
+    CopyBounded(destination, capacity, source.data(), source.size());
+}
+
+void CopyText(WCHAR* destination, size_t capacity, WideView source) {
+    CopyBounded(destination, capacity, source.data, source.size);
+}
+
+size_t NarrowText(char* destination, size_t capacity, WideView source) {
+    if (capacity == 0) return 0;
+    size_t used = 0;
+    for (size_t i = 0; i < source.size;) {
+        const bool pair =
+            IS_HIGH_SURROGATE(source.data[i]) && i + 1 < source.size && IS_LOW_SURROGATE(source.data[i + 1]);
+        const int units = pair ? 2 : 1;
+        char character[8];
+        const int bytes = WideCharToMultiByte(CP_ACP, 0, source.data + i, units, character,
+                                              static_cast<int>(sizeof character), nullptr, nullptr);
+        if (bytes <= 0 || used + static_cast<size_t>(bytes) >= capacity) break;
+        memcpy(destination + used, character, static_cast<size_t>(bytes));
+        used += static_cast<size_t>(bytes);
+        i += static_cast<size_t>(units);
+    }
+    destination[used] = '\0';
+    return used;
+}
+
+size_t WidenText(WCHAR* destination, size_t capacity, std::string_view source) {
+    if (capacity == 0) return 0;
+    // A narrow character never becomes more wide ones than it has bytes, so this much of the source surely
+    // fits.
+    const int length = ClampedLength(std::min(source.size(), capacity - 1));
+    const int written = length == 0 ? 0
+                                    : MultiByteToWideChar(CP_ACP, 0, source.data(), length, destination,
+                                                          ClampedLength(capacity - 1));
+    destination[std::max(written, 0)] = 0;
+    return static_cast<size_t>(std::max(written, 0));
+}
+
+HeapArray<WCHAR> DuplicateText(const WCHAR* text) {
+    if (text == nullptr) return nullptr;
+    const size_t length = TextLength(text);
+    HeapArray<WCHAR> copy = AllocateArray<WCHAR>(length + 1);
+    if (copy) CopyText(copy.get(), length + 1, {text, length});
+    return copy;
+}
+
+HeapArray<WCHAR> DuplicateWidened(const char* text) {
+    if (text == nullptr) return nullptr;
+    const size_t length = strlen(text);
+    HeapArray<WCHAR> copy = AllocateArray<WCHAR>(length + 1);
+    if (copy) WidenText(copy.get(), length + 1, {text, length});
+    return copy;
+}
+
+}  // namespace orvex

@@ -1,0 +1,65 @@
+// Bounded copies, comparisons and conversions of narrow and wide text. Wide text is UTF-16; the C library's
+// wide functions are not used, since a native build's expect another width.
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+
+#include "driver/support/heap.h"
+#include "platform/windows.h"
+
+namespace orvex {
+
+// Wide text of known length, not necessarily terminated.
+struct WideView {
+    const WCHAR* data = nullptr;
+    size_t size = 0;
+};
+
+// Characters before the terminator, `capacity` at most.
+size_t TextLength(const char* text, size_t capacity);
+size_t TextLength(const WCHAR* text, size_t capacity);
+
+// Characters before the terminator; null has none.
+size_t TextLength(const WCHAR* text);
+
+// The text of a fixed-size field, which may lack its terminator.
+template <size_t N>
+std::string_view FieldText(const char (&field)[N]) {
+    return {field, TextLength(field, N)};
+}
+template <size_t N>
+WideView FieldText(const WCHAR (&field)[N]) {
+    return {field, TextLength(field, N)};
+}
+
+bool SameText(WideView a, WideView b);
+
+// Copies as much as fits into `capacity` characters, the terminator included, and terminates it.
+void CopyText(char* destination, size_t capacity, std::string_view source);
+void CopyText(WCHAR* destination, size_t capacity, WideView source);
+template <size_t N>
+void CopyText(char (&destination)[N], std::string_view source) {
+    CopyText(destination, N, source);
+}
+template <size_t N>
+void CopyText(WCHAR (&destination)[N], WideView source) {
+    CopyText(destination, N, source);
+}
+
+// Converts wide text to the narrow code page, cut at a whole character so that it fits into `capacity` bytes
+// with its terminator. A character that the code page lacks becomes its default character. Returns the length
+// in bytes.
+size_t NarrowText(char* destination, size_t capacity, WideView source);
+
+// Converts text of the narrow code page to wide text, cut so that it fits into `capacity` characters with its
+// terminator. Returns the length in characters.
+size_t WidenText(WCHAR* destination, size_t capacity, std::string_view source);
+
+// A copy on the heap, terminated; null when memory is short or `text` is null.
+HeapArray<WCHAR> DuplicateText(const WCHAR* text);
+
+// A widened copy on the heap, terminated; null when memory is short or `text` is null.
+HeapArray<WCHAR> DuplicateWidened(const char* text);
+
+}  // namespace orvex

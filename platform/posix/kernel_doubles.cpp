@@ -1,0 +1,146 @@
+#include <dlfcn.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+
+#include "platform/posix/double.h"
+
+namespace {
+
+thread_local DWORD lastError = ERROR_SUCCESS;
+
+// Copies text with its terminator when it fits; returns the length without it, or the size needed.
+template <typename Character, typename Text>
+DWORD CopyOut(Character* buffer, DWORD capacity, const Text& text) {
+    if (text.size() >= capacity) return static_cast<DWORD>(text.size() + 1);
+    memcpy(buffer, text.data(), text.size() * sizeof(Character));
+    buffer[text.size()] = 0;
+    return static_cast<DWORD>(text.size());
+}
+
+}  // namespace
+
+DOUBLE(DWORD, GetLastError, (), ()) {
+    return lastError;
+}
+DOUBLE(void, SetLastError, (DWORD code), (code)) {
+    lastError = code;
+}
+
+DOUBLE(HLOCAL, LocalAlloc, (UINT flags, SIZE_T size), (flags, size)) {
+    return (flags & LMEM_ZEROINIT) ? calloc(1, size) : malloc(size);
+}
+
+DOUBLE(HLOCAL, LocalFree, (HLOCAL memory), (memory)) {
+    free(memory);
+    return nullptr;
+}
+
+DOUBLE(HMODULE, LoadLibraryW, (LPCWSTR path), (path)) {
+    std::string file = doubles::PosixPath(path);
+    // The current directory is searched, which dlopen does not do by itself.
+    if (file.find('/') == std::string::npos) file = "./" + file;
+    void* library = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
+    if (library == nullptr) SetLastError(ERROR_MOD_NOT_FOUND);
+    return static_cast<HMODULE>(library);
+}
+
+DOUBLE(FARPROC, GetProcAddress, (HMODULE library, LPCSTR name), (library, name)) {
+    void* symbol = dlsym(library, name);
+    if (symbol == nullptr) SetLastError(ERROR_PROC_NOT_FOUND);
+    return reinterpret_cast<FARPROC>(symbol);
+}
+
+DOUBLE(BOOL, FreeLibrary, (HMODULE library), (library)) {
+    return dlclose(library) == 0;
+}
+
+DOUBLE(DWORD, GetCurrentDirectoryW, (DWORD capacity, LPWSTR buffer), (capacity, buffer)) {
+    char path[4096];
+    if (getcwd(path, sizeof path) == nullptr) {
+        doubles::FailWithErrno();
+        return 0;
+    }
+    return CopyOut(buffer, capacity, doubles::WindowsPath(path));
+}
+
+DOUBLE(BOOL, SetCurrentDirectoryW, (LPCWSTR path), (path)) {
+    return chdir(doubles::PosixPath(path).c_str()) == 0 ? TRUE : doubles::FailWithErrno();
+}
+
+DOUBLE(DWORD, GetModuleFileNameA, (HMODULE module, LPSTR buffer, DWORD capacity),
+       (module, buffer, capacity)) {
+    (void)module;
+    static constexpr std::string_view kModule = "c:\\windows\\system32\\orvexgdi.dll";
+    const DWORD length = CopyOut(buffer, capacity, kModule);
+    if (length <= capacity && length != kModule.size()) SetLastError(ERROR_INSUFFICIENT_BUFFER);
+    return length;
+}
+
+DOUBLE(DWORD, GetTickCount, (), ()) {
+    const auto now = std::chrono::steady_clock::now().time_since_epoch();
+    return static_cast<DWORD>(std::chrono::duration_cast<std::chrono::milliseconds>(now).count());
+}
+
+DOUBLE(void, GetSystemTime, (LPSYSTEMTIME time), (time)) {
+    timespec now;
+    clock_gettime(CLOCK_REALTIME, &now);
+    tm utc;
+    gmtime_r(&now.tv_sec, &utc);
+    time->wYear = static_cast<WORD>(utc.tm_year + 1900);
+    time->wMonth = static_cast<WORD>(utc.tm_mon + 1);
+    time->wDayOfWeek = static_cast<WORD>(utc.tm_wday);
+    time->wDay = static_cast<WORD>(utc.tm_mday);
+    time->wHour = static_cast<WORD>(utc.tm_hour);
+    time->wMinute = static_cast<WORD>(utc.tm_min);
+    time->wSecond = static_cast<WORD>(utc.tm_sec);
+    time->wMilliseconds = static_cast<WORD>(now.tv_nsec / 1000000);
+}
+
+DOUBLE(DWORD, GetCurrentThreadId, (), ()) {
+    return static_cast<DWORD>(syscall(SYS_gettid));
+}
+
+// The native build's narrow code page is UTF-8.
+DOUBLE(INT, WideCharToMultiByte,
+       (UINT page, DWORD flags, LPCWSTR wide, INT length, LPSTR narrow, INT capacity, LPCSTR fallback,
+        LPBOOL used),
+       (page, flags, wide, length, narrow, capacity, fallback, used)) {
+    (void)page, (void)fallback, (void)used;
+    if (flags != 0) {  // that UTF-8 does not take
+        SetLastError(ERROR_INVALID_FLAGS);
+        return 0;
+    }
+    const std::string text =
+        length < 0 ? doubles::Utf8(wide) + '\0' : doubles::Utf8(wide, static_cast<size_t>(length));
+    if (capacity == 0) return static_cast<INT>(text.size());
+    if (text.size() > static_cast<size_t>(capacity)) {
+        SetLastError(ERROR_INSUFFICIENT_BUFFER);
+        return 0;
+    }
+    memcpy(narrow, text.data(), text.size());
+    return static_cast<INT>(text.size());
+}
+
+DOUBLE(INT, MultiByteToWideChar,
+       (UINT page, DWORD flags, LPCSTR narrow, INT length, LPWSTR wide, INT capacity),
+       (page, flags, narrow, length, wide, capacity)) {
+    (void)page;
+    if (flags != 0) {
+        SetLastError(ERROR_INVALID_FLAGS);
+        return 0;
+    }
+    const std::u16string text = doubles::Utf16(length < 0 ? std::string(narrow, strlen(narrow) + 1)
+                                                          : std::string(narrow, static_cast<size_t>(length)));
+    if (capacity == 0) return static_cast<INT>(text.size());
+    if (text.size() > static_cast<size_t>(capacity)) {
+        SetLastError(ERROR_INSUFFICIENT_BUFFER);
+        return 0;
+    }
+    memcpy(wide, text.data(), text.size() * sizeof(WCHAR));
+    return static_cast<INT>(text.size());
+}

@@ -1,8 +1,0 @@
-// Reading a file at once.
-#pragma once
-
-#include <filesystem>
-#include <string>
-
-// Throws std::runtime_error, in words, when the file can't be read.
-std::string ReadWholeFile(const std::filesystem::path& path);

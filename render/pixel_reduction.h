@@ -1,9 +1,0 @@
-// Pictures made smaller by a power of two.
-#pragma once
-
-#include <cstdint>
-
-// Reduces 32-bit pixels, lines of exactly `width` x 4 bytes, by the factor 2^scale: each output pixel is the
-// truncated mean of its block, each of the first three bytes by itself, and opaque. `out` holds (width >>
-// scale) x (height >> scale) pixels.
-void ReducePixels(const uint32_t* pixels, int32_t width, int32_t height, int32_t scale, uint32_t* out);

@@ -1,3 +1,0 @@
-#include "support/module.h"
-
-HMODULE g_hModule = nullptr;

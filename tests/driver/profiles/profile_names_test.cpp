@@ -1,0 +1,170 @@
+#include "driver/profiles/profile_names.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+
+#include "tests/driver/profiles/file_watch.h"
+#include "tests/driver/profiles/name_texts.h"
+#include "tests/kit/installation_fixture.h"
+
+namespace orvex {
+
+using namespace tools;
+namespace {
+
+class ProfileNames : public testing::Test {
+  protected:
+    void Write(std::u16string_view text) { installation_.Write("profilenames.inf", WideFile(text)); }
+
+    // The name of "a.zvp" in the section "[DEU]", its length checked.
+    std::u16string Look(size_t capacity = 512) {
+        WCHAR name[512];
+        std::fill_n(name, 512, L'#');
+        const FileWatch watch;
+        const size_t length = QRV_GetProfileFieldW(L"[DEU]", L"a.zvp", name, capacity);
+        EXPECT_EQ(watch.Open(), 0u);
+        const std::u16string text(AsView(name));
+        EXPECT_EQ(length, text.size());
+        return text;
+    }
+
+    InstallationFixture installation_;
+};
+
+}  // namespace
+
+TEST_F(ProfileNames, AreEmptyWithoutAFile) {
+    EXPECT_EQ(Look(), u"");
+}
+
+TEST_F(ProfileNames, AreEmptyInAFileWithoutText) {
+    for (const char* bytes : {"", "\xFF", "\xFF\xFE", "\xFF\xFE["}) {
+        installation_.Write("profilenames.inf", bytes);
+        EXPECT_EQ(Look(), u"");
+    }
+}
+
+TEST_F(ProfileNames, ComeFromTheirSection) {
+    Write(u"a.zvp=Outside\r\n[ENG]\r\na.zvp=English\r\n[DEU]\r\nb.zvp=B\r\na.zvp=Gl\u00E4nzend \u7D19\r\n");
+    EXPECT_EQ(Look(), u"Gl\u00E4nzend \u7D19");
+}
+
+TEST_F(ProfileNames, AreEmptyWithoutTheSectionOrTheKey) {
+    Write(u"[ENG]\r\na.zvp=English\r\n");
+    EXPECT_EQ(Look(), u"");
+    Write(u"[DEU]\r\nb.zvp=B\r\na.zv=A\r\n");
+    EXPECT_EQ(Look(), u"");
+}
+
+TEST_F(ProfileNames, EndWithTheSection) {
+    Write(u"[DEU]\r\nb.zvp=B\r\n[ENG]\r\n[DEU]\r\na.zvp=Late\r\n");
+    EXPECT_EQ(Look(), u"");
+}
+
+TEST_F(ProfileNames, TakeASectionThatGoesOnBehindItsBracket) {
+    Write(u"[DEU] Deutsch\na.zvp=Matt\n");
+    EXPECT_EQ(Look(), u"Matt");
+    Write(u"[DEU\na.zvp=Matt\n");
+    EXPECT_EQ(Look(), u"");
+    Write(u" [DEU]\na.zvp=Matt\n");
+    EXPECT_EQ(Look(), u"");
+}
+
+TEST_F(ProfileNames, AreNotTakenFromALineThatBeginsTheirSection) {
+    Write(u"[DEU].zvp=x\n[DEU].zvp=y\n");
+    WCHAR name[8];
+    EXPECT_EQ(QRV_GetProfileFieldW(L"[DEU]", L"[DEU].zvp", name, 8), 0u);
+    EXPECT_EQ(name[0], 0);
+}
+
+TEST_F(ProfileNames, HaveExactKeys) {
+    for (const char16_t* line : {u"A.zvp=x", u" a.zvp=x", u"a.zvp =x", u"a.zvpx=x", u"a.zvp", u"a.zvp:x"}) {
+        Write(std::u16string(u"[DEU]\n") + line + u"\n");
+        EXPECT_EQ(Look(), u"");
+    }
+    Write(u"[DEU]\na.zvp= x =y \n");
+    EXPECT_EQ(Look(), u" x =y ");
+}
+
+TEST_F(ProfileNames, EndAtAnyLineEnd) {
+    for (const char16_t* end : {u"\r\n", u"\n", u"\r", u""}) {
+        Write(std::u16string(u"[DEU]\rb.zvp=B\na.zvp=Matt") + end);
+        EXPECT_EQ(Look(), u"Matt");
+    }
+    Write(u"[DEU]\r\n\r\n\n\na.zvp=Matt\rb.zvp=B\r");
+    EXPECT_EQ(Look(), u"Matt");
+}
+
+TEST_F(ProfileNames, AreNotTakenFromAnEmptyValue) {
+    Write(u"[DEU]\r\na.zvp=\r\na.zvp=Second\r\na.zvp=Third\r\n");
+    EXPECT_EQ(Look(), u"Second");
+}
+
+TEST_F(ProfileNames, AreCutToTheBufferWhileABetterOneIsSought) {
+    Write(u"[DEU]\r\na.zvp=12345\r\n");
+    EXPECT_EQ(Look(7), u"12345");
+    EXPECT_EQ(Look(6), u"12345");
+    EXPECT_EQ(Look(5), u"1234");
+    EXPECT_EQ(Look(1), u"");
+    Write(u"[DEU]\r\na.zvp=12345\r\na.zvp=abcdef\r\na.zvp=xy\r\n");
+    EXPECT_EQ(Look(5), u"xy");
+    EXPECT_EQ(Look(6), u"xy");  // one that fills the buffer counts as cut
+    Write(u"[DEU]\r\na.zvp=12345\r\na.zvp=abcdef\r\n[ENG]\r\na.zvp=xy\r\n");
+    EXPECT_EQ(Look(5), u"abcd");
+}
+
+TEST_F(ProfileNames, LeaveABufferOfNoSizeAlone) {
+    Write(u"[DEU]\r\na.zvp=12345\r\n");
+    WCHAR name = L'#';
+    EXPECT_EQ(QRV_GetProfileFieldW(L"[DEU]", L"a.zvp", &name, 0), 0u);
+    EXPECT_EQ(name, L'#');
+}
+
+TEST_F(ProfileNames, FindLinesBehindLongOnes) {
+    // A line of 253 characters fills a read; one of 254 goes on in the next.
+    for (const size_t length : {252u, 253u, 254u, 255u, 506u, 507u, 2000u}) {
+        for (const char16_t* end : {u"\r\n", u"\n", u"\r"}) {
+            Write(std::u16string(u"[DEU]\r\n") + std::u16string(length, u'x') + end + u"a.zvp=Matt\r\n");
+            EXPECT_EQ(Look(), u"Matt") << length;
+        }
+    }
+}
+
+TEST_F(ProfileNames, EndWhereOneReadOfALineEnds) {
+    Write(std::u16string(u"[DEU]\r\na.zvp=") + std::u16string(400, u'x') + u"\r\n");
+    EXPECT_EQ(Look(), std::u16string(253 - 6, u'x'));
+}
+
+TEST_F(ProfileNames, GoOnWhereOneReadOfALineEnds) {
+    Write(std::u16string(u"[DEU]\r\n") + std::u16string(253, u'x') + u"a.zvp=Matt\r\n");
+    EXPECT_EQ(Look(), u"Matt");
+}
+
+TEST_F(ProfileNames, AreEmptyWhenTheFileCanNotBeSoughtIn) {
+    Write(u"[DEU]\r\na.zvp=Matt\r\n");
+    const ImportPatch patch(nullptr, "SetFilePointerEx", reinterpret_cast<void*>(&FailToSeek));
+    const FileWatch watch;
+    WCHAR name[8];
+    EXPECT_EQ(QRV_GetProfileFieldW(L"[DEU]", L"a.zvp", name, 8), 0u);
+    EXPECT_EQ(watch.Reads(), 0u);
+}
+
+TEST_F(ProfileNames, AreEmptyWhenTheFileCanNotBeRead) {
+    Write(u"[DEU]\r\na.zvp=Matt\r\n");
+    const ImportPatch patch(nullptr, "ReadFile", reinterpret_cast<void*>(&FailToRead));
+    EXPECT_EQ(Look(), u"");
+}
+
+TEST_F(ProfileNames, EndBeforeAZeroCharacter) {
+    Write(std::u16string_view(u"[DEU]\na.zvp=Ma\0tt\n", 18));
+    EXPECT_EQ(Look(), u"Ma");
+}
+
+TEST_F(ProfileNames, AreReadFromAFileWithAnOddLastByte) {
+    installation_.Write("profilenames.inf", WideFile(u"[DEU]\na.zvp=Matt") + "x");
+    EXPECT_EQ(Look(), u"Matt");
+}
+
+}  // namespace orvex

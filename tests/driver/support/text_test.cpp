@@ -1,0 +1,133 @@
+#include "driver/support/text.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace orvex {
+
+TEST(Text, FieldsWithoutATerminatorAreReadUpToTheirSize) {
+    const char full[3] = {'a', 'b', 'c'};
+    const char part[3] = {'a', 0, 'c'};
+    EXPECT_EQ(FieldText(full), "abc");
+    EXPECT_EQ(FieldText(part), "a");
+    const WCHAR wide[2] = {'x', 'y'};
+    EXPECT_EQ(FieldText(wide).size, 2u);
+}
+
+TEST(Text, CopiesAreCutToTheFieldAndTerminated) {
+    char narrow[4];
+    CopyText(narrow, "abcdef");
+    EXPECT_STREQ(narrow, "abc");
+    CopyText(narrow, "");
+    EXPECT_STREQ(narrow, "");
+    WCHAR wide[3];
+    CopyText(wide, WideView{L"xyz", 3});
+    EXPECT_TRUE(SameText(FieldText(wide), WideView{L"xy", 2}));
+}
+
+TEST(Text, AMissingTextHasNoLength) {
+    EXPECT_EQ(TextLength(nullptr), 0u);
+}
+
+TEST(Text, ComparesWideTextsByLengthAndContent) {
+    EXPECT_TRUE(SameText({L"ab", 2}, {L"ab", 2}));
+    EXPECT_FALSE(SameText({L"ab", 2}, {L"aB", 2}));
+    EXPECT_FALSE(SameText({L"ab", 2}, {L"abc", 3}));
+    EXPECT_TRUE(SameText({}, {L"", 0}));
+}
+
+TEST(Text, NarrowsAndCutsAtTheCapacity) {
+    char narrow[4];
+    EXPECT_EQ(NarrowText(narrow, sizeof narrow, {L"abcdef", 6}), 3u);
+    EXPECT_STREQ(narrow, "abc");
+    EXPECT_EQ(NarrowText(narrow, 1, {L"a", 1}), 0u);
+    EXPECT_STREQ(narrow, "");
+    EXPECT_EQ(NarrowText(nullptr, 0, {L"a", 1}), 0u);
+}
+
+TEST(Text, NarrowsASurrogatePairAsOneCharacterOrNotAtAll) {
+    const WCHAR text[] = {'a', 0xD83D, 0xDE00, 'b'};
+    char pair[8] = {};
+    const int bytes = WideCharToMultiByte(CP_ACP, 0, text + 1, 2, pair, sizeof pair, nullptr, nullptr);
+    ASSERT_GT(bytes, 0);
+    char narrow[16];
+    NarrowText(narrow, sizeof narrow, {text, 4});
+    EXPECT_EQ(narrow, "a" + std::string(pair) + "b");
+    EXPECT_EQ(NarrowText(narrow, static_cast<size_t>(1 + bytes), {text, 4}), 1u);
+    EXPECT_STREQ(narrow, "a");
+}
+
+TEST(Text, NarrowsWhatStandsAroundALoneSurrogate) {
+    const WCHAR atTheEnd[] = {'a', 0xD83D};
+    const WCHAR beforeAnother[] = {'a', 0xD83D, 'b'};
+    const WCHAR low[] = {'a', 0xDE00, 0xFFFD};
+    char narrow[16];
+    NarrowText(narrow, sizeof narrow, {atTheEnd, 2});
+    EXPECT_EQ(narrow[0], 'a');
+    NarrowText(narrow, sizeof narrow, {beforeAnother, 3});
+    EXPECT_TRUE(std::string_view(narrow).starts_with('a') && std::string_view(narrow).ends_with('b'));
+    NarrowText(narrow, sizeof narrow, {low, 3});
+    EXPECT_EQ(narrow[0], 'a');
+}
+
+TEST(Text, NarrowsCharacterByCharacterUntilOneDoesNotFit) {
+    constexpr WCHAR kUnits[] = {'a', 0xD83D, 0xDE00, 0x20AC};
+    for (int choice = 0; choice < 4 * 4 * 4 * 4; ++choice) {
+        const std::vector<WCHAR> text = {kUnits[choice & 3], kUnits[choice >> 2 & 3], kUnits[choice >> 4 & 3],
+                                         kUnits[choice >> 6]};
+        for (size_t size = 0; size <= text.size(); ++size) {
+            const std::vector<WCHAR> part(text.begin(), text.begin() + static_cast<ptrdiff_t>(size));
+            std::vector<std::string> characters;
+            for (size_t i = 0; i < size; ++i) {
+                const bool paired = i > 0 && part[i - 1] == 0xD83D && part[i] == 0xDE00;
+                char narrow[8] = {};
+                WideCharToMultiByte(CP_ACP, 0, &part[paired ? i - 1 : i], paired ? 2 : 1, narrow, 7, nullptr,
+                                    nullptr);
+                if (paired) characters.pop_back();
+                characters.emplace_back(narrow);
+            }
+            for (size_t capacity = 1; capacity < 16; ++capacity) {
+                std::string expected;
+                for (const std::string& character : characters) {
+                    if (expected.size() + character.size() >= capacity) break;
+                    expected += character;
+                }
+                std::vector<char> narrow(capacity, 'x');
+                ASSERT_EQ(NarrowText(narrow.data(), capacity, {part.data(), size}), expected.size());
+                ASSERT_EQ(narrow.data(), expected) << choice << " " << size << " " << capacity;
+            }
+        }
+    }
+}
+
+TEST(Text, LeavesAFieldOfNoSizeAlone) {
+    EXPECT_EQ(WidenText(nullptr, 0, "a"), 0u);
+    CopyText(static_cast<char*>(nullptr), 0, "a");
+    CopyText(static_cast<WCHAR*>(nullptr), 0, {L"a", 1});
+}
+
+TEST(Text, WidensAndCutsAtTheCapacity) {
+    WCHAR wide[4];
+    EXPECT_EQ(WidenText(wide, 4, "abcdef"), 3u);
+    EXPECT_TRUE(SameText({wide, 3}, {L"abc", 3}));
+    EXPECT_EQ(wide[3], 0);
+    EXPECT_EQ(WidenText(wide, 4, "a"), 1u);
+    EXPECT_TRUE(SameText({wide, TextLength(wide)}, {L"a", 1}));
+    EXPECT_EQ(WidenText(wide, 4, ""), 0u);
+    EXPECT_EQ(wide[0], 0);
+}
+
+TEST(Text, DuplicatesOnTheHeap) {
+    const HeapArray<WCHAR> copy = DuplicateText(L"label");
+    EXPECT_TRUE(SameText({copy.get(), TextLength(copy.get())}, {L"label", 5}));
+    const HeapArray<WCHAR> widened = DuplicateWidened("profile.zvp");
+    EXPECT_TRUE(SameText({widened.get(), TextLength(widened.get())}, {L"profile.zvp", 11}));
+    EXPECT_EQ(DuplicateText(nullptr), nullptr);
+    EXPECT_EQ(DuplicateWidened(nullptr), nullptr);
+}
+
+}  // namespace orvex

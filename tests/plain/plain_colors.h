@@ -1,0 +1,160 @@
+// The conversions of colours written down plainly, entry by entry and in double precision, for tests to hold
+// the driver's own against. Speed does not matter here.
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+
+#include "driver/color/color_cache.h"
+
+namespace orvex::plain {
+
+constexpr uint32_t Red(uint32_t color) {
+    return color >> 16 & 0xFF;
+}
+constexpr uint32_t Green(uint32_t color) {
+    return color >> 8 & 0xFF;
+}
+constexpr uint32_t Blue(uint32_t color) {
+    return color & 0xFF;
+}
+constexpr uint32_t Ink(uint32_t k, uint32_t c, uint32_t m, uint32_t y) {
+    return y << 24 | m << 16 | c << 8 | k;
+}
+constexpr uint32_t InkByte(uint32_t ink, int place) {
+    return ink >> 8 * place & 0xFF;
+}
+
+constexpr bool IsGridValue(uint32_t component) {
+    return component % 16 == 0 || component == 255;
+}
+constexpr bool IsGridPoint(uint32_t color) {
+    return IsGridValue(Red(color)) && IsGridValue(Green(color)) && IsGridValue(Blue(color));
+}
+constexpr bool IsAllEven(uint32_t color) {
+    return (color & 0x010101) == 0;
+}
+
+// Bits without a pattern, out of an index and a seed.
+constexpr uint32_t Scramble(uint32_t index, uint32_t seed = 0) {
+    uint32_t x = index * 0x9E3779B1u + seed * 0x85EBCA77u + 0x165667B1u;
+    x = (x ^ x >> 15) * 0x2C1B3C6Du;
+    x = (x ^ x >> 12) * 0x297A2D39u;
+    return x ^ x >> 15;
+}
+
+// A profile without steps: each ink follows the light that it takes.
+constexpr uint32_t Smooth(uint32_t color) {
+    const uint32_t red = Red(color), green = Green(color), blue = Blue(color);
+    return Ink(255 - std::max({red, green, blue}), 255 - red, 255 - green, 255 - blue);
+}
+// One of nothing but steps.
+constexpr uint32_t Scrambled(uint32_t color) {
+    return Scramble(color);
+}
+
+// The generic conversion of a colour at `percent` of ink.
+inline uint32_t Generic(uint32_t color, double percent) {
+    const double range = percent * 255 / 100;
+    const double r = Red(color) / 255.0, g = Green(color) / 255.0, b = Blue(color) / 255.0;
+    const double m = std::max(std::max(r, g), b);
+    const uint32_t k = static_cast<uint32_t>((1 - m) * range + 0.5);
+    if (m == 0) return k;
+    const double q = m / range;
+    return Ink(k, static_cast<uint32_t>((m - r) / q + 0.5), static_cast<uint32_t>((m - g) / q + 0.5),
+               static_cast<uint32_t>((m - b) / q + 0.5));
+}
+
+// The half-grid average of a colour out of `table`.
+inline uint32_t HalfGridAverage(uint32_t color, const uint32_t* table) {
+    // The neighbours' high byte comes from the colour's low one.
+    const uint32_t p[3] = {Blue(color), Green(color), Red(color)};
+    bool odd[3];
+    int count = 0;
+    for (int i = 0; i < 3; ++i) count += odd[i] = p[i] % 2 == 1 && p[i] != 255;
+    uint32_t red = 0, green = 0, blue = 0;
+    for (uint32_t u0 = 0; u0 <= odd[0]; ++u0) {
+        for (uint32_t u1 = 0; u1 <= odd[1]; ++u1) {
+            for (uint32_t u2 = 0; u2 <= odd[2]; ++u2) {
+                const uint32_t q0 = (p[0] & 0xFE) + 2 * u0, q1 = (p[1] & 0xFE) + 2 * u1,
+                               q2 = (p[2] & 0xFE) + 2 * u2;
+                const uint32_t entry = table[q0 << 16 | q1 << 8 | q2];
+                if (count == 0) return entry;
+                const double k = 1 - InkByte(entry, 0) / 255.0;
+                red += static_cast<uint8_t>((1 - InkByte(entry, 1) / 255.0) * 255 * k);
+                green += static_cast<uint8_t>((1 - InkByte(entry, 2) / 255.0) * 255 * k);
+                blue += static_cast<uint8_t>((1 - InkByte(entry, 3) / 255.0) * 255 * k);
+            }
+        }
+    }
+    return Generic(ColorIndex(red >> count, green >> count, blue >> count), 100);
+}
+
+// The eight corners' weights of the prism interpolation, for a place inside a grid cell.
+inline std::array<double, 8> PrismWeights(uint32_t blue, uint32_t green, uint32_t red) {
+    static constexpr double kBlueLeads[6][8] = {
+        {1, 0, 0, 0, 0, 0, 0, 0},    // 1
+        {-1, 0, 0, 0, 1, 0, 0, 0},   // fx
+        {0, 0, 0, 0, -1, 0, 1, 0},   // fy
+        {-1, 1, 0, 0, 0, 0, 0, 0},   // fz
+        {1, -1, 0, 0, -1, 1, 0, 0},  // fz fx
+        {0, 0, 0, 0, 1, -1, -1, 1},  // fz fy
+    };
+    static constexpr double kOtherwise[6][8] = {
+        {1, 0, 0, 0, 0, 0, 0, 0},    //
+        {0, 0, -1, 0, 0, 0, 1, 0},   //
+        {-1, 0, 1, 0, 0, 0, 0, 0},   //
+        {-1, 1, 0, 0, 0, 0, 0, 0},   //
+        {0, 0, 1, -1, 0, 0, -1, 1},  //
+        {1, -1, -1, 1, 0, 0, 0, 0},  //
+    };
+    const double fx = (blue & 15) * 0.0625, fy = (green & 15) * 0.0625, fz = (red & 15) * 0.0625;
+    const double basis[6] = {1, fx, fy, fz, fz * fx, fz * fy};
+    const auto& matrix = fx > fy ? kBlueLeads : kOtherwise;
+    std::array<double, 8> weights{};
+    for (int corner = 0; corner < 8; ++corner) {
+        for (int term = 0; term < 6; ++term) weights[corner] += basis[term] * matrix[term][corner];
+    }
+    return weights;
+}
+
+// The grid points of a table, each as its four ink amounts.
+class Grid {
+  public:
+    explicit Grid(const uint32_t* table) {
+        for (int point = 0; point < kGridPoints; ++point) {
+            const uint32_t ink =
+                table[ColorIndex(GridValue(point / (kGridSteps * kGridSteps)),
+                                 GridValue(point / kGridSteps % kGridSteps), GridValue(point % kGridSteps))];
+            for (int place = 0; place < 4; ++place) amounts_[4 * point + place] = InkByte(ink, place);
+        }
+    }
+    const double* At(uint32_t redStep, uint32_t greenStep, uint32_t blueStep) const {
+        return amounts_ + size_t{4} * ((redStep * kGridSteps + greenStep) * kGridSteps + blueStep);
+    }
+
+  private:
+    double amounts_[4 * kGridPoints];
+};
+
+// The prism interpolation of a colour between grid points, by the weights of its place in its cell.
+inline uint32_t Prism(uint32_t color, const std::array<double, 8>& weights, const Grid& grid) {
+    const uint32_t red = Red(color) / 16, green = Green(color) / 16, blue = Blue(color) / 16;
+    double k = 0, c = 0, m = 0, y = 0;
+    for (uint32_t corner = 0; corner < 8; ++corner) {
+        const double* amounts = grid.At(red + (corner & 1), green + (corner >> 1 & 1), blue + (corner >> 2));
+        k += weights[corner] * amounts[0];
+        c += weights[corner] * amounts[1];
+        m += weights[corner] * amounts[2];
+        y += weights[corner] * amounts[3];
+    }
+    return Ink(static_cast<uint8_t>(k), static_cast<uint8_t>(c), static_cast<uint8_t>(m),
+               static_cast<uint8_t>(y));
+}
+
+inline uint32_t Prism(uint32_t color, const uint32_t* table) {
+    return Prism(color, PrismWeights(Blue(color), Green(color), Red(color)), Grid(table));
+}
+
+}  // namespace orvex::plain

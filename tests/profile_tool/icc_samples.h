@@ -1,5 +1,0 @@
-// ICC profiles of the machine: a printer's and a screen's, from Debian's libgs-common.
-#pragma once
-
-constexpr char kPrinterIcc[] = "/usr/share/color/icc/ghostscript/default_cmyk.icc";
-constexpr char kScreenIcc[] = "/usr/share/color/icc/ghostscript/srgb.icc";

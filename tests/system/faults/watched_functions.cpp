@@ -1,0 +1,241 @@
+// The functions that a CallWatch sees, one row each, and what stands in their place.
+
+#include <algorithm>
+#include <string_view>
+#include <tuple>
+#include <type_traits>
+
+#include "engine/hpcrlib.h"
+#include "platform/shell.h"
+#include "tests/system/faults/call_watch.h"
+#include "tools/common/wide_text.h"
+
+namespace orvex {
+
+using namespace tools;
+namespace {
+
+// A function's name as a template's argument.
+template <size_t N>
+struct Name {
+    constexpr Name(const char (&name)[N]) { std::copy_n(name, N, text); }
+    constexpr operator std::string_view() const { return {text, N - 1}; }
+    char text[N];
+};
+
+WatchedFunction* Find(std::string_view name) {
+    for (WatchedFunction& function : WatchedFunctions()) {
+        if (function.name == name) return &function;
+    }
+    return nullptr;
+}
+
+std::string BaseName(const std::string& path) {
+    return path.substr(path.find_last_of("\\/") + 1);
+}
+
+// What a call is about, from the argument that says so.
+std::string Subject(const char* text) {
+    return text == nullptr ? "" : BaseName(text);
+}
+std::string Subject(const WCHAR* text) {
+    return text == nullptr ? "" : BaseName(Utf8(text));
+}
+std::string Subject(HANDLE handle) {
+    return CurrentWatch()->NameOf(handle);
+}
+std::string Subject(UINT codePage) {
+    return std::to_string(codePage);
+}
+
+// A line of the job header by its variable, anything else as data.
+std::string WrittenSubject(std::string_view bytes) {
+    if (bytes.starts_with("@PJL JOB NAME=")) return "JOB NAME";
+    if (!bytes.starts_with("@PJL SET ")) return bytes == "\"\n" ? "closing quote" : "data";
+    bytes.remove_prefix(sizeof "@PJL SET " - 1);
+    return std::string(bytes.substr(0, bytes.find('=')));
+}
+
+constexpr int kNoSubject = -1;
+
+template <typename Result>
+Result ResultOf(uint64_t bits) {
+    if constexpr (std::is_pointer_v<Result>) {
+        return reinterpret_cast<Result>(static_cast<uintptr_t>(bits));
+    } else {
+        return static_cast<Result>(bits);
+    }
+}
+
+// Hands out what stands in the place of an entry point of the print engine's library.
+FARPROC Watched(const char* name, FARPROC entryPoint) {
+    WatchedFunction* function = Find(name);
+    if (entryPoint == nullptr || function == nullptr || !function->isEntryPoint) return entryPoint;
+    function->original = reinterpret_cast<void*>(entryPoint);
+    return reinterpret_cast<FARPROC>(function->replacement);
+}
+
+template <Name kName, int kSubject, bool kEntryPoint, typename Function>
+struct Stand;
+
+// The system's functions and the engine's are called alike.
+#define CALLED HPCRLIB_CALL
+
+template <Name kName, int kSubject, bool kEntryPoint, typename Result, typename... Arguments>
+struct Stand<kName, kSubject, kEntryPoint, Result CALLED(Arguments...)> {
+    static WatchedFunction& Row() {
+        static WatchedFunction& row = *Find(kName);
+        return row;
+    }
+
+    static std::string SubjectOf([[maybe_unused]] std::tuple<Arguments...> arguments) {
+        const CallWatch::Aside aside;
+        if constexpr (std::string_view(kName) == "WritePrinter") {
+            return WrittenSubject({static_cast<const char*>(std::get<1>(arguments)), std::get<2>(arguments)});
+        } else if constexpr (std::string_view(kName).ends_with("PrinterDataExA")) {
+            return BaseName(std::get<1>(arguments)) + " " + std::get<2>(arguments);
+        } else if constexpr (kSubject != kNoSubject) {
+            return Subject(std::get<kSubject>(arguments));
+        }
+        return {};
+    }
+
+    static size_t BytesOf([[maybe_unused]] std::tuple<Arguments...> arguments) {
+        if constexpr (std::string_view(kName) == "WritePrinter") return std::get<2>(arguments);
+        return 0;
+    }
+
+    // Only the host reads UTF-8; natively it shares the driver's functions.
+    static bool IsHosts(const std::string& subject) {
+        return std::string_view(kName) == "MultiByteToWideChar" && subject == std::to_string(CP_UTF8);
+    }
+
+    static Result CALLED Call(Arguments... arguments) {
+        const WatchedFunction& row = Row();
+        const std::string subject = SubjectOf({arguments...});
+        const bool fails = !IsHosts(subject) && CurrentWatch()->Take(kName, subject, BytesOf({arguments...}));
+        Result result = ResultOf<Result>(row.failure);
+        if (!fails || row.failing == FailingCall::kDoesItsWork) {
+            const Result came = CallOn(row, arguments...);
+            NoteHandle(row.effect, came, subject, arguments...);
+            if (!fails) result = came;
+        }
+        if (fails && row.lastError != 0) SetLastError(row.lastError);
+        if constexpr (std::string_view(kName) == "GetProcAddress") {
+            result = Watched(std::get<1>(std::tuple(arguments...)), result);
+        }
+        return result;
+    }
+
+    static Result CallOn(const WatchedFunction& row, Arguments... arguments) {
+        const auto original = reinterpret_cast<Result(CALLED*)(Arguments...)>(row.original);
+        if constexpr (kEntryPoint) {
+            // The engine calls the driver's output callback.
+            CurrentWatch()->Enter(kName);
+            const Result came = original(arguments...);
+            CurrentWatch()->Leave();
+            return came;
+        } else {
+            const CallWatch::Aside aside;
+            return original(arguments...);
+        }
+    }
+
+    static void NoteHandle(HandleEffect effect, Result result, const std::string& subject,
+                           Arguments... arguments) {
+        if (effect == HandleEffect::kNone) return;
+        if constexpr (std::is_same_v<Result, HANDLE>) {
+            CurrentWatch()->NoteHandle(effect, result, subject);
+        } else if constexpr (sizeof...(Arguments) > 0) {
+            using First = std::tuple_element_t<0, std::tuple<Arguments...>>;
+            if constexpr (std::is_same_v<First, HANDLE>) {
+                CurrentWatch()->NoteHandle(effect, std::get<0>(std::tuple(arguments...)), subject);
+            }
+        }
+    }
+};
+
+template <Name kName, int kSubject, bool kEntryPoint, typename Function>
+WatchedFunction Row(uint64_t failure, DWORD lastError, HandleEffect effect, FailingCall failing) {
+    return {kName.text, failure,
+            lastError,  effect,
+            failing,    reinterpret_cast<void*>(&Stand<kName, kSubject, kEntryPoint, Function>::Call),
+            kEntryPoint};
+}
+
+const uint64_t kInvalid = reinterpret_cast<uintptr_t>(INVALID_HANDLE_VALUE);
+constexpr auto kPlain = HandleEffect::kNone;
+constexpr auto kOpens = HandleEffect::kOpens;
+constexpr auto kCloses = HandleEffect::kCloses;
+constexpr auto kNot = FailingCall::kDoesNothing;
+constexpr auto kDone = FailingCall::kDoesItsWork;
+
+// The number is that of the argument that tells what the call is about.
+#define IMPORT(function, subject, ...) Row<#function, subject, false, decltype(function)>(__VA_ARGS__)
+#define ENTRY_POINT(function, ...) \
+    Row<#function, kNoSubject, true, std::remove_pointer_t<function##Function>>(__VA_ARGS__)
+
+}  // namespace
+
+// clang-format off
+std::vector<WatchedFunction>& WatchedFunctions() {
+    static std::vector<WatchedFunction> functions = {
+        // files
+        IMPORT(CreateFileA,       0, kInvalid, ERROR_ACCESS_DENIED, kOpens, kNot),
+        IMPORT(CreateFileW,       0, kInvalid, ERROR_SHARING_VIOLATION, kOpens, kNot),
+        IMPORT(ReadFile,          0, FALSE, ERROR_READ_FAULT, kPlain, kNot),
+        IMPORT(WriteFile,         0, FALSE, ERROR_DISK_FULL, kPlain, kNot),
+        IMPORT(SetFilePointerEx,  0, FALSE, ERROR_SEEK, kPlain, kNot),
+        IMPORT(GetFileSizeEx,     0, FALSE, ERROR_INVALID_FUNCTION, kPlain, kNot),
+        IMPORT(CloseHandle,       0, FALSE, ERROR_INVALID_HANDLE, kCloses, kDone),
+        IMPORT(MoveFileA,         0, FALSE, ERROR_ACCESS_DENIED, kPlain, kNot),
+        IMPORT(DeleteFileA,       0, FALSE, ERROR_ACCESS_DENIED, kPlain, kNot),
+        IMPORT(PathFileExistsA,   0, FALSE, ERROR_FILE_NOT_FOUND, kPlain, kNot),
+        IMPORT(FindFirstFileW,    0, kInvalid, ERROR_PATH_NOT_FOUND, kOpens, kNot),
+        IMPORT(FindNextFileW,     0, FALSE, ERROR_NO_MORE_FILES, kPlain, kNot),
+        IMPORT(FindClose,         0, FALSE, ERROR_INVALID_HANDLE, kCloses, kDone),
+        // folders
+        IMPORT(SHGetSpecialFolderPathW, kNoSubject, FALSE, ERROR_ACCESS_DENIED, kPlain, kNot),
+        IMPORT(PathAppendW,             1, FALSE, 0, kPlain, kNot),
+        IMPORT(GetCurrentDirectoryW,    kNoSubject, 0, ERROR_NOT_ENOUGH_MEMORY, kPlain, kNot),
+        IMPORT(SetCurrentDirectoryW,    0, FALSE, ERROR_ACCESS_DENIED, kPlain, kNot),
+        IMPORT(GetModuleFileNameA,      kNoSubject, 0, ERROR_MOD_NOT_FOUND, kPlain, kNot),
+        // the log's mutex
+        IMPORT(CreateMutexA,        2, 0, ERROR_ACCESS_DENIED, kOpens, kNot),
+        IMPORT(WaitForSingleObject, 0, WAIT_TIMEOUT, 0, kPlain, kNot),
+        IMPORT(ReleaseMutex,        0, FALSE, ERROR_NOT_OWNER, kPlain, kDone),
+        // texts
+        IMPORT(GetLocaleInfoW,      kNoSubject, 0, ERROR_INVALID_PARAMETER, kPlain, kNot),
+        IMPORT(WideCharToMultiByte, 0, 0, ERROR_INVALID_PARAMETER, kPlain, kNot),
+        IMPORT(MultiByteToWideChar, 0, 0, ERROR_INVALID_PARAMETER, kPlain, kNot),
+        // the spooler
+        IMPORT(GetPrinterDriverW, kNoSubject, FALSE, ERROR_INVALID_HANDLE, kPlain, kNot),
+        IMPORT(GetPrinterW,       kNoSubject, FALSE, ERROR_INVALID_HANDLE, kPlain, kNot),
+        IMPORT(OpenPrinterW,      kNoSubject, FALSE, ERROR_ACCESS_DENIED, kPlain, kNot),
+        IMPORT(EnumPrinterKeyW,   kNoSubject, ERROR_ACCESS_DENIED, 0, kPlain, kNot),
+        IMPORT(GetPrinterDataExA, kNoSubject, ERROR_ACCESS_DENIED, 0, kPlain, kNot),
+        IMPORT(SetPrinterDataExA, kNoSubject, ERROR_ACCESS_DENIED, 0, kPlain, kNot),
+        IMPORT(WritePrinter,      kNoSubject, FALSE, ERROR_WRITE_FAULT, kPlain, kNot),
+        // the graphics engine
+        IMPORT(EngCreateBitmap,     kNoSubject, 0, ERROR_NOT_ENOUGH_MEMORY, kPlain, kNot),
+        IMPORT(EngAssociateSurface, kNoSubject, FALSE, ERROR_INVALID_PARAMETER, kPlain, kNot),
+        IMPORT(EngDeleteSurface,    kNoSubject, FALSE, ERROR_INVALID_PARAMETER, kPlain, kDone),
+        IMPORT(EngEraseSurface,     kNoSubject, FALSE, ERROR_INVALID_PARAMETER, kPlain, kNot),
+        IMPORT(EngCreatePalette,    kNoSubject, 0, ERROR_NOT_ENOUGH_MEMORY, kPlain, kNot),
+        // the print engine's library
+        IMPORT(LoadLibraryW,   0, 0, ERROR_MOD_NOT_FOUND, kPlain, kNot),
+        IMPORT(GetProcAddress, 1, 0, ERROR_PROC_NOT_FOUND, kPlain, kNot),
+        IMPORT(FreeLibrary,    kNoSubject, FALSE, ERROR_INVALID_HANDLE, kPlain, kDone),
+        ENTRY_POINT(HPCRLIB_JobStart,         0, 0, kPlain, kNot),
+        ENTRY_POINT(HPCRLIB_JobEnd,           0, 0, kPlain, kDone),
+        ENTRY_POINT(HPCRLIB_PageStart,        0, 0, kPlain, kNot),
+        ENTRY_POINT(HPCRLIB_PageEnd,          0, 0, kPlain, kNot),
+        ENTRY_POINT(HPCRLIB_RasterBlockStart, 0, 0, kPlain, kNot),
+        ENTRY_POINT(HPCRLIB_RasterRow,        0, 0, kPlain, kNot),
+        ENTRY_POINT(HPCRLIB_RasterBlockEnd,   0, 0, kPlain, kNot),
+    };
+    return functions;
+}
+// clang-format on
+
+}  // namespace orvex

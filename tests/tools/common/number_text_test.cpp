@@ -1,0 +1,33 @@
+#include "tools/common/number_text.h"
+
+#include <gtest/gtest.h>
+
+namespace orvex::tools {
+
+TEST(NumberText, WritesDecimals) {
+    EXPECT_EQ(DecimalText(2, 1), "2.0");
+    EXPECT_EQ(DecimalText(-0.25, 2), "-0.25");
+    EXPECT_EQ(ShortDecimalText(2.50, 2), "2.5");
+    EXPECT_EQ(ShortDecimalText(100, 1), "100");
+    EXPECT_EQ(ShortDecimalText(100, 0), "100");
+}
+
+TEST(NumberText, ReadsDecimals) {
+    EXPECT_EQ(ParseNumber("2.5"), 2.5);
+    EXPECT_EQ(ParseNumber("-2."), -2.0);
+    EXPECT_EQ(ParseNumber("+.5"), 0.5);
+    for (const char* text :
+         {"", "+", "-", ".", "2,5", "2.5mm", " 2", "2 ", "inf", "nan", "1e3", "0x10", "+-2"}) {
+        EXPECT_FALSE(ParseNumber(text)) << text;
+    }
+    EXPECT_FALSE(ParseNumber(std::string(100, '9')));
+}
+
+TEST(NumberText, ReadsWholeNumbers) {
+    EXPECT_EQ(ParseWhole("-100"), -100);
+    EXPECT_EQ(ParseWhole("+7"), 7);
+    for (const char* text : {"", "+", "1.0", "12x", "99999999999", " 1"})
+        EXPECT_FALSE(ParseWhole(text)) << text;
+}
+
+}  // namespace orvex::tools

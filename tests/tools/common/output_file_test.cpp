@@ -1,0 +1,112 @@
+#include "tools/common/output_file.h"
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+#include <vector>
+
+#include "tests/kit/scratch_folder.h"
+#include "tools/common/wide_text.h"
+#include "tools/orvexprint/log_switch.h"
+
+namespace orvex::tools {
+
+using namespace print;
+namespace fs = std::filesystem;
+
+namespace {
+
+size_t FilesIn(const fs::path& folder) {
+    return static_cast<size_t>(std::distance(fs::directory_iterator(folder), fs::directory_iterator()));
+}
+
+}  // namespace
+
+TEST(OutputFile, AppearsWhenItIsComplete) {
+    const ScratchFolder scratch;
+    const fs::path path = scratch.Path() / PathFromUtf8("Etikett \xC3\xB6.prn");
+    {
+        OutputFile file(path);
+        EXPECT_TRUE(file.Write("one "));
+        EXPECT_TRUE(file.Write({"t\0wo", 4}));
+        EXPECT_EQ(file.Size(), 8u);
+        EXPECT_FALSE(fs::exists(path));
+        file.Complete();
+    }
+    EXPECT_EQ(ReadBytes(path), std::string("one t\0wo", 8));
+    EXPECT_EQ(FilesIn(scratch.Path()), 1u);
+}
+
+TEST(OutputFile, LeavesNothingWhenItIsGivenUp) {
+    const ScratchFolder scratch;
+    const fs::path path = scratch.Write("out.prn", "before");
+    {
+        OutputFile file(path);
+        EXPECT_TRUE(file.Write("half"));
+    }
+    EXPECT_EQ(ReadBytes(path), "before");
+    EXPECT_EQ(FilesIn(scratch.Path()), 1u);
+}
+
+TEST(OutputFile, TakesThePlaceOfWhatStoodThere) {
+    const ScratchFolder scratch;
+    const fs::path path = scratch.Write("out.prn", "before, and longer");
+    WriteWholeFile(path, "after");
+    EXPECT_EQ(ReadBytes(path), "after");
+    EXPECT_EQ(FilesIn(scratch.Path()), 1u);
+}
+
+TEST(OutputFile, LeavesTheUnfinishedFilesOfOthersAlone) {
+    const ScratchFolder scratch;
+    const fs::path other = scratch.Write("out.prn.part0", "another's");
+    WriteWholeFile(scratch.Path() / "out.prn", "mine");
+    EXPECT_EQ(ReadBytes(other), "another's");
+    EXPECT_EQ(ReadBytes(scratch.Path() / "out.prn"), "mine");
+}
+
+TEST(OutputFile, SaysWhereItCannotBeWritten) {
+    const ScratchFolder scratch;
+    EXPECT_THROW(OutputFile(scratch.Path()), std::runtime_error) << "a folder";
+    EXPECT_THROW(OutputFile(scratch.Path() / "missing" / "out.prn"), std::runtime_error);
+    EXPECT_EQ(FilesIn(scratch.Path()), 0u);
+}
+
+TEST(OutputFile, FailsWhenItsNameBecameAFolderMeanwhile) {
+    const ScratchFolder scratch;
+    const fs::path path = scratch.Path() / "out.prn";
+    {
+        OutputFile file(path);
+        EXPECT_TRUE(file.Write("x"));
+        fs::create_directories(path / "inside");
+        EXPECT_THROW(file.Complete(), std::runtime_error);
+    }
+    EXPECT_EQ(FilesIn(scratch.Path()), 1u);
+}
+
+TEST(LogSwitch, TurnsTheLogOnAndPutsBackWhatStoodThere) {
+    const ScratchFolder scratch;
+    const fs::path control = scratch.Write("temp/orvexgdi.dat", "1 by hand\n");
+    {
+        const LogSwitch log(control, 3);
+        EXPECT_EQ(ReadBytes(control), "3");
+    }
+    EXPECT_EQ(ReadBytes(control), "1 by hand\n");
+}
+
+TEST(LogSwitch, RemovesAControlFileThatWasNotThere) {
+    const ScratchFolder scratch;
+    const fs::path control = scratch.Path() / "temp" / "orvexgdi.dat";
+    {
+        const LogSwitch log(control, 1);
+        EXPECT_EQ(ReadBytes(control), "1");
+    }
+    EXPECT_FALSE(fs::exists(control));
+}
+
+TEST(LogSwitch, SaysWhenTheLogCannotBeTurnedOn) {
+    const ScratchFolder scratch;
+    const fs::path file = scratch.Write("temp", "not a folder");
+    EXPECT_THROW(LogSwitch(file / "orvexgdi.dat", 3), std::runtime_error);
+}
+
+}  // namespace orvex::tools

@@ -1,0 +1,86 @@
+#include "tools/host/shell_answers.h"
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+#include "platform/shell.h"
+#include "tests/kit/scratch_folder.h"
+#include "tools/common/wide_text.h"
+
+namespace orvex::tools {
+
+namespace {
+
+// The installation folder as the driver asks for it; empty when an answer fails.
+std::string AskForFolder() {
+    WCHAR path[MAX_PATH];
+    if (!SHGetSpecialFolderPathW(nullptr, path, CSIDL_COMMON_APPDATA, FALSE)) return {};
+    if (!PathAppendW(path, L"Quorvane") || !PathAppendW(path, L"Orvex Series")) return {};
+    return Utf8(path);
+}
+
+}  // namespace
+
+TEST(ShellAnswers, NameAnyFolderAsTheInstallation) {
+    const ScratchFolder scratch;
+    ShellAnswers shell(scratch.Path());
+    shell.Attach(nullptr);
+    EXPECT_EQ(AskForFolder(), Utf8(WindowsPath(scratch.Path())));
+}
+
+TEST(ShellAnswers, LetPathsBelowTheFolderGrowAsUsual) {
+    const ScratchFolder scratch;
+    ShellAnswers shell(scratch.Path() / "Etiketten \xC3\xA4\xC3\xB6");
+    shell.Attach(nullptr);
+    std::u16string path = Wide(AskForFolder());
+    const std::u16string folder = path;
+    path.resize(MAX_PATH);
+    ASSERT_TRUE(PathAppendW(AsWchar(path), L"profiles\\*.zvp"));
+    EXPECT_EQ(Utf8(AsWchar(path)), Utf8(folder) + "\\profiles\\*.zvp");
+    ASSERT_TRUE(PathAppendW(AsWchar(path), L"Quorvane"));
+    EXPECT_EQ(Utf8(AsWchar(path)), Utf8(folder) + "\\profiles\\*.zvp\\Quorvane");
+}
+
+TEST(ShellAnswers, DropATrailingSeparator) {
+    const ScratchFolder scratch;
+    ShellAnswers shell(scratch.Path() / "install" / "");
+    shell.Attach(nullptr);
+    EXPECT_EQ(AskForFolder(), Utf8(WindowsPath(scratch.Path() / "install")));
+}
+
+TEST(ShellAnswers, FailWhereTheyAreAskedTo) {
+    const ScratchFolder scratch;
+    ShellAnswers shell(scratch.Path());
+    shell.Attach(nullptr);
+    shell.FailFolder(ERROR_PATH_NOT_FOUND);
+    EXPECT_EQ(AskForFolder(), "");
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_PATH_NOT_FOUND));
+    shell.FailFolder(0);
+    for (const int nth : {1, 2}) {
+        shell.FailAppend(nth);
+        EXPECT_EQ(AskForFolder(), "") << nth;
+    }
+    shell.FailAppend(0);
+    EXPECT_NE(AskForFolder(), "");
+}
+
+TEST(ShellAnswers, NameTheLanguageAsked) {
+    const ScratchFolder scratch;
+    ShellAnswers shell(scratch.Path());
+    shell.Attach(nullptr);
+    shell.SetLanguage("DEU");
+    WCHAR language[10] = {};
+    EXPECT_EQ(GetLocaleInfoW(LOCALE_SYSTEM_DEFAULT, LOCALE_SABBREVLANGNAME, language, 10), 4);
+    EXPECT_EQ(Utf8(language), "DEU");
+    EXPECT_EQ(GetLocaleInfoW(LOCALE_SYSTEM_DEFAULT, LOCALE_SABBREVLANGNAME, language, 0), 4);
+    EXPECT_EQ(GetLocaleInfoW(LOCALE_SYSTEM_DEFAULT, LOCALE_SABBREVLANGNAME, language, 3), 0);
+    shell.SetLanguage(std::nullopt);
+    EXPECT_GT(GetLocaleInfoW(LOCALE_SYSTEM_DEFAULT, LOCALE_SABBREVLANGNAME, language, 10), 0);
+}
+
+TEST(ShellAnswers, RefuseAFolderThatTheDriverHasNoRoomFor) {
+    EXPECT_THROW(ShellAnswers(std::filesystem::path(std::string(230, 'x'))), std::runtime_error);
+}
+
+}  // namespace orvex::tools

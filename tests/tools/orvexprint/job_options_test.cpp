@@ -1,0 +1,162 @@
+#include "tools/orvexprint/job_options.h"
+
+#include <gmock/gmock.h>
+
+#include <sstream>
+
+#include "tools/common/wide_text.h"
+
+namespace orvex::tools::print {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+namespace {
+
+JobOptions Parse(const std::vector<std::string>& arguments) {
+    std::ostringstream help;
+    return ParseJobOptions(arguments, help).value();
+}
+
+std::string OptionsComplaint(const std::vector<std::string>& arguments) {
+    try {
+        Parse(arguments);
+        return {};
+    } catch (const OptionError& error) {
+        return error.what();
+    }
+}
+
+// The settings as "option value".
+std::vector<std::string> SettingsOf(const JobOptions& options) {
+    std::vector<std::string> settings;
+    for (const auto& [setting, value] : options.settings) {
+        settings.push_back(setting->option + std::string(" ") + ValueText(*setting, value));
+    }
+    return settings;
+}
+
+}  // namespace
+
+TEST(JobOptions, TakePagesAndAnOutput) {
+    const JobOptions options = Parse({"-o", "out.prn", "a.png", "b \xC3\xA4.png"});
+    ASSERT_EQ(options.pages.size(), 2u);
+    EXPECT_EQ(options.pages[1], PathFromUtf8("b \xC3\xA4.png"));
+    EXPECT_EQ(options.output, "out.prn");
+    EXPECT_THAT(options.settings, IsEmpty());
+    EXPECT_FALSE(options.imageDpi);
+    EXPECT_EQ(options.logMask, 0);
+}
+
+TEST(JobOptions, TakeNamesThatBeginWithASlash) {
+    const JobOptions options = Parse({"/folder/page.png", "-o", "/folder/job.prn"});
+    EXPECT_EQ(options.pages, (std::vector<std::filesystem::path>{"/folder/page.png"}));
+    EXPECT_EQ(options.output, "/folder/job.prn");
+}
+
+TEST(JobOptions, TakeEverySettingInItsUnit) {
+    const JobOptions options =
+        Parse({"--dpi", "600", "--align=centre", "--print-head-offset", "-2.5mm", "--rotate180",
+               "--mirror=off", "--brightness", "-100", "--landscape", "-o", "x", "a.png"});
+    EXPECT_THAT(SettingsOf(options),
+                ElementsAre("--dpi 600 dpi", "--rotate180 on", "--mirror off", "--align centre",
+                            "--print-head-offset -2.5 mm", "--brightness -100", "--orientation landscape"));
+}
+
+TEST(JobOptions, LeaveAPageBehindASwitchAPage) {
+    const JobOptions options = Parse({"-o", "x", "--kws", "a.png"});
+    EXPECT_THAT(options.pages, ElementsAre("a.png"));
+    EXPECT_THAT(SettingsOf(options), ElementsAre("--kws on"));
+}
+
+TEST(JobOptions, LetTheLastOfTwoValuesStand) {
+    EXPECT_THAT(SettingsOf(Parse({"--dpi", "300", "--dpi", "600", "-o", "x", "a.png"})),
+                ElementsAre("--dpi 600 dpi"));
+    EXPECT_THAT(SettingsOf(Parse({"--kws", "--kws=off", "-o", "x", "a.png"})), ElementsAre("--kws off"));
+}
+
+TEST(JobOptions, TakeThePaper) {
+    EXPECT_EQ(Parse({"--size", "100x150mm", "-o", "x", "a.png"}).size, (PaperSize{1000, 1500}));
+    EXPECT_EQ(Parse({"--label", "Versand 4x6", "-o", "x", "a.png"}).label, "Versand 4x6");
+    EXPECT_EQ(OptionsComplaint({"--size", "100x150mm", "--label", "x", "-o", "x", "a.png"}),
+              "--size and --label: give one of them");
+    EXPECT_EQ(OptionsComplaint({"--landscape", "--portrait", "-o", "x", "a.png"}),
+              "--landscape and --portrait: give one of them");
+}
+
+TEST(JobOptions, TakeTheRest) {
+    const JobOptions options =
+        Parse({"--fit",     "--smooth", "--image-dpi",    "203", "--title",        "T", "--profile",  "p.zvp",
+               "--install", "i",        "--engine",       "e",   "--printer-data", "d", "--language", "DEU",
+               "--log",     "trace",    "--load-devmode", "l",   "--save-devmode", "s", "-o",         "x",
+               "a.png"});
+    EXPECT_TRUE(options.fit);
+    EXPECT_TRUE(options.smooth);
+    EXPECT_EQ(options.imageDpi, 203);
+    EXPECT_EQ(options.title, "T");
+    EXPECT_EQ(options.profile, "p.zvp");
+    EXPECT_EQ(options.installation, "i");
+    EXPECT_EQ(options.engine, "e");
+    EXPECT_EQ(options.printerData, "d");
+    EXPECT_EQ(options.language, "DEU");
+    EXPECT_EQ(options.logMask, 3);
+    EXPECT_EQ(options.loadMode, "l");
+    EXPECT_EQ(options.saveMode, "s");
+    EXPECT_EQ(Parse({"--log", "error", "-o", "x", "a.png"}).logMask, 1);
+}
+
+TEST(JobOptions, NameOptionValueAndRangeOfWhatIsWrong) {
+    EXPECT_EQ(OptionsComplaint({"--dpi", "720", "-o", "x", "a.png"}),
+              "--dpi: \"720\" is not allowed; it takes 300 or 600 dpi");
+    EXPECT_EQ(OptionsComplaint({"--rotate180=maybe", "-o", "x", "a.png"}),
+              "--rotate180: \"maybe\" is not allowed; it takes on or off");
+    EXPECT_EQ(OptionsComplaint({"--image-dpi", "9", "-o", "x", "a.png"}),
+              "--image-dpi: \"9\" is not allowed; it takes 10 to 10000 dpi");
+    EXPECT_EQ(OptionsComplaint({"--log", "all", "-o", "x", "a.png"}),
+              "--log: \"all\" is not allowed; it takes error or trace");
+    EXPECT_EQ(OptionsComplaint({"--language", "DE", "-o", "x", "a.png"}),
+              "--language: \"DE\" is not allowed; it takes ENG, FRA, DEU, CH, ES, JPN or ENU");
+    EXPECT_THAT(OptionsComplaint({"--size", "big", "-o", "x", "a.png"}),
+                HasSubstr("--size: \"big\" is not allowed"));
+    EXPECT_THAT(OptionsComplaint({"--nonsense", "-o", "x", "a.png"}), HasSubstr("--nonsense"));
+    EXPECT_THAT(OptionsComplaint({"-o"}), HasSubstr("--output"));
+}
+
+TEST(JobOptions, RefuseAnEmptyValue) {
+    EXPECT_THAT(OptionsComplaint({"--dpi", "", "-o", "x", "a.png"}), HasSubstr("--dpi: \"\" is not allowed"));
+    EXPECT_THAT(OptionsComplaint({"--size", "", "-o", "x", "a.png"}),
+                HasSubstr("--size: \"\" is not allowed"));
+    EXPECT_THAT(OptionsComplaint({"--log", "", "-o", "x", "a.png"}), HasSubstr("--log: \"\" is not allowed"));
+}
+
+TEST(JobOptions, NeedPagesAndAnOutputToPrint) {
+    EXPECT_EQ(OptionsComplaint({"-o", "x"}), "no pages: name PNG files, or ask for the --test-page");
+    EXPECT_EQ(OptionsComplaint({"a.png"}), "no output: name a file with -o FILE");
+    EXPECT_EQ(OptionsComplaint({"--test-page"}), "no output: name a file with -o FILE");
+    EXPECT_EQ(OptionsComplaint({"--test-page", "a.png", "-o", "x"}),
+              "--test-page prints no other pages; leave the files out");
+    EXPECT_EQ(OptionsComplaint({"--test-page", "-o", "x"}), "");
+    for (const char* look : {"--dry-run", "--list"}) EXPECT_EQ(OptionsComplaint({look}), "");
+    EXPECT_EQ(OptionsComplaint({"--save-devmode", "x"}), "");
+}
+
+TEST(JobOptions, ShowHelpWithGroupsRangesAndExamples) {
+    std::ostringstream help;
+    EXPECT_FALSE(ParseJobOptions({"--help"}, help));
+    // The text without its line breaks.
+    std::string text;
+    std::istringstream words(help.str());
+    for (std::string word; words >> word;) text += (text.empty() ? "" : " ") + word;
+    for (const char* part :
+         {"Usage: orvexprint [options] -o FILE PAGE.png...", "Page:", "Print head:", "Colour:", "Job:",
+          "Output:", "Printer and program:", "Examples:", "300 or 600 dpi", "5, 10 or 15 mm",
+          "-100.0 to 100.0 mm", "off, leading or trailing", "--rotate180[=off]", "-h,--help"}) {
+        EXPECT_THAT(text, HasSubstr(part));
+    }
+    for (const Setting& setting : Settings()) EXPECT_THAT(text, HasSubstr(setting.option));
+    std::istringstream lines(help.str());
+    for (std::string line; std::getline(lines, line);) EXPECT_LE(line.size(), 100u) << line;
+}
+
+}  // namespace orvex::tools::print

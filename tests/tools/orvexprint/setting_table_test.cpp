@@ -1,0 +1,157 @@
+#include "tools/orvexprint/setting_table.h"
+
+#include <gmock/gmock.h>
+
+#include <set>
+#include <string>
+
+namespace orvex::tools::print {
+
+using testing::HasSubstr;
+
+namespace {
+
+int Parse(const char* option, std::string_view text) {
+    return ParseSetting(FindSetting(option), text);
+}
+
+// What the option says of a value; empty when it takes it.
+std::string Complaint(const char* option, std::string_view text) {
+    try {
+        Parse(option, text);
+        return {};
+    } catch (const OptionError& error) {
+        return error.what();
+    }
+}
+
+int Written(const char* option, int value) {
+    DeviceMode mode = {};
+    WriteSetting(mode, FindSetting(option), value);
+    return ReadSetting(mode, FindSetting(option));
+}
+
+}  // namespace
+
+TEST(SettingTable, NamesEveryOptionOnce) {
+    std::set<std::string> options;
+    for (const Setting& setting : Settings()) {
+        EXPECT_TRUE(options.insert(setting.option).second) << setting.option;
+        EXPECT_TRUE(std::string_view(setting.option).starts_with("--"));
+        EXPECT_STRNE(setting.help, "");
+    }
+}
+
+TEST(SettingTable, WritesAndReadsEverySettingAlone) {
+    for (const Setting& setting : Settings()) {
+        DeviceMode mode = {};
+        const int value = setting.words.empty()
+                              ? setting.numbers.empty() ? setting.most : setting.numbers.back()
+                              : setting.words.front().value;
+        WriteSetting(mode, setting, value);
+        EXPECT_EQ(ReadSetting(mode, setting), value) << setting.option;
+        EXPECT_EQ(mode.pub.dmFields, setting.flag) << setting.option;
+        for (const Setting& other : Settings()) {
+            const bool shared =
+                other.field.offset == setting.field.offset ||
+                (setting.switchedOn.size != 0 && other.field.offset == setting.switchedOn.offset);
+            if (!shared) {
+                EXPECT_EQ(ReadSetting(mode, other), 0) << other.option << " with " << setting.option;
+            }
+        }
+    }
+}
+
+TEST(SettingTable, KeepsTheSignOfEveryWidth) {
+    EXPECT_EQ(Written("--brightness", -100), -100);
+    EXPECT_EQ(Written("--print-head-offset", -1000), -1000);
+    EXPECT_EQ(Written("--grey", 2), 2);
+}
+
+TEST(SettingTable, WritesTheFieldsThatItsOptionsName) {
+    DeviceMode mode = {};
+    const auto set = [&](const char* option, const char* text) {
+        WriteSetting(mode, FindSetting(option), Parse(option, text));
+    };
+    set("--dpi", "600");
+    set("--orientation", "landscape");
+    set("--align", "left");
+    set("--print-head-offset", "-2.5mm");
+    set("--tof-offset", "0.1");
+    set("--purge-bar", "trailing");
+    set("--purge-dots", "10");
+    set("--purge-gap", "15mm");
+    set("--purge-freq", "50");
+    set("--grey", "black");
+    set("--copies", "12");
+    set("--collate", "on");
+    set("--chunk", "40");
+    set("--private-copies", "3");
+    set("--tone", "-7");
+    set("--black", "9");
+    EXPECT_EQ(mode.pub.dmPrintQuality, 600);
+    EXPECT_EQ(mode.pub.dmOrientation, 2);
+    EXPECT_EQ(mode.priv.alignment, 2);
+    EXPECT_EQ(mode.priv.phHOffset, -25);
+    EXPECT_EQ(mode.priv.phVOffset, 1);
+    EXPECT_EQ(mode.priv.purgeBar, 2);
+    EXPECT_EQ(mode.priv.purgeDots, 10);
+    EXPECT_EQ(mode.priv.purgeGap, 15);
+    EXPECT_EQ(mode.priv.purgeFreq, 50);
+    EXPECT_EQ(mode.priv.colorMode, 2);
+    EXPECT_EQ(mode.pub.dmCopies, 12);
+    EXPECT_EQ(mode.pub.dmCollate, 1);
+    EXPECT_EQ(mode.priv.chunksize, 40);
+    EXPECT_EQ(mode.priv.chunkActive, 1);
+    EXPECT_EQ(mode.priv.copies, 3);
+    EXPECT_EQ(mode.priv.usePrivateCopies, 1);
+    EXPECT_EQ(mode.priv.adj_colortone, -7);
+    EXPECT_EQ(mode.priv.adj_black, 9);
+    EXPECT_EQ(mode.pub.dmFields,
+              static_cast<DWORD>(DM_PRINTQUALITY | DM_ORIENTATION | DM_COPIES | DM_COLLATE));
+}
+
+TEST(SettingTable, ReadsLengthsInMillimetresAndInches) {
+    EXPECT_EQ(Parse("--print-head-offset", "2.0mm"), 20);
+    EXPECT_EQ(Parse("--print-head-offset", "2 mm"), 20);
+    EXPECT_EQ(Parse("--print-head-offset", "+2"), 20);
+    EXPECT_EQ(Parse("--print-head-offset", "1in"), 254);
+    EXPECT_EQ(Parse("--print-head-offset", "0.1 in"), 25);
+    EXPECT_EQ(Parse("--print-head-offset", "-100"), -1000);
+    EXPECT_EQ(Complaint("--print-head-offset", "100.1mm"),
+              "--print-head-offset: \"100.1mm\" is not allowed; it takes -100.0 to 100.0 mm");
+    EXPECT_THAT(Complaint("--print-head-offset", "0.05"), HasSubstr("-100.0 to 100.0 mm"));
+    EXPECT_THAT(Complaint("--print-head-offset", "2cm"), HasSubstr("\"2cm\""));
+    EXPECT_THAT(Complaint("--print-head-offset", "mm"), HasSubstr("\"mm\""));
+}
+
+TEST(SettingTable, NamesOptionValueAndRangeOfAWrongValue) {
+    EXPECT_EQ(Complaint("--dpi", "720"), "--dpi: \"720\" is not allowed; it takes 300 or 600 dpi");
+    EXPECT_EQ(Complaint("--purge-gap", "7"), "--purge-gap: \"7\" is not allowed; it takes 5, 10 or 15 mm");
+    EXPECT_EQ(Complaint("--purge-bar", "2"),
+              "--purge-bar: \"2\" is not allowed; it takes off, leading or trailing");
+    EXPECT_EQ(Complaint("--align", "top"), "--align: \"top\" is not allowed; it takes left, centre or right");
+    EXPECT_EQ(Complaint("--copies", "0"), "--copies: \"0\" is not allowed; it takes 1 to 10000");
+    EXPECT_EQ(Complaint("--brightness", "101"), "--brightness: \"101\" is not allowed; it takes -100 to 100");
+    EXPECT_EQ(Complaint("--kws", "yes"), "--kws: \"yes\" is not allowed; it takes on or off");
+    EXPECT_EQ(Complaint("--chunk", "29"), "--chunk: \"29\" is not allowed; it takes 30 to 10000 pages");
+    EXPECT_NE(Complaint("--copies", "1.5"), "");
+    EXPECT_NE(Complaint("--copies", ""), "");
+    EXPECT_NE(Complaint("--copies", "99999999999999999999"), "");
+}
+
+TEST(SettingTable, TakesBothSpellingsOfCentre) {
+    EXPECT_EQ(Parse("--align", "centre"), kAlignCentre);
+    EXPECT_EQ(Parse("--align", "center"), kAlignCentre);
+}
+
+TEST(SettingTable, ShowsValuesAsTheyAreGiven) {
+    EXPECT_EQ(ValueText(FindSetting("--align"), 1), "centre");
+    EXPECT_EQ(ValueText(FindSetting("--print-head-offset"), -25), "-2.5 mm");
+    EXPECT_EQ(ValueText(FindSetting("--purge-dots"), 5), "5 pixels");
+    EXPECT_EQ(ValueText(FindSetting("--purge-dots"), 1), "1 pixel");
+    EXPECT_EQ(ValueText(FindSetting("--kws"), 0), "off");
+    EXPECT_EQ(ValueText(FindSetting("--grey"), 9), "9") << "a value that no word stands for";
+}
+
+}  // namespace orvex::tools::print

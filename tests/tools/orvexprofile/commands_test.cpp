@@ -1,0 +1,273 @@
+#ifdef ORVEX_LITTLE_CMS
+#include "tools/orvexprofile/orvexprofile.h"
+
+#include <gmock/gmock.h>
+
+#include "tests/kit/scratch_folder.h"
+#include "tests/tools/orvexprofile/icc_samples.h"
+#include "tests/tools/orvexprofile/profile_samples.h"
+#include "tests/tools/orvexprofile/shown_inks.h"
+#include "tools/common/png_page.h"
+#include "tools/orvexprofile/profile_reader.h"
+#endif
+
+namespace orvex::tools::profile {
+
+// Native only: the tool needs Little CMS.
+#ifdef ORVEX_LITTLE_CMS
+
+namespace {
+
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+
+class ProfileTool : public testing::Test {
+  protected:
+    // Runs the tool; its output and errors are kept.
+    int Run(std::vector<std::string> arguments) {
+        std::ostringstream out, err;
+        const int status = RunProfileTool(std::move(arguments), out, err);
+        out_ = out.str();
+        err_ = err.str();
+        return status;
+    }
+    std::string Path(const std::string& name) const { return (scratch_.Path() / name).string(); }
+    std::string Sample(int version = 5) const {
+        const std::string path = Path("sample.zvp");
+        WriteProfileFile(SampleProfile(version), path);
+        return path;
+    }
+    std::string Picture() const {
+        tools::view::Picture picture(2, 1, 3);
+        picture.samples = {255, 255, 255, 255, 0, 0};
+        SavePng(picture, 96, Path("in.png"));
+        return Path("in.png");
+    }
+    std::vector<std::string> Files() const {
+        std::vector<std::string> names;
+        for (const auto& entry : std::filesystem::directory_iterator(scratch_.Path())) {
+            names.push_back(entry.path().filename().string());
+        }
+        return names;
+    }
+
+    ScratchFolder scratch_;
+    std::string out_;
+    std::string err_;
+};
+
+TEST_F(ProfileTool, NeedsACommand) {
+    EXPECT_NE(Run({}), 0);
+    EXPECT_THAT(err_, HasSubstr("A subcommand is required"));
+    EXPECT_NE(Run({"melt"}), 0);
+    EXPECT_EQ(Run({"--help"}), 0);
+    EXPECT_THAT(out_, AllOf(HasSubstr("info"), HasSubstr("build"), HasSubstr("convert"), HasSubstr("apply"),
+                            HasSubstr("chart")));
+}
+
+TEST_F(ProfileTool, InfoTellsWhatAnAcceptedFileHolds) {
+    EXPECT_EQ(Run({"info", Sample()}), 0);
+    EXPECT_THAT(out_,
+                AllOf(HasSubstr("mark       \"ZVC\""), HasSubstr("version    5: 17 values of each component"),
+                      HasSubstr("size       39,333 bytes, 39,333 by its header"),
+                      HasSubstr("tag area   17 bytes"), HasSubstr("tag at 15  name, 6 bytes: \"Sample\""),
+                      HasSubstr("tag at 24  resolution codes, 2 bytes"), HasSubstr("name       Sample"),
+                      HasSubstr("codes      -1 for other resolutions, 5 for 600 dpi")));
+    EXPECT_THAT(
+        out_,
+        AllOf(HasSubstr("inks at 600 dpi"), HasSubstr("inks at other resolutions"),
+              HasSubstr("    K       17       17     17.0"), HasSubstr("    C        0      255"),
+              HasSubstr("largest total 782 (306.7 %) at #ffffff"), HasSubstr("driver     accepts the file")));
+    EXPECT_THAT(err_, IsEmpty());
+}
+
+TEST_F(ProfileTool, InfoTellsOfAVersionWithPlanes) {
+    EXPECT_EQ(Run({"info", Sample(4)}), 0);
+    EXPECT_THAT(out_,
+                HasSubstr("version    4: every second value of each component, one plane for each ink"));
+    EXPECT_THAT(out_, HasSubstr("largest total 782 (306.7 %) at #fefefe"));
+}
+
+TEST_F(ProfileTool, InfoTellsWhichNameUsersSee) {
+    Profile profile = PaperProfile();
+    profile.name = std::string(100, 'n');
+    WriteProfileFile(profile, Path("long.zvp"));
+    EXPECT_EQ(Run({"info", Path("long.zvp")}), 0);
+    EXPECT_THAT(out_, HasSubstr("longer than 99 bytes: users see the file's name"));
+    EXPECT_THAT(out_, HasSubstr("codes      none: the driver uses its own"));
+
+    profile.name.reset();
+    profile.codes = ResolutionCodes{1, 2};
+    WriteProfileFile(profile, Path("none.zvp"));
+    EXPECT_EQ(Run({"info", Path("none.zvp")}), 0);
+    EXPECT_THAT(out_, HasSubstr("name       none: users see the file's name"));
+}
+
+TEST_F(ProfileTool, InfoTellsWhyTheDriverRefusesAFile) {
+    scratch_.Write("bad.zvp", FileWithTags(Tag(1, "B\x01") + Tag(2, "abc")));
+    EXPECT_EQ(Run({"info", Path("bad.zvp")}), 1);
+    EXPECT_THAT(out_, AllOf(HasSubstr("driver     refuses the file"), HasSubstr(": invalid hpres length 3"),
+                            HasSubstr("name, 2 bytes: \"B\\x01\""), HasSubstr("resolution codes, 3 bytes"),
+                            Not(HasSubstr("inks at"))));
+    EXPECT_EQ(Run({"info", Path("none.zvp")}), 1);
+    EXPECT_THAT(out_, HasSubstr("could not open file ["));
+    scratch_.Write("empty.zvp", "");
+    EXPECT_EQ(Run({"info", Path("empty.zvp")}), 1);
+    EXPECT_THAT(out_, HasSubstr("error reading file"));
+    scratch_.Write("six.zvp", FileWithTags(Tag(7, ""), 6));
+    EXPECT_EQ(Run({"info", Path("six.zvp")}), 1);
+    EXPECT_THAT(out_, AllOf(HasSubstr("version    6\n"), HasSubstr("unknown kind 7, 0 bytes"),
+                            HasSubstr("invalid profile tag 7")));
+}
+
+TEST_F(ProfileTool, BuildsAProfileFromAPrintersIccProfile) {
+    EXPECT_EQ(Run({"build", "--icc", kPrinterIcc, "-o", Path("swop.zvp"), "--intent", "relative",
+                   "--black-point-compensation", "--name", "SWOP", "--resolution-codes", "-1,0",
+                   "--ink-limit", "240", "--scale-600", "40", "--scale-other", "90"}),
+              0)
+        << err_;
+    EXPECT_THAT(out_, AllOf(HasSubstr("From Artifex CMYK SWOP Profile"), HasSubstr("accepted by the driver"),
+                            HasSubstr("Driver against ICC, 600 dpi"), HasSubstr("largest     mean"),
+                            HasSubstr("Driver against ICC, other resolutions")));
+    const ProfileFacts facts = InspectProfile(Path("swop.zvp"));
+    EXPECT_EQ(facts.version, 5);
+    EXPECT_EQ(facts.Name(), "SWOP");
+    EXPECT_EQ(facts.Codes(), (ResolutionCodes{-1, 0}));
+    LoadAccepted(Path("swop.zvp"), PrintVariant::kOther);
+    EXPECT_EQ(LookupColor(0xFFFFFF), 0u);
+    const uint32_t black = LookupColor(0);
+    EXPECT_LE(TotalInk(black), 240 * 2.55 * 0.9 + 2);
+    EXPECT_GE(TotalInk(black), 240 * 2.55 * 0.9 - 4);
+    LoadAccepted(Path("swop.zvp"), PrintVariant::kAt600);
+    EXPECT_NEAR(TotalInk(LookupColor(0)), TotalInk(black) * 40 / 90.0, 3);
+    EXPECT_THAT(Files(), testing::ElementsAre("swop.zvp"));
+}
+
+TEST_F(ProfileTool, BuildsOtherVersionsAndTellsWhatTheyCanNotKeep) {
+    EXPECT_EQ(Run({"build", "--icc", kPrinterIcc, "-o", Path("half.zvp"), "--version", "3"}), 0) << err_;
+    EXPECT_EQ(InspectProfile(Path("half.zvp")).version, 3);
+    EXPECT_EQ(InspectProfile(Path("half.zvp")).Name(), "half");
+    EXPECT_THAT(out_, HasSubstr("without ink"));
+}
+
+struct WrongOption {
+    std::vector<std::string> options;
+    const char* message;
+};
+
+TEST_F(ProfileTool, BuildRefusesWrongValuesAndWritesNothing) {
+    const WrongOption wrongOptions[] = {
+        {{"--version", "6"}, "--version"},
+        {{"--intent", "vivid"}, "--intent"},
+        {{"--name", std::string(512, 'n')}, "1 to 511 characters, not 512"},
+        {{"--name", "gr\xC3\xBCn"}, "printable ASCII"},
+        {{"--resolution-codes", "1"}, "two numbers from -128 to 127"},
+        {{"--resolution-codes", "1,200"}, "two numbers from -128 to 127"},
+        {{"--resolution-codes", "1,2,3"}, "two numbers from -128 to 127"},
+        {{"--resolution-codes", "1 2"}, "two numbers from -128 to 127"},
+        {{"--resolution-codes", "a,b"}, "two numbers from -128 to 127"},
+        {{"--ink-limit", "99"}, "--ink-limit"},
+        {{"--scale-600", "0"}, "--scale-600"},
+        {{"--scale-other", "201"}, "--scale-other"},
+    };
+    for (const WrongOption& wrong : wrongOptions) {
+        std::vector<std::string> arguments = {"build", "--icc", kPrinterIcc, "-o", Path("new.zvp")};
+        arguments.insert(arguments.end(), wrong.options.begin(), wrong.options.end());
+        EXPECT_NE(Run(arguments), 0) << wrong.options[1];
+        EXPECT_THAT(err_, HasSubstr(wrong.message));
+    }
+    EXPECT_EQ(Run({"build", "--icc", kScreenIcc, "-o", Path("new.zvp")}), 1);
+    EXPECT_THAT(
+        err_,
+        HasSubstr("orvexprofile: /usr/share/color/icc/ghostscript/srgb.icc: not the profile of a CMYK"));
+    EXPECT_NE(Run({"build", "-o", Path("new.zvp")}), 0);
+    EXPECT_THAT(err_, HasSubstr("--icc is required"));
+    EXPECT_EQ(Run({"build", "--icc", kPrinterIcc, "-o", Path("none/new.zvp")}), 1);
+    EXPECT_THAT(err_, HasSubstr("can't write"));
+    EXPECT_THAT(Files(), IsEmpty());
+}
+
+TEST_F(ProfileTool, BuildSaysThatALongNameIsNotShown) {
+    EXPECT_EQ(Run({"build", "--icc", kPrinterIcc, "-o", Path("a.zvp"), "--name", std::string(100, 'n')}), 0);
+    EXPECT_THAT(out_, HasSubstr("The name is longer than 99 characters"));
+}
+
+TEST_F(ProfileTool, ConvertsAndTellsTheLoss) {
+    const std::string sample = Sample(4);
+    EXPECT_EQ(Run({"convert", sample, "-o", Path("grid.zvp"), "--version", "5", "--compare-every", "17"}), 0)
+        << err_;
+    EXPECT_THAT(out_, AllOf(HasSubstr("grid.zvp: version 5, 39,333 bytes, accepted by the driver"),
+                            HasSubstr("Loss, 600 dpi: "), HasSubstr("Loss, other resolutions: "),
+                            HasSubstr("of 4,096 colours differ"),
+                            HasSubstr("Against what the driver printed before, 600 dpi")));
+    EXPECT_EQ(InspectProfile(Path("grid.zvp")).Name(), "Sample");
+    EXPECT_EQ(
+        Run({"convert", Path("grid.zvp"), "-o", Path("half.zvp"), "--version", "4", "--compare-every", "85"}),
+        0);
+    EXPECT_THAT(out_, Not(HasSubstr("printed before")));
+}
+
+TEST_F(ProfileTool, ConvertRefusesItsOwnInputAndWhatTheDriverRefuses) {
+    const std::string sample = Sample(), before = ReadBytes(sample);
+    EXPECT_EQ(Run({"convert", sample, "-o", sample, "--version", "4"}), 1);
+    EXPECT_THAT(err_, HasSubstr("two files"));
+    EXPECT_EQ(ReadBytes(sample), before);
+    scratch_.Write("bad.zvp", "ZVC");
+    EXPECT_EQ(Run({"convert", Path("bad.zvp"), "-o", Path("new.zvp"), "--version", "5"}), 1);
+    EXPECT_THAT(err_, HasSubstr("error reading file"));
+    EXPECT_NE(Run({"convert", sample, "-o", Path("new.zvp")}), 0);
+    EXPECT_THAT(err_, HasSubstr("--version is required"));
+    EXPECT_FALSE(std::filesystem::exists(Path("new.zvp")));
+}
+
+TEST_F(ProfileTool, AppliesAProfileToAPicture) {
+    Profile profile = PaperProfile();
+    profile.other[16 * 289] = PackInks(0, 255, 0, 51);  // red
+    profile.at600[16 * 289] = PackInks(0, 0, 102, 0);
+    WriteProfileFile(profile, Path("red.zvp"));
+    EXPECT_EQ(Run({"apply", Picture(), Path("out.png"), "--profile", Path("red.zvp")}), 0) << err_;
+    EXPECT_EQ(LoadPng(Path("out.png")).Row(0)[0], 0xFFFFFFu);
+    EXPECT_EQ(LoadPng(Path("out.png")).Row(0)[1], ShownPixel(PackInks(0, 255, 0, 51)));
+    EXPECT_EQ(LoadPng(Path("out-K.png")).Row(0)[1], 0xFFFFFFu);
+    EXPECT_EQ(LoadPng(Path("out-C.png")).Row(0)[1], 0x000000u);
+    EXPECT_EQ(LoadPng(Path("out-M.png")).Row(0)[1], 0xFFFFFFu);
+    EXPECT_EQ(LoadPng(Path("out-Y.png")).Row(0)[1], 0xCCCCCCu);
+
+    EXPECT_EQ(Run({"apply", Picture(), Path("a.png"), Path("k.png"), Path("c.png"), Path("m.png"),
+                   Path("y.png"), "--profile", Path("red.zvp"), "--variant", "600"}),
+              0);
+    EXPECT_EQ(LoadPng(Path("m.png")).Row(0)[1], 0x333333u);
+    EXPECT_EQ(LoadPng(Path("c.png")).Row(0)[1], 0xFFFFFFu);
+}
+
+TEST_F(ProfileTool, AppliesTheBuiltInConversionWithoutAProfile) {
+    EXPECT_EQ(Run({"apply", Picture(), Path("out.png")}), 0) << err_;
+    EXPECT_EQ(LoadPng(Path("out.png")).Row(0)[1], ShownPixel(PackInks(0, 0, 255, 255)));
+    EXPECT_EQ(LoadPng(Path("out-M.png")).Row(0)[1], 0x000000u);
+}
+
+TEST_F(ProfileTool, ApplyTellsWhatIsWrong) {
+    EXPECT_EQ(Run({"apply", Picture(), Path("a.png"), Path("b.png")}), 1);
+    EXPECT_THAT(err_, HasSubstr("composite, K, C, M and Y; not 2"));
+    EXPECT_EQ(Run({"apply", Path("none.png"), Path("a.png")}), 1);
+    EXPECT_THAT(err_, HasSubstr("none.png"));
+    EXPECT_EQ(Run({"apply", Picture(), Path("a.png"), "--profile", Path("none.zvp")}), 1);
+    EXPECT_THAT(err_, HasSubstr("could not open file"));
+    EXPECT_NE(Run({"apply", Picture(), Path("a.png"), "--variant", "300"}), 0);
+    EXPECT_FALSE(std::filesystem::exists(Path("a.png")));
+}
+
+TEST_F(ProfileTool, ChartsAProfile) {
+    EXPECT_EQ(Run({"chart", Sample(), "-o", Path("chart.png"), "--variant", "600"}), 0) << err_;
+    EXPECT_GT(LoadPng(Path("chart.png")).width, 1000u);
+    EXPECT_EQ(Run({"chart", Path("none.zvp"), "-o", Path("none.png")}), 1);
+    EXPECT_THAT(err_, HasSubstr("could not open file"));
+    EXPECT_FALSE(std::filesystem::exists(Path("none.png")));
+}
+
+}  // namespace
+#endif
+
+}  // namespace orvex::tools::profile

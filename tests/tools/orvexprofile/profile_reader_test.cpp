@@ -1,0 +1,142 @@
+#include "tools/orvexprofile/profile_reader.h"
+
+#include <gmock/gmock.h>
+
+#include "tests/kit/log_capture.h"
+#include "tests/kit/scratch_folder.h"
+#include "tests/tools/orvexprofile/profile_samples.h"
+#include "tools/orvexprofile/driver_colors.h"
+
+namespace orvex::tools::profile {
+
+namespace {
+
+// What the driver's reader itself writes into the log when it refuses a file: its last line, without the
+// level.
+std::string DriversWords(const std::filesystem::path& path) {
+    LogCapture log(1);
+    EXPECT_FALSE(LoadIntoDriver(path, PrintVariant::kOther));
+    const std::vector<std::string> lines = log.TakeLines();
+    if (lines.empty()) return "(no line)";
+    return lines.back().substr(lines.back().find("] ") + 2 + (lines.back().starts_with("[Info]") ? 1 : 0));
+}
+
+struct BrokenFile {
+    const char* title;
+    std::string bytes;
+    std::string problem;  // behind the path, where the message has one: "%" stands for it
+};
+
+std::string Resized(std::string bytes, size_t size) {
+    bytes.resize(size);
+    return bytes.replace(4, 4, LittleEndianBytes(static_cast<uint32_t>(size), 4));
+}
+
+std::vector<BrokenFile> BrokenFiles() {
+    const std::string sound = FileWithTags(Tag(1, "Sound"));
+    const std::string longName = FileWithTags(Tag(1, std::string(512, 'n')));
+    std::string foreign = sound, sizeOff = sound, wrapping = sound;
+    foreign.replace(0, 3, "PNG");
+    sizeOff.replace(4, 4, LittleEndianBytes(static_cast<uint32_t>(sound.size() + 1), 4));
+    wrapping.replace(13, 2, LittleEndianBytes(3, 2));
+    const std::string size = std::to_string(sound.size());
+    return {
+        {"empty", "", "error reading file % 0"},
+        {"11 bytes", sound.substr(0, 11), "error reading file % 11"},
+        {"another mark", foreign, "invalid profile file % PNG " + size + "<>" + size},
+        {"a size off by one", sizeOff,
+         "invalid profile file % ZVC " + std::to_string(sound.size() + 1) + "<>" + size},
+        {"no tag area", Resized(sound, 14), "error reading tag header 2<>3"},
+        {"no tag", Resized(sound, 16), "error reading tag 1<>3"},
+        {"a cut name", Resized(sound, 20), "error reading profile name"},
+        {"a name of 512", longName, "not enough space to store profile name"},
+        {"three codes", FileWithTags(Tag(2, "abc")), "invalid hpres length 3"},
+        {"cut codes", Resized(FileWithTags(Tag(2, "ab")), 19), "error reading hpres"},
+        {"an unknown tag", FileWithTags(Tag(1, "x") + Tag(9, "")), "invalid profile tag 9"},
+        {"an area too short for its tags", wrapping, "invalid profile tag 0"},
+        {"a byte too many", Resized(sound, sound.size() + 1), "invalid file size 39305<>39304"},
+        {"version 6", FileWithTags(Tag(1, "x"), 6), "non supported profile version"},
+        {"version 0", FileWithTags(Tag(1, "x"), 0), "non supported profile version"},
+        {"version 3 of the size of 5", FileWithTags(Tag(1, "x"), 3), "invalid file size 39304<>16777216"},
+        {"version 1 of the size of 5", FileWithTags(Tag(1, "x"), 1), "invalid file size 39304<>134217728"},
+    };
+}
+
+TEST(ProfileReader, GivesTheDriversOwnReasonForEveryFileThatItRefuses) {
+    const ScratchFolder scratch;
+    for (const BrokenFile& file : BrokenFiles()) {
+        SCOPED_TRACE(file.title);
+        const std::filesystem::path path = scratch.Write("broken.zvp", file.bytes);
+        std::string expected = file.problem;
+        if (const size_t place = expected.find('%'); place != std::string::npos) {
+            expected.replace(place, 1, path.string());
+        }
+        const ProfileFacts facts = InspectProfile(path);
+        EXPECT_FALSE(facts.Accepted());
+        EXPECT_EQ(facts.problem, expected);
+        EXPECT_EQ(facts.problem, DriversWords(path));
+    }
+}
+
+TEST(ProfileReader, SaysThatAFileCanNotBeOpened) {
+    const ScratchFolder scratch;
+    const std::filesystem::path path = scratch.Path() / "none.zvp";
+    const ProfileFacts facts = InspectProfile(path);
+    EXPECT_EQ(facts.problem, "Error: could not open file [" + path.string() + "]");
+    EXPECT_EQ(facts.problem, DriversWords(path));
+    EXPECT_EQ(facts.size, 0u);
+}
+
+TEST(ProfileReader, TakesAFolderForNoFile) {
+    const ScratchFolder scratch;
+    const ProfileFacts facts = InspectProfile(scratch.Path());
+    EXPECT_EQ(facts.problem, DriversWords(scratch.Path()));
+    EXPECT_EQ(facts.size, 0u);
+}
+
+TEST(ProfileReader, TakesTheLastTagOfAKind) {
+    const ScratchFolder scratch;
+    const std::string tags = Tag(2, "\x01\x02") + Tag(1, "First") + Tag(1, "Last") + Tag(2, "\xFF\x03");
+    const std::filesystem::path path = scratch.Write("tags.zvp", FileWithTags(tags));
+    const ProfileFacts facts = InspectProfile(path);
+    EXPECT_TRUE(facts.Accepted());
+    EXPECT_EQ(facts.Name(), "Last");
+    EXPECT_EQ(facts.Codes(), (ResolutionCodes{-1, 3}));
+    ASSERT_EQ(facts.tags.size(), 4u);
+    EXPECT_EQ(facts.tags[0].offset, 15u);
+    EXPECT_EQ(facts.tags[1].offset, 20u);
+    EXPECT_EQ(facts.tags[1].id, 1);
+    EXPECT_EQ(facts.tags[1].length, 5u);
+    EXPECT_EQ(facts.tags[1].data, "First");
+    EXPECT_EQ(facts.dataOffset, 15u + tags.size());
+    EXPECT_EQ(facts.tagAreaLength, 3u + tags.size());
+    EXPECT_EQ(facts.version, 5);
+    EXPECT_EQ(facts.size, 15 + tags.size() + 39304);
+    EXPECT_EQ(facts.storedSize, facts.size);
+}
+
+TEST(ProfileReader, MissesNothingInAFileWithOneTag) {
+    const ScratchFolder scratch;
+    const ProfileFacts named = InspectProfile(scratch.Write("a.zvp", FileWithTags(Tag(1, ""))));
+    EXPECT_TRUE(named.Accepted());
+    EXPECT_EQ(named.Name(), "");
+    EXPECT_EQ(named.Codes(), std::nullopt);
+    const ProfileFacts coded = InspectProfile(scratch.Write("b.zvp", FileWithTags(Tag(2, "\x05\x06"))));
+    EXPECT_TRUE(coded.Accepted());
+    EXPECT_EQ(coded.Name(), std::nullopt);
+    EXPECT_EQ(coded.Codes(), (ResolutionCodes{5, 6}));
+}
+
+TEST(ProfileReader, KeepsWhatItReadBeforeItGaveUp) {
+    const ScratchFolder scratch;
+    const ProfileFacts facts =
+        InspectProfile(scratch.Write("c.zvp", FileWithTags(Tag(1, "Kept") + Tag(7, "?"))));
+    EXPECT_EQ(facts.problem, "invalid profile tag 7");
+    EXPECT_EQ(facts.Name(), "Kept");
+    EXPECT_EQ(facts.tags.size(), 2u);
+    EXPECT_EQ(facts.dataOffset, 0u);
+}
+
+}  // namespace
+
+}  // namespace orvex::tools::profile

@@ -1,0 +1,189 @@
+#include "tools/orvexprofile/profile_writer.h"
+
+#include <gmock/gmock.h>
+
+#include "tests/kit/scratch_folder.h"
+#include "tests/tools/orvexprofile/profile_samples.h"
+#include "tools/orvexprofile/driver_colors.h"
+
+namespace orvex::tools::profile {
+
+namespace {
+
+using testing::HasSubstr;
+using testing::ThrowsMessage;
+
+TEST(ProfileWriter, AFileBeginsWithItsHeaderAndTags) {
+    Profile profile = PaperProfile();
+    profile.name = "Ab";
+    profile.codes = ResolutionCodes{-1, 7};
+    const std::string bytes = ProfileBytes(profile);
+    EXPECT_EQ(bytes.substr(0, 25), "ZVC\5" + LittleEndianBytes(39304 + 25, 4) + LittleEndianBytes(0, 4) +
+                                       '\0' + LittleEndianBytes(13, 2) + '\1' + LittleEndianBytes(2, 2) +
+                                       "Ab" + '\2' + LittleEndianBytes(2, 2) + "\xFF\x07");
+    EXPECT_EQ(bytes.size(), 39304u + 25);
+    EXPECT_EQ(FileSize(profile), bytes.size());
+}
+
+TEST(ProfileWriter, NameAndCodesCanStandAlone) {
+    Profile profile = PaperProfile();
+    EXPECT_EQ(ProfileBytes(profile).substr(12, 11),
+              '\0' + LittleEndianBytes(11, 2) + '\1' + LittleEndianBytes(5, 2) + "Paper");
+    profile.name.reset();
+    profile.codes = ResolutionCodes{1, 2};
+    EXPECT_EQ(ProfileBytes(profile).substr(12, 8), '\0' + LittleEndianBytes(8, 2) + Tag(2, "\1\2"));
+}
+
+TEST(ProfileWriter, Version5StoresRedFastestAndThe600DpiVariantFirst) {
+    const Profile profile = SampleProfile(5);
+    const std::string bytes = ProfileBytes(profile);
+    const size_t data = bytes.size() - 2 * 4 * 4913;
+    const auto entry = [&](size_t variant, size_t place) {
+        return bytes.substr(data + 4 * (4913 * variant + place), 4);
+    };
+    EXPECT_EQ(entry(0, 1), LittleEndianBytes(SampleInks(0x100000, true), 4));
+    EXPECT_EQ(entry(0, 17), LittleEndianBytes(SampleInks(0x001000, true), 4));
+    EXPECT_EQ(entry(0, 289), LittleEndianBytes(SampleInks(0x000010, true), 4));
+    EXPECT_EQ(entry(0, 16), LittleEndianBytes(SampleInks(0xFF0000, true), 4));
+    EXPECT_EQ(entry(1, 4912), LittleEndianBytes(SampleInks(0xFFFFFF, false), 4));
+}
+
+TEST(ProfileWriter, Version3StoresBlueFastestAndWhitesInkAt254) {
+    const std::string bytes = ProfileBytes(SampleProfile(3));
+    const size_t data = bytes.size() - 0x1000000;
+    const auto entry = [&](size_t place) { return bytes.substr(data + 4 * place, 4); };
+    EXPECT_EQ(entry(1), LittleEndianBytes(SampleInks(0x000002, true), 4));
+    EXPECT_EQ(entry(128), LittleEndianBytes(SampleInks(0x000200, true), 4));
+    EXPECT_EQ(entry(128 * 128 - 1), LittleEndianBytes(SampleInks(0x00FFFF, true), 4));
+    EXPECT_EQ(entry(128 * 128 * 128 + 128 * 128), LittleEndianBytes(SampleInks(0x020000, false), 4));
+}
+
+TEST(ProfileWriter, Version4StoresPlanesFromYellowToBlack) {
+    const std::string bytes = ProfileBytes(SampleProfile(4));
+    const size_t plane = 128 * 128 * 128, data = bytes.size() - 0x1000000;
+    for (int ink = 0; ink < kInks; ++ink) {
+        const size_t place = data + static_cast<size_t>(3 - ink) * plane + 128;
+        EXPECT_EQ(static_cast<uint8_t>(bytes[place]), InkAmount(SampleInks(0x000200, true), ink))
+            << kInkLetters[ink];
+    }
+}
+
+// What is stored under a colour may stand for another: see SampledComponent.
+uint32_t SampledColor(int version, uint32_t color) {
+    if (LayoutOf(version).steps != 128) return color;
+    uint32_t sampled = 0;
+    for (int shift : {16, 8, 0}) {
+        const uint32_t component = color >> shift & 0xFF;
+        sampled |= (component == 254 ? 255 : component) << shift;
+    }
+    return sampled;
+}
+
+TEST(ProfileWriter, TheDriverReadsBackEveryEntryOfEveryVersion) {
+    const ScratchFolder scratch;
+    const std::filesystem::path path = scratch.Path() / "sample.zvp";
+    for (int version = 1; version <= 5; ++version) {
+        WriteProfileFile(SampleProfile(version), path);
+        for (bool at600 : {true, false}) {
+            SCOPED_TRACE(testing::Message()
+                         << "version " << version << (at600 ? " at 600 dpi" : " otherwise"));
+            ASSERT_TRUE(LoadIntoDriver(path, at600 ? PrintVariant::kAt600 : PrintVariant::kOther));
+            EXPECT_EQ(g_cacheKind, version);
+            const int steps = LayoutOf(version).steps;
+            size_t wrong = 0;
+            for (int red = 0; red < steps; ++red) {
+                for (int green = 0; green < steps; ++green) {
+                    for (int blue = 0; blue < steps; ++blue) {
+                        const uint32_t color =
+                            ColorIndex(StoredComponent(steps, red), StoredComponent(steps, green),
+                                       StoredComponent(steps, blue));
+                        wrong += g_colorCache[color] != SampleInks(SampledColor(version, color), at600);
+                    }
+                }
+            }
+            EXPECT_EQ(wrong, 0u);
+        }
+    }
+}
+
+TEST(ProfileWriter, TheDriverTakesNamesOfUpTo511Characters) {
+    const ScratchFolder scratch;
+    const std::filesystem::path path = scratch.Path() / "name.zvp";
+    Profile profile = PaperProfile();
+    profile.name = std::string(511, 'n');
+    WriteProfileFile(profile, path);
+    EXPECT_TRUE(LoadIntoDriver(path, PrintVariant::kAt600));
+    profile.name = std::string(512, 'n');
+    EXPECT_THAT([&] { WriteProfileFile(profile, path); },
+                ThrowsMessage<std::invalid_argument>(HasSubstr("1 to 511 characters, not 512")));
+}
+
+TEST(ProfileWriter, ANewNameIsPrintableAscii) {
+    CheckProfileName("Coated paper (2%)~");
+    EXPECT_THAT([] { CheckProfileName(""); }, ThrowsMessage<std::invalid_argument>(HasSubstr("not 0")));
+    EXPECT_THAT([] { CheckProfileName(std::string(512, 'n')); },
+                ThrowsMessage<std::invalid_argument>(HasSubstr("not 512")));
+    EXPECT_THAT([] { CheckProfileName("Papier couch\xC3\xA9"); },
+                ThrowsMessage<std::invalid_argument>(HasSubstr("printable ASCII")));
+    EXPECT_THAT([] { CheckProfileName("two\nlines"); },
+                ThrowsMessage<std::invalid_argument>(HasSubstr("printable ASCII")));
+}
+
+TEST(ProfileWriter, RefusesWhatTheDriverWouldNotAccept) {
+    Profile untagged = PaperProfile();
+    untagged.name.reset();
+    EXPECT_THAT([&] { ProfileBytes(untagged); },
+                ThrowsMessage<std::invalid_argument>(HasSubstr("at least one tag")));
+
+    Profile marked = PaperProfile();
+    marked.other[17] = kNotComputed;
+    EXPECT_THAT(
+        [&] { ProfileBytes(marked); },
+        ThrowsMessage<std::invalid_argument>(HasSubstr("entry 17 of the variant for other resolutions")));
+
+    Profile cut = PaperProfile();
+    cut.at600.pop_back();
+    EXPECT_THAT([&] { ProfileBytes(cut); }, ThrowsMessage<std::invalid_argument>(HasSubstr(
+                                                "the variant for 600 dpi has 4912 entries instead of 4913")));
+
+    for (int version : {0, 6}) {
+        Profile unknown = PaperProfile();
+        unknown.version = version;
+        EXPECT_THAT([&] { ProfileBytes(unknown); },
+                    ThrowsMessage<std::invalid_argument>(HasSubstr("versions 1 to 5, not")));
+    }
+}
+
+TEST(ProfileWriter, LeavesNoFileWhenWritingFails) {
+    const ScratchFolder scratch;
+    const std::filesystem::path missing = scratch.Path() / "missing" / "profile.zvp";
+    EXPECT_THAT([&] { WriteProfileFile(PaperProfile(), missing); },
+                ThrowsMessage<std::runtime_error>(HasSubstr("can't write")));
+    const std::filesystem::path folder = scratch.Path() / "folder";
+    std::filesystem::create_directories(folder / "inner");
+    EXPECT_THAT([&] { WriteProfileFile(PaperProfile(), folder); },
+                ThrowsMessage<std::runtime_error>(HasSubstr("can't write")));
+    EXPECT_FALSE(std::filesystem::exists(scratch.Path() / "folder.part"));
+}
+
+TEST(ProfileWriter, ReplacesAnOlderFileAsAWhole) {
+    const ScratchFolder scratch;
+    const std::filesystem::path path = scratch.Write("old.zvp", "old");
+    WriteProfileFile(PaperProfile(), path);
+    EXPECT_EQ(ReadBytes(path), ProfileBytes(PaperProfile()));
+    Profile broken = PaperProfile();
+    broken.at600[0] = kNotComputed;
+    EXPECT_THROW(WriteProfileFile(broken, path), std::invalid_argument);
+    EXPECT_EQ(ReadBytes(path), ProfileBytes(PaperProfile()));
+}
+
+TEST(SampledVariant, NeverHoldsTheNotComputedMark) {
+    const InkSource full = [](std::span<const uint32_t>, std::span<uint32_t> inks) {
+        for (uint32_t& value : inks) value = 0xFFFFFFFF;
+    };
+    EXPECT_THAT(SampleVariant(5, full), testing::Each(0xFFFFFFFEu));
+}
+
+}  // namespace
+
+}  // namespace orvex::tools::profile

@@ -1,0 +1,22 @@
+// What a preview shows for an ink value.
+#pragma once
+
+#include <vector>
+
+#include "tools/orvexprofile/ink_preview.h"
+
+namespace orvex::tools::profile {
+
+// As red, green and blue.
+inline std::vector<int> Shown(uint32_t inks) {
+    const tools::view::Rgb color = InkModelOf(PrintVariant::kOther).OnPaper(inks);
+    return {color.red, color.green, color.blue};
+}
+
+// As a pixel of a picture that was read.
+inline uint32_t ShownPixel(uint32_t inks) {
+    const tools::view::Rgb color = InkModelOf(PrintVariant::kOther).OnPaper(inks);
+    return ColorIndex(color.red, color.green, color.blue);
+}
+
+}  // namespace orvex::tools::profile

@@ -1,0 +1,54 @@
+// Print files for the tests: jobs printed with the stand-in engine, the driver's lines put in.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "engine/print_stream.h"
+#include "tests/engine/engine_output.h"
+#include "tools/orvexview/print_file.h"
+
+namespace orvex::tools::view {
+
+inline std::vector<uint8_t> AsBytes(std::string_view text) {
+    return {text.begin(), text.end()};
+}
+
+// Puts lines where the driver puts its own.
+inline std::string WithLines(std::string file, std::string_view lines) {
+    return file.insert(file.find("@PJL COMMENT"), lines);
+}
+
+// "@PJL SET NAME=number" lines.
+struct Setting {
+    const char* name;
+    int value;
+};
+inline std::string SettingLines(const std::vector<Setting>& settings) {
+    std::string lines;
+    for (const Setting& setting : settings) {
+        lines += "@PJL SET " + std::string(setting.name) + "=" + std::to_string(setting.value) + "\n";
+    }
+    return lines;
+}
+
+inline std::string MakeFile(const std::vector<Rows>& pages, std::string_view lines = "",
+                            uint32_t mode = kMode600Dpi) {
+    return WithLines(PrintJob(pages, mode).File(), lines);
+}
+
+inline std::string NumberBytes(uint32_t number) {
+    std::string bytes;
+    for (int shift = 0; shift < 32; shift += 8) bytes += static_cast<char>(number >> shift);
+    return bytes;
+}
+
+// A record with a right checksum, whatever is in it.
+inline std::string MakeRecord(char type, const std::string& payload) {
+    const std::string record = type + NumberBytes(static_cast<uint32_t>(payload.size())) + payload;
+    const auto* bytes = reinterpret_cast<const uint8_t*>(record.data());
+    return record + NumberBytes(print_stream::Adler32(bytes, record.size()));
+}
+
+}  // namespace orvex::tools::view

@@ -1,0 +1,306 @@
+#include "tools/orvexview/print_file.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "tests/kit/scratch_folder.h"
+#include "tests/tools/orvexview/made_files.h"
+
+namespace orvex::tools::view {
+
+using namespace std::string_literals;
+
+namespace {
+
+const Rows kSmallPage = {{1, 2, 3}, {1, 2, 3}, {9, 9, 9}};
+
+std::string ErrorOf(std::string_view bytes) {
+    try {
+        ParsePrintFile(AsBytes(bytes));
+    } catch (const PrintFileError& error) {
+        return error.what();
+    }
+    return "none";
+}
+
+const std::string& Opening() {
+    static const std::string opening(print_stream::kPjlOpening);
+    return opening;
+}
+
+std::string Offset(size_t offset) {
+    return "offset " + std::to_string(offset) + ": ";
+}
+
+const std::string kResolution = "\x1B*o0M";
+const std::string kJobStart = MakeRecord('J', NumberBytes(1) + NumberBytes(1));
+const std::string kPageStart = MakeRecord('P', NumberBytes(1) + NumberBytes(5000) + NumberBytes(6000));
+const std::string kBlockStart = MakeRecord('B', NumberBytes(0) + NumberBytes(3) + NumberBytes(2));
+const std::string kRows = MakeRecord('R', "\x03\x03");  // two rows like the one above
+const std::string kBlockEnd = MakeRecord('b', NumberBytes(2));
+const std::string kPageEnd = MakeRecord('p', NumberBytes(1));
+const std::string kJobEnd = MakeRecord('j', NumberBytes(1));
+const std::string kExit = "\x1B%-12345X";
+
+// The error of a file whose record behind `before` is `record`, without its offset, which has to be `within`
+// bytes into the record.
+std::string ErrorIn(const std::string& before, const std::string& record, size_t within) {
+    const std::string error = ErrorOf(Opening() + before + record);
+    const std::string offset = Offset(Opening().size() + before.size() + within);
+    EXPECT_EQ(error.substr(0, offset.size()), offset) << error;
+    return error.substr(std::min(offset.size(), error.size()));
+}
+
+const std::string kBeforeRows = kJobStart + kResolution + kPageStart + kBlockStart;
+
+}  // namespace
+
+TEST(PrintFile, ReadsWhatTheEngineWrites) {
+    const PrintFile file = ParsePrintFile(AsBytes(MakeFile({kSmallPage, {{7}}}, "@PJL SET COPIES=3\n")));
+    EXPECT_EQ(file.resolutionMode, 1u);
+    EXPECT_EQ(file.dpi, 600u);
+    EXPECT_EQ(file.header.FindNumber("COPIES"), 3);
+    EXPECT_EQ(file.header.comment,
+              "Stand-in print stream 1. Made for inspection and tests; a printer does not read it.");
+    ASSERT_EQ(file.pages.size(), 2u);
+    const PrintedPage& page = file.pages[0];
+    EXPECT_EQ(page.number, 1u);
+    EXPECT_EQ(page.resolutionCode, 0);
+    EXPECT_EQ(page.width, 24u * 3 + 2400);
+    EXPECT_EQ(page.length, 86616u);
+    EXPECT_EQ(page.top, 0u);
+    EXPECT_EQ(page.rowWidth, 3u);
+    EXPECT_EQ(page.announcedRows, 3u);
+    EXPECT_EQ(page.rows, 3u);
+    EXPECT_EQ(page.EncodedSize(), 13u + 1 + 5);
+    EXPECT_EQ(ReadRows(page), kSmallPage);
+    EXPECT_EQ(ReadRows(file.pages[1]), Rows({{7}}));
+}
+
+TEST(PrintFile, KeepsItsPagesWhenItMoves) {
+    PrintFile file = ParsePrintFile(AsBytes(MakeFile({kSmallPage})));
+    const PrintFile moved = std::move(file);
+    EXPECT_EQ(ReadRows(moved.pages[0]), kSmallPage);
+}
+
+TEST(PrintFile, KnowsTheResolutionOfEachMode) {
+    EXPECT_EQ(ParsePrintFile(AsBytes(MakeFile({kSmallPage}, "", 0))).dpi, 300u);
+    EXPECT_EQ(ParsePrintFile(AsBytes(MakeFile({kSmallPage}, "", 2))).dpi, 150u);
+}
+
+TEST(PrintFile, TakesTheNumberThatTheDriverPutIntoTheResolutionCommand) {
+    for (const int code : {0, -1, 7, 48, 127, -128}) {
+        std::string bytes = MakeFile({kSmallPage});
+        bytes.replace(bytes.find(kResolution), kResolution.size(), "\x1B*o" + std::to_string(code) + "M");
+        EXPECT_EQ(ParsePrintFile(AsBytes(bytes)).pages[0].resolutionCode, code);
+    }
+}
+
+TEST(PrintFile, ReadsRowsThatFillManyRecords) {
+    std::mt19937 random(5);
+    Rows rows(60, std::vector<uint32_t>(1000));
+    for (auto& row : rows) {
+        for (uint32_t& pixel : row) pixel = static_cast<uint32_t>(random());
+    }
+    const PrintFile file = ParsePrintFile(AsBytes(MakeFile({rows})));
+    EXPECT_GT(file.pages[0].encodedRows.size(), 5u);
+    EXPECT_EQ(ReadRows(file.pages[0]), rows);
+}
+
+TEST(PrintFile, ReadsFromAFile) {
+    const ScratchFolder folder;
+    const auto path = folder.Write("job.prn", MakeFile({kSmallPage}));
+    EXPECT_EQ(ReadRows(ReadPrintFile(path).pages[0]), kSmallPage);
+}
+
+TEST(PrintFile, AFileThatIsNotThereIsAnError) {
+    const ScratchFolder folder;
+    EXPECT_THROW(ReadPrintFile(folder.Path() / "none.prn"), std::system_error);
+}
+
+TEST(PrintFile, AFolderIsNoPrintFile) {
+    const ScratchFolder folder;
+    EXPECT_THROW(ReadPrintFile(folder.Path()), std::exception);
+}
+
+TEST(PrintFile, AJobMadeByHandIsSound) {
+    EXPECT_EQ(ErrorOf(Opening() + kBeforeRows + kRows + kBlockEnd + kPageEnd + kJobEnd + kExit), "none");
+    EXPECT_EQ(ErrorOf(Opening() + kJobStart + MakeRecord('j', NumberBytes(0)) + kExit), "none");
+}
+
+TEST(PrintFile, NamesTheRecordThatShouldHaveCome) {
+    EXPECT_EQ(ErrorIn("", kPageStart, 0), "page start; expected job start");
+    EXPECT_EQ(ErrorIn(kJobStart, kPageStart, 0),
+              "page start; expected a resolution command ESC*o, a number from -128 to 127, M");
+    EXPECT_EQ(ErrorIn(kJobStart + kResolution, kBlockStart, 0), "block start; expected page start");
+    EXPECT_EQ(ErrorIn(kJobStart + kResolution + kPageStart, kRows, 0), "rows; expected block start");
+    EXPECT_EQ(ErrorIn(kBeforeRows, kBlockEnd, 0), "block end; expected rows");
+    EXPECT_EQ(ErrorIn(kBeforeRows + kRows, kPageEnd, 0), "page end; expected block end");
+    EXPECT_EQ(ErrorIn(kBeforeRows + kRows + kBlockEnd, kBlockStart, 0), "block start; expected page end");
+    EXPECT_EQ(ErrorIn(kBeforeRows + kRows, MakeRecord('x', "1234"), 0),
+              "record type 120; expected block end");
+}
+
+TEST(PrintFile, ChecksEveryNumber) {
+    const auto numbers = [](std::initializer_list<uint32_t> list) {
+        std::string bytes;
+        for (const uint32_t number : list) bytes += NumberBytes(number);
+        return bytes;
+    };
+    EXPECT_EQ(ErrorIn("", MakeRecord('J', numbers({2, 1})), 5), "stream version 2; expected 1");
+    EXPECT_EQ(ErrorIn("", MakeRecord('J', numbers({1, 3})), 9), "resolution mode 3; expected 0 to 2");
+    const std::string beforePage = kJobStart + kResolution;
+    EXPECT_EQ(ErrorIn(beforePage, MakeRecord('P', numbers({2, 1, 1})), 5), "page number 2; expected 1");
+    EXPECT_EQ(ErrorIn(beforePage, MakeRecord('P', numbers({1, 0, 1})), 9),
+              "page width 0; expected 1 to 4294967295");
+    EXPECT_EQ(ErrorIn(beforePage, MakeRecord('P', numbers({1, 1, 0})), 13),
+              "page length 0; expected 1 to 4294967295");
+    const std::string beforeBlock = beforePage + kPageStart;
+    EXPECT_EQ(ErrorIn(beforeBlock, MakeRecord('B', numbers({16385, 3, 2})), 5),
+              "block top 16385; expected 0 to 16384");
+    EXPECT_EQ(ErrorIn(beforeBlock, MakeRecord('B', numbers({0, 0, 2})), 9),
+              "row width 0; expected 1 to 32768");
+    EXPECT_EQ(ErrorIn(beforeBlock, MakeRecord('B', numbers({0, 32769, 2})), 9),
+              "row width 32769; expected 1 to 32768");
+    EXPECT_EQ(ErrorIn(beforeBlock, MakeRecord('B', numbers({0, 3, 16385})), 13),
+              "row count 16385; expected 1 to 16384");
+    const std::string beforeEnd = kBeforeRows + kRows;
+    EXPECT_EQ(ErrorIn(beforeEnd, MakeRecord('b', numbers({3})), 5),
+              "number of rows handed over 3; expected 2");
+    EXPECT_EQ(ErrorIn(beforeEnd + kBlockEnd, MakeRecord('p', numbers({2})), 5), "page number 2; expected 1");
+    EXPECT_EQ(ErrorIn(beforeEnd + kBlockEnd + kPageEnd, MakeRecord('j', numbers({0})), 5),
+              "page count 0; expected 1");
+}
+
+TEST(PrintFile, ChecksTheSizeOfEveryRecord) {
+    EXPECT_EQ(ErrorIn("", MakeRecord('J', std::string(9, 'x')), 1), "size of job start 9; expected 8");
+    EXPECT_EQ(ErrorIn(kBeforeRows, MakeRecord('R', ""), 1), "size of rows 0; expected 1 to 32785");
+    EXPECT_EQ(ErrorIn(kBeforeRows, "R\xFF\xFF\xFF\xFF"s, 1), "size of rows 4294967295; expected 1 to 32785");
+}
+
+TEST(PrintFile, ChecksTheChecksumOfEveryRecord) {
+    std::string record = kJobStart;
+    record[5] ^= 2;
+    const std::string error = ErrorIn("", record, 13);
+    EXPECT_TRUE(error.starts_with("checksum of job start ")) << error;
+}
+
+TEST(PrintFile, ChecksTheResolutionCommand) {
+    for (const std::string bad : {"\x1B*oM", "\x1B*o128M", "\x1B*o-129M", "\x1B*o1", "\x1B*o1N", "\x1B*o 1M",
+                                  "\x1B*o99999999999M", "\x1B*o00000000M"}) {
+        EXPECT_EQ(
+            ErrorIn(kJobStart, bad, 0),
+            "a bad resolution command; expected a resolution command ESC*o, a number from -128 to 127, M")
+            << bad;
+    }
+}
+
+TEST(PrintFile, ChecksTheCodeOfEveryRow) {
+    const auto errorOfRows = [](const std::string& code, size_t within) {
+        return ErrorIn(kBeforeRows, MakeRecord('R', code), 5 + within);
+    };
+    EXPECT_EQ(errorOfRows("\x02", 1), "row 0 of page 1: the record ends within a row");
+    EXPECT_EQ(errorOfRows("\x03\x04", 1), "row 1 of page 1: the command does not fit into the row");
+    EXPECT_EQ(errorOfRows("\x02\x02", 1), "row 0 of page 1: the command does not fit into the row");
+    EXPECT_EQ(errorOfRows("\x00\x00\x00\x00\x00"s, 0),
+              "row 0 of page 1: the command does not fit into the row");
+    EXPECT_EQ(errorOfRows("\x00\xFF\xFF\xFF\xFF"s, 0),
+              "row 0 of page 1: the command does not fit into the row");
+    EXPECT_EQ(errorOfRows("\x00\x01\x00\x00"s, 0), "row 0 of page 1: the record ends within a count");
+    EXPECT_EQ(errorOfRows("\x43\x01\x02\x03"s, 0), "row 0 of page 1: the record ends within ink values");
+    EXPECT_EQ(errorOfRows("\x82\x01\x02\x03\x04\x05\x06\x07"s, 0),
+              "row 0 of page 1: the record ends within ink values");
+    EXPECT_EQ(errorOfRows("\xC3", 0), "row 0 of page 1: no such row command");
+}
+
+TEST(PrintFile, ABlockHasNoMoreRowsThanTheLargestOffsetAllows) {
+    const std::string rows = MakeRecord('R', std::string(2 + 4724, '\x03'));
+    EXPECT_EQ(ErrorIn(kBeforeRows, MakeRecord('R', std::string(2 + 4724 + 1, '\x03')), 5 + 2 + 4724),
+              "row 4727 of a block of at most 4726");
+    EXPECT_EQ(ErrorIn(kBeforeRows + rows, kRows, 5), "row 4727 of a block of at most 4726");
+}
+
+TEST(PrintFile, NothingFollowsTheClosingExit) {
+    const std::string whole = kBeforeRows + kRows + kBlockEnd + kPageEnd + kJobEnd;
+    EXPECT_EQ(ErrorIn(whole, kExit + "x", 0), "10 bytes that are not the closing universal exit ESC%-12345X");
+    EXPECT_EQ(ErrorIn(whole, "", 0), "0 bytes that are not the closing universal exit ESC%-12345X");
+}
+
+TEST(PrintFile, SaysWithinWhatTheFileEnds) {
+    EXPECT_EQ(ErrorIn("", "", 0), "the file ends within job start: 1 bytes expected, 0 left");
+    EXPECT_EQ(ErrorIn("", kJobStart.substr(0, 3), 1),
+              "the file ends within job start: 4 bytes expected, 2 left");
+    EXPECT_EQ(ErrorIn("", kJobStart.substr(0, 8), 5),
+              "the file ends within job start: 8 bytes expected, 3 left");
+    EXPECT_EQ(ErrorIn("", kJobStart.substr(0, 15), 13),
+              "the file ends within job start: 4 bytes expected, 2 left");
+    EXPECT_EQ(ErrorIn(kJobStart, "", 0), "the file ends without a job end");
+}
+
+TEST(PrintFile, EveryTruncationIsAnError) {
+    const std::string bytes = MakeFile({kSmallPage, {{7}}}, "@PJL SET COPIES=3\n@PJL JOB NAME=\"x\"\n");
+    for (size_t size = 0; size < bytes.size(); ++size) {
+        EXPECT_NE(ErrorOf(std::string_view(bytes).substr(0, size)), "none") << "cut to " << size << " bytes";
+    }
+}
+
+// In front of the records a changed byte may still be good PJL; in the records, only in the number of a
+// resolution command.
+TEST(PrintFile, EveryChangedByteOfTheRecordsIsAnError) {
+    const std::string sound = MakeFile({kSmallPage});
+    const size_t records = sound.find("STANDIN\n", sound.find("@PJL ENTER")) + 8;
+    const size_t number = sound.find(kResolution) + 3;
+    for (size_t at = records; at < sound.size(); ++at) {
+        for (int change = 1; change < 256; ++change) {
+            std::string bytes = sound;
+            bytes[at] = static_cast<char>(bytes[at] ^ change);
+            if (at == number && bytes[at] >= '0' && bytes[at] <= '9') continue;
+            ASSERT_NE(ErrorOf(bytes), "none") << "byte " << at << " xor " << change;
+        }
+    }
+}
+
+TEST(PrintFile, RandomDamageEndsInAnErrorOrInSoundPages) {
+    std::mt19937 random(99);
+    const std::string sound = MakeFile({kSmallPage, kSmallPage}, "@PJL SET COPIES=3\n@PJL JOB NAME=\"x\"\n");
+    for (int round = 0; round < 20'000; ++round) {
+        std::string bytes = sound;
+        for (size_t changes = 1 + random() % 4; changes > 0; --changes) {
+            const size_t at = random() % bytes.size();
+            switch (random() % 3) {
+                case 0:
+                    bytes[at] = static_cast<char>(random());
+                    break;
+                case 1:
+                    bytes.erase(at, random() % 8);
+                    break;
+                default:
+                    bytes.insert(at, bytes.substr(random() % bytes.size(), random() % 20));
+            }
+        }
+        try {
+            const PrintFile file = ParsePrintFile(AsBytes(bytes));
+            for (const PrintedPage& page : file.pages) ASSERT_EQ(ReadRows(page).size(), page.rows);
+        } catch (const PrintFileError&) {
+        }
+    }
+}
+
+// Records with right checksums get past the first line of defence.
+TEST(PrintFile, RandomRowCodeEndsInAnErrorOrInSoundPages) {
+    std::mt19937 random(17);
+    for (int round = 0; round < 5'000; ++round) {
+        std::string code(1 + random() % 40, '\0');
+        for (char& each : code)
+            each = random() % 3 ? static_cast<char>(random() % 4) : static_cast<char>(random());
+        const std::string bytes =
+            Opening() + kBeforeRows + MakeRecord('R', code) + kBlockEnd + kPageEnd + kJobEnd + kExit;
+        try {
+            ASSERT_EQ(ReadRows(ParsePrintFile(AsBytes(bytes)).pages[0]).size(), 2u);
+        } catch (const PrintFileError&) {
+        }
+    }
+}
+
+}  // namespace orvex::tools::view

@@ -1,0 +1,263 @@
+#include "tools/orvexview/viewing.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <set>
+#include <sstream>
+
+#include "tests/kit/scratch_folder.h"
+#include "tests/tools/orvexview/made_files.h"
+#include "tools/common/png_page.h"
+#include "tools/common/wide_text.h"
+
+namespace orvex::tools::view {
+
+namespace fs = std::filesystem;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+namespace {
+
+// A label of 3 x 2 pixels, sent turned; two pages of it.
+const Rows kPageRows = {{0x000000FF, 0}, {0, 0}, {0, 0x0000FF00}};
+const std::vector<Setting> kSettings = {{"COPIES", 2}, {"ORIGX", 3}, {"ORIGY", 2}, {"PHOFFSET", 20}};
+
+class ViewingTest : public testing::Test {
+  protected:
+    ViewingTest() { options_.file = Name("\xC3\xA9tiquette.prn"); }
+
+    std::string Name(const std::string& name) const {
+        return Utf8FromPath(folder_.Path() / PathFromUtf8(name));
+    }
+
+    void PrintLabels(const std::string& lines = SettingLines(kSettings)) {
+        WriteBytes(PathFromUtf8(options_.file), MakeFile({kPageRows, kPageRows}, lines, kMode300Dpi));
+    }
+
+    std::string Show() {
+        std::ostringstream out;
+        ShowPrintFile(options_, out);
+        return out.str();
+    }
+
+    std::string Complaint() {
+        try {
+            Show();
+        } catch (const std::exception& error) {
+            return error.what();
+        }
+        return "none";
+    }
+
+    // Names of all files but the print file.
+    std::set<std::string> Written() const {
+        std::set<std::string> names;
+        for (const auto& entry : fs::directory_iterator(folder_.Path())) {
+            names.insert(Utf8FromPath(entry.path().filename()));
+        }
+        names.erase("\xC3\xA9tiquette.prn");
+        return names;
+    }
+
+    std::vector<uint32_t> Pixels(const std::string& name) const {
+        const RasterImage image = LoadPng(PathFromUtf8(Name(name)));
+        return {image.pixels.get(), image.pixels.get() + size_t{image.width} * image.height};
+    }
+
+    ScratchFolder folder_;
+    Options options_;
+};
+
+}  // namespace
+
+TEST_F(ViewingTest, ShowsTheHeaderAsATable) {
+    PrintLabels("@PJL SET COPIES=2\n@PJL JOB NAME=\"Caf\xC3\xA9\x01\"\n@PJL SET QRV_THUMBNAIL=\"Zm9v\"\n");
+    options_.pictures = false;
+    EXPECT_THAT(
+        Show(),
+        HasSubstr("Setting        Value         Meaning\n"
+                  "-------------  ------------  ----------------------------------------\n"
+                  "COPIES         2             copies of the job\n"
+                  "JOB NAME       Caf\xC3\xA9\\x01      name of the document\n"
+                  "QRV_THUMBNAIL  4 characters  picture of the first page, PNG in base64\n"
+                  "\n"
+                  "Engine: Stand-in print stream 1. Made for inspection and tests; a printer does not "
+                  "read it.\n"
+                  "Resolution: 300 dpi\n"
+                  "Pages: 2\n"));
+}
+
+TEST_F(ViewingTest, ShowsTheGeometryOfEveryPage) {
+    PrintLabels();
+    options_.pictures = false;
+    const std::string text = Show();
+    EXPECT_THAT(text, HasSubstr("Page  Geometry                 Value\n"
+                                "----  -----------------------  "));
+    EXPECT_THAT(text, HasSubstr("1     label                    3 x 2 (0.3 x 0.2 mm)\n"
+                                "1     orientation              portrait\n"
+                                "1     rows handed over         3\n"
+                                "1     pixels in a row          2\n"
+                                "1     fill rows in front       none\n"
+                                "1     fill rows behind         none\n"
+                                "1     purge bar                none\n"
+                                "1     top offset of the block  none\n"
+                                "1     rows of the head         0 to 2 of 3510\n"
+                                "1     engine page              2448 x 86616 units (8.6 x 305.6 mm)\n"
+                                "1     resolution code          -1\n"
+                                "1     mean ink                 K 16.7 %  C 16.7 %  M 0.0 %  Y 0.0 %\n"
+                                "1     compressed to            27 bytes, 112.50 %\n"
+                                "2     label                    3 x 2 (0.3 x 0.2 mm)\n"));
+    EXPECT_TRUE(Written().empty());
+}
+
+TEST_F(ViewingTest, SaysWhatTheHeaderDoesNotTell) {
+    PrintLabels("");
+    options_.pictures = false;
+    EXPECT_THAT(Show(), HasSubstr("landscape, not told by the job header"));
+    options_.orientation = Orientation::kPortrait;
+    EXPECT_THAT(Show(), HasSubstr("portrait, not told by the job header"));
+}
+
+TEST_F(ViewingTest, ShowsPurgeBarFillAndOffsetsWithTheirLengths) {
+    Rows rows(3510, std::vector<uint32_t>(100 + 5 + 11 * 10));
+    const std::string lines = SettingLines({{"ORIGX", 100},
+                                            {"ORIGY", 3000},
+                                            {"FULLWIDTH", 1},
+                                            {"KWS", 1},
+                                            {"PURGEBAR", 2},
+                                            {"PURGEDOTS", 5},
+                                            {"PURGEGAP", 10},
+                                            {"ALIGN", 1},
+                                            {"PHOFFSET", 20}});
+    rows.resize(3510 - 2 * 24);  // 2.0 mm are 24 rows
+    EngineOutput output;
+    const uint64_t job = output.StartJob(kMode300Dpi);
+    HPCRLIB_PageStart(job, 24 * 215 + 2400, 86616);
+    HPCRLIB_RasterBlockStart(job, 0, 0, 215, 3510);
+    for (const auto& row : rows) HPCRLIB_RasterRow(job, row.data());
+    HPCRLIB_RasterBlockEnd(job);
+    HPCRLIB_PageEnd(job);
+    HPCRLIB_JobEnd(job);
+    WriteBytes(PathFromUtf8(options_.file), WithLines(output.File(), lines));
+    options_.pictures = false;
+    EXPECT_THAT(Show(), HasSubstr("1     label                    100 x 3000 (8.5 x 254.0 mm)\n"
+                                  "1     orientation              landscape\n"
+                                  "1     rows handed over         3462, announced 3510\n"
+                                  "1     pixels in a row          215\n"
+                                  "1     fill rows in front       231 (19.6 mm)\n"
+                                  "1     fill rows behind         231 (19.6 mm)\n"
+                                  "1     purge bar                115 (9.7 mm) behind\n"));
+}
+
+TEST_F(ViewingTest, WritesOnePictureOfEachPageBesideTheFile) {
+    PrintLabels();
+    const std::string text = Show();
+    EXPECT_THAT(text, HasSubstr("tiquette-page1.png: 3 x 2 pixels\n"));
+    EXPECT_THAT(Written(), ElementsAre("\xC3\xA9tiquette-page1.png", "\xC3\xA9tiquette-page2.png"));
+    EXPECT_THAT(Pixels("\xC3\xA9tiquette-page1.png"),
+                ElementsAre(0xFFFFFF, 0xFFFFFF, 0x1C1C1C, 0x2CA3D3, 0xFFFFFF, 0xFFFFFF));
+}
+
+TEST_F(ViewingTest, WritesInksAndLayoutOfTheChosenPageUnderThePrefix) {
+    PrintLabels();
+    options_.prefix = Name("look");
+    options_.pages = {2};
+    options_.inks = true;
+    options_.layout = true;
+    EXPECT_THAT(Show(), HasSubstr("look-page2-layout.png: 1219 x 49 pixels, 3 x 3 to one\n"));
+    EXPECT_THAT(Written(), ElementsAre("look-page2-C.png", "look-page2-K.png", "look-page2-M.png",
+                                       "look-page2-Y.png", "look-page2-layout.png", "look-page2.png"));
+    EXPECT_THAT(Pixels("look-page2-K.png"),
+                ElementsAre(0xFFFFFF, 0xFFFFFF, 0x000000, 0xFFFFFF, 0xFFFFFF, 0xFFFFFF));
+    EXPECT_THAT(Pixels("look-page2-C.png"),
+                ElementsAre(0xFFFFFF, 0xFFFFFF, 0xFFFFFF, 0x000000, 0xFFFFFF, 0xFFFFFF));
+}
+
+TEST_F(ViewingTest, RawPicturesAreAsSent) {
+    PrintLabels();
+    options_.raw = true;
+    options_.pages = {1};
+    Show();
+    EXPECT_THAT(Pixels("\xC3\xA9tiquette-page1.png"),
+                ElementsAre(0x1C1C1C, 0xFFFFFF, 0xFFFFFF, 0xFFFFFF, 0xFFFFFF, 0x2CA3D3));
+}
+
+TEST_F(ViewingTest, LargePagesAreScaledToFit) {
+    WriteBytes(PathFromUtf8(options_.file),
+               MakeFile({Rows(2, std::vector<uint32_t>(3201))}, "", kMode300Dpi));
+    EXPECT_THAT(Show(), HasSubstr("-page1.png: 1067 x 1 pixels, 3 x 3 to one\n"));
+    const RasterImage image = LoadPng(PathFromUtf8(Name("\xC3\xA9tiquette-page1.png")));
+    EXPECT_EQ(image.density->x, 3937) << "100 pixels per inch";
+    options_.scale = 1;
+    EXPECT_THAT(Show(), HasSubstr("-page1.png: 3201 x 2 pixels\n"));
+}
+
+TEST_F(ViewingTest, TakesTheThumbnailOut) {
+    PrintLabels("@PJL SET QRV_THUMBNAIL=\"iVBORw0KGgo=\"\n");
+    options_.pictures = false;
+    options_.thumbnail = Name("thumb.png");
+    EXPECT_THAT(Show(), HasSubstr("thumb.png: 8 bytes\n"));
+    EXPECT_EQ(ReadBytes(folder_.Path() / "thumb.png"), "\x89PNG\r\n\x1A\n");
+}
+
+TEST_F(ViewingTest, SaysThatThereIsNoThumbnail) {
+    PrintLabels();
+    options_.thumbnail = Name("thumb.png");
+    EXPECT_EQ(Complaint(), "the job header has no thumbnail");
+    PrintLabels("@PJL SET QRV_THUMBNAIL=\"abc\"\n");
+    EXPECT_EQ(Complaint(), "base64 text of 3 characters; expected a multiple of 4");
+    EXPECT_TRUE(Written().empty());
+}
+
+TEST_F(ViewingTest, VerifiesAPageAgainstItsPicture) {
+    PrintLabels();
+    options_.pages = {1};
+    Show();
+    options_.pictures = false;
+    options_.verify = Name("\xC3\xA9tiquette-page1.png");
+    EXPECT_THAT(Show(), HasSubstr("\n0 of 6 pixels differ\n"));
+}
+
+TEST_F(ViewingTest, SaysThatSizesDiffer) {
+    PrintLabels();
+    options_.raw = true;
+    options_.pages = {1};
+    Show();
+    options_.pictures = false;
+    options_.verify = Name("\xC3\xA9tiquette-page1.png");
+    EXPECT_EQ(Complaint(), "the page is 3 x 2 pixels, the picture 2 x 3; they can't be compared");
+}
+
+TEST_F(ViewingTest, AJobWithoutPagesHasNothingToVerify) {
+    std::string file(print_stream::kPjlOpening);
+    file += MakeRecord('J', NumberBytes(1) + NumberBytes(0)) + MakeRecord('j', NumberBytes(0));
+    WriteBytes(PathFromUtf8(options_.file), file + "\x1B%-12345X");
+    EXPECT_THAT(Show(), HasSubstr("Pages: 0\n"));
+    options_.verify = "page.png";
+    EXPECT_EQ(Complaint(), "there is no page to compare");
+}
+
+TEST_F(ViewingTest, NamesAPageThatIsNotThere) {
+    PrintLabels();
+    options_.pages = {1, 3};
+    EXPECT_EQ(Complaint(), "there is no page 3; the job has 2");
+    EXPECT_TRUE(Written().empty());
+}
+
+TEST_F(ViewingTest, NamesAPictureThatCanNotBeWritten) {
+    PrintLabels();
+    options_.prefix = Name("none/job");
+    EXPECT_THAT(Complaint(), HasSubstr("job-page1.png can't be written"));
+}
+
+TEST_F(ViewingTest, AFileThatIsNoPrintFileIsNamedByItsFirstBytes) {
+    WriteBytes(PathFromUtf8(options_.file), "GIF89a");
+    EXPECT_EQ(Complaint(), "offset 0: \"GIF89a\"; expected the universal exit ESC%-12345X");
+}
+
+TEST_F(ViewingTest, AFileThatIsNotThereIsSaidToBe) {
+    EXPECT_THAT(Complaint(), HasSubstr("can't open the file"));
+}
+
+}  // namespace orvex::tools::view

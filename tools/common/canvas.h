@@ -1,0 +1,40 @@
+// Drawing on a page: rectangles and text, cut at the page's edge.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+namespace orvex::tools {
+
+constexpr uint32_t kWhite = 0xFFFFFF;
+constexpr uint32_t kBlack = 0x000000;
+
+class Canvas {
+  public:
+    // `pixels` are 0x00RRGGBB, `stride` of them from row to row.
+    Canvas(uint32_t* pixels, int width, int height, size_t stride)
+        : pixels_(pixels), width_(width), height_(height), stride_(stride) {}
+
+    int Width() const { return width_; }
+    int Height() const { return height_; }
+
+    void Fill(int x, int y, int width, int height, uint32_t color);
+    // The outline of a rectangle, `thick` pixels inwards.
+    void Frame(int x, int y, int width, int height, int thick, uint32_t color);
+
+    // A line of text whose top left corner is given; `scale` pixels make a dot of the letters, which are
+    // about 7 dots high. What is not ASCII shows as "?".
+    void Text(int x, int y, int scale, std::string_view text, uint32_t color);
+    static int TextWidth(std::string_view text, int scale);
+
+  private:
+    uint32_t* pixels_;
+    int width_;
+    int height_;
+    size_t stride_;
+};
+
+constexpr int kTextLineDots = 12;  // from one line of text to the next
+
+}  // namespace orvex::tools

@@ -1,0 +1,45 @@
+#include "tools/common/help_format.h"
+
+#include <sstream>
+
+namespace orvex::tools {
+
+namespace {
+
+constexpr size_t kFirstColumn = 30;
+constexpr size_t kLineWidth = 100;
+
+}  // namespace
+
+// One blank line between groups.
+std::string HelpFormat::make_group(std::string group, bool isPositional,
+                                   std::vector<const CLI::Option*> options) const {
+    const std::string text = Formatter::make_group(group, isPositional, options);
+    return isPositional ? text + "\n" : text.substr(1);
+}
+
+std::string HelpFormat::make_option(const CLI::Option* option, bool isPositional) const {
+    std::string line = "  " + option->get_name(isPositional, !isPositional);
+    const std::string type = option->get_type_name();
+    if (!type.empty()) line += (type.starts_with('[') ? "" : " ") + type;
+    std::string out;
+    if (line.size() + 1 > kFirstColumn) {
+        out = line + "\n";
+        line.clear();
+    }
+    line.resize(kFirstColumn, ' ');
+    std::istringstream words(option->get_description());
+    bool fresh = true;
+    for (std::string word; words >> word;) {
+        if (!fresh && line.size() + 1 + word.size() > kLineWidth) {
+            out += line + "\n";
+            line.assign(kFirstColumn, ' ');
+            fresh = true;
+        }
+        line += (fresh ? "" : " ") + word;
+        fresh = false;
+    }
+    return out + line + "\n";
+}
+
+}  // namespace orvex::tools

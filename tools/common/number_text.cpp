@@ -1,0 +1,54 @@
+#include "tools/common/number_text.h"
+
+#include <charconv>
+
+namespace orvex::tools {
+
+namespace {
+
+constexpr size_t kMaxNumberLength = 32;
+
+// std::from_chars takes no plus sign.
+std::string_view WithoutPlus(std::string_view text) {
+    if (text.size() > 1 && text[0] == '+' && text[1] != '-') text.remove_prefix(1);
+    return text;
+}
+
+}  // namespace
+
+std::string DecimalText(double value, int digits) {
+    char text[400];
+    const auto end = std::to_chars(text, text + sizeof text, value, std::chars_format::fixed, digits).ptr;
+    return std::string(text, end);
+}
+
+std::string ShortDecimalText(double value, int digits) {
+    std::string text = DecimalText(value, digits);
+    if (text.find('.') == std::string::npos) return text;
+    text.erase(text.find_last_not_of('0') + 1);
+    if (text.ends_with('.')) text.pop_back();
+    return text;
+}
+
+std::optional<double> ParseNumber(std::string_view text) {
+    text = WithoutPlus(text);
+    if (text.empty() || text.size() > kMaxNumberLength) return std::nullopt;
+    double value = 0;
+    const auto [end, failure] =
+        std::from_chars(text.data(), text.data() + text.size(), value, std::chars_format::fixed);
+    // "inf" and "nan" are numbers to from_chars, but sizes to nobody.
+    const char last = text.back();
+    if (failure != std::errc() || end != text.data() + text.size()) return std::nullopt;
+    if (!(last >= '0' && last <= '9') && last != '.') return std::nullopt;
+    return value;
+}
+
+std::optional<int> ParseWhole(std::string_view text) {
+    text = WithoutPlus(text);
+    int value = 0;
+    const auto [end, failure] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (text.empty() || failure != std::errc() || end != text.data() + text.size()) return std::nullopt;
+    return value;
+}
+
+}  // namespace orvex::tools

@@ -1,0 +1,13 @@
+// The arguments of a program as UTF-8.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace orvex::tools {
+
+// The arguments without the program's name. On Windows those of main() lack the characters that the code page
+// lacks; they are taken from the command line instead, and the console is told that output is UTF-8.
+std::vector<std::string> Utf8Arguments(int count, char** arguments);
+
+}  // namespace orvex::tools

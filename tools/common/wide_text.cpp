@@ -1,0 +1,96 @@
+#include "tools/common/wide_text.h"
+
+#include <algorithm>
+#include <climits>
+
+#ifndef _WIN32
+#include "platform/posix/double.h"
+#endif
+
+namespace orvex::tools {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// Lengths of the conversion functions are signed 32-bit numbers; no text of the host comes near them.
+int Length(size_t length) {
+    return static_cast<int>(std::min<size_t>(length, INT_MAX));
+}
+
+std::u16string Widen(UINT page, std::string_view narrow) {
+    if (narrow.empty()) return {};
+    const int needed = MultiByteToWideChar(page, 0, narrow.data(), Length(narrow.size()), nullptr, 0);
+    std::u16string wide(static_cast<size_t>(std::max(needed, 0)), u'\0');
+    if (!wide.empty())
+        MultiByteToWideChar(page, 0, narrow.data(), Length(narrow.size()), AsWchar(wide), needed);
+    return wide;
+}
+
+std::string Narrow(UINT page, std::u16string_view wide) {
+    if (wide.empty()) return {};
+    const auto* text = reinterpret_cast<const WCHAR*>(wide.data());
+    const int needed = WideCharToMultiByte(page, 0, text, Length(wide.size()), nullptr, 0, nullptr, nullptr);
+    std::string narrow(static_cast<size_t>(std::max(needed, 0)), '\0');
+    if (!narrow.empty()) {
+        WideCharToMultiByte(page, 0, text, Length(wide.size()), narrow.data(), needed, nullptr, nullptr);
+    }
+    return narrow;
+}
+
+}  // namespace
+
+std::u16string Wide(std::string_view utf8) {
+    return Widen(CP_UTF8, utf8);
+}
+std::string Utf8(std::u16string_view wide) {
+    return Narrow(CP_UTF8, wide);
+}
+std::string Utf8(const WCHAR* wide) {
+    return Utf8(AsView(wide));
+}
+std::string Utf8FromNarrow(std::string_view narrow) {
+    return Utf8(Widen(CP_ACP, narrow));
+}
+std::string NarrowFromUtf8(std::string_view utf8) {
+    return Narrow(CP_ACP, Wide(utf8));
+}
+
+std::u16string_view AsView(const WCHAR* text) {
+    const auto* begin = reinterpret_cast<const char16_t*>(text);
+    return begin == nullptr ? std::u16string_view() : std::u16string_view(begin);
+}
+
+#ifdef _WIN32
+
+fs::path PathFromUtf8(std::string_view utf8) {
+    return Wide(utf8);
+}
+std::string Utf8FromPath(const fs::path& path) {
+    return Utf8(path.u16string());
+}
+std::u16string WindowsPath(const fs::path& path) {
+    return path.u16string();
+}
+fs::path MachinePath(std::string_view windowsPath) {
+    return PathFromUtf8(windowsPath);
+}
+
+#else
+
+fs::path PathFromUtf8(std::string_view utf8) {
+    return std::string(utf8);
+}
+std::string Utf8FromPath(const fs::path& path) {
+    return path.string();
+}
+std::u16string WindowsPath(const fs::path& path) {
+    return doubles::WindowsPath(path.string());
+}
+fs::path MachinePath(std::string_view windowsPath) {
+    return doubles::PosixPath(std::string(windowsPath).c_str());
+}
+
+#endif
+
+}  // namespace orvex::tools

@@ -1,0 +1,196 @@
+#include "tools/host/driver_session.h"
+
+#include <algorithm>
+
+#include "tools/common/wide_text.h"
+
+namespace orvex::tools {
+
+namespace {
+
+// Where a hook is to leave zeros, something else stands before.
+const HSURF kStalePattern = reinterpret_cast<HSURF>(uintptr_t{0x5A5A});
+
+// Records begin at addresses that suit them where the build minds; elsewhere the end of each is that of its
+// memory, whatever its size.
+#ifdef _WIN32
+constexpr size_t kRecordAlignment = 1;
+#else
+constexpr size_t kRecordAlignment = alignof(DEVMODEW);
+#endif
+
+constexpr char kDeviceNote[] = "the driver refused the device (DrvEnablePDEV)";
+constexpr char kSurfaceNote[] = "the driver made no page bitmap (DrvEnableSurface)";
+constexpr char kStartDocNote[] = "the driver refused the job (DrvStartDoc)";
+constexpr char kStartPageNote[] = "the driver refused the page (DrvStartPage)";
+constexpr char kSendPageNote[] = "the driver did not send the page (DrvSendPage)";
+constexpr char kOverwriteNote[] = "the driver wrote around a record that it was given";
+constexpr char kEndDocNote[] = "the driver did not end the job (DrvEndDoc)";
+
+}  // namespace
+
+Device::~Device() {
+    session_.DisableSurface(*this);
+    session_.DisablePdev(*this);
+}
+
+SURFOBJ* Device::Surface() const {
+    EngineSurface* const surface = session_.Graphics().FindSurface(surface_);
+    return surface == nullptr ? nullptr : &surface->Object();
+}
+
+DriverSession::DriverSession(const SessionSetup& setup)
+    : driver_(setup.driver),
+      shell_(setup.installation),
+      engine_(setup.engine),
+      printer_(spooler_.AddPrinter(setup.printerName, setup.driverName)),
+      printerHandle_(spooler_.Open(setup.printerName)) {
+    shell_.SetLanguage(setup.language);
+    graphics_.Attach(driver_.Module());
+    shell_.Attach(driver_.Module());
+    engine_.Attach(driver_.Module());
+    spooler_.Attach(driver_.Module());
+}
+
+DriverSession::~DriverSession() {
+    spooler_.Close(printerHandle_);
+}
+
+void DriverSession::AttachProgram() {
+    shell_.Attach(nullptr);
+    spooler_.Attach(nullptr);
+}
+
+void DriverSession::SetSink(Spooler::Sink sink) {
+    printer_.sink = [this, sink = std::move(sink)](std::string_view bytes) {
+        if (sink(bytes)) return true;
+        ++lostWrites_;
+        return false;
+    };
+}
+
+void DriverSession::RereadLogSwitch() {
+    // A job's start reads the switch first of all; without a device it is then refused.
+    SURFOBJ noDevice = {};
+    WCHAR noTitle[] = {0};
+    Hooks().startDoc(&noDevice, noTitle, 0);
+}
+
+std::unique_ptr<Device> DriverSession::EnablePdev(std::span<const uint8_t> deviceMode) {
+    std::unique_ptr<Device> device(new Device(*this));
+    device->deviceMode_ = std::make_unique<GuardedMemory>(deviceMode, kRecordAlignment);
+    device->handle_ = graphics_.AddDevice();
+    std::fill(std::begin(device->patterns_), std::end(device->patterns_), kStalePattern);
+    std::u16string name = Wide(printer_.name);
+    device->instance_ = Hooks().enablePdev(
+        deviceMode.empty() ? nullptr : device->DeviceMode(), nullptr, HS_DDI_MAX, device->patterns_,
+        sizeof(GDIINFO), reinterpret_cast<GDIINFO*>(device->capabilities_.Data()), sizeof(DEVINFO),
+        reinterpret_cast<DEVINFO*>(device->information_.Data()), device->handle_, AsWchar(name),
+        printerHandle_);
+    graphics_.SetInstance(device->handle_, device->instance_);
+    return device;
+}
+
+void DriverSession::CompletePdev(Device& device) {
+    Hooks().completePdev(device.instance_, device.handle_);
+}
+
+bool DriverSession::EnableSurface(Device& device) {
+    device.surface_ = Hooks().enableSurface(device.instance_);
+    return device.surface_ != nullptr;
+}
+
+bool DriverSession::StartDoc(Device& device, const std::string& title, DWORD jobId) {
+    std::u16string wideTitle = Wide(title);
+    return Hooks().startDoc(device.Surface(), AsWchar(wideTitle), jobId) != FALSE;
+}
+
+bool DriverSession::StartPage(Device& device) {
+    return Hooks().startPage(device.Surface()) != FALSE;
+}
+
+bool DriverSession::SendPage(Device& device) {
+    return Hooks().sendPage(device.Surface()) != FALSE;
+}
+
+bool DriverSession::EndDoc(Device& device, FLONG flags) {
+    return Hooks().endDoc(device.Surface(), flags) != FALSE;
+}
+
+void DriverSession::DisableSurface(Device& device) {
+    if (device.surface_ == nullptr) return;
+    Hooks().disableSurface(device.instance_);
+    device.surface_ = nullptr;
+}
+
+void DriverSession::DisablePdev(Device& device) {
+    if (device.handle_ == nullptr) return;
+    if (device.instance_ != nullptr) Hooks().disablePdev(device.instance_);
+    graphics_.ReleasePalette(device.Information().hpalDefault);
+    graphics_.RemoveDevice(device.handle_);
+    device.instance_ = nullptr;
+    device.handle_ = nullptr;
+}
+
+bool DriverSession::ResetPdev(Device& old, Device& fresh) {
+    return Hooks().resetPdev(old.instance_, fresh.instance_) != FALSE;
+}
+
+JobOutcome DriverSession::RunJob(const JobPlan& plan) {
+    const std::unique_ptr<Device> device = EnablePdev(plan.deviceMode);
+    if (device->Instance() == nullptr) return {.failure = kDeviceNote};
+    CompletePdev(*device);
+    if (!EnableSurface(*device)) return {.failure = kSurfaceNote};
+    const uint64_t refusals = engine_.Books().refusalCount;
+    JobOutcome outcome = RunDocument(*device, plan);
+    const bool intact = device->Intact();
+    DisableSurface(*device);
+    DisablePdev(*device);
+    if (outcome.Printed()) outcome.failure = intact ? Trouble(refusals) : kOverwriteNote;
+    return outcome;
+}
+
+JobOutcome DriverSession::RunDocument(Device& device, const JobPlan& plan) {
+    const uint64_t refusals = engine_.Books().refusalCount;
+    JobOutcome outcome;
+    const auto failed = [&](bool accepted, const char* note) {
+        outcome.failure = Trouble(refusals);
+        if (!accepted) outcome.failure = note + (outcome.failure.empty() ? "" : ": " + outcome.failure);
+        return !outcome.failure.empty();
+    };
+    // A document that did not start has no end.
+    if (failed(StartDoc(device, plan.title, plan.jobId), kStartDocNote)) {
+        if (engine_.Bound()) EndDoc(device, ED_ABORTDOC);
+        return outcome;
+    }
+    try {
+        for (size_t page = 0; page < plan.pages; ++page) {
+            if (failed(StartPage(device), kStartPageNote)) break;
+            if (plan.draw) plan.draw(page, *device.Surface());
+            if (failed(SendPage(device), kSendPageNote)) break;
+            ++outcome.pagesPrinted;
+        }
+    } catch (...) {
+        EndDoc(device, ED_ABORTDOC);
+        throw;
+    }
+    const std::string pageFailure = outcome.failure;
+    const bool ended = EndDoc(device, pageFailure.empty() ? 0 : ED_ABORTDOC);
+    if (pageFailure.empty()) {
+        failed(ended, kEndDocNote);
+    } else {
+        outcome.failure = pageFailure;
+    }
+    return outcome;
+}
+
+std::string DriverSession::Trouble(uint64_t refusalsBefore) const {
+    if (lostWrites_ > 0) return "a write to the spooler failed";
+    if (!graphics_.Complaints().empty()) return graphics_.Complaints().front();
+    const EngineBooks& books = engine_.Books();
+    if (books.refusalCount == refusalsBefore) return {};
+    return refusalsBefore < books.refusals.size() ? books.refusals[refusalsBefore]
+                                                  : "the print engine refused a call";
+}
+
+}  // namespace orvex::tools

@@ -1,0 +1,180 @@
+#include "tools/host/graphics_engine.h"
+
+#include <algorithm>
+#include <new>
+
+namespace orvex::tools {
+
+namespace {
+
+GraphicsEngine* current = nullptr;
+
+constexpr LONG kMaxExtentPx = 1 << 20;
+constexpr size_t kBytesPerPixel = 4;
+constexpr size_t kMaxRecords = 10000;  // erasures and complaints kept
+
+}  // namespace
+
+// The engine's functions as a driver imports them.
+struct EngineReplacements {
+    static HBITMAP APIENTRY CreateBitmap(SIZEL size, LONG stride, ULONG format, ULONG flags, PVOID bits) {
+        GraphicsEngine& engine = *current;
+        if (engine.Fails(EngineService::kCreateBitmap)) return nullptr;
+        if (size.cx <= 0 || size.cy <= 0 || size.cx > kMaxExtentPx || size.cy > kMaxExtentPx ||
+            format != BMF_32BPP || flags != BMF_TOPDOWN || bits != nullptr ||
+            stride < size.cx * static_cast<LONG>(kBytesPerPixel) || stride % 4 != 0) {
+            engine.Complain("EngCreateBitmap: not a 32-bit top-down bitmap");
+            return nullptr;
+        }
+        try {
+            return reinterpret_cast<HBITMAP>(AddSurface(engine, size, stride, format));
+        } catch (const std::bad_alloc&) {
+            SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+            return nullptr;
+        }
+    }
+
+    static BOOL APIENTRY AssociateSurface(HSURF handle, HDEV device, FLONG hooks) {
+        GraphicsEngine& engine = *current;
+        if (engine.Fails(EngineService::kAssociateSurface)) return FALSE;
+        EngineSurface* surface = engine.FindSurface(handle);
+        const auto found = engine.devices_.find(device);
+        if (surface == nullptr || found == engine.devices_.end()) {
+            engine.Complain("EngAssociateSurface: unknown surface or device");
+            return FALSE;
+        }
+        surface->hooks = hooks;
+        surface->Object().hdev = device;
+        surface->Object().dhpdev = found->second;
+        return TRUE;
+    }
+
+    static BOOL APIENTRY DeleteSurface(HSURF handle) {
+        GraphicsEngine& engine = *current;
+        if (engine.Fails(EngineService::kDeleteSurface)) return FALSE;
+        const EngineSurface* surface = engine.FindSurface(handle);
+        if (surface == nullptr) {
+            engine.Complain("EngDeleteSurface: unknown surface");
+            return FALSE;
+        }
+        if (!surface->bits->Intact() || !surface->object->Intact()) {
+            engine.Complain("EngDeleteSurface: something was written in front of the surface");
+        }
+        engine.surfaces_.erase(handle);
+        return TRUE;
+    }
+
+    static BOOL APIENTRY EraseSurface(SURFOBJ* object, RECTL* area, ULONG color) {
+        GraphicsEngine& engine = *current;
+        if (engine.Fails(EngineService::kEraseSurface)) return FALSE;
+        EngineSurface* surface = object == nullptr ? nullptr : engine.FindSurface(object->hsurf);
+        if (surface == nullptr || area == nullptr || area->left < 0 || area->top < 0 ||
+            area->right > surface->size.cx || area->bottom > surface->size.cy || area->left > area->right ||
+            area->top > area->bottom) {
+            engine.Complain("EngEraseSurface: unknown surface or an area outside it");
+            return FALSE;
+        }
+        if (engine.erasures_.size() < kMaxRecords) engine.erasures_.push_back({object, *area, color});
+        for (LONG y = area->top; y < area->bottom; ++y) {
+            auto* line = reinterpret_cast<ULONG*>(
+                surface->bits->Data() + static_cast<size_t>(y) * static_cast<size_t>(surface->stride));
+            std::fill(line + area->left, line + area->right, color);
+        }
+        return TRUE;
+    }
+
+    static HPALETTE APIENTRY CreatePalette(ULONG mode, ULONG colors, ULONG* entries, FLONG red, FLONG green,
+                                           FLONG blue) {
+        GraphicsEngine& engine = *current;
+        if (engine.Fails(EngineService::kCreatePalette)) return nullptr;
+        if (mode != PAL_RGB || colors != 0 || entries != nullptr || red != 0 || green != 0 || blue != 0) {
+            engine.Complain("EngCreatePalette: not an RGB palette without entries");
+            return nullptr;
+        }
+        engine.palettes_.push_back(reinterpret_cast<HPALETTE>(++engine.nextHandle_));
+        return engine.palettes_.back();
+    }
+
+    static HSURF AddSurface(GraphicsEngine& engine, SIZEL size, LONG stride, ULONG format) {
+        EngineSurface surface;
+        surface.size = size;
+        surface.stride = stride;
+        surface.format = format;
+        surface.bits =
+            std::make_unique<GuardedMemory>(static_cast<size_t>(stride) * static_cast<size_t>(size.cy));
+        surface.object = std::make_unique<GuardedMemory>(sizeof(SURFOBJ));
+        const auto handle = reinterpret_cast<HSURF>(++engine.nextHandle_);
+        SURFOBJ& object = surface.Object();
+        object.hsurf = handle;
+        object.sizlBitmap = size;
+        object.cjBits = static_cast<ULONG>(surface.bits->Size());
+        object.pvBits = surface.bits->Data();
+        object.pvScan0 = surface.bits->Data();
+        object.lDelta = stride;
+        object.iBitmapFormat = format;
+        object.iType = STYPE_BITMAP;
+        object.fjBitmap = BMF_TOPDOWN;
+        engine.surfaces_.emplace(handle, std::move(surface));
+        return handle;
+    }
+};
+
+GraphicsEngine::GraphicsEngine() {
+    current = this;
+}
+
+GraphicsEngine::~GraphicsEngine() {
+    current = nullptr;
+}
+
+void GraphicsEngine::Attach(HMODULE module) {
+    patches_.Attach(module, {{"EngCreateBitmap", &EngineReplacements::CreateBitmap},
+                             {"EngAssociateSurface", &EngineReplacements::AssociateSurface},
+                             {"EngDeleteSurface", &EngineReplacements::DeleteSurface},
+                             {"EngEraseSurface", &EngineReplacements::EraseSurface},
+                             {"EngCreatePalette", &EngineReplacements::CreatePalette}});
+}
+
+HDEV GraphicsEngine::AddDevice() {
+    const auto device = reinterpret_cast<HDEV>(++nextHandle_);
+    devices_[device] = nullptr;
+    return device;
+}
+
+void GraphicsEngine::SetInstance(HDEV device, DHPDEV instance) {
+    devices_[device] = instance;
+}
+
+void GraphicsEngine::RemoveDevice(HDEV device) {
+    devices_.erase(device);
+}
+
+EngineSurface* GraphicsEngine::FindSurface(HSURF surface) {
+    const auto found = surfaces_.find(surface);
+    return found == surfaces_.end() ? nullptr : &found->second;
+}
+
+void GraphicsEngine::ReleasePalette(HPALETTE palette) {
+    std::erase(palettes_, palette);
+}
+
+void GraphicsEngine::FailCall(EngineService service, uint32_t sparing) {
+    services_[static_cast<size_t>(service)].armed = true;
+    services_[static_cast<size_t>(service)].sparing = sparing;
+}
+
+bool GraphicsEngine::Fails(EngineService service) {
+    Service& state = services_[static_cast<size_t>(service)];
+    ++state.calls;
+    if (!state.armed || state.sparing-- > 0) return false;
+    state.armed = false;
+    SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+    return true;
+}
+
+void GraphicsEngine::Complain(const char* complaint) {
+    if (complaints_.size() < kMaxRecords) complaints_.emplace_back(complaint);
+    SetLastError(ERROR_INVALID_PARAMETER);
+}
+
+}  // namespace orvex::tools

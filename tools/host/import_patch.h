@@ -1,0 +1,38 @@
+// Points a function that a loaded module imports at another one, for as long as the patch lives. On Windows
+// it rewrites the module's import table; in the native build, where the driver calls doubles, it sets the
+// double's slot.
+//
+// This is how a host supplies the graphics engine and the spooler, and how tests make a platform call fail.
+// Patches of one function nest; they must end in reverse order.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "platform/windows.h"
+
+namespace orvex::tools {
+
+class ImportPatch {
+  public:
+    // `module` is the importing module, null for the program itself; natively it plays no part. `replacement`
+    // has the function's own signature, WINAPI included. When the module does not import `function`, nothing
+    // is patched and Original() is null.
+    ImportPatch(HMODULE module, const char* function, void* replacement);
+    ~ImportPatch();
+    ImportPatch(const ImportPatch&) = delete;
+    ImportPatch& operator=(const ImportPatch&) = delete;
+
+    // What the import pointed at before, to be called on from a replacement.
+    void* Original() const { return original_; }
+
+  private:
+    void** slot_ = nullptr;
+    void* original_ = nullptr;
+};
+
+// The names of all functions that a loaded module imports, sorted, "library #3" for one without a name;
+// natively those of all doubles.
+std::vector<std::string> ImportedFunctions(HMODULE module);
+
+}  // namespace orvex::tools

@@ -1,0 +1,92 @@
+#include "tools/host/shell_answers.h"
+
+#include <algorithm>
+#include <cstring>
+#include <stdexcept>
+
+#include "platform/shell.h"
+#include "tools/common/wide_text.h"
+
+namespace orvex::tools {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+ShellAnswers* current = nullptr;
+
+// The two folders that the driver puts behind the common application data folder.
+constexpr std::u16string_view kInstallationNames[] = {u"Quorvane", u"Orvex Series"};
+
+// What still has to fit behind the folder: "\profiles\" and a profile's name.
+constexpr size_t kRoomBehindFolder = 64;
+
+}  // namespace
+
+struct ShellReplacements {
+    static BOOL WINAPI SpecialFolder(HWND window, LPWSTR path, int folder, BOOL create) {
+        if (folder != CSIDL_COMMON_APPDATA) {
+            const auto original = current->patches_.Original("SHGetSpecialFolderPathW", &SpecialFolder);
+            return original(window, path, folder, create);
+        }
+        if (current->folderError_ != 0) {
+            SetLastError(current->folderError_);
+            return FALSE;
+        }
+        memcpy(path, current->folder_.c_str(), (current->folder_.size() + 1) * sizeof(WCHAR));
+        return TRUE;
+    }
+
+    // The two names put behind the bare folder stay away: it already is the installation folder.
+    static BOOL WINAPI Append(LPWSTR path, LPCWSTR more) {
+        if (AsView(path) == current->folder_) {
+            for (size_t i = 0; i < std::size(kInstallationNames); ++i) {
+                if (AsView(more) == kInstallationNames[i])
+                    return static_cast<int>(i) + 1 != current->failingAppend_;
+            }
+        }
+        return current->patches_.Original("PathAppendW", &Append)(path, more);
+    }
+
+    static int WINAPI LocaleInfo(LCID locale, LCTYPE type, LPWSTR buffer, int capacity) {
+        if (type != LOCALE_SABBREVLANGNAME || !current->language_) {
+            return current->patches_.Original("GetLocaleInfoW", &LocaleInfo)(locale, type, buffer, capacity);
+        }
+        const int needed = static_cast<int>(current->language_->size()) + 1;
+        if (capacity == 0) return needed;
+        if (capacity < needed) {
+            SetLastError(ERROR_INSUFFICIENT_BUFFER);
+            return 0;
+        }
+        memcpy(buffer, current->language_->c_str(), static_cast<size_t>(needed) * sizeof(WCHAR));
+        return needed;
+    }
+};
+
+ShellAnswers::ShellAnswers(const fs::path& installation) {
+    fs::path folder = fs::absolute(installation).lexically_normal();
+    if (!folder.has_filename()) folder = folder.parent_path();
+    folder_ = WindowsPath(folder);
+    if (folder_.size() + kRoomBehindFolder > MAX_PATH) {
+        throw std::runtime_error("the path of the installation folder is too long for the driver: " +
+                                 Utf8FromPath(installation));
+    }
+    current = this;
+}
+
+ShellAnswers::~ShellAnswers() {
+    current = nullptr;
+}
+
+void ShellAnswers::Attach(HMODULE module) {
+    patches_.Attach(module, {{"SHGetSpecialFolderPathW", &ShellReplacements::SpecialFolder},
+                             {"PathAppendW", &ShellReplacements::Append},
+                             {"GetLocaleInfoW", &ShellReplacements::LocaleInfo}});
+}
+
+void ShellAnswers::SetLanguage(std::optional<std::string> abbreviation) {
+    language_.reset();
+    if (abbreviation) language_ = Wide(*abbreviation);
+}
+
+}  // namespace orvex::tools

@@ -1,0 +1,266 @@
+#include "tools/host/spooler.h"
+
+#include <cstdio>
+#include <cstring>
+#include <stdexcept>
+
+#include "tools/common/wide_text.h"
+
+namespace orvex::tools {
+
+namespace {
+
+Spooler* current = nullptr;
+
+// Handles of a range that no kernel object has, each given out once.
+constexpr uintptr_t kFirstHandle = 0x5F000000;
+constexpr uintptr_t kHandleStep = 4;
+
+constexpr DWORD kMayAdminister = PRINTER_ACCESS_ADMINISTER | GENERIC_ALL;
+
+BOOL Refuse(DWORD code) {
+    SetLastError(code);
+    return FALSE;
+}
+
+template <typename Info>
+struct InfoText {
+    LPWSTR Info::*member;
+    std::u16string text;
+};
+
+// A size that says that there is a buffer where there is none.
+bool LacksBuffer(const void* buffer, DWORD size) {
+    return buffer == nullptr && size != 0;
+}
+
+// Answers a query for a record as Windows does: the record with its texts behind it, or the size that they
+// need.
+template <typename Info>
+BOOL AnswerRecord(Info info, std::initializer_list<InfoText<Info>> texts, LPBYTE buffer, DWORD size,
+                  LPDWORD needed) {
+    if (LacksBuffer(buffer, size)) return Refuse(ERROR_INVALID_USER_BUFFER);
+    *needed = sizeof info;
+    for (const auto& each : texts) *needed += static_cast<DWORD>((each.text.size() + 1) * sizeof(WCHAR));
+    if (size < *needed) return Refuse(ERROR_INSUFFICIENT_BUFFER);
+    BYTE* end = buffer + sizeof info;
+    for (const auto& each : texts) {
+        const size_t bytes = (each.text.size() + 1) * sizeof(WCHAR);
+        memcpy(end, each.text.c_str(), bytes);
+        info.*each.member = reinterpret_cast<LPWSTR>(end);
+        end += bytes;
+    }
+    memcpy(buffer, &info, sizeof info);
+    return TRUE;
+}
+
+// Answers a query for bytes: ERROR_MORE_DATA and the size needed when there is no room for all of them.
+DWORD AnswerBytes(std::string_view bytes, void* buffer, DWORD size, LPDWORD needed) {
+    if (LacksBuffer(buffer, size)) return ERROR_INVALID_USER_BUFFER;
+    *needed = static_cast<DWORD>(bytes.size());
+    if (size < bytes.size()) return ERROR_MORE_DATA;
+    if (!bytes.empty()) memcpy(buffer, bytes.data(), bytes.size());
+    return ERROR_SUCCESS;
+}
+
+}  // namespace
+
+struct SpoolerReplacements {
+    static BOOL WINAPI Write(HANDLE handle, LPVOID bytes, DWORD size, LPDWORD written) {
+        DWORD code = 0;
+        *written = 0;
+        if (current->Fails("WritePrinter", &code)) return Refuse(code);
+        const Spooler::OpenPrinter* open = current->Find(handle, "WritePrinter");
+        if (open == nullptr) return Refuse(ERROR_INVALID_HANDLE);
+        Spooler::Printer& printer = *open->printer;
+        const std::string_view taken(static_cast<const char*>(bytes), size);
+        if (!printer.sink) {
+            printer.written += taken;
+        } else if (!printer.sink(taken)) {
+            return Refuse(ERROR_WRITE_FAULT);
+        }
+        *written = size;
+        return TRUE;
+    }
+
+    static BOOL WINAPI Open(LPWSTR name, LPHANDLE handle, LPPRINTER_DEFAULTSW defaults) {
+        DWORD code = 0;
+        *handle = nullptr;
+        if (current->Fails("OpenPrinterW", &code)) return Refuse(code);
+        if (name == nullptr) return Refuse(ERROR_INVALID_PRINTER_NAME);
+        *handle =
+            current->Open(Utf8(name), defaults != nullptr ? defaults->DesiredAccess : PRINTER_ACCESS_USE);
+        return *handle != nullptr ? TRUE : Refuse(ERROR_INVALID_PRINTER_NAME);
+    }
+
+    static BOOL WINAPI Get(HANDLE handle, DWORD level, LPBYTE buffer, DWORD size, LPDWORD needed) {
+        DWORD code = 0;
+        *needed = 0;
+        if (current->Fails("GetPrinterW", &code)) return Refuse(code);
+        const Spooler::OpenPrinter* open = current->Find(handle, "GetPrinterW");
+        if (open == nullptr) return Refuse(ERROR_INVALID_HANDLE);
+        if (level != 2) return Refuse(ERROR_INVALID_LEVEL);
+        using Info = PRINTER_INFO_2W;
+        return AnswerRecord<Info>({},
+                                  {{&Info::pPrinterName, Wide(open->printer->name)},
+                                   {&Info::pDriverName, Wide(open->printer->driverName)},
+                                   {&Info::pShareName, u""},
+                                   {&Info::pPortName, u"FILE:"},
+                                   {&Info::pComment, u""},
+                                   {&Info::pLocation, u""},
+                                   {&Info::pSepFile, u""},
+                                   {&Info::pPrintProcessor, u"winprint"},
+                                   {&Info::pDatatype, u"RAW"},
+                                   {&Info::pParameters, u""}},
+                                  buffer, size, needed);
+    }
+
+    static BOOL WINAPI GetDriver(HANDLE handle, LPWSTR, DWORD level, LPBYTE buffer, DWORD size,
+                                 LPDWORD needed) {
+        DWORD code = 0;
+        *needed = 0;
+        if (current->Fails("GetPrinterDriverW", &code)) return Refuse(code);
+        const Spooler::OpenPrinter* open = current->Find(handle, "GetPrinterDriverW");
+        if (open == nullptr) return Refuse(ERROR_INVALID_HANDLE);
+        if (level != 3) return Refuse(ERROR_INVALID_LEVEL);
+        using Info = DRIVER_INFO_3W;
+        Info info = {};
+        info.cVersion = 3;
+        return AnswerRecord<Info>(info,
+                                  {{&Info::pName, Wide(open->printer->driverName)},
+                                   {&Info::pEnvironment, u"Windows x64"},
+                                   {&Info::pDriverPath, u"orvexgdi.dll"},
+                                   {&Info::pDataFile, u""},
+                                   {&Info::pConfigFile, u""},
+                                   {&Info::pHelpFile, u""},
+                                   {&Info::pMonitorName, u""},
+                                   {&Info::pDefaultDataType, u"RAW"}},
+                                  buffer, size, needed);
+    }
+
+    static DWORD WINAPI EnumKey(HANDLE handle, LPCWSTR key, LPWSTR subKeys, DWORD size, LPDWORD needed) {
+        DWORD code = 0;
+        *needed = 0;
+        if (current->Fails("EnumPrinterKeyW", &code)) return code;
+        const Spooler::OpenPrinter* open = current->Find(handle, "EnumPrinterKeyW");
+        if (open == nullptr) return ERROR_INVALID_HANDLE;
+        const PrinterData& data = open->printer->data;
+        const std::string path = NarrowFromUtf8(Utf8(key));
+        if (!data.HasKey(path)) return ERROR_FILE_NOT_FOUND;
+        std::u16string names;
+        for (const std::string& name : data.SubKeys(path)) names += Wide(Utf8FromNarrow(name)) + u'\0';
+        names += u'\0';
+        return AnswerBytes({reinterpret_cast<const char*>(names.data()), names.size() * sizeof(char16_t)},
+                           subKeys, size, needed);
+    }
+
+    static DWORD WINAPI GetData(HANDLE handle, LPCSTR key, LPCSTR name, LPDWORD type, LPBYTE buffer,
+                                DWORD size, LPDWORD needed) {
+        DWORD code = 0;
+        *needed = 0;
+        if (current->Fails("GetPrinterDataExA", &code)) return code;
+        const Spooler::OpenPrinter* open = current->Find(handle, "GetPrinterDataExA");
+        if (open == nullptr) return ERROR_INVALID_HANDLE;
+        const PrinterValue* value = open->printer->data.Find(key, name);
+        if (value == nullptr) return ERROR_FILE_NOT_FOUND;
+        if (type != nullptr) *type = value->type;
+        return AnswerBytes(value->bytes, buffer, size, needed);
+    }
+
+    static DWORD WINAPI SetData(HANDLE handle, LPCSTR key, LPCSTR name, DWORD type, LPBYTE bytes,
+                                DWORD size) {
+        DWORD code = 0;
+        if (current->Fails("SetPrinterDataExA", &code)) return code;
+        const Spooler::OpenPrinter* open = current->Find(handle, "SetPrinterDataExA");
+        if (open == nullptr) return ERROR_INVALID_HANDLE;
+        if ((open->access & kMayAdminister) == 0) return ERROR_ACCESS_DENIED;
+        open->printer->data.Set(key, name, {type, std::string(reinterpret_cast<const char*>(bytes), size)});
+        return ERROR_SUCCESS;
+    }
+
+    static BOOL WINAPI Close(HANDLE handle) {
+        if (!current->IsOurs(handle)) return current->patches_.Original("CloseHandle", &Close)(handle);
+        DWORD code = 0;
+        if (current->Fails("CloseHandle", &code)) return Refuse(code);
+        return current->Close(handle) ? TRUE : Refuse(ERROR_INVALID_HANDLE);
+    }
+};
+
+Spooler::Spooler() {
+    if (current != nullptr) throw std::logic_error("there already is a spooler");
+    current = this;
+}
+
+Spooler::~Spooler() {
+    current = nullptr;
+}
+
+void Spooler::Attach(HMODULE module) {
+    patches_.Attach(module, {{"WritePrinter", &SpoolerReplacements::Write},
+                             {"OpenPrinterW", &SpoolerReplacements::Open},
+                             {"GetPrinterW", &SpoolerReplacements::Get},
+                             {"GetPrinterDriverW", &SpoolerReplacements::GetDriver},
+                             {"EnumPrinterKeyW", &SpoolerReplacements::EnumKey},
+                             {"GetPrinterDataExA", &SpoolerReplacements::GetData},
+                             {"SetPrinterDataExA", &SpoolerReplacements::SetData},
+                             {"CloseHandle", &SpoolerReplacements::Close}});
+}
+
+Spooler::Printer& Spooler::AddPrinter(std::string name, std::string driverName) {
+    return printers_.emplace_back(Printer{std::move(name), std::move(driverName), {}, {}, {}});
+}
+
+HANDLE Spooler::Open(std::string_view name, DWORD access) {
+    for (Printer& printer : printers_) {
+        if (printer.name != name) continue;
+        const auto handle = reinterpret_cast<HANDLE>(kFirstHandle + kHandleStep * handlesGiven_++);
+        open_[handle] = {&printer, access};
+        return handle;
+    }
+    return nullptr;
+}
+
+bool Spooler::Close(HANDLE handle) {
+    return Find(handle, "closing") != nullptr && open_.erase(handle) == 1;
+}
+
+void Spooler::FailCall(const std::string& function, int nth, DWORD code) {
+    Function& failing = functions_[function];
+    if (nth == kEveryCall) {
+        failing.failsAlways = true;
+        failing.alwaysCode = code;
+    } else {
+        failing.failures[failing.calls + nth] = code;
+    }
+}
+
+int Spooler::Calls(const std::string& function) const {
+    const auto found = functions_.find(function);
+    return found == functions_.end() ? 0 : found->second.calls;
+}
+
+bool Spooler::Fails(const char* name, DWORD* code) {
+    Function& function = functions_[name];
+    ++function.calls;
+    const auto failure = function.failures.find(function.calls);
+    if (failure == function.failures.end() && !function.failsAlways) return false;
+    *code = failure != function.failures.end() ? failure->second : function.alwaysCode;
+    return true;
+}
+
+const Spooler::OpenPrinter* Spooler::Find(HANDLE handle, const char* function) {
+    const auto found = open_.find(handle);
+    if (found != open_.end()) return &found->second;
+    char sentence[128];
+    snprintf(sentence, sizeof sentence, "%s: %s", function,
+             IsOurs(handle) ? "the printer handle is closed already" : "this is no printer handle");
+    misuses_.emplace_back(sentence);
+    return nullptr;
+}
+
+bool Spooler::IsOurs(HANDLE handle) const {
+    const auto value = reinterpret_cast<uintptr_t>(handle);
+    return value >= kFirstHandle && value < kFirstHandle + kHandleStep * handlesGiven_;
+}
+
+}  // namespace orvex::tools

@@ -1,0 +1,236 @@
+#include "tools/orvexprint/job_options.h"
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+
+#include "tools/common/help_format.h"
+#include "tools/common/number_text.h"
+#include "tools/common/wide_text.h"
+
+namespace orvex::tools::print {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr char kDescription[] =
+    "Prints PNG pages through the Orvex Series driver and writes what the printer would get into a file.\n";
+constexpr char kExamples[] = R"(Examples:
+  orvexprint -o label.prn label.png
+      prints a page at its real size, on the printer's default label
+  orvexprint --size 100x150mm --dpi 600 -o label.prn front.png back.png
+      two pages on a label of 100 mm by 150 mm at 600 dpi
+  orvexprint --label "Label 100 x 150 mm" --align centre --fit -o label.prn photo.png
+      a label of the printer's list (see --list), the picture scaled to it
+  orvexprint --size 60x40mm --purge-bar leading --dry-run
+      how the page would lie under the print head; nothing is printed
+  orvexprint --test-page --log trace -o test.prn
+      the self-test page, with the driver's own account of the job
+)";
+
+constexpr char kPages[] = "Page";
+constexpr char kColor[] = "Colour";
+constexpr char kOutput[] = "Output";
+constexpr char kPrinter[] = "Printer and program";
+
+constexpr int kLogErrors = 1;  // masks of the driver's log
+constexpr int kLogEverything = 3;
+constexpr int kLeastImageDpi = 10;
+constexpr int kMostImageDpi = 10000;
+constexpr const char* kLanguages[] = {"ENG", "FRA", "DEU", "CH", "ES", "JPN", "ENU"};
+constexpr char kLanguageRange[] = "ENG, FRA, DEU, CH, ES, JPN or ENU";
+
+// An option that takes a text; the last one given stands.
+CLI::Option* Add(CLI::App& app, const char* name, const char* type, const char* group,
+                 const std::string& help) {
+    return app.add_option(name)->description(help)->type_name(type)->group(group)->take_last();
+}
+
+void AddSetting(CLI::App& app, const Setting& setting) {
+    const std::string help = std::string(setting.help) + " (" + RangeText(setting) + ")";
+    if (setting.IsSwitch()) {
+        app.add_flag(setting.option)->description(setting.help)->type_name("[=off]")->group(setting.group);
+    } else {
+        Add(app, setting.option, setting.words.empty() ? "N" : "WORD", setting.group, help);
+    }
+}
+
+void AddPageOptions(CLI::App& app) {
+    app.add_option("PAGE")
+        ->description("PNG files, a page each, printed in that order at their real size")
+        ->type_name("FILE")
+        ->expected(1, -1)
+        ->allow_extra_args()
+        ->group(kPages);
+    app.add_flag("--test-page")
+        ->description("print the built-in self-test page instead of files")
+        ->group(kPages);
+    Add(app, "--size", "WxH", kPages,
+        "width and length of the label, in mm or in (" + PaperText(kLeastPaper) + " to " +
+            PaperText(kMostPaper) + ")");
+    Add(app, "--label", "NAME", kPages, "a label of the printer's list instead; see --list");
+    app.add_flag("--landscape")
+        ->description("turn the page: the label's length runs across it")
+        ->group(kPages);
+    app.add_flag("--portrait")->description("undo that where a loaded device mode says so")->group(kPages);
+    app.add_flag("--fit")
+        ->description("scale each page to the largest size that the label holds")
+        ->group(kPages);
+    app.add_flag("--smooth")
+        ->description(
+            "blend pixels where a page is enlarged, for photographs; bars and text stay sharper without")
+        ->group(kPages);
+    Add(app, "--image-dpi", "N", kPages,
+        "resolution of pages that name none themselves (10 to 10000 dpi); without it the job's own");
+}
+
+void AddOutputOptions(CLI::App& app) {
+    Add(app, "-o,--output", "FILE", kOutput, "where the print file goes; it appears when it is complete");
+    Add(app, "--title", "NAME", kOutput, "name of the job; without it the first page's");
+    app.add_flag("--dry-run")
+        ->description("show the settings and where the page lies, and print nothing")
+        ->group(kOutput);
+    app.add_flag("--list")->description("list the printer's labels and colour profiles")->group(kOutput);
+    Add(app, "--load-devmode", "FILE", kOutput, "begin with the settings of a device mode file (916 bytes)");
+    Add(app, "--save-devmode", "FILE", kOutput, "write the job's settings into such a file");
+}
+
+void AddPrinterOptions(CLI::App& app) {
+    Add(app, "--install", "DIR", kPrinter,
+        "installation folder of the driver; without it the folder \"install\" beside this program");
+    Add(app, "--engine", "FILE", kPrinter,
+        "raster library to print with; without it the hpcrlib.dll of the installation folder, or the one "
+        "beside this "
+        "program");
+    Add(app, "--printer-data", "FILE", kPrinter,
+        "keep the printer's label list in this file from run to run");
+    Add(app, "--language", "CODE", kPrinter,
+        std::string("language of profile names (") + kLanguageRange + "), where settings.inf names none");
+    Add(app, "--log", "LEVEL", kPrinter, "turn the driver's log on for this run (error or trace)");
+}
+
+// What was given for an option; none when it was not there.
+std::optional<std::string> Given(const CLI::App& app, const char* option) {
+    const CLI::Option* const found = app.get_option(option);
+    if (found->count() == 0) return std::nullopt;
+    return found->results().back();
+}
+
+bool IsGiven(const CLI::App& app, const char* option) {
+    return app.get_option(option)->count() > 0;
+}
+
+fs::path GivenPath(const CLI::App& app, const char* option) {
+    const auto text = Given(app, option);
+    if (text && text->empty()) throw OptionError(std::string(option) + " needs a name");
+    return PathFromUtf8(text.value_or(""));
+}
+
+void ReadWords(const CLI::App& app, JobOptions& options) {
+    if (const auto text = Given(app, "--image-dpi")) {
+        options.imageDpi = ParseWhole(*text);
+        if (!options.imageDpi || *options.imageDpi < kLeastImageDpi || *options.imageDpi > kMostImageDpi) {
+            throw WrongValue("--image-dpi", *text, "10 to 10000 dpi");
+        }
+    }
+    if (const auto text = Given(app, "--language")) {
+        const auto known = [&](const char* code) { return *text == code; };
+        if (std::none_of(std::begin(kLanguages), std::end(kLanguages), known)) {
+            throw WrongValue("--language", *text, kLanguageRange);
+        }
+        options.language = text;
+    }
+    if (const auto text = Given(app, "--log")) {
+        if (*text != "error" && *text != "trace") throw WrongValue("--log", *text, "error or trace");
+        options.logMask = *text == "error" ? kLogErrors : kLogEverything;
+    }
+    options.title = Given(app, "--title").value_or("");
+}
+
+void ReadPaths(const CLI::App& app, JobOptions& options) {
+    for (const std::string& page : app.get_option("PAGE")->results())
+        options.pages.push_back(PathFromUtf8(page));
+    options.output = GivenPath(app, "--output");
+    options.installation = GivenPath(app, "--install");
+    options.engine = GivenPath(app, "--engine");
+    options.printerData = GivenPath(app, "--printer-data");
+    options.loadMode = GivenPath(app, "--load-devmode");
+    options.saveMode = GivenPath(app, "--save-devmode");
+}
+
+void ReadSettings(const CLI::App& app, JobOptions& options) {
+    if (const auto text = Given(app, "--size")) options.size = ParsePaperSize(*text);
+    options.label = Given(app, "--label");
+    options.profile = Given(app, "--profile");
+    if (options.size && options.label) throw OptionError("--size and --label: give one of them");
+    for (const Setting& setting : Settings()) {
+        const auto text = Given(app, setting.option);
+        if (!text) continue;
+        const bool bare = setting.IsSwitch() && *text == "true";
+        options.settings.emplace_back(&setting, bare ? 1 : ParseSetting(setting, *text));
+    }
+    if (IsGiven(app, "--landscape") && IsGiven(app, "--portrait")) {
+        throw OptionError("--landscape and --portrait: give one of them");
+    }
+    const Setting& orientation = FindSetting("--orientation");
+    if (IsGiven(app, "--landscape")) options.settings.emplace_back(&orientation, DMORIENT_LANDSCAPE);
+    if (IsGiven(app, "--portrait")) options.settings.emplace_back(&orientation, DMORIENT_PORTRAIT);
+}
+
+// What is asked for must have something to work on.
+void CheckTask(const JobOptions& options) {
+    if (options.testPage && !options.pages.empty()) {
+        throw OptionError("--test-page prints no other pages; leave the files out");
+    }
+    const bool onlyLooks =
+        options.dryRun || options.list || (!options.saveMode.empty() && !options.HasPages());
+    if (onlyLooks) return;
+    if (!options.HasPages()) throw OptionError("no pages: name PNG files, or ask for the --test-page");
+    if (options.output.empty()) throw OptionError("no output: name a file with -o FILE");
+}
+
+class PrintHelpFormat : public HelpFormat {
+  public:
+    std::string make_usage(const CLI::App*, std::string name) const override {
+        return "Usage: " + name + " [options] -o FILE PAGE.png...\n";
+    }
+};
+
+}  // namespace
+
+std::optional<JobOptions> ParseJobOptions(const std::vector<std::string>& arguments, std::ostream& help) {
+    CLI::App app(kDescription, "orvexprint");
+    app.allow_windows_style_options(false);  // a name may begin with a slash
+    app.formatter(std::make_shared<PrintHelpFormat>());
+    app.footer(kExamples);
+    app.set_help_flag();
+
+    AddPageOptions(app);
+    for (const Setting& setting : Settings()) AddSetting(app, setting);
+    Add(app, "--profile", "FILE", kColor, "an installed colour profile; see --list");
+    AddOutputOptions(app);
+    AddPrinterOptions(app);
+    app.set_help_flag("-h,--help", "show this help")->group(kPrinter);
+    try {
+        app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
+    } catch (const CLI::CallForHelp&) {
+        help << app.help();
+        return std::nullopt;
+    } catch (const CLI::ParseError& error) {
+        throw OptionError(std::string(error.what()) + "; --help shows what there is");
+    }
+    JobOptions options;
+    options.testPage = IsGiven(app, "--test-page");
+    options.fit = IsGiven(app, "--fit");
+    options.smooth = IsGiven(app, "--smooth");
+    options.dryRun = IsGiven(app, "--dry-run");
+    options.list = IsGiven(app, "--list");
+    ReadPaths(app, options);
+    ReadWords(app, options);
+    ReadSettings(app, options);
+    CheckTask(options);
+    return options;
+}
+
+}  // namespace orvex::tools::print

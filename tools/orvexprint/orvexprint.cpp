@@ -1,0 +1,217 @@
+#include "tools/orvexprint/orvexprint.h"
+
+#include <chrono>
+#include <new>
+#include <stdexcept>
+
+#include "tools/common/number_text.h"
+#include "tools/common/output_file.h"
+#include "tools/common/png_page.h"
+#include "tools/common/progress.h"
+#include "tools/common/wide_text.h"
+#include "tools/host/driver_session.h"
+#include "tools/orvexprint/job_options.h"
+#include "tools/orvexprint/job_report.h"
+#include "tools/orvexprint/log_switch.h"
+#include "tools/orvexprint/page_placement.h"
+#include "tools/orvexprint/printer_settings.h"
+#include "tools/orvexprint/test_page.h"
+
+namespace orvex::tools::print {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr char kInstallationFolder[] = "install";
+constexpr char kEngineFile[] = "hpcrlib.dll";
+constexpr char kTestPageTitle[] = "Test page";
+
+// The driver works in the installation folder while a job runs, so no path may depend on the current one.
+void MakeAbsolute(fs::path& path) {
+    if (!path.empty()) path = fs::absolute(path);
+}
+
+void MakeAbsolute(JobOptions& options) {
+    for (fs::path& page : options.pages) MakeAbsolute(page);
+    for (fs::path* path : {&options.output, &options.installation, &options.engine, &options.printerData,
+                           &options.loadMode, &options.saveMode}) {
+        MakeAbsolute(*path);
+    }
+}
+
+fs::path FindInstallation(const JobOptions& options, const PrintEnvironment& environment) {
+    fs::path folder =
+        options.installation.empty() ? environment.programFolder / kInstallationFolder : options.installation;
+    std::error_code failure;
+    if (fs::is_directory(folder, failure)) return folder;
+    throw std::runtime_error("the installation folder " + Utf8FromPath(folder) + " is not there");
+}
+
+EngineSource FindEngine(const JobOptions& options, const PrintEnvironment& environment,
+                        const fs::path& installation) {
+    if (environment.engine) return *environment.engine;
+    std::error_code failure;
+    if (!options.engine.empty()) {
+        if (fs::is_regular_file(options.engine, failure)) return options.engine;
+        throw std::runtime_error("the raster library " + Utf8FromPath(options.engine) + " is not there");
+    }
+    const fs::path installed = installation / kEngineFile;
+    return fs::is_regular_file(installed, failure) ? installed : environment.programFolder / kEngineFile;
+}
+
+std::string JobTitle(const JobOptions& options) {
+    if (!options.title.empty()) return options.title;
+    return options.testPage ? kTestPageTitle : Utf8FromPath(options.pages.front().filename());
+}
+
+std::span<const uint8_t> BytesOf(const DeviceMode& mode) {
+    return {reinterpret_cast<const uint8_t*>(&mode), sizeof mode};
+}
+
+// The command's run, from checked options on.
+class PrintRun {
+  public:
+    PrintRun(const JobOptions& options, const PrintEnvironment& environment, const fs::path& installation)
+        : options_(options),
+          environment_(environment),
+          session_({.driver = environment.driver,
+                    .installation = installation,
+                    .engine = FindEngine(options, environment, installation),
+                    .language = options.language}) {
+        if (!options.printerData.empty() && fs::exists(options.printerData)) {
+            session_.Printer().data = PrinterData::Load(options.printerData);
+        }
+    }
+
+    void Run() {
+        if (options_.logMask != 0) session_.RereadLogSwitch();
+        const PrinterSettings settings(session_);
+        if (!options_.printerData.empty()) session_.Printer().data.Save(options_.printerData);
+        if (options_.list) PrintLists(environment_.out, settings);
+        const DeviceMode requested = settings.Requested(options_);
+        effective_ = settings.Effective(requested);
+        if (!options_.saveMode.empty()) {
+            WriteWholeFile(options_.saveMode,
+                           {reinterpret_cast<const char*>(&effective_), sizeof effective_});
+        }
+        if (options_.dryRun) {
+            ShowLayout(requested);
+        } else if (!options_.list && options_.HasPages()) {
+            Print(requested);
+        }
+    }
+
+  private:
+    size_t PageCount() const { return options_.testPage ? 1 : options_.pages.size(); }
+
+    PagePlacing PlacingOn(const PageBitmap& bitmap) const {
+        return {.pageWidth = bitmap.width,
+                .pageHeight = bitmap.height,
+                .dpi = static_cast<uint32_t>(bitmap.dpi),
+                .untaggedDpi = static_cast<double>(options_.imageDpi.value_or(bitmap.dpi)),
+                .fit = options_.fit,
+                .enlarging = options_.smooth ? Enlarging::kBlend : Enlarging::kNearest};
+    }
+
+    void ShowLayout(const DeviceMode& requested) {
+        const std::unique_ptr<Device> device = session_.EnablePdev(BytesOf(requested));
+        if (device->Instance() == nullptr)
+            throw std::runtime_error("the driver refused the device (DrvEnablePDEV)");
+        const GDIINFO& capabilities = device->Capabilities();
+        const PageBitmap bitmap = {capabilities.ulHorzRes, capabilities.ulVertRes,
+                                   static_cast<int>(capabilities.ulLogPixelsX)};
+        PrintLayout(environment_.out, effective_, bitmap);
+        if (options_.pages.empty()) return;
+        environment_.out << "\nPages\n";
+        for (const fs::path& path : options_.pages) {
+            const PagePlace place = PlaceOf(path, LoadPng(path), PlacingOn(bitmap));
+            environment_.out << "  " << Utf8FromPath(path.filename()) << ": " << place.width << " x "
+                             << place.height << " pixels, " << place.left << " from the left, " << place.top
+                             << " from the top\n";
+        }
+    }
+
+    static PagePlace PlaceOf(const fs::path& path, const RasterImage& image, const PagePlacing& placing) {
+        try {
+            return FindPlace(image, placing);
+        } catch (const PageError& error) {
+            throw PageError(Utf8FromPath(path) + " " + error.what());
+        }
+    }
+
+    void Draw(size_t page, SURFOBJ& surface) const {
+        const PageBitmap bitmap = {static_cast<uint32_t>(surface.sizlBitmap.cx),
+                                   static_cast<uint32_t>(surface.sizlBitmap.cy),
+                                   effective_.pub.dmPrintQuality};
+        auto* const pixels = static_cast<uint32_t*>(surface.pvScan0);
+        const size_t stride = static_cast<size_t>(surface.lDelta) / sizeof *pixels;
+        if (options_.testPage) {
+            Canvas canvas(pixels, static_cast<int>(bitmap.width), static_cast<int>(bitmap.height), stride);
+            DrawTestPage(canvas, bitmap.dpi, {PaperLine(effective_), SettingValues(effective_)});
+            return;
+        }
+        const fs::path& path = options_.pages[page];
+        const RasterImage image = LoadPng(path);
+        PlaceOf(path, image, PlacingOn(bitmap));
+        DrawPage(image, PlacingOn(bitmap), pixels, stride);
+    }
+
+    void Print(const DeviceMode& requested) {
+        const auto begin = std::chrono::steady_clock::now();
+        OutputFile output(options_.output);
+        session_.SetSink([&](std::string_view bytes) { return output.Write(bytes); });
+        Progress progress(environment_.error, environment_.terminal, PageCount());
+        session_.Engine().OnRow([&](const EnginePage& page, uint64_t number) {
+            progress.Show(number, page.rowsTaken, page.blockRows);
+        });
+        const JobOutcome outcome =
+            session_.RunJob({.deviceMode = BytesOf(requested),
+                             .title = JobTitle(options_),
+                             .pages = PageCount(),
+                             .draw = [&](size_t page, SURFOBJ& surface) { Draw(page, surface); }});
+        progress.Clear();
+        if (!outcome.Printed()) throw std::runtime_error("the job did not print: " + outcome.failure);
+        output.Complete();
+        const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - begin;
+        environment_.out << Utf8FromPath(options_.output) << ": " << outcome.pagesPrinted
+                         << (outcome.pagesPrinted == 1 ? " page, " : " pages, ")
+                         << session_.Engine().Books().rowsTaken << " rows, " << output.Size() << " bytes, "
+                         << DecimalText(seconds.count(), 2) << " seconds\n";
+    }
+
+    const JobOptions& options_;
+    const PrintEnvironment& environment_;
+    DriverSession session_;
+    DeviceMode effective_ = {};
+};
+
+}  // namespace
+
+int RunOrvexPrint(const std::vector<std::string>& arguments, const PrintEnvironment& environment) {
+    const auto complain = [&](const std::exception& error, int status) {
+        environment.error << "orvexprint: " << error.what() << "\n";
+        return status;
+    };
+    try {
+        std::optional<JobOptions> options = ParseJobOptions(arguments, environment.out);
+        if (!options) return kExitPrinted;
+        MakeAbsolute(*options);
+        const DriverLibrary driver(environment.driver);
+        std::optional<LogSwitch> log;
+        if (options->logMask != 0) {
+            log.emplace(driver.LogControlPath(), options->logMask);
+            environment.error << "the driver's log: " << driver.LogName() << "\n";
+        }
+        PrintRun(*options, environment, FindInstallation(*options, environment)).Run();
+        return kExitPrinted;
+    } catch (const OptionError& error) {
+        return complain(error, kExitUsage);
+    } catch (const std::bad_alloc&) {
+        return complain(std::runtime_error("there is not enough memory for this job"), kExitFailed);
+    } catch (const std::exception& error) {
+        return complain(error, kExitFailed);
+    }
+}
+
+}  // namespace orvex::tools::print

@@ -1,0 +1,77 @@
+#include "tools/orvexprint/page_placement.h"
+
+#include <algorithm>
+#include <cmath>
+#include <string>
+
+#include "tools/common/number_text.h"
+
+namespace orvex::tools::print {
+
+namespace {
+
+constexpr double kMetresPerInch = 0.0254;
+constexpr double kMmPerInch = 25.4;
+
+// A picture cut to the label's size in another program may be a pixel larger than this device's rounding of
+// it.
+constexpr double kSparePx = 1.5;
+
+// Pixels of the device along one axis, not rounded.
+double DevicePixels(uint32_t pixels, double perMetre, uint32_t dpi) {
+    return pixels / perMetre * (dpi / kMetresPerInch);
+}
+
+std::string Millimetres(double devicePixels, uint32_t dpi) {
+    return DecimalText(devicePixels * kMmPerInch / dpi, 1);
+}
+
+std::string SizeText(double width, double height, uint32_t dpi) {
+    return Millimetres(width, dpi) + " x " + Millimetres(height, dpi) + " mm";
+}
+
+uint32_t Rounded(double pixels, uint32_t most) {
+    return static_cast<uint32_t>(std::clamp(std::floor(pixels + 0.5), 1.0, static_cast<double>(most)));
+}
+
+}  // namespace
+
+PagePlace FindPlace(const RasterImage& image, const PagePlacing& placing) {
+    const double untagged = placing.untaggedDpi / kMetresPerInch;
+    const PixelDensity density = image.density.value_or(PixelDensity{untagged, untagged});
+    double width = DevicePixels(image.width, density.x, placing.dpi);
+    double height = DevicePixels(image.height, density.y, placing.dpi);
+    if (placing.fit) {
+        const double scale = std::min(placing.pageWidth / width, placing.pageHeight / height);
+        width *= scale;
+        height *= scale;
+    } else if (width > placing.pageWidth + kSparePx || height > placing.pageHeight + kSparePx) {
+        throw PageError("measures " + SizeText(width, height, placing.dpi) +
+                        " and is larger than the label of " +
+                        SizeText(placing.pageWidth, placing.pageHeight, placing.dpi) + "; --fit scales it");
+    } else if (width < 0.5 || height < 0.5) {
+        throw PageError("is smaller than a pixel of the printer: " + std::to_string(image.width) + " x " +
+                        std::to_string(image.height) + " pixels at " +
+                        DecimalText(density.x * kMetresPerInch, 0) + " x " +
+                        DecimalText(density.y * kMetresPerInch, 0) + " dpi; --fit scales it");
+    }
+    PagePlace place;
+    place.width = Rounded(width, placing.pageWidth);
+    place.height = Rounded(height, placing.pageHeight);
+    place.left = (placing.pageWidth - place.width) / 2;
+    place.top = (placing.pageHeight - place.height) / 2;
+    return place;
+}
+
+void DrawPage(const RasterImage& image, const PagePlacing& placing, uint32_t* bits, size_t stride) {
+    const PagePlace place = FindPlace(image, placing);
+    const bool asItIs = place.width == image.width && place.height == image.height;
+    RasterImage resampled;
+    if (!asItIs) resampled = Resample(image, place.width, place.height, placing.enlarging);
+    const RasterImage& sized = asItIs ? image : resampled;
+    for (uint32_t y = 0; y < place.height; ++y) {
+        std::copy_n(sized.Row(y), place.width, bits + (place.top + y) * stride + place.left);
+    }
+}
+
+}  // namespace orvex::tools::print

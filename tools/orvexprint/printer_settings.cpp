@@ -1,0 +1,101 @@
+#include "tools/orvexprint/printer_settings.h"
+
+#include <cstring>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+
+#include "driver/config/device_mode_operations.h"
+#include "driver/profiles/profile_catalogue.h"
+#include "driver/support/text.h"
+#include "tools/common/wide_text.h"
+
+namespace orvex::tools::print {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// Texts with a terminator each, up to an empty one.
+std::vector<std::string> TextsOf(const WCHAR* list) {
+    std::vector<std::string> texts;
+    while (list != nullptr && *list != 0) {
+        texts.push_back(Utf8(list));
+        list += TextLength(list) + 1;
+    }
+    return texts;
+}
+
+void ChooseProfile(DeviceMode& mode, const std::string& name,
+                   const std::vector<InstalledProfile>& installed) {
+    std::string names;
+    for (const InstalledProfile& profile : installed) {
+        if (profile.fileName == name) {
+            const std::u16string wide = Wide(name);
+            CopyText(mode.priv.colorProfile, {AsWchar(wide), wide.size()});
+            return;
+        }
+        names += (names.empty() ? "" : ", ") + profile.fileName;
+    }
+    throw WrongValue("--profile", name,
+                     installed.empty() ? "an installed profile, and none is installed" : names);
+}
+
+}  // namespace
+
+PrinterSettings::PrinterSettings(DriverSession& session) : session_(session) {
+    session_.AttachProgram();
+    const std::u16string name = Wide(session_.Printer().name);
+    SetupDefaultDevMode(&defaults_, AsWchar(name), session_.PrinterHandle());
+    labels_.resize(kMaxLabels);
+    uint32_t count = 0;
+    ReadPrinterLabelList(session_.PrinterHandle(), labels_.data(), kMaxLabels, &count);
+    labels_.resize(count);
+}
+
+std::vector<InstalledProfile> PrinterSettings::Profiles() const {
+    HeapArray<WCHAR> fileNames;
+    HeapArray<WCHAR> displayNames;
+    ListProfiles(nullptr, &fileNames, &displayNames);
+    const std::vector<std::string> files = TextsOf(fileNames.get());
+    const std::vector<std::string> names = TextsOf(displayNames.get());
+    std::vector<InstalledProfile> profiles;
+    for (size_t i = 0; i < files.size(); ++i)
+        profiles.push_back({files[i], i < names.size() ? names[i] : files[i]});
+    return profiles;
+}
+
+DeviceMode PrinterSettings::Requested(const JobOptions& options) const {
+    DeviceMode mode = options.loadMode.empty() ? defaults_ : LoadDeviceMode(options.loadMode);
+    if (options.size) ChoosePaperSize(mode, *options.size, defaults_);
+    if (options.label) ChooseLabel(mode, *options.label, labels_);
+    if (options.profile) ChooseProfile(mode, *options.profile, Profiles());
+    for (const auto& [setting, value] : options.settings) WriteSetting(mode, *setting, value);
+    return mode;
+}
+
+DeviceMode PrinterSettings::Effective(const DeviceMode& requested) const {
+    DeviceMode effective = defaults_;
+    DeviceMode source = requested;  // the merge may write to it
+    MergeDevMode(&effective, &source.pub, session_.PrinterHandle());
+    return effective;
+}
+
+DeviceMode LoadDeviceMode(const fs::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    if (!file) throw std::runtime_error("the device mode " + Utf8FromPath(path) + " can't be opened");
+    DeviceMode mode;
+    std::vector<char> bytes(sizeof mode + 1);
+    file.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    if (file.gcount() != sizeof mode) {
+        throw std::runtime_error(Utf8FromPath(path) + " is no device mode: it does not have 916 bytes");
+    }
+    memcpy(&mode, bytes.data(), sizeof mode);
+    if (mode.pub.dmSize != sizeof mode.pub || mode.pub.dmDriverExtra != sizeof mode.priv ||
+        mode.priv.signature != kPrivateSignature) {
+        throw std::runtime_error(Utf8FromPath(path) + " is no device mode of this driver");
+    }
+    return mode;
+}
+
+}  // namespace orvex::tools::print

@@ -1,0 +1,209 @@
+#include "tools/orvexprint/setting_table.h"
+
+#include <cmath>
+#include <cstring>
+
+#include "tools/common/number_text.h"
+
+namespace orvex::tools::print {
+
+namespace {
+
+constexpr double kMmPerInch = 25.4;
+
+constexpr SettingWord kSwitchWords[] = {{"on", 1}, {"off", 0}};
+constexpr SettingWord kOrientationWords[] = {{"portrait", DMORIENT_PORTRAIT},
+                                             {"landscape", DMORIENT_LANDSCAPE}};
+constexpr SettingWord kAlignmentWords[] = {
+    {"left", kAlignLeft}, {"centre", kAlignCentre}, {"right", kAlignRight}, {"center", kAlignCentre}};
+constexpr SettingWord kPurgeBarWords[] = {{"off", 0}, {"leading", 1}, {"trailing", 2}};
+constexpr SettingWord kGrayWords[] = {
+    {"off", kColorModeColor}, {"composite", kColorModeCompositeGray}, {"black", kColorModeBlackGray}};
+constexpr int kResolutionNumbers[] = {300, 600};
+constexpr int kPurgeDotsNumbers[] = {1, 5, 10};
+constexpr int kPurgeGapNumbers[] = {5, 10, 15};
+constexpr int kPurgeFreqNumbers[] = {0, 1, 2, 10, 20, 50};
+
+constexpr char kPaper[] = "Page";
+constexpr char kHead[] = "Print head";
+constexpr char kColor[] = "Colour";
+constexpr char kJob[] = "Job";
+
+#define PUBLIC(name) \
+    { offsetof(DeviceMode, pub) + offsetof(DEVMODEW, name), sizeof(DEVMODEW::name) }
+#define PRIVATE(name) \
+    { offsetof(DeviceMode, priv) + offsetof(PrivateDevMode, name), sizeof(PrivateDevMode::name) }
+
+#define SWITCH kSwitchWords, {}, 0, 0, 1, ""
+#define WORDS(words) words, {}, 0, 0, 1, ""
+#define ONE_OF(numbers, unit) {}, numbers, 0, 0, 1, unit
+#define RANGE(least, most, unit) {}, {}, least, most, 1, unit
+#define TENTHS_OF_MM(least, most) {}, {}, least, most, 10, "mm"
+
+// clang-format off
+constexpr Setting kSettings[] = {
+    {"--dpi", kPaper, PUBLIC(dmPrintQuality), ONE_OF(kResolutionNumbers, "dpi"), "resolution", DM_PRINTQUALITY},
+    {"--orientation", kPaper, PUBLIC(dmOrientation), WORDS(kOrientationWords), "how the page lies on the label; --landscape and --portrait are short for it", DM_ORIENTATION},
+    {"--rotate180", kPaper, PRIVATE(rotate180), SWITCH, "turn every page by half a turn"},
+    {"--mirror", kPaper, PRIVATE(mirrorImage), SWITCH, "mirror every page, for labels read through glass"},
+    {"--feed-side", kPaper, PRIVATE(feedSide), SWITCH, "feed side of the page, for the printer's own programs"},
+
+    {"--align", kHead, PRIVATE(alignment), WORDS(kAlignmentWords), "where the label runs under the print head"},
+    {"--print-head-offset", kHead, PRIVATE(phHOffset), TENTHS_OF_MM(-1000, 1000), "shift of the print across the label"},
+    {"--tof-offset", kHead, PRIVATE(phVOffset), TENTHS_OF_MM(-250, 250), "shift of the print along the label, from its top of form"},
+    {"--kws", kHead, PRIVATE(kws), SWITCH, "a faint pattern on blank pixels"},
+    {"--full-width", kHead, PRIVATE(kws_fullwidth), SWITCH, "fill the whole width of the print head; acts with --kws or a purge bar"},
+    {"--purge-bar", kHead, PRIVATE(purgeBar), WORDS(kPurgeBarWords), "a bar beside the page, ahead of it or behind"},
+    {"--purge-dots", kHead, PRIVATE(purgeDots), ONE_OF(kPurgeDotsNumbers, "pixels"), "width of the purge bar"},
+    {"--purge-gap", kHead, PRIVATE(purgeGap), ONE_OF(kPurgeGapNumbers, "mm"), "blank between purge bar and page"},
+    {"--purge-freq", kHead, PRIVATE(purgeFreq), ONE_OF(kPurgeFreqNumbers, "pages"), "a purge bar every so many pages; 0: on the first page only"},
+
+    {"--grey", kColor, PRIVATE(colorMode), WORDS(kGrayWords), "print grey, of all inks or of black alone"},
+    {"--overspray", kColor, PRIVATE(overspray), RANGE(0, 3, ""), "step of overspray"},
+    {"--colour-adjust", kColor, PRIVATE(colorAdjust), SWITCH, "mark the job as adjusted; the values below act without the mark"},
+    {"--brightness", kColor, PRIVATE(adj_brightness), RANGE(-100, 100, ""), "darker or brighter"},
+    {"--tone", kColor, PRIVATE(adj_colortone), RANGE(-100, 100, ""), "shift of the colour tone"},
+    {"--saturation", kColor, PRIVATE(adj_saturation), RANGE(-100, 100, ""), "greyer or more colourful"},
+    {"--cyan", kColor, PRIVATE(adj_cyan), RANGE(-100, 100, ""), "less or more cyan ink"},
+    {"--magenta", kColor, PRIVATE(adj_magenta), RANGE(-100, 100, ""), "less or more magenta ink"},
+    {"--yellow", kColor, PRIVATE(adj_yellow), RANGE(-100, 100, ""), "less or more yellow ink"},
+    {"--black", kColor, PRIVATE(adj_black), RANGE(-100, 100, ""), "less or more black ink"},
+
+    {"--copies", kJob, PUBLIC(dmCopies), RANGE(1, 10000, ""), "how often the printer prints the job", DM_COPIES},
+    {"--collate", kJob, PUBLIC(dmCollate), SWITCH, "whole copies of the job, one after the other", DM_COLLATE},
+    {"--private-copies", kJob, PRIVATE(copies), RANGE(1, 10000, ""), "a copy count of the printer's own programs", 0, PRIVATE(usePrivateCopies)},
+    {"--use-private-copies", kJob, PRIVATE(usePrivateCopies), SWITCH, "let that count stand"},
+    {"--chunk", kJob, PRIVATE(chunksize), RANGE(30, 10000, "pages"), "print the job in pieces of so many pages", 0, PRIVATE(chunkActive)},
+    {"--chunked", kJob, PRIVATE(chunkActive), SWITCH, "printing in pieces at all"},
+    {"--job-capture", kJob, PRIVATE(jobCapture), SWITCH, "let the printer capture the job"},
+    {"--no-print", kJob, PRIVATE(noPrint), SWITCH, "let the printer take the job without printing it"},
+    {"--stitched", kJob, PRIVATE(stitched), SWITCH, "mark the job as stitched"},
+    {"--print-setting", kJob, PRIVATE(printSetting), RANGE(0, 3, ""), "a number for the printer's own programs"},
+};
+// clang-format on
+
+std::string NumberText(const Setting& setting, int value) {
+    return DecimalText(static_cast<double>(value) / setting.perUnit, setting.perUnit == 1 ? 0 : 1);
+}
+
+// "a", "a or b", "a, b or c".
+std::string Listed(const std::string& list, const std::string& item, bool last) {
+    if (list.empty()) return item;
+    return list + (last ? " or " : ", ") + item;
+}
+
+// One pixel, many pixels.
+std::string WithUnit(const Setting& setting, const std::string& text) {
+    std::string_view unit = setting.unit;
+    if (unit.empty()) return text;
+    if (text == "1" && unit.ends_with('s')) unit.remove_suffix(1);
+    return text + " " + std::string(unit);
+}
+
+// The number without a unit behind it, in the setting's unit; blanks between them are allowed.
+std::optional<double> NumberInUnit(const Setting& setting, std::string_view text) {
+    const auto numberBefore = [&](std::string_view unit) -> std::optional<double> {
+        if (unit.empty() || !text.ends_with(unit)) return std::nullopt;
+        std::string_view number = text.substr(0, text.size() - unit.size());
+        while (number.ends_with(' ')) number.remove_suffix(1);
+        return ParseNumber(number);
+    };
+    if (const auto number = ParseNumber(text)) return number;
+    if (const auto number = numberBefore(setting.unit)) return number;
+    if (std::string_view(setting.unit) != "mm") return std::nullopt;
+    const auto inches = numberBefore("in");
+    if (!inches) return std::nullopt;
+    return std::round(*inches * kMmPerInch * setting.perUnit) / setting.perUnit;
+}
+
+bool Takes(const Setting& setting, int value) {
+    for (const int each : setting.numbers) {
+        if (each == value) return true;
+    }
+    return setting.numbers.empty() && value >= setting.least && value <= setting.most;
+}
+
+}  // namespace
+
+bool Setting::IsSwitch() const {
+    return words.data() == kSwitchWords;
+}
+
+std::span<const Setting> Settings() {
+    return kSettings;
+}
+
+const Setting& FindSetting(std::string_view option) {
+    for (const Setting& setting : kSettings) {
+        if (setting.option == option) return setting;
+    }
+    throw std::logic_error("no setting " + std::string(option));
+}
+
+int ReadSetting(const DeviceMode& mode, const Setting& setting) {
+    // The field becomes the upper end of a word, so that the shift brings its sign along.
+    const auto* const bytes = reinterpret_cast<const uint8_t*>(&mode) + setting.field.offset;
+    const size_t missing = sizeof(int32_t) - setting.field.size;
+    int32_t value = 0;
+    memcpy(reinterpret_cast<uint8_t*>(&value) + missing, bytes, setting.field.size);
+    return value >> (8 * missing);
+}
+
+void WriteSetting(DeviceMode& mode, const Setting& setting, int value) {
+    // The record is little-endian on every machine that it is exchanged between.
+    const int32_t dword = value;
+    auto* const bytes = reinterpret_cast<uint8_t*>(&mode);
+    memcpy(bytes + setting.field.offset, &dword, setting.field.size);
+    if (setting.switchedOn.size != 0) {
+        const int32_t on = 1;
+        memcpy(bytes + setting.switchedOn.offset, &on, setting.switchedOn.size);
+    }
+    mode.pub.dmFields |= setting.flag;
+}
+
+int ParseSetting(const Setting& setting, std::string_view text) {
+    for (const SettingWord& word : setting.words) {
+        if (word.word == text) return word.value;
+    }
+    if (setting.words.empty()) {
+        if (const auto number = NumberInUnit(setting, text)) {
+            const double steps = *number * setting.perUnit;
+            const double whole = std::round(steps);
+            if (std::abs(steps - whole) < 1e-6 && std::abs(whole) < 1e6 &&
+                Takes(setting, static_cast<int>(whole))) {
+                return static_cast<int>(whole);
+            }
+        }
+    }
+    throw WrongValue(setting.option, text, RangeText(setting));
+}
+
+std::string RangeText(const Setting& setting) {
+    std::string list;
+    if (!setting.words.empty()) {
+        // A second word for the same value is an other spelling.
+        size_t count = setting.words.size();
+        if (setting.words.data() == kAlignmentWords) --count;
+        for (size_t i = 0; i < count; ++i) list = Listed(list, setting.words[i].word, i + 1 == count);
+        return list;
+    }
+    for (size_t i = 0; i < setting.numbers.size(); ++i) {
+        list = Listed(list, NumberText(setting, setting.numbers[i]), i + 1 == setting.numbers.size());
+    }
+    if (list.empty()) list = NumberText(setting, setting.least) + " to " + NumberText(setting, setting.most);
+    return WithUnit(setting, list);
+}
+
+std::string ValueText(const Setting& setting, int value) {
+    for (const SettingWord& word : setting.words) {
+        if (word.value == value) return word.word;
+    }
+    return WithUnit(setting, NumberText(setting, value));
+}
+
+OptionError WrongValue(std::string_view option, std::string_view value, std::string_view range) {
+    return OptionError(std::string(option) + ": \"" + std::string(value) + "\" is not allowed; it takes " +
+                       std::string(range));
+}
+
+}  // namespace orvex::tools::print

@@ -1,0 +1,10 @@
+// orvexprofile: makes, converts and shows colour profiles.
+#include <iostream>
+
+#include "tools/orvexprofile/orvexprofile.h"
+
+using namespace orvex::tools::profile;
+
+int main(int argc, char** argv) {
+    return RunProfileTool(std::vector<std::string>(argv + 1, argv + argc), std::cout, std::cerr);
+}

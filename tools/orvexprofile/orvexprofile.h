@@ -1,0 +1,14 @@
+// The tool for colour profiles: orvexprofile COMMAND.
+#pragma once
+
+#include <ostream>
+#include <string>
+#include <vector>
+
+namespace orvex::tools::profile {
+
+// Runs the tool with the arguments that follow its name. Returns the exit status: 0, 1 when the command could
+// not do what was asked or `info` looked at a file that the driver refuses, or the command-line parser's own.
+int RunProfileTool(std::vector<std::string> arguments, std::ostream& out, std::ostream& err);
+
+}  // namespace orvex::tools::profile

@@ -1,0 +1,82 @@
+#include "tools/orvexprofile/profile.h"
+
+#include <bit>
+
+#include "tools/orvexprofile/ink.h"
+
+namespace orvex::tools::profile {
+
+// Entries are written and read as they lie in memory.
+static_assert(std::endian::native == std::endian::little);
+
+namespace {
+
+constexpr VersionLayout kLayouts[] = {
+    {256, false, false, "every colour, whole entries"},
+    {256, true, false, "every colour, one plane for each ink"},
+    {128, false, false, "every second value of each component, whole entries"},
+    {128, true, false, "every second value of each component, one plane for each ink"},
+    {17, false, true, "17 values of each component, whole entries"},
+};
+
+constexpr int kGridCell = 16;  // component values from one of 17 steps to the next
+
+}  // namespace
+
+const VersionLayout& LayoutOf(int version) {
+    return kLayouts[version - kFirstVersion];
+}
+
+uint32_t SampledComponent(int steps, int step) {
+    if (step == steps - 1) return 255;
+    return StoredComponent(steps, step);
+}
+
+uint32_t StoredComponent(int steps, int step) {
+    switch (steps) {
+        case 256:
+            return static_cast<uint32_t>(step);
+        case 128:
+            return static_cast<uint32_t>(2 * step);
+        default:
+            return step == steps - 1 ? 255u : static_cast<uint32_t>(kGridCell * step);
+    }
+}
+
+Variant SwapAxes(int steps, const Variant& variant) {
+    const size_t count = static_cast<size_t>(steps);
+    Variant swapped(variant.size());
+    for (size_t i = 0; i < variant.size(); ++i) {
+        const size_t slowest = i / count / count, middle = i / count % count, fastest = i % count;
+        swapped[(fastest * count + middle) * count + slowest] = variant[i];
+    }
+    return swapped;
+}
+
+void ForEachSampledRun(int version, const std::function<void(std::span<const uint32_t>)>& visit) {
+    const int steps = LayoutOf(version).steps;
+    std::vector<uint32_t> run(static_cast<size_t>(steps));
+    for (int red = 0; red < steps; ++red) {
+        for (int green = 0; green < steps; ++green) {
+            for (int blue = 0; blue < steps; ++blue) {
+                run[static_cast<size_t>(blue)] =
+                    ColorIndex(SampledComponent(steps, red), SampledComponent(steps, green),
+                               SampledComponent(steps, blue));
+            }
+            visit(run);
+        }
+    }
+}
+
+Variant SampleVariant(int version, const InkSource& source) {
+    Variant variant(LayoutOf(version).Entries());
+    std::span<uint32_t> rest = variant;
+    ForEachSampledRun(version, [&](std::span<const uint32_t> colors) {
+        source(colors, rest.first(colors.size()));
+        rest = rest.subspan(colors.size());
+    });
+    for (uint32_t& inks : variant) inks = AvoidMark(inks);
+    return variant;
+}
+
+}  // namespace orvex::tools::profile

@@ -1,0 +1,24 @@
+// orvexview: shows a print file.
+#include <exception>
+#include <iostream>
+
+#include "tools/common/utf8_arguments.h"
+#include "tools/orvexview/options.h"
+#include "tools/orvexview/viewing.h"
+
+using namespace orvex::tools;
+using namespace orvex::tools::view;
+
+int main(int argc, char** argv) {
+    int status = 0;
+    const std::optional<Options> options = ReadOptions(Utf8Arguments(argc, argv), status);
+    if (!options) return status;
+    try {
+        ShowPrintFile(*options, std::cout);
+        return 0;
+    } catch (const std::exception& error) {
+        std::cout.flush();
+        std::cerr << "orvexview: " << options->file << ": " << error.what() << "\n";
+        return 1;
+    }
+}

@@ -1,0 +1,34 @@
+// The pictures of a page.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+#include "tools/orvexview/page_placement.h"
+#include "tools/orvexview/picture.h"
+#include "tools/orvexview/print_file.h"
+
+namespace orvex::tools::view {
+
+// Part of a block, in pixels along the row and in rows, within the block.
+struct BlockArea {
+    uint32_t left = 0;
+    uint32_t top = 0;
+    uint32_t width = 0;
+    uint32_t rows = 0;
+};
+
+BlockArea ImageArea(const PagePlacement& placement);
+// The block with its fill rows and purge bar.
+BlockArea WholeBlock(const PrintedPage& page);
+
+// Pictures of part of a block as it was sent, row 0 at the top; `scale` x `scale` pixels become one.
+// Composite: all inks on white paper (3 channels). Ink: one ink alone, black on white (1 channel).
+Picture DrawComposite(const PrintFile& file, const PrintedPage& page, const BlockArea& area, uint32_t scale);
+Picture DrawInk(const PrintFile& file, const PrintedPage& page, const BlockArea& area, uint32_t scale,
+                int ink);
+
+// The picture turned as the label reads.
+Picture Upright(Picture picture, const PagePlacement& placement);
+
+}  // namespace orvex::tools::view

@@ -1,0 +1,146 @@
+#include "tools/orvexview/report.h"
+
+#include <array>
+
+#include "engine/print_stream.h"
+#include "tools/orvexview/header_meanings.h"
+#include "tools/orvexview/ink_model.h"
+#include "tools/orvexview/page_pictures.h"
+#include "tools/orvexview/printable_text.h"
+#include "tools/orvexview/table.h"
+
+namespace orvex::tools::view {
+
+namespace {
+
+constexpr double kMmPerInch = 25.4;
+
+std::string InMm(uint64_t pixels, uint32_t dpi) {
+    return DecimalText(static_cast<double>(pixels) * kMmPerInch / dpi, 1);
+}
+
+// A length in 1/7200 inch.
+std::string UnitsInMm(uint32_t units) {
+    return InMm(units, print_stream::kUnitsPerInch);
+}
+
+std::string PixelsAndMm(uint32_t pixels, uint32_t dpi) {
+    return pixels == 0 ? "none" : std::to_string(pixels) + " (" + InMm(pixels, dpi) + " mm)";
+}
+
+// The mean amount of every ink over the image, from 0 to 1.
+std::array<double, kInks> InkShares(const PrintFile& file, const PrintedPage& page,
+                                    const PagePlacement& placement) {
+    const InkModel model(file.dpi);
+    const BlockArea area = ImageArea(placement);
+    std::array<std::array<uint64_t, 256>, kInks> counts{};
+    RowReader reader(page);
+    for (uint32_t row = 0; row < area.top + area.rows; ++row) {
+        const std::span<const uint32_t> inkValues = reader.Next();
+        if (row < area.top) continue;
+        for (const uint32_t value : inkValues.subspan(area.left, area.width)) {
+            for (int ink = 0; ink < kInks; ++ink) ++counts[ink][InkAmount(value, ink)];
+        }
+    }
+    std::array<double, kInks> shares{};
+    for (int ink = 0; ink < kInks; ++ink) {
+        for (int amount = 0; amount < 256; ++amount) {
+            shares[ink] +=
+                static_cast<double>(counts[ink][amount]) * model.Share(static_cast<uint8_t>(amount));
+        }
+        shares[ink] /= static_cast<double>(uint64_t{area.width} * area.rows);
+    }
+    return shares;
+}
+
+std::string InkText(const PrintFile& file, const PrintedPage& page, const PagePlacement& placement) {
+    const std::array<double, kInks> shares = InkShares(file, page, placement);
+    std::string text;
+    for (int ink = 0; ink < kInks; ++ink) {
+        text += (ink == 0 ? "" : "  ") + std::string(1, kInkLetters[ink]) + " " +
+                DecimalText(100 * shares[ink], 1) + " %";
+    }
+    return text;
+}
+
+std::string LabelText(const PrintFile& file, const PagePlacement& placement) {
+    const bool portrait = placement.orientation == Orientation::kPortrait;
+    const uint32_t width = portrait ? placement.imageRows : placement.imageWidth;
+    const uint32_t height = portrait ? placement.imageWidth : placement.imageRows;
+    return SizeText(width, height) + " (" + InMm(width, file.dpi) + " x " + InMm(height, file.dpi) + " mm)";
+}
+
+std::string OrientationText(const PagePlacement& placement) {
+    const std::string name = placement.orientation == Orientation::kPortrait ? "portrait" : "landscape";
+    return placement.explained ? name : name + ", not told by the job header";
+}
+
+std::string RowsText(const PrintedPage& page) {
+    const std::string rows = std::to_string(page.rows);
+    if (page.rows == page.announcedRows) return rows;
+    return rows + ", announced " + std::to_string(page.announcedRows);
+}
+
+std::string PurgeText(const PrintFile& file, const PagePlacement& placement) {
+    const std::string width = PixelsAndMm(placement.purgeWidth, file.dpi);
+    if (placement.purgeWidth == 0) return width;
+    return width + (placement.PurgeLeads() ? " in front" : " behind");
+}
+
+std::string HeadText(const PrintedPage& page, const PagePlacement& placement) {
+    return std::to_string(placement.headTop) + " to " + std::to_string(placement.headTop + page.rows - 1) +
+           " of " + std::to_string(placement.headRows);
+}
+
+std::string EncodedText(const PrintedPage& page) {
+    const double raw = 4.0 * page.rowWidth * page.rows;
+    return std::to_string(page.EncodedSize()) + " bytes, " +
+           DecimalText(100.0 * static_cast<double>(page.EncodedSize()) / raw, 2) + " %";
+}
+
+void DescribePage(const PrintFile& file, const PrintedPage& page, const PagePlacement& placement,
+                  Table& table) {
+    const auto add = [&](const char* what, const std::string& value) {
+        table.Add({std::to_string(page.number), what, value});
+    };
+    add("label", LabelText(file, placement));
+    add("orientation", OrientationText(placement));
+    add("rows handed over", RowsText(page));
+    add("pixels in a row", std::to_string(page.rowWidth));
+    add("fill rows in front", PixelsAndMm(placement.imageTop, file.dpi));
+    add("fill rows behind", PixelsAndMm(placement.fillBottom, file.dpi));
+    add("purge bar", PurgeText(file, placement));
+    add("top offset of the block", PixelsAndMm(page.top, file.dpi));
+    add("rows of the head", HeadText(page, placement));
+    add("engine page", SizeText(page.width, page.length) + " units (" + UnitsInMm(page.width) + " x " +
+                           UnitsInMm(page.length) + " mm)");
+    add("resolution code", std::to_string(page.resolutionCode));
+    add("mean ink", InkText(file, page, placement));
+    add("compressed to", EncodedText(page));
+}
+
+}  // namespace
+
+std::string DescribeHeader(const PrintFile& file) {
+    Table table({"Setting", "Value", "Meaning"});
+    for (const HeaderVariable& variable : file.header.variables) {
+        table.Add({PrintableText(variable.name, 40), PrintableText(variable.value),
+                   MeaningOf(variable.name, variable.value)});
+    }
+    if (file.header.thumbnail) {
+        table.Add({"QRV_THUMBNAIL", std::to_string(file.header.thumbnail->size()) + " characters",
+                   "picture of the first page, PNG in base64"});
+    }
+    const std::string resolution =
+        file.resolutionMode == 2 ? "neither 300 nor 600 dpi" : std::to_string(file.dpi) + " dpi";
+    return table.Text() + "\nEngine: " + PrintableText(file.header.comment) + "\nResolution: " + resolution +
+           "\nPages: " + std::to_string(file.pages.size()) + "\n";
+}
+
+std::string DescribePages(const PrintFile& file, const std::vector<PagePlacement>& placements) {
+    Table table({"Page", "Geometry", "Value"});
+    for (size_t i = 0; i < file.pages.size(); ++i) DescribePage(file, file.pages[i], placements[i], table);
+    return table.Text();
+}
+
+}  // namespace orvex::tools::view

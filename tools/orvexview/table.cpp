@@ -1,0 +1,52 @@
+#include "tools/orvexview/table.h"
+
+#include <algorithm>
+#include <cstdio>
+
+namespace orvex::tools::view {
+
+namespace {
+
+// Characters of UTF-8 text; the continuation bytes are none.
+size_t CharacterCount(const std::string& text) {
+    return static_cast<size_t>(
+        std::count_if(text.begin(), text.end(), [](char byte) { return (byte & 0xC0) != 0x80; }));
+}
+
+std::string Line(const std::vector<std::string>& cells, const std::vector<size_t>& widths) {
+    std::string line;
+    for (size_t column = 0; column < cells.size(); ++column) {
+        line += cells[column];
+        if (column + 1 < cells.size()) line.append(widths[column] - CharacterCount(cells[column]) + 2, ' ');
+    }
+    line.erase(line.find_last_not_of(' ') + 1);
+    return line + "\n";
+}
+
+}  // namespace
+
+std::string Table::Text() const {
+    std::vector<size_t> widths(rows_[0].size());
+    for (const std::vector<std::string>& row : rows_) {
+        for (size_t column = 0; column < row.size(); ++column) {
+            widths[column] = std::max(widths[column], CharacterCount(row[column]));
+        }
+    }
+    std::vector<std::string> rule;
+    for (const size_t width : widths) rule.emplace_back(width, '-');
+    std::string text = Line(rows_[0], widths) + Line(rule, widths);
+    for (size_t row = 1; row < rows_.size(); ++row) text += Line(rows_[row], widths);
+    return text;
+}
+
+std::string SizeText(uint64_t width, uint64_t height) {
+    return std::to_string(width) + " x " + std::to_string(height);
+}
+
+std::string DecimalText(double number, int decimals) {
+    char text[64];
+    snprintf(text, sizeof text, "%.*f", decimals, number);
+    return text;
+}
+
+}  // namespace orvex::tools::view
