@@ -92,12 +92,16 @@ void FuzzToolProfile(std::span<const uint8_t> input) {
 Seeds ToolProfileSeeds() {
     const std::string tags = NameTag("Paper") + ResolutionTag(3, 6);
     const std::string unnamed = ResolutionTag('\x80', 0) + NameTag(std::string("zero\0inside", 11));
+    // The driver's mark in entries of colours with a component of 255.
+    const std::string marked =
+        std::string(3, '\xFF') + std::string(2, '\0') + std::string(7, '\xFF') + "\1\2\3";
     return {
         ProfileSeed(kProfileWhole + 5, tags, tags.size() + 3, "\xFF\xFF\xFF\xFF\1\2\3"),
         ProfileSeed(kProfileWhole + 5, unnamed, unnamed.size() + 3),
         ProfileSeed(kProfileCut + 5, tags, tags.size() + 3, "0123"),
         ProfileSeed(kProfileCut, NameTag("over") + Tag(1, "run"), 5),
         ProfileSeed(kProfileCut, Tag(2, "abc"), 9),
+        ProfileSeed(kProfileWhole + 5, tags, tags.size() + 3, marked, 0xFFFB0000),
         kProfileRaw + std::string("ZVC\5", 4) + Number32(18) + "????" + TagArea("\1\4"),
     };
 }

@@ -1,6 +1,20 @@
 #include "tools/orvexprofile/conversion.h"
 
+#include "tools/orvexprofile/ink.h"
+
 namespace orvex::tools::profile {
+
+namespace {
+
+// Returns the entries of the loaded profile as they are stored. A lookup would take an entry with the
+// driver's mark for one that is still to be computed, and mix other inks for it.
+Variant StoredEntries(int version) {
+    Variant entries = LoadedEntries(version);
+    for (uint32_t& inks : entries) inks = AvoidMark(inks);
+    return entries;
+}
+
+}  // namespace
 
 Profile ConvertProfile(const std::filesystem::path& path, int version) {
     Profile profile;
@@ -10,7 +24,8 @@ Profile ConvertProfile(const std::filesystem::path& path, int version) {
         profile.name = facts.Name();
         profile.codes = facts.Codes();
         (variant == PrintVariant::kAt600 ? profile.at600 : profile.other) =
-            SampleVariant(version, LoadedColors(facts.version));
+            version == facts.version ? StoredEntries(version)
+                                     : SampleVariant(version, LoadedColors(facts.version));
     }
     return profile;
 }

@@ -11,7 +11,9 @@
 
 namespace orvex::tools::profile {
 
-// Reads the profile through the driver and samples its colours as `version` stores them. Name and codes stay.
+// Reads the profile through the driver and samples its colours as `version` stores them. Name and codes stay,
+// and so do the entries of a profile that has that version already; only the driver's mark, which no profile
+// may hold, becomes the ink value nearest to it.
 // Throws std::runtime_error with the reader's message when the driver does not accept the file.
 Profile ConvertProfile(const std::filesystem::path& path, int version);
 

@@ -75,6 +75,21 @@ TEST_F(Conversions, KeepNameAndCodes) {
     EXPECT_EQ(converted.other, profile.other);
 }
 
+// The driver computes a marked entry anew when it is asked for, and mixes other inks for a component of 255.
+TEST_F(Conversions, ToTheSameVersionKeepEntriesBesideAMark) {
+    const ScratchFolder scratch;
+    const std::filesystem::path path = scratch.Path() / "marked.zvp";
+    std::string file = FileWithTags(Tag(1, "Marked"));
+    const size_t lastEntry = file.size() - 4;  // white, all of whose components are 255
+    file.replace(lastEntry, 4, 4, '\xFF');
+    WriteBytes(path, file);
+    const Profile converted = ConvertProfile(path, 5);
+    Variant expected(LayoutOf(5).Entries(), 0);
+    EXPECT_EQ(converted.at600, expected);
+    expected.back() = PackInks(254, 255, 255, 255);
+    EXPECT_EQ(converted.other, expected);
+}
+
 TEST_F(Conversions, FromAGridToEveryColorAndBackLoseNothing) {
     const std::filesystem::path grid = Smooth(5), full = Converted(grid, 1);
     for (PrintVariant variant : {PrintVariant::kAt600, PrintVariant::kOther}) {
