@@ -139,6 +139,8 @@ Seeds PrintFileSeeds() {
         SeedOf(MakeFile({page, wide}, "", kMode300Dpi), ""),
         "\1" + MakeFile({{{5}}}, lines),
         "\1" + one.substr(0, one.size() - 30),
+        // A job end right after the job start.
+        std::string("\0\0J\x08\0\1\0\0\0\2\0\0\0j\4\2\0\0\0\0", 20),
     };
 }
 

@@ -55,7 +55,10 @@ class Parser {
     void Run() {
         file_.header = ReadPjlHeader(reader_);
         ReadJobStart();
-        while (NextType() != static_cast<uint8_t>(RecordType::kJobEnd)) ReadPage();
+        // The engine writes a job start with the first page only, so a print file has at least one.
+        do {
+            ReadPage();
+        } while (NextType() != static_cast<uint8_t>(RecordType::kJobEnd));
         BeginRecord(RecordType::kJobEnd, 4);
         TakeChecked("page count", file_.pages.size(), file_.pages.size());
         ReadClosing();

@@ -92,9 +92,8 @@ class Viewing {
     }
 
     void Verify() const {
-        size_t index = 0;
-        while (index < file_.pages.size() && !IsChosen(index)) ++index;
-        if (index == file_.pages.size()) throw std::runtime_error("there is no page to compare");
+        const std::vector<uint32_t>& pages = options_.pages;
+        const size_t index = pages.empty() ? 0 : *std::min_element(pages.begin(), pages.end()) - 1;
         const PagePlacement& placement = placements_[index];
         const RasterImage image = LoadPng(PathFromUtf8(options_.verify));
         const Picture composite =

@@ -126,13 +126,15 @@ TEST(PrintFile, AFolderIsNoPrintFile) {
 
 TEST(PrintFile, AJobMadeByHandIsSound) {
     EXPECT_EQ(ErrorOf(Opening() + kBeforeRows + kRows + kBlockEnd + kPageEnd + kJobEnd + kExit), "none");
-    EXPECT_EQ(ErrorOf(Opening() + kJobStart + MakeRecord('j', NumberBytes(0)) + kExit), "none");
 }
 
 TEST(PrintFile, NamesTheRecordThatShouldHaveCome) {
     EXPECT_EQ(ErrorIn("", kPageStart, 0), "page start; expected job start");
     EXPECT_EQ(ErrorIn(kJobStart, kPageStart, 0),
               "page start; expected a resolution command ESC*o, a number from -128 to 127, M");
+    const std::string noPages = MakeRecord('j', NumberBytes(0)) + kExit;
+    EXPECT_EQ(ErrorIn(kJobStart, noPages, 0),
+              "job end; expected a resolution command ESC*o, a number from -128 to 127, M");
     EXPECT_EQ(ErrorIn(kJobStart + kResolution, kBlockStart, 0), "block start; expected page start");
     EXPECT_EQ(ErrorIn(kJobStart + kResolution + kPageStart, kRows, 0), "rows; expected block start");
     EXPECT_EQ(ErrorIn(kBeforeRows, kBlockEnd, 0), "block end; expected rows");

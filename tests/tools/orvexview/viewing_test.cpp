@@ -229,15 +229,6 @@ TEST_F(ViewingTest, SaysThatSizesDiffer) {
     EXPECT_EQ(Complaint(), "the page is 3 x 2 pixels, the picture 2 x 3; they can't be compared");
 }
 
-TEST_F(ViewingTest, AJobWithoutPagesHasNothingToVerify) {
-    std::string file(print_stream::kPjlOpening);
-    file += MakeRecord('J', NumberBytes(1) + NumberBytes(0)) + MakeRecord('j', NumberBytes(0));
-    WriteBytes(PathFromUtf8(options_.file), file + "\x1B%-12345X");
-    EXPECT_THAT(Show(), HasSubstr("Pages: 0\n"));
-    options_.verify = "page.png";
-    EXPECT_EQ(Complaint(), "there is no page to compare");
-}
-
 TEST_F(ViewingTest, NamesAPageThatIsNotThere) {
     PrintLabels();
     options_.pages = {1, 3};
