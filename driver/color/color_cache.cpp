@@ -14,6 +14,9 @@ namespace {
 GridCopy gridCopy;
 bool gridCopied = false;
 
+// Whether a look-up left its entry missing.
+bool leftMissing = false;
+
 // What each amount of an ink leaves of the light: as a share of it, and of 255.
 constexpr struct LightShares {
     constexpr LightShares() {
@@ -57,21 +60,29 @@ class LightSum {
 void SetCacheKind(int32_t kind) {
     g_cacheKind = kind;
     gridCopied = kind == kGrid && gridCopy.Take(g_colorCache);
+    leftMissing = false;
+}
+
+bool InksAreSettled() {
+    return !leftMissing;
 }
 
 uint32_t LookupColor(uint32_t pixel) {
     uint32_t& entry = g_colorCache[pixel & kColorBits];
     if (entry != kNotComputed) return entry;
+    // No mix of points that are all there is the sentinel.
+    if (gridCopied) return entry = gridCopy.Interpolate(pixel);
     const uint8_t blue = static_cast<uint8_t>(pixel);
     const uint8_t green = static_cast<uint8_t>(pixel >> 8);
     const uint8_t red = static_cast<uint8_t>(pixel >> 16);
-    if (gridCopied) {
-        entry = gridCopy.Interpolate(pixel);
-    } else if (g_cacheKind == kGrid) {
+    if (g_cacheKind == kGrid) {
         InterpolateGridEntry(blue, green, red, &entry, g_colorCache);
     } else if (g_cacheKind == kHalfGridEntries || g_cacheKind == kHalfGridPlanes) {
         AverageHalfGridEntry(blue, green, red, &entry);
+    } else {
+        return entry;
     }
+    if (entry == kNotComputed) leftMissing = true;
     return entry;
 }
 

@@ -45,6 +45,11 @@ constexpr uint32_t GridValue(int step) {
 // is kept in the table.
 uint32_t LookupColor(uint32_t pixel);
 
+// Returns whether every color looked up since the table was filled keeps the ink that it got. An entry that
+// is still missing after its look-up does not: it changes once the look-up of another color fills an entry
+// that it is computed from.
+bool InksAreSettled();
+
 // Computes the entry of a colour as the average of its even neighbours in the cache, taken as colours of
 // light, and stores it in `entry`.
 void AverageHalfGridEntry(uint8_t blue, uint8_t green, uint8_t red, uint32_t* entry);

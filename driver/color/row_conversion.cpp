@@ -112,8 +112,10 @@ class RowConverter {
             }
             if (!known || source[0] != color) {
                 color = source[0];
-                known = true;
                 for (uint32_t i = 0; i < kBlock; ++i) block[i] = ConvertPixel(color, i);
+                // An ink that is not settled may be another one at the color's next block. Within a block it
+                // is not: a look-up that leaves its entry missing changes nothing.
+                known = InksAreSettled();
             }
             memcpy(destination, block, sizeof block);
         }

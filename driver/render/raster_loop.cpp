@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "driver/color/color_cache.h"
 #include "driver/color/row_conversion.h"
 #include "driver/job_state.h"
 #include "driver/render/page_rows.h"
@@ -151,9 +152,9 @@ bool RasterLoop::SendImageRows() {
             const StageTimer timer(lines_.reformat, &g_stageMaxima.reformat);
             if (layout_.imageWidth > 0) pixels = reader_.Row(row);
         }
-        // A row like the one before it gives the inks that still stand in the output row; only that of the
-        // first row may have been changed since.
-        if (row <= 1 || !reader_.Repeats()) {
+        // A row like the one before it, whose inks are settled, prints what is still in the output row; only
+        // the first row's may have been changed since.
+        if (row <= 1 || !reader_.Repeats() || !InksAreSettled()) {
             const StageTimer timer(lines_.convert, &g_stageMaxima.convert);
             ConvertRow(ImageArea(), pixels, static_cast<uint32_t>(std::max(layout_.imageWidth, 0)), 1,
                        settings_.kws, Is600Dpi(), static_cast<uint32_t>(settings_.colorMode));

@@ -153,8 +153,25 @@ inline uint32_t Prism(uint32_t color, const std::array<double, 8>& weights, cons
                static_cast<uint8_t>(y));
 }
 
+// The prism interpolation of a colour out of `table`.
 inline uint32_t Prism(uint32_t color, const uint32_t* table) {
-    return Prism(color, PrismWeights(Blue(color), Green(color), Red(color)), Grid(table));
+    const auto gridValue = [](uint32_t component, bool upper) {
+        const uint32_t lower = component & 0xF0;
+        return !upper ? lower : lower < 240 ? lower + 16 : 255;
+    };
+    const std::array<double, 8> weights = PrismWeights(Blue(color), Green(color), Red(color));
+    uint32_t ink = 0;
+    for (int place = 0; place < 4; ++place) {
+        double sum = 0;
+        for (uint32_t corner = 0; corner < 8; ++corner) {
+            const uint32_t entry =
+                table[ColorIndex(gridValue(Red(color), corner & 1), gridValue(Green(color), corner >> 1 & 1),
+                                 gridValue(Blue(color), corner >> 2))];
+            sum += weights[corner] * InkByte(entry, place);
+        }
+        ink |= uint32_t{static_cast<uint8_t>(sum)} << 8 * place;
+    }
+    return ink;
 }
 
 }  // namespace orvex::plain

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "tests/driver/color/cache_filling.h"
-#include "tests/plain/plain_colors.h"
+#include "tests/driver/color/plain_rows.h"
 
 namespace orvex {
 
@@ -15,13 +15,9 @@ using testing::ElementsAre;
 
 namespace {
 
-constexpr uint32_t kUnwritten = 0xDEADBEEF;
+using plain::RowOptions;
 
-struct RowOptions {
-    int32_t kws = 0;
-    uint32_t lightPattern = 0;
-    uint32_t grayMode = kColor;
-};
+constexpr uint32_t kUnwritten = 0xDEADBEEF;
 
 std::vector<uint32_t> Convert(const std::vector<uint32_t>& pixels, RowOptions options = {}) {
     std::vector<uint32_t> inks(pixels.size() + 1, kUnwritten);
@@ -38,24 +34,6 @@ uint32_t ConvertInk(uint32_t ink, RowOptions options) {
     SetCacheKind(kEntries);
     g_colorCache[0x123456] = ink;
     return Convert({0x123456}, options)[0];
-}
-
-uint32_t PlainGray(uint32_t ink) {
-    const double k = plain::InkByte(ink, 0), c = plain::InkByte(ink, 1), m = plain::InkByte(ink, 2),
-                 y = plain::InkByte(ink, 3);
-    const double sum = (m + k) * 0.587 + (c + k) * 0.299 + (y + k) * 0.114;
-    return sum > 255 ? 255 : static_cast<uint32_t>(sum);
-}
-
-// What a pixel of ink value `ink` prints at its place in the row.
-uint32_t PlainPrint(uint32_t ink, size_t place, RowOptions options) {
-    if (ink == 0 && options.kws != 0) return (options.lightPattern != 0 ? 2u : 4u) << 8 * (place % 4);
-    if (ink == 0) return 0;
-    if (options.grayMode == 2) return PlainGray(ink);
-    if (options.grayMode != 1) return ink;
-    const uint8_t t = static_cast<uint8_t>(PlainGray(ink) * 0.67);
-    const uint8_t c = static_cast<uint8_t>(t * 0.8);
-    return plain::Ink(0, c, t, t);
 }
 
 // Rows that hold runs of every small length beside single pixels, out of a few colours; 0 to 2 print nothing.
@@ -225,7 +203,7 @@ TEST(ConvertRow, EqualsThePlainConversionForEveryKindModePatternAndLength) {
                         const RowOptions options{kws, light, grayMode};
                         std::vector<uint32_t> want;
                         for (size_t i = 0; i < row.size(); ++i)
-                            want.push_back(PlainPrint(inks[i], i, options));
+                            want.push_back(plain::Print(inks[i], i, options));
                         ASSERT_EQ(Convert(row, options), want) << "kind " << kind << " length " << length
                                                                << " grey mode " << grayMode << " kws " << kws;
                     }
@@ -244,7 +222,7 @@ TEST(ConvertRow, EqualsThePlainGrayForEveryWeightOfScatteredInks) {
         const RowOptions options{.grayMode = grayMode};
         const std::vector<uint32_t> have = Convert(row, options);
         for (size_t i = 0; i < row.size(); ++i) {
-            ASSERT_EQ(have[i], PlainPrint(g_colorCache[row[i]], i, options))
+            ASSERT_EQ(have[i], plain::Print(g_colorCache[row[i]], i, options))
                 << std::hex << g_colorCache[row[i]];
         }
     }
@@ -256,7 +234,7 @@ TEST(ConvertRow, AddsThePartsOfAGrayInTheirOrder) {
         for (const uint32_t ink : {plain::Ink(amount, 0, 0, 0), plain::Ink(0, amount, amount, amount)}) {
             for (const uint32_t grayMode : {1u, 2u}) {
                 const RowOptions options{.grayMode = grayMode};
-                EXPECT_EQ(ConvertInk(ink, options), PlainPrint(ink, 0, options)) << std::hex << ink;
+                EXPECT_EQ(ConvertInk(ink, options), plain::Print(ink, 0, options)) << std::hex << ink;
             }
         }
     }
