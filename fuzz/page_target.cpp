@@ -1,110 +1,32 @@
 // Layout and rows of a page: any geometry is laid out without an overflow and as the plain definition has it;
 // page and raster block are announced so; the engine gets as many rows as follow from it, and each, fill rows
-// and purge bar too, holds what the plain definition has there; a call that it refuses is the last one. A
-// page takes two blocks of memory, of the documented sizes, and keeps none.
+// and purge bar too, holds what the plain definition has there, whose look-ups go pixel by pixel through a
+// color table that may have missing points; a call that it refuses is the last one. A page takes two blocks
+// of memory, of the documented sizes, and keeps none.
 
 #include <algorithm>
 #include <cstring>
 
-#include "driver/color/color_cache.h"
-#include "driver/color/row_conversion.h"
 #include "driver/job_state.h"
 #include "driver/page_layout_input.h"
 #include "fuzz/allocation_watch.h"
 #include "fuzz/device_mode_rules.h"
 #include "fuzz/fuzz_installation.h"
 #include "fuzz/input.h"
+#include "fuzz/page_input.h"
 #include "fuzz/page_model.h"
 #include "fuzz/target.h"
+#include "tests/driver/render/plain_page.h"
 
 namespace orvex::fuzz {
 
 namespace {
 
 constexpr int32_t kBandColumns = 64;  // columns that the driver reads at a time from a portrait page
-constexpr uint32_t kColorBits24 = 0xFFFFFF;
 
-// One in two sides of a bitmap is short, so that it is soon drawn; the others reach beyond two bands.
-int32_t Side(uint8_t choice) {
-    const int32_t side = choice < 128 ? 1 + choice % 40 : choice - 115;
-    static_assert(255 - 115 > 2 * kBandColumns);
-    return side;
-}
-
-// Pixels take 256 colours, each with an ink of its own.
-uint32_t ColorOf(uint8_t value) {
-    return value * 0x010307u & kColorBits24;
-}
-uint32_t InkOf(uint32_t color) {
-    return (color * 2654435761u & 0x7FFFFFFF) | 1;
-}
-
-void FillCache() {
-    for (int value = 0; value < 256; ++value) {
-        const uint32_t color = ColorOf(static_cast<uint8_t>(value));
-        g_colorCache[color] = InkOf(color);
-    }
-    g_colorCache[kColorBits24] = InkOf(kColorBits24);
-    SetCacheKind(kEntries);
-}
-
-// The page bitmap, in a block that ends where its last pixel ends. Pixels that the input does not give are
-// unlike their neighbours, or all alike.
-struct Bitmap {
-    explicit Bitmap(FuzzInput& input) {
-        width = Side(input.Byte());
-        height = Side(input.Byte());
-        pixelBytes = input.Flag() ? 3 : 4;
-        const uint8_t choices = input.Byte();
-        upward = (choices & 1) != 0;
-        const bool alike = (choices & 2) != 0;
-        stride = width * pixelBytes + input.Byte() % 8;
-        bytes.resize(static_cast<size_t>(stride * (height - 1) + width * pixelBytes));
-        for (int32_t y = 0; y < height; ++y) {
-            for (int32_t x = 0; x < width; ++x) {
-                const auto place = static_cast<uint32_t>(y * width + x);
-                const auto filling = static_cast<uint8_t>(alike ? 0 : place * 2654435761u >> 24);
-                const uint32_t color = ColorOf(input.Empty() ? filling : input.Byte()) | 0xAB000000;
-                memcpy(bytes.data() + Offset(x, y), &color, static_cast<size_t>(pixelBytes));
-            }
-        }
-    }
-
-    size_t Offset(int32_t x, int32_t y) const {
-        return static_cast<size_t>((upward ? height - 1 - y : y) * stride + x * pixelBytes);
-    }
-    uint32_t Pixel(int32_t x, int32_t y) const {
-        uint32_t pixel = 0;
-        memcpy(&pixel, bytes.data() + Offset(x, y), static_cast<size_t>(pixelBytes));
-        return pixel & kColorBits24;
-    }
-    SURFOBJ Surface() {
-        SURFOBJ surface = {};
-        surface.sizlBitmap = {width, height};
-        surface.pvBits = bytes.data();
-        surface.pvScan0 = bytes.data() + Offset(0, 0);
-        surface.lDelta = upward ? -stride : stride;
-        surface.iBitmapFormat = pixelBytes == 3 ? BMF_24BPP : BMF_32BPP;
-        return surface;
-    }
-
-    int32_t width, height, pixelBytes, stride;
-    bool upward;
-    std::vector<uint8_t> bytes;
-};
-
-// The colour at place `i` of image row `row`.
-uint32_t ExpectedPixel(const Bitmap& page, const DeviceMode& mode, int32_t row, int32_t i) {
-    const int32_t w = page.width, h = page.height;
-    const bool rotated = mode.priv.rotate180 != 0, mirrored = mode.priv.mirrorImage != 0;
-    if (mode.pub.dmOrientation == DMORIENT_LANDSCAPE) {
-        return page.Pixel(rotated != mirrored ? w - 1 - i : i, rotated ? h - 1 - row : row);
-    }
-    if (!rotated) return page.Pixel(mirrored ? row : w - 1 - row, i);
-    if (!mirrored) return page.Pixel(row, h - 1 - i);
-    // Shifted by a column, which goes on at the next scan line's beginning, or in white.
-    if (row > 0) return page.Pixel(w - row, h - 1 - i);
-    return i > 0 ? page.Pixel(0, h - i) : kColorBits24;
+RowOrder OrderOf(const DeviceMode& mode) {
+    return {mode.pub.dmOrientation == DMORIENT_LANDSCAPE, mode.priv.rotate180 != 0,
+            mode.priv.mirrorImage != 0};
 }
 
 DeviceMode ModeOf(FuzzInput& input) {
@@ -145,7 +67,8 @@ void CheckLayout(const PageLayoutInput& input) {
 // Takes a page in the engine's place and holds what it gets against the plain definition; refuses one call,
 // or none.
 struct EngineCheck {
-    const Bitmap& page;
+    const PageColors& colors;
+    const PageArt& page;
     const DeviceMode& mode;
     const PlainLayout& layout;
     int64_t refused = -1;  // the number of the call to refuse
@@ -218,17 +141,13 @@ struct EngineCheck {
                 ImageArea()[i] = 0;
         }
     }
-    // What a pixel becomes is the row conversion's; it has its own tests.
+    // Every pixel is looked up by itself, one after the other.
     void ExpectImage(int32_t row) {
-        const auto count = static_cast<size_t>(layout.imageWidth);
-        std::vector<uint32_t> pixels(count);
-        for (size_t i = 0; i < count; ++i)
-            pixels[i] = ExpectedPixel(page, mode, row, static_cast<int32_t>(i));
-        if (mode.priv.kws == 0 && mode.priv.colorMode == 0) {
-            std::transform(pixels.begin(), pixels.end(), ImageArea(), InkOf);
-        } else {
-            ConvertRow(ImageArea(), pixels.data(), static_cast<uint32_t>(count), 1, mode.priv.kws, At600Dpi(),
-                       static_cast<uint32_t>(mode.priv.colorMode));
+        const plain::RowOptions options{mode.priv.kws, At600Dpi(),
+                                        static_cast<uint32_t>(mode.priv.colorMode)};
+        for (int32_t i = 0; i < layout.imageWidth; ++i) {
+            const uint32_t color = PlainPixel(page, OrderOf(mode), row, i);
+            ImageArea()[i] = plain::Print(colors.PlainInk(color), static_cast<size_t>(i), options);
         }
         if (row == 0 && expected[0] == 0) expected[0] = 2;
     }
@@ -301,10 +220,10 @@ struct RunningJob {
 
 // Sends a page of which the engine refuses the call of the given number, counted round, or none.
 void CheckPage(FuzzInput& input, const DeviceMode& mode, bool refuses, uint32_t refused) {
-    Bitmap page(input);
+    const PageColors colors(input);
+    PageArt page(input, colors);
     const PlainLayout layout =
         ComputePlainLayout(LayoutInput(mode, mode.pub.dmPrintQuality, page.width, page.height));
-    FillCache();
     // Without settings there is no thumbnail; a first page asks for it.
     if (g_nPage == 1) FuzzInstallation().WriteSettings("");
     PDEV pdev = {};
@@ -313,7 +232,7 @@ void CheckPage(FuzzInput& input, const DeviceMode& mode, bool refuses, uint32_t 
     SURFOBJ surface = page.Surface();
     surface.dhpdev = reinterpret_cast<DHPDEV>(&pdev);
 
-    EngineCheck check{page, mode, layout};
+    EngineCheck check{colors, page, mode, layout};
     if (refuses) check.refused = refused % check.Calls();
     const RunningJob job(check);
     const AllocationWatch watch;
@@ -321,6 +240,7 @@ void CheckPage(FuzzInput& input, const DeviceMode& mode, bool refuses, uint32_t 
     REQUIRE(AllocationWatch::Live().empty());
     REQUIRE(check.calls == (refuses ? check.refused + 1 : check.Calls()));
     REQUIRE(pdev.pageCount == 1);
+    REQUIRE(colors.TablesAgree());
 }
 
 }  // namespace
@@ -341,23 +261,34 @@ void FuzzPage(std::span<const uint8_t> input) {
 }
 
 Seeds PageSeeds() {
-    // Page number, flags, alignment, purge bar, dots, gap, frequency, offset, colour mode, two lengths,
-    // offset and alignment of the second layout; whether a call is refused, and its number; then width,
-    // height, format, direction, padding and pixels of the bitmap.
+    // Page number, flags, alignment, purge bar, dots, gap, frequency, offset, color mode, two lengths, offset
+    // and alignment of the second layout; whether a call is refused, and its number; kind of the color table
+    // and what it lacks; then width, height, format, direction, padding and pixels of the bitmap.
     Seeds seeds;
     for (char flags = 0; flags < 64; flags = static_cast<char>(flags + 7)) {
         std::string seed{0, flags, static_cast<char>(flags % 3), static_cast<char>(flags % 4), 1, 0, 1};
         seed += std::string("\xE8\x03\0\x10\x27\0\0\xFF\xFF\xFF\x7F\x18\xFC\1\0", 15);
         seed += {flags == 14 ? '\1' : '\0', flags, '\0'};
+        seed += {static_cast<char>(flags / 7 % 6), 0, static_cast<char>(0x44 * (flags % 2)), 0, 0};
         seed += std::string{16, static_cast<char>(17 + flags % 3), flags, static_cast<char>(flags / 2), 3};
         for (int i = 0; i < 300; ++i) seed += static_cast<char>(i * 5);
         seeds.push_back(seed);
     }
     // A page of two bands and a part of a third, in each order that columns are read in.
     for (const char flags : {0, 4, 8, 12}) {
-        std::string seed(25, '\0');
+        std::string seed(30, '\0');
         seed[1] = flags;
         seeds.push_back(seed + "\xFF\xC5");
+    }
+    // Squares of 9 pixels of a color between two missing grid points, and in their middle one of the points,
+    // which its look-up fills; in every order of rows.
+    for (const char flags : {0, 1, 4, 5, 8, 9, 12, 13}) {
+        std::string seed(25, '\0');
+        seed[1] = flags;
+        const char side = static_cast<char>(115 + 7 * 9);
+        seed += {1, 0, 0x44, 0, 0, side, side, 0, static_cast<char>(0x90), 0};
+        seed += std::string(24, '\x12') + '\x17' + std::string(24, '\x12');
+        seeds.push_back(seed);
     }
     return seeds;
 }

@@ -2,7 +2,7 @@
 // of the test's own.
 #pragma once
 
-#include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -56,16 +56,20 @@ inline std::vector<uint32_t> PrintRow(const std::vector<uint32_t>& pixels, RowOp
 // Colors near each other in the tables of a kind that are filled in part, and the entries that a table has to
 // store for them. Where such an entry is missing, the order of the look-ups decides about inks.
 struct Neighborhood {
-    explicit Neighborhood(int32_t kindOfTable) : kind(kindOfTable) {}
+    explicit Neighborhood(int32_t kindOfTable)
+        : kind(kindOfTable),
+          components(kind == 5 ? std::array{0xE8u, 0xF0u, 0xF8u, 0xFFu}
+                               : std::array{0x12u, 0xFDu, 0xFEu, 0xFFu}),
+          storedComponents(kind == 5 ? std::array{0xE0u, 0xF0u, 0xFFu} : std::array{0x12u, 0xFCu, 0xFEu}) {}
 
     static constexpr uint32_t kColors = 64;
     static constexpr uint32_t kStored = 27;
 
-    uint32_t Color(uint32_t index) const {
-        return ColorIndex(Component(index / 16), Component(index / 4), Component(index));
+    uint32_t Color(uint32_t i) const {
+        return ColorIndex(components[i / 16 % 4], components[i / 4 % 4], components[i % 4]);
     }
-    uint32_t StoredColor(uint32_t index) const {
-        return ColorIndex(StoredComponent(index / 9), StoredComponent(index / 3), StoredComponent(index));
+    uint32_t StoredColor(uint32_t i) const {
+        return ColorIndex(storedComponents[i / 9 % 3], storedComponents[i / 3 % 3], storedComponents[i % 3]);
     }
 
     // Fills these entries of a table: stored entry i is missing when bit i of `missing` is set.
@@ -79,16 +83,8 @@ struct Neighborhood {
     }
 
     int32_t kind;  // 3 to 5
-
-  private:
-    uint32_t Component(uint32_t index) const {
-        static constexpr uint32_t kGrid[] = {0xE8, 0xF0, 0xF8, 0xFF}, kHalfGrid[] = {0x12, 0xFD, 0xFE, 0xFF};
-        return (kind == 5 ? kGrid : kHalfGrid)[index % 4];
-    }
-    uint32_t StoredComponent(uint32_t index) const {
-        static constexpr uint32_t kGrid[] = {0xE0, 0xF0, 0xFF}, kHalfGrid[] = {0x12, 0xFC, 0xFE};
-        return (kind == 5 ? kGrid : kHalfGrid)[index % 3];
-    }
+    std::array<uint32_t, 4> components;
+    std::array<uint32_t, 3> storedComponents;
 };
 
 }  // namespace orvex::plain
