@@ -9,6 +9,8 @@ namespace orvex {
 
 namespace {
 
+constexpr double kBeyond64Bits = 9223372036854775808.0;  // 2^63
+
 double TenthsMmPerUnit(uint32_t units) {
     switch (units) {
         case kUnitsMillimetres:
@@ -27,7 +29,7 @@ int16_t LabelLengthTenthsMm(std::string_view text, uint32_t units) {
     ParseDecimal(text, &length);
     const double tenthsMm = length * TenthsMmPerUnit(units) + 0.5;
     // The conversion of a double to an integer is defined only for a value that the integer can hold.
-    const bool fits64Bits = std::abs(tenthsMm) < 0x1p63;
+    const bool fits64Bits = std::abs(tenthsMm) < kBeyond64Bits;
     return fits64Bits ? static_cast<int16_t>(static_cast<int64_t>(tenthsMm)) : int16_t{0};
 }
 

@@ -22,8 +22,8 @@ const std::vector<std::set<std::string>> kUnwatched = {
     {"LocalAlloc", "LocalFree", "calloc", "free", "malloc", "realloc"},
 #ifdef _WIN32
     // plain work on texts and memory
-    {"atof", "memchr", "memcmp", "memcpy", "memmove", "memset", "strchr", "strcspn", "strlen", "strncmp",
-     "strrchr", "strtol", "wcslen"},
+    {"atof", "islower", "isspace", "isupper", "memchr", "memcmp", "memcpy", "memmove", "memset", "strchr",
+     "strcspn", "strlen", "strncmp", "strrchr", "strtol", "wcslen"},
     // what the C runtime formats numbers and texts with: it looks up the locale, and locks what has no
     // failure
     {"IsDBCSLeadByteEx", "___lc_codepage_func", "___mb_cur_max_func", "_errno", "_lock", "_unlock",
