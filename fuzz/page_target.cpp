@@ -111,10 +111,10 @@ struct EngineCheck {
     }
 
     // The row for the engine, and the band that the bitmap is read through: 64 columns of a portrait page or
-    // a scan line of a landscape one, each in whole cache lines and one more.
+    // a scan line of a landscape one, each in an odd number of cache lines.
     void CheckMemory() const {
         const size_t bandRows = mode.pub.dmOrientation == DMORIENT_LANDSCAPE ? 1 : kBandColumns;
-        const auto pitch = static_cast<size_t>((layout.imageWidth + 15) / 16 * 16 + 16);
+        const auto pitch = static_cast<size_t>(((layout.imageWidth + 15) / 16 | 1) * 16);
         std::vector<size_t> blocks = {size_t{4} * static_cast<size_t>(layout.rowWidth), bandRows * pitch * 4};
         std::sort(blocks.begin(), blocks.end());
         REQUIRE(AllocationWatch::Live() == blocks);

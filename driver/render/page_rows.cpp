@@ -9,8 +9,8 @@ namespace orvex {
 
 namespace {
 
-constexpr int32_t kBandColumns = 64;  // four cache lines of a scan line
-constexpr int32_t kTileLines = 16;    // scan lines that fill a cache line of each row of the band
+constexpr int32_t kBandColumns = 64;  // as many pixels of a scan line as four cache lines hold
+constexpr int32_t kTileLines = 16;    // scan lines of which a row of the band gets a cache line's worth
 constexpr int32_t kLinesAhead = 32;   // scan lines between the one that is fetched and the one that is read
 constexpr int32_t kCacheLine = 64;
 constexpr uint32_t kPaperWhite = 0x00FFFFFF;
@@ -114,8 +114,8 @@ void Prefetch(const uint8_t* part, ptrdiff_t companion) {
 }
 
 // Turns a tile of kTileLines scan lines, `step` bytes apart, and `columns` columns, a multiple of four, into
-// a cache line of each row of the band. Meanwhile the tile at `next` is fetched with its companion, a scan
-// line with each group of columns: all at once they would wait for each other.
+// a cache line's worth of each row of the band. Meanwhile the tile at `next` is fetched with its companion, a
+// scan line with each group of columns: all at once they would wait for each other.
 void TurnTile(const uint8_t* tile, const uint8_t* next, ptrdiff_t companion, ptrdiff_t step, int32_t columns,
               uint32_t* band, ptrdiff_t pitch) {
     static_assert(kBandColumns == 4 * kTileLines, "a group of four columns for each scan line to fetch");
@@ -135,8 +135,9 @@ void TurnTile(const uint8_t* tile, const uint8_t* next, ptrdiff_t companion, ptr
 RowReader::RowReader(const PageBitmap& bitmap, RowOrder order)
     : bitmap_(bitmap), order_(order), inPlace_(LiesInPlace(bitmap, order)) {
     if (!NeedsBand()) return;
-    // Each row of the band begins a cache line, and no two of them at the same place of a memory page.
-    bandPitch_ = (ptrdiff_t{RowWidth()} + 15) / 16 * 16 + 16;
+    // The rows of the band are an odd number of cache lines apart, so that no two of them have the same place
+    // in a memory page: the processor's cache has room for few lines of the same place.
+    bandPitch_ = ((ptrdiff_t{RowWidth()} + 15) / 16 | 1) * 16;
     const size_t rows = order.landscape ? 1 : kBandColumns;
     band_ = AllocateArray<uint32_t>(rows * static_cast<size_t>(bandPitch_));
 }
@@ -179,8 +180,7 @@ const uint32_t* RowReader::PortraitRow(int32_t row) {
 }
 
 // Fills the band with the columns from `firstColumn` on, from the top scan line down or, rotated, from the
-// bottom up. Tiles of whole cache lines are turned, four by four pixels in registers; what they leave goes
-// pixel by pixel.
+// bottom up. Whole tiles are turned, four by four pixels in registers; what they leave goes pixel by pixel.
 void RowReader::ReadBand(int32_t firstColumn) {
     const int32_t columns = std::min(kBandColumns, bitmap_.width - firstColumn);
     const int32_t height = bitmap_.height;

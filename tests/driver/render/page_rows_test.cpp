@@ -151,9 +151,10 @@ TEST(PageRows, OfAnEmptyPageAreNone) {
     }
 }
 
-// Four bytes for each pixel of a row, which takes whole cache lines and one more.
+// Returns the bytes between two rows of a band: four for each pixel, in an odd number of cache lines.
 size_t RowBytes(int32_t pixels) {
-    return static_cast<size_t>((pixels + 15) / 16 * 16 + 16) * 4;
+    const size_t lines = static_cast<size_t>(pixels + 15) / 16;
+    return 64 * (lines + (lines % 2 == 0 ? 1 : 0));
 }
 
 TEST(PageRows, TakeTheMemoryOf64ColumnsOrOfAScanLine) {
