@@ -16,10 +16,21 @@ else()
     endif()
 endif()
 
+# orvex_small_frames(TARGET): fails the build when a function of the target takes more than 16 KiB of stack at once.
+# Processes with small stacks load printer drivers. The frames of the product count, and those of optimised native code
+# are much the same; sanitizers surround every variable with memory of their own, and unoptimised code gives every
+# temporary a place of its own.
+function(orvex_small_frames target)
+    if(NOT ORVEX_SANITIZE AND NOT ORVEX_COVERAGE)
+        target_compile_options(${target} PRIVATE -Werror=frame-larger-than=16384)
+    endif()
+endfunction()
+
 # orvex_driver_library(TARGET SOURCE...): sources of the driver, which neither throws nor catches, as a library.
 function(orvex_driver_library target)
     add_library(${target} STATIC ${ARGN})
     target_compile_options(${target} PRIVATE -fno-exceptions -fno-rtti)
+    orvex_small_frames(${target})
     if(ORVEX_COVERAGE)
         # Unoptimised, so that every line of the source is one of the program's.
         target_compile_options(${target} PRIVATE -O0 --coverage)

@@ -103,30 +103,34 @@ uint32_t MovedInk(const InkGrid& grid, const Mover& move, int red, int green, in
     return GridLookup(grid, Component(color.b), Component(color.g), Component(color.r), flag);
 }
 
-void MoveGrid(const InkGrid& grid, const Mover& move, InkGrid* moved) {
+// Stores the moved inks of `grid` at the grid points of `cache`.
+void StoreMovedGrid(const InkGrid& grid, const Mover& move, uint32_t* cache) {
     for (int red = 0; red < kGridSteps; ++red) {
         for (int green = 0; green < kGridSteps; ++green) {
             for (int blue = 0; blue < kGridSteps; ++blue) {
-                moved->inks[InkGrid::Index(red, green, blue)] = MovedInk(grid, move, red, green, blue);
+                cache[ColorIndex(GridValue(red), GridValue(green), GridValue(blue))] =
+                    MovedInk(grid, move, red, green, blue);
             }
         }
     }
-    // White paper keeps what the profile gives it: no ink.
-    moved->inks[kGridPoints - 1] = grid.inks[kGridPoints - 1];
+    // White paper keeps the ink that the profile gives it: none.
+    cache[ColorIndex(255, 255, 255)] = grid.inks[kGridPoints - 1];
 }
+
+// The grid before the adjustment, too large for a thread's stack. Colors are adjusted at a job's start, of
+// which there is one at a time.
+InkGrid unadjusted;
 
 }  // namespace
 
 void AdjustColors(const int32_t (&values)[kAdjustmentValues]) {
-    InkGrid grid, moved;
-    CopyGridOut(g_colorCache, &grid);
+    CopyGridOut(g_colorCache, &unadjusted);
     const Movement by = MovementOf(values);
     LogError("ca %lf,%lf,%lf,%lf,%lf,%lf,%lf\n", by.tone, by.brightness, by.saturation, by.cyan, by.black,
              by.yellow, by.magenta);
-    MoveGrid(grid, Mover(by), &moved);
     static_assert(kNotComputed == 0xFFFFFFFF);
     memset(g_colorCache, 0xFF, sizeof g_colorCache);
-    CopyGridIn(moved, g_colorCache);
+    StoreMovedGrid(unadjusted, Mover(by), g_colorCache);
     SetCacheKind(kGrid);
 }
 

@@ -30,7 +30,7 @@ class Conversion {
 
 // The conversion of every pair of a largest and another component, for whole caches.
 struct ConversionTables {
-    explicit ConversionTables(const Conversion& conversion) {
+    void Fill(const Conversion& conversion) {
         for (uint32_t largest = 0; largest < 256; ++largest) {
             black[largest] = static_cast<uint8_t>(conversion.Black(largest));
             for (uint32_t component = 0; component <= largest; ++component) {
@@ -45,9 +45,12 @@ struct ConversionTables {
     uint8_t inkOf[256][256];  // the same the other way round
 };
 
+// Scratch memory of FillWithGenericConversion, too large for a thread's stack. One cache is filled at a time.
+ConversionTables tables;
+
 // Fills the 256 colours of a red and a green. Up to the larger of the two it is that one which is the largest
 // component, behind it blue itself.
-void FillRow(uint32_t* row, uint32_t red, uint32_t green, const ConversionTables& tables) {
+void FillRow(uint32_t* row, uint32_t red, uint32_t green) {
     const uint32_t larger = std::max(red, green);
     const uint8_t* yellow = tables.ink[larger];
     const uint32_t others = tables.black[larger] | uint32_t{tables.ink[larger][red]} << 8 |
@@ -71,10 +74,10 @@ uint32_t GenericInkConversion(uint8_t red, uint8_t green, uint8_t blue, double i
 }
 
 void FillWithGenericConversion(uint32_t* cache, double inkScale) {
-    const ConversionTables tables{Conversion(inkScale)};
+    tables.Fill(Conversion(inkScale));
     for (uint32_t red = 0; red < 256; ++red) {
         for (uint32_t green = 0; green < 256; ++green) {
-            FillRow(cache + ColorIndex(red, green, 0), red, green, tables);
+            FillRow(cache + ColorIndex(red, green, 0), red, green);
         }
     }
 }

@@ -6,19 +6,6 @@ namespace orvex {
 
 namespace {
 
-// Calls visit(index in the cache, index in the grid) for every grid point.
-template <typename Visit>
-void ForEachGridPoint(Visit visit) {
-    for (int red = 0; red < kGridSteps; ++red) {
-        for (int green = 0; green < kGridSteps; ++green) {
-            for (int blue = 0; blue < kGridSteps; ++blue) {
-                visit(ColorIndex(GridValue(red), GridValue(green), GridValue(blue)),
-                      InkGrid::Index(red, green, blue));
-            }
-        }
-    }
-}
-
 // Where a component lies between two grid points. 255 lies on the upper one.
 struct GridSpan {
     explicit GridSpan(int component) {
@@ -38,11 +25,14 @@ uint32_t Between(uint32_t lower, uint32_t upper, uint32_t fraction) {
 }  // namespace
 
 void CopyGridOut(const uint32_t* cache, InkGrid* grid) {
-    ForEachGridPoint([&](uint32_t color, int point) { grid->inks[point] = cache[color]; });
-}
-
-void CopyGridIn(const InkGrid& grid, uint32_t* cache) {
-    ForEachGridPoint([&](uint32_t color, int point) { cache[color] = grid.inks[point]; });
+    for (int red = 0; red < kGridSteps; ++red) {
+        for (int green = 0; green < kGridSteps; ++green) {
+            for (int blue = 0; blue < kGridSteps; ++blue) {
+                grid->inks[InkGrid::Index(red, green, blue)] =
+                    cache[ColorIndex(GridValue(red), GridValue(green), GridValue(blue))];
+            }
+        }
+    }
 }
 
 uint32_t GridLookup(const InkGrid& grid, int blue, int green, int red, bool flag) {

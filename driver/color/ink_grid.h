@@ -16,9 +16,8 @@ struct InkGrid {
     }
 };
 
-// Copies the grid out of a cache, as its entries are stored; and back into it.
+// Copies the grid out of a cache, as its entries are stored.
 void CopyGridOut(const uint32_t* cache, InkGrid* grid);
-void CopyGridIn(const InkGrid& grid, uint32_t* cache);
 
 // The ink value of a colour between the grid points, linear along blue, green and red. Components outside 0
 // to 255 count as the nearer of the two. The flag has no effect.

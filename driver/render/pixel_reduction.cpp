@@ -54,9 +54,9 @@ class ByteSums {
 }  // namespace
 
 void ReducePixels(const uint32_t* pixels, int32_t width, int32_t height, int32_t scale, uint32_t* out) {
-    // So many blocks side by side are summed at once that their lines are read in pieces of many memory
-    // pages.
-    constexpr int32_t kStrip = 512;
+    // So many blocks side by side are summed at once that their lines are read in long pieces, and so few
+    // that their sums, 48 bytes each, fit on a small stack.
+    constexpr int32_t kStrip = 256;
     ByteSums sums[kStrip];
     const ptrdiff_t side = ptrdiff_t{1} << scale;
     for (int32_t y = 0; y < height >> scale; ++y) {

@@ -1,5 +1,6 @@
 #include <functional>
 
+#include "driver/profiles/block_reader.h"
 #include "tests/driver/profiles/profile_fixture.h"
 
 namespace orvex {
@@ -266,7 +267,7 @@ TEST_F(BrokenProfile, LeavesNothingOfAVersion1WhoseColorsEndEarly) {
     const std::string path = HollowProfile(1, "");
     LogCapture log;
     const FileWatch watch;
-    watch.EndAfter(32768 + 1000);  // one block with the head, then the colours
+    watch.EndAfter(BlockReader::kBlock + 1000);  // one block with the head, then the colours
     EXPECT_EQ(zvc_load_profile(path.c_str(), kResolution600, &code_, name_, sizeof name_), 1);
     EXPECT_EQ(watch.Open(), 0u);
     EXPECT_TRUE(HoldsGenericConversion(50));
@@ -311,7 +312,7 @@ TEST_F(BrokenProfile, LeavesColorsOfTheOtherVersionsThatDoNotComeAsPrepared) {
     for (const int version : {2, 3, 4, 5}) {
         const std::string path = HollowProfile(version, come);
         const FileWatch watch;
-        watch.EndAfter(32768 + 1030);  // one block with the head, then the colours
+        watch.EndAfter(BlockReader::kBlock + 1030);  // one block with the head, then the colours
         EXPECT_EQ(zvc_load_profile(path.c_str(), kResolution600, &code_, name_, sizeof name_), version);
         EXPECT_EQ(watch.Open(), 0u);
         EXPECT_TRUE(SameForEveryColor(StoredEntry, expected[version - 2])) << version;
