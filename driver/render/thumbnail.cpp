@@ -1,12 +1,11 @@
 #include "driver/render/thumbnail.h"
 
-#include <lodepng.h>
-
 #include <algorithm>
 
 #include "driver/render/base64.h"
 #include "driver/render/pixel_reduction.h"
-#include "driver/render/png_memory/png_memory.h"
+#include "driver/render/png_encoder/png_encoder.h"
+#include "driver/render/png_encoder/png_memory.h"
 #include "driver/support/log.h"
 #include "driver/support/settings_file.h"
 
@@ -41,8 +40,7 @@ struct PngJob {
 
 void RunPngJob(void* context) {
     auto* job = static_cast<PngJob*>(context);
-    job->error =
-        lodepng_encode_memory(&job->png, &job->size, job->pixels, job->width, job->height, LCT_RGBA, 8);
+    job->error = EncodeRgbaPng(&job->png, &job->size, job->pixels, job->width, job->height);
 }
 
 // The file's bytes, or null; LodePNG's error code.

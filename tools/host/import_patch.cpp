@@ -4,6 +4,7 @@
 
 #ifdef _WIN32
 #include <cstring>
+#include <set>
 #else
 #include "platform/posix/double.h"
 #endif
@@ -92,6 +93,12 @@ std::vector<std::string> ImportedFunctions(HMODULE module) {
     }
     std::sort(names.begin(), names.end());
     return names;
+}
+
+std::vector<std::string> ImportedLibraries(HMODULE module) {
+    std::set<std::string> names;
+    for (const Import& import : Imports(module)) names.insert(import.library);
+    return {names.begin(), names.end()};
 }
 
 #else

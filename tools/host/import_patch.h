@@ -35,4 +35,9 @@ class ImportPatch {
 // natively those of all doubles.
 std::vector<std::string> ImportedFunctions(HMODULE module);
 
+#ifdef _WIN32
+// The names of the libraries from which a loaded module imports, sorted, each once.
+std::vector<std::string> ImportedLibraries(HMODULE module);
+#endif
+
 }  // namespace orvex::tools

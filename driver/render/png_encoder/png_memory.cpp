@@ -1,16 +1,12 @@
-#include "driver/render/png_memory/png_memory.h"
+#include "driver/render/png_encoder/png_memory.h"
 
 #include <csetjmp>
-#include <cstddef>
 #include <cstdlib>
 
-void* lodepng_malloc(size_t size);
-void* lodepng_realloc(void* memory, size_t size);
-void lodepng_free(void* memory);
+namespace orvex {
 
 namespace {
 
-bool working = false;
 jmp_buf givenUp;
 
 // The blocks that the work holds.
@@ -53,20 +49,17 @@ void Forget(void* memory) {
 void EndWork() {
     free(held.blocks);
     held = {};
-    working = false;
 }
 
 }  // namespace
 
-void* lodepng_malloc(size_t size) {
-    if (!working) return malloc(size);
+void* PngMalloc(size_t size) {
     Reserve();
     return Hold(malloc(size == 0 ? 1 : size));
 }
 
-void* lodepng_realloc(void* memory, size_t size) {
-    if (!working) return realloc(memory, size);
-    if (memory == nullptr) return lodepng_malloc(size);
+void* PngRealloc(void* memory, size_t size) {
+    if (memory == nullptr) return PngMalloc(size);
     void** const entry = Find(memory);
     void* moved = realloc(memory, size == 0 ? 1 : size);
     if (moved == nullptr) longjmp(givenUp, 1);
@@ -74,8 +67,8 @@ void* lodepng_realloc(void* memory, size_t size) {
     return moved;
 }
 
-void lodepng_free(void* memory) {
-    if (working) Forget(memory);
+void PngFree(void* memory) {
+    Forget(memory);
     free(memory);
 }
 
@@ -85,8 +78,9 @@ bool WithPngMemory(void (*work)(void* context), void* context) {
         EndWork();
         return false;
     }
-    working = true;
     work(context);
     EndWork();
     return true;
 }
+
+}  // namespace orvex
