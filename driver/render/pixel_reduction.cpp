@@ -16,14 +16,18 @@ class ByteSums {
   public:
     // Adds a line of pixels, whose number is a power of two.
     void AddLine(const uint32_t* pixels, ptrdiff_t count) {
+        __m128i line[kBytes] = {};  // two sums of each byte
         if (count == 1) {
-            Add(_mm_cvtsi32_si128(static_cast<int>(*pixels)));
+            Add(_mm_cvtsi32_si128(static_cast<int>(*pixels)), line);
         } else if (count == 2) {
-            Add(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(pixels)));
+            Add(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(pixels)), line);
         } else {
             for (const uint32_t* end = pixels + count; pixels != end; pixels += 4) {
-                Add(_mm_loadu_si128(reinterpret_cast<const __m128i*>(pixels)));
+                Add(_mm_loadu_si128(reinterpret_cast<const __m128i*>(pixels)), line);
             }
+        }
+        for (int byte = 0; byte < kBytes; ++byte) {
+            sums_[byte] += Half(line[byte]) + Half(_mm_srli_si128(line[byte], 8));
         }
     }
 
@@ -31,8 +35,7 @@ class ByteSums {
     uint32_t Mean(int32_t shift) const {
         uint32_t pixel = kOpaque;
         for (int byte = 0; byte < kBytes; ++byte) {
-            const uint64_t sum = Half(sums_[byte]) + Half(_mm_srli_si128(sums_[byte], 8));
-            pixel |= static_cast<uint32_t>(sum >> shift) << 8 * byte;
+            pixel |= static_cast<uint32_t>(sums_[byte] >> shift) << 8 * byte;
         }
         return pixel;
     }
@@ -40,23 +43,23 @@ class ByteSums {
   private:
     static constexpr int kBytes = 3;
 
-    void Add(__m128i pixels) {
+    static void Add(__m128i pixels, __m128i (&sums)[kBytes]) {
         for (int byte = 0; byte < kBytes; ++byte) {
             const __m128i alone = _mm_and_si128(pixels, _mm_set1_epi32(0xFF << 8 * byte));
-            sums_[byte] = _mm_add_epi64(sums_[byte], _mm_sad_epu8(alone, _mm_setzero_si128()));
+            sums[byte] = _mm_add_epi64(sums[byte], _mm_sad_epu8(alone, _mm_setzero_si128()));
         }
     }
     static uint64_t Half(__m128i sums) { return static_cast<uint64_t>(_mm_cvtsi128_si64(sums)); }
 
-    __m128i sums_[kBytes] = {};  // two of each byte
+    uint64_t sums_[kBytes] = {};
 };
 
 }  // namespace
 
 void ReducePixels(const uint32_t* pixels, int32_t width, int32_t height, int32_t scale, uint32_t* out) {
-    // So many blocks side by side are summed at once that their lines are read in long pieces, and so few
-    // that their sums, 48 bytes each, fit on a small stack.
-    constexpr int32_t kStrip = 256;
+    // So many blocks side by side are summed at once that their lines are read in pieces of many memory
+    // pages, and so few that their sums fit on a small stack: 12 KiB.
+    constexpr int32_t kStrip = 512;
     ByteSums sums[kStrip];
     const ptrdiff_t side = ptrdiff_t{1} << scale;
     for (int32_t y = 0; y < height >> scale; ++y) {

@@ -73,7 +73,7 @@ TEST(PixelReduction, IsThePlainMeanAtEveryScaleAndForWhateverIsLeftOver) {
 }
 
 TEST(PixelReduction, GoesOnBehindTheBlocksThatAreSummedAtOnce) {
-    for (const int32_t blocks : {255, 256, 257, 513}) {
+    for (const int32_t blocks : {511, 512, 513, 1025}) {
         ExpectReduced(blocks, 2, 0);
         ExpectReduced(2 * blocks + 1, 3, 1);
         ExpectReduced(4 * blocks + 3, 8, 2);
