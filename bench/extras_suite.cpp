@@ -32,7 +32,7 @@ void MeasureThumbnail(Bench& bench) {
                 1.3,
                 [&] {
                     reduce();
-                    if (reduced != PlainlyReduced(page.pixels, page.width, page.height, scale)) {
+                    if (reduced != plain::Reduced(page.pixels, page.width, page.height, scale)) {
                         throw CheckFailure("the thumbnail is wrong");
                     }
                 }});

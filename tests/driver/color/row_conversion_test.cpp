@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "tests/driver/color/cache_filling.h"
-#include "tests/driver/color/plain_rows.h"
+#include "tests/plain/plain_rows.h"
 
 namespace orvex {
 

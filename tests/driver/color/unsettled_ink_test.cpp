@@ -9,8 +9,8 @@
 #include "driver/color/color_adjustment.h"
 #include "driver/color/row_conversion.h"
 #include "tests/driver/color/cache_filling.h"
-#include "tests/driver/color/plain_rows.h"
 #include "tests/kit/installation_fixture.h"
+#include "tests/plain/plain_rows.h"
 
 namespace orvex {
 

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "tests/driver/render/plain_page.h"
 #include "tests/kit/allocation_failure.h"
+#include "tests/plain/page_order.h"
 
 namespace orvex {
 
@@ -50,7 +50,7 @@ void ExpectRows(const Page& page, RowOrder order) {
     for (int32_t row = 0; row < reader.RowCount(); ++row) {
         const uint32_t* pixels = reader.Row(row);
         for (int32_t i = 0; i < reader.RowWidth(); ++i) {
-            ASSERT_EQ(pixels[i] & kColorBits, PlainPixel(page, order, row, i))
+            ASSERT_EQ(pixels[i] & kColorBits, plain::PagePixel(page, order, row, i))
                 << "row " << row << " pixel " << i;
         }
     }
@@ -120,7 +120,7 @@ TEST(PageRows, CanBeReadInAnyOrderAndAgain) {
     for (const int32_t row : {0, 49, 0, 17, 33, 1, 0, 48}) {
         const uint32_t* pixels = reader.Row(row);
         for (int32_t i = 0; i < reader.RowWidth(); ++i) {
-            ASSERT_EQ(pixels[i] & kColorBits, PlainPixel(page, order, row, i))
+            ASSERT_EQ(pixels[i] & kColorBits, plain::PagePixel(page, order, row, i))
                 << "row " << row << " pixel " << i;
         }
     }
@@ -242,7 +242,7 @@ TEST(PageRows, BehindTheLastColumnRepeatNoneAndAreNotTakenForAnother) {
     for (const int32_t row : {15, 14, 0, 16, 0, 16}) {
         const uint32_t* pixels = reader.Row(row);
         for (int32_t i = 0; i < reader.RowWidth(); ++i) {
-            ASSERT_EQ(pixels[i] & kColorBits, PlainPixel(page, order, row, i)) << row;
+            ASSERT_EQ(pixels[i] & kColorBits, plain::PagePixel(page, order, row, i)) << row;
         }
         EXPECT_EQ(reader.Repeats(), row == 14);
     }

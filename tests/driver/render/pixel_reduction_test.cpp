@@ -23,7 +23,7 @@ std::vector<uint32_t> RandomPixels(int32_t width, int32_t height) {
 void ExpectReduced(int32_t width, int32_t height, int32_t scale) {
     SCOPED_TRACE(testing::Message() << width << " x " << height << " by 2^" << scale);
     const std::vector<uint32_t> pixels = RandomPixels(width, height);
-    const std::vector<uint32_t> expected = PlainlyReduced(pixels, width, height, scale);
+    const std::vector<uint32_t> expected = plain::Reduced(pixels, width, height, scale);
     std::vector<uint32_t> reduced(expected.size());
     ReducePixels(pixels.data(), width, height, scale, reduced.data());
     EXPECT_TRUE(reduced == expected);
