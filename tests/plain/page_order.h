@@ -1,5 +1,5 @@
-// Plain definition of the order in which a page's pixels are printed: orientation, rotation and mirroring, one
-// pixel at a time.
+// Plain definition of the order in which a page's pixels are printed: orientation, rotation and mirroring,
+// one pixel at a time.
 #pragma once
 
 #include <cstdint>
