@@ -2,7 +2,6 @@
 
 #include "bench/suites.h"
 #include "driver/render/pixel_reduction.h"
-#include "driver/render/thumbnail.h"
 #include "driver/support/log.h"
 #include "tests/kit/log_capture.h"
 #include "tests/plain/plain_reduction.h"

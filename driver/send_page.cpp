@@ -3,12 +3,12 @@
 
 #include "driver/job_state.h"
 #include "driver/page_layout_input.h"
-#include "driver/render/raster_loop.h"
-#include "driver/render/thumbnail.h"
+#include "driver/raster_output.h"
 #include "driver/support/installation.h"
 #include "driver/support/log.h"
 #include "driver/support/settings_file.h"
 #include "driver/support/text.h"
+#include "driver/thumbnail.h"
 
 namespace orvex {
 
@@ -92,8 +92,7 @@ void DiscardThumbnail() {
 
 // The first page settles the resolution code for the job header; a later page has it patched into the
 // engine's output.
-void RequestResolution(int16_t dpi) {
-    const bool is600 = dpi == 600;
+void RequestResolution(bool is600) {
     if (g_cHpres == kHpresUnset) {
         g_cHpres = is600 ? 0 : -1;
         return;
@@ -154,7 +153,7 @@ extern "C" BOOL APIENTRY DrvSendPage(SURFOBJ* pso) {
     LogExtents(*pdev, layout);
     if (firstPage) MakeThumbnail(*pso);
     LogPrintHeadOffset(layout);
-    RequestResolution(layout.dpi);
+    RequestResolution(layout.Is600Dpi());
     // Without a bound library, after a job that failed to start, there is no engine to send the page to.
     if (g_hHpcrlib != nullptr) SendToEngine(*pdev, *pso, layout);
 

@@ -147,10 +147,10 @@ int32_t ConvertRow(uint32_t* destination, const uint32_t* source, uint32_t count
     (void)reserved;
     const uint32_t* pattern = kws != 0 ? BlankPattern(lightPattern) : nullptr;
     switch (grayMode) {
-        case kCompositeGray:
+        case kColorModeCompositeGray:
             RowConverter<InGray<CompositeGray>>(pattern).Convert(destination, source, count);
             break;
-        case kBlackOnlyGray:
+        case kColorModeBlackGray:
             RowConverter<InGray<GrayWeight>>(pattern).Convert(destination, source, count);
             break;
         default:

@@ -3,14 +3,9 @@
 
 #include <cstdint>
 
-namespace orvex {
+#include "driver/color/color_mode.h"
 
-// The device mode's colorMode. Any other value prints in colour.
-enum GrayMode : uint32_t {
-    kColor = 0,
-    kCompositeGray = 1,  // greys out of C, M and Y, without black ink
-    kBlackOnlyGray = 2,  // greys out of K alone
-};
+namespace orvex {
 
 // Converts `count` pixels of `source` through the colour cache into `destination`, which may be the same
 // buffer. With `kws` non-zero, pixels without ink get the blank-pixel pattern, which starts anew with each

@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "driver/config/device_mode.h"
-
 namespace orvex {
 
 namespace {
@@ -13,7 +11,7 @@ constexpr int32_t kPageMarginUnits = 2400;  // the engine's page is a third of a
 constexpr int32_t kFullPageUnits = 86616;   // 12.03 inches
 constexpr double kMmPerInch = 25.4;
 
-// Sums and products are formed in 64 bits and wrap to 32.
+// Wraps a sum or product, formed in 64 bits, to 32.
 int32_t Wrap(int64_t value) {
     return static_cast<int32_t>(value);
 }
@@ -55,7 +53,7 @@ void Align(int16_t alignment, PageLayout& layout) {
     layout.pageLengthUnits = kFullPageUnits;
     Placement& place = layout.aligned;
     if (!layout.fullWidth) {
-        if (alignment == kAlignCentre) layout.pageLengthUnits = layout.pageHUnits;
+        if (alignment == kAlignCenter) layout.pageLengthUnits = layout.pageHUnits;
         if (alignment == kAlignRight) place.topOff = Wrap(int64_t{layout.dpi} * 117 / 10 - layout.rows);
     } else if (alignment == kAlignLeft) {
         place.fullBottom = Wrap(int64_t{place.fullBottom} + place.fullTop);

@@ -10,6 +10,15 @@ namespace orvex {
 namespace {
 
 constexpr uint32_t kOpaque = 0xFF000000;
+constexpr double kLowestLimit = 100;
+
+// Returns how many halvings make `side` no longer exceed `limit`.
+int32_t Halvings(int32_t side, double limit) {
+    const double bound = std::min(limit, 2147483647.0);
+    int32_t count = 0;
+    for (; side > static_cast<int32_t>(bound); side >>= 1) ++count;
+    return count;
+}
 
 // The sums of some pixels' first three bytes.
 class ByteSums {
@@ -55,6 +64,11 @@ class ByteSums {
 };
 
 }  // namespace
+
+int32_t ThumbnailScale(int32_t width, int32_t height, double maxWidth, double maxHeight) {
+    if (!(maxWidth >= kLowestLimit && maxHeight >= kLowestLimit)) return 0;
+    return width / maxWidth > height / maxHeight ? Halvings(width, maxWidth) : Halvings(height, maxHeight);
+}
 
 void ReducePixels(const uint32_t* pixels, int32_t width, int32_t height, int32_t scale, uint32_t* out) {
     // So many blocks side by side are summed at once that their lines are read in pieces of many memory

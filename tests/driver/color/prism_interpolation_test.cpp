@@ -56,7 +56,7 @@ void ExpectPlainPrismEverywhere() {
             inks[i] = stored == kNotComputed ? have : stored;
         }
         std::vector<uint32_t> printed(kRow);
-        ConvertRow(printed.data(), row.data(), kRow, 1, 0, 0, kColor);
+        ConvertRow(printed.data(), row.data(), kRow, 1, 0, 0, kColorModeColor);
         ASSERT_TRUE(printed == inks) << std::hex << "the row of colour 0x" << first;
     }
 }

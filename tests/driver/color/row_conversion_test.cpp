@@ -118,21 +118,22 @@ TEST(ConvertRow, PutsThePatternNotTheGrayOnBlankPixels) {
 }
 
 TEST(ConvertRow, ClampsTheGrayWeight) {
-    EXPECT_EQ(ConvertInk(plain::Ink(200, 200, 200, 200), {.grayMode = kBlackOnlyGray}), 0x000000FFu);
-    EXPECT_EQ(ConvertInk(0xFFFFFFFE, {.grayMode = kBlackOnlyGray}), 0x000000FFu);
+    EXPECT_EQ(ConvertInk(plain::Ink(200, 200, 200, 200), {.grayMode = kColorModeBlackGray}), 0x000000FFu);
+    EXPECT_EQ(ConvertInk(0xFFFFFFFE, {.grayMode = kColorModeBlackGray}), 0x000000FFu);
 }
 
 TEST(ConvertRow, WeighsEachInkByTheLightThatItTakes) {
-    EXPECT_EQ(ConvertInk(plain::Ink(0, 100, 0, 0), {.grayMode = kBlackOnlyGray}), 29u);
-    EXPECT_EQ(ConvertInk(plain::Ink(0, 0, 100, 0), {.grayMode = kBlackOnlyGray}), 58u);
-    EXPECT_EQ(ConvertInk(plain::Ink(0, 0, 0, 100), {.grayMode = kBlackOnlyGray}), 11u);
-    EXPECT_EQ(ConvertInk(plain::Ink(0, 255, 0, 0), {.grayMode = kBlackOnlyGray}), 76u);
+    EXPECT_EQ(ConvertInk(plain::Ink(0, 100, 0, 0), {.grayMode = kColorModeBlackGray}), 29u);
+    EXPECT_EQ(ConvertInk(plain::Ink(0, 0, 100, 0), {.grayMode = kColorModeBlackGray}), 58u);
+    EXPECT_EQ(ConvertInk(plain::Ink(0, 0, 0, 100), {.grayMode = kColorModeBlackGray}), 11u);
+    EXPECT_EQ(ConvertInk(plain::Ink(0, 255, 0, 0), {.grayMode = kColorModeBlackGray}), 76u);
 }
 
 TEST(ConvertRow, PrintsCompositeGrayWithoutBlackAndWithLessCyan) {
-    EXPECT_EQ(ConvertInk(plain::Ink(255, 0, 0, 0), {.grayMode = kCompositeGray}), 0xAAAA8800u);
-    EXPECT_EQ(ConvertInk(plain::Ink(0, 100, 0, 0), {.grayMode = kCompositeGray}), 0x13130F00u);  // 29: 19, 15
-    EXPECT_EQ(ConvertInk(plain::Ink(1, 0, 0, 0), {.grayMode = kCompositeGray}), 0u);
+    EXPECT_EQ(ConvertInk(plain::Ink(255, 0, 0, 0), {.grayMode = kColorModeCompositeGray}), 0xAAAA8800u);
+    EXPECT_EQ(ConvertInk(plain::Ink(0, 100, 0, 0), {.grayMode = kColorModeCompositeGray}),
+              0x13130F00u);  // 29: 19, 15
+    EXPECT_EQ(ConvertInk(plain::Ink(1, 0, 0, 0), {.grayMode = kColorModeCompositeGray}), 0u);
 }
 
 TEST(ConvertRow, TreatsOtherGrayModesAsColor) {
@@ -144,7 +145,7 @@ TEST(ConvertRow, TreatsOtherGrayModesAsColor) {
 
 TEST(ConvertRow, ReturnsASentinelAsItIsWhereNothingIsComputed) {
     EXPECT_EQ(ConvertInk(kNotComputed, {}), kNotComputed);
-    EXPECT_EQ(ConvertInk(kNotComputed, {.grayMode = kBlackOnlyGray}), 0x000000FFu);
+    EXPECT_EQ(ConvertInk(kNotComputed, {.grayMode = kColorModeBlackGray}), 0x000000FFu);
 }
 
 TEST(ConvertRow, KeepsWhatItComputesInTheCache) {
@@ -176,7 +177,7 @@ TEST(ConvertRow, DoesNotLookAtWhatTheBufferHeld) {
     std::fill(row.begin() + 16, row.end(), 0x654321);
     const std::vector<uint32_t> want = Convert(row);
     std::vector<uint32_t> inks(32, 0x123456);
-    ConvertRow(inks.data(), row.data(), 32, 1, 0, 0, kColor);
+    ConvertRow(inks.data(), row.data(), 32, 1, 0, 0, kColorModeColor);
     EXPECT_EQ(inks, want);
     EXPECT_EQ(inks[31], g_colorCache[0x654321]);
 }
@@ -238,9 +239,9 @@ TEST(ConvertRow, AddsThePartsOfAGrayInTheirOrder) {
             }
         }
     }
-    EXPECT_EQ(ConvertInk(plain::Ink(100, 0, 0, 0), {.grayMode = kBlackOnlyGray}), 100u);
-    EXPECT_EQ(ConvertInk(plain::Ink(64, 0, 0, 0), {.grayMode = kBlackOnlyGray}), 63u);
-    EXPECT_EQ(ConvertInk(plain::Ink(13, 0, 0, 0), {.grayMode = kBlackOnlyGray}), 12u);
+    EXPECT_EQ(ConvertInk(plain::Ink(100, 0, 0, 0), {.grayMode = kColorModeBlackGray}), 100u);
+    EXPECT_EQ(ConvertInk(plain::Ink(64, 0, 0, 0), {.grayMode = kColorModeBlackGray}), 63u);
+    EXPECT_EQ(ConvertInk(plain::Ink(13, 0, 0, 0), {.grayMode = kColorModeBlackGray}), 12u);
 }
 
 TEST(FillBlankPattern, StartsAtItsFirstPosition) {
