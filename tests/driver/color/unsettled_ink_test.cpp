@@ -9,7 +9,6 @@
 #include "driver/color/color_adjustment.h"
 #include "driver/color/row_conversion.h"
 #include "tests/driver/color/cache_filling.h"
-#include "tests/kit/installation_fixture.h"
 #include "tests/plain/plain_rows.h"
 
 namespace orvex {
@@ -137,14 +136,13 @@ TEST(UnsettledInk, ComesOfAnAdjustedHalfGridToo) {
         int32_t amount;
         uint32_t color, corner;
     };
-    const InstallationFixture installation;
     for (const Case& each : {Case{kBrightness, 50, 0xFF7FFF, 0xFF80FF},
                              {kSaturation, 20, 0xFF7FFF, 0xFF80FF},
                              {kBlack, -20, 0xFFFFEF, 0xFFFFF0}}) {
         FillCache(kHalfGridPlanes, kNotComputed, plain::IsAllEven, InkOf);
         int32_t values[kAdjustmentValues] = {};
         values[each.value] = each.amount;
-        AdjustColors(values);
+        AdjustColors(values, {});
         std::vector<uint32_t> table(g_colorCache, g_colorCache + kCacheEntries);
 
         std::vector<uint32_t> row(24, each.color);
