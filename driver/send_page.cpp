@@ -14,6 +14,11 @@ namespace orvex {
 
 namespace {
 
+// The resolution code in the job header.
+constexpr signed char kHpres600 = 0;
+constexpr signed char kHpresOther = -1;
+
+// The print engine's command that switches the resolution.
 constexpr char kSwitchTo600[] = "\x1B*o0M";
 constexpr char kSwitchToOther[] = "\x1B*o-1M";
 
@@ -69,8 +74,8 @@ void LogPrintHeadOffset(const PageLayout& layout) {
     }
 }
 
-// Returns whether a side of the bitmap is negative. No graphics engine makes such a bitmap, and no row and no
-// thumbnail can be made of it.
+// Returns whether a side of the bitmap is negative. No graphics engine makes such a bitmap, and neither rows
+// nor a thumbnail can be made of it.
 bool HasNegativeSide(const SURFOBJ& surface) {
     return surface.sizlBitmap.cx < 0 || surface.sizlBitmap.cy < 0;
 }
@@ -78,7 +83,7 @@ bool HasNegativeSide(const SURFOBJ& surface) {
 void MakeThumbnail(const SURFOBJ& surface) {
     if (HasNegativeSide(surface)) return;
     if (!LookupFlag("[Driver]", "Add_Thumb=")) return;
-    if (surface.iBitmapFormat == BMF_24BPP) return;  // has not the 32 bits a pixel that a thumbnail reads
+    if (surface.iBitmapFormat == BMF_24BPP) return;  // the thumbnail reads pixels of 32 bits
     BuildPageThumbnail(static_cast<const uint32_t*>(surface.pvBits), surface.sizlBitmap.cx,
                        surface.sizlBitmap.cy, &g_pThumbnail, &g_cbThumbnail);
 }
@@ -90,11 +95,11 @@ void DiscardThumbnail() {
     g_pThumbnail = nullptr;
 }
 
-// The first page settles the resolution code for the job header; a later page has it patched into the
-// engine's output.
+// Settles the resolution code of the job header on the job's first page, and has it patched into the engine's
+// output on a later one.
 void RequestResolution(bool is600) {
     if (g_cHpres == kHpresUnset) {
-        g_cHpres = is600 ? 0 : -1;
+        g_cHpres = is600 ? kHpres600 : kHpresOther;
         return;
     }
     if (g_resolutionSwitch.queued) LogError("Error: page %d res missed!!!!!!!!!!!!!!!!!!!", g_nPage);
@@ -103,7 +108,7 @@ void RequestResolution(bool is600) {
                           true, true};
 }
 
-// One engine call of a page; a refusal is logged and ends the page.
+// Returns whether a call of the engine succeeded. A refusal is logged and ends the page.
 bool Succeeded(uint32_t status, const char* refusal) {
     if (status == kEngineSuccess) return true;
     LogError(refusal);
@@ -111,7 +116,7 @@ bool Succeeded(uint32_t status, const char* refusal) {
 }
 
 void SendToEngine(const PDEV& pdev, const SURFOBJ& surface, const PageLayout& layout) {
-    // Refused before the engine opens the page, so that it takes the next one.
+    // The page is refused before the engine opens it, so that the engine takes the next one.
     if (HasNegativeSide(surface)) {
         LogError("Error: could not send a page of %dx%d pixels", surface.sizlBitmap.cx,
                  surface.sizlBitmap.cy);
@@ -138,7 +143,8 @@ void SendToEngine(const PDEV& pdev, const SURFOBJ& surface, const PageLayout& la
 
 }  // namespace
 
-// An engine's refusal is logged, not reported: the hook still returns TRUE and counts the page.
+// Sends a page. A refusal by the engine is logged, not reported: the hook still returns TRUE and counts the
+// page.
 extern "C" BOOL APIENTRY DrvSendPage(SURFOBJ* pso) {
     const TraceScope trace("DrvSendPage");
     const DWORD start = GetTickCount();
@@ -154,7 +160,7 @@ extern "C" BOOL APIENTRY DrvSendPage(SURFOBJ* pso) {
     if (firstPage) MakeThumbnail(*pso);
     LogPrintHeadOffset(layout);
     RequestResolution(layout.Is600Dpi());
-    // Without a bound library, after a job that failed to start, there is no engine to send the page to.
+    // After a job that failed to start, no library is bound, and there is no engine to send the page to.
     if (g_hHpcrlib != nullptr) SendToEngine(*pdev, *pso, layout);
 
     ++pdev->pageCount;

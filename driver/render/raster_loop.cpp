@@ -73,7 +73,7 @@ bool RasterLoop::SendImageRows(RowSink& sink) {
             const StageScope stage(sink, RasterStage::kReformat);
             if (layout_.imageWidth > 0) pixels = reader_.Row(row);
         }
-        // The output row still holds the inks of a row like this one, if these are settled; only the first
+        // The output row still has the inks of a row like this one, if these are settled; only the first
         // row's may have been changed since.
         if (row <= 1 || !reader_.Repeats() || !InksAreSettled()) {
             const StageScope stage(sink, RasterStage::kConvert);

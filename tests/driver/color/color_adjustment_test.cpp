@@ -165,7 +165,7 @@ TEST(ColorAdjustment, ByBlackAloneLowersTheLightness) {
 }
 
 TEST(GridLookup, EqualsTheInterpolationInDoublePrecision) {
-    // Two inks at random, two either absent or full.
+    // Two inks are random, and two either absent or full.
     std::vector<uint32_t> points;
     for (uint32_t i = 0; i < kGridPoints; ++i) {
         const uint32_t random = plain::Scramble(i), which = plain::Scramble(i, 1);

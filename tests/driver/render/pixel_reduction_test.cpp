@@ -74,7 +74,7 @@ TEST(PixelReduction, EqualsThePlainMeanAtEveryScaleWithAnyRemainder) {
 }
 
 TEST(PixelReduction, ContinuesAfterTheBlocksThatAreSummedTogether) {
-    for (const int32_t blocks : {255, 256, 257, 513}) {
+    for (const int32_t blocks : {511, 512, 513, 1025}) {
         ExpectReduced(blocks, 2, 0);
         ExpectReduced(2 * blocks + 1, 3, 1);
         ExpectReduced(4 * blocks + 3, 8, 2);
@@ -91,7 +91,7 @@ TEST(ThumbnailScale, IsGovernedByTheSideThatExceedsItsLimitByMore) {
 
 TEST(ThumbnailScale, ChecksOnlyTheGoverningSide) {
     EXPECT_EQ(ThumbnailScale(1000, 1000, 300, 999), 2);
-    EXPECT_EQ(ThumbnailScale(3204, 2403, 800, 600), 2);  // the height when both exceed their limits alike
+    EXPECT_EQ(ThumbnailScale(3204, 2403, 800, 600), 2);  // the height when both exceed their limits equally
 }
 
 TEST(ThumbnailScale, TruncatesALimitWithAFraction) {

@@ -14,7 +14,7 @@ using testing::ElementsAre;
 
 namespace {
 
-// Writes down what it is told, and refuses a row of a given number.
+// Sink that records its calls, and refuses the row of a given number.
 struct Recorder final : RowSink {
     void Begin(RasterStage stage) override { Note("<", stage); }
     void End(RasterStage stage) override { Note(">", stage); }
@@ -31,7 +31,7 @@ struct Recorder final : RowSink {
     std::vector<std::vector<uint32_t>> rows;
 };
 
-// A landscape page of three rows: a white one, a gray one twice.
+// A landscape page of three rows: a white one and two gray ones.
 constexpr uint32_t kPixels[] = {0xFFFFFF, 0xFFFFFF, 0x808080, 0x808080, 0x808080, 0x808080};
 const PageBitmap kBitmap = {reinterpret_cast<const uint8_t*>(kPixels), 2, 3, 8, 4};
 
@@ -60,7 +60,7 @@ bool Send(const PageLayout& layout, const RasterSettings& settings, Recorder& re
 
 }  // namespace
 
-TEST(RasterLoop, LeadsEachRowThroughItsStagesAndConvertsNoRepeatedRow) {
+TEST(RasterLoop, PassesEachRowThroughItsStagesAndConvertsNoRepeatedRow) {
     Recorder recorder;
     EXPECT_TRUE(Send(ComputePageLayout(Input()), Settings(), recorder));
     EXPECT_EQ(recorder.calls, "<R>R<C>C<E#0>E<R>R<C>C<E#1>E<R>R<E#2>E");
