@@ -31,6 +31,7 @@ endfunction()
 # orvex_driver_library(TARGET SOURCE...): sources of the driver, which neither throws nor catches, as a library.
 function(orvex_driver_library target)
     add_library(${target} STATIC ${ARGN})
+    target_include_directories(${target} PUBLIC ${CMAKE_SOURCE_DIR})
     target_compile_options(${target} PRIVATE -fno-exceptions -fno-rtti)
     orvex_small_frames(${target})
     if(ORVEX_COVERAGE)

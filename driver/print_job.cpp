@@ -2,7 +2,7 @@
 
 #include <cstdio>
 
-#include "driver/color/color_adjustment.h"
+#include "driver/adjustment.h"
 #include "driver/job_output.h"
 #include "driver/job_state.h"
 #include "driver/print_engine.h"
@@ -75,7 +75,7 @@ void AdjustJobColors(const PrivateDevMode& settings) {
     if (!adjusted) return;
     LogError("ca t:%d,b:%d,s:%d,C:%d,M:%d,Y:%d,K:%d\n", values[kTone], values[kBrightness],
              values[kSaturation], values[kCyan], values[kMagenta], values[kYellow], values[kBlack]);
-    AdjustColors(values);
+    ApplyAdjustment(values);
 }
 
 bool StartNewJob(PDEV* pdev, const SURFOBJ* surface, const WCHAR* documentName) {

@@ -16,7 +16,7 @@
 #include "fuzz/page_input.h"
 #include "fuzz/page_model.h"
 #include "fuzz/target.h"
-#include "tests/driver/render/plain_page.h"
+#include "tests/plain/page_order.h"
 
 namespace orvex::fuzz {
 
@@ -146,7 +146,7 @@ struct EngineCheck {
         const plain::RowOptions options{mode.priv.kws, At600Dpi(),
                                         static_cast<uint32_t>(mode.priv.colorMode)};
         for (int32_t i = 0; i < layout.imageWidth; ++i) {
-            const uint32_t color = PlainPixel(page, OrderOf(mode), row, i);
+            const uint32_t color = plain::PagePixel(page, OrderOf(mode), row, i);
             ImageArea()[i] = plain::Print(colors.PlainInk(color), static_cast<size_t>(i), options);
         }
         if (row == 0 && expected[0] == 0) expected[0] = 2;

@@ -6,6 +6,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "driver/color/color_mode.h"
+#include "driver/render/alignment.h"
 #include "platform/windows.h"
 
 namespace orvex {
@@ -26,8 +28,6 @@ constexpr int16_t kDefaultPaperWidth = 2794;
 constexpr int16_t kResolutions[] = {600, 300};
 constexpr int16_t kDefaultResolution = 300;
 
-enum : int32_t { kColorModeColor = 0, kColorModeCompositeGray = 1, kColorModeBlackGray = 2 };
-enum : int16_t { kAlignRight = 0, kAlignCentre = 1, kAlignLeft = 2 };
 enum : uint32_t { kUnitsMillimetres = 0, kUnitsInches = 1 };  // any other value: tenths of a millimetre
 
 // Flags are 32-bit numbers that must be 0 or 1. Texts are zero-terminated and may fill their field without
@@ -46,7 +46,7 @@ struct PrivateDevMode {
     int16_t copies;            // 1 to 10000
     int16_t chunksize;         // pages, 30 to 10000
     int32_t chunkActive;       // flag
-    int16_t alignment;         // under the print head: 0 far end, 1 centred, 2 near end
+    int16_t alignment;         // an Alignment
     uint8_t reserved110[2];
     int32_t feedSide;   // flag
     int16_t overspray;  // 0 to 3

@@ -6,6 +6,7 @@
 
 #include "driver/config/device_mode.h"
 #include "driver/config/spooler_queries.h"
+#include "driver/support/handle.h"
 #include "driver/support/log.h"
 #include "driver/support/text.h"
 

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "driver/config/label_sizes.h"
+#include "driver/support/handle.h"
 #include "driver/support/heap.h"
 #include "driver/support/installation.h"
 #include "driver/support/log.h"

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <span>
 
-#include "driver/support/heap.h"
+#include "driver/support/handle.h"
 #include "platform/windows.h"
 
 namespace orvex {

@@ -10,11 +10,20 @@ namespace orvex {
 namespace {
 
 constexpr uint32_t kOpaque = 0xFF000000;
+constexpr double kLowestLimit = 100;
 
-// The sums of some pixels' first three bytes.
+// Returns how many halvings make `side` no longer exceed `limit`.
+int32_t Halvings(int32_t side, double limit) {
+    const double bound = std::min(limit, 2147483647.0);
+    int32_t count = 0;
+    for (; side > static_cast<int32_t>(bound); side >>= 1) ++count;
+    return count;
+}
+
+// Sums of the first three bytes of pixels.
 class ByteSums {
   public:
-    // Adds a line of pixels, whose number is a power of two.
+    // Adds a line of pixels; their number is a power of two.
     void AddLine(const uint32_t* pixels, ptrdiff_t count) {
         __m128i line[kBytes] = {};  // two sums of each byte
         if (count == 1) {
@@ -31,7 +40,7 @@ class ByteSums {
         }
     }
 
-    // The opaque pixel of the means of 2^shift pixels.
+    // Returns the opaque mean of 2^shift pixels.
     uint32_t Mean(int32_t shift) const {
         uint32_t pixel = kOpaque;
         for (int byte = 0; byte < kBytes; ++byte) {
@@ -56,9 +65,14 @@ class ByteSums {
 
 }  // namespace
 
+int32_t ThumbnailScale(int32_t width, int32_t height, double maxWidth, double maxHeight) {
+    if (!(maxWidth >= kLowestLimit && maxHeight >= kLowestLimit)) return 0;
+    return width / maxWidth > height / maxHeight ? Halvings(width, maxWidth) : Halvings(height, maxHeight);
+}
+
 void ReducePixels(const uint32_t* pixels, int32_t width, int32_t height, int32_t scale, uint32_t* out) {
-    // So many blocks side by side are summed at once that their lines are read in pieces of many memory
-    // pages, and so few that their sums fit on a small stack: 12 KiB.
+    // Enough blocks are summed together to read pieces of their lines that span many memory pages; few enough
+    // for their sums, 12 KiB, to fit on a small stack.
     constexpr int32_t kStrip = 512;
     ByteSums sums[kStrip];
     const ptrdiff_t side = ptrdiff_t{1} << scale;

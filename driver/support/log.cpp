@@ -7,6 +7,7 @@
 #include <cstring>
 #include <string_view>
 
+#include "driver/support/handle.h"
 #include "driver/support/last_error.h"
 #include "driver/support/module.h"
 #include "platform/shell.h"

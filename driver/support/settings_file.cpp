@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <string_view>
 
+#include "driver/support/handle.h"
 #include "driver/support/installation.h"
 #include "driver/support/log.h"
 #include "driver/support/text.h"

@@ -4,10 +4,10 @@
 #include <algorithm>
 #include <utility>
 
-#include "tests/driver/color/plain_rows.h"
 #include "tests/driver/driver_fixture.h"
 #include "tests/driver/profiles/profile_bytes.h"
-#include "tests/driver/render/plain_page.h"
+#include "tests/plain/page_order.h"
+#include "tests/plain/plain_rows.h"
 
 namespace orvex {
 
@@ -71,7 +71,7 @@ class MissingPoints : public DriverTest {
         std::vector<uint32_t> last;
         for (int32_t row = 0; row < count; ++row) {
             std::vector<uint32_t> pixels;
-            for (int32_t i = 0; i < length; ++i) pixels.push_back(PlainPixel(art, order, row, i));
+            for (int32_t i = 0; i < length; ++i) pixels.push_back(plain::PagePixel(art, order, row, i));
             rows.push_back(plain::PrintRow(
                 pixels, {mode.priv.kws, 0, static_cast<uint32_t>(mode.priv.colorMode)}, 5, table_.data()));
             if (row > 1 && pixels == last) repeatsChange_ |= rows[row] != rows[row - 1];

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <string>
 
+#include "driver/support/handle.h"
 #include "driver/support/text.h"
 #include "platform/shell.h"
 #include "tests/kit/allocation_failure.h"

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <string>
 
+#include "driver/support/handle.h"
 #include "driver/support/installation.h"
 #include "tests/kit/allocation_failure.h"
 #include "tests/kit/installation_fixture.h"

@@ -1,11 +1,10 @@
-#include "driver/render/thumbnail.h"
-
-#include <algorithm>
+#include "driver/thumbnail.h"
 
 #include "driver/render/base64.h"
 #include "driver/render/pixel_reduction.h"
 #include "driver/render/png_encoder/png_encoder.h"
 #include "driver/render/png_encoder/png_memory.h"
+#include "driver/support/heap.h"
 #include "driver/support/log.h"
 #include "driver/support/settings_file.h"
 
@@ -15,20 +14,11 @@ namespace {
 
 constexpr double kDefaultMaxWidth = 800;
 constexpr double kDefaultMaxHeight = 600;
-constexpr double kLowestLimit = 100;
 
-// Halvings until `side` no longer exceeds `limit`.
-int32_t Halvings(int32_t side, double limit) {
-    const double bound = std::min(limit, 2147483647.0);
-    int32_t count = 0;
-    for (; side > static_cast<int32_t>(bound); side >>= 1) ++count;
-    return count;
-}
+// LodePNG's own error code for being out of memory.
+constexpr unsigned kPngOutOfMemory = 83;
 
-// LodePNG's own code for memory that is short.
-constexpr unsigned kPngMemoryShort = 83;
-
-// A picture to encode, and what becomes of it.
+// A picture to encode, and the result.
 struct PngJob {
     const uint8_t* pixels;
     unsigned width;
@@ -43,7 +33,7 @@ void RunPngJob(void* context) {
     job->error = EncodeRgbaPng(&job->png, &job->size, job->pixels, job->width, job->height);
 }
 
-// The file's bytes, or null; LodePNG's error code.
+// Encodes a picture; `png` stays null on failure. Returns LodePNG's error code.
 unsigned EncodeRgba(const uint32_t* pixels, int32_t width, int32_t height, HeapArray<uint8_t>* png,
                     size_t* size) {
     PngJob job = {reinterpret_cast<const uint8_t*>(pixels),
@@ -52,7 +42,7 @@ unsigned EncodeRgba(const uint32_t* pixels, int32_t width, int32_t height, HeapA
                   nullptr,
                   0,
                   0};
-    if (!WithPngMemory(&RunPngJob, &job)) return kPngMemoryShort;
+    if (!WithPngMemory(&RunPngJob, &job)) return kPngOutOfMemory;
     png->reset(job.png);
     *size = job.size;
     return job.error;
@@ -77,11 +67,6 @@ void EncodePng(const uint32_t* pixels, int32_t width, int32_t height, char** tex
 }
 
 }  // namespace
-
-int32_t ThumbnailScale(int32_t width, int32_t height, double maxWidth, double maxHeight) {
-    if (!(maxWidth >= kLowestLimit && maxHeight >= kLowestLimit)) return 0;
-    return width / maxWidth > height / maxHeight ? Halvings(width, maxWidth) : Halvings(height, maxHeight);
-}
 
 int32_t BuildPageThumbnail(const uint32_t* pixels, int32_t width, int32_t height, char** text,
                            size_t* length) {

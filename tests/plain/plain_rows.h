@@ -1,5 +1,5 @@
-// Rows printed by their plain definition: each pixel is looked up by itself, one after the other, in a table
-// of the test's own.
+// Plain definition of printed rows: each pixel is looked up by itself, in order, in a table of the test's
+// own.
 #pragma once
 
 #include <array>
@@ -53,8 +53,8 @@ inline std::vector<uint32_t> PrintRow(const std::vector<uint32_t>& pixels, RowOp
     return printed;
 }
 
-// Colors near each other in the tables of a kind that are filled in part, and the entries that a table has to
-// store for them. Where such an entry is missing, the order of the look-ups decides about inks.
+// Neighboring colors in a table that is filled in part, and the entries that it must store for them. While
+// such an entry is missing, inks depend on the order of the look-ups.
 struct Neighborhood {
     explicit Neighborhood(int32_t kindOfTable)
         : kind(kindOfTable),

@@ -1,16 +1,17 @@
-// The rows of a page by their plain definition, pixel by pixel.
+// Plain definition of the order in which a page's pixels are printed: orientation, rotation and mirroring,
+// one pixel at a time.
 #pragma once
 
 #include <cstdint>
 
 #include "driver/render/page_rows.h"
 
-namespace orvex {
+namespace orvex::plain {
 
 // Returns the color at place `i` of image row `row`. A page has a width, a height, and Pixel(x, y), its color
 // there.
 template <typename Page>
-uint32_t PlainPixel(const Page& page, RowOrder order, int32_t row, int32_t i) {
+uint32_t PagePixel(const Page& page, RowOrder order, int32_t row, int32_t i) {
     const int32_t w = page.width, h = page.height;
     if (order.landscape) {
         const bool rightToLeft = order.rotate180 != order.mirrorImage;
@@ -24,4 +25,4 @@ uint32_t PlainPixel(const Page& page, RowOrder order, int32_t row, int32_t i) {
     return i > 0 ? page.Pixel(0, h - i) : 0xFFFFFF;
 }
 
-}  // namespace orvex
+}  // namespace orvex::plain
