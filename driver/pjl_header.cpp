@@ -4,8 +4,8 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "driver/job_output.h"
 #include "driver/job_state.h"
+#include "driver/printer_output.h"
 #include "driver/support/settings_file.h"
 
 namespace orvex {
@@ -60,7 +60,7 @@ const HeaderLine kHeaderLines[] = {
 
 constexpr size_t kMaxLine = kMaxNarrowName + 32;
 
-// Formats a line into a stack buffer and writes it in one call.
+// Formats a line and writes it in one call.
 template <typename Value>
 bool WriteLine(HANDLE printer, const char* format, Value value) {
     char line[kMaxLine];
@@ -68,7 +68,7 @@ bool WriteLine(HANDLE printer, const char* format, Value value) {
     return WriteToPrinter(printer, {line, std::min(static_cast<size_t>(length), sizeof line - 1)});
 }
 
-// Only the closing quote's write counts, deliberately.
+// Writes the waiting thumbnail and frees it. Deliberate: only the write of the closing quote counts.
 bool WriteThumbnail(HANDLE printer) {
     WriteToPrinter(printer, "@PJL SET QRV_THUMBNAIL=\"");
     WriteToPrinter(printer, {g_pThumbnail, g_cbThumbnail});
@@ -85,7 +85,8 @@ bool WriteJobHeader(const PDEV& pdev) {
         if (line.wanted != nullptr && !line.wanted()) continue;
         if (!WriteLine(pdev.hPrinter, line.format, line.value(pdev))) return false;
     }
-    // The job's name is deliberately unchecked, and the profile's counts only as the last line.
+    // Deliberate: the write of the job's name is not checked, and that of the profile's name counts only if
+    // it is the last.
     WriteLine(pdev.hPrinter, "@PJL JOB NAME=\"%s\"\n", g_szJobName);
     const bool profileWritten = WriteLine(pdev.hPrinter, "@PJL SET PROFILE=\"%s\"\n", g_szProfileName);
     return g_pThumbnail != nullptr ? WriteThumbnail(pdev.hPrinter) : profileWritten;
