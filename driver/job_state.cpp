@@ -22,4 +22,17 @@ StageMaxima g_stageMaxima = {};
 char* g_pThumbnail = nullptr;
 size_t g_cbThumbnail = 0;
 
+void ResetPages() {
+    g_nPage = 0;
+    // A switch that is left over belongs to a page of the job before. The new job must neither patch it into
+    // what the engine outputs at job start nor report it as missed on the first page.
+    g_resolutionSwitch = {};
+}
+
+void ResetOutput() {
+    g_bFirstChunk = true;
+    g_bHeaderPending = true;
+    g_cHpres = kHpresUnset;
+}
+
 }  // namespace orvex
