@@ -1,12 +1,9 @@
-// The seven entry points of the stand-in hpcrlib.dll: handles and what crosses the library's boundary.
-#include "engine/hpcrlib.h"
+// The seven entry points of the stand-in hpcrlib.dll. No exception leaves them.
 
-#include <map>
-#include <memory>
-#include <mutex>
 #include <type_traits>
 
-#include "engine/engine_job.h"
+#include "engine/hpcrlib.h"
+#include "engine/job_table.h"
 #include "engine/print_stream.h"
 
 #if defined(_WIN32)
@@ -15,74 +12,13 @@
 #define HPCRLIB_EXPORT __attribute__((visibility("default")))
 #endif
 
-#ifdef _WIN32
-namespace __gnu_cxx {
-void __freeres();
-}
-#endif
-
 namespace orvex::engine {
 
 namespace {
 
-#ifdef _WIN32
-// The library has a C++ runtime of its own, whose reserve of memory for exceptions would outlive it, once for
-// each job that the driver loads it for.
-struct RuntimeReserve {
-    ~RuntimeReserve() { __gnu_cxx::__freeres(); }
-} runtimeReserve;
-#endif
-
 constexpr uint32_t kFailure = 0;
 
-struct JobEntry {
-    std::unique_ptr<EngineJob> job;
-    bool inCall = false;
-};
-
-// Every running job under its handle. Handles are never used twice, so a stale one is always refused. The
-// lock is not held while a job works: its output callback may take long, or start another job.
-struct JobTable {
-    std::mutex lock;
-    std::map<uint64_t, JobEntry> jobs;
-    uint64_t lastHandle = 0;
-};
-
-// Not a static of a function: the lock that guards its first use would leave handles behind each time that
-// the driver, which loads the library for each job, unloads it again.
-JobTable jobTable;
-
-enum class Afterwards { kKeep, kRemove };
-
-// Holds a job for the time of one call. A job that is already in a call, on another thread or further up this
-// one's stack, is not given again.
-class JobInCall {
-  public:
-    JobInCall(uint64_t handle, Afterwards afterwards) : handle_(handle), afterwards_(afterwards) {
-        const std::lock_guard guard(jobTable.lock);
-        const auto found = jobTable.jobs.find(handle);
-        if (found == jobTable.jobs.end() || found->second.inCall) return;
-        entry_ = &found->second;
-        entry_->inCall = true;
-    }
-    ~JobInCall() {
-        if (!entry_) return;
-        const std::lock_guard guard(jobTable.lock);
-        entry_->inCall = false;
-        if (afterwards_ == Afterwards::kRemove) jobTable.jobs.erase(handle_);
-    }
-    JobInCall(const JobInCall&) = delete;
-    JobInCall& operator=(const JobInCall&) = delete;
-
-    EngineJob* Get() const { return entry_ ? entry_->job.get() : nullptr; }
-
-  private:
-    uint64_t handle_;
-    Afterwards afterwards_;
-    JobEntry* entry_ = nullptr;
-};
-
-// Runs one step of a job. Exceptions, which mean that memory is short, end here and so does the job's output.
+// Runs one step of a job. An exception means out of memory; it fails the step and ends the job's output.
 template <typename Step>
 uint32_t RunStep(uint64_t handle, Step step, Afterwards afterwards = Afterwards::kKeep) {
     const JobInCall call(handle, afterwards);
@@ -103,10 +39,7 @@ HPCRLIB_EXPORT uint64_t HPCRLIB_CALL HPCRLIB_JobStart(HPCRLIB_OutputCallback out
                                                       uint32_t resolutionMode, uint32_t reserved) {
     if (!output || resolutionMode >= print_stream::kResolutionModes || reserved != 0) return 0;
     try {
-        auto job = std::make_unique<EngineJob>(output, context, resolutionMode);
-        const std::lock_guard guard(jobTable.lock);
-        jobTable.jobs[++jobTable.lastHandle].job = std::move(job);
-        return jobTable.lastHandle;
+        return AddJob(std::make_unique<EngineJob>(output, context, resolutionMode));
     } catch (...) {
         return 0;
     }
