@@ -1,7 +1,5 @@
 // The seven entry points of the stand-in hpcrlib.dll. No exception leaves them.
 
-#include <type_traits>
-
 #include "engine/hpcrlib.h"
 #include "engine/job_table.h"
 #include "engine/print_stream.h"
@@ -12,7 +10,9 @@
 #define HPCRLIB_EXPORT __attribute__((visibility("default")))
 #endif
 
-namespace orvex::engine {
+namespace orvex {
+
+using namespace engine;
 
 namespace {
 
@@ -45,7 +45,6 @@ HPCRLIB_EXPORT uint64_t HPCRLIB_CALL HPCRLIB_JobStart(HPCRLIB_OutputCallback out
     }
 }
 
-// Frees the job whether or not it ends well; the handle is invalid afterwards.
 HPCRLIB_EXPORT uint32_t HPCRLIB_CALL HPCRLIB_JobEnd(uint64_t job) {
     return RunStep(
         job, [](EngineJob& step) { return step.End(); }, Afterwards::kRemove);
@@ -75,12 +74,4 @@ HPCRLIB_EXPORT uint32_t HPCRLIB_CALL HPCRLIB_RasterBlockEnd(uint64_t job) {
 
 }  // extern "C"
 
-static_assert(std::is_same_v<decltype(&HPCRLIB_JobStart), HPCRLIB_JobStartFunction>);
-static_assert(std::is_same_v<decltype(&HPCRLIB_JobEnd), HPCRLIB_JobEndFunction>);
-static_assert(std::is_same_v<decltype(&HPCRLIB_PageStart), HPCRLIB_PageStartFunction>);
-static_assert(std::is_same_v<decltype(&HPCRLIB_PageEnd), HPCRLIB_PageEndFunction>);
-static_assert(std::is_same_v<decltype(&HPCRLIB_RasterBlockStart), HPCRLIB_RasterBlockStartFunction>);
-static_assert(std::is_same_v<decltype(&HPCRLIB_RasterRow), HPCRLIB_RasterRowFunction>);
-static_assert(std::is_same_v<decltype(&HPCRLIB_RasterBlockEnd), HPCRLIB_RasterBlockEndFunction>);
-
-}  // namespace orvex::engine
+}  // namespace orvex

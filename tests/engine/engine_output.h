@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "engine/hpcrlib.h"
 #include "engine/print_stream.h"
-#include "tests/engine/hpcrlib_functions.h"
 
 namespace orvex {
 
