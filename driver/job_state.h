@@ -34,32 +34,32 @@ constexpr size_t kMaxNarrowName = 512;  // bytes of a job's or profile's narrow 
 
 // The instance of the running job; null without a job, and once that instance is disabled. Its address is the
 // print engine's callback context, so that an instance made by a reset can take the job over.
-extern PDEV* g_pCurrentPdev;
-extern HMODULE g_hHpcrlib;    // the print engine's library while bound, or null
-extern PrintEngine g_engine;  // its entry points
-extern uint64_t g_hJob;
-extern WCHAR g_wszSavedDirectory[MAX_PATH];  // current directory before the library was bound
-extern char g_szJobName[kMaxNarrowName];
-extern char g_szProfileName[kMaxNarrowName];
-extern int32_t g_nProfileKind;  // what the profile loader returned at job start
-extern signed char g_cHpres;    // the print engine's resolution code
-extern uint32_t g_cxSurface;    // the page bitmap's size in pixels at job start
-extern uint32_t g_cySurface;
-extern uint32_t g_nPage;          // number of the current page, from 1
-extern bool g_bFirstChunk;        // the print engine has output nothing but framing yet
-extern bool g_bHeaderPending;     // the job header has not been written yet
-extern uint32_t g_uMaxWriteCost;  // slowest write to the spooler so far in the process, microseconds per byte
-extern ResolutionSwitch g_resolutionSwitch;
-extern StageMaxima g_stageMaxima;
-extern char* g_pThumbnail;    // base64 text from malloc, until the header takes it or the page ends
-extern size_t g_cbThumbnail;  // its length, terminator not counted
+inline PDEV* g_pCurrentPdev = nullptr;
+inline HMODULE g_hHpcrlib = nullptr;  // the print engine's library while bound, or null
+inline PrintEngine g_engine = {};     // its entry points
+inline uint64_t g_hJob = 0;
+inline WCHAR g_wszSavedDirectory[MAX_PATH] = {};  // current directory before the library was bound
+inline char g_szJobName[kMaxNarrowName] = {};
+inline char g_szProfileName[kMaxNarrowName] = {};
+inline int32_t g_nProfileKind = 1;          // what the profile loader returned at job start
+inline signed char g_cHpres = kHpresUnset;  // the print engine's resolution code
+inline uint32_t g_cxSurface = 0;            // the page bitmap's size in pixels at job start
+inline uint32_t g_cySurface = 0;
+inline uint32_t g_nPage = 0;           // number of the current page, from 1
+inline bool g_bFirstChunk = false;     // the print engine has output nothing but framing yet
+inline bool g_bHeaderPending = false;  // the job header has not been written yet
+inline uint32_t g_uMaxWriteCost = 0;   // slowest write to the spooler in the process, microseconds per byte
+inline ResolutionSwitch g_resolutionSwitch = {};
+inline StageMaxima g_stageMaxima = {};
+inline char* g_pThumbnail = nullptr;  // base64 text from malloc, until the header takes it or the page ends
+inline size_t g_cbThumbnail = 0;      // its length, terminator not counted
 
-// Forgets the pages of the job before, as the first step of a new job.
-void ResetPages();
+// Resets what belongs to the pages of the job before, as the first step of a new job.
+void ResetJobPages();
 
-// Makes the output callback expect framing and a header, and forgets the resolution code, as soon as the
-// print engine has started the new job. Deliberate: what the engine outputs inside HPCRLIB_JobStart still
-// meets the flags and the code of the job before.
-void ResetOutput();
+// Resets what the output callback and the header depend on, once the print engine has started the new job.
+// Deliberate: output of the engine inside HPCRLIB_JobStart still meets the flags and the resolution code of
+// the job before.
+void ResetJobOutput();
 
 }  // namespace orvex

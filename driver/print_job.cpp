@@ -16,7 +16,7 @@ namespace orvex {
 namespace {
 
 constexpr ULONG kPaperWhite = 0xFFFFFF;
-constexpr uint32_t kProfilesFolderLength = 9;  // of "profiles\"
+constexpr char kProfilesFolder[] = "profiles\\";
 
 void ErasePage(SURFOBJ* surface) {
     RECTL page = {0, 0, surface->sizlBitmap.cx, surface->sizlBitmap.cy};
@@ -50,14 +50,14 @@ bool StartEngineJob(PDEV* pdev, const SURFOBJ* surface, int32_t resolutionMode) 
 
 void LoadJobProfile(const PrivateDevMode& settings, int32_t resolutionMode) {
     char name[kMaxNarrowName] = {};
-    char path[kProfilesFolderLength + kMaxNarrowName];
+    char path[sizeof kProfilesFolder + kMaxNarrowName];
     const WideView profile = FieldText(settings.colorProfile);
     if (profile.size == 0) {
         LogInfo("Load deafult profile");
     } else {
         NarrowText(name, sizeof name, profile);
         LogInfo("Load profile [%S]", profile);
-        snprintf(path, sizeof path, "%s%s", "profiles\\", name);
+        snprintf(path, sizeof path, "%s%s", kProfilesFolder, name);
     }
     g_nProfileKind =
         zvc_load_profile(profile.size == 0 ? nullptr : path, resolutionMode, &g_cHpres, name, sizeof name);
@@ -79,7 +79,7 @@ void AdjustJobColors(const PrivateDevMode& settings) {
 
 bool StartNewJob(PDEV* pdev, const SURFOBJ* surface, const WCHAR* documentName) {
     EndEngineJob();  // a job that was never ended would keep its library and the current directory
-    ResetPages();
+    ResetJobPages();
     pdev->pageCount = 0;
     pdev->flags |= PDEV_IN_JOB;
     NarrowText(g_szJobName, sizeof g_szJobName, {documentName, TextLength(documentName)});
@@ -87,7 +87,7 @@ bool StartNewJob(PDEV* pdev, const SURFOBJ* surface, const WCHAR* documentName) 
     if (!BindPrintEngine()) return false;
     const int32_t resolutionMode = ResolutionMode(GetDeviceResolution(pdev));
     if (!StartEngineJob(pdev, surface, resolutionMode)) return false;
-    ResetOutput();
+    ResetJobOutput();
     LoadJobProfile(pdev->devmode.priv, resolutionMode);
     AdjustJobColors(pdev->devmode.priv);
     return true;
