@@ -40,7 +40,7 @@ TEST_F(DeviceReset, CarriesPageAndStateIntoTheNewInstance) {
     EXPECT_EQ(to.carryWord1, 0x1122334455667788u);
     EXPECT_EQ(to.carryWord2, 9u);
     EXPECT_EQ(to.flags, PDEV_IN_JOB | PDEV_RESET);
-    EXPECT_EQ(to.devmode.pub.dmCopies, 3);  // nothing carried: the new count stays
+    EXPECT_EQ(to.devmode.pub.dmCopies, 3);  // no count was carried, so the new one stays
     EXPECT_THAT(
         LogLines(),
         ElementsAre("[Trace] <DrvResetPDEV>", "[Info]  dwPageWidth 300<-400", "[Info]  dwPageLength 400<-500",
@@ -82,8 +82,8 @@ TEST_F(DeviceReset, LetsTheJobGoOnInTheNewInstance) {
     Session().DisablePdev(*old);
 
     Printer().written.clear();
-    EXPECT_EQ(engine.Output("@PJL COMMENT again\n"),
-              1);  // written through the new instance, without a second header
+    // The old instance is gone, and the header is not written again.
+    EXPECT_EQ(engine.Output("@PJL COMMENT again\n"), 1);
     EXPECT_EQ(Printer().written, "@PJL COMMENT again\n");
     ASSERT_TRUE(Session().StartPage(*fresh));
     ASSERT_TRUE(Session().SendPage(*fresh));
@@ -103,7 +103,7 @@ TEST_F(DeviceReset, LetsTheJobWriteTheNewSettings) {
     EXPECT_EQ(engine.Output("@PJL COMMENT x\n"), 1);
     EXPECT_THAT(Printer().written, HasSubstr("@PJL SET OVERSPRAY=2\n"));
     LogLines();
-    ASSERT_TRUE(Session().StartDoc(*fresh, "title", 42));  // which it goes on in already
+    ASSERT_TRUE(Session().StartDoc(*fresh, "title", 42));  // the job is its own already
     EXPECT_THAT(LogLines(), Not(Contains(StartsWith("[Info]  pdev: "))));
     Session().EndDoc(*fresh);
 }

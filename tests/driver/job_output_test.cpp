@@ -69,7 +69,7 @@ TEST_F(JobOutput, LogsTheCostOfItsSlowestWrite) {
                             reinterpret_cast<void*>(+[]() WINAPI -> DWORD { return tick += tickStep; }));
     LogLines();
     tickStep = 1;
-    Written(std::string(1000, 'x'));  // the cheapest that is slower than none
+    Written(std::string(1000, 'x'));  // the lowest cost that is logged
     EXPECT_THAT(LogLines(), Contains("[Info]  write: 1us/B"));
     tickStep = 4'000'000;
     Written(std::string(980, 'x') + kComment);  // the cost is per byte of the whole chunk
@@ -78,7 +78,7 @@ TEST_F(JobOutput, LogsTheCostOfItsSlowestWrite) {
     EXPECT_THAT(LogLines(), IsEmpty());
     Written(std::string(1001, 'x'));
     EXPECT_THAT(LogLines(), IsEmpty());
-    tickStep = 4'294'968;  // its microseconds wrap to 704
+    tickStep = 4'294'968;  // its microseconds wrap around to 704
     Written("x");
     EXPECT_THAT(LogLines(), IsEmpty());
     tickStep = 4'005'000;
