@@ -68,13 +68,13 @@ TEST_F(EngineLibraryTest, KeepsTheBooksOfAJob) {
     EngineLibrary engine(kRefusingEngine);
     engine.Attach(nullptr);
     const HMODULE library = LoadLibraryW(L"hpcrlib.dll");
-    const auto jobStart = Find<HPCRLIB_JobStartFunction>(library, "HPCRLIB_JobStart");
-    const auto pageStart = Find<HPCRLIB_PageStartFunction>(library, "HPCRLIB_PageStart");
-    const auto blockStart = Find<HPCRLIB_RasterBlockStartFunction>(library, "HPCRLIB_RasterBlockStart");
-    const auto row = Find<HPCRLIB_RasterRowFunction>(library, "HPCRLIB_RasterRow");
-    const auto blockEnd = Find<HPCRLIB_RasterBlockEndFunction>(library, "HPCRLIB_RasterBlockEnd");
-    const auto pageEnd = Find<HPCRLIB_PageEndFunction>(library, "HPCRLIB_PageEnd");
-    const auto jobEnd = Find<HPCRLIB_JobEndFunction>(library, "HPCRLIB_JobEnd");
+    const auto jobStart = Find<decltype(&HPCRLIB_JobStart)>(library, "HPCRLIB_JobStart");
+    const auto pageStart = Find<decltype(&HPCRLIB_PageStart)>(library, "HPCRLIB_PageStart");
+    const auto blockStart = Find<decltype(&HPCRLIB_RasterBlockStart)>(library, "HPCRLIB_RasterBlockStart");
+    const auto row = Find<decltype(&HPCRLIB_RasterRow)>(library, "HPCRLIB_RasterRow");
+    const auto blockEnd = Find<decltype(&HPCRLIB_RasterBlockEnd)>(library, "HPCRLIB_RasterBlockEnd");
+    const auto pageEnd = Find<decltype(&HPCRLIB_PageEnd)>(library, "HPCRLIB_PageEnd");
+    const auto jobEnd = Find<decltype(&HPCRLIB_JobEnd)>(library, "HPCRLIB_JobEnd");
     std::vector<uint32_t> progress;
     engine.OnRow([&](const EnginePage& page, uint64_t number) {
         EXPECT_EQ(number, 1u);
@@ -115,7 +115,7 @@ TEST_F(EngineLibraryTest, NotesAJobThatDidNotStart) {
     engine.Attach(nullptr);
     const HMODULE library = LoadLibraryW(L"hpcrlib.dll");
     RefusingEngine::job = 0;
-    EXPECT_EQ(Find<HPCRLIB_JobStartFunction>(library, "HPCRLIB_JobStart")(nullptr, nullptr, 0, 0), 0u);
+    EXPECT_EQ(Find<decltype(&HPCRLIB_JobStart)>(library, "HPCRLIB_JobStart")(nullptr, nullptr, 0, 0), 0u);
     FreeLibrary(library);
     EXPECT_THAT(engine.Books().refusals, ElementsAre("HPCRLIB_JobStart started no job"));
     EXPECT_EQ(engine.Books().jobsStarted, 0u);
@@ -127,7 +127,7 @@ TEST_F(EngineLibraryTest, KeepsTheFirstRefusalsAndCountsTheRest) {
     EngineLibrary engine(entries);
     engine.Attach(nullptr);
     const HMODULE library = LoadLibraryW(L"hpcrlib.dll");
-    const auto jobEnd = Find<HPCRLIB_JobEndFunction>(library, "HPCRLIB_JobEnd");
+    const auto jobEnd = Find<decltype(&HPCRLIB_JobEnd)>(library, "HPCRLIB_JobEnd");
     for (int i = 0; i < 1000; ++i) EXPECT_EQ(jobEnd(7), 9u);
     FreeLibrary(library);
     EXPECT_EQ(engine.Books().refusals.size(), 16u);

@@ -14,7 +14,7 @@ namespace {
 
 constexpr uint32_t kRow[4] = {1, 2, 3, 4};
 
-// Jobs in every stage; the test ends what it starts.
+// Takes a job to any of its stages, and ends it with the test.
 class Engine : public testing::Test {
   protected:
     ~Engine() override {
@@ -41,7 +41,7 @@ class Engine : public testing::Test {
     }
     uint32_t EndJob() { return HPCRLIB_JobEnd(std::exchange(job_, 0)); }
 
-    // The rest of a job whose block is open and full.
+    // Ends a job whose block is open and full, and verifies that every call succeeds.
     void ExpectGoodEnd() {
         EXPECT_EQ(HPCRLIB_RasterBlockEnd(job_), 1u);
         EXPECT_EQ(HPCRLIB_PageEnd(job_), 1u);
@@ -64,7 +64,7 @@ class Engine : public testing::Test {
 
 }  // namespace
 
-TEST_F(Engine, TakesAWholeJob) {
+TEST_F(Engine, AcceptsAWholeJob) {
     FillBlock();
     ExpectGoodEnd();
 }
@@ -75,11 +75,11 @@ TEST_F(Engine, RefusesAJobWithBadArguments) {
     EXPECT_EQ(HPCRLIB_JobStart(&EngineOutput::Take, &output_, 0, 1), 0u);
 }
 
-TEST_F(Engine, TakesEachResolutionMode) {
+TEST_F(Engine, AcceptsEachResolutionMode) {
     for (const uint32_t mode : {0u, 1u, 2u}) EXPECT_EQ(HPCRLIB_JobEnd(output_.StartJob(mode)), 1u);
 }
 
-TEST_F(Engine, RefusesEveryCallOnAHandleThatIsNone) {
+TEST_F(Engine, RefusesEveryCallOnAnUnknownHandle) {
     StartJob();
     for (const uint64_t handle : {uint64_t{0}, job_ + 1, ~uint64_t{0}}) {
         EXPECT_EQ(HPCRLIB_PageStart(handle, 1, 1), 0u);
@@ -91,7 +91,7 @@ TEST_F(Engine, RefusesEveryCallOnAHandleThatIsNone) {
     }
 }
 
-TEST_F(Engine, AHandleIsNoneAfterItsJobHasEnded) {
+TEST_F(Engine, RefusesTheHandleOfAnEndedJob) {
     StartJob();
     const uint64_t ended = job_;
     EXPECT_EQ(EndJob(), 1u);
@@ -101,7 +101,7 @@ TEST_F(Engine, AHandleIsNoneAfterItsJobHasEnded) {
     EXPECT_EQ(HPCRLIB_PageStart(ended, 1, 1), 0u);
 }
 
-TEST_F(Engine, BetweenPagesOnlyAPageOrTheEndMayCome) {
+TEST_F(Engine, AcceptsOnlyAPageOrTheEndBetweenPages) {
     StartJob();
     EXPECT_EQ(HPCRLIB_RasterBlockStart(job_, 0, 0, 4, 2), 0u);
     EXPECT_EQ(HPCRLIB_RasterRow(job_, kRow), 0u);
@@ -111,7 +111,7 @@ TEST_F(Engine, BetweenPagesOnlyAPageOrTheEndMayCome) {
     EXPECT_EQ(EndJob(), 1u);
 }
 
-TEST_F(Engine, OnANewPageOnlyABlockMayCome) {
+TEST_F(Engine, AcceptsOnlyABlockOnANewPage) {
     StartPage();
     EXPECT_EQ(HPCRLIB_PageStart(job_, 1000, 1000), 0u);
     EXPECT_EQ(HPCRLIB_RasterRow(job_, kRow), 0u);
@@ -120,7 +120,7 @@ TEST_F(Engine, OnANewPageOnlyABlockMayCome) {
     EXPECT_EQ(HPCRLIB_RasterBlockStart(job_, 0, 0, 4, 2), 1u);
 }
 
-TEST_F(Engine, InABlockOnlyRowsAndItsEndMayCome) {
+TEST_F(Engine, AcceptsOnlyRowsAndTheEndInABlock) {
     FillBlock();
     EXPECT_EQ(HPCRLIB_PageStart(job_, 1000, 1000), 0u);
     EXPECT_EQ(HPCRLIB_RasterBlockStart(job_, 0, 0, 4, 2), 0u);
@@ -128,7 +128,7 @@ TEST_F(Engine, InABlockOnlyRowsAndItsEndMayCome) {
     ExpectGoodEnd();
 }
 
-TEST_F(Engine, BehindItsBlockAPageCanOnlyEnd) {
+TEST_F(Engine, AcceptsOnlyTheEndOfAPageAfterItsBlock) {
     EndBlock();
     EXPECT_EQ(HPCRLIB_PageStart(job_, 1000, 1000), 0u);
     EXPECT_EQ(HPCRLIB_RasterBlockStart(job_, 0, 0, 4, 2), 0u);
@@ -139,7 +139,7 @@ TEST_F(Engine, BehindItsBlockAPageCanOnlyEnd) {
     EXPECT_EQ(EndJob(), 1u);
 }
 
-TEST_F(Engine, AJobThatEndsWithinAPageFailsAndIsGone) {
+TEST_F(Engine, FailsToEndAJobWithinAPageButRemovesIt) {
     StartPage();
     const uint64_t job = job_;
     const size_t chunks = output_.chunks.size();
@@ -167,7 +167,7 @@ TEST_F(Engine, RefusesABlockWithBadArguments) {
     EXPECT_EQ(HPCRLIB_RasterBlockStart(job_, 0, 0, 4, 2), 1u);
 }
 
-TEST_F(Engine, ABlockLiesOnItsPage) {
+TEST_F(Engine, RefusesABlockThatIsNotOnItsPage) {
     StartJob();
     ASSERT_EQ(HPCRLIB_PageStart(job_, 12 * 100, 12 * 50), 1u);
     EXPECT_EQ(HPCRLIB_RasterBlockStart(job_, 0, 0, 101, 50), 0u);
@@ -176,14 +176,14 @@ TEST_F(Engine, ABlockLiesOnItsPage) {
     EXPECT_EQ(HPCRLIB_RasterBlockStart(job_, 0, 1, 100, 49), 1u);
 }
 
-TEST_F(Engine, APixelOf300DpiIsTwiceAsLarge) {
+TEST_F(Engine, TakesAPixelAt300DpiForTwiceAsLarge) {
     job_ = output_.StartJob(kMode300Dpi);
     ASSERT_EQ(HPCRLIB_PageStart(job_, 24 * 100, 24 * 50), 1u);
     EXPECT_EQ(HPCRLIB_RasterBlockStart(job_, 0, 0, 101, 50), 0u);
     EXPECT_EQ(HPCRLIB_RasterBlockStart(job_, 0, 0, 100, 50), 1u);
 }
 
-TEST_F(Engine, RowsAndBlocksHaveALargestSize) {
+TEST_F(Engine, RefusesRowsAndBlocksPastTheLargestSize) {
     StartJob();
     ASSERT_EQ(HPCRLIB_PageStart(job_, 0xFFFFFFFF, 0xFFFFFFFF), 1u);
     EXPECT_EQ(HPCRLIB_RasterBlockStart(job_, 0, 0, 32769, 1), 0u);
@@ -192,7 +192,7 @@ TEST_F(Engine, RowsAndBlocksHaveALargestSize) {
     EXPECT_EQ(HPCRLIB_RasterBlockStart(job_, 0, 16384, 32768, 16384), 1u);
 }
 
-TEST_F(Engine, RefusesANullRowAndTakesTheNextOne) {
+TEST_F(Engine, RefusesANullRowAndAcceptsTheNextOne) {
     StartBlock();
     EXPECT_EQ(HPCRLIB_RasterRow(job_, nullptr), 0u);
     PutRows(2);
@@ -205,7 +205,7 @@ TEST_F(Engine, RefusesMoreRowsThanAnnounced) {
     ExpectGoodEnd();
 }
 
-TEST_F(Engine, ABlockDoesNotEndWhileRowsAreMissing) {
+TEST_F(Engine, RefusesToEndABlockWhileRowsAreMissing) {
     StartBlock();
     EXPECT_EQ(HPCRLIB_RasterBlockEnd(job_), 0u);
     PutRows(1);
@@ -214,9 +214,9 @@ TEST_F(Engine, ABlockDoesNotEndWhileRowsAreMissing) {
     ExpectGoodEnd();
 }
 
-// A centred label on the full head: the driver makes the block shorter or longer by twice the print-head
-// offset, which reaches 100 mm.
-TEST_F(Engine, ABlockOverTheWholeHeadMayBeShorterByTwiceTheLargestOffset) {
+// The driver moves a centered label on the full head by making the block shorter or longer by twice the
+// print-head offset, which is 100 mm at most.
+TEST_F(Engine, LetsABlockOverTheWholeHeadBeShorterByTwiceTheLargestOffset) {
     ASSERT_EQ(StartHeadBlock(kMode600Dpi, 0, 7020), 1u);
     PutRows(7020 - 4724 - 1);
     EXPECT_EQ(HPCRLIB_RasterBlockEnd(job_), 0u);
@@ -224,24 +224,24 @@ TEST_F(Engine, ABlockOverTheWholeHeadMayBeShorterByTwiceTheLargestOffset) {
     ExpectGoodEnd();
 }
 
-TEST_F(Engine, ABlockOverTheWholeHeadMayBeLongerByTwiceTheLargestOffset) {
+TEST_F(Engine, LetsABlockOverTheWholeHeadBeLongerByTwiceTheLargestOffset) {
     ASSERT_EQ(StartHeadBlock(kMode300Dpi, 0, 3510), 1u);
     PutRows(3510 + 2362);
     EXPECT_EQ(HPCRLIB_RasterRow(job_, kRow), 0u);
     ExpectGoodEnd();
 }
 
-TEST_F(Engine, OtherBlocksAreHeldToTheirRows) {
+TEST_F(Engine, ExpectsAllRowsOfAnyOtherBlock) {
     ASSERT_EQ(StartHeadBlock(kMode600Dpi, 1, 7020), 1u);
     PutRows(7019);
     EXPECT_EQ(HPCRLIB_RasterBlockEnd(job_), 0u);
     EndJob();
-    ASSERT_EQ(StartHeadBlock(kMode600Dpi, 0, 3510), 1u) << "the head of 300 dpi, at 600";
+    ASSERT_EQ(StartHeadBlock(kMode600Dpi, 0, 3510), 1u) << "as many rows as the head has at 300 dpi";
     PutRows(3510);
     EXPECT_EQ(HPCRLIB_RasterRow(job_, kRow), 0u);
 }
 
-TEST_F(Engine, AFailingCallbackMakesTheRunningCallFail) {
+TEST_F(Engine, FailsTheCallWhoseOutputTheCallbackRefuses) {
     // The chunks of a job with one small page, in order, and the calls that output them.
     const std::vector<std::string> callOfChunk = {"page start", "page start", "page start", "block start",
                                                   "block end",  "page end",   "job end"};
@@ -266,7 +266,7 @@ TEST_F(Engine, AFailingCallbackMakesTheRunningCallFail) {
     }
 }
 
-TEST_F(Engine, AFailingCallbackMakesARowFail) {
+TEST_F(Engine, FailsARowWhoseOutputTheCallbackRefuses) {
     constexpr uint32_t kWidth = 8192;  // one row fills a record
     std::vector<uint32_t> row(kWidth);
     for (uint32_t i = 0; i < kWidth; ++i) row[i] = i + 1;
@@ -282,7 +282,7 @@ TEST_F(Engine, AFailingCallbackMakesARowFail) {
     EXPECT_EQ(output_.chunks.size(), 4u);
 }
 
-TEST_F(Engine, ACallFromWithinTheCallbackOfItsOwnJobIsRefused) {
+TEST_F(Engine, RefusesACallFromTheCallbackOfTheSameJob) {
     StartJob();
     std::vector<uint32_t> results;
     output_.during = [&] {
@@ -295,7 +295,7 @@ TEST_F(Engine, ACallFromWithinTheCallbackOfItsOwnJobIsRefused) {
     EXPECT_EQ(HPCRLIB_RasterBlockStart(job_, 0, 0, 4, 2), 1u);
 }
 
-TEST_F(Engine, SeveralJobsRunAtATime) {
+TEST_F(Engine, RunsSeveralJobsAtATime) {
     EngineOutput outputs[3];
     uint64_t jobs[3];
     for (int i = 0; i < 3; ++i) ASSERT_NE(jobs[i] = outputs[i].StartJob(static_cast<uint32_t>(i)), 0u);
@@ -319,7 +319,7 @@ TEST_F(Engine, SeveralJobsRunAtATime) {
     }
 }
 
-TEST_F(Engine, JobsOnSeveralThreadsDoNotMix) {
+TEST_F(Engine, KeepsJobsOnSeveralThreadsApart) {
     std::vector<std::string> files(4);
     std::vector<std::thread> threads;
     for (uint32_t i = 0; i < 4; ++i) {
@@ -337,7 +337,7 @@ TEST_F(Engine, JobsOnSeveralThreadsDoNotMix) {
     }
 }
 
-TEST_F(Engine, RandomPagesComeBackAsTheyWereHandedOver) {
+TEST_F(Engine, OutputsRandomPagesWithoutLoss) {
     std::mt19937 random(3);
     std::vector<Rows> pages;
     for (int page = 0; page < 5; ++page) {

@@ -1,8 +1,15 @@
-#include "tests/driver/test_mode.h"
+// A device mode to start a test from.
+#pragma once
+
+#include <string_view>
+
+#include "driver/config/device_mode.h"
 
 namespace orvex {
 
-DeviceMode ValidTestMode(std::string_view profile) {
+// Returns a valid device mode with that profile: portrait, 300 dpi, 30 x 40 mm, centered, no print-head
+// offset.
+inline DeviceMode ValidDeviceMode(std::string_view profile) {
     DeviceMode mode = {};
     mode.pub.dmSpecVersion = mode.pub.dmDriverVersion = kDevModeVersion;
     mode.pub.dmSize = sizeof mode.pub;
