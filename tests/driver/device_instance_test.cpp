@@ -170,7 +170,7 @@ TEST_F(DeviceInstance, CopiesNoMoreOfItsRecordsThanThereIs) {
 
 TEST_F(DeviceInstance, IsRefusedWithoutAPaletteAndLeaksNothing) {
     mask = 3;
-    Session().Graphics().FailCall(EngineService::kCreatePalette);
+    Session().Graphics().FailCall(GraphicsService::kCreatePalette);
     const auto device = Session().EnablePdev(Bytes(Mode()));
     EXPECT_EQ(device->Instance(), nullptr);
     EXPECT_EQ(Session().Graphics().LivePalettes(), 0u);
@@ -394,7 +394,7 @@ TEST_F(DeviceInstance, HasItsSurfaceDeletedOnce) {
     DriverSession& session = Session();
     const auto device = Enable(Mode());
     LogLines();
-    const auto deletions = [&] { return session.Graphics().Calls(EngineService::kDeleteSurface); };
+    const auto deletions = [&] { return session.Graphics().Calls(GraphicsService::kDeleteSurface); };
     EXPECT_EQ(session.Graphics().LiveSurfaces(), 1u);
     session.Hooks().disableSurface(device->Instance());
     session.Hooks().disableSurface(device->Instance());
@@ -411,7 +411,7 @@ TEST_F(DeviceInstance, HasItsSurfaceDeletedOnce) {
 TEST_F(DeviceInstance, ReportsABitmapThatCannotBeMade) {
     const auto device = Session().EnablePdev(Bytes(Mode()));
     Session().CompletePdev(*device);
-    Session().Graphics().FailCall(EngineService::kCreateBitmap);
+    Session().Graphics().FailCall(GraphicsService::kCreateBitmap);
     EXPECT_FALSE(Session().EnableSurface(*device));
     EXPECT_THAT(LogLines(), Contains("[Error] Could not create surface."));
     EXPECT_EQ(InstanceOf(*device).hSurface, nullptr);
@@ -420,7 +420,7 @@ TEST_F(DeviceInstance, ReportsABitmapThatCannotBeMade) {
 TEST_F(DeviceInstance, DeletesABitmapThatCannotBeAssociated) {
     const auto device = Session().EnablePdev(Bytes(Mode()));
     Session().CompletePdev(*device);
-    Session().Graphics().FailCall(EngineService::kAssociateSurface);
+    Session().Graphics().FailCall(GraphicsService::kAssociateSurface);
     EXPECT_FALSE(Session().EnableSurface(*device));
     EXPECT_EQ(Session().Graphics().LiveSurfaces(), 0u);
     EXPECT_EQ(InstanceOf(*device).hSurface, nullptr);

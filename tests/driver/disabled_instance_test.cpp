@@ -74,7 +74,7 @@ TEST_F(DisabledInstance, IsNotUsedWhenTheJobEndsAfterAResetWithoutASurface) {
     Session().CompletePdev(*fresh);
     ASSERT_TRUE(Session().ResetPdev(*old, *fresh));
     Disable(*old);
-    Session().Graphics().FailCall(EngineService::kCreateBitmap);
+    Session().Graphics().FailCall(GraphicsService::kCreateBitmap);
     ASSERT_FALSE(Session().EnableSurface(*fresh));
     EXPECT_FALSE(Session().EndDoc(*fresh));  // there is no surface to name the instance
     EXPECT_THAT(results, ElementsAre(0));

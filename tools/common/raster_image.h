@@ -1,4 +1,4 @@
-// A picture on its way to the page.
+// Pictures of pages, 32 bits a pixel.
 #pragma once
 
 #include <cstdint>
@@ -9,30 +9,30 @@
 
 namespace orvex::tools {
 
-// Why a page can't be printed, in words.
+// The reason why a page can't be printed, in words.
 class PageError : public std::runtime_error {
   public:
     using std::runtime_error::runtime_error;
 };
 
-// Pixels per metre along both axes; they may differ.
+// Pixels per meter along each axis.
 struct PixelDensity {
     double x = 0;
     double y = 0;
 };
 
-// Pixels are 0x00RRGGBB, rows from the top, without gaps.
+// A picture of pixels 0x00RRGGBB, in rows from the top without gaps.
 struct RasterImage {
     uint32_t width = 0;
     uint32_t height = 0;
     HeapArray<uint32_t> pixels = nullptr;
-    std::optional<PixelDensity> density = std::nullopt;  // none: the file does not say
+    std::optional<PixelDensity> density = std::nullopt;  // empty if the file does not say
 
     const uint32_t* Row(uint32_t y) const { return pixels.get() + size_t{y} * width; }
     uint32_t* Row(uint32_t y) { return pixels.get() + size_t{y} * width; }
 };
 
-// An image of white pixels. Throws std::bad_alloc.
+// Returns an image of white pixels. Throws std::bad_alloc.
 RasterImage MakeImage(uint32_t width, uint32_t height);
 
 }  // namespace orvex::tools

@@ -15,11 +15,11 @@ constexpr size_t kMaxRecords = 10000;  // erasures and complaints kept
 
 }  // namespace
 
-// The engine's functions as a driver imports them.
-struct EngineReplacements {
+// The graphics engine's functions as a driver imports them.
+struct GraphicsReplacements {
     static HBITMAP APIENTRY CreateBitmap(SIZEL size, LONG stride, ULONG format, ULONG flags, PVOID bits) {
         GraphicsEngine& engine = *current;
-        if (engine.Fails(EngineService::kCreateBitmap)) return nullptr;
+        if (engine.Fails(GraphicsService::kCreateBitmap)) return nullptr;
         if (size.cx <= 0 || size.cy <= 0 || size.cx > kMaxExtentPx || size.cy > kMaxExtentPx ||
             format != BMF_32BPP || flags != BMF_TOPDOWN || bits != nullptr ||
             stride < size.cx * static_cast<LONG>(kBytesPerPixel) || stride % 4 != 0) {
@@ -36,8 +36,8 @@ struct EngineReplacements {
 
     static BOOL APIENTRY AssociateSurface(HSURF handle, HDEV device, FLONG hooks) {
         GraphicsEngine& engine = *current;
-        if (engine.Fails(EngineService::kAssociateSurface)) return FALSE;
-        EngineSurface* surface = engine.FindSurface(handle);
+        if (engine.Fails(GraphicsService::kAssociateSurface)) return FALSE;
+        DrawnSurface* surface = engine.FindSurface(handle);
         const auto found = engine.devices_.find(device);
         if (surface == nullptr || found == engine.devices_.end()) {
             engine.Complain("EngAssociateSurface: unknown surface or device");
@@ -51,8 +51,8 @@ struct EngineReplacements {
 
     static BOOL APIENTRY DeleteSurface(HSURF handle) {
         GraphicsEngine& engine = *current;
-        if (engine.Fails(EngineService::kDeleteSurface)) return FALSE;
-        const EngineSurface* surface = engine.FindSurface(handle);
+        if (engine.Fails(GraphicsService::kDeleteSurface)) return FALSE;
+        const DrawnSurface* surface = engine.FindSurface(handle);
         if (surface == nullptr) {
             engine.Complain("EngDeleteSurface: unknown surface");
             return FALSE;
@@ -66,8 +66,8 @@ struct EngineReplacements {
 
     static BOOL APIENTRY EraseSurface(SURFOBJ* object, RECTL* area, ULONG color) {
         GraphicsEngine& engine = *current;
-        if (engine.Fails(EngineService::kEraseSurface)) return FALSE;
-        EngineSurface* surface = object == nullptr ? nullptr : engine.FindSurface(object->hsurf);
+        if (engine.Fails(GraphicsService::kEraseSurface)) return FALSE;
+        DrawnSurface* surface = object == nullptr ? nullptr : engine.FindSurface(object->hsurf);
         if (surface == nullptr || area == nullptr || area->left < 0 || area->top < 0 ||
             area->right > surface->size.cx || area->bottom > surface->size.cy || area->left > area->right ||
             area->top > area->bottom) {
@@ -86,7 +86,7 @@ struct EngineReplacements {
     static HPALETTE APIENTRY CreatePalette(ULONG mode, ULONG colors, ULONG* entries, FLONG red, FLONG green,
                                            FLONG blue) {
         GraphicsEngine& engine = *current;
-        if (engine.Fails(EngineService::kCreatePalette)) return nullptr;
+        if (engine.Fails(GraphicsService::kCreatePalette)) return nullptr;
         if (mode != PAL_RGB || colors != 0 || entries != nullptr || red != 0 || green != 0 || blue != 0) {
             engine.Complain("EngCreatePalette: not an RGB palette without entries");
             return nullptr;
@@ -96,7 +96,7 @@ struct EngineReplacements {
     }
 
     static HSURF AddSurface(GraphicsEngine& engine, SIZEL size, LONG stride, ULONG format) {
-        EngineSurface surface;
+        DrawnSurface surface;
         surface.size = size;
         surface.stride = stride;
         surface.format = format;
@@ -128,11 +128,11 @@ GraphicsEngine::~GraphicsEngine() {
 }
 
 void GraphicsEngine::Attach(HMODULE module) {
-    patches_.Attach(module, {{"EngCreateBitmap", &EngineReplacements::CreateBitmap},
-                             {"EngAssociateSurface", &EngineReplacements::AssociateSurface},
-                             {"EngDeleteSurface", &EngineReplacements::DeleteSurface},
-                             {"EngEraseSurface", &EngineReplacements::EraseSurface},
-                             {"EngCreatePalette", &EngineReplacements::CreatePalette}});
+    patches_.Attach(module, {{"EngCreateBitmap", &GraphicsReplacements::CreateBitmap},
+                             {"EngAssociateSurface", &GraphicsReplacements::AssociateSurface},
+                             {"EngDeleteSurface", &GraphicsReplacements::DeleteSurface},
+                             {"EngEraseSurface", &GraphicsReplacements::EraseSurface},
+                             {"EngCreatePalette", &GraphicsReplacements::CreatePalette}});
 }
 
 HDEV GraphicsEngine::AddDevice() {
@@ -149,7 +149,7 @@ void GraphicsEngine::RemoveDevice(HDEV device) {
     devices_.erase(device);
 }
 
-EngineSurface* GraphicsEngine::FindSurface(HSURF surface) {
+DrawnSurface* GraphicsEngine::FindSurface(HSURF surface) {
     const auto found = surfaces_.find(surface);
     return found == surfaces_.end() ? nullptr : &found->second;
 }
@@ -158,12 +158,12 @@ void GraphicsEngine::ReleasePalette(HPALETTE palette) {
     std::erase(palettes_, palette);
 }
 
-void GraphicsEngine::FailCall(EngineService service, uint32_t sparing) {
+void GraphicsEngine::FailCall(GraphicsService service, uint32_t sparing) {
     services_[static_cast<size_t>(service)].armed = true;
     services_[static_cast<size_t>(service)].sparing = sparing;
 }
 
-bool GraphicsEngine::Fails(EngineService service) {
+bool GraphicsEngine::Fails(GraphicsService service) {
     Service& state = services_[static_cast<size_t>(service)];
     ++state.calls;
     if (!state.armed || state.sparing-- > 0) return false;

@@ -12,7 +12,7 @@ namespace {
 
 Spooler* current = nullptr;
 
-// Handles of a range that no kernel object has, each given out once.
+// Range of the handles, which no kernel object has. Each is given out once.
 constexpr uintptr_t kFirstHandle = 0x5F000000;
 constexpr uintptr_t kHandleStep = 4;
 
@@ -29,13 +29,13 @@ struct InfoText {
     std::u16string text;
 };
 
-// A size that says that there is a buffer where there is none.
+// Returns whether a size was given for a buffer that is null.
 bool LacksBuffer(const void* buffer, DWORD size) {
     return buffer == nullptr && size != 0;
 }
 
-// Answers a query for a record as Windows does: the record with its texts behind it, or the size that they
-// need.
+// Answers a query for a record as Windows does: with the record followed by its texts, or with the size
+// needed for them.
 template <typename Info>
 BOOL AnswerRecord(Info info, std::initializer_list<InfoText<Info>> texts, LPBYTE buffer, DWORD size,
                   LPDWORD needed) {
@@ -54,7 +54,7 @@ BOOL AnswerRecord(Info info, std::initializer_list<InfoText<Info>> texts, LPBYTE
     return TRUE;
 }
 
-// Answers a query for bytes: ERROR_MORE_DATA and the size needed when there is no room for all of them.
+// Answers a query for bytes. Returns ERROR_MORE_DATA and the size needed if they do not all fit.
 DWORD AnswerBytes(std::string_view bytes, void* buffer, DWORD size, LPDWORD needed) {
     if (LacksBuffer(buffer, size)) return ERROR_INVALID_USER_BUFFER;
     *needed = static_cast<DWORD>(bytes.size());

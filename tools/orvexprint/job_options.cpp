@@ -41,7 +41,7 @@ constexpr int kMostImageDpi = 10000;
 constexpr const char* kLanguages[] = {"ENG", "FRA", "DEU", "CH", "ES", "JPN", "ENU"};
 constexpr char kLanguageRange[] = "ENG, FRA, DEU, CH, ES, JPN or ENU";
 
-// An option that takes a text; the last one given stands.
+// Adds an option that takes a text; if it is given several times, the last one counts.
 CLI::Option* Add(CLI::App& app, const char* name, const char* type, const char* group,
                  const std::string& help) {
     return app.add_option(name)->description(help)->type_name(type)->group(group)->take_last();
@@ -110,7 +110,7 @@ void AddPrinterOptions(CLI::App& app) {
     Add(app, "--log", "LEVEL", kPrinter, "turn the driver's log on for this run (error or trace)");
 }
 
-// What was given for an option; none when it was not there.
+// Returns the value given for an option, or nothing if the option was not given.
 std::optional<std::string> Given(const CLI::App& app, const char* option) {
     const CLI::Option* const found = app.get_option(option);
     if (found->count() == 0) return std::nullopt;
@@ -178,7 +178,7 @@ void ReadSettings(const CLI::App& app, JobOptions& options) {
     if (IsGiven(app, "--portrait")) options.settings.emplace_back(&orientation, DMORIENT_PORTRAIT);
 }
 
-// What is asked for must have something to work on.
+// Checks that there are pages and an output if the command line asks to print.
 void CheckTask(const JobOptions& options) {
     if (options.testPage && !options.pages.empty()) {
         throw OptionError("--test-page prints no other pages; leave the files out");

@@ -4,12 +4,11 @@
 #include <cstring>
 
 #include "tools/common/number_text.h"
+#include "tools/common/units.h"
 
 namespace orvex::tools::print {
 
 namespace {
-
-constexpr double kMmPerInch = 25.4;
 
 constexpr SettingWord kSwitchWords[] = {{"on", 1}, {"off", 0}};
 constexpr SettingWord kOrientationWords[] = {{"portrait", DMORIENT_PORTRAIT},
@@ -86,13 +85,13 @@ std::string NumberText(const Setting& setting, int value) {
     return DecimalText(static_cast<double>(value) / setting.perUnit, setting.perUnit == 1 ? 0 : 1);
 }
 
-// "a", "a or b", "a, b or c".
+// Appends an item to a list: "a", "a or b", "a, b or c".
 std::string Listed(const std::string& list, const std::string& item, bool last) {
     if (list.empty()) return item;
     return list + (last ? " or " : ", ") + item;
 }
 
-// One pixel, many pixels.
+// Appends the setting's unit, in the singular for 1.
 std::string WithUnit(const Setting& setting, const std::string& text) {
     std::string_view unit = setting.unit;
     if (unit.empty()) return text;
@@ -100,7 +99,7 @@ std::string WithUnit(const Setting& setting, const std::string& text) {
     return text + " " + std::string(unit);
 }
 
-// The number without a unit behind it, in the setting's unit; blanks between them are allowed.
+// Parses a number, optionally followed by blanks and a unit. Returns it in the setting's unit.
 std::optional<double> NumberInUnit(const Setting& setting, std::string_view text) {
     const auto numberBefore = [&](std::string_view unit) -> std::optional<double> {
         if (unit.empty() || !text.ends_with(unit)) return std::nullopt;
@@ -141,7 +140,7 @@ const Setting& FindSetting(std::string_view option) {
 }
 
 int ReadSetting(const DeviceMode& mode, const Setting& setting) {
-    // The field becomes the upper end of a word, so that the shift brings its sign along.
+    // Puts the field at the upper end of a word, so that the shift extends its sign.
     const auto* const bytes = reinterpret_cast<const uint8_t*>(&mode) + setting.field.offset;
     const size_t missing = sizeof(int32_t) - setting.field.size;
     int32_t value = 0;
@@ -150,7 +149,7 @@ int ReadSetting(const DeviceMode& mode, const Setting& setting) {
 }
 
 void WriteSetting(DeviceMode& mode, const Setting& setting, int value) {
-    // The record is little-endian on every machine that it is exchanged between.
+    // The lower bytes come first: the record is little-endian.
     const int32_t dword = value;
     auto* const bytes = reinterpret_cast<uint8_t*>(&mode);
     memcpy(bytes + setting.field.offset, &dword, setting.field.size);
@@ -181,7 +180,7 @@ int ParseSetting(const Setting& setting, std::string_view text) {
 std::string RangeText(const Setting& setting) {
     std::string list;
     if (!setting.words.empty()) {
-        // A second word for the same value is an other spelling.
+        // The last word for the alignment is another spelling.
         size_t count = setting.words.size();
         if (setting.words.data() == kAlignmentWords) --count;
         for (size_t i = 0; i < count; ++i) list = Listed(list, setting.words[i].word, i + 1 == count);

@@ -1,4 +1,4 @@
-// Reads a print file's bytes in order. Whatever is not as it should be ends in a PrintFileError.
+// The bytes of a print file, read in order.
 #pragma once
 
 #include <cstddef>
@@ -10,7 +10,7 @@
 
 namespace orvex::tools::view {
 
-// What is wrong with a print file, with the offset of the byte at which it was seen: "offset 1234: ...".
+// An error in a print file; the message begins with the offset of the wrong byte: "offset 1234: ...".
 class PrintFileError : public std::runtime_error {
   public:
     PrintFileError(size_t offset, const std::string& complaint)
@@ -32,7 +32,7 @@ class ByteReader {
         return {reinterpret_cast<const char*>(bytes_.data()) + offset_, bytes_.size() - offset_};
     }
 
-    // The next `size` bytes; `what` names them in the complaint when the file ends before.
+    // Returns the next `size` bytes. Throws PrintFileError that calls them `what` if the file ends before.
     std::span<const uint8_t> Take(size_t size, std::string_view what) {
         if (size > bytes_.size() - offset_) {
             throw PrintFileError(offset_, "the file ends within " + std::string(what) + ": " +

@@ -34,7 +34,7 @@ constexpr const char* kExamples =
     "differ from\n"
     "the picture to verify; other values for a wrong command line.";
 
-// The same check without its own words in the help.
+// Removes a check's own text from the help.
 CLI::Validator Unnamed(CLI::Validator check) {
     return check.description("");
 }
@@ -97,13 +97,13 @@ void AddViewOptions(CLI::App& app, Options& options) {
 std::optional<Options> ReadOptions(std::vector<std::string> arguments, int& status) {
     Options options;
     CLI::App app(kDescription, "orvexview");
-    app.allow_windows_style_options(false);  // a name may begin with a slash
+    app.allow_windows_style_options(false);  // a file name may begin with a slash
     app.formatter(std::make_shared<ViewHelpFormat>());
     app.footer(kExamples);
     AddOutputOptions(app, options);
     AddViewOptions(app, options);
     try {
-        std::reverse(arguments.begin(), arguments.end());  // as CLI11 takes them
+        std::reverse(arguments.begin(), arguments.end());  // the order that CLI11 expects
         app.parse(std::move(arguments));
     } catch (const CLI::ParseError& error) {
         status = app.exit(error);

@@ -3,7 +3,7 @@
 #include <charconv>
 
 #include "engine/print_stream.h"
-#include "tools/orvexview/printable_text.h"
+#include "tools/common/printable_text.h"
 
 namespace orvex::tools::view {
 
@@ -28,7 +28,8 @@ std::string_view TakeLine(ByteReader& reader) {
     return rest.substr(0, length);
 }
 
-// A document name may hold a line feed: a value whose quote is still open goes on in the next line.
+// Takes a value. Document names may contain line feeds, so a value whose quote is open continues in the next
+// line.
 std::string TakeValue(ByteReader& reader, std::string_view firstLine) {
     std::string value(firstLine);
     if (!value.starts_with('"')) return value;

@@ -1,4 +1,4 @@
-// The inverse of EncodeRow.
+// Decoding of raster rows, the inverse of EncodeRow.
 #pragma once
 
 #include <algorithm>
@@ -9,14 +9,14 @@
 
 namespace orvex {
 
-// Decodes one row from the front of `code` and takes its bytes off. `row` comes in as the row above and
-// becomes the row; its size is the row width. Null on success, else what is wrong with the command at the
-// front of `code`.
+// Decodes one row at the front of `code` and removes its bytes. `row` is the row above, of the row width, and
+// is overwritten. Returns null on success, and otherwise what is wrong with the command at the front of
+// `code`.
 inline const char* DecodeRow(std::span<const uint8_t>& code, std::span<uint32_t> row);
 
 namespace row_code {
 
-// `bytes` holds at least 4.
+// Returns the number in the first 4 bytes.
 inline uint32_t LittleEndian(std::span<const uint8_t> bytes) {
     return bytes[0] | bytes[1] << 8 | bytes[2] << 16 | static_cast<uint32_t>(bytes[3]) << 24;
 }

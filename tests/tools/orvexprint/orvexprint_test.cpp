@@ -32,7 +32,7 @@ namespace {
 
 constexpr char kMedia[] = "[Media]\r\n\"Shipping\", \"4\", \"6\", 1\r\n\"Small\", \"50\", \"30\", 0\r\n";
 
-// The command with the built driver and stand-in engine, and an installation of the test's own.
+// The command with the built driver and stand-in engine, and the test's own installation.
 class OrvexPrintTest : public testing::Test {
   protected:
     OrvexPrintTest() {
@@ -44,7 +44,7 @@ class OrvexPrintTest : public testing::Test {
     fs::path Path(std::string_view name) const { return scratch.Path() / PathFromUtf8(name); }
     std::string Text(std::string_view name) const { return Utf8FromPath(Path(name)); }
 
-    // Runs the command with the test's installation. Its output and its complaints are kept.
+    // Runs the command with the test's installation, and keeps its outputs in `out` and `error`.
     int Run(std::vector<std::string> arguments) {
         arguments.insert(arguments.begin(), {"--install", Text("install")});
         return RunPlain(arguments);
@@ -64,14 +64,14 @@ class OrvexPrintTest : public testing::Test {
         return status;
     }
 
-    // A page of 20 mm x 10 mm.
+    // Writes a page of 20 mm x 10 mm and returns its name.
     std::string WritePage(std::string_view name, uint32_t rgb = 0x000000) const {
         WriteBytes(Path(name), AsText(MakePlainPng(236, 118, 11811, rgb)));
         return Text(name);
     }
 
     std::string OutputBytes() const { return ReadBytes(Path("out.prn")); }
-    // Nothing stands under the asked name, nor beside it.
+    // Returns whether there is neither an output nor an unfinished one.
     bool NothingWasWritten() const {
         for (const auto& entry : fs::directory_iterator(scratch.Path())) {
             if (entry.path().filename().string().starts_with("out.prn")) return false;
@@ -87,8 +87,8 @@ class OrvexPrintTest : public testing::Test {
     std::string error;
 };
 
-// Follows "<name>" and "</name>" of a trace: what is left open, or closed out of turn. Dumped records show
-// their parts likewise.
+// Follows "<name>" and "</name>" in a trace, which hooks and dumped records have. Returns the names that are
+// left open, or closed in the wrong order.
 std::vector<std::string> OpenScopes(const std::vector<std::string>& lines) {
     std::vector<std::string> open;
     for (const std::string& line : lines) {
@@ -108,7 +108,7 @@ std::vector<std::string> OpenScopes(const std::vector<std::string>& lines) {
 
 }  // namespace
 
-TEST_F(OrvexPrintTest, PrintsPagesAndSumsUp) {
+TEST_F(OrvexPrintTest, PrintsPagesAndReportsTheirNumber) {
     ASSERT_EQ(Run({"--size", "30x40mm", "--copies", "3", "--title", "Two pages", "-o", Text("out.prn"),
                    WritePage("a.png"), WritePage("b.png")}),
               kExitPrinted)
@@ -191,7 +191,7 @@ TEST_F(OrvexPrintTest, LeavesAnEarlierOutputWhenTheJobFails) {
     EXPECT_EQ(OutputBytes(), "of yesterday");
 }
 
-TEST_F(OrvexPrintTest, TellsOfAnEngineCallThatTheDriverSwallows) {
+TEST_F(OrvexPrintTest, ReportsAnEngineCallWhoseFailureTheDriverIgnores) {
     engine = kRefusingEngine;
     RefusingEngine::refusedRow = 5;
     EXPECT_EQ(Run({"--size", "30x40mm", "-o", Text("out.prn"), WritePage("a.png")}), kExitFailed);
@@ -203,7 +203,7 @@ TEST_F(OrvexPrintTest, TellsOfAnEngineCallThatTheDriverSwallows) {
     EXPECT_TRUE(NothingWasWritten());
 }
 
-TEST_F(OrvexPrintTest, TellsOfAJobThatTheDriverRefuses) {
+TEST_F(OrvexPrintTest, ReportsAJobThatTheDriverRefuses) {
     engine = kRefusingEngine;
     engine->HPCRLIB_PageEnd = nullptr;
     EXPECT_EQ(Run({"--size", "30x40mm", "-o", Text("out.prn"), WritePage("a.png")}), kExitFailed);
@@ -215,7 +215,7 @@ TEST_F(OrvexPrintTest, TellsOfAJobThatTheDriverRefuses) {
 }
 
 #ifndef _WIN32
-TEST_F(OrvexPrintTest, TellsOfAWriteThatFails) {
+TEST_F(OrvexPrintTest, ReportsAFailedWrite) {
     rlimit before;
     getrlimit(RLIMIT_FSIZE, &before);
     const std::string page = WritePage("a.png");
@@ -232,7 +232,7 @@ TEST_F(OrvexPrintTest, TellsOfAWriteThatFails) {
 }
 #endif
 
-TEST_F(OrvexPrintTest, TellsWhatIsMissing) {
+TEST_F(OrvexPrintTest, ReportsMissingFilesAndFolders) {
     const std::string page = WritePage("a.png");
     EXPECT_EQ(RunPlain({"--install", Text("nowhere"), "-o", Text("out.prn"), page}), kExitFailed);
     EXPECT_EQ(error, "orvexprint: the installation folder " + Text("nowhere") + " is not there\n");
@@ -255,9 +255,9 @@ TEST_F(OrvexPrintTest, ShowsTheLayoutAndPrintsNothing) {
               0)
         << error;
     EXPECT_THAT(out, HasSubstr("Label: 600 dpi, 100.0 x 150.0 mm, portrait\nBitmap: 2362 x 3543 pixels\n"));
-    // What the driver makes of what was not given.
+    // These settings were not given; the driver's validation sets them.
     EXPECT_THAT(out, HasSubstr("  purge-dots            1 pixel\n  purge-gap             5 mm\n"));
-    // A row: the page's 3543 pixels, a dot and 5 mm of 23 pixels.
+    // A row has the page's 3543 pixels, a dot and 5 mm of 23 pixels.
     EXPECT_THAT(out, HasSubstr("  row                   3659 pixels (154.9 mm), of which the page 3543\n"));
     EXPECT_THAT(
         out,
@@ -292,7 +292,7 @@ TEST_F(OrvexPrintTest, TakesALabelOfTheList) {
     EXPECT_THAT(out, HasSubstr("Label: 300 dpi, 50.0 x 30.0 mm, landscape\nBitmap: 354 x 591 pixels\n"));
 }
 
-TEST_F(OrvexPrintTest, PutsASizeAboveTheInstallationsDefaultLabel) {
+TEST_F(OrvexPrintTest, PrefersASizeToTheInstallationsDefaultLabel) {
     scratch.Write("install/settings.inf", "[UI]\r\nDefault_Media=Shipping\r\n");
     ASSERT_EQ(Run({"--dry-run"}), 0) << error;
     EXPECT_THAT(out, HasSubstr("Label: 300 dpi, 101.6 x 152.4 mm, portrait\nBitmap: 1200 x 1800 pixels\n"));
@@ -351,7 +351,7 @@ TEST_F(OrvexPrintTest, SavesAndLoadsDeviceModes) {
                            HasSubstr("  purge-bar             trailing\n")));
 }
 
-TEST_F(OrvexPrintTest, RefusesFilesThatAreNoDeviceMode) {
+TEST_F(OrvexPrintTest, RefusesFilesThatAreNotADeviceMode) {
     ASSERT_EQ(Run({"--save-devmode", Text("mode.bin")}), 0) << error;
     std::string bytes = ReadBytes(Path("mode.bin"));
     WriteBytes(Path("short.bin"), bytes.substr(1));
@@ -388,7 +388,7 @@ TEST_F(OrvexPrintTest, TurnsTheDriversLogOnForTheRun) {
     EXPECT_THAT(lines, testing::Contains("[Info]  Page: 1"));
     fs::remove(driver.LogPath());
     fs::remove(driver.LogControlPath());
-    // So that the next device of this process reads that the log is off.
+    // A further device makes the driver notice that the log is off.
     ASSERT_EQ(Run({"--dry-run"}), 0);
     EXPECT_FALSE(fs::exists(driver.LogPath()));
 }
