@@ -1,7 +1,9 @@
 // Pictures of pages, 32 bits a pixel.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
+#include <new>
 #include <optional>
 #include <stdexcept>
 
@@ -33,6 +35,13 @@ struct RasterImage {
 };
 
 // Returns an image of white pixels. Throws std::bad_alloc.
-RasterImage MakeImage(uint32_t width, uint32_t height);
+inline RasterImage MakeImage(uint32_t width, uint32_t height) {
+    const size_t pixels = size_t{width} * height;
+    RasterImage image{.width = width, .height = height};
+    image.pixels = AllocateArray<uint32_t>(std::max<size_t>(pixels, 1));
+    if (!image.pixels) throw std::bad_alloc();
+    std::fill_n(image.pixels.get(), pixels, 0xFFFFFFu);
+    return image;
+}
 
 }  // namespace orvex::tools

@@ -158,7 +158,7 @@ JobOutcome DriverSession::RunDocument(Device& device, const JobPlan& plan) {
         if (!accepted) outcome.failure = note + (outcome.failure.empty() ? "" : ": " + outcome.failure);
         return !outcome.failure.empty();
     };
-    // A job that did not start is ended only if the driver has loaded the print engine.
+    // If the driver accepted the job and only the host saw a failure, the driver must end it.
     if (failed(StartDoc(device, plan.title, plan.jobId), kStartDocNote)) {
         if (engine_.Bound()) EndDoc(device, ED_ABORTDOC);
         return outcome;

@@ -67,11 +67,10 @@ DWORD AnswerBytes(std::string_view bytes, void* buffer, DWORD size, LPDWORD need
 
 struct SpoolerReplacements {
     static BOOL WINAPI Write(HANDLE handle, LPVOID bytes, DWORD size, LPDWORD written) {
-        DWORD code = 0;
+        DWORD code = ERROR_INVALID_HANDLE;
         *written = 0;
-        if (current->Fails("WritePrinter", &code)) return Refuse(code);
-        const Spooler::OpenPrinter* open = current->Find(handle, "WritePrinter");
-        if (open == nullptr) return Refuse(ERROR_INVALID_HANDLE);
+        const Spooler::OpenPrinter* open = current->Enter("WritePrinter", handle, &code);
+        if (open == nullptr) return Refuse(code);
         Spooler::Printer& printer = *open->printer;
         const std::string_view taken(static_cast<const char*>(bytes), size);
         if (!printer.sink) {
@@ -94,11 +93,10 @@ struct SpoolerReplacements {
     }
 
     static BOOL WINAPI Get(HANDLE handle, DWORD level, LPBYTE buffer, DWORD size, LPDWORD needed) {
-        DWORD code = 0;
+        DWORD code = ERROR_INVALID_HANDLE;
         *needed = 0;
-        if (current->Fails("GetPrinterW", &code)) return Refuse(code);
-        const Spooler::OpenPrinter* open = current->Find(handle, "GetPrinterW");
-        if (open == nullptr) return Refuse(ERROR_INVALID_HANDLE);
+        const Spooler::OpenPrinter* open = current->Enter("GetPrinterW", handle, &code);
+        if (open == nullptr) return Refuse(code);
         if (level != 2) return Refuse(ERROR_INVALID_LEVEL);
         using Info = PRINTER_INFO_2W;
         return AnswerRecord<Info>({},
@@ -117,11 +115,10 @@ struct SpoolerReplacements {
 
     static BOOL WINAPI GetDriver(HANDLE handle, LPWSTR, DWORD level, LPBYTE buffer, DWORD size,
                                  LPDWORD needed) {
-        DWORD code = 0;
+        DWORD code = ERROR_INVALID_HANDLE;
         *needed = 0;
-        if (current->Fails("GetPrinterDriverW", &code)) return Refuse(code);
-        const Spooler::OpenPrinter* open = current->Find(handle, "GetPrinterDriverW");
-        if (open == nullptr) return Refuse(ERROR_INVALID_HANDLE);
+        const Spooler::OpenPrinter* open = current->Enter("GetPrinterDriverW", handle, &code);
+        if (open == nullptr) return Refuse(code);
         if (level != 3) return Refuse(ERROR_INVALID_LEVEL);
         using Info = DRIVER_INFO_3W;
         Info info = {};
@@ -139,11 +136,10 @@ struct SpoolerReplacements {
     }
 
     static DWORD WINAPI EnumKey(HANDLE handle, LPCWSTR key, LPWSTR subKeys, DWORD size, LPDWORD needed) {
-        DWORD code = 0;
+        DWORD code = ERROR_INVALID_HANDLE;
         *needed = 0;
-        if (current->Fails("EnumPrinterKeyW", &code)) return code;
-        const Spooler::OpenPrinter* open = current->Find(handle, "EnumPrinterKeyW");
-        if (open == nullptr) return ERROR_INVALID_HANDLE;
+        const Spooler::OpenPrinter* open = current->Enter("EnumPrinterKeyW", handle, &code);
+        if (open == nullptr) return code;
         const PrinterData& data = open->printer->data;
         const std::string path = NarrowFromUtf8(Utf8(key));
         if (!data.HasKey(path)) return ERROR_FILE_NOT_FOUND;
@@ -156,11 +152,10 @@ struct SpoolerReplacements {
 
     static DWORD WINAPI GetData(HANDLE handle, LPCSTR key, LPCSTR name, LPDWORD type, LPBYTE buffer,
                                 DWORD size, LPDWORD needed) {
-        DWORD code = 0;
+        DWORD code = ERROR_INVALID_HANDLE;
         *needed = 0;
-        if (current->Fails("GetPrinterDataExA", &code)) return code;
-        const Spooler::OpenPrinter* open = current->Find(handle, "GetPrinterDataExA");
-        if (open == nullptr) return ERROR_INVALID_HANDLE;
+        const Spooler::OpenPrinter* open = current->Enter("GetPrinterDataExA", handle, &code);
+        if (open == nullptr) return code;
         const PrinterValue* value = open->printer->data.Find(key, name);
         if (value == nullptr) return ERROR_FILE_NOT_FOUND;
         if (type != nullptr) *type = value->type;
@@ -169,10 +164,9 @@ struct SpoolerReplacements {
 
     static DWORD WINAPI SetData(HANDLE handle, LPCSTR key, LPCSTR name, DWORD type, LPBYTE bytes,
                                 DWORD size) {
-        DWORD code = 0;
-        if (current->Fails("SetPrinterDataExA", &code)) return code;
-        const Spooler::OpenPrinter* open = current->Find(handle, "SetPrinterDataExA");
-        if (open == nullptr) return ERROR_INVALID_HANDLE;
+        DWORD code = ERROR_INVALID_HANDLE;
+        const Spooler::OpenPrinter* open = current->Enter("SetPrinterDataExA", handle, &code);
+        if (open == nullptr) return code;
         if ((open->access & kMayAdminister) == 0) return ERROR_ACCESS_DENIED;
         open->printer->data.Set(key, name, {type, std::string(reinterpret_cast<const char*>(bytes), size)});
         return ERROR_SUCCESS;
@@ -246,6 +240,10 @@ bool Spooler::Fails(const char* name, DWORD* code) {
     if (failure == function.failures.end() && !function.failsAlways) return false;
     *code = failure != function.failures.end() ? failure->second : function.alwaysCode;
     return true;
+}
+
+const Spooler::OpenPrinter* Spooler::Enter(const char* function, HANDLE handle, DWORD* code) {
+    return Fails(function, code) ? nullptr : Find(handle, function);
 }
 
 const Spooler::OpenPrinter* Spooler::Find(HANDLE handle, const char* function) {

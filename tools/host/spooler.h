@@ -80,6 +80,9 @@ class Spooler {
 
     // Counts a call. Returns whether it must fail, with `code`.
     bool Fails(const char* name, DWORD* code);
+    // Counts a call with a printer's handle. Returns the open printer, or null if the call must fail. Sets
+    // `code` only if FailCall() asked for the failure.
+    const OpenPrinter* Enter(const char* function, HANDLE handle, DWORD* code);
     // Returns the open printer of a handle. If it is not open, returns null and records a misuse.
     const OpenPrinter* Find(HANDLE handle, const char* function);
     // Returns whether this spooler has ever given out the handle.

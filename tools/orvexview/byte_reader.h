@@ -22,6 +22,11 @@ class PrintFileError : public std::runtime_error {
     size_t offset_;
 };
 
+// Returns the number in the first 4 bytes.
+inline uint32_t LittleEndian(std::span<const uint8_t> bytes) {
+    return bytes[0] | bytes[1] << 8 | bytes[2] << 16 | static_cast<uint32_t>(bytes[3]) << 24;
+}
+
 class ByteReader {
   public:
     explicit ByteReader(std::span<const uint8_t> bytes) : bytes_(bytes) {}
@@ -46,10 +51,7 @@ class ByteReader {
 
     uint8_t TakeByte(std::string_view what) { return Take(1, what)[0]; }
 
-    uint32_t TakeNumber(std::string_view what) {
-        const std::span<const uint8_t> bytes = Take(4, what);
-        return bytes[0] | bytes[1] << 8 | bytes[2] << 16 | static_cast<uint32_t>(bytes[3]) << 24;
-    }
+    uint32_t TakeNumber(std::string_view what) { return LittleEndian(Take(4, what)); }
 
   private:
     std::span<const uint8_t> bytes_;

@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "tools/common/number_text.h"
+#include "tools/orvexview/pjl_header.h"
 
 namespace orvex::tools::view {
 
@@ -72,7 +73,7 @@ std::string MeaningOf(std::string_view name, std::string_view value) {
         if (meaning.name != name) continue;
         const std::string text(meaning.text);
         if (meaning.kind == Kind::kPlain) return text;
-        const std::optional<int> number = ParseWhole(value);
+        const std::optional<int32_t> number = ParsePjlNumber(value);
         return text + ": " + (number ? InWords(meaning, *number) : "not a number");
     }
     return {};

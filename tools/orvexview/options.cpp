@@ -49,7 +49,7 @@ class ViewHelpFormat : public HelpFormat {
 void AddOutputOptions(CLI::App& app, Options& options) {
     app.add_option("FILE", options.file, "The print file")->required()->type_name("");
     app.add_option("-o,--output", options.prefix,
-                   "What the names of the pictures begin with; default: FILE without its extension")
+                   "Beginning of the pictures' names; default: FILE without its extension")
         ->type_name("PREFIX");
     app.add_flag("--inks", options.inks, "One grey picture per ink as well: PREFIX-pageN-K.png, -C, -M, -Y");
     app.add_flag(
@@ -85,9 +85,9 @@ void AddViewOptions(CLI::App& app, Options& options) {
     app.add_flag_callback(
            "--full", [&options] { options.scale = 1; }, "Every pixel, the same as --scale 1")
         ->excludes(scale);
-    app.add_flag("--raw", options.raw, "Pictures as sent: not turned, fill rows and purge bar included");
+    app.add_flag("--raw", options.raw, "Pictures as sent: not turned, with fill rows and purge bar");
     app.add_option("--orientation", options.orientation,
-                   "portrait or landscape, where the job header does not tell it")
+                   "portrait or landscape, if the job header does not tell it")
         ->type_name("HOW")
         ->transform(Unnamed(CLI::CheckedTransformer(kOrientations)));
 }

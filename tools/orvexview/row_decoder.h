@@ -6,23 +6,13 @@
 #include <span>
 
 #include "engine/row_encoder.h"
+#include "tools/orvexview/byte_reader.h"
 
-namespace orvex {
+namespace orvex::tools::view {
 
 // Decodes one row at the front of `code` and removes its bytes. `row` is the row above, of the row width, and
 // is overwritten. Returns null on success, and otherwise what is wrong with the command at the front of
 // `code`.
-inline const char* DecodeRow(std::span<const uint8_t>& code, std::span<uint32_t> row);
-
-namespace row_code {
-
-// Returns the number in the first 4 bytes.
-inline uint32_t LittleEndian(std::span<const uint8_t> bytes) {
-    return bytes[0] | bytes[1] << 8 | bytes[2] << 16 | static_cast<uint32_t>(bytes[3]) << 24;
-}
-
-}  // namespace row_code
-
 inline const char* DecodeRow(std::span<const uint8_t>& code, std::span<uint32_t> row) {
     using namespace row_code;
     while (!row.empty()) {
@@ -56,4 +46,4 @@ inline const char* DecodeRow(std::span<const uint8_t>& code, std::span<uint32_t>
     return nullptr;
 }
 
-}  // namespace orvex
+}  // namespace orvex::tools::view
