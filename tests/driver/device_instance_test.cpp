@@ -38,7 +38,7 @@ TEST_F(DeviceInstance, ContainsTheMergedDeviceModeBetweenItsSignatures) {
 
 TEST_F(DeviceInstance, IsNotMadeWithoutAPaletteAndLeaksNothing) {
     mask = 3;
-    Session().Graphics().FailCall(EngineService::kCreatePalette);
+    Session().Graphics().FailCall(GraphicsService::kCreatePalette);
     const auto device = Session().EnablePdev(Bytes(Mode()));
     EXPECT_EQ(device->Instance(), nullptr);
     EXPECT_EQ(Session().Graphics().LivePalettes(), 0u);

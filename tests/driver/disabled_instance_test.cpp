@@ -74,7 +74,7 @@ TEST_F(DisabledInstance, IsNotUsedWhenTheJobEndsAfterAResetWithoutASurface) {
     Session().CompletePdev(*fresh);
     ASSERT_TRUE(Session().ResetPdev(*old, *fresh));
     Disable(*old);
-    Session().Graphics().FailCall(EngineService::kCreateBitmap);
+    Session().Graphics().FailCall(GraphicsService::kCreateBitmap);
     ASSERT_FALSE(Session().EnableSurface(*fresh));
     EXPECT_FALSE(Session().EndDoc(*fresh));  // without a surface there is no instance
     EXPECT_THAT(results, ElementsAre(0));

@@ -9,6 +9,8 @@
 
 namespace orvex {
 
+using tools::view::DecodeRow;
+
 namespace {
 
 using Row = std::vector<uint32_t>;

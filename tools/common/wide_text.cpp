@@ -13,7 +13,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// Lengths of the conversion functions are signed 32-bit numbers; no text of the host comes near them.
+// Narrows a length to what the conversion functions take; no text here comes near the limit.
 int Length(size_t length) {
     return static_cast<int>(std::min<size_t>(length, INT_MAX));
 }

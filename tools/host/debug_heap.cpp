@@ -12,10 +12,10 @@ namespace {
 
 DebugHeap* current = nullptr;
 
-// What a block holds before anything was written to it.
+// The content of a fresh block.
 constexpr uint8_t kFresh = 0xCD;
 
-// Freed blocks that stay out of reach.
+// Number of freed blocks that stay inaccessible.
 constexpr size_t kKeptAside = 1000;
 
 constexpr bool kGuarded =

@@ -15,15 +15,15 @@ namespace orvex::tools {
 
 class ImportPatch {
   public:
-    // `module` is the importing module, null for the program itself; natively it plays no part. `replacement`
-    // has the function's own signature, WINAPI included. When the module does not import `function`, nothing
-    // is patched and Original() is null.
+    // `module` is the importing module, null for the program itself; it is ignored natively. `replacement` has
+    // the signature of the function, including WINAPI. If the module does not import `function`, nothing is
+    // patched and Original() is null.
     ImportPatch(HMODULE module, const char* function, void* replacement);
     ~ImportPatch();
     ImportPatch(const ImportPatch&) = delete;
     ImportPatch& operator=(const ImportPatch&) = delete;
 
-    // What the import pointed at before, to be called on from a replacement.
+    // Returns the function that the import pointed at before, so that a replacement can call it.
     void* Original() const { return original_; }
 
   private:
@@ -36,7 +36,7 @@ class ImportPatch {
 std::vector<std::string> ImportedFunctions(HMODULE module);
 
 #ifdef _WIN32
-// The names of the libraries from which a loaded module imports, sorted, each once.
+// Returns the names of the libraries from which a loaded module imports, sorted and each once.
 std::vector<std::string> ImportedLibraries(HMODULE module);
 #endif
 

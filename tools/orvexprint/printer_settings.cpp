@@ -16,7 +16,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// Texts with a terminator each, up to an empty one.
+// Returns the texts of a list in which each has a terminator, and an empty one ends the list.
 std::vector<std::string> TextsOf(const WCHAR* list) {
     std::vector<std::string> texts;
     while (list != nullptr && *list != 0) {

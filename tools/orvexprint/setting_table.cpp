@@ -4,12 +4,11 @@
 #include <cstring>
 
 #include "tools/common/number_text.h"
+#include "tools/common/units.h"
 
 namespace orvex::tools::print {
 
 namespace {
-
-constexpr double kMmPerInch = 25.4;
 
 constexpr SettingWord kSwitchWords[] = {{"on", 1}, {"off", 0}};
 constexpr SettingWord kOrientationWords[] = {{"portrait", DMORIENT_PORTRAIT},
@@ -43,23 +42,23 @@ constexpr char kJob[] = "Job";
 // clang-format off
 constexpr Setting kSettings[] = {
     {"--dpi", kPaper, PUBLIC(dmPrintQuality), ONE_OF(kResolutionNumbers, "dpi"), "resolution", DM_PRINTQUALITY},
-    {"--orientation", kPaper, PUBLIC(dmOrientation), WORDS(kOrientationWords), "how the page lies on the label; --landscape and --portrait are short for it", DM_ORIENTATION},
+    {"--orientation", kPaper, PUBLIC(dmOrientation), WORDS(kOrientationWords), "orientation of the page; --landscape and --portrait are short forms", DM_ORIENTATION},
     {"--rotate180", kPaper, PRIVATE(rotate180), SWITCH, "turn every page by half a turn"},
     {"--mirror", kPaper, PRIVATE(mirrorImage), SWITCH, "mirror every page, for labels read through glass"},
     {"--feed-side", kPaper, PRIVATE(feedSide), SWITCH, "feed side of the page, for the printer's own programs"},
 
-    {"--align", kHead, PRIVATE(alignment), WORDS(kAlignmentWords), "where the label runs under the print head"},
+    {"--align", kHead, PRIVATE(alignment), WORDS(kAlignmentWords), "place of the label under the print head"},
     {"--print-head-offset", kHead, PRIVATE(phHOffset), TENTHS_OF_MM(-1000, 1000), "shift of the print across the label"},
     {"--tof-offset", kHead, PRIVATE(phVOffset), TENTHS_OF_MM(-250, 250), "shift of the print along the label, from its top of form"},
     {"--kws", kHead, PRIVATE(kws), SWITCH, "a faint pattern on blank pixels"},
     {"--full-width", kHead, PRIVATE(kws_fullwidth), SWITCH, "fill the whole width of the print head; acts with --kws or a purge bar"},
-    {"--purge-bar", kHead, PRIVATE(purgeBar), WORDS(kPurgeBarWords), "a bar beside the page, ahead of it or behind"},
+    {"--purge-bar", kHead, PRIVATE(purgeBar), WORDS(kPurgeBarWords), "a bar before or after the page"},
     {"--purge-dots", kHead, PRIVATE(purgeDots), ONE_OF(kPurgeDotsNumbers, "pixels"), "width of the purge bar"},
-    {"--purge-gap", kHead, PRIVATE(purgeGap), ONE_OF(kPurgeGapNumbers, "mm"), "blank between purge bar and page"},
-    {"--purge-freq", kHead, PRIVATE(purgeFreq), ONE_OF(kPurgeFreqNumbers, "pages"), "a purge bar every so many pages; 0: on the first page only"},
+    {"--purge-gap", kHead, PRIVATE(purgeGap), ONE_OF(kPurgeGapNumbers, "mm"), "gap between purge bar and page"},
+    {"--purge-freq", kHead, PRIVATE(purgeFreq), ONE_OF(kPurgeFreqNumbers, "pages"), "a purge bar every so many pages; 0: only on the first page"},
 
-    {"--grey", kColor, PRIVATE(colorMode), WORDS(kGrayWords), "print grey, of all inks or of black alone"},
-    {"--overspray", kColor, PRIVATE(overspray), RANGE(0, 3, ""), "step of overspray"},
+    {"--grey", kColor, PRIVATE(colorMode), WORDS(kGrayWords), "print in grey, with all inks or with black alone"},
+    {"--overspray", kColor, PRIVATE(overspray), RANGE(0, 3, ""), "level of overspray"},
     {"--colour-adjust", kColor, PRIVATE(colorAdjust), SWITCH, "mark the job as adjusted; the values below act without the mark"},
     {"--brightness", kColor, PRIVATE(adj_brightness), RANGE(-100, 100, ""), "darker or brighter"},
     {"--tone", kColor, PRIVATE(adj_colortone), RANGE(-100, 100, ""), "shift of the colour tone"},
@@ -69,12 +68,12 @@ constexpr Setting kSettings[] = {
     {"--yellow", kColor, PRIVATE(adj_yellow), RANGE(-100, 100, ""), "less or more yellow ink"},
     {"--black", kColor, PRIVATE(adj_black), RANGE(-100, 100, ""), "less or more black ink"},
 
-    {"--copies", kJob, PUBLIC(dmCopies), RANGE(1, 10000, ""), "how often the printer prints the job", DM_COPIES},
+    {"--copies", kJob, PUBLIC(dmCopies), RANGE(1, 10000, ""), "number of copies", DM_COPIES},
     {"--collate", kJob, PUBLIC(dmCollate), SWITCH, "whole copies of the job, one after the other", DM_COLLATE},
     {"--private-copies", kJob, PRIVATE(copies), RANGE(1, 10000, ""), "a copy count of the printer's own programs", 0, PRIVATE(usePrivateCopies)},
-    {"--use-private-copies", kJob, PRIVATE(usePrivateCopies), SWITCH, "let that count stand"},
-    {"--chunk", kJob, PRIVATE(chunksize), RANGE(30, 10000, "pages"), "print the job in pieces of so many pages", 0, PRIVATE(chunkActive)},
-    {"--chunked", kJob, PRIVATE(chunkActive), SWITCH, "printing in pieces at all"},
+    {"--use-private-copies", kJob, PRIVATE(usePrivateCopies), SWITCH, "use that count"},
+    {"--chunk", kJob, PRIVATE(chunksize), RANGE(30, 10000, "pages"), "print the job in pieces of this many pages", 0, PRIVATE(chunkActive)},
+    {"--chunked", kJob, PRIVATE(chunkActive), SWITCH, "print the job in pieces"},
     {"--job-capture", kJob, PRIVATE(jobCapture), SWITCH, "let the printer capture the job"},
     {"--no-print", kJob, PRIVATE(noPrint), SWITCH, "let the printer take the job without printing it"},
     {"--stitched", kJob, PRIVATE(stitched), SWITCH, "mark the job as stitched"},
@@ -86,13 +85,13 @@ std::string NumberText(const Setting& setting, int value) {
     return DecimalText(static_cast<double>(value) / setting.perUnit, setting.perUnit == 1 ? 0 : 1);
 }
 
-// "a", "a or b", "a, b or c".
+// Appends an item to a list: "a", "a or b", "a, b or c".
 std::string Listed(const std::string& list, const std::string& item, bool last) {
     if (list.empty()) return item;
     return list + (last ? " or " : ", ") + item;
 }
 
-// One pixel, many pixels.
+// Appends the setting's unit, in the singular for 1.
 std::string WithUnit(const Setting& setting, const std::string& text) {
     std::string_view unit = setting.unit;
     if (unit.empty()) return text;
@@ -100,7 +99,7 @@ std::string WithUnit(const Setting& setting, const std::string& text) {
     return text + " " + std::string(unit);
 }
 
-// The number without a unit behind it, in the setting's unit; blanks between them are allowed.
+// Parses a number, optionally followed by blanks and a unit. Returns it in the setting's unit.
 std::optional<double> NumberInUnit(const Setting& setting, std::string_view text) {
     const auto numberBefore = [&](std::string_view unit) -> std::optional<double> {
         if (unit.empty() || !text.ends_with(unit)) return std::nullopt;
@@ -141,7 +140,7 @@ const Setting& FindSetting(std::string_view option) {
 }
 
 int ReadSetting(const DeviceMode& mode, const Setting& setting) {
-    // The field becomes the upper end of a word, so that the shift brings its sign along.
+    // Puts the field at the upper end of a word, so that the shift extends its sign.
     const auto* const bytes = reinterpret_cast<const uint8_t*>(&mode) + setting.field.offset;
     const size_t missing = sizeof(int32_t) - setting.field.size;
     int32_t value = 0;
@@ -150,7 +149,7 @@ int ReadSetting(const DeviceMode& mode, const Setting& setting) {
 }
 
 void WriteSetting(DeviceMode& mode, const Setting& setting, int value) {
-    // The record is little-endian on every machine that it is exchanged between.
+    // The lower bytes come first: the record is little-endian.
     const int32_t dword = value;
     auto* const bytes = reinterpret_cast<uint8_t*>(&mode);
     memcpy(bytes + setting.field.offset, &dword, setting.field.size);
@@ -181,7 +180,7 @@ int ParseSetting(const Setting& setting, std::string_view text) {
 std::string RangeText(const Setting& setting) {
     std::string list;
     if (!setting.words.empty()) {
-        // A second word for the same value is an other spelling.
+        // The last word for the alignment is another spelling.
         size_t count = setting.words.size();
         if (setting.words.data() == kAlignmentWords) --count;
         for (size_t i = 0; i < count; ++i) list = Listed(list, setting.words[i].word, i + 1 == count);

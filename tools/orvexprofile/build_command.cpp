@@ -1,13 +1,13 @@
 // orvexprofile build --icc PRINTER.icc -o FILE.zvp: a profile from a printer's ICC profile.
 #include <memory>
 
+#include "tools/common/printable_text.h"
 #include "tools/orvexprofile/commands.h"
 #include "tools/orvexprofile/conversion.h"
 #include "tools/orvexprofile/icc_profile.h"
 #include "tools/orvexprofile/ink_treatment.h"
 #include "tools/orvexprofile/profile_writer.h"
 #include "tools/orvexprofile/report.h"
-#include "tools/orvexview/printable_text.h"
 
 namespace orvex::tools::profile {
 
@@ -52,7 +52,7 @@ void ReportAccuracy(std::ostream& out, const BuildOptions& options, const IccPro
 
 void Build(const BuildOptions& options, std::ostream& out) {
     const IccProfile icc(options.icc, options.intent, options.blackPointCompensation);
-    out << "From " << tools::view::PrintableText(icc.Description()) << '\n';
+    out << "From " << PrintableText(icc.Description()) << '\n';
     WriteAcceptedProfile(BuildProfile(options, icc), options.output, out);
     if (const std::string_view loss = VersionLoss(options.version); !loss.empty()) out << loss << '\n';
     ReportAccuracy(out, options, icc, PrintVariant::kAt600);

@@ -6,8 +6,8 @@
 #include <cstdint>
 #include <string_view>
 
+#include "tools/common/picture.h"
 #include "tools/orvexprofile/driver_colors.h"
-#include "tools/orvexview/picture.h"
 
 namespace orvex::tools::profile {
 
@@ -45,6 +45,6 @@ uint32_t SliceColor(int slice, uint32_t x, uint32_t y);
 
 // Draws the profile whose variant is loaded into the driver. Characters of the title beyond ASCII are left
 // out.
-tools::view::Picture DrawChart(std::string_view title, PrintVariant variant);
+Picture DrawChart(std::string_view title, PrintVariant variant);
 
 }  // namespace orvex::tools::profile

@@ -1,9 +1,9 @@
 // orvexprofile chart FILE: a picture of the whole profile.
 #include <memory>
 
+#include "tools/common/png_file.h"
 #include "tools/orvexprofile/chart.h"
 #include "tools/orvexprofile/commands.h"
-#include "tools/orvexprofile/ink_preview.h"
 
 namespace orvex::tools::profile {
 

@@ -1,11 +1,11 @@
 // orvexprofile info FILE: what a profile holds, and whether the driver accepts it.
 #include <memory>
 
+#include "tools/common/printable_text.h"
 #include "tools/orvexprofile/commands.h"
 #include "tools/orvexprofile/ink_statistics.h"
 #include "tools/orvexprofile/profile_reader.h"
 #include "tools/orvexprofile/report.h"
-#include "tools/orvexview/printable_text.h"
 
 namespace orvex::tools::profile {
 
@@ -25,14 +25,14 @@ std::string TagKind(const TagFacts& tag) {
 void ReportTags(std::ostream& out, const ProfileFacts& facts) {
     for (const TagFacts& tag : facts.tags) {
         out << "  tag at " << tag.offset << "  " << TagKind(tag) << ", " << tag.length << " bytes";
-        if (tag.id == kNameTag) out << ": \"" << tools::view::PrintableText(tag.data) << '"';
+        if (tag.id == kNameTag) out << ": \"" << PrintableText(tag.data) << '"';
         out << '\n';
     }
 }
 
 void ReportTagContents(std::ostream& out, const ProfileFacts& facts) {
     if (const auto name = facts.Name()) {
-        out << "  name       " << tools::view::PrintableText(*name) << '\n';
+        out << "  name       " << PrintableText(*name) << '\n';
         if (name->size() > kLongestShownName) {
             out << "             longer than " << kLongestShownName
                 << " bytes: users see the file's name, unless profilenames.inf has another\n";
@@ -58,7 +58,7 @@ bool ReportVariant(std::ostream& out, const std::string& path, int version, Prin
 
 void ReportFile(std::ostream& out, const std::string& path, const ProfileFacts& facts) {
     out << path << '\n';
-    out << "  mark       \"" << tools::view::PrintableText(facts.magic) << "\"\n";
+    out << "  mark       \"" << PrintableText(facts.magic) << "\"\n";
     out << "  version    " << facts.version;
     if (facts.version >= kFirstVersion && facts.version <= kLastVersion) {
         out << ": " << LayoutOf(facts.version).description;
@@ -83,8 +83,8 @@ bool Inspect(std::ostream& out, const std::string& path) {
     if (accepted) {
         out << "accepts the file\n";
     } else {
-        out << "refuses the file and prints through its built-in conversion: "
-            << tools::view::PrintableText(facts.problem) << '\n';
+        out << "refuses the file and prints through its built-in conversion: " << PrintableText(facts.problem)
+            << '\n';
     }
     return accepted;
 }

@@ -1,9 +1,10 @@
 #include "tools/orvexprofile/profile_writer.h"
 
 #include <algorithm>
-#include <fstream>
+#include <ostream>
 #include <stdexcept>
 
+#include "tools/common/output_file.h"
 #include "tools/orvexprofile/ink.h"
 
 namespace orvex::tools::profile {
@@ -136,21 +137,9 @@ void WriteProfile(const Profile& profile, std::ostream& out) {
 
 void WriteProfileFile(const Profile& profile, const std::filesystem::path& path) {
     CheckProfile(profile);
-    std::filesystem::path part = path;
-    part += ".part";
-    std::error_code error;
-    {
-        std::ofstream out(part, std::ios::binary);
-        WriteProfile(profile, out);
-        out.close();
-        if (!out) error = std::make_error_code(std::errc::io_error);
-    }
-    if (!error) std::filesystem::rename(part, path, error);
-    if (error) {
-        std::error_code ignored;
-        std::filesystem::remove(part, ignored);
-        throw std::runtime_error("can't write " + path.string());
-    }
+    OutputFile file(path);
+    WriteProfile(profile, file.Stream());
+    file.Complete();
 }
 
 }  // namespace orvex::tools::profile

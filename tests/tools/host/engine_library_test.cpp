@@ -64,7 +64,7 @@ TEST_F(EngineLibraryTest, LacksTheExportsThatAreNull) {
     FreeLibrary(library);
 }
 
-TEST_F(EngineLibraryTest, KeepsTheBooksOfAJob) {
+TEST_F(EngineLibraryTest, RecordsAJob) {
     EngineLibrary engine(kRefusingEngine);
     engine.Attach(nullptr);
     const HMODULE library = LoadLibraryW(L"hpcrlib.dll");
@@ -110,7 +110,7 @@ TEST_F(EngineLibraryTest, KeepsTheBooksOfAJob) {
     EXPECT_EQ(books.refusalCount, 1u);
 }
 
-TEST_F(EngineLibraryTest, NotesAJobThatDidNotStart) {
+TEST_F(EngineLibraryTest, RecordsAJobThatDidNotStart) {
     EngineLibrary engine(kRefusingEngine);
     engine.Attach(nullptr);
     const HMODULE library = LoadLibraryW(L"hpcrlib.dll");
@@ -135,7 +135,7 @@ TEST_F(EngineLibraryTest, KeepsTheFirstRefusalsAndCountsTheRest) {
     EXPECT_EQ(engine.Books().refusalCount, 1000u);
 }
 
-TEST_F(EngineLibraryTest, IsNotThereWhenLoadingIsMadeToFail) {
+TEST_F(EngineLibraryTest, CanBeMadeToFailLoading) {
     EngineLibrary engine(kRefusingEngine);
     engine.Attach(nullptr);
     engine.FailLoading(true);
@@ -149,7 +149,7 @@ TEST_F(EngineLibraryTest, IsNotThereWhenLoadingIsMadeToFail) {
     FreeLibrary(library);
 }
 
-TEST_F(EngineLibraryTest, FailsForAFileThatIsNone) {
+TEST_F(EngineLibraryTest, FailsIfThereIsNoSuchFile) {
     EngineLibrary engine(std::filesystem::path("no-such-folder") / "hpcrlib.dll");
     engine.Attach(nullptr);
     EXPECT_EQ(LoadLibraryW(L"hpcrlib.dll"), nullptr);

@@ -6,24 +6,19 @@
 
 #include "platform/windows.h"
 #include "tools/common/wide_text.h"
+#include "tools/host/driver_library.h"
 #endif
 
 namespace orvex::tools {
 
-// What Windows knows the built files by. Natively there is no such thing.
+// The built files have version resources only on Windows.
 #ifdef _WIN32
 
 namespace {
 
 namespace fs = std::filesystem;
 
-fs::path ProgramFolder() {
-    WCHAR path[MAX_PATH] = {};
-    GetModuleFileNameW(nullptr, path, MAX_PATH);
-    return fs::path(path).parent_path();
-}
-
-// The version resource of a file; without bytes when it has none.
+// The version resource of a file; empty if the file has none.
 class VersionResource {
   public:
     explicit VersionResource(const fs::path& file) : bytes_(GetFileVersionInfoSizeW(file.c_str(), nullptr)) {
@@ -38,7 +33,7 @@ class VersionResource {
         return fixed == nullptr ? VS_FIXEDFILEINFO() : *fixed;
     }
 
-    // A text of its English table.
+    // Returns a text of the English table.
     std::string Text(const std::wstring& name) const {
         const void* text = Find(L"\\StringFileInfo\\040904B0\\" + name);
         return text == nullptr ? "none" : Utf8(static_cast<const WCHAR*>(text));
@@ -71,7 +66,7 @@ class BuiltFiles : public testing::TestWithParam<BuiltFile> {};
 
 }  // namespace
 
-TEST_P(BuiltFiles, SayWhoseTheyAreAndOfWhichVersion) {
+TEST_P(BuiltFiles, NameTheirMakerAndVersion) {
     const BuiltFile& file = GetParam();
     const VersionResource resource(ProgramFolder() / file.name);
     ASSERT_TRUE(resource.IsThere());
@@ -96,8 +91,7 @@ INSTANTIATE_TEST_SUITE_P(Each, BuiltFiles,
                              return name.substr(0, name.find('.'));
                          });
 
-// The second number tells the spooler that the driver runs in user mode.
-TEST(FileVersion, IsOneThatTheSpoolerCompares) {
+TEST(FileVersion, HasTheSecondNumberOfADriverInUserMode) {
     EXPECT_EQ(std::string(ORVEX_FILE_VERSION).substr(0, 4), "0.3.");
 }
 

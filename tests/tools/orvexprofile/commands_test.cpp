@@ -7,7 +7,7 @@
 #include "tests/tools/orvexprofile/icc_samples.h"
 #include "tests/tools/orvexprofile/profile_samples.h"
 #include "tests/tools/orvexprofile/shown_inks.h"
-#include "tools/common/png_page.h"
+#include "tools/common/png_file.h"
 #include "tools/orvexprofile/profile_reader.h"
 #endif
 
@@ -40,7 +40,7 @@ class ProfileTool : public testing::Test {
         return path;
     }
     std::string Picture() const {
-        tools::view::Picture picture(2, 1, 3);
+        tools::Picture picture(2, 1, 3);
         picture.samples = {255, 255, 255, 255, 0, 0};
         SavePng(picture, 96, Path("in.png"));
         return Path("in.png");
@@ -185,7 +185,7 @@ TEST_F(ProfileTool, BuildRefusesWrongValuesAndWritesNothing) {
     EXPECT_NE(Run({"build", "-o", Path("new.zvp")}), 0);
     EXPECT_THAT(err_, HasSubstr("--icc is required"));
     EXPECT_EQ(Run({"build", "--icc", kPrinterIcc, "-o", Path("none/new.zvp")}), 1);
-    EXPECT_THAT(err_, HasSubstr("can't write"));
+    EXPECT_THAT(err_, HasSubstr("can't be written"));
     EXPECT_THAT(Files(), IsEmpty());
 }
 

@@ -1,4 +1,4 @@
-// Pictures of 8 bits a channel, and what is done to them on the way to a file.
+// Pictures of 8 bits a channel: reducing, turning and drawing.
 #pragma once
 
 #include <cstddef>
@@ -6,9 +6,9 @@
 #include <span>
 #include <vector>
 
-#include "tools/orvexview/ink_model.h"
+#include "tools/common/ink_model.h"
 
-namespace orvex::tools::view {
+namespace orvex::tools {
 
 struct Picture {
     Picture() = default;
@@ -24,20 +24,20 @@ struct Picture {
 
     uint32_t width = 0;            // pixels
     uint32_t height = 0;           // pixels
-    uint32_t channels = 0;         // 3 = red, green, blue; 1 = grey
+    uint32_t channels = 0;         // 3 = red, green, blue; 1 = gray
     std::vector<uint8_t> samples;  // line by line from the top, without gaps
 };
 
-// How many pixels of a side become one, so that `pixels` of them give at most `limit`.
+// Returns the least scale at which `pixels` become at most `limit`, `scale` of them taken together.
 uint32_t ScaleToFit(uint32_t pixels, uint32_t limit);
 
-// Takes lines one at a time and makes a picture in which every scale x scale pixels are one, their mean
-// rounded to nearest. What is left over at the right and at the bottom makes smaller groups.
+// A picture made smaller line by line: each group of scale x scale pixels becomes one, their mean rounded to
+// nearest. Groups at the right and bottom edges may be smaller.
 class Reducer {
   public:
     Reducer(uint32_t width, uint32_t height, uint32_t channels, uint32_t scale);
 
-    // The line to fill in, width x channels samples.
+    // Returns the line to fill in before TakeLine(), width x channels samples.
     std::span<uint8_t> Line() { return line_; }
     void TakeLine();
     Picture Finish() { return std::move(picture_); }
@@ -55,14 +55,14 @@ class Reducer {
     Picture picture_;
 };
 
-// A quarter turn clockwise: the first line becomes the rightmost column.
+// Turns a picture by a quarter clockwise: the first line becomes the rightmost column.
 Picture TurnClockwise(const Picture& picture);
 
-// Parts that lie outside of the picture are left out.
+// Fills a rectangle, clipped to the picture, which has 3 channels.
 void FillRectangle(Picture& picture, int64_t left, int64_t top, int64_t width, int64_t height, Rgb color);
-// Lines of one pixel just inside the rectangle.
+// Draws lines of one pixel just inside the rectangle.
 void OutlineRectangle(Picture& picture, int64_t left, int64_t top, int64_t width, int64_t height, Rgb color);
-// Copies a picture of as many channels into another, which it fits into.
+// Copies a picture into another one of as many channels, in which it must fit.
 void PastePicture(Picture& picture, uint32_t left, uint32_t top, const Picture& pasted);
 
-}  // namespace orvex::tools::view
+}  // namespace orvex::tools

@@ -1,8 +1,8 @@
-#include "tools/orvexview/picture.h"
+#include "tools/common/picture.h"
 
 #include <algorithm>
 
-namespace orvex::tools::view {
+namespace orvex::tools {
 
 uint32_t ScaleToFit(uint32_t pixels, uint32_t limit) {
     return std::max((pixels + limit - 1) / limit, 1u);
@@ -80,4 +80,4 @@ void PastePicture(Picture& picture, uint32_t left, uint32_t top, const Picture& 
     }
 }
 
-}  // namespace orvex::tools::view
+}  // namespace orvex::tools

@@ -1,19 +1,19 @@
-#include "tools/orvexview/ink_model.h"
+#include "tools/common/ink_model.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
 
-namespace orvex::tools::view {
+namespace orvex::tools {
 
 namespace {
 
-// The model by its definition, for amounts K, C, M, Y of which `full` is full ink.
+// Plain definition of the model; `full` is the amount of full ink.
 struct PlainModel {
     double Share(int amount) const { return std::min(amount / full, 1.0); }
 
-    // One colour of the light, 0 = red, 1 = green, 2 = blue.
+    // Returns one color of the light: 0 = red, 1 = green, 2 = blue.
     double Shown(uint32_t inkValue, int color) const {
         constexpr double kDensity[4][3] = {
             {1.5, 1.5, 1.5}, {1.35, 0.42, 0.18}, {0.16, 1.3, 0.52}, {0.02, 0.1, 1.2}};
@@ -45,7 +45,7 @@ TEST(InkModel, SolidInksHaveTheirColors) {
     EXPECT_EQ(model.OnPaper(0xFF000000), (Rgb{250, 230, 59}));
 }
 
-TEST(InkModel, InksOnEachOtherDarken) {
+TEST(InkModel, InksOnTopOfEachOtherDarken) {
     const InkModel model(300);
     EXPECT_EQ(model.OnPaper(0xFFFF0000), (Rgb{211, 39, 0})) << "red";
     EXPECT_EQ(model.OnPaper(0xFF00FF00), (Rgb{42, 146, 41})) << "green";
@@ -94,4 +94,4 @@ TEST(InkModel, OneInkAloneShowsItsAmount) {
     EXPECT_EQ(InkModel(600).Gray(0x00000080, kBlackInk), 0);
 }
 
-}  // namespace orvex::tools::view
+}  // namespace orvex::tools

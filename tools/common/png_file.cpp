@@ -1,14 +1,18 @@
-#include "tools/common/png_page.h"
+#include "tools/common/png_file.h"
 
 #include <lodepng.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 #include <fstream>
 #include <new>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
+#include "tools/common/output_file.h"
+#include "tools/common/units.h"
 #include "tools/common/wide_text.h"
 
 namespace orvex::tools {
@@ -21,17 +25,15 @@ namespace {
 constexpr uint64_t kMaxPixels = 160'000'000;
 constexpr uint64_t kMaxRawBytes = uint64_t{1} << 30;
 constexpr uint64_t kMaxFileBytes = uint64_t{1} << 30;
-constexpr unsigned kWrongSignature = 28;  // LodePNG's code for a file that is no PNG at all
-constexpr unsigned kUnitMetre = 1;        // of pHYs
+constexpr unsigned kWrongSignature = 28;  // LodePNG's code for a file that is not a PNG at all
+constexpr unsigned kUnitMeter = 1;        // of pHYs
 constexpr uint32_t kBytesPerPixel = 4;
 
-// LodePNG's state, cleaned up with the scope.
+// Owner of LodePNG's state.
 class PngState {
   public:
     PngState() {
         lodepng_state_init(&state);
-        state.info_raw.colortype = LCT_RGBA;
-        state.info_raw.bitdepth = 8;
         state.decoder.read_text_chunks = 0;
         state.decoder.remember_unknown_chunks = 0;
     }
@@ -47,7 +49,7 @@ class PngState {
     throw PageError(std::string("is a damaged PNG file: ") + lodepng_error_text(code));
 }
 
-// Reads the header, and bounds what decoding may take.
+// Reads the header, and limits the memory that decoding may take.
 void Inspect(PngState& png, std::span<const uint8_t> file, unsigned& width, unsigned& height) {
     if (const unsigned code = lodepng_inspect(&width, &height, &png.state, file.data(), file.size()))
         Fail(code);
@@ -58,16 +60,16 @@ void Inspect(PngState& png, std::span<const uint8_t> file, unsigned& width, unsi
         throw PageError("is larger than any label: " + std::to_string(width) + " x " +
                         std::to_string(height) + " pixels");
     }
-    // Each row has a filter byte; an interlaced file has up to twice as many rows.
+    // Each row has a filter byte, and an interlaced file has up to twice as many rows.
     png.state.decoder.zlibsettings.max_output_size = static_cast<size_t>(2 * (rowBytes + 2) * height + 64);
 }
 
-// `amount` of 255 parts of the value, the rest white.
+// Mixes a channel's value with white; an `alpha` of 255 keeps the value.
 uint32_t OverWhite(uint32_t value, uint32_t alpha) {
     return (value * alpha + 255 * (255 - alpha) + 127) / 255;
 }
 
-// Turns bytes R, G, B, A into pixels in the same memory.
+// Converts bytes R, G, B, A to pixels in the same memory.
 void FlattenInPlace(uint8_t* bytes, size_t pixels) {
     for (size_t i = 0; i < pixels; ++i) {
         uint8_t* const each = bytes + i * kBytesPerPixel;
@@ -94,17 +96,9 @@ std::vector<uint8_t> ReadFile(const fs::path& path) {
 
 }  // namespace
 
-RasterImage MakeImage(uint32_t width, uint32_t height) {
-    const size_t pixels = size_t{width} * height;
-    RasterImage image{
-        .width = width, .height = height, .pixels = AllocateArray<uint32_t>(std::max<size_t>(pixels, 1))};
-    if (!image.pixels) throw std::bad_alloc();
-    std::fill_n(image.pixels.get(), pixels, 0xFFFFFFu);
-    return image;
-}
-
 RasterImage DecodePng(std::span<const uint8_t> file) {
     PngState png;
+    png.state.info_raw.colortype = LCT_RGBA;
     unsigned width = 0;
     unsigned height = 0;
     Inspect(png, file, width, height);
@@ -116,7 +110,7 @@ RasterImage DecodePng(std::span<const uint8_t> file) {
     RasterImage image{.width = width, .height = height};
     image.pixels.reset(reinterpret_cast<uint32_t*>(bytes.release()));
     const LodePNGInfo& info = png.state.info_png;
-    if (info.phys_defined && info.phys_unit == kUnitMetre && info.phys_x > 0 && info.phys_y > 0) {
+    if (info.phys_defined && info.phys_unit == kUnitMeter && info.phys_x > 0 && info.phys_y > 0) {
         image.density = PixelDensity{static_cast<double>(info.phys_x), static_cast<double>(info.phys_y)};
     }
     return image;
@@ -130,6 +124,27 @@ RasterImage LoadPng(const fs::path& path) {
     } catch (const std::bad_alloc&) {
         throw PageError(Utf8FromPath(path) + " needs more memory than there is");
     }
+}
+
+std::vector<uint8_t> EncodePng(const Picture& picture, double pixelsPerInch) {
+    PngState png;
+    LodePNGInfo& info = png.state.info_png;
+    info.color.colortype = png.state.info_raw.colortype = picture.channels == 1 ? LCT_GREY : LCT_RGB;
+    png.state.encoder.auto_convert = 0;
+    info.phys_defined = 1;
+    info.phys_unit = kUnitMeter;
+    info.phys_x = info.phys_y = static_cast<unsigned>(std::lround(pixelsPerInch / kMetersPerInch));
+    unsigned char* encoded = nullptr;
+    size_t size = 0;
+    const unsigned code =
+        lodepng_encode(&encoded, &size, picture.samples.data(), picture.width, picture.height, &png.state);
+    const HeapArray<unsigned char> owner(encoded);
+    if (code != 0) throw std::runtime_error(std::string("can't make a PNG: ") + lodepng_error_text(code));
+    return {encoded, encoded + size};
+}
+
+void SavePng(const Picture& picture, double pixelsPerInch, const fs::path& path) {
+    WriteWholeFile(path, EncodePng(picture, pixelsPerInch));
 }
 
 }  // namespace orvex::tools

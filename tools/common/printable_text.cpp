@@ -1,9 +1,9 @@
-#include "tools/orvexview/printable_text.h"
+#include "tools/common/printable_text.h"
 
 #include <cstdint>
 #include <cstdio>
 
-namespace orvex::tools::view {
+namespace orvex::tools {
 
 namespace {
 
@@ -11,7 +11,8 @@ bool IsContinuation(char byte) {
     return (static_cast<uint8_t>(byte) & 0xC0) == 0x80;
 }
 
-// Bytes of the UTF-8 character at the start of the text, 0 when it is none or a control character.
+// Returns the size of the UTF-8 character at the start of the text; 0 if it is malformed or a control
+// character.
 size_t CharacterLength(std::string_view text) {
     const auto lead = static_cast<uint8_t>(text[0]);
     if (lead < 0x80) return lead >= 0x20 && lead != 0x7F ? 1 : 0;
@@ -22,7 +23,7 @@ size_t CharacterLength(std::string_view text) {
         if (!IsContinuation(text[i])) return 0;
         character = character << 6 | (static_cast<uint8_t>(text[i]) & 0x3F);
     }
-    constexpr uint32_t kSmallest[] = {0, 0, 0xA0, 0x800, 0x10000};  // below U+00A0 are controls
+    constexpr uint32_t kSmallest[] = {0, 0, 0xA0, 0x800, 0x10000};  // U+0080 to U+009F are control characters
     const bool surrogate = character >= 0xD800 && character <= 0xDFFF;
     return character >= kSmallest[length] && character <= 0x10FFFF && !surrogate ? length : 0;
 }
@@ -47,4 +48,4 @@ std::string PrintableText(std::string_view text, size_t maxBytes) {
     return printable;
 }
 
-}  // namespace orvex::tools::view
+}  // namespace orvex::tools

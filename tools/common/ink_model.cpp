@@ -1,19 +1,19 @@
-#include "tools/orvexview/ink_model.h"
+#include "tools/common/ink_model.h"
 
 #include <algorithm>
 #include <cmath>
 
-namespace orvex::tools::view {
+namespace orvex::tools {
 
 namespace {
 
 struct SolidInk {
     double density[3];  // in red, green and blue light, over paper
-    int absorbs;        // the colour of light that it is meant to absorb
+    int absorbs;        // the color of light that it is meant to absorb
     double dotGain;
 };
 
-// In the order of Ink.
+// The typical inks, indexed by Ink.
 constexpr SolidInk kSolidInks[kInks] = {
     {{1.50, 1.50, 1.50}, 0, 0.18},
     {{1.35, 0.42, 0.18}, 0, 0.20},
@@ -35,7 +35,7 @@ float LightThrough(const SolidInk& ink, double share, int color) {
     return static_cast<float>(std::pow(light, ink.density[color] / main));
 }
 
-// sRGB's curve, from light to 0 to 1.
+// Encodes light by sRGB's curve; both are 0 to 1.
 double Encoded(double light) {
     return light <= 0.0031308 ? 12.92 * light : 1.055 * std::pow(light, 1 / 2.4) - 0.055;
 }
@@ -75,4 +75,4 @@ Rgb InkModel::OnPaper(uint32_t inkValue) const {
             Shown(k.blue * c.blue * m.blue * y.blue)};
 }
 
-}  // namespace orvex::tools::view
+}  // namespace orvex::tools
