@@ -5,7 +5,7 @@
 #ifdef _WIN32
 #include <cstring>
 #else
-#include "platform/posix/double.h"
+#include "platform/posix/slots.h"
 #endif
 
 namespace orvex::tools {
@@ -97,7 +97,7 @@ std::vector<std::string> ImportedFunctions(HMODULE module) {
 #else
 
 ImportPatch::ImportPatch(HMODULE, const char* function, void* replacement)
-    : slot_(doubles::FindSlot(function)) {
+    : slot_(posix::FindSlot(function)) {
     if (slot_ == nullptr) return;
     original_ = *slot_;
     *slot_ = replacement;
@@ -108,7 +108,7 @@ ImportPatch::~ImportPatch() {
 }
 
 std::vector<std::string> ImportedFunctions(HMODULE) {
-    std::vector<std::string> names = doubles::SlotNames();
+    std::vector<std::string> names = posix::SlotNames();
     std::sort(names.begin(), names.end());
     return names;
 }

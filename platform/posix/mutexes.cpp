@@ -8,7 +8,10 @@
 #include <utility>
 #include <vector>
 
-#include "platform/posix/double.h"
+#include "platform/posix/handles.h"
+#include "platform/posix/slots.h"
+
+namespace orvex::posix {
 
 namespace {
 
@@ -80,7 +83,7 @@ void NamedMutex::Abandon() {
     freed_.notify_one();
 }
 
-class MutexHandle final : public doubles::KernelObject {
+class MutexHandle final : public KernelObject {
   public:
     explicit MutexHandle(std::shared_ptr<NamedMutex> mutex) : named(std::move(mutex)) {}
     std::shared_ptr<NamedMutex> named;
@@ -99,7 +102,7 @@ std::shared_ptr<NamedMutex> OpenNamedMutex(const char* name) {
 // The mutex of a handle, kept alive while it is waited for; null, with the last error set, for a handle of
 // anything else.
 std::shared_ptr<NamedMutex> MutexOf(HANDLE handle) {
-    const auto* mutex = dynamic_cast<MutexHandle*>(doubles::FindObject(handle));
+    const auto* mutex = dynamic_cast<MutexHandle*>(FindObject(handle));
     if (mutex != nullptr) return mutex->named;
     SetLastError(ERROR_INVALID_HANDLE);
     return nullptr;
@@ -107,21 +110,23 @@ std::shared_ptr<NamedMutex> MutexOf(HANDLE handle) {
 
 }  // namespace
 
-DOUBLE(HANDLE, CreateMutexA, (LPSECURITY_ATTRIBUTES attributes, BOOL owned, LPCSTR name),
-       (attributes, owned, name)) {
+WIN32_FUNCTION(HANDLE, CreateMutexA, (LPSECURITY_ATTRIBUTES attributes, BOOL owned, LPCSTR name),
+               (attributes, owned, name)) {
     (void)attributes, (void)owned;
-    return doubles::OpenHandle(new MutexHandle(OpenNamedMutex(name)));
+    return OpenHandle(new MutexHandle(OpenNamedMutex(name)));
 }
 
-DOUBLE(DWORD, WaitForSingleObject, (HANDLE handle, DWORD milliseconds), (handle, milliseconds)) {
+WIN32_FUNCTION(DWORD, WaitForSingleObject, (HANDLE handle, DWORD milliseconds), (handle, milliseconds)) {
     const std::shared_ptr<NamedMutex> mutex = MutexOf(handle);
     return mutex == nullptr ? WAIT_FAILED : mutex->Acquire(std::chrono::milliseconds(milliseconds));
 }
 
-DOUBLE(BOOL, ReleaseMutex, (HANDLE handle), (handle)) {
+WIN32_FUNCTION(BOOL, ReleaseMutex, (HANDLE handle), (handle)) {
     const std::shared_ptr<NamedMutex> mutex = MutexOf(handle);
     if (mutex == nullptr) return FALSE;
     if (mutex->Release()) return TRUE;
     SetLastError(ERROR_NOT_OWNER);
     return FALSE;
 }
+
+}  // namespace orvex::posix
