@@ -3,11 +3,11 @@
 #include <cstdio>
 
 #include "driver/color/color_adjustment.h"
+#include "driver/config/spooler_queries.h"
 #include "driver/job_output.h"
 #include "driver/job_state.h"
 #include "driver/print_engine.h"
 #include "driver/profiles/profile_file.h"
-#include "driver/support/installation.h"
 #include "driver/support/log.h"
 #include "driver/support/text.h"
 

@@ -1,11 +1,11 @@
 // DrvSendPage: takes a finished page from the graphics engine, lays it under the print head and hands its
 // rows to the print engine.
 
+#include "driver/config/spooler_queries.h"
 #include "driver/job_state.h"
 #include "driver/page_layout_input.h"
 #include "driver/render/raster_loop.h"
 #include "driver/render/thumbnail.h"
-#include "driver/support/installation.h"
 #include "driver/support/log.h"
 #include "driver/support/settings_file.h"
 #include "driver/support/text.h"

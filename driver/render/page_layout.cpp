@@ -55,7 +55,7 @@ void Align(int16_t alignment, PageLayout& layout) {
     layout.pageLengthUnits = kFullPageUnits;
     Placement& place = layout.aligned;
     if (!layout.fullWidth) {
-        if (alignment == kAlignCentre) layout.pageLengthUnits = layout.pageHUnits;
+        if (alignment == kAlignCenter) layout.pageLengthUnits = layout.pageHUnits;
         if (alignment == kAlignRight) place.topOff = Wrap(int64_t{layout.dpi} * 117 / 10 - layout.rows);
     } else if (alignment == kAlignLeft) {
         place.fullBottom = Wrap(int64_t{place.fullBottom} + place.fullTop);

@@ -13,7 +13,7 @@ struct PageLayoutInput {
     bool landscape;
     bool kws;
     bool kwsFullWidth;
-    int16_t alignment;   // kAlignRight: far end of the print head; kAlignCentre; kAlignLeft: near end
+    int16_t alignment;   // kAlignRight: far end of the print head; kAlignCenter; kAlignLeft: near end
     int16_t purgeBar;    // 0 off, 1 leading, 2 trailing
     uint16_t purgeDots;  // pixels
     uint16_t purgeGap;   // mm

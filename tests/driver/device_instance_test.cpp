@@ -187,7 +187,7 @@ TEST_F(DeviceInstance, IsRefusedWithoutMemory) {
 
 TEST_F(DeviceInstance, KeepsALabelsSizeEvenWhereAFreeSizeWouldBeReplaced) {
     for (const int16_t number : {kPaperDefault, kPaperFirstLabel}) {
-        AddLabel(Printer().data, number, "Tiny", "10", "20", kUnitsMillimetres);
+        AddLabel(Printer().data, number, "Tiny", "10", "20", kUnitsMillimeters);
         DeviceMode mode = Mode();
         mode.pub.dmPaperSize = number;
         mode.priv.dmPaperSize = 300;
@@ -198,7 +198,7 @@ TEST_F(DeviceInstance, KeepsALabelsSizeEvenWhereAFreeSizeWouldBeReplaced) {
 }
 
 TEST_F(DeviceInstance, KeepsTheSizeOfTheLabelThatItsOwnTextsDescribe) {
-    AddLabel(Printer().data, 258, "Changed since", "10", "20", kUnitsMillimetres);
+    AddLabel(Printer().data, 258, "Changed since", "10", "20", kUnitsMillimeters);
     DeviceMode mode = Mode();
     mode.pub.dmPaperSize = mode.priv.dmPaperSize = 258;
     const auto device = Enable(mode);
@@ -207,7 +207,7 @@ TEST_F(DeviceInstance, KeepsTheSizeOfTheLabelThatItsOwnTextsDescribe) {
 }
 
 TEST_F(DeviceInstance, TakesNoLabelForAFreeSize) {
-    AddLabel(Printer().data, kPaperCustom, "Not free", "10", "20", kUnitsMillimetres);
+    AddLabel(Printer().data, kPaperCustom, "Not free", "10", "20", kUnitsMillimeters);
     const auto device = Enable(Mode());
     EXPECT_EQ(InstanceOf(*device).dwPageWidth, 300u);
     EXPECT_EQ(InstanceOf(*device).dwPageLength, 400u);
@@ -215,7 +215,7 @@ TEST_F(DeviceInstance, TakesNoLabelForAFreeSize) {
 
 TEST_F(DeviceInstance, TakesNothingOfALabelThatCannotBeReadWhole) {
     PrinterData& data = Printer().data;
-    AddLabel(data, 258, "Whole", "80", "90", kUnitsMillimetres);
+    AddLabel(data, 258, "Whole", "80", "90", kUnitsMillimeters);
     data.SetNumber("Label Sizes\\259", "version", 1);
     data.SetText("Label Sizes\\259", "name", "Without a length");
     data.SetText("Label Sizes\\259", "width", "100");
@@ -228,9 +228,9 @@ TEST_F(DeviceInstance, TakesNothingOfALabelThatCannotBeReadWhole) {
 
 TEST_F(DeviceInstance, TakesTheSizeOfALabelThatTheCallerChoseByNumber) {
     AddLabel(Printer().data, 258, "Small", "4", "6.5", kUnitsInches);
-    AddLabel(Printer().data, 259, "Metric", "80", "120.25", kUnitsMillimetres);
+    AddLabel(Printer().data, 259, "Metric", "80", "120.25", kUnitsMillimeters);
     AddLabel(Printer().data, 260, "Tenths", "777", "888", 7);
-    AddLabel(Printer().data, 261, "Past 16 bits", "9000", "6653.6", kUnitsMillimetres);
+    AddLabel(Printer().data, 261, "Past 16 bits", "9000", "6653.6", kUnitsMillimeters);
     struct Case {
         int16_t number;
         uint32_t width, length;

@@ -15,7 +15,7 @@ constexpr SettingWord kSwitchWords[] = {{"on", 1}, {"off", 0}};
 constexpr SettingWord kOrientationWords[] = {{"portrait", DMORIENT_PORTRAIT},
                                              {"landscape", DMORIENT_LANDSCAPE}};
 constexpr SettingWord kAlignmentWords[] = {
-    {"left", kAlignLeft}, {"centre", kAlignCentre}, {"right", kAlignRight}, {"center", kAlignCentre}};
+    {"left", kAlignLeft}, {"centre", kAlignCenter}, {"right", kAlignRight}, {"center", kAlignCenter}};
 constexpr SettingWord kPurgeBarWords[] = {{"off", 0}, {"leading", 1}, {"trailing", 2}};
 constexpr SettingWord kGrayWords[] = {
     {"off", kColorModeColor}, {"composite", kColorModeCompositeGray}, {"black", kColorModeBlackGray}};

@@ -141,8 +141,8 @@ TEST(SettingTable, NamesOptionValueAndRangeOfAWrongValue) {
 }
 
 TEST(SettingTable, TakesBothSpellingsOfCentre) {
-    EXPECT_EQ(Parse("--align", "centre"), kAlignCentre);
-    EXPECT_EQ(Parse("--align", "center"), kAlignCentre);
+    EXPECT_EQ(Parse("--align", "centre"), kAlignCenter);
+    EXPECT_EQ(Parse("--align", "center"), kAlignCenter);
 }
 
 TEST(SettingTable, ShowsValuesAsTheyAreGiven) {
