@@ -22,8 +22,8 @@ namespace orvex::posix {
 
 namespace {
 
-// A file and how it is open: the uses that the handle is for, and those that others may open the file for
-// meanwhile, both as FILE_SHARE_... bits.
+// How a file is open: the uses of the handle, and the uses for which others may open the file meanwhile, both
+// as FILE_SHARE_... bits.
 struct FileUse {
     dev_t device;
     ino_t inode;
@@ -45,8 +45,8 @@ DWORD UsesOf(DWORD access) {
 
 class File final : public KernelObject {
   public:
-    // Takes over the descriptor. Returns null, with the descriptor closed, when another handle of this
-    // process excludes this use.
+    // Takes ownership of the descriptor. Returns null, with the descriptor closed, when another handle of
+    // this process excludes this use.
     static File* Open(int descriptor, const FileUse& use) {
         const std::lock_guard lock(mutex);
         const bool excluded = std::any_of(openFiles.begin(), openFiles.end(),
@@ -73,7 +73,7 @@ class File final : public KernelObject {
     FileUse use_;
 };
 
-// The file's descriptor, or -1 with the last error set.
+// Returns the file's descriptor; -1, with the last error set, for a handle of anything else.
 int Descriptor(HANDLE handle) {
     const auto* file = dynamic_cast<File*>(FindObject(handle));
     if (file != nullptr) return file->Descriptor();
@@ -218,7 +218,7 @@ WIN32_FUNCTION(BOOL, PathFileExistsA, (LPCSTR path), (path)) {
     return access(PosixPath(path).c_str(), F_OK) == 0;
 }
 
-// Lists the folder's matching names, sorted, as NTFS does.
+// Finds the folder's matching names in alphabetical order, like NTFS.
 WIN32_FUNCTION(HANDLE, FindFirstFileW, (LPCWSTR pattern, LPWIN32_FIND_DATAW data), (pattern, data)) {
     const std::string path = PosixPath(pattern);
     const size_t slash = path.rfind('/');

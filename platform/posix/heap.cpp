@@ -1,5 +1,5 @@
-// The C library's heap behind slots: the linker's --wrap sends every call of the code in this program here.
-// What is called before the slots are made, or after they are gone, gets the C library itself.
+// Slots for the C library's heap: the linker's --wrap sends every call from code of this program here. Calls
+// before the slots exist, or after they are gone, go to the C library itself.
 
 #include <cstddef>
 

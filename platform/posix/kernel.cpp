@@ -18,7 +18,7 @@ namespace {
 
 thread_local DWORD lastError = ERROR_SUCCESS;
 
-// Copies text with its terminator when it fits; returns the length without it, or the size needed.
+// Copies text with its terminator if it fits. Returns the length without the terminator, or the size needed.
 template <typename Character, typename Text>
 DWORD CopyOut(Character* buffer, DWORD capacity, const Text& text) {
     if (text.size() >= capacity) return static_cast<DWORD>(text.size() + 1);
@@ -47,7 +47,7 @@ WIN32_FUNCTION(HLOCAL, LocalFree, (HLOCAL memory), (memory)) {
 
 WIN32_FUNCTION(HMODULE, LoadLibraryW, (LPCWSTR path), (path)) {
     std::string file = PosixPath(path);
-    // The current directory is searched, which dlopen does not do by itself.
+    // Windows searches the current directory, dlopen does not.
     if (file.find('/') == std::string::npos) file = "./" + file;
     void* library = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (library == nullptr) SetLastError(ERROR_MOD_NOT_FOUND);
@@ -110,13 +110,13 @@ WIN32_FUNCTION(DWORD, GetCurrentThreadId, (), ()) {
     return static_cast<DWORD>(syscall(SYS_gettid));
 }
 
-// The native build's narrow code page is UTF-8.
+// The narrow code page of the native build is UTF-8.
 WIN32_FUNCTION(INT, WideCharToMultiByte,
                (UINT page, DWORD flags, LPCWSTR wide, INT length, LPSTR narrow, INT capacity, LPCSTR fallback,
                 LPBOOL used),
                (page, flags, wide, length, narrow, capacity, fallback, used)) {
     (void)page, (void)fallback, (void)used;
-    if (flags != 0) {  // that UTF-8 does not take
+    if (flags != 0) {  // UTF-8 allows none
         SetLastError(ERROR_INVALID_FLAGS);
         return 0;
     }

@@ -15,9 +15,9 @@ namespace orvex::posix {
 
 namespace {
 
-// A named mutex of this process. As on Windows it lives until its last handle is closed, stays owned by a
-// thread that closed its handle without a release while others hold theirs, and is abandoned by a thread that
-// ends with it.
+// A named mutex of this process. As on Windows, it lives until its last handle is closed, is still owned by a
+// thread that closes its handle without a release while others have theirs, and is abandoned by a thread that
+// ends as its owner.
 class NamedMutex : public std::enable_shared_from_this<NamedMutex> {
   public:
     DWORD Acquire(std::chrono::milliseconds wait);
@@ -32,7 +32,7 @@ class NamedMutex : public std::enable_shared_from_this<NamedMutex> {
     bool abandoned_ = false;
 };
 
-// What a thread owns, to be abandoned at its end.
+// The mutexes that a thread owns, which its end abandons.
 class OwnedMutexes {
   public:
     ~OwnedMutexes() {
@@ -44,7 +44,7 @@ class OwnedMutexes {
         Remove(nullptr);
         mutexes_.push_back(mutex);
     }
-    // A mutex whose last handle was closed goes with any other.
+    // Removes the mutex, and those whose last handle was closed.
     void Remove(const NamedMutex* mutex) {
         std::erase_if(mutexes_, [mutex](const auto& each) {
             const auto live = each.lock();
@@ -99,8 +99,8 @@ std::shared_ptr<NamedMutex> OpenNamedMutex(const char* name) {
     return found;
 }
 
-// The mutex of a handle, kept alive while it is waited for; null, with the last error set, for a handle of
-// anything else.
+// Returns the mutex of a handle, which the caller keeps alive while it waits; null, with the last error set,
+// for a handle of anything else.
 std::shared_ptr<NamedMutex> MutexOf(HANDLE handle) {
     const auto* mutex = dynamic_cast<MutexHandle*>(FindObject(handle));
     if (mutex != nullptr) return mutex->named;

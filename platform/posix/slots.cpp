@@ -6,7 +6,8 @@ namespace orvex::posix {
 
 namespace {
 
-// A function's variable, because slots of other translation units are made before main in any order.
+// Returns the head of the list. It is a local variable because the constructors of slots run before main in
+// any order.
 Slot*& FirstSlot() {
     static Slot* first = nullptr;
     return first;

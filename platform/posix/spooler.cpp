@@ -1,5 +1,5 @@
-// There is no spooler and no graphics engine here: each call fails until a host points its slot at functions
-// of its own.
+// The native build has no spooler and no graphics engine: each call fails until a host points its slot at a
+// function of its own.
 
 #include "platform/posix/slots.h"
 
