@@ -36,7 +36,7 @@ struct Setting {
     SettingField field;
     // What it takes: one of these words, one of these numbers, or a number of this range.
     std::span<const SettingWord> words;
-    std::span<const int> numbers;
+    std::span<const int16_t> numbers;
     int least;
     int most;
     int perUnit;       // steps of the field that make one unit: 10 for tenths of a millimetre
