@@ -1,7 +1,8 @@
 // The hooks of the device instance: DrvEnablePDEV builds it, DrvCompletePDEV and DrvResetPDEV add to it,
 // DrvDisablePDEV frees it.
 
-#include "driver/config/device_mode_operations.h"
+#include "driver/config/device_mode_defaults.h"
+#include "driver/config/device_mode_merge.h"
 #include "driver/config/label_length.h"
 #include "driver/config/label_sizes.h"
 #include "driver/device_capabilities.h"
@@ -24,14 +25,10 @@ using OwnedInstance = std::unique_ptr<PDEV, LocalFreeDeleter>;
 void TakeCustomLabelSize(PDEV* pdev) {
     DEVMODEW& pub = pdev->devmode.pub;
     if (pub.dmPaperSize < kPaperDefault || pub.dmPaperSize == pdev->devmode.priv.dmPaperSize) return;
-    LabelSize labels[kMaxLabels];
-    uint32_t count = 0;
-    ReadPrinterLabelList(pdev->hPrinter, labels, kMaxLabels, &count);
-    for (uint32_t i = 0; i < count; ++i) {
-        if (static_cast<int16_t>(labels[i].number) != pub.dmPaperSize) continue;
-        pub.dmPaperWidth = LabelLengthTenthsMm(FieldText(labels[i].width), labels[i].units);
-        pub.dmPaperLength = LabelLengthTenthsMm(FieldText(labels[i].length), labels[i].units);
-    }
+    const LabelList list(pdev->hPrinter);
+    const LabelSize* label = list.LastOfNumber(pub.dmPaperSize);
+    if (label == nullptr) return;
+    SetPaperSize(&pub, FieldText(label->width), FieldText(label->length), label->units);
 }
 
 BOOL FillPDevData(PDEV* pdev, DEVMODEW* pdm, const WCHAR* deviceName) {

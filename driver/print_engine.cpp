@@ -23,7 +23,7 @@ HMODULE LoadFrom(const WCHAR* folder) {
     SetCurrentDirectoryW(folder);
     const HMODULE library = LoadLibraryW(L"hpcrlib.dll");
     if (library == nullptr) {
-        const LastErrorKept lastError;
+        const PreservedLastError lastError;
         RestoreDirectory();
     }
     return library;
@@ -55,7 +55,7 @@ bool BindPrintEngine() {
         return false;
     }
     if (ResolveEntryPoints()) return true;
-    const LastErrorKept lastError;
+    const PreservedLastError lastError;
     UnbindPrintEngine();
     return false;
 }

@@ -5,7 +5,6 @@
 #include "driver/job_state.h"
 #include "driver/page_layout_input.h"
 #include "driver/raster_output.h"
-#include "driver/support/installation.h"
 #include "driver/support/log.h"
 #include "driver/support/settings_file.h"
 #include "driver/support/text.h"
@@ -152,7 +151,7 @@ extern "C" BOOL APIENTRY DrvSendPage(SURFOBJ* pso) {
     PDEV* pdev = RequireInstance(pso);
     if (pdev == nullptr) return trace.Bool(FALSE);
 
-    const HeapArray<WCHAR> driverName = GetPrinterDriverName(pdev->hPrinter);
+    AskForDriverName(*pdev);
     const PageLayout layout = ComputePageLayout(
         LayoutInput(pdev->devmode, GetDeviceResolution(pdev), pso->sizlBitmap.cx, pso->sizlBitmap.cy));
     const bool firstPage = g_nPage == 1;

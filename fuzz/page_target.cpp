@@ -10,12 +10,13 @@
 #include "driver/job_state.h"
 #include "driver/page_layout_input.h"
 #include "fuzz/allocation_watch.h"
-#include "fuzz/device_mode_rules.h"
 #include "fuzz/fuzz_installation.h"
 #include "fuzz/input.h"
 #include "fuzz/page_input.h"
 #include "fuzz/page_model.h"
 #include "fuzz/target.h"
+#include "tests/plain/device_mode.h"
+#include "tests/plain/device_mode_rules.h"
 #include "tests/plain/page_order.h"
 
 namespace orvex::fuzz {
@@ -30,7 +31,7 @@ RowOrder OrderOf(const DeviceMode& mode) {
 }
 
 DeviceMode ModeOf(FuzzInput& input) {
-    DeviceMode mode = DefaultDeviceMode();
+    DeviceMode mode = plain::ValidDeviceMode();
     const uint8_t flags = input.Byte();
     constexpr int16_t kDots[] = {1, 5, 10}, kGaps[] = {5, 10, 15}, kFrequencies[] = {0, 1, 2, 10, 20, 50};
     mode.pub.dmOrientation = flags & 1 ? DMORIENT_LANDSCAPE : DMORIENT_PORTRAIT;
@@ -46,7 +47,7 @@ DeviceMode ModeOf(FuzzInput& input) {
     mode.priv.purgeFreq = kFrequencies[input.Byte() % 6];
     mode.priv.phHOffset = static_cast<int16_t>(input.Number<uint16_t>() % 2001 - 1000);
     mode.priv.colorMode = input.Byte() % 3;
-    REQUIRE(BrokenRule(mode) == nullptr);
+    REQUIRE(plain::BrokenRule(mode) == nullptr);
     return mode;
 }
 

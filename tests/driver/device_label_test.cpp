@@ -36,23 +36,23 @@ class DeviceLabel : public DriverTest {
 
 TEST_F(DeviceLabel, KeepsItsSizeEvenWhereAFreeSizeWouldBeReplaced) {
     for (const int16_t number : {kPaperDefault, kPaperFirstLabel}) {
-        AddLabel(number, "Tiny", "10", "20", kUnitsMillimetres);
+        AddLabel(number, "Tiny", "10", "20", kUnitsMillimeters);
         ExpectPage(number, 100, 200, 300);
     }
 }
 
 TEST_F(DeviceLabel, IsNotLookedUpWhenThePrivatePartDescribesIt) {
-    AddLabel(258, "Changed since", "10", "20", kUnitsMillimetres);
+    AddLabel(258, "Changed since", "10", "20", kUnitsMillimeters);
     ExpectPage(258, 300, 400, 258);
 }
 
 TEST_F(DeviceLabel, IsNotLookedUpForAFreeSize) {
-    AddLabel(kPaperCustom, "Not free", "10", "20", kUnitsMillimetres);
+    AddLabel(kPaperCustom, "Not free", "10", "20", kUnitsMillimeters);
     ExpectPage(kPaperCustom, 300, 400);
 }
 
 TEST_F(DeviceLabel, IsNotUsedUnlessItCanBeReadWhole) {
-    AddLabel(258, "Whole", "80", "90", kUnitsMillimetres);
+    AddLabel(258, "Whole", "80", "90", kUnitsMillimeters);
     PrinterData& data = Printer().data;
     data.SetNumber("Label Sizes\\259", "version", 1);
     data.SetText("Label Sizes\\259", "name", "Without a length");
@@ -62,9 +62,9 @@ TEST_F(DeviceLabel, IsNotUsedUnlessItCanBeReadWhole) {
 
 TEST_F(DeviceLabel, GivesThePageItsSizeWhateverItsUnits) {
     AddLabel(258, "Small", "4", "6.5", kUnitsInches);
-    AddLabel(259, "Metric", "80", "120.25", kUnitsMillimetres);
+    AddLabel(259, "Metric", "80", "120.25", kUnitsMillimeters);
     AddLabel(260, "Tenths", "777", "888", 7);
-    AddLabel(261, "Past 16 bits", "9000", "6653.6", kUnitsMillimetres);
+    AddLabel(261, "Past 16 bits", "9000", "6653.6", kUnitsMillimeters);
     ExpectPage(258, 1016, 1651);
     ExpectPage(259, 800, 1203);
     ExpectPage(260, 777, 888);

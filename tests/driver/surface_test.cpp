@@ -38,7 +38,7 @@ TEST_F(PageBitmapHooks, DeleteTheBitmapOnce) {
     DriverSession& session = Session();
     const auto device = Enable(Mode());
     LogLines();
-    const auto deletions = [&] { return session.Graphics().Calls(EngineService::kDeleteSurface); };
+    const auto deletions = [&] { return session.Graphics().Calls(GraphicsService::kDeleteSurface); };
     EXPECT_EQ(session.Graphics().LiveSurfaces(), 1u);
     session.Hooks().disableSurface(device->Instance());
     session.Hooks().disableSurface(device->Instance());
@@ -55,7 +55,7 @@ TEST_F(PageBitmapHooks, DeleteTheBitmapOnce) {
 TEST_F(PageBitmapHooks, ReportABitmapThatCannotBeMade) {
     const auto device = Session().EnablePdev(Bytes(Mode()));
     Session().CompletePdev(*device);
-    Session().Graphics().FailCall(EngineService::kCreateBitmap);
+    Session().Graphics().FailCall(GraphicsService::kCreateBitmap);
     EXPECT_FALSE(Session().EnableSurface(*device));
     EXPECT_THAT(LogLines(), Contains("[Error] Could not create surface."));
     EXPECT_EQ(InstanceOf(*device).hSurface, nullptr);
@@ -64,7 +64,7 @@ TEST_F(PageBitmapHooks, ReportABitmapThatCannotBeMade) {
 TEST_F(PageBitmapHooks, DeleteABitmapThatCannotBeAssociated) {
     const auto device = Session().EnablePdev(Bytes(Mode()));
     Session().CompletePdev(*device);
-    Session().Graphics().FailCall(EngineService::kAssociateSurface);
+    Session().Graphics().FailCall(GraphicsService::kAssociateSurface);
     EXPECT_FALSE(Session().EnableSurface(*device));
     EXPECT_EQ(Session().Graphics().LiveSurfaces(), 0u);
     EXPECT_EQ(InstanceOf(*device).hSurface, nullptr);

@@ -4,7 +4,7 @@
 #include <climits>
 
 #ifndef _WIN32
-#include "platform/posix/double.h"
+#include "platform/posix/paths.h"
 #endif
 
 namespace orvex::tools {
@@ -85,10 +85,10 @@ std::string Utf8FromPath(const fs::path& path) {
     return path.string();
 }
 std::u16string WindowsPath(const fs::path& path) {
-    return doubles::WindowsPath(path.string());
+    return posix::WindowsPath(path.string());
 }
 fs::path MachinePath(std::string_view windowsPath) {
-    return doubles::PosixPath(std::string(windowsPath).c_str());
+    return posix::PosixPath(std::string(windowsPath).c_str());
 }
 
 #endif

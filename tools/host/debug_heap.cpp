@@ -65,7 +65,7 @@ DebugHeap::DebugHeap(HMODULE module) {
                              {"LocalAlloc", &HeapReplacements::LocalAlloc},
                              {"LocalFree", &HeapReplacements::LocalFree}});
     if (patches_.Original("malloc", &HeapReplacements::Malloc) == nullptr)
-        throw std::logic_error("the module's heap is out of reach; natively it takes orvex_heap_doubles");
+        throw std::logic_error("the module's heap is out of reach; natively it takes orvex_posix_heap");
 }
 
 DebugHeap::~DebugHeap() {

@@ -3,7 +3,7 @@
 //
 // On Windows each block ends at a guard page, starts out filled with a pattern, and stays inaccessible for a
 // long time after it is freed. Natively the blocks are the C library's own, which the sanitizers guard; the
-// program must be linked with orvex_heap_doubles.
+// program must be linked with orvex_posix_heap.
 //
 // Only one debug heap may exist at a time in a process.
 #pragma once

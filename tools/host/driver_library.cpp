@@ -6,10 +6,6 @@
 
 #include "tools/common/wide_text.h"
 
-#ifndef _WIN32
-#include "platform/posix/double.h"
-#endif
-
 namespace orvex::tools {
 
 #ifndef _WIN32

@@ -6,7 +6,7 @@
 #include <cstring>
 #include <set>
 #else
-#include "platform/posix/double.h"
+#include "platform/posix/slots.h"
 #endif
 
 namespace orvex::tools {
@@ -104,7 +104,7 @@ std::vector<std::string> ImportedLibraries(HMODULE module) {
 #else
 
 ImportPatch::ImportPatch(HMODULE, const char* function, void* replacement)
-    : slot_(doubles::FindSlot(function)) {
+    : slot_(posix::FindSlot(function)) {
     if (slot_ == nullptr) return;
     original_ = *slot_;
     *slot_ = replacement;
@@ -115,7 +115,7 @@ ImportPatch::~ImportPatch() {
 }
 
 std::vector<std::string> ImportedFunctions(HMODULE) {
-    std::vector<std::string> names = doubles::SlotNames();
+    std::vector<std::string> names = posix::SlotNames();
     std::sort(names.begin(), names.end());
     return names;
 }

@@ -119,7 +119,7 @@ std::string NameOf(const LabelSize& label) {
 }
 
 std::string SizeTextOf(const LabelSize& label) {
-    const char* const unit = label.units == kUnitsMillimetres ? " mm"
+    const char* const unit = label.units == kUnitsMillimeters ? " mm"
                              : label.units == kUnitsInches    ? " in"
                                                               : " x 0.1 mm";
     return std::string(FieldText(label.width)) + " x " + std::string(FieldText(label.length)) + unit;

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "driver/config/device_mode.h"
+#include "driver/config/device_mode_fields.h"
 #include "driver/config/label_sizes.h"
 
 namespace orvex::tools::print {
@@ -19,8 +20,8 @@ struct PaperSize {
     bool operator==(const PaperSize&) const = default;
 };
 
-constexpr PaperSize kLeastPaper = {254, 254};
-constexpr PaperSize kMostPaper = {2970, 9017};
+constexpr PaperSize kLeastPaper = {kPaperWidth.values.least, kPaperLength.values.least};
+constexpr PaperSize kMostPaper = {kPaperWidth.values.most, kPaperLength.values.most};
 
 // Parses width and length, "100x150mm" or "4x6in"; the default unit is the millimeter. Throws OptionError,
 // which states the range, for any other text and for sizes that the printer can't print.

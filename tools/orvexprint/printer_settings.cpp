@@ -5,7 +5,8 @@
 #include <iterator>
 #include <stdexcept>
 
-#include "driver/config/device_mode_operations.h"
+#include "driver/config/device_mode_defaults.h"
+#include "driver/config/device_mode_merge.h"
 #include "driver/profiles/profile_catalogue.h"
 #include "driver/support/text.h"
 #include "tools/common/wide_text.h"

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "driver/config/device_mode_fields.h"
 #include "tools/common/number_text.h"
 #include "tools/common/units.h"
 
@@ -18,11 +19,6 @@ constexpr SettingWord kAlignmentWords[] = {
 constexpr SettingWord kPurgeBarWords[] = {{"off", 0}, {"leading", 1}, {"trailing", 2}};
 constexpr SettingWord kGrayWords[] = {
     {"off", kColorModeColor}, {"composite", kColorModeCompositeGray}, {"black", kColorModeBlackGray}};
-constexpr int kResolutionNumbers[] = {300, 600};
-constexpr int kPurgeDotsNumbers[] = {1, 5, 10};
-constexpr int kPurgeGapNumbers[] = {5, 10, 15};
-constexpr int kPurgeFreqNumbers[] = {0, 1, 2, 10, 20, 50};
-
 constexpr char kPaper[] = "Page";
 constexpr char kHead[] = "Print head";
 constexpr char kColor[] = "Colour";
@@ -33,51 +29,64 @@ constexpr char kJob[] = "Job";
 #define PRIVATE(name) \
     { offsetof(DeviceMode, priv) + offsetof(PrivateDevMode, name), sizeof(PrivateDevMode::name) }
 
+// Returns the values that a field of the device mode may have. A name without a row does not compile.
+template <size_t N>
+consteval ValidValues ValuesOf(const DeviceModeField (&rows)[N], std::string_view name) {
+    size_t row = 0;
+    while (name != rows[row].name) ++row;
+    return rows[row].values;
+}
+
+constexpr std::span<const int16_t> ListOf(const ValidValues& values) {
+    return {values.list, values.listed};
+}
+
 #define SWITCH kSwitchWords, {}, 0, 0, 1, ""
 #define WORDS(words) words, {}, 0, 0, 1, ""
-#define ONE_OF(numbers, unit) {}, numbers, 0, 0, 1, unit
-#define RANGE(least, most, unit) {}, {}, least, most, 1, unit
-#define TENTHS_OF_MM(least, most) {}, {}, least, most, 10, "mm"
+#define VALUES(values, perUnit, unit) {}, ListOf(values), (values).least, (values).most, perUnit, unit
+#define PUBLIC_NUMBER(name, unit) PUBLIC(name), VALUES(ValuesOf(kPublicFields, #name), 1, unit)
+#define NUMBER(name, unit) PRIVATE(name), VALUES(ValuesOf(kPrivateFields, #name), 1, unit)
+#define TENTHS_OF_MM(name) PRIVATE(name), VALUES(ValuesOf(kPrivateFields, #name), 10, "mm")
 
 // clang-format off
 constexpr Setting kSettings[] = {
-    {"--dpi", kPaper, PUBLIC(dmPrintQuality), ONE_OF(kResolutionNumbers, "dpi"), "resolution", DM_PRINTQUALITY},
+    {"--dpi", kPaper, PUBLIC_NUMBER(dmPrintQuality, "dpi"), "resolution", DM_PRINTQUALITY},
     {"--orientation", kPaper, PUBLIC(dmOrientation), WORDS(kOrientationWords), "orientation of the page; --landscape and --portrait are short forms", DM_ORIENTATION},
     {"--rotate180", kPaper, PRIVATE(rotate180), SWITCH, "turn every page by half a turn"},
     {"--mirror", kPaper, PRIVATE(mirrorImage), SWITCH, "mirror every page, for labels read through glass"},
     {"--feed-side", kPaper, PRIVATE(feedSide), SWITCH, "feed side of the page, for the printer's own programs"},
 
     {"--align", kHead, PRIVATE(alignment), WORDS(kAlignmentWords), "place of the label under the print head"},
-    {"--print-head-offset", kHead, PRIVATE(phHOffset), TENTHS_OF_MM(-1000, 1000), "shift of the print across the label"},
-    {"--tof-offset", kHead, PRIVATE(phVOffset), TENTHS_OF_MM(-250, 250), "shift of the print along the label, from its top of form"},
+    {"--print-head-offset", kHead, TENTHS_OF_MM(phHOffset), "shift of the print across the label"},
+    {"--tof-offset", kHead, TENTHS_OF_MM(phVOffset), "shift of the print along the label, from its top of form"},
     {"--kws", kHead, PRIVATE(kws), SWITCH, "a faint pattern on blank pixels"},
     {"--full-width", kHead, PRIVATE(kws_fullwidth), SWITCH, "fill the whole width of the print head; acts with --kws or a purge bar"},
     {"--purge-bar", kHead, PRIVATE(purgeBar), WORDS(kPurgeBarWords), "a bar before or after the page"},
-    {"--purge-dots", kHead, PRIVATE(purgeDots), ONE_OF(kPurgeDotsNumbers, "pixels"), "width of the purge bar"},
-    {"--purge-gap", kHead, PRIVATE(purgeGap), ONE_OF(kPurgeGapNumbers, "mm"), "gap between purge bar and page"},
-    {"--purge-freq", kHead, PRIVATE(purgeFreq), ONE_OF(kPurgeFreqNumbers, "pages"), "a purge bar every so many pages; 0: only on the first page"},
+    {"--purge-dots", kHead, NUMBER(purgeDots, "pixels"), "width of the purge bar"},
+    {"--purge-gap", kHead, NUMBER(purgeGap, "mm"), "gap between purge bar and page"},
+    {"--purge-freq", kHead, NUMBER(purgeFreq, "pages"), "a purge bar every so many pages; 0: only on the first page"},
 
     {"--grey", kColor, PRIVATE(colorMode), WORDS(kGrayWords), "print in grey, with all inks or with black alone"},
-    {"--overspray", kColor, PRIVATE(overspray), RANGE(0, 3, ""), "level of overspray"},
+    {"--overspray", kColor, NUMBER(overspray, ""), "level of overspray"},
     {"--colour-adjust", kColor, PRIVATE(colorAdjust), SWITCH, "mark the job as adjusted; the values below act without the mark"},
-    {"--brightness", kColor, PRIVATE(adj_brightness), RANGE(-100, 100, ""), "darker or brighter"},
-    {"--tone", kColor, PRIVATE(adj_colortone), RANGE(-100, 100, ""), "shift of the colour tone"},
-    {"--saturation", kColor, PRIVATE(adj_saturation), RANGE(-100, 100, ""), "greyer or more colourful"},
-    {"--cyan", kColor, PRIVATE(adj_cyan), RANGE(-100, 100, ""), "less or more cyan ink"},
-    {"--magenta", kColor, PRIVATE(adj_magenta), RANGE(-100, 100, ""), "less or more magenta ink"},
-    {"--yellow", kColor, PRIVATE(adj_yellow), RANGE(-100, 100, ""), "less or more yellow ink"},
-    {"--black", kColor, PRIVATE(adj_black), RANGE(-100, 100, ""), "less or more black ink"},
+    {"--brightness", kColor, NUMBER(adj_brightness, ""), "darker or brighter"},
+    {"--tone", kColor, NUMBER(adj_colortone, ""), "shift of the colour tone"},
+    {"--saturation", kColor, NUMBER(adj_saturation, ""), "greyer or more colourful"},
+    {"--cyan", kColor, NUMBER(adj_cyan, ""), "less or more cyan ink"},
+    {"--magenta", kColor, NUMBER(adj_magenta, ""), "less or more magenta ink"},
+    {"--yellow", kColor, NUMBER(adj_yellow, ""), "less or more yellow ink"},
+    {"--black", kColor, NUMBER(adj_black, ""), "less or more black ink"},
 
-    {"--copies", kJob, PUBLIC(dmCopies), RANGE(1, 10000, ""), "number of copies", DM_COPIES},
+    {"--copies", kJob, PUBLIC_NUMBER(dmCopies, ""), "number of copies", DM_COPIES},
     {"--collate", kJob, PUBLIC(dmCollate), SWITCH, "whole copies of the job, one after the other", DM_COLLATE},
-    {"--private-copies", kJob, PRIVATE(copies), RANGE(1, 10000, ""), "a copy count of the printer's own programs", 0, PRIVATE(usePrivateCopies)},
+    {"--private-copies", kJob, NUMBER(copies, ""), "a copy count of the printer's own programs", 0, PRIVATE(usePrivateCopies)},
     {"--use-private-copies", kJob, PRIVATE(usePrivateCopies), SWITCH, "use that count"},
-    {"--chunk", kJob, PRIVATE(chunksize), RANGE(30, 10000, "pages"), "print the job in pieces of this many pages", 0, PRIVATE(chunkActive)},
+    {"--chunk", kJob, NUMBER(chunksize, "pages"), "print the job in pieces of this many pages", 0, PRIVATE(chunkActive)},
     {"--chunked", kJob, PRIVATE(chunkActive), SWITCH, "print the job in pieces"},
     {"--job-capture", kJob, PRIVATE(jobCapture), SWITCH, "let the printer capture the job"},
     {"--no-print", kJob, PRIVATE(noPrint), SWITCH, "let the printer take the job without printing it"},
     {"--stitched", kJob, PRIVATE(stitched), SWITCH, "mark the job as stitched"},
-    {"--print-setting", kJob, PRIVATE(printSetting), RANGE(0, 3, ""), "a number for the printer's own programs"},
+    {"--print-setting", kJob, NUMBER(printSetting, ""), "a number for the printer's own programs"},
 };
 // clang-format on
 
@@ -116,7 +125,7 @@ std::optional<double> NumberInUnit(const Setting& setting, std::string_view text
 }
 
 bool Takes(const Setting& setting, int value) {
-    for (const int each : setting.numbers) {
+    for (const int16_t each : setting.numbers) {
         if (each == value) return true;
     }
     return setting.numbers.empty() && value >= setting.least && value <= setting.most;

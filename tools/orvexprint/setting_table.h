@@ -36,7 +36,7 @@ struct Setting {
     SettingField field;
     // The allowed values: one of the words, one of the numbers, or a number in the range.
     std::span<const SettingWord> words;
-    std::span<const int> numbers;
+    std::span<const int16_t> numbers;
     int least;
     int most;
     int perUnit;       // steps of the field per unit: 10 for tenths of a millimeter

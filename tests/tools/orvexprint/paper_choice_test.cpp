@@ -77,7 +77,7 @@ TEST(PaperChoice, SetsACustomSize) {
 TEST(PaperChoice, KeepsACustomSizeFromBeingReplacedByTheDefaultLabel) {
     DeviceMode defaults = {};
     defaults.priv.dmPaperSize = 260;
-    defaults.priv.units = kUnitsMillimetres;
+    defaults.priv.units = kUnitsMillimeters;
     strcpy(defaults.priv.labelName, "Shipping");
     strcpy(defaults.priv.width_string, "100");
     strcpy(defaults.priv.length_string, "150");

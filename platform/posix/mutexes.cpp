@@ -8,13 +8,16 @@
 #include <utility>
 #include <vector>
 
-#include "platform/posix/double.h"
+#include "platform/posix/handles.h"
+#include "platform/posix/slots.h"
+
+namespace orvex::posix {
 
 namespace {
 
-// A named mutex of this process. As on Windows it lives until its last handle is closed, stays owned by a
-// thread that closed its handle without a release while others hold theirs, and is abandoned by a thread that
-// ends with it.
+// A named mutex of this process. As on Windows, it lives until its last handle is closed, is still owned by a
+// thread that closes its handle without a release while others have theirs, and is abandoned by a thread that
+// ends as its owner.
 class NamedMutex : public std::enable_shared_from_this<NamedMutex> {
   public:
     DWORD Acquire(std::chrono::milliseconds wait);
@@ -29,7 +32,7 @@ class NamedMutex : public std::enable_shared_from_this<NamedMutex> {
     bool abandoned_ = false;
 };
 
-// What a thread owns, to be abandoned at its end.
+// The mutexes that a thread owns, which its end abandons.
 class OwnedMutexes {
   public:
     ~OwnedMutexes() {
@@ -41,7 +44,7 @@ class OwnedMutexes {
         Remove(nullptr);
         mutexes_.push_back(mutex);
     }
-    // A mutex whose last handle was closed goes with any other.
+    // Removes the mutex, and those whose last handle was closed.
     void Remove(const NamedMutex* mutex) {
         std::erase_if(mutexes_, [mutex](const auto& each) {
             const auto live = each.lock();
@@ -80,7 +83,7 @@ void NamedMutex::Abandon() {
     freed_.notify_one();
 }
 
-class MutexHandle final : public doubles::KernelObject {
+class MutexHandle final : public KernelObject {
   public:
     explicit MutexHandle(std::shared_ptr<NamedMutex> mutex) : named(std::move(mutex)) {}
     std::shared_ptr<NamedMutex> named;
@@ -96,10 +99,10 @@ std::shared_ptr<NamedMutex> OpenNamedMutex(const char* name) {
     return found;
 }
 
-// The mutex of a handle, kept alive while it is waited for; null, with the last error set, for a handle of
-// anything else.
+// Returns the mutex of a handle, which the caller keeps alive while it waits; null, with the last error set,
+// for a handle of anything else.
 std::shared_ptr<NamedMutex> MutexOf(HANDLE handle) {
-    const auto* mutex = dynamic_cast<MutexHandle*>(doubles::FindObject(handle));
+    const auto* mutex = dynamic_cast<MutexHandle*>(FindObject(handle));
     if (mutex != nullptr) return mutex->named;
     SetLastError(ERROR_INVALID_HANDLE);
     return nullptr;
@@ -107,21 +110,23 @@ std::shared_ptr<NamedMutex> MutexOf(HANDLE handle) {
 
 }  // namespace
 
-DOUBLE(HANDLE, CreateMutexA, (LPSECURITY_ATTRIBUTES attributes, BOOL owned, LPCSTR name),
-       (attributes, owned, name)) {
+WIN32_FUNCTION(HANDLE, CreateMutexA, (LPSECURITY_ATTRIBUTES attributes, BOOL owned, LPCSTR name),
+               (attributes, owned, name)) {
     (void)attributes, (void)owned;
-    return doubles::OpenHandle(new MutexHandle(OpenNamedMutex(name)));
+    return OpenHandle(new MutexHandle(OpenNamedMutex(name)));
 }
 
-DOUBLE(DWORD, WaitForSingleObject, (HANDLE handle, DWORD milliseconds), (handle, milliseconds)) {
+WIN32_FUNCTION(DWORD, WaitForSingleObject, (HANDLE handle, DWORD milliseconds), (handle, milliseconds)) {
     const std::shared_ptr<NamedMutex> mutex = MutexOf(handle);
     return mutex == nullptr ? WAIT_FAILED : mutex->Acquire(std::chrono::milliseconds(milliseconds));
 }
 
-DOUBLE(BOOL, ReleaseMutex, (HANDLE handle), (handle)) {
+WIN32_FUNCTION(BOOL, ReleaseMutex, (HANDLE handle), (handle)) {
     const std::shared_ptr<NamedMutex> mutex = MutexOf(handle);
     if (mutex == nullptr) return FALSE;
     if (mutex->Release()) return TRUE;
     SetLastError(ERROR_NOT_OWNER);
     return FALSE;
 }
+
+}  // namespace orvex::posix

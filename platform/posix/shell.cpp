@@ -1,7 +1,9 @@
 #include <cstring>
 
-#include "platform/posix/double.h"
+#include "platform/posix/slots.h"
 #include "platform/shell.h"
+
+namespace orvex::posix {
 
 namespace {
 
@@ -13,8 +15,8 @@ size_t Length(const WCHAR* text) {
 
 }  // namespace
 
-DOUBLE(BOOL, SHGetSpecialFolderPathW, (HWND window, LPWSTR path, INT folder, BOOL create),
-       (window, path, folder, create)) {
+WIN32_FUNCTION(BOOL, SHGetSpecialFolderPathW, (HWND window, LPWSTR path, INT folder, BOOL create),
+               (window, path, folder, create)) {
     (void)window, (void)create;
     if (folder != CSIDL_COMMON_APPDATA) {
         SetLastError(ERROR_FILE_NOT_FOUND);
@@ -25,7 +27,7 @@ DOUBLE(BOOL, SHGetSpecialFolderPathW, (HWND window, LPWSTR path, INT folder, BOO
     return TRUE;
 }
 
-DOUBLE(BOOL, PathAppendW, (LPWSTR path, LPCWSTR more), (path, more)) {
+WIN32_FUNCTION(BOOL, PathAppendW, (LPWSTR path, LPCWSTR more), (path, more)) {
     size_t length = Length(path);
     while (*more == L'\\') ++more;
     const size_t added = Length(more);
@@ -35,8 +37,8 @@ DOUBLE(BOOL, PathAppendW, (LPWSTR path, LPCWSTR more), (path, more)) {
     return TRUE;
 }
 
-DOUBLE(INT, GetLocaleInfoW, (LCID locale, LCTYPE type, LPWSTR buffer, INT capacity),
-       (locale, type, buffer, capacity)) {
+WIN32_FUNCTION(INT, GetLocaleInfoW, (LCID locale, LCTYPE type, LPWSTR buffer, INT capacity),
+               (locale, type, buffer, capacity)) {
     (void)locale;
     static constexpr WCHAR kLanguage[] = L"ENU";
     if (type != LOCALE_SABBREVLANGNAME || capacity < 4) {
@@ -46,3 +48,5 @@ DOUBLE(INT, GetLocaleInfoW, (LCID locale, LCTYPE type, LPWSTR buffer, INT capaci
     memcpy(buffer, kLanguage, sizeof kLanguage);
     return 4;
 }
+
+}  // namespace orvex::posix

@@ -12,16 +12,18 @@
 #include <set>
 #include <vector>
 
-#include "platform/posix/double.h"
+#include "platform/posix/handles.h"
+#include "platform/posix/paths.h"
+#include "platform/posix/slots.h"
+#include "platform/posix/unicode.h"
 #include "platform/shell.h"
 
-using doubles::FailWithErrno;
-using doubles::PosixPath;
+namespace orvex::posix {
 
 namespace {
 
-// A file and how it is open: the uses that the handle is for, and those that others may open the file for
-// meanwhile, both as FILE_SHARE_... bits.
+// How a file is open: the uses of the handle, and the uses for which others may open the file meanwhile, both
+// as FILE_SHARE_... bits.
 struct FileUse {
     dev_t device;
     ino_t inode;
@@ -41,10 +43,10 @@ DWORD UsesOf(DWORD access) {
     return uses;
 }
 
-class File final : public doubles::KernelObject {
+class File final : public KernelObject {
   public:
-    // Takes over the descriptor. Returns null, with the descriptor closed, when another handle of this
-    // process excludes this use.
+    // Takes ownership of the descriptor. Returns null, with the descriptor closed, when another handle of
+    // this process excludes this use.
     static File* Open(int descriptor, const FileUse& use) {
         const std::lock_guard lock(mutex);
         const bool excluded = std::any_of(openFiles.begin(), openFiles.end(),
@@ -71,15 +73,15 @@ class File final : public doubles::KernelObject {
     FileUse use_;
 };
 
-// The file's descriptor, or -1 with the last error set.
+// Returns the file's descriptor; -1, with the last error set, for a handle of anything else.
 int Descriptor(HANDLE handle) {
-    const auto* file = dynamic_cast<File*>(doubles::FindObject(handle));
+    const auto* file = dynamic_cast<File*>(FindObject(handle));
     if (file != nullptr) return file->Descriptor();
     SetLastError(ERROR_INVALID_HANDLE);
     return -1;
 }
 
-class FileSearch final : public doubles::KernelObject {
+class FileSearch final : public KernelObject {
   public:
     std::vector<std::string> names;
     size_t next = 0;
@@ -90,7 +92,7 @@ BOOL TakeNextName(FileSearch& search, WIN32_FIND_DATAW* data) {
         SetLastError(ERROR_NO_MORE_FILES);
         return FALSE;
     }
-    const std::u16string name = doubles::Utf16(search.names[search.next++]);
+    const std::u16string name = Utf16(search.names[search.next++]);
     *data = {};
     const size_t length = std::min<size_t>(name.size(), MAX_PATH - 1);
     memcpy(data->cFileName, name.data(), length * sizeof(WCHAR));
@@ -112,7 +114,7 @@ HANDLE OpenFile(const std::string& path, DWORD access, DWORD share, DWORD dispos
         errno = EISDIR;
     } else if (descriptor >= 0) {
         File* file = File::Open(descriptor, {status.st_dev, status.st_ino, UsesOf(access), share});
-        if (file != nullptr) return doubles::OpenHandle(file);
+        if (file != nullptr) return OpenHandle(file);
         SetLastError(ERROR_SHARING_VIOLATION);
         return INVALID_HANDLE_VALUE;
     }
@@ -122,24 +124,25 @@ HANDLE OpenFile(const std::string& path, DWORD access, DWORD share, DWORD dispos
 
 }  // namespace
 
-DOUBLE(HANDLE, CreateFileA,
-       (LPCSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES attributes, DWORD disposition,
-        DWORD flags, HANDLE pattern),
-       (path, access, share, attributes, disposition, flags, pattern)) {
+WIN32_FUNCTION(HANDLE, CreateFileA,
+               (LPCSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES attributes, DWORD disposition,
+                DWORD flags, HANDLE pattern),
+               (path, access, share, attributes, disposition, flags, pattern)) {
     (void)attributes, (void)pattern;
     return OpenFile(PosixPath(path), access, share, disposition, flags);
 }
 
-DOUBLE(HANDLE, CreateFileW,
-       (LPCWSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES attributes, DWORD disposition,
-        DWORD flags, HANDLE pattern),
-       (path, access, share, attributes, disposition, flags, pattern)) {
+WIN32_FUNCTION(HANDLE, CreateFileW,
+               (LPCWSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES attributes, DWORD disposition,
+                DWORD flags, HANDLE pattern),
+               (path, access, share, attributes, disposition, flags, pattern)) {
     (void)attributes, (void)pattern;
     return OpenFile(PosixPath(path), access, share, disposition, flags);
 }
 
-DOUBLE(BOOL, ReadFile, (HANDLE file, LPVOID buffer, DWORD size, LPDWORD read, LPOVERLAPPED overlapped),
-       (file, buffer, size, read, overlapped)) {
+WIN32_FUNCTION(BOOL, ReadFile,
+               (HANDLE file, LPVOID buffer, DWORD size, LPDWORD read, LPOVERLAPPED overlapped),
+               (file, buffer, size, read, overlapped)) {
     (void)overlapped;
     *read = 0;
     const int descriptor = Descriptor(file);
@@ -155,8 +158,9 @@ DOUBLE(BOOL, ReadFile, (HANDLE file, LPVOID buffer, DWORD size, LPDWORD read, LP
     return TRUE;
 }
 
-DOUBLE(BOOL, WriteFile, (HANDLE file, LPCVOID buffer, DWORD size, LPDWORD written, LPOVERLAPPED overlapped),
-       (file, buffer, size, written, overlapped)) {
+WIN32_FUNCTION(BOOL, WriteFile,
+               (HANDLE file, LPCVOID buffer, DWORD size, LPDWORD written, LPOVERLAPPED overlapped),
+               (file, buffer, size, written, overlapped)) {
     (void)overlapped;
     *written = 0;
     const int descriptor = Descriptor(file);
@@ -167,8 +171,9 @@ DOUBLE(BOOL, WriteFile, (HANDLE file, LPCVOID buffer, DWORD size, LPDWORD writte
     return TRUE;
 }
 
-DOUBLE(BOOL, SetFilePointerEx, (HANDLE file, LARGE_INTEGER distance, PLARGE_INTEGER position, DWORD method),
-       (file, distance, position, method)) {
+WIN32_FUNCTION(BOOL, SetFilePointerEx,
+               (HANDLE file, LARGE_INTEGER distance, PLARGE_INTEGER position, DWORD method),
+               (file, distance, position, method)) {
     const int descriptor = Descriptor(file);
     if (descriptor < 0) return FALSE;
     const int whence = method == FILE_BEGIN ? SEEK_SET : method == FILE_CURRENT ? SEEK_CUR : SEEK_END;
@@ -178,7 +183,7 @@ DOUBLE(BOOL, SetFilePointerEx, (HANDLE file, LARGE_INTEGER distance, PLARGE_INTE
     return TRUE;
 }
 
-DOUBLE(BOOL, GetFileSizeEx, (HANDLE file, PLARGE_INTEGER size), (file, size)) {
+WIN32_FUNCTION(BOOL, GetFileSizeEx, (HANDLE file, PLARGE_INTEGER size), (file, size)) {
     const int descriptor = Descriptor(file);
     struct stat status;
     if (descriptor < 0) return FALSE;
@@ -187,8 +192,8 @@ DOUBLE(BOOL, GetFileSizeEx, (HANDLE file, PLARGE_INTEGER size), (file, size)) {
     return TRUE;
 }
 
-DOUBLE(BOOL, CloseHandle, (HANDLE handle), (handle)) {
-    doubles::KernelObject* object = doubles::ForgetHandle(handle);
+WIN32_FUNCTION(BOOL, CloseHandle, (HANDLE handle), (handle)) {
+    KernelObject* object = ForgetHandle(handle);
     if (object == nullptr) {
         SetLastError(ERROR_INVALID_HANDLE);
         return FALSE;
@@ -197,7 +202,7 @@ DOUBLE(BOOL, CloseHandle, (HANDLE handle), (handle)) {
     return TRUE;
 }
 
-DOUBLE(BOOL, MoveFileA, (LPCSTR from, LPCSTR to), (from, to)) {
+WIN32_FUNCTION(BOOL, MoveFileA, (LPCSTR from, LPCSTR to), (from, to)) {
     if (access(PosixPath(to).c_str(), F_OK) == 0) {
         SetLastError(ERROR_ALREADY_EXISTS);
         return FALSE;
@@ -205,16 +210,16 @@ DOUBLE(BOOL, MoveFileA, (LPCSTR from, LPCSTR to), (from, to)) {
     return rename(PosixPath(from).c_str(), PosixPath(to).c_str()) == 0 ? TRUE : FailWithErrno();
 }
 
-DOUBLE(BOOL, DeleteFileA, (LPCSTR path), (path)) {
+WIN32_FUNCTION(BOOL, DeleteFileA, (LPCSTR path), (path)) {
     return unlink(PosixPath(path).c_str()) == 0 ? TRUE : FailWithErrno();
 }
 
-DOUBLE(BOOL, PathFileExistsA, (LPCSTR path), (path)) {
+WIN32_FUNCTION(BOOL, PathFileExistsA, (LPCSTR path), (path)) {
     return access(PosixPath(path).c_str(), F_OK) == 0;
 }
 
-// Lists the folder's matching names, sorted, as NTFS does.
-DOUBLE(HANDLE, FindFirstFileW, (LPCWSTR pattern, LPWIN32_FIND_DATAW data), (pattern, data)) {
+// Finds the folder's matching names in alphabetical order, like NTFS.
+WIN32_FUNCTION(HANDLE, FindFirstFileW, (LPCWSTR pattern, LPWIN32_FIND_DATAW data), (pattern, data)) {
     const std::string path = PosixPath(pattern);
     const size_t slash = path.rfind('/');
     const std::string folder = slash == std::string::npos ? "." : path.substr(0, slash);
@@ -235,18 +240,20 @@ DOUBLE(HANDLE, FindFirstFileW, (LPCWSTR pattern, LPWIN32_FIND_DATAW data), (patt
         SetLastError(ERROR_FILE_NOT_FOUND);
         return INVALID_HANDLE_VALUE;
     }
-    return doubles::OpenHandle(search);
+    return OpenHandle(search);
 }
 
-DOUBLE(BOOL, FindNextFileW, (HANDLE handle, LPWIN32_FIND_DATAW data), (handle, data)) {
-    auto* search = dynamic_cast<FileSearch*>(doubles::FindObject(handle));
+WIN32_FUNCTION(BOOL, FindNextFileW, (HANDLE handle, LPWIN32_FIND_DATAW data), (handle, data)) {
+    auto* search = dynamic_cast<FileSearch*>(FindObject(handle));
     if (search != nullptr) return TakeNextName(*search, data);
     SetLastError(ERROR_INVALID_HANDLE);
     return FALSE;
 }
 
-DOUBLE(BOOL, FindClose, (HANDLE handle), (handle)) {
-    doubles::KernelObject* object = doubles::ForgetHandle(handle);
+WIN32_FUNCTION(BOOL, FindClose, (HANDLE handle), (handle)) {
+    KernelObject* object = ForgetHandle(handle);
     delete object;
     return object != nullptr;
 }
+
+}  // namespace orvex::posix

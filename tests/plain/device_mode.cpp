@@ -1,24 +1,19 @@
-#include "fuzz/device_mode_model.h"
+#include "tests/plain/device_mode.h"
 
 #include <algorithm>
 #include <cstring>
 #include <string_view>
 
-#include "fuzz/device_mode_rules.h"
+#include "tests/plain/device_mode_rules.h"
 
-namespace orvex::fuzz {
+namespace orvex::plain {
 
 namespace {
 
-constexpr size_t kHeaderBytes = 72;  // what every record has
+constexpr size_t kHeaderBytes = 72;  // of every record
 constexpr size_t kPublicBytes = 220;
 constexpr size_t kPrivateBytes = 696;
 
-// A public field that is taken when its bit is set.
-struct FlaggedField {
-    uint32_t flag;
-    size_t offset, size;
-};
 constexpr FlaggedField kFlaggedFields[] = {
     {0x1, 76, 2},         // orientation
     {0x2, 78, 2},         // paper size
@@ -41,7 +36,7 @@ constexpr FlaggedField kFlaggedFields[] = {
     {0x4000000, 200, 4},  // dithering
 };
 
-// A caller's record for reading.
+// A caller's record to read from.
 struct CallersRecord {
     std::span<const uint8_t> bytes;
 
@@ -50,14 +45,14 @@ struct CallersRecord {
 
     size_t PublicSize() const { return Word(68); }
     size_t PrivateSize() const { return PublicSize() < kHeaderBytes ? 0 : Word(70); }
-    // Where a field of the public or private part stands; past the end in a record that has no such part.
+    // Return the place of a field of the public or private part; the record's end if the part is shorter.
     size_t Public(size_t offset) const { return offset < PublicSize() ? offset : bytes.size(); }
     size_t Private(size_t offset) const {
         return offset < PrivateSize() ? PublicSize() + offset : bytes.size();
     }
 };
 
-// One that is written to, as far as it reaches.
+// A caller's record to write to, as far as it reaches.
 struct WrittenRecord {
     CallersRecord given;
     std::vector<uint8_t> bytes{given.bytes.begin(), given.bytes.end()};
@@ -84,7 +79,7 @@ size_t Characters(const WCHAR* text) {
     return count;
 }
 
-// Into a name of 32 characters, its end included.
+// Sets the form name: at most 31 characters and their end.
 void NameForm(DeviceMode& record, std::string_view name) {
     constexpr size_t kMost = 31;
     memset(record.pub.dmFormName, 0, sizeof record.pub.dmFormName);
@@ -109,11 +104,70 @@ void TakeLabel(DeviceMode& record, std::span<const ListedLabel> labels) {
 }
 
 template <typename T, size_t N>
-void ClearBehindEnd(T (&text)[N]) {
+void ClearAfterEnd(T (&text)[N]) {
     std::fill(std::find(std::begin(text), std::end(text), T{0}), std::end(text), T{0});
 }
 
+// A number or text of the default record.
+struct DefaultValue {
+    size_t offset, size;
+    uint32_t number;
+    const char* text = nullptr;
+};
+constexpr size_t kPrivate = kPublicBytes;
+constexpr DefaultValue kDefaultValues[] = {
+    {64, 2, 0x0401},                   // dmSpecVersion
+    {66, 2, 0x0401},                   // dmDriverVersion
+    {68, 2, 220},                      // dmSize
+    {70, 2, 696},                      // dmDriverExtra
+    {72, 4, 0x0001CF03},               // dmFields
+    {76, 2, 1},                        // dmOrientation
+    {78, 2, 257},                      // dmPaperSize
+    {80, 2, 2159},                     // dmPaperLength
+    {82, 2, 2794},                     // dmPaperWidth
+    {86, 2, 1},                        // dmCopies
+    {88, 2, 15},                       // dmDefaultSource
+    {90, 2, 300},                      // dmPrintQuality
+    {92, 2, 2},                        // dmColor
+    {94, 2, 1},                        // dmDuplex
+    {96, 2, 300},                      // dmYResolution
+    {98, 2, 1},                        // dmTTOption
+    {102, 11, 0, "C\0u\0s\0t\0o\0m"},  // dmFormName
+    {kPrivate, 4, 405291008},          // signature
+    {kPrivate + 8, 4, 1},              // printSetting
+    {kPrivate + 32, 2, 0, "A4"},       // labelName
+    {kPrivate + 100, 2, 1},            // copies
+    {kPrivate + 102, 2, 500},          // chunksize
+    {kPrivate + 136, 2, 257},          // dmPaperSize
+    {kPrivate + 140, 4, 1},            // units
+    {kPrivate + 144, 5, 0, "8.500"},   // width_string
+    {kPrivate + 152, 6, 0, "11.000"},  // length_string
+    {kPrivate + 680, 2, 20},           // phHOffset
+};
+
 }  // namespace
+
+DeviceMode DefaultDeviceMode() {
+    DeviceMode record = {};
+    for (const DefaultValue& value : kDefaultValues) {
+        const void* from = value.text != nullptr ? static_cast<const void*>(value.text) : &value.number;
+        memcpy(reinterpret_cast<uint8_t*>(&record) + value.offset, from, value.size);
+    }
+    return record;
+}
+
+DeviceMode ValidDeviceMode() {
+    DeviceMode record = DefaultDeviceMode();
+    record.pub.dmFields = 0x0001CF0F;
+    record.pub.dmScale = 100;
+    record.priv.purgeDots = 1;
+    record.priv.purgeGap = 5;
+    return record;
+}
+
+std::span<const FlaggedField> FlaggedFields() {
+    return kFlaggedFields;
+}
 
 bool IsTaken(std::span<const uint8_t> bytes) {
     const CallersRecord record = {bytes};
@@ -127,7 +181,7 @@ DeviceMode Merged(const DeviceMode& printers, std::span<const uint8_t> record,
     if (!IsTaken(record)) return printers;
     const std::vector<uint8_t> givenBack = GivenBack(printers, record);
     const CallersRecord callers = {givenBack};
-    // What the caller's record does not reach to stays the printer's.
+    // The printer's values remain where the caller's record does not reach.
     DeviceMode given = printers;
     memcpy(&given.pub, callers.bytes.data(), std::min(callers.PublicSize(), kPublicBytes));
     const size_t privateBytes = std::min(callers.PrivateSize(), kPrivateBytes);
@@ -172,8 +226,8 @@ std::vector<uint8_t> GivenBack(const DeviceMode& printers, std::span<const uint8
 
 size_t FirstDifference(DeviceMode a, DeviceMode b) {
     for (DeviceMode* record : {&a, &b}) {
-        ClearBehindEnd(record->pub.dmFormName);
-        ClearBehindEnd(record->priv.labelName);
+        ClearAfterEnd(record->pub.dmFormName);
+        ClearAfterEnd(record->priv.labelName);
     }
     if (memcmp(&a, &b, sizeof a) == 0) return sizeof a;
     const auto* left = reinterpret_cast<const uint8_t*>(&a);
@@ -181,4 +235,4 @@ size_t FirstDifference(DeviceMode a, DeviceMode b) {
         std::mismatch(left, left + sizeof a, reinterpret_cast<const uint8_t*>(&b)).first - left);
 }
 
-}  // namespace orvex::fuzz
+}  // namespace orvex::plain

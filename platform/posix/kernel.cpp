@@ -7,13 +7,18 @@
 #include <cstring>
 #include <ctime>
 
-#include "platform/posix/double.h"
+#include "platform/posix/handles.h"
+#include "platform/posix/paths.h"
+#include "platform/posix/slots.h"
+#include "platform/posix/unicode.h"
+
+namespace orvex::posix {
 
 namespace {
 
 thread_local DWORD lastError = ERROR_SUCCESS;
 
-// Copies text with its terminator when it fits; returns the length without it, or the size needed.
+// Copies text with its terminator if it fits. Returns the length without the terminator, or the size needed.
 template <typename Character, typename Text>
 DWORD CopyOut(Character* buffer, DWORD capacity, const Text& text) {
     if (text.size() >= capacity) return static_cast<DWORD>(text.size() + 1);
@@ -24,56 +29,56 @@ DWORD CopyOut(Character* buffer, DWORD capacity, const Text& text) {
 
 }  // namespace
 
-DOUBLE(DWORD, GetLastError, (), ()) {
+WIN32_FUNCTION(DWORD, GetLastError, (), ()) {
     return lastError;
 }
-DOUBLE(void, SetLastError, (DWORD code), (code)) {
+WIN32_FUNCTION(void, SetLastError, (DWORD code), (code)) {
     lastError = code;
 }
 
-DOUBLE(HLOCAL, LocalAlloc, (UINT flags, SIZE_T size), (flags, size)) {
+WIN32_FUNCTION(HLOCAL, LocalAlloc, (UINT flags, SIZE_T size), (flags, size)) {
     return (flags & LMEM_ZEROINIT) ? calloc(1, size) : malloc(size);
 }
 
-DOUBLE(HLOCAL, LocalFree, (HLOCAL memory), (memory)) {
+WIN32_FUNCTION(HLOCAL, LocalFree, (HLOCAL memory), (memory)) {
     free(memory);
     return nullptr;
 }
 
-DOUBLE(HMODULE, LoadLibraryW, (LPCWSTR path), (path)) {
-    std::string file = doubles::PosixPath(path);
-    // The current directory is searched, which dlopen does not do by itself.
+WIN32_FUNCTION(HMODULE, LoadLibraryW, (LPCWSTR path), (path)) {
+    std::string file = PosixPath(path);
+    // Windows searches the current directory, dlopen does not.
     if (file.find('/') == std::string::npos) file = "./" + file;
     void* library = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (library == nullptr) SetLastError(ERROR_MOD_NOT_FOUND);
     return static_cast<HMODULE>(library);
 }
 
-DOUBLE(FARPROC, GetProcAddress, (HMODULE library, LPCSTR name), (library, name)) {
+WIN32_FUNCTION(FARPROC, GetProcAddress, (HMODULE library, LPCSTR name), (library, name)) {
     void* symbol = dlsym(library, name);
     if (symbol == nullptr) SetLastError(ERROR_PROC_NOT_FOUND);
     return reinterpret_cast<FARPROC>(symbol);
 }
 
-DOUBLE(BOOL, FreeLibrary, (HMODULE library), (library)) {
+WIN32_FUNCTION(BOOL, FreeLibrary, (HMODULE library), (library)) {
     return dlclose(library) == 0;
 }
 
-DOUBLE(DWORD, GetCurrentDirectoryW, (DWORD capacity, LPWSTR buffer), (capacity, buffer)) {
+WIN32_FUNCTION(DWORD, GetCurrentDirectoryW, (DWORD capacity, LPWSTR buffer), (capacity, buffer)) {
     char path[4096];
     if (getcwd(path, sizeof path) == nullptr) {
-        doubles::FailWithErrno();
+        FailWithErrno();
         return 0;
     }
-    return CopyOut(buffer, capacity, doubles::WindowsPath(path));
+    return CopyOut(buffer, capacity, WindowsPath(path));
 }
 
-DOUBLE(BOOL, SetCurrentDirectoryW, (LPCWSTR path), (path)) {
-    return chdir(doubles::PosixPath(path).c_str()) == 0 ? TRUE : doubles::FailWithErrno();
+WIN32_FUNCTION(BOOL, SetCurrentDirectoryW, (LPCWSTR path), (path)) {
+    return chdir(PosixPath(path).c_str()) == 0 ? TRUE : FailWithErrno();
 }
 
-DOUBLE(DWORD, GetModuleFileNameA, (HMODULE module, LPSTR buffer, DWORD capacity),
-       (module, buffer, capacity)) {
+WIN32_FUNCTION(DWORD, GetModuleFileNameA, (HMODULE module, LPSTR buffer, DWORD capacity),
+               (module, buffer, capacity)) {
     (void)module;
     static constexpr std::string_view kModule = "c:\\windows\\system32\\orvexgdi.dll";
     const DWORD length = CopyOut(buffer, capacity, kModule);
@@ -81,12 +86,12 @@ DOUBLE(DWORD, GetModuleFileNameA, (HMODULE module, LPSTR buffer, DWORD capacity)
     return length;
 }
 
-DOUBLE(DWORD, GetTickCount, (), ()) {
+WIN32_FUNCTION(DWORD, GetTickCount, (), ()) {
     const auto now = std::chrono::steady_clock::now().time_since_epoch();
     return static_cast<DWORD>(std::chrono::duration_cast<std::chrono::milliseconds>(now).count());
 }
 
-DOUBLE(void, GetSystemTime, (LPSYSTEMTIME time), (time)) {
+WIN32_FUNCTION(void, GetSystemTime, (LPSYSTEMTIME time), (time)) {
     timespec now;
     clock_gettime(CLOCK_REALTIME, &now);
     tm utc;
@@ -101,22 +106,21 @@ DOUBLE(void, GetSystemTime, (LPSYSTEMTIME time), (time)) {
     time->wMilliseconds = static_cast<WORD>(now.tv_nsec / 1000000);
 }
 
-DOUBLE(DWORD, GetCurrentThreadId, (), ()) {
+WIN32_FUNCTION(DWORD, GetCurrentThreadId, (), ()) {
     return static_cast<DWORD>(syscall(SYS_gettid));
 }
 
-// The native build's narrow code page is UTF-8.
-DOUBLE(INT, WideCharToMultiByte,
-       (UINT page, DWORD flags, LPCWSTR wide, INT length, LPSTR narrow, INT capacity, LPCSTR fallback,
-        LPBOOL used),
-       (page, flags, wide, length, narrow, capacity, fallback, used)) {
+// The narrow code page of the native build is UTF-8.
+WIN32_FUNCTION(INT, WideCharToMultiByte,
+               (UINT page, DWORD flags, LPCWSTR wide, INT length, LPSTR narrow, INT capacity, LPCSTR fallback,
+                LPBOOL used),
+               (page, flags, wide, length, narrow, capacity, fallback, used)) {
     (void)page, (void)fallback, (void)used;
-    if (flags != 0) {  // that UTF-8 does not take
+    if (flags != 0) {  // UTF-8 allows none
         SetLastError(ERROR_INVALID_FLAGS);
         return 0;
     }
-    const std::string text =
-        length < 0 ? doubles::Utf8(wide) + '\0' : doubles::Utf8(wide, static_cast<size_t>(length));
+    const std::string text = length < 0 ? Utf8(wide) + '\0' : Utf8(wide, static_cast<size_t>(length));
     if (capacity == 0) return static_cast<INT>(text.size());
     if (text.size() > static_cast<size_t>(capacity)) {
         SetLastError(ERROR_INSUFFICIENT_BUFFER);
@@ -126,16 +130,16 @@ DOUBLE(INT, WideCharToMultiByte,
     return static_cast<INT>(text.size());
 }
 
-DOUBLE(INT, MultiByteToWideChar,
-       (UINT page, DWORD flags, LPCSTR narrow, INT length, LPWSTR wide, INT capacity),
-       (page, flags, narrow, length, wide, capacity)) {
+WIN32_FUNCTION(INT, MultiByteToWideChar,
+               (UINT page, DWORD flags, LPCSTR narrow, INT length, LPWSTR wide, INT capacity),
+               (page, flags, narrow, length, wide, capacity)) {
     (void)page;
     if (flags != 0) {
         SetLastError(ERROR_INVALID_FLAGS);
         return 0;
     }
-    const std::u16string text = doubles::Utf16(length < 0 ? std::string(narrow, strlen(narrow) + 1)
-                                                          : std::string(narrow, static_cast<size_t>(length)));
+    const std::u16string text = Utf16(length < 0 ? std::string(narrow, strlen(narrow) + 1)
+                                                 : std::string(narrow, static_cast<size_t>(length)));
     if (capacity == 0) return static_cast<INT>(text.size());
     if (text.size() > static_cast<size_t>(capacity)) {
         SetLastError(ERROR_INSUFFICIENT_BUFFER);
@@ -144,3 +148,5 @@ DOUBLE(INT, MultiByteToWideChar,
     memcpy(wide, text.data(), text.size() * sizeof(WCHAR));
     return static_cast<INT>(text.size());
 }
+
+}  // namespace orvex::posix

@@ -1,9 +1,9 @@
-// The C library's heap behind slots: the linker's --wrap sends every call of the code in this program here.
-// What is called before the slots are made, or after they are gone, gets the C library itself.
+// Slots for the C library's heap: the linker's --wrap sends every call from code of this program here. Calls
+// before the slots exist, or after they are gone, go to the C library itself.
 
 #include <cstddef>
 
-#include "platform/posix/double.h"
+#include "platform/posix/slots.h"
 
 extern "C" {
 void* __real_malloc(size_t bytes);
@@ -12,10 +12,12 @@ void* __real_realloc(void* memory, size_t bytes);
 void __real_free(void* memory);
 }
 
+namespace orvex::posix {
+
 namespace {
 
 template <typename Function>
-struct HeapSlot : doubles::Slot {
+struct HeapSlot : Slot {
     HeapSlot(const char* function, Function* original) : Slot(function, reinterpret_cast<void*>(original)) {}
 
     Function* Target(Function* original) const {
@@ -44,3 +46,5 @@ void __wrap_free(void* memory) {
     freeSlot.Target (&__real_free)(memory);
 }
 }
+
+}  // namespace orvex::posix
