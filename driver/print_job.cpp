@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "driver/adjustment.h"
+#include "driver/config/device_mode_dump.h"
 #include "driver/device_resolution.h"
 #include "driver/job_output.h"
 #include "driver/job_state.h"

@@ -115,8 +115,4 @@ DeviceMode LoadDevMode(const DEVMODEW* record);
 // Writes `values` back to the record that they were loaded from, as far as it reaches.
 void StoreDevMode(DEVMODEW* record, const DeviceMode& values);
 
-// Writes the whole record to the diagnostic log, at Trace; a record whose dmSize is not 220 gives one line at
-// Info, a null record none.
-void DumpDevMode(const DEVMODEW* record);
-
 }  // namespace orvex

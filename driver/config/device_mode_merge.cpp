@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "driver/config/device_mode_dump.h"
 #include "driver/config/device_mode_validation.h"
 #include "driver/support/heap.h"
 #include "driver/support/log.h"

@@ -2,6 +2,7 @@
 
 #include <iterator>
 
+#include "driver/config/device_mode_dump.h"
 #include "driver/config/device_mode_fields.h"
 #include "driver/config/label_length.h"
 #include "driver/config/label_sizes.h"
