@@ -36,7 +36,7 @@ class EngineRows final : public RowSink {
         const Timing& timing = TimingOf(stage);
         if (timing.line != nullptr) NoteDuration(start_, timing.maximum, timing.line);
     }
-    bool Take(int32_t number, const uint32_t* row) override {
+    bool Take(int32_t number, const InkValue* row) override {
         number_ = number;
         return g_engine.HPCRLIB_RasterRow(g_hJob, row) == kEngineSuccess;
     }

@@ -12,7 +12,7 @@ namespace orvex {
 enum CacheKind : int32_t {
     kEntries = 1,          // every entry is there
     kPlanes = 2,           // the same
-    kHalfGridEntries = 3,  // deliberate: colors with an odd component have no ink, and are never computed
+    kHalfGridEntries = 3,  // deliberate: colors with an odd component are stored as no ink, and stay so
     kHalfGridPlanes = 4,   // colors with even components are there; others: AverageHalfGridEntry
     kGrid = 5,             // the grid points are there; others: InterpolateGridEntry (prism_interpolation.h)
 };
@@ -22,7 +22,7 @@ enum CacheKind : int32_t {
 extern InkValue g_colorCache[kCacheEntries];
 extern int32_t g_cacheKind;
 
-// Must be called once the cache has been filled. The grid points of a kGrid cache must not change afterwards.
+// Sets the kind, once the cache has been filled. The grid points of a kGrid cache must not change afterwards.
 void SetCacheKind(int32_t kind);
 
 // Returns the ink value of a pixel by the rule of the current kind, and keeps a computed one in the cache.

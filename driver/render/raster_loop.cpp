@@ -9,9 +9,9 @@ namespace orvex {
 
 namespace {
 
-constexpr uint32_t kPurgeDot600 = 0x7F7F7F7F;
-constexpr uint32_t kPurgeDot = 0xFFFFFFFF;
-constexpr uint32_t kFirstPixelMarker = 2;  // the engine must never see a page that begins with a zero pixel
+constexpr InkValue kPurgeDot600 = 0x7F7F7F7F;
+constexpr InkValue kPurgeDot = 0xFFFFFFFF;
+constexpr InkValue kFirstPixelMarker = 2;  // the engine must never see a page that begins with a zero pixel
 
 // Reports one stage of a row, from construction to the end of its scope.
 class StageScope {
@@ -27,9 +27,9 @@ class StageScope {
 };
 
 // Allocates a row of zeros. Returns null for a row longer than 32 bits can count.
-HeapArray<uint32_t> AllocateRow(const PageLayout& layout) {
+HeapArray<InkValue> AllocateRow(const PageLayout& layout) {
     if (layout.rowWidth < layout.imageWidth) return nullptr;
-    return AllocateZeroedArray<uint32_t>(static_cast<size_t>(std::max(layout.rowWidth, 1)));
+    return AllocateZeroedArray<InkValue>(static_cast<size_t>(std::max(layout.rowWidth, 1)));
 }
 
 }  // namespace

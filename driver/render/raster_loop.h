@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+#include "driver/color/ink.h"
 #include "driver/render/page_layout.h"
 #include "driver/render/page_rows.h"
 #include "driver/support/heap.h"
@@ -19,21 +20,17 @@ struct RasterSettings {
 // What an image row passes through, in this order.
 enum class RasterStage { kReformat, kConvert, kEncode };
 
-// Receiver of a page's rows. No function is pure: a pure one would link the C++ runtime's termination, and
-// with it memory that outlives the driver's unloading.
+// Receiver of a page's rows.
 class RowSink {
   public:
     // Reports that an image row enters or leaves a stage. A row that repeats the one before it is not
     // converted again.
-    virtual void Begin(RasterStage) {}
-    virtual void End(RasterStage) {}
+    virtual void Begin(RasterStage stage) = 0;
+    virtual void End(RasterStage stage) = 0;
 
     // Takes row `number` of the raster block, as many ink values as a row has, valid until it returns. An
     // image row is taken inside its last stage. Returns false to refuse it and all that follow.
-    virtual bool Take(int32_t number, const uint32_t* row) {
-        (void)number, (void)row;
-        return true;
-    }
+    virtual bool Take(int32_t number, const InkValue* row) = 0;
 
   protected:
     ~RowSink() = default;
@@ -59,14 +56,14 @@ class RasterLoop {
     bool SendImageRows(RowSink& sink);
     void ConvertImageRow(const uint32_t* pixels);
 
-    uint32_t* ImageArea() { return output_.get() + (layout_.purgeLead ? layout_.purgeLen : 0); }
+    InkValue* ImageArea() { return output_.get() + (layout_.purgeLead ? layout_.purgeLen : 0); }
 
     const PageLayout& layout_;
     const RasterSettings settings_;
     RowReader reader_;
     // Purge dots and gap are written once and survive from row to row, since conversion writes the image area
     // only.
-    HeapArray<uint32_t> output_;
+    HeapArray<InkValue> output_;
 };
 
 }  // namespace orvex
