@@ -116,9 +116,10 @@ struct EngineCheck {
     void CheckMemory() const {
         const size_t bandRows = mode.pub.dmOrientation == DMORIENT_LANDSCAPE ? 1 : kBandColumns;
         const auto pitch = static_cast<size_t>(((layout.imageWidth + 15) / 16 | 1) * 16);
-        std::vector<size_t> blocks = {size_t{4} * static_cast<size_t>(layout.rowWidth), bandRows * pitch * 4};
-        std::sort(blocks.begin(), blocks.end());
-        REQUIRE(AllocationWatch::Live() == blocks);
+        std::vector<size_t> pageBlocks = {size_t{4} * static_cast<size_t>(layout.rowWidth),
+                                          bandRows * pitch * 4};
+        std::sort(pageBlocks.begin(), pageBlocks.end());
+        REQUIRE(AllocationWatch::Live() == pageBlocks);
     }
 
     void WritePurgeDots() {

@@ -7,7 +7,7 @@
 //     [Media]
 //     "Shipping 4 x 6", "4", "6", 1
 //
-// The first line of another form, an empty one or a comment too, ends the import.
+// Any other line, even an empty one or a comment, ends the import.
 #pragma once
 
 #include "platform/windows.h"
