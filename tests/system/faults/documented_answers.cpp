@@ -226,7 +226,9 @@ const DocumentedAnswer kAnswers[] = {
     {"CreateFileA test.zvp",      "DrvStartDoc 1", "", "", kNone, kNoProfile, "[Error] Error: could not open file [profiles\\test.zvp]"},
     {"GetFileSizeEx test.zvp",    "DrvStartDoc 1", "", "", kNone, kNoProfile, "[Error] error reading file profiles\\test.zvp 0"},
     {"ReadFile test.zvp",         "DrvStartDoc 1", "GetFileSizeEx*", "", kNone, kNoProfile, "[Error] error reading file profiles\\test.zvp 0"},
-    {"ReadFile test.zvp",         "DrvStartDoc 1", "", "", kNone, kNoColors, "[Error] error reading profile 0<>19652"},
+    {"ReadFile test.zvp",         "DrvStartDoc 1", "SetFilePointerEx test.zvp", "", kNone, kNoColors, "[Error] error reading profile 0<>19652"},
+    {"ReadFile test.zvp",         "DrvStartDoc 1", "", "ReadFile*", kNone, kNoColors, "[Error] error reading profile 8192<>19652"},
+    {"ReadFile test.zvp",         "DrvStartDoc 1", "", "", kNone, kNoColors, "[Error] error reading profile 16384<>19652"},
     {"SetFilePointerEx test.zvp", "DrvStartDoc 1", "", "", kNone, kNoColors, "[Error] error reading profile 0<>19652"},
 
     // the device; without the first there is no job, without the second it goes on in the first
