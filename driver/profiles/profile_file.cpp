@@ -6,8 +6,7 @@
 #include "driver/color/generic_conversion.h"
 #include "driver/profiles/bare_file_name.h"
 #include "driver/profiles/profile_colors.h"
-#include "driver/profiles/profile_header.h"
-#include "driver/support/log.h"
+#include "driver/profiles/profile_head.h"
 #include "driver/support/text.h"
 
 namespace orvex {
@@ -16,10 +15,10 @@ int32_t g_profileLoaded = 0;
 
 namespace {
 
-// Applications name the profile of a job, so a path into the profiles folder may not lead out of it again, or
-// further in.
+// Tells whether a path into the profiles folder leads out of it again, or further in. Applications name the
+// profile of a job, so such a path is not opened.
 bool LeavesProfilesFolder(const char* path) {
-    constexpr std::string_view kProfilesFolder = "profiles\\";
+    constexpr std::string_view kProfilesFolder = ORVEX_PROFILES_FOLDER;
     return std::string_view(path).starts_with(kProfilesFolder) &&
            !IsBareFileName(path + kProfilesFolder.size());
 }
@@ -31,10 +30,11 @@ int32_t ReadProfile(const char* path, char* name, size_t nameSize, bool at600Dpi
     *resolutionCode = kDefaultResolutionCode;
     BlockReader file(LeavesProfilesFolder(path) ? "" : path);
     ProfileHeader header;
-    if (!ReadProfileHeader(file, path, LogLevel::kError, &header)) return 0;
-    if (!ReadProfileTags(file, {name, nameSize, resolutionCode, at600Dpi})) return 0;
-    if (!ReadProfileColors(file, header, at600Dpi, cache)) return 0;
-    return header.version;
+    const TagTargets targets = {name, nameSize, resolutionCode, at600Dpi};
+    if (!ReadProfileHead(file, path, LogLevel::kError, targets, &header)) return 0;
+    const ProfileProblem problem = ReadProfileColors(file, header, at600Dpi, cache);
+    LogProfileProblem(problem, path, LogLevel::kError);
+    return problem ? 0 : header.version;
 }
 
 int32_t zvc_load_profile(const char* path, int32_t resolution, signed char* resolutionCode, char* name,
