@@ -8,7 +8,9 @@
 #include <string>
 #include <vector>
 
+#include "driver/color/color_cache.h"
 #include "tools/orvexprofile/ink_preview.h"
+#include "tools/orvexprofile/ink_totals.h"
 
 namespace orvex::tools::profile {
 
@@ -35,7 +37,7 @@ constexpr tools::view::Rgb kRule = {0xE0, 0xE0, 0xE0};
 constexpr std::array<tools::view::Rgb, kInks> kCurveColors = {
     {{0x00, 0x00, 0x00}, {0x00, 0xA0, 0xD8}, {0xDC, 0x0A, 0x78}, {0xF0, 0xC8, 0x00}}};
 
-// A vertex as stb_easy_font writes it, four to a rectangle.
+// A vertex as stb_easy_font writes it, four for each rectangle.
 struct FontVertex {
     float x, y, z;
     unsigned char color[4];
@@ -63,7 +65,7 @@ void Write(tools::view::Picture& picture, uint32_t x, uint32_t y, std::string_vi
     }
 }
 
-// The colour at `position`, 0 to 1, on the way from one colour to another.
+// Returns the color at `position`, 0 to 1, on the way from one color to another.
 uint32_t Between(uint32_t from, uint32_t to, double position) {
     uint32_t color = 0;
     for (int shift : {16, 8, 0}) {
