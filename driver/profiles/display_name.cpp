@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "driver/profiles/profile_file.h"
-#include "driver/profiles/profile_head.h"
 #include "driver/profiles/profile_names.h"
 #include "driver/support/text.h"
 

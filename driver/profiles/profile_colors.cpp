@@ -146,18 +146,18 @@ const ColorLayout* FindLayout(uint8_t version) {
 ProfileProblem ReadProfileColors(BlockReader& file, const ProfileHeader& header, bool at600Dpi,
                                  uint32_t* cache) {
     const ColorLayout* layout = FindLayout(header.version);
-    if (layout == nullptr) return {ProfileFault::kUnknownVersion};
+    if (layout == nullptr) return {&kUnknownVersion};
     const int64_t start = file.Position();
     const int64_t found = header.fileSize - start;
     const int64_t variantSize = static_cast<int64_t>(layout->variantSize);
-    if (found != 2 * variantSize) return {ProfileFault::kColorsSize, {found, 2 * variantSize}};
+    if (found != 2 * variantSize) return {&kWrongColorsSize, {found, 2 * variantSize}};
     if (layout->prepared != kNotPrepared) memset(cache, layout->prepared, kCacheEntries * sizeof *cache);
     file.Seek(at600Dpi ? start : start + variantSize);
     const size_t came = layout->read(file, cache);
     // Deliberate: only version 1 is refused when the file ends early. A read that fails refuses every
     // version, since a page full of ink, or without any, serves nobody.
     const bool taken = header.version == kEntries ? came == layout->variantSize : !file.Failed();
-    if (!taken) return {ProfileFault::kColorsCut, {static_cast<int64_t>(came), variantSize}};
+    if (!taken) return {&kColorsCut, {static_cast<int64_t>(came), variantSize}};
     return {};
 }
 

@@ -1,12 +1,12 @@
 #include "driver/profiles/profile_file.h"
 
+#include <cstring>
 #include <string_view>
 
 #include "driver/color/color_cache.h"
 #include "driver/color/generic_conversion.h"
 #include "driver/profiles/bare_file_name.h"
 #include "driver/profiles/profile_colors.h"
-#include "driver/profiles/profile_head.h"
 #include "driver/support/text.h"
 
 namespace orvex {
@@ -23,7 +23,32 @@ bool LeavesProfilesFolder(const char* path) {
            !IsBareFileName(path + kProfilesFolder.size());
 }
 
+void TakeTag(const ProfileTag& tag, const TagTargets& targets) {
+    if (!tag.taken) return;
+    if (tag.id == kNameTag) {
+        memcpy(targets.name, tag.data, tag.came);
+        targets.name[tag.came] = '\0';
+        if (tag.IsWhole()) LogInfo("Profile name:%s", targets.name);
+    } else if (targets.resolutionCode != nullptr) {
+        *targets.resolutionCode = tag.Code(targets.at600Dpi);
+        if (tag.IsWhole()) LogInfo("HP Res:%d", *targets.resolutionCode);
+    }
+}
+
 }  // namespace
+
+bool ReadProfileHead(BlockReader& file, const char* path, LogLevel headerErrors, const TagTargets& targets,
+                     ProfileHeader* header) {
+    if (const ProfileProblem problem = ReadProfileHeader(file, header)) {
+        LogProfileProblem(problem, path, headerErrors);
+        return false;
+    }
+    LogInfo("Profile version:%d", header->version);
+    TagReader tags(file, targets.nameCapacity);
+    for (ProfileTag tag; tags.Next(&tag);) TakeTag(tag, targets);
+    LogProfileProblem(tags.Problem(), path, LogLevel::kInfo);
+    return !tags.Problem();
+}
 
 int32_t ReadProfile(const char* path, char* name, size_t nameSize, bool at600Dpi, uint32_t* cache,
                     signed char* resolutionCode) {

@@ -1,10 +1,7 @@
-// The loader of color profiles: it fills the color cache for a job.
+// Profile files as the driver reads them, with a log line for each step, and the loader of a job's profile.
 #pragma once
 
-#include <cstddef>
-#include <cstdint>
-
-#include "driver/profiles/profile_format.h"
+#include "driver/profiles/profile_reader.h"
 
 namespace orvex {
 
@@ -17,6 +14,20 @@ enum ResolutionSelector : int32_t { kResolution300 = 0, kResolution600 = 1, kRes
 
 // 1 while a profile or the generic conversion is in place, 0 during a load and before the first one.
 extern int32_t g_profileLoaded;
+
+// Where the tags' data goes. A later tag replaces an earlier one of its kind.
+struct TagTargets {
+    char* name;                   // receives the profile's name, terminated
+    size_t nameCapacity;          // in bytes, at most kProfileNameCapacity
+    signed char* resolutionCode;  // receives the engine's resolution code; null if it is not wanted
+    bool at600Dpi;                // which of the two codes
+};
+
+// Reads the header and the tags of the file just opened from `path`, and leaves it at the colors. Returns
+// false after logging a problem: at the level `headerErrors` in the header, at Info in the tags. The targets
+// keep what was read before.
+bool ReadProfileHead(BlockReader& file, const char* path, LogLevel headerErrors, const TagTargets& targets,
+                     ProfileHeader* header);
 
 // Reads the profile at `path` into `cache`, 2^24 entries on a 16-byte boundary, which are useless after a
 // failure. Writes the engine's resolution code, kDefaultResolutionCode unless the profile has one, and the

@@ -41,24 +41,24 @@ struct ProfileTag {
 class TagReader {
   public:
     // `nameCapacity` is the room for the name with its terminator, at most kProfileNameCapacity.
-    TagReader(BlockReader& file, size_t nameCapacity) : file_(file), nameCapacity_(nameCapacity) {}
+    TagReader(BlockReader& file, size_t nameCapacity);
 
     // Reads the next tag. Returns false after the last one and after a problem. A tag whose header came is
     // handed out even if the problem is in the tag itself.
     bool Next(ProfileTag* tag);
     const ProfileProblem& Problem() const { return problem_; }
-    // The length that the tag area's header states; 0 before the first tag is read.
+    // Returns the length that the tag area's header states.
     uint32_t AreaLength() const { return areaLength_; }
 
   private:
-    bool ReadArea();
+    bool ReadHeader(uint8_t (&header)[kTagHeaderSize], const ProfileFault* cut);
     ProfileProblem ReadData(ProfileTag* tag);
 
     BlockReader& file_;
     size_t nameCapacity_;
-    bool inArea_ = false;
     uint32_t areaLength_ = 0;
     uint64_t remaining_ = 0;  // bytes of the tag area
+    bool atEnd_ = false;
     ProfileProblem problem_;
 };
 
