@@ -2,7 +2,6 @@
 
 #include "bench/suites.h"
 #include "driver/render/pixel_reduction.h"
-#include "driver/render/thumbnail.h"
 #include "driver/support/log.h"
 #include "tests/kit/log_capture.h"
 #include "tests/plain/plain_reduction.h"
@@ -32,7 +31,7 @@ void MeasureThumbnail(Bench& bench) {
                 1.3,
                 [&] {
                     reduce();
-                    if (reduced != PlainlyReduced(page.pixels, page.width, page.height, scale)) {
+                    if (reduced != plain::Reduced(page.pixels, page.width, page.height, scale)) {
                         throw CheckFailure("the thumbnail is wrong");
                     }
                 }});

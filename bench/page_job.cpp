@@ -82,7 +82,7 @@ DeviceMode BenchDriver::Mode(const PageSize& size, const PageSettings& settings)
     mode.priv.signature = kPrivateSignature;
     mode.priv.copies = 1;
     mode.priv.chunksize = 500;
-    mode.priv.alignment = kAlignCentre;
+    mode.priv.alignment = kAlignCenter;
     mode.priv.purgeDots = 1;
     mode.priv.purgeGap = 5;
     mode.priv.dmPaperSize = kPaperDefault;

@@ -1,21 +1,13 @@
 # Libraries that are called, not written here. scripts/install-dependencies brings them to the machine.
 
-# LodePNG: the npm package of that name carries the upstream sources unaltered.
+# LodePNG, the whole of it, for tools and tests. The driver compiles its own encoder from the same source:
+# driver/render/png_encoder.
 set(lodepng_source ${CMAKE_SOURCE_DIR}/build/third_party/lodepng)
 execute_process(COMMAND ${CMAKE_SOURCE_DIR}/scripts/fetch-lodepng ${lodepng_source} COMMAND_ERROR_IS_FATAL ANY)
-# Its header declares C++ functions when C++ includes it. Those that take C++ containers stay out: their exceptions
-# would bring locks and memory of the C++ runtime into the driver, which outlive its unloading.
 set_source_files_properties(${lodepng_source}/lodepng.c PROPERTIES LANGUAGE CXX)
 add_library(lodepng STATIC ${lodepng_source}/lodepng.c)
 target_include_directories(lodepng SYSTEM PUBLIC ${lodepng_source})
-target_compile_definitions(lodepng PUBLIC LODEPNG_NO_COMPILE_CPP)
 target_compile_options(lodepng PRIVATE -w)
-# Its memory comes from us, since it does not come through every allocation that fails.
-add_library(orvex_png_memory STATIC driver/render/png_memory/png_memory.cpp)
-target_include_directories(orvex_png_memory PRIVATE ${CMAKE_SOURCE_DIR})
-target_compile_options(orvex_png_memory PRIVATE -fno-exceptions -fno-rtti)
-target_compile_definitions(lodepng PUBLIC LODEPNG_NO_COMPILE_ALLOCATORS)
-target_link_libraries(lodepng PUBLIC orvex_png_memory)
 
 # Header-only libraries, offered through a folder of their own: the whole of the system's include folder would break
 # a cross build.

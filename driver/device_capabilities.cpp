@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "driver/device_resolution.h"
 #include "driver/support/log.h"
 
 namespace orvex {
@@ -41,8 +42,7 @@ void FillPDevCaps(const PDEV* pdev, ULONG cjCaps, GDIINFO* pGdiInfo) {
     memcpy(pGdiInfo, &caps, std::min<size_t>(cjCaps, sizeof caps));
 }
 
-BOOL FillPDevInfo(const PDEV* pdev, ULONG cjDevInfo, DEVINFO* pDevInfo) {
-    (void)pdev;
+BOOL FillPDevInfo(const PDEV* /*pdev*/, ULONG cjDevInfo, DEVINFO* pDevInfo) {
     const TraceScope trace("FillPDevInfo");
     DEVINFO info = {};
     info.flGraphicsCaps = GCAPS_HALFTONE | GCAPS_COLOR_DITHER;

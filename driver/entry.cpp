@@ -1,4 +1,4 @@
-// The library's entry, and the table of the hooks that it offers to the graphics engine.
+// The library's entry points, and the table of the hooks that it offers to the graphics engine.
 
 #include <iterator>
 
@@ -10,14 +10,14 @@ namespace orvex {
 
 namespace {
 
-constexpr ULONG kLowestEngineVersion = 0x30000;
+constexpr ULONG kLowestGraphicsEngineVersion = 0x30000;
 constexpr ULONG kDriverVersion = 0x30000;
 
 #define HOOK(name) \
     { INDEX_##name, reinterpret_cast<PFN>(reinterpret_cast<void*>(&(name))) }
 
-// A constant, made without code: one that is filled on first use is guarded by a lock of the C++ runtime,
-// which leaves a handle in the spooler each time that the driver is unloaded.
+// At namespace scope, since the C++ runtime guards the first use of a static of a function with a lock, whose
+// handle would stay open in the spooler each time that the driver is unloaded.
 const DRVFN kHookTable[] = {
     HOOK(DrvEnablePDEV),    HOOK(DrvResetPDEV),      HOOK(DrvCompletePDEV), HOOK(DrvDisablePDEV),
     HOOK(DrvEnableSurface), HOOK(DrvDisableSurface), HOOK(DrvStartPage),    HOOK(DrvSendPage),
@@ -28,14 +28,13 @@ const DRVFN kHookTable[] = {
 
 }  // namespace
 
-extern "C" BOOL WINAPI DllMain(HINSTANCE hinstDLL, DWORD fdwReason, LPVOID lpReserved) {
-    (void)lpReserved;
+extern "C" BOOL WINAPI DllMain(HINSTANCE hinstDLL, DWORD fdwReason, LPVOID /*lpReserved*/) {
     if (fdwReason == DLL_PROCESS_ATTACH) g_hModule = hinstDLL;
     return TRUE;
 }
 
 extern "C" BOOL APIENTRY DrvEnableDriver(ULONG iEngineVersion, ULONG cj, DRVENABLEDATA* pded) {
-    if (iEngineVersion < kLowestEngineVersion || cj < sizeof(DRVENABLEDATA)) return FALSE;
+    if (iEngineVersion < kLowestGraphicsEngineVersion || cj < sizeof(DRVENABLEDATA)) return FALSE;
     pded->iDriverVersion = kDriverVersion;
     pded->c = static_cast<ULONG>(std::size(kHookTable));
     pded->pdrvfn = const_cast<DRVFN*>(kHookTable);

@@ -4,22 +4,16 @@
 
 #include "driver/job_state.h"
 #include "driver/pjl_header.h"
+#include "driver/printer_output.h"
 #include "driver/support/log.h"
 
 namespace orvex {
-
-bool WriteToPrinter(HANDLE printer, std::string_view bytes) {
-    if (bytes.empty()) return true;
-    DWORD written = 0;
-    return WritePrinter(printer, const_cast<char*>(bytes.data()), static_cast<DWORD>(bytes.size()),
-                        &written) != FALSE;
-}
 
 namespace {
 
 constexpr size_t kFramingEnd = 3;  // bytes at each end of a framing chunk that take part in its sum
 
-// A chunk of pure framing: its first and last three bytes add up to 0 modulo 256.
+// Returns whether a chunk is pure framing: its first and last three bytes add up to 0 modulo 256.
 bool IsFraming(std::string_view chunk) {
     if (chunk.size() <= 2 * kFramingEnd) return false;
     unsigned sum = 0;
@@ -29,8 +23,8 @@ bool IsFraming(std::string_view chunk) {
     return sum % 256 == 0;
 }
 
-// Writes what stands before "@PJL COMMENT", and the job header, and moves `rest` to that line. A chunk
-// without it is left alone.
+// Writes the bytes before "@PJL COMMENT" and the job header, and moves `rest` to that line. Leaves a chunk
+// without that line alone.
 bool InsertHeader(const PDEV& pdev, std::string_view& rest) {
     const std::string_view text = rest.substr(0, rest.find('\0'));
     const size_t comment = text.find("@PJL COMMENT");
@@ -42,8 +36,8 @@ bool InsertHeader(const PDEV& pdev, std::string_view& rest) {
     return true;
 }
 
-// Replaces the value in the resolution command, ESC "*o" value "M", that the send loop waits for, and moves
-// `rest` behind it. A command that does not lie wholly in this chunk is not seen.
+// Replaces the value in the resolution command, ESC "*o" value "M", that the page waits for, and moves `rest`
+// to the "M". Finds only a command that lies wholly in this chunk.
 bool PatchResolution(HANDLE printer, std::string_view& rest) {
     constexpr size_t kBeforeValue = 3;  // ESC "*o"
     constexpr size_t kAfterValue = 1;   // "M"

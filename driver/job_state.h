@@ -5,13 +5,14 @@
 #include <cstdint>
 
 #include "driver/device_instance.h"
+#include "driver/profiles/profile_file.h"
 #include "engine/hpcrlib.h"
 #include "platform/windows.h"
 
 namespace orvex {
 
-// A change of the engine resolution that waits to be patched into the engine's output. The output callback
-// acts while both flags are set, and clears both; DrvStartPage clears `pending` only.
+// A change of the print engine's resolution code that waits to be patched into the engine's output. The
+// output callback acts while both flags are set, and clears both; DrvStartPage clears `pending` only.
 struct ResolutionSwitch {
     const char* sequence;  // the command to look for: ESC "*o0M" or ESC "*o-1M"
     uint32_t length;       // of the sequence, 5 or 6 bytes
@@ -25,32 +26,40 @@ struct StageMaxima {
     uint32_t reformat;
     uint32_t convert;
     uint32_t encode;
-    uint32_t spare;
+    uint32_t spare;  // defined by the system, but not used
 };
 
-constexpr signed char kHpresUnset = '0';  // what g_cHpres holds until a value has been set for the job
-constexpr size_t kMaxNarrowName = 512;    // bytes of a job's or profile's narrow name, terminator included
+constexpr signed char kHpresUnset = kDefaultResolutionCode;  // g_cHpres until something sets it
+constexpr size_t kMaxNarrowName = 512;  // bytes of a job's or profile's narrow name, terminator included
 
 // The instance of the running job; null without a job, and once that instance is disabled. Its address is the
-// engine's callback context.
-extern PDEV* g_pCurrentPdev;
-extern HMODULE g_hHpcrlib;    // the engine's library while bound, else null
-extern PrintEngine g_engine;  // its entry points
-extern uint64_t g_hJob;
-extern WCHAR g_wszSavedDirectory[MAX_PATH];  // current directory before the library was bound
-extern char g_szJobName[kMaxNarrowName];
-extern char g_szProfileName[kMaxNarrowName];
-extern int32_t g_nProfileKind;  // what the profile loader returned at job start
-extern signed char g_cHpres;    // the engine's resolution code
-extern uint32_t g_cxSurface;    // the page bitmap's size in pixels at job start
-extern uint32_t g_cySurface;
-extern uint32_t g_nPage;          // number of the current page, from 1
-extern bool g_bFirstChunk;        // the engine's first chunk is still to come
-extern bool g_bHeaderPending;     // the job header is still to be written
-extern uint32_t g_uMaxWriteCost;  // slowest write to the spooler so far in the process, microseconds per byte
-extern ResolutionSwitch g_resolutionSwitch;
-extern StageMaxima g_stageMaxima;
-extern char* g_pThumbnail;    // base64 text from malloc, until the header takes it or the page ends
-extern size_t g_cbThumbnail;  // its length, terminator not counted
+// print engine's callback context, so that an instance made by a reset can take the job over.
+inline PDEV* g_pCurrentPdev = nullptr;
+inline HMODULE g_hHpcrlib = nullptr;  // the print engine's library while bound, or null
+inline PrintEngine g_engine = {};     // its entry points
+inline uint64_t g_hJob = 0;
+inline WCHAR g_wszSavedDirectory[MAX_PATH] = {};  // current directory before the library was bound
+inline char g_szJobName[kMaxNarrowName] = {};
+inline char g_szProfileName[kMaxNarrowName] = {};
+inline int32_t g_nProfileKind = 1;          // what the profile loader returned at job start
+inline signed char g_cHpres = kHpresUnset;  // the print engine's resolution code
+inline uint32_t g_cxSurface = 0;            // the page bitmap's size in pixels at job start
+inline uint32_t g_cySurface = 0;
+inline uint32_t g_nPage = 0;           // number of the current page, from 1
+inline bool g_bFirstChunk = false;     // the print engine has output nothing but framing yet
+inline bool g_bHeaderPending = false;  // the job header has not been written yet
+inline uint32_t g_uMaxWriteCost = 0;   // slowest write to the spooler in the process, microseconds per byte
+inline ResolutionSwitch g_resolutionSwitch = {};
+inline StageMaxima g_stageMaxima = {};
+inline char* g_pThumbnail = nullptr;  // base64 text from malloc, until the header takes it or the page ends
+inline size_t g_cbThumbnail = 0;      // its length, terminator not counted
+
+// Resets what belongs to the pages of the job before, as the first step of a new job.
+void ResetJobPages();
+
+// Resets what the output callback and the header depend on, once the print engine has started the new job.
+// Deliberate: output of the engine inside HPCRLIB_JobStart still meets the flags and the resolution code of
+// the job before.
+void ResetJobOutput();
 
 }  // namespace orvex

@@ -1,4 +1,4 @@
-// The page layout's inputs out of a job's settings.
+// Input of the page layout, taken from a job's settings.
 #pragma once
 
 #include "driver/config/device_mode.h"
@@ -6,7 +6,7 @@
 
 namespace orvex {
 
-// For a page bitmap of `width` x `height` pixels, printed at `dpi` dots per inch.
+// Returns the input for a page bitmap of `width` x `height` pixels.
 PageLayoutInput LayoutInput(const DeviceMode& mode, int16_t dpi, int32_t width, int32_t height);
 
 }  // namespace orvex

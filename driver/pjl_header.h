@@ -5,8 +5,8 @@
 
 namespace orvex {
 
-// Writes the header's lines, and the waiting thumbnail, which is then freed. FALSE when a write that counts
-// failed: any numeric line at once, and whatever was written last.
+// Writes the header's lines and the waiting thumbnail, which is then freed. Returns false at once if a
+// numeric line is lost, and otherwise whether the last write succeeded.
 bool WriteJobHeader(const PDEV& pdev);
 
 }  // namespace orvex

@@ -15,15 +15,15 @@ void RestoreDirectory() {
 }
 
 // Makes `folder` current and loads the library, which the system then finds there. Deliberate: a folder that
-// can't be entered does not refuse the job, since the system may find the library in another place that it
-// searches. None but administrators must be able to write to those places.
+// can't be entered does not fail the job, since the system may find the library in another place that it
+// searches. Only administrators may be able to write to those places.
 HMODULE LoadFrom(const WCHAR* folder) {
     const DWORD length = GetCurrentDirectoryW(MAX_PATH, g_wszSavedDirectory);
-    if (length == 0 || length >= MAX_PATH) g_wszSavedDirectory[0] = 0;  // can't be told, nor restored
+    if (length == 0 || length >= MAX_PATH) g_wszSavedDirectory[0] = 0;  // unknown, so it can't be restored
     SetCurrentDirectoryW(folder);
     const HMODULE library = LoadLibraryW(L"hpcrlib.dll");
     if (library == nullptr) {
-        const LastErrorKept lastError;
+        const PreservedLastError lastError;
         RestoreDirectory();
     }
     return library;
@@ -55,7 +55,7 @@ bool BindPrintEngine() {
         return false;
     }
     if (ResolveEntryPoints()) return true;
-    const LastErrorKept lastError;
+    const PreservedLastError lastError;
     UnbindPrintEngine();
     return false;
 }

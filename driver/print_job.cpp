@@ -1,13 +1,13 @@
-// The hooks of a job: DrvStartDoc opens it, DrvStartPage begins each page, DrvEndDoc closes it.
+// The hooks of a job: DrvStartDoc starts it, DrvStartPage starts each page, DrvEndDoc ends it.
 
 #include <cstdio>
 
-#include "driver/color/color_adjustment.h"
+#include "driver/adjustment.h"
+#include "driver/device_resolution.h"
 #include "driver/job_output.h"
 #include "driver/job_state.h"
 #include "driver/print_engine.h"
 #include "driver/profiles/profile_file.h"
-#include "driver/support/installation.h"
 #include "driver/support/log.h"
 #include "driver/support/text.h"
 
@@ -22,8 +22,8 @@ void ErasePage(SURFOBJ* surface) {
     EngEraseSurface(surface, &page, kPaperWhite);
 }
 
-// An instance that DrvResetPDEV made inside a running job takes that job over; the engine, the profile and
-// the header go on as they are.
+// Lets an instance that DrvResetPDEV made inside a running job take that job over; the print engine, the
+// profile and the header go on as they are.
 void ContinueJob(PDEV* pdev) {
     if (g_pCurrentPdev == pdev) return;
     LogInfo("pdev: %x<-%x", g_pCurrentPdev, pdev);
@@ -58,7 +58,6 @@ void LoadJobProfile(const PrivateDevMode& settings, int32_t resolutionMode) {
         LogInfo("Load profile [%S]", profile);
         snprintf(path, sizeof path, ORVEX_PROFILES_FOLDER "%s", name);
     }
-    g_cHpres = kHpresUnset;
     g_nProfileKind =
         zvc_load_profile(profile.size == 0 ? nullptr : path, resolutionMode, &g_cHpres, name, sizeof name);
     CopyText(g_szProfileName, FieldText(name));
@@ -74,28 +73,22 @@ void AdjustJobColors(const PrivateDevMode& settings) {
     if (!adjusted) return;
     LogError("ca t:%d,b:%d,s:%d,C:%d,M:%d,Y:%d,K:%d\n", values[kTone], values[kBrightness],
              values[kSaturation], values[kCyan], values[kMagenta], values[kYellow], values[kBlack]);
-    AdjustColors(values);
+    ApplyAdjustment(values);
 }
 
 bool StartNewJob(PDEV* pdev, const SURFOBJ* surface, const WCHAR* documentName) {
     EndEngineJob();  // a job that was never ended would keep its library and the current directory
+    ResetJobPages();
     pdev->pageCount = 0;
-    NarrowText(g_szJobName, sizeof g_szJobName, {documentName, TextLength(documentName)});
     pdev->flags |= PDEV_IN_JOB;
-    g_nPage = 0;
-    // A switch that the job before left over belongs to a page of that job. The new job drops it: it must
-    // neither be patched into what the engine writes at job start nor count as missed on the first page.
-    g_resolutionSwitch = {};
+    NarrowText(g_szJobName, sizeof g_szJobName, {documentName, TextLength(documentName)});
 
     if (!BindPrintEngine()) return false;
     const int32_t resolutionMode = ResolutionMode(GetDeviceResolution(pdev));
     if (!StartEngineJob(pdev, surface, resolutionMode)) return false;
+    ResetJobOutput();
     LoadJobProfile(pdev->devmode.priv, resolutionMode);
     AdjustJobColors(pdev->devmode.priv);
-    // Deliberately last: what the engine writes inside HPCRLIB_JobStart passes under the flags that the job
-    // before left. This job's framing and header are still to come then.
-    g_bFirstChunk = true;
-    g_bHeaderPending = true;
     return true;
 }
 
@@ -108,7 +101,7 @@ extern "C" BOOL APIENTRY DrvStartDoc(SURFOBJ* pso, LPWSTR pwszDocName, DWORD dwJ
     if (pdev == nullptr) return trace.Bool(FALSE);
 
     DumpDevMode(&pdev->devmode.pub);
-    const HeapArray<WCHAR> driverName = GetPrinterDriverName(pdev->hPrinter);
+    AskForDriverName(*pdev);
     ErasePage(pso);
     LogInfo("JobId:%d docname:%S %d %d", dwJobId, static_cast<const WCHAR*>(pwszDocName),
             pdev->flags & PDEV_RESET, pdev->flags & PDEV_IN_JOB);
@@ -131,20 +124,19 @@ extern "C" BOOL APIENTRY DrvStartPage(SURFOBJ* pso) {
     if (pdev == nullptr) return trace.Bool(FALSE);
     if (pdev->flags & PDEV_NO_MORE_PAGES) return trace.Bool(FALSE);
 
-    const HeapArray<WCHAR> driverName = GetPrinterDriverName(pdev->hPrinter);
+    AskForDriverName(*pdev);
     DumpDevMode(&pdev->devmode.pub);
     ErasePage(pso);
     g_resolutionSwitch.pending = false;
     return trace.Bool(TRUE);
 }
 
-extern "C" BOOL APIENTRY DrvEndDoc(SURFOBJ* pso, FLONG fl) {
-    (void)fl;
+extern "C" BOOL APIENTRY DrvEndDoc(SURFOBJ* pso, FLONG /*fl*/) {
     const TraceScope trace("DrvEndDoc");
-    EndEngineJob();  // in any case, even for an invalid instance
+    EndEngineJob();  // even for an invalid instance
     PDEV* pdev = RequireInstance(pso);
     if (pdev == nullptr) return trace.Bool(FALSE);
-    const HeapArray<WCHAR> driverName = GetPrinterDriverName(pdev->hPrinter);
+    AskForDriverName(*pdev);
     pdev->flags &= ~static_cast<uint32_t>(PDEV_RESET | PDEV_IN_JOB);
     return trace.Bool(TRUE);
 }

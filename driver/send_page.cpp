@@ -1,19 +1,24 @@
 // DrvSendPage: takes a finished page from the graphics engine, lays it under the print head and hands its
 // rows to the print engine.
 
+#include "driver/device_resolution.h"
 #include "driver/job_state.h"
 #include "driver/page_layout_input.h"
-#include "driver/render/raster_loop.h"
-#include "driver/render/thumbnail.h"
-#include "driver/support/installation.h"
+#include "driver/raster_output.h"
 #include "driver/support/log.h"
 #include "driver/support/settings_file.h"
 #include "driver/support/text.h"
+#include "driver/thumbnail.h"
 
 namespace orvex {
 
 namespace {
 
+// The resolution code in the job header.
+constexpr signed char kHpres600 = 0;
+constexpr signed char kHpresOther = -1;
+
+// The print engine's command that switches the resolution.
 constexpr char kSwitchTo600[] = "\x1B*o0M";
 constexpr char kSwitchToOther[] = "\x1B*o-1M";
 
@@ -69,8 +74,8 @@ void LogPrintHeadOffset(const PageLayout& layout) {
     }
 }
 
-// Returns whether a side of the bitmap is negative. No graphics engine makes such a bitmap, and no row and no
-// thumbnail can be made of it.
+// Returns whether a side of the bitmap is negative. No graphics engine makes such a bitmap, and neither rows
+// nor a thumbnail can be made of it.
 bool HasNegativeSide(const SURFOBJ& surface) {
     return surface.sizlBitmap.cx < 0 || surface.sizlBitmap.cy < 0;
 }
@@ -78,7 +83,7 @@ bool HasNegativeSide(const SURFOBJ& surface) {
 void MakeThumbnail(const SURFOBJ& surface) {
     if (HasNegativeSide(surface)) return;
     if (!LookupFlag("[Driver]", "Add_Thumb=")) return;
-    if (surface.iBitmapFormat == BMF_24BPP) return;  // has not the 32 bits a pixel that a thumbnail reads
+    if (surface.iBitmapFormat == BMF_24BPP) return;  // the thumbnail reads pixels of 32 bits
     BuildPageThumbnail(static_cast<const uint32_t*>(surface.pvBits), surface.sizlBitmap.cx,
                        surface.sizlBitmap.cy, &g_pThumbnail, &g_cbThumbnail);
 }
@@ -90,12 +95,11 @@ void DiscardThumbnail() {
     g_pThumbnail = nullptr;
 }
 
-// The first page settles the resolution code for the job header; a later page has it patched into the
-// engine's output.
-void RequestResolution(int16_t dpi) {
-    const bool is600 = dpi == 600;
+// Settles the resolution code of the job header on the job's first page, and has it patched into the engine's
+// output on a later one.
+void RequestResolution(bool is600) {
     if (g_cHpres == kHpresUnset) {
-        g_cHpres = is600 ? 0 : -1;
+        g_cHpres = is600 ? kHpres600 : kHpresOther;
         return;
     }
     if (g_resolutionSwitch.queued) LogError("Error: page %d res missed!!!!!!!!!!!!!!!!!!!", g_nPage);
@@ -104,7 +108,7 @@ void RequestResolution(int16_t dpi) {
                           true, true};
 }
 
-// One engine call of a page; a refusal is logged and ends the page.
+// Returns whether a call of the engine succeeded. A refusal is logged and ends the page.
 bool Succeeded(uint32_t status, const char* refusal) {
     if (status == kEngineSuccess) return true;
     LogError(refusal);
@@ -112,7 +116,7 @@ bool Succeeded(uint32_t status, const char* refusal) {
 }
 
 void SendToEngine(const PDEV& pdev, const SURFOBJ& surface, const PageLayout& layout) {
-    // Refused before the engine opens the page, so that it takes the next one.
+    // The page is refused before the engine opens it, so that the engine takes the next one.
     if (HasNegativeSide(surface)) {
         LogError("Error: could not send a page of %dx%d pixels", surface.sizlBitmap.cx,
                  surface.sizlBitmap.cy);
@@ -139,14 +143,15 @@ void SendToEngine(const PDEV& pdev, const SURFOBJ& surface, const PageLayout& la
 
 }  // namespace
 
-// An engine's refusal is logged, not reported: the hook still returns TRUE and counts the page.
+// Sends a page. A refusal by the engine is logged, not reported: the hook still returns TRUE and counts the
+// page.
 extern "C" BOOL APIENTRY DrvSendPage(SURFOBJ* pso) {
     const TraceScope trace("DrvSendPage");
     const DWORD start = GetTickCount();
     PDEV* pdev = RequireInstance(pso);
     if (pdev == nullptr) return trace.Bool(FALSE);
 
-    const HeapArray<WCHAR> driverName = GetPrinterDriverName(pdev->hPrinter);
+    AskForDriverName(*pdev);
     const PageLayout layout = ComputePageLayout(
         LayoutInput(pdev->devmode, GetDeviceResolution(pdev), pso->sizlBitmap.cx, pso->sizlBitmap.cy));
     const bool firstPage = g_nPage == 1;
@@ -154,8 +159,8 @@ extern "C" BOOL APIENTRY DrvSendPage(SURFOBJ* pso) {
     LogExtents(*pdev, layout);
     if (firstPage) MakeThumbnail(*pso);
     LogPrintHeadOffset(layout);
-    RequestResolution(layout.dpi);
-    // Without a bound library, after a job that failed to start, there is no engine to send the page to.
+    RequestResolution(layout.Is600Dpi());
+    // After a job that failed to start, no library is bound, and there is no engine to send the page to.
     if (g_hHpcrlib != nullptr) SendToEngine(*pdev, *pso, layout);
 
     ++pdev->pageCount;

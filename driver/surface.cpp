@@ -1,7 +1,8 @@
-// The page bitmap: one engine-managed 32-bpp bitmap for each device instance, as large as the page, drawn
-// into by the graphics engine alone.
+// The hooks of the page bitmap. The graphics engine manages one 32-bpp bitmap, as large as the page, for each
+// device instance, and nobody else draws into it.
 
 #include "driver/device_instance.h"
+#include "driver/device_resolution.h"
 #include "driver/support/log.h"
 
 namespace orvex {

@@ -10,23 +10,24 @@
 
 namespace orvex::engine {
 
-// Every function returns true on success. A call out of order or with a bad argument is refused and changes
-// nothing. After a failed output callback every further call fails and nothing more is output.
+// Every step returns true on success. A call out of order or with a bad argument is refused and changes
+// nothing. After the output callback has failed, every further call fails and nothing more is output.
 class EngineJob {
   public:
-    // `resolutionMode` is below print_stream::kResolutionModes. Nothing is output yet.
+    // Outputs nothing yet. `resolutionMode` is below print_stream::kResolutionModes.
     EngineJob(HPCRLIB_OutputCallback output, void* context, uint32_t resolutionMode)
         : stream_(output, context), resolutionMode_(resolutionMode) {}
 
-    // The first page brings the framing chunk and the PJL opening, a chunk each. Then the page's own chunk.
+    // Outputs the page's start as a chunk; on the first page, a chunk of framing and one of the PJL opening
+    // come before it.
     bool StartPage(uint32_t width, uint32_t length);
-    // One block a page. It must lie on its page.
+    // Starts the only block of a page, which must lie on the page.
     bool StartBlock(uint32_t top, uint32_t rowWidth, uint32_t rows);
     bool PutRow(const uint32_t* row);
-    // Refused, with the block still open, while rows are missing.
+    // Refuses, and leaves the block open, while rows are missing.
     bool EndBlock();
     bool EndPage();
-    // False, and nothing output, when a page is still open. A job without pages outputs nothing.
+    // Refuses while a page is open. A job without pages outputs nothing.
     bool End();
 
     // Makes every further call fail.

@@ -1,5 +1,4 @@
-// The interface of the print engine's raster library, hpcrlib.dll, as the driver calls it. Lengths are
-// unsigned 32-bit numbers.
+// The interface of the print engine's raster library, hpcrlib.dll, as the driver calls it.
 #pragma once
 
 #include <cstddef>
@@ -13,49 +12,50 @@
 
 namespace orvex {
 
-// The status of a call that did its work. Any other, 0 among them, is a failure.
+// The status of a call that succeeded. Any other, 0 among them, is a failure.
 inline constexpr uint32_t kEngineSuccess = 1;
 
 extern "C" {
 
-// Takes encoded output, on the thread of the call that produced it. Non-zero is success; 0 makes that call
-// fail.
+// Takes encoded output, on the thread of the call that produced it. Returns non-zero on success; 0 makes that
+// call fail.
 using HPCRLIB_OutputCallback = int32_t(HPCRLIB_CALL*)(const uint8_t* data, uint32_t length, void* context);
 
-// Starts a job; resolutionMode is 0 for 300 dpi, 1 for 600 dpi, 2 for any other. `reserved` is 0. The job's
-// handle, or 0.
-using HPCRLIB_JobStartFunction = uint64_t(HPCRLIB_CALL*)(HPCRLIB_OutputCallback output, void* context,
-                                                         uint32_t resolutionMode, uint32_t reserved);
-using HPCRLIB_JobEndFunction = uint32_t(HPCRLIB_CALL*)(uint64_t job);
+// Starts a job and returns its handle, or 0 on failure. `resolutionMode` is 0 for 300 dpi, 1 for 600 dpi, 2
+// for any other; `reserved` is not used and must be 0.
+uint64_t HPCRLIB_CALL HPCRLIB_JobStart(HPCRLIB_OutputCallback output, void* context, uint32_t resolutionMode,
+                                       uint32_t reserved);
 
-// Starts a page of that size in 1/7200 inch.
-using HPCRLIB_PageStartFunction = uint32_t(HPCRLIB_CALL*)(uint64_t job, uint32_t width, uint32_t length);
-using HPCRLIB_PageEndFunction = uint32_t(HPCRLIB_CALL*)(uint64_t job);
+// Ends a job and frees it, even on failure; the handle is invalid afterwards.
+uint32_t HPCRLIB_CALL HPCRLIB_JobEnd(uint64_t job);
 
-// Starts a block of `rows` rows of `rowWidth` pixels, `top` pixels below the print head's start. `reserved`
-// is 0.
-using HPCRLIB_RasterBlockStartFunction = uint32_t(HPCRLIB_CALL*)(uint64_t job, uint32_t reserved,
-                                                                 uint32_t top, uint32_t rowWidth,
-                                                                 uint32_t rows);
+// Starts a page; `width` and `length` are in 1/7200 inch.
+uint32_t HPCRLIB_CALL HPCRLIB_PageStart(uint64_t job, uint32_t width, uint32_t length);
+uint32_t HPCRLIB_CALL HPCRLIB_PageEnd(uint64_t job);
 
-// Hands over one row: rowWidth ink values of 32 bits, K in the lowest byte, then C, M and Y.
-using HPCRLIB_RasterRowFunction = uint32_t(HPCRLIB_CALL*)(uint64_t job, const uint32_t* row);
-using HPCRLIB_RasterBlockEndFunction = uint32_t(HPCRLIB_CALL*)(uint64_t job);
+// Starts a block of `rows` rows of `rowWidth` pixels, `top` pixels below the start of the print head.
+// `reserved` is not used and must be 0.
+uint32_t HPCRLIB_CALL HPCRLIB_RasterBlockStart(uint64_t job, uint32_t reserved, uint32_t top,
+                                               uint32_t rowWidth, uint32_t rows);
+
+// Takes one row: `rowWidth` ink values of 32 bits, K in the lowest byte, then C, M and Y.
+uint32_t HPCRLIB_CALL HPCRLIB_RasterRow(uint64_t job, const uint32_t* row);
+uint32_t HPCRLIB_CALL HPCRLIB_RasterBlockEnd(uint64_t job);
 
 }  // extern "C"
 
-// The library's entry points, all of which the driver needs; null where none is bound.
+// The library's entry points. The driver needs all of them; they are null while no library is bound.
 struct PrintEngine {
-    HPCRLIB_JobStartFunction HPCRLIB_JobStart = nullptr;
-    HPCRLIB_JobEndFunction HPCRLIB_JobEnd = nullptr;
-    HPCRLIB_PageStartFunction HPCRLIB_PageStart = nullptr;
-    HPCRLIB_RasterBlockStartFunction HPCRLIB_RasterBlockStart = nullptr;
-    HPCRLIB_RasterRowFunction HPCRLIB_RasterRow = nullptr;
-    HPCRLIB_RasterBlockEndFunction HPCRLIB_RasterBlockEnd = nullptr;
-    HPCRLIB_PageEndFunction HPCRLIB_PageEnd = nullptr;
+    decltype(&orvex::HPCRLIB_JobStart) HPCRLIB_JobStart = nullptr;
+    decltype(&orvex::HPCRLIB_JobEnd) HPCRLIB_JobEnd = nullptr;
+    decltype(&orvex::HPCRLIB_PageStart) HPCRLIB_PageStart = nullptr;
+    decltype(&orvex::HPCRLIB_RasterBlockStart) HPCRLIB_RasterBlockStart = nullptr;
+    decltype(&orvex::HPCRLIB_RasterRow) HPCRLIB_RasterRow = nullptr;
+    decltype(&orvex::HPCRLIB_RasterBlockEnd) HPCRLIB_RasterBlockEnd = nullptr;
+    decltype(&orvex::HPCRLIB_PageEnd) HPCRLIB_PageEnd = nullptr;
 };
 
-// By what name the library exports each, and where a PrintEngine keeps it.
+// The name that the library exports an entry point by, and its place in a PrintEngine.
 struct PrintEngineExport {
     const char* name;
     size_t offset;

@@ -1,5 +1,5 @@
-// The stand-in print stream: what its writer and its readers agree on. docs/print-stream.md describes it
-// whole.
+// The format of the stand-in print stream, shared by its writer and its readers. docs/print-stream.md is the
+// complete description.
 //
 // Numbers are little-endian. A print file is
 //
@@ -7,7 +7,7 @@
 //
 // and the records come in this order:
 //
-//     job-start { resolution-command page-start block-start rows... block-end page-end } job-end
+//     job-start { resolution-command page-start block-start rows... block-end page-end }... job-end
 //
 // A record is its type (1 byte), the size of its payload (4), the payload, and the Adler-32 checksum of all
 // of that (4). Only the resolution command, ESC "*o" number "M", is plain text: its ESC is its type.
@@ -26,11 +26,11 @@ inline constexpr std::string_view kPjlOpening =
     "@PJL ENTER LANGUAGE=STANDIN\n";
 inline constexpr std::string_view kEnterLanguage = "@PJL ENTER LANGUAGE=STANDIN";
 
-// The engine's very first chunk is framing between engine and driver and no part of a print file: its first
-// three and last three bytes add up to 0 modulo 256, and the driver drops it.
+// The engine's very first chunk, which is not part of a print file: the driver drops it, since its first
+// three and last three bytes add up to 0 modulo 256.
 inline constexpr uint8_t kFramingChunk[] = {'F', 'R', 'M', 'S', 'T', 'A', 'N', 'D', 'I', 'N', 1, 0, 0x1A};
 
-// The resolution command of a page, as the engine writes it; the driver may put another number into it.
+// The resolution command of a page, as the engine writes it. The driver may replace the number.
 inline constexpr std::string_view kResolutionCommand600Dpi = "\x1B*o0M";
 inline constexpr std::string_view kResolutionCommandOther = "\x1B*o-1M";
 
@@ -49,26 +49,28 @@ inline constexpr uint32_t kVersion = 1;
 inline constexpr size_t kRecordHeaderSize = 5;
 inline constexpr size_t kChecksumSize = 4;
 
-// 0 = 300 dpi, 1 = 600 dpi, 2 = any other, which is taken as 150 dpi where a length is needed.
+// Resolution modes: 0 = 300 dpi, 1 = 600 dpi, 2 = any other, which counts as 150 dpi where a length is
+// needed.
 inline constexpr uint32_t kResolutionModes = 3;
 inline constexpr uint32_t kDpi[kResolutionModes] = {300, 600, 150};
 
-// Engine lengths are in 1/7200 inch.
+// The unit of the engine's lengths.
 inline constexpr uint32_t kUnitsPerInch = 7200;
 constexpr uint32_t UnitsPerPixel(uint32_t resolutionMode) {
     return kUnitsPerInch / kDpi[resolutionMode];
 }
 
-// The print head is 11.7 inches wide; a raster row lies across its width at one place, along the paper feed.
+// Returns how many rows span the print head, which is 11.7 inches wide. Each raster row runs along the paper
+// feed, at one place across the head.
 constexpr uint32_t HeadRows(uint32_t resolutionMode) {
     return kDpi[resolutionMode] * 117 / 10;
 }
 
-// A page that is shorter than this lies centred under the head.
+// The length of a page that spans the print head. A shorter page is centered under the head.
 inline constexpr uint32_t kFullPageLength = 86616;
 
-// A block that spans the whole head may be this many rows shorter or longer than announced: the driver moves
-// a centred label by changing both of its fills by the print-head offset, of 100 mm at most.
+// Returns by how many rows a block that spans the whole head may be shorter or longer than announced: the
+// driver moves a centered label by changing the fill on both sides by the print-head offset, 100 mm at most.
 constexpr uint32_t HeadBlockSlack(uint32_t resolutionMode) {
     return 2 * (kDpi[resolutionMode] * 1000 / 254);
 }
@@ -76,10 +78,16 @@ constexpr uint32_t HeadBlockSlack(uint32_t resolutionMode) {
 inline constexpr uint32_t kMaxRowWidth = 32768;
 inline constexpr uint32_t kMaxBlockRows = 16384;
 
-// A rows record is closed as soon as its payload has this size.
+// Payload size from which on a rows record is closed.
 inline constexpr size_t kRowsRecordSize = size_t{32} * 1024;
 
-// Adler-32; `state` is that of the bytes in front, 1 at the start.
+// Stores a number in little-endian order and returns the end of its 4 bytes.
+inline uint8_t* StoreNumber(uint8_t* out, uint32_t number) {
+    for (int shift = 0; shift < 32; shift += 8) *out++ = static_cast<uint8_t>(number >> shift);
+    return out;
+}
+
+// Returns the Adler-32 checksum; `state` is the checksum of the bytes before these, 1 if there are none.
 constexpr uint32_t Adler32(const uint8_t* bytes, size_t size, uint32_t state = 1) {
     constexpr uint32_t kModulus = 65521;
     constexpr size_t kSumsWithoutOverflow = 5552;

@@ -1,4 +1,5 @@
-// Lossless compression of raster rows: what stays the same down the page and along the row is not sent again.
+// Lossless compression of raster rows: pixels that repeat the row above or their neighbors are not sent
+// again.
 //
 // A row of `width` ink values of 32 bits is encoded against the row above it; the first row of a block is
 // encoded against a row without ink. The code is a sequence of commands that together cover exactly `width`
@@ -6,19 +7,21 @@
 //
 //     command byte: bits 7-6 what, bits 5-0 count
 //       0 = above     `count` pixels are as in the row above
-//       1 = run       one ink value (4 bytes, little-endian) follows and stands for `count` pixels
+//       1 = run       one ink value (4 bytes, little-endian) follows, the ink of `count` pixels
 //       2 = literals  `count` ink values follow
 //       3 = not used
-//     count 1 to 63 stands in the byte itself; 0 says that a 4-byte count follows the byte
+//     a count from 1 to 63 is in the byte itself; 0 means that a 4-byte count follows the byte
 //
-// An unchanged row is one `above` command. A row is never longer than its pixels and one command with a long
-// count. Any choice of commands decodes; this encoder takes `above` from 2 pixels on and `run` from 3, the
-// longer of both.
+// An unchanged row is one `above` command. A coded row is never longer than its pixels plus one command with
+// a long count. A decoder accepts any choice of commands; this encoder takes `above` from 2 pixels on and
+// `run` from 3, whichever is longer.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+
+#include "engine/print_stream.h"
 
 namespace orvex {
 
@@ -46,11 +49,6 @@ inline size_t EncodeRow(const uint32_t* above, const uint32_t* row, uint32_t wid
 
 namespace row_code {
 
-inline uint8_t* PutLittleEndian(uint8_t* out, uint32_t value) {
-    for (int shift = 0; shift < 32; shift += 8) *out++ = static_cast<uint8_t>(value >> shift);
-    return out;
-}
-
 inline uint8_t* PutCommand(uint8_t* out, Command command, uint32_t count) {
     const auto kind = static_cast<uint8_t>(command << kCommandShift);
     if (count <= kCountMask) {
@@ -58,13 +56,13 @@ inline uint8_t* PutCommand(uint8_t* out, Command command, uint32_t count) {
         return out;
     }
     *out++ = kind;
-    return PutLittleEndian(out, count);
+    return print_stream::StoreNumber(out, count);
 }
 
 inline uint8_t* PutLiterals(uint8_t* out, const uint32_t* pixels, uint32_t count) {
     if (count == 0) return out;
     out = PutCommand(out, kLiterals, count);
-    for (uint32_t i = 0; i < count; ++i) out = PutLittleEndian(out, pixels[i]);
+    for (uint32_t i = 0; i < count; ++i) out = print_stream::StoreNumber(out, pixels[i]);
     return out;
 }
 
@@ -74,7 +72,7 @@ inline uint64_t LoadPair(const uint32_t* pixels) {
     return pair;
 }
 
-// Pixels from the start on that are the same in both, two at a time as long as they last.
+// Returns how many pixels from the start on are the same in both; compares two at a time.
 inline uint32_t SameLength(const uint32_t* a, const uint32_t* b, uint32_t limit) {
     uint32_t length = 0;
     while (length + 2 <= limit && LoadPair(a + length) == LoadPair(b + length)) length += 2;
@@ -82,7 +80,7 @@ inline uint32_t SameLength(const uint32_t* a, const uint32_t* b, uint32_t limit)
     return length;
 }
 
-// Pixels from the start on that are like the first one.
+// Returns how many pixels from the start on are like the first one.
 inline uint32_t RunLength(const uint32_t* pixels, uint32_t limit) {
     return limit == 0 ? 0 : 1 + SameLength(pixels, pixels + 1, limit - 1);
 }
@@ -92,7 +90,7 @@ inline uint32_t RunLength(const uint32_t* pixels, uint32_t limit) {
 inline size_t EncodeRow(const uint32_t* above, const uint32_t* row, uint32_t width, uint8_t* out) {
     using namespace row_code;
     uint8_t* end = out;
-    uint32_t sent = 0;  // what lies between this and `at` goes out as literals
+    uint32_t sent = 0;  // the pixels from here to `at` become literals
     for (uint32_t at = 0; at < width;) {
         const uint32_t same = SameLength(above + at, row + at, width - at);
         const uint32_t run = RunLength(row + at, width - at);
@@ -103,7 +101,7 @@ inline size_t EncodeRow(const uint32_t* above, const uint32_t* row, uint32_t wid
         }
         end = PutLiterals(end, row + sent, at - sent);
         end = PutCommand(end, takeAbove ? kAbove : kRun, takeAbove ? same : run);
-        if (!takeAbove) end = PutLittleEndian(end, row[at]);
+        if (!takeAbove) end = print_stream::StoreNumber(end, row[at]);
         at += takeAbove ? same : run;
         sent = at;
     }

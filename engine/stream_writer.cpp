@@ -7,14 +7,6 @@ namespace orvex::engine {
 
 using namespace print_stream;
 
-namespace {
-
-void StoreNumber(uint8_t* out, uint32_t number) {
-    for (int shift = 0; shift < 32; shift += 8) *out++ = static_cast<uint8_t>(number >> shift);
-}
-
-}  // namespace
-
 uint8_t* StreamWriter::Reserve(size_t size) {
     if (capacity_ - size_ < size) {
         const size_t capacity = std::max(2 * capacity_, size_ + size);

@@ -16,27 +16,26 @@ class StreamWriter {
   public:
     StreamWriter(HPCRLIB_OutputCallback output, void* context) : output_(output), context_(context) {}
 
-    // Plain text outside of any record.
+    // Adds plain text, outside of any record.
     void PutText(std::string_view text);
 
-    // A whole record of numbers.
+    // Adds a whole record of numbers.
     void PutRecord(print_stream::RecordType type, std::initializer_list<uint32_t> numbers);
 
-    // A record of bytes that the caller writes in place: begin it, then reserve and commit as often as
-    // needed.
+    // Begins a record of bytes that the caller writes in place: reserve and commit as often as needed.
     void BeginRecord(print_stream::RecordType type);
-    // Room for `size` bytes behind the pending ones, valid until the next call.
+    // Returns room for `size` bytes after the pending ones, valid until the next call.
     uint8_t* Reserve(size_t size);
     void Commit(size_t size) { size_ += size; }
-    // Closes the record begun last. One that is empty leaves no trace.
+    // Ends the record, and drops it if it is empty.
     void EndRecord();
 
-    // Bytes of the payload so far of the record begun last.
+    // Returns the size of the payload, so far, of the record that was begun last.
     size_t RecordSize() const { return size_ - recordStart_ - print_stream::kRecordHeaderSize; }
     bool InRecord() const { return inRecord_; }
 
-    // Hands what is pending to the output callback as one chunk; nothing pending makes no chunk. False when
-    // the callback failed.
+    // Hands the pending bytes, if any, to the output callback as one chunk. Returns false if the callback
+    // failed.
     bool Flush();
 
   private:

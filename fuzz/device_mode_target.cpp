@@ -8,10 +8,10 @@
 
 #include "driver/config/device_mode_merge.h"
 #include "driver/support/text.h"
-#include "fuzz/device_mode_model.h"
-#include "fuzz/device_mode_rules.h"
 #include "fuzz/fuzz_printer.h"
 #include "fuzz/input.h"
+#include "tests/plain/device_mode.h"
+#include "tests/plain/device_mode_rules.h"
 
 namespace orvex::fuzz {
 
@@ -21,7 +21,7 @@ namespace {
 constexpr size_t kLeastBytes = 72;  // what every record has
 
 DeviceMode PrintersDefaults(uint8_t choice) {
-    DeviceMode record = DefaultDeviceMode();
+    DeviceMode record = plain::ValidDeviceMode();
     if (choice & 1) CopyText(record.priv.colorProfile, {L"paper.zvp", 9});
     if (choice & 2) {
         record.pub.dmPaperSize = record.priv.dmPaperSize = 300;
@@ -32,7 +32,7 @@ DeviceMode PrintersDefaults(uint8_t choice) {
     return record;
 }
 
-constexpr ListedLabel kLabels[] = {{258, "Shipping", 1016, 1524}, {300, "Wine", 900, -10}};
+constexpr plain::ListedLabel kLabels[] = {{258, "Shipping", 1016, 1524}, {300, "Wine", 900, -10}};
 
 // The record that the input is, in a block that ends where the record says that it ends.
 std::vector<uint8_t> RecordOf(std::span<const uint8_t> bytes) {
@@ -59,11 +59,11 @@ void FuzzDeviceModeMerge(std::span<const uint8_t> input) {
     printer.AddLabel(300, "Wine", "90", "-1", 0);
     DeviceMode record = printers;
     const BOOL merged = MergeDevMode(&record, source, printer.Handle());
-    REQUIRE((merged != FALSE) == IsTaken(given));
+    REQUIRE((merged != FALSE) == plain::IsTaken(given));
     REQUIRE(merged || memcmp(&record, &printers, sizeof record) == 0);
-    REQUIRE(FirstDifference(record, Merged(printers, given, kLabels)) == sizeof record);
-    REQUIRE(BrokenRule(record) == nullptr);
-    REQUIRE(block == GivenBack(printers, given));
+    REQUIRE(plain::FirstDifference(record, plain::Merged(printers, given, kLabels)) == sizeof record);
+    REQUIRE(plain::BrokenRule(record) == nullptr);
+    REQUIRE(block == plain::GivenBack(printers, given));
 
     // Merging what came out into itself changes nothing more.
     DeviceMode again = record;
@@ -81,7 +81,7 @@ Seeds DeviceModeMergeSeeds() {
         if (size < sizeof(DEVMODEW)) bytes.erase(size, sizeof(DEVMODEW) - size);
         return choice + bytes.substr(0, size_t{size} + extra);
     };
-    DeviceMode plain = DefaultDeviceMode();
+    DeviceMode plain = plain::ValidDeviceMode();
     DeviceMode listed = plain;
     listed.pub.dmPaperSize = 258;
     DeviceMode wild = plain;

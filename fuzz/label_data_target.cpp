@@ -10,9 +10,10 @@
 #include "driver/config/device_mode_validation.h"
 #include "driver/config/label_sizes.h"
 #include "driver/support/text.h"
-#include "fuzz/device_mode_rules.h"
 #include "fuzz/fuzz_printer.h"
 #include "fuzz/input.h"
+#include "tests/plain/device_mode.h"
+#include "tests/plain/device_mode_rules.h"
 #include "tools/host/import_patch.h"
 
 namespace orvex::fuzz {
@@ -134,11 +135,11 @@ void CheckNextNumber(const PrinterData& data, DWORD code, uint16_t next) {
 }
 
 void CheckValidation(HANDLE printer, FuzzInput& choices) {
-    DeviceMode record = DefaultDeviceMode();
+    DeviceMode record = plain::ValidDeviceMode();
     record.pub.dmPaperSize = choices.Number<int16_t>();
     record.priv.dmPaperSize = choices.Number<int16_t>();
     ValidateDevmode(&record, printer);
-    REQUIRE(BrokenRule(record) == nullptr);
+    REQUIRE(plain::BrokenRule(record) == nullptr);
 }
 
 }  // namespace

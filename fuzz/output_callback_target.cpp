@@ -9,10 +9,10 @@
 #include "driver/job_state.h"
 #include "driver/pjl_header.h"
 #include "driver/support/text.h"
-#include "fuzz/device_mode_rules.h"
 #include "fuzz/fuzz_installation.h"
 #include "fuzz/fuzz_printer.h"
 #include "fuzz/input.h"
+#include "tests/plain/device_mode.h"
 
 namespace orvex::fuzz {
 
@@ -111,7 +111,7 @@ void FuzzOutputCallback(std::span<const uint8_t> input) {
     FuzzInstallation().WriteSettings("");
     FuzzPrinter printer;
     PDEV pdev = {};
-    pdev.devmode = DefaultDeviceMode();
+    pdev.devmode = plain::ValidDeviceMode();
     pdev.hPrinter = printer.Handle();
 
     SetUpJob(choices);

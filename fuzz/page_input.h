@@ -7,7 +7,7 @@
 
 #include "fuzz/input.h"
 #include "platform/windows.h"
-#include "tests/driver/color/plain_rows.h"
+#include "tests/plain/plain_rows.h"
 
 namespace orvex::fuzz {
 

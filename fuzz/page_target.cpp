@@ -10,13 +10,14 @@
 #include "driver/job_state.h"
 #include "driver/page_layout_input.h"
 #include "fuzz/allocation_watch.h"
-#include "fuzz/device_mode_rules.h"
 #include "fuzz/fuzz_installation.h"
 #include "fuzz/input.h"
 #include "fuzz/page_input.h"
 #include "fuzz/page_model.h"
 #include "fuzz/target.h"
-#include "tests/driver/render/plain_page.h"
+#include "tests/plain/device_mode.h"
+#include "tests/plain/device_mode_rules.h"
+#include "tests/plain/page_order.h"
 
 namespace orvex::fuzz {
 
@@ -30,7 +31,7 @@ RowOrder OrderOf(const DeviceMode& mode) {
 }
 
 DeviceMode ModeOf(FuzzInput& input) {
-    DeviceMode mode = DefaultDeviceMode();
+    DeviceMode mode = plain::ValidDeviceMode();
     const uint8_t flags = input.Byte();
     constexpr int16_t kDots[] = {1, 5, 10}, kGaps[] = {5, 10, 15}, kFrequencies[] = {0, 1, 2, 10, 20, 50};
     mode.pub.dmOrientation = flags & 1 ? DMORIENT_LANDSCAPE : DMORIENT_PORTRAIT;
@@ -46,7 +47,7 @@ DeviceMode ModeOf(FuzzInput& input) {
     mode.priv.purgeFreq = kFrequencies[input.Byte() % 6];
     mode.priv.phHOffset = static_cast<int16_t>(input.Number<uint16_t>() % 2001 - 1000);
     mode.priv.colorMode = input.Byte() % 3;
-    REQUIRE(BrokenRule(mode) == nullptr);
+    REQUIRE(plain::BrokenRule(mode) == nullptr);
     return mode;
 }
 
@@ -111,10 +112,10 @@ struct EngineCheck {
     }
 
     // The row for the engine, and the band that the bitmap is read through: 64 columns of a portrait page or
-    // a scan line of a landscape one, each in whole cache lines and one more.
+    // a scan line of a landscape one, each in an odd number of cache lines.
     void CheckMemory() const {
         const size_t bandRows = mode.pub.dmOrientation == DMORIENT_LANDSCAPE ? 1 : kBandColumns;
-        const auto pitch = static_cast<size_t>((layout.imageWidth + 15) / 16 * 16 + 16);
+        const auto pitch = static_cast<size_t>(((layout.imageWidth + 15) / 16 | 1) * 16);
         std::vector<size_t> blocks = {size_t{4} * static_cast<size_t>(layout.rowWidth), bandRows * pitch * 4};
         std::sort(blocks.begin(), blocks.end());
         REQUIRE(AllocationWatch::Live() == blocks);
@@ -146,7 +147,7 @@ struct EngineCheck {
         const plain::RowOptions options{mode.priv.kws, At600Dpi(),
                                         static_cast<uint32_t>(mode.priv.colorMode)};
         for (int32_t i = 0; i < layout.imageWidth; ++i) {
-            const uint32_t color = PlainPixel(page, OrderOf(mode), row, i);
+            const uint32_t color = plain::PagePixel(page, OrderOf(mode), row, i);
             ImageArea()[i] = plain::Print(colors.PlainInk(color), static_cast<size_t>(i), options);
         }
         if (row == 0 && expected[0] == 0) expected[0] = 2;

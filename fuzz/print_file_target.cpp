@@ -46,14 +46,14 @@ void CheckViews(const tools::view::PrintFile& file, const tools::view::PrintedPa
     REQUIRE(placement.purgeWidth + area.width == page.rowWidth);
     if (uint64_t{page.rowWidth} * page.rows > kSmallPage) return;
     for (const uint32_t scale : {1u, 3u}) {
-        const tools::view::Picture composite = tools::view::DrawComposite(file, page, area, scale);
+        const tools::Picture composite = tools::view::DrawComposite(file, page, area, scale);
         REQUIRE(composite.width == (area.width + scale - 1) / scale);
         REQUIRE(composite.height == (area.rows + scale - 1) / scale);
         REQUIRE(tools::view::DrawInk(file, page, area, scale, 3).samples.size() * 3 ==
                 composite.samples.size());
         REQUIRE(tools::view::Upright(composite, placement).samples.size() == composite.samples.size());
     }
-    const uint32_t scale = tools::view::ScaleToFit(tools::view::LayoutLength(page, placement), 200);
+    const uint32_t scale = tools::ScaleToFit(tools::view::LayoutLength(page, placement), 200);
     REQUIRE(tools::view::DrawLayout(file, page, placement, scale).height <=
             200 + 2 * tools::view::kLayoutMargin + 1);
 }

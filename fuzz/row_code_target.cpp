@@ -10,6 +10,8 @@
 
 namespace orvex::fuzz {
 
+using tools::view::DecodeRow;
+
 namespace {
 
 constexpr uint32_t kMaxWidth = 600;

@@ -1,5 +1,5 @@
-// The shell's functions: folders and paths. Apart from the rest of the system, since few need them and their
-// headers are the largest.
+// The headers of the shell, for folders and paths. They are apart because few sources need them and they are
+// the largest.
 #pragma once
 
 #include "platform/windows.h"

@@ -1,15 +1,14 @@
-// The one place that brings in the Windows headers, but for the shell's. Everything includes this instead of
-// <windows.h>.
+// The Windows headers, except those of the shell. Everything includes this instead of <windows.h>.
 #pragma once
 
 #ifndef NOMINMAX
 #define NOMINMAX
 #endif
 #ifndef WIN32_LEAN_AND_MEAN
-#define WIN32_LEAN_AND_MEAN  // without what nobody here calls, which takes longest to compile
+#define WIN32_LEAN_AND_MEAN  // leaves out what nothing here calls and takes longest to compile
 #endif
 
-// <windows.h> goes first: the others rely on it.
+// The others need <windows.h> before them.
 // clang-format off
 #include <windows.h>
 #include <winspool.h>

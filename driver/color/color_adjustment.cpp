@@ -7,8 +7,6 @@
 #include "driver/color/color_cache.h"
 #include "driver/color/ink_grid.h"
 #include "driver/color/lab_color.h"
-#include "driver/support/log.h"
-#include "driver/support/settings_file.h"
 
 namespace orvex {
 
@@ -28,44 +26,15 @@ struct Hue {
     double a, b;
 };
 
-// How far every colour moves.
-struct Movement {
-    double tone, brightness, saturation, cyan, black, yellow, magenta;
-};
-
-double Scale(const char* key, double absent) {
-    return LookupNumber("[Color]", key, absent);
-}
-
-// Deliberate: tone, saturation, brightness and black are divided by their scales, the three colours
-// multiplied.
-Movement MovementOf(const int32_t (&values)[kAdjustmentValues]) {
-    const double toneScale = Scale("tone_scale=", 100);
-    const double saturationScale = Scale("saturation_scale=", 100);
-    const double brightnessScale = Scale("brightness_scale=", 100);
-    const double blackScale = Scale("black_scale=", 200);
-    const double yellowScale = Scale("yellow_scale=", 100);
-    const double cyanScale = Scale("cyan_scale=", 100);
-    const double magentaScale = Scale("magenta_scale=", 100);
-    return {.tone = values[kTone] / toneScale * 7000 * 0.5,
-            .brightness = values[kBrightness] / brightnessScale * 0.5,
-            .saturation = values[kSaturation] / saturationScale,
-            .cyan = values[kCyan] * cyanScale * 0.5,
-            .black = kMaxLightness / blackScale * 0.5 * values[kBlack],
-            .yellow = values[kYellow] * yellowScale * 0.5,
-            .magenta = values[kMagenta] * magentaScale * 0.5};
-}
-
-// The nearer bound of what lies outside; the lower one also of what is no number, as a scale of 0 can make
-// it.
+// Returns the nearer bound for a value outside them, and the lower one for NaN, which a scale of 0 can cause.
 double Bounded(double value, double lower, double upper) {
     return value > lower ? std::min(value, upper) : lower;
 }
 
-// Moves colours in CIELAB.
+// Moves colors in CIELAB.
 class Mover {
   public:
-    explicit Mover(const Movement& movement)
+    explicit Mover(const ColorMovement& movement)
         : movement_(movement),
           // Darkening acts four times as strongly as lightening.
           exponent_(movement.brightness < 0 ? 1 - 3 * movement.brightness : 1 - 0.75 * movement.brightness) {
@@ -84,18 +53,18 @@ class Mover {
     }
 
   private:
-    Movement movement_;
+    ColorMovement movement_;
     double exponent_;
-    double inksA_, inksB_;  // where the three inks pull
+    double inksA_, inksB_;  // the pull of the three inks
 };
 
-// A component as a whole number, 255 at most.
+// Truncates a component to a whole number, 255 at most.
 int Component(double value) {
     return static_cast<int>(std::min(value, 255.0));
 }
 
-// What `grid` holds for the colour to which that of a grid point moves.
-uint32_t MovedInk(const InkGrid& grid, const Mover& move, int red, int green, int blue) {
+// Returns the ink value in `grid` of the color that this grid point is moved to.
+InkValue MovedInk(const InkGrid& grid, const Mover& move, int red, int green, int blue) {
     // Deliberate: the last step counts as 256 here, not as the 255 of the cache's grid.
     const XyzColor moved = LabToXyz(move(RgbToLab(16 * red, 16 * green, 16 * blue)));
     const RgbColor color = LabToRgb(moved.x, moved.y, moved.z);
@@ -103,30 +72,41 @@ uint32_t MovedInk(const InkGrid& grid, const Mover& move, int red, int green, in
     return GridLookup(grid, Component(color.b), Component(color.g), Component(color.r), flag);
 }
 
-void MoveGrid(const InkGrid& grid, const Mover& move, InkGrid* moved) {
+// Stores the moved inks of `grid` at the grid points of `table`.
+void StoreMovedGrid(const InkGrid& grid, const Mover& move, InkValue* table) {
     for (int red = 0; red < kGridSteps; ++red) {
         for (int green = 0; green < kGridSteps; ++green) {
             for (int blue = 0; blue < kGridSteps; ++blue) {
-                moved->inks[InkGrid::Index(red, green, blue)] = MovedInk(grid, move, red, green, blue);
+                table[ColorIndex(GridValue(red), GridValue(green), GridValue(blue))] =
+                    MovedInk(grid, move, red, green, blue);
             }
         }
     }
-    // White paper keeps what the profile gives it: no ink.
-    moved->inks[kGridPoints - 1] = grid.inks[kGridPoints - 1];
+    // White paper keeps the ink that the profile gives it: none.
+    table[ColorIndex(255, 255, 255)] = grid.inks[kGridPoints - 1];
 }
+
+// The grid before the adjustment, too large for a thread's stack. Colors are adjusted at a job's start, of
+// which there is one at a time.
+InkGrid unadjusted;
 
 }  // namespace
 
-void AdjustColors(const int32_t (&values)[kAdjustmentValues]) {
-    InkGrid grid, moved;
-    CopyGridOut(g_colorCache, &grid);
-    const Movement by = MovementOf(values);
-    LogError("ca %lf,%lf,%lf,%lf,%lf,%lf,%lf\n", by.tone, by.brightness, by.saturation, by.cyan, by.black,
-             by.yellow, by.magenta);
-    MoveGrid(grid, Mover(by), &moved);
+ColorMovement MovementOf(const int32_t (&values)[kAdjustmentValues], const AdjustmentScales& scales) {
+    return {.tone = values[kTone] / scales.tone * 7000 * 0.5,
+            .brightness = values[kBrightness] / scales.brightness * 0.5,
+            .saturation = values[kSaturation] / scales.saturation,
+            .cyan = values[kCyan] * scales.cyan * 0.5,
+            .black = kMaxLightness / scales.black * 0.5 * values[kBlack],
+            .yellow = values[kYellow] * scales.yellow * 0.5,
+            .magenta = values[kMagenta] * scales.magenta * 0.5};
+}
+
+void AdjustColors(const int32_t (&values)[kAdjustmentValues], const AdjustmentScales& scales) {
+    CopyGridOut(g_colorCache, &unadjusted);
     static_assert(kNotComputed == 0xFFFFFFFF);
     memset(g_colorCache, 0xFF, sizeof g_colorCache);
-    CopyGridIn(moved, g_colorCache);
+    StoreMovedGrid(unadjusted, Mover(MovementOf(values, scales)), g_colorCache);
     SetCacheKind(kGrid);
 }
 

@@ -5,19 +5,19 @@
 
 namespace orvex {
 
-alignas(16) uint32_t g_colorCache[kCacheEntries];
+alignas(16) InkValue g_colorCache[kCacheEntries];
 int32_t g_cacheKind = kEntries;
 
 namespace {
 
-// Of the table, while its kind is kGrid and no grid point is missing.
+// Compact copy of the cache's grid points; valid while `gridCopied`, as no point is missing then.
 GridCopy gridCopy;
 bool gridCopied = false;
 
-// Whether a look-up left its entry missing.
+// A look-up has left its entry missing.
 bool leftMissing = false;
 
-// What each amount of an ink leaves of the light: as a share of it, and of 255.
+// The light that each amount of an ink lets through: its share, and that share of 255.
 constexpr struct LightShares {
     constexpr LightShares() {
         for (int amount = 0; amount < 256; ++amount) {
@@ -29,26 +29,26 @@ constexpr struct LightShares {
     double light[256] = {};
 } kShares;
 
-// The sum of some ink values as colours of light.
+// The sum of some ink values, taken as colors of light.
 class LightSum {
   public:
-    void Add(uint32_t ink) {
-        const double unblackened = kShares.left[ink & 0xFF];
-        red_ += Through(ink >> 8, unblackened);
-        green_ += Through(ink >> 16, unblackened);
-        blue_ += Through(ink >> 24, unblackened);
+    void Add(InkValue inks) {
+        const double unblackened = kShares.left[InkAmount(inks, kBlackInk)];
+        red_ += Through(InkAmount(inks, kCyanInk), unblackened);
+        green_ += Through(InkAmount(inks, kMagentaInk), unblackened);
+        blue_ += Through(InkAmount(inks, kYellowInk), unblackened);
     }
-    // The average of 2^shift values, as ink.
-    uint32_t Average(int shift) const {
+    // Returns the average of 2^shift values, as ink.
+    InkValue Average(int shift) const {
         return GenericInkConversion(static_cast<uint8_t>(red_ >> shift),
                                     static_cast<uint8_t>(green_ >> shift),
                                     static_cast<uint8_t>(blue_ >> shift), kFullInk);
     }
 
   private:
-    // What an ink lets through of the light that it takes, truncated to a byte.
-    static uint32_t Through(uint32_t ink, double unblackened) {
-        return static_cast<uint32_t>(kShares.light[ink & 0xFF] * unblackened);
+    // Returns the light that passes an amount of ink and the black, truncated to a byte.
+    static uint32_t Through(uint32_t amount, double unblackened) {
+        return static_cast<uint32_t>(kShares.light[amount] * unblackened);
     }
     uint32_t red_ = 0;
     uint32_t green_ = 0;
@@ -67,10 +67,10 @@ bool InksAreSettled() {
     return !leftMissing;
 }
 
-uint32_t LookupColor(uint32_t pixel) {
-    uint32_t& entry = g_colorCache[pixel & kColorBits];
+InkValue LookupColor(uint32_t pixel) {
+    InkValue& entry = g_colorCache[pixel & kColorBits];
     if (entry != kNotComputed) return entry;
-    // No mix of points that are all there is the sentinel.
+    // Points that are all there never mix to kNotComputed.
     if (gridCopied) return entry = gridCopy.Interpolate(pixel);
     const uint8_t blue = static_cast<uint8_t>(pixel);
     const uint8_t green = static_cast<uint8_t>(pixel >> 8);
@@ -86,16 +86,16 @@ uint32_t LookupColor(uint32_t pixel) {
     return entry;
 }
 
-void AverageHalfGridEntry(uint8_t blue, uint8_t green, uint8_t red, uint32_t* entry) {
-    // Deliberate: the neighbours lie around the byte-reversed colour, blue in the high byte and red in the
+void AverageHalfGridEntry(uint8_t blue, uint8_t green, uint8_t red, InkValue* entry) {
+    // Deliberate: the neighbors lie around the byte-reversed color, blue in the high byte and red in the
     // low one.
     const uint32_t components[] = {red, green, blue};
     uint32_t base = 0;
-    uint32_t steps[3];  // from the base to the upper neighbour, along each odd component
+    uint32_t steps[3];  // from the base to the upper neighbor, along each odd component
     int odd = 0;
     for (int i = 0; i < 3; ++i) {
         base |= (components[i] & 0xFE) << 8 * i;
-        // There is no even component above 255: it counts as its lower neighbour, 254.
+        // No even component lies above 255, which counts as its lower neighbor, 254.
         if (components[i] % 2 == 1 && components[i] != 255) steps[odd++] = 2u << 8 * i;
     }
     if (odd == 0) {
@@ -103,9 +103,9 @@ void AverageHalfGridEntry(uint8_t blue, uint8_t green, uint8_t red, uint32_t* en
         return;
     }
     LightSum sum;
-    for (uint32_t neighbour = 0; neighbour < 1u << odd; ++neighbour) {
+    for (uint32_t neighbor = 0; neighbor < 1u << odd; ++neighbor) {
         uint32_t index = base;
-        for (int i = 0; i < odd; ++i) index += (neighbour >> i & 1) * steps[i];
+        for (int i = 0; i < odd; ++i) index += (neighbor >> i & 1) * steps[i];
         sum.Add(g_colorCache[index]);
     }
     *entry = sum.Average(odd);

@@ -2,14 +2,14 @@
 
 #include <algorithm>
 
-#include "driver/color/color_cache.h"
+#include "driver/color/color_table.h"
 
 namespace orvex {
 
 namespace {
 
-// The conversion of one colour, component by component. Each ink depends on the colour's largest component
-// and on the one that the ink takes away, and on nothing else.
+// The conversion of one color, component by component. Each ink depends on the color's largest component and
+// on the one that the ink absorbs, and on nothing else.
 class Conversion {
   public:
     explicit Conversion(double inkScale) : range_(inkScale * 255 / 100) {}
@@ -25,12 +25,12 @@ class Conversion {
     }
 
   private:
-    double range_;  // the amount of an ink that is printed whole
+    double range_;  // full ink
 };
 
-// The conversion of every pair of a largest and another component, for whole caches.
+// The conversion of every pair of a largest and another component, for whole tables.
 struct ConversionTables {
-    explicit ConversionTables(const Conversion& conversion) {
+    void Fill(const Conversion& conversion) {
         for (uint32_t largest = 0; largest < 256; ++largest) {
             black[largest] = static_cast<uint8_t>(conversion.Black(largest));
             for (uint32_t component = 0; component <= largest; ++component) {
@@ -41,40 +41,43 @@ struct ConversionTables {
         }
     }
     uint8_t black[256];
-    uint8_t ink[256][256];    // by largest component, then the ink's own one
-    uint8_t inkOf[256][256];  // the same the other way round
+    uint8_t ink[256][256];    // by the largest component, then the ink's own
+    uint8_t inkOf[256][256];  // by the ink's own component, then the largest
 };
 
-// Fills the 256 colours of a red and a green. Up to the larger of the two it is that one which is the largest
-// component, behind it blue itself.
-void FillRow(uint32_t* row, uint32_t red, uint32_t green, const ConversionTables& tables) {
+// Scratch memory of FillWithGenericConversion, too large for a thread's stack. One table is filled at a time.
+ConversionTables tables;
+
+// Fills the 256 colors of a red and a green. The largest component is the larger of the two, and then, where
+// blue exceeds it, blue.
+void FillRow(InkValue* row, uint32_t red, uint32_t green) {
     const uint32_t larger = std::max(red, green);
     const uint8_t* yellow = tables.ink[larger];
-    const uint32_t others = tables.black[larger] | uint32_t{tables.ink[larger][red]} << 8 |
-                            uint32_t{tables.ink[larger][green]} << 16;
-    for (uint32_t blue = 0; blue <= larger; ++blue) row[blue] = others | uint32_t{yellow[blue]} << 24;
+    const InkValue others =
+        PackInks(tables.black[larger], tables.ink[larger][red], tables.ink[larger][green], 0);
+    for (uint32_t blue = 0; blue <= larger; ++blue) row[blue] = others | PackInks(0, 0, 0, yellow[blue]);
 
     const uint8_t* cyan = tables.inkOf[red];
     const uint8_t* magenta = tables.inkOf[green];
     for (uint32_t blue = larger + 1; blue < 256; ++blue) {
-        row[blue] = tables.black[blue] | uint32_t{cyan[blue]} << 8 | uint32_t{magenta[blue]} << 16;
+        row[blue] = PackInks(tables.black[blue], cyan[blue], magenta[blue], 0);
     }
 }
 
 }  // namespace
 
-uint32_t GenericInkConversion(uint8_t red, uint8_t green, uint8_t blue, double inkScale) {
+InkValue GenericInkConversion(uint8_t red, uint8_t green, uint8_t blue, double inkScale) {
     const Conversion conversion(inkScale);
     const uint32_t largest = std::max({red, green, blue});
-    return conversion.Black(largest) | conversion.Ink(largest, red) << 8 |
-           conversion.Ink(largest, green) << 16 | conversion.Ink(largest, blue) << 24;
+    return PackInks(conversion.Black(largest), conversion.Ink(largest, red), conversion.Ink(largest, green),
+                    conversion.Ink(largest, blue));
 }
 
-void FillWithGenericConversion(uint32_t* cache, double inkScale) {
-    const ConversionTables tables{Conversion(inkScale)};
+void FillWithGenericConversion(InkValue* table, double inkScale) {
+    tables.Fill(Conversion(inkScale));
     for (uint32_t red = 0; red < 256; ++red) {
         for (uint32_t green = 0; green < 256; ++green) {
-            FillRow(cache + ColorIndex(red, green, 0), red, green, tables);
+            FillRow(table + ColorIndex(red, green, 0), red, green);
         }
     }
 }

@@ -1,8 +1,10 @@
-// The built-in conversion from colours to inks, for jobs without a profile: all grey is printed with black
-// ink, so no colour gets all three of C, M and Y.
+// The built-in conversion from colors to inks, for jobs without a profile: all gray is printed with black
+// ink, so no color gets all three of C, M and Y.
 #pragma once
 
 #include <cstdint>
+
+#include "driver/color/ink.h"
 
 namespace orvex {
 
@@ -10,10 +12,10 @@ namespace orvex {
 constexpr double kFullInk = 100;
 constexpr double kHalfInk = 50;
 
-// The ink value of a colour at an ink scale in percent.
-uint32_t GenericInkConversion(uint8_t red, uint8_t green, uint8_t blue, double inkScale);
+// Returns the ink value of a color.
+InkValue GenericInkConversion(uint8_t red, uint8_t green, uint8_t blue, double inkScale);
 
-// Fills all 2^24 entries of a colour cache with their generic conversion.
-void FillWithGenericConversion(uint32_t* cache, double inkScale);
+// Fills all 2^24 entries of a color table.
+void FillWithGenericConversion(InkValue* table, double inkScale);
 
 }  // namespace orvex

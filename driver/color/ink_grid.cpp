@@ -6,20 +6,7 @@ namespace orvex {
 
 namespace {
 
-// Calls visit(index in the cache, index in the grid) for every grid point.
-template <typename Visit>
-void ForEachGridPoint(Visit visit) {
-    for (int red = 0; red < kGridSteps; ++red) {
-        for (int green = 0; green < kGridSteps; ++green) {
-            for (int blue = 0; blue < kGridSteps; ++blue) {
-                visit(ColorIndex(GridValue(red), GridValue(green), GridValue(blue)),
-                      InkGrid::Index(red, green, blue));
-            }
-        }
-    }
-}
-
-// Where a component lies between two grid points. 255 lies on the upper one.
+// Place of a component between two grid points. 255 lies on the upper one.
 struct GridSpan {
     explicit GridSpan(int component) {
         const int value = std::clamp(component, 0, 255);
@@ -30,40 +17,43 @@ struct GridSpan {
     uint32_t fraction;  // in sixteenths
 };
 
-// Sixteen times the value between two others.
+// Returns sixteen times the value between two others.
 uint32_t Between(uint32_t lower, uint32_t upper, uint32_t fraction) {
     return lower * (16 - fraction) + upper * fraction;
 }
 
 }  // namespace
 
-void CopyGridOut(const uint32_t* cache, InkGrid* grid) {
-    ForEachGridPoint([&](uint32_t color, int point) { grid->inks[point] = cache[color]; });
+void CopyGridOut(const InkValue* table, InkGrid* grid) {
+    for (int red = 0; red < kGridSteps; ++red) {
+        for (int green = 0; green < kGridSteps; ++green) {
+            for (int blue = 0; blue < kGridSteps; ++blue) {
+                grid->inks[GridIndex(red, green, blue)] =
+                    table[ColorIndex(GridValue(red), GridValue(green), GridValue(blue))];
+            }
+        }
+    }
 }
 
-void CopyGridIn(const InkGrid& grid, uint32_t* cache) {
-    ForEachGridPoint([&](uint32_t color, int point) { cache[color] = grid.inks[point]; });
-}
-
-uint32_t GridLookup(const InkGrid& grid, int blue, int green, int red, bool flag) {
+InkValue GridLookup(const InkGrid& grid, int blue, int green, int red, bool flag) {
     (void)flag;
     const GridSpan b(blue), g(green), r(red);
-    const uint32_t* corner = grid.inks + InkGrid::Index(r.lower, g.lower, b.lower);
-    uint32_t ink = 0;
-    for (int shift = 0; shift < 32; shift += 8) {
-        const auto byteAt = [&](int redStep, int greenStep, int blueStep) {
-            return corner[InkGrid::Index(redStep, greenStep, blueStep)] >> shift & 0xFF;
+    const InkValue* corner = grid.inks + GridIndex(r.lower, g.lower, b.lower);
+    InkValue inks = 0;
+    for (int ink = 0; ink < kInks; ++ink) {
+        const auto amountAt = [&](int redStep, int greenStep, int blueStep) {
+            return InkAmount(corner[GridIndex(redStep, greenStep, blueStep)], ink);
         };
         const auto alongBlue = [&](int redStep, int greenStep) {
-            return Between(byteAt(redStep, greenStep, 0), byteAt(redStep, greenStep, 1), b.fraction);
+            return Between(amountAt(redStep, greenStep, 0), amountAt(redStep, greenStep, 1), b.fraction);
         };
         const auto alongGreen = [&](int redStep) {
             return Between(alongBlue(redStep, 0), alongBlue(redStep, 1), g.fraction);
         };
         const uint32_t alongRed = Between(alongGreen(0), alongGreen(1), r.fraction);
-        ink |= alongRed / (16 * 16 * 16) << shift;
+        inks |= alongRed / (16 * 16 * 16) << 8 * ink;
     }
-    return ink;
+    return inks;
 }
 
 }  // namespace orvex

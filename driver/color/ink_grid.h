@@ -1,27 +1,21 @@
-// The 17-point grid of a colour cache, taken out of it: one ink value for each grid colour.
+// The grid points of a color table by themselves.
 #pragma once
 
 #include <cstdint>
 
-#include "driver/color/color_cache.h"
+#include "driver/color/color_table.h"
 
 namespace orvex {
 
 struct InkGrid {
-    // Red varies slowest, blue fastest.
-    uint32_t inks[kGridPoints];
-
-    static constexpr int Index(int redStep, int greenStep, int blueStep) {
-        return (redStep * kGridSteps + greenStep) * kGridSteps + blueStep;
-    }
+    InkValue inks[kGridPoints];  // by GridIndex
 };
 
-// Copies the grid out of a cache, as its entries are stored; and back into it.
-void CopyGridOut(const uint32_t* cache, InkGrid* grid);
-void CopyGridIn(const InkGrid& grid, uint32_t* cache);
+// Copies the grid out of a table, with the entries as they are stored.
+void CopyGridOut(const InkValue* table, InkGrid* grid);
 
-// The ink value of a colour between the grid points, linear along blue, green and red. Components outside 0
-// to 255 count as the nearer of the two. The flag has no effect.
-uint32_t GridLookup(const InkGrid& grid, int blue, int green, int red, bool flag);
+// Returns the ink value of a color between the grid points, linear along blue, green and red. Components
+// outside 0 to 255 count as the nearer of the two. The flag has no effect.
+InkValue GridLookup(const InkGrid& grid, int blue, int green, int red, bool flag);
 
 }  // namespace orvex

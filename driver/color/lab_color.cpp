@@ -11,7 +11,7 @@ namespace {
 constexpr double kWhiteX = 0.950456;
 constexpr double kWhiteZ = 1.088754;
 
-// The straight part of the lightness curve near black, and where it ends on either side.
+// The straight part of the lightness curve near black, and its end on either axis.
 constexpr double kCurveEnd = 0.008856451679035631;
 constexpr double kCurveValueEnd = 0.20689655172413793;
 constexpr double kCurveSlope = 7.787037037037037;

@@ -15,59 +15,60 @@ namespace {
 constexpr uint32_t kPatternSteps = 4;
 
 // A faint dot for each pixel that would get no ink, one ink at a time: K, C, M, Y.
-constexpr uint32_t kLightPattern[kPatternSteps] = {0x00000002, 0x00000200, 0x00020000, 0x02000000};
-constexpr uint32_t kHeavyPattern[kPatternSteps] = {0x00000004, 0x00000400, 0x00040000, 0x04000000};
+constexpr InkValue kLightPattern[kPatternSteps] = {0x00000002, 0x00000200, 0x00020000, 0x02000000};
+constexpr InkValue kHeavyPattern[kPatternSteps] = {0x00000004, 0x00000400, 0x00040000, 0x04000000};
 
-const uint32_t* BlankPattern(uint32_t light) {
+const InkValue* BlankPattern(uint32_t light) {
     return light != 0 ? kLightPattern : kHeavyPattern;
 }
 
-// How dark an ink value is, 0 to 255. Each ink counts by the light that it takes, darkened by black: magenta
-// by green, cyan by red, yellow by blue.
-uint32_t GrayWeight(uint32_t ink) {
-    const uint32_t k = ink & 0xFF, c = ink >> 8 & 0xFF, m = ink >> 16 & 0xFF, y = ink >> 24;
+// Returns how dark an ink value is, 0 to 255; as an ink value, that is a gray of K alone. Each ink counts by
+// the light that it takes, darkened by black: magenta by green, cyan by red, yellow by blue.
+uint32_t GrayWeight(InkValue inks) {
+    const uint32_t k = InkAmount(inks, kBlackInk), c = InkAmount(inks, kCyanInk),
+                   m = InkAmount(inks, kMagentaInk), y = InkAmount(inks, kYellowInk);
     return std::min(static_cast<uint32_t>((m + k) * 0.587 + (c + k) * 0.299 + (y + k) * 0.114), 255u);
 }
 
-// The composite grey of each grey weight. Cyan is held at 80 % of magenta and yellow.
+// The composite gray of each gray weight. Cyan is kept at 80 % of magenta and yellow.
 constexpr auto kCompositeGrays = [] {
-    std::array<uint32_t, 256> grays{};
+    std::array<InkValue, 256> grays{};
     for (uint32_t weight = 0; weight < 256; ++weight) {
         const uint32_t magentaAndYellow = static_cast<uint32_t>(weight * 0.67);
         const uint32_t cyan = static_cast<uint32_t>(magentaAndYellow * 0.8);
-        grays[weight] = magentaAndYellow << 24 | magentaAndYellow << 16 | cyan << 8;
+        grays[weight] = PackInks(0, cyan, magentaAndYellow, magentaAndYellow);
     }
     return grays;
 }();
 
-uint32_t CompositeGray(uint32_t ink) {
-    return kCompositeGrays[GrayWeight(ink)];
+InkValue CompositeGray(InkValue inks) {
+    return kCompositeGrays[GrayWeight(inks)];
 }
 
-// What is printed for an ink value. No ink stays no ink in each of them.
+// Each of these returns what is printed for an ink value; no ink stays no ink.
 struct InColor {
-    uint32_t operator()(uint32_t ink) const { return ink; }
+    InkValue operator()(InkValue inks) const { return inks; }
 };
 
-// A grey takes some arithmetic, and is mostly the one of the pixel before.
-template <uint32_t (*Gray)(uint32_t ink)>
+// Computing a gray is costly and neighbors usually share it, so the last one is kept.
+template <InkValue (*Gray)(InkValue inks)>
 class InGray {
   public:
-    uint32_t operator()(uint32_t ink) {
-        if (ink != ink_) {
-            ink_ = ink;
-            gray_ = Gray(ink);
+    InkValue operator()(InkValue inks) {
+        if (inks != inks_) {
+            inks_ = inks;
+            gray_ = Gray(inks);
         }
         return gray_;
     }
 
   private:
-    uint32_t ink_ = 0;
-    uint32_t gray_ = 0;
+    InkValue inks_ = 0;
+    InkValue gray_ = 0;
 };
 
-// The pixels of a row are taken in blocks, since most of a label is blocks of one colour. A block is some
-// turns of the blank-pixel pattern.
+// Rows are converted in blocks, since large parts of a label have one color. The blank-pixel pattern fits
+// into a block a whole number of times.
 constexpr uint32_t kBlock = 2 * kPatternSteps;
 
 __m128i LoadFour(const uint32_t* pixels) {
@@ -83,9 +84,9 @@ bool IsOneColor(const uint32_t* pixels) {
     return _mm_movemask_epi8(same) == 0xFFFF;
 }
 
-// How far ahead of the conversion the cache's entries are fetched: most of them are far apart, and many of
-// them can be on their way at once. They are fetched into the second-level cache, since the first level would
-// lose them again before their turn.
+// Pixels between the one that is converted and the one whose entry is fetched. Entries lie far apart, and
+// many can be on their way at once. They are fetched into the second-level cache: the first level would lose
+// them again before their turn.
 constexpr uint32_t kAhead = 128;
 
 void FetchEntries(const uint32_t* pixels) {
@@ -98,10 +99,10 @@ void FetchEntries(const uint32_t* pixels) {
 template <typename Printed>
 class RowConverter {
   public:
-    explicit RowConverter(const uint32_t* pattern) : pattern_(pattern) {}
+    explicit RowConverter(const InkValue* pattern) : pattern_(pattern) {}
 
-    void Convert(uint32_t* destination, const uint32_t* source, uint32_t count) {
-        uint32_t block[kBlock];  // what the last block of one colour printed
+    void Convert(InkValue* destination, const uint32_t* source, uint32_t count) {
+        InkValue block[kBlock];  // what the last block of one color printed
         uint32_t color = 0;      // its pixel
         bool known = false;
         for (; count >= kBlock; destination += kBlock, source += kBlock, count -= kBlock) {
@@ -113,8 +114,8 @@ class RowConverter {
             if (!known || source[0] != color) {
                 color = source[0];
                 for (uint32_t i = 0; i < kBlock; ++i) block[i] = ConvertPixel(color, i);
-                // An ink that is not settled may be another one at the color's next block. Within a block it
-                // is not: a look-up that leaves its entry missing changes nothing.
+                // An ink that is not settled may differ at the color's next block. It is the same all through
+                // a block: a look-up that leaves its entry missing changes nothing.
                 known = InksAreSettled();
             }
             memcpy(destination, block, sizeof block);
@@ -123,34 +124,34 @@ class RowConverter {
     }
 
   private:
-    // Of a block, or of what is left behind the last one.
-    void ConvertPixels(uint32_t* destination, const uint32_t* source, uint32_t count) {
+    // Converts the pixels of a block one by one, or those after the last block.
+    void ConvertPixels(InkValue* destination, const uint32_t* source, uint32_t count) {
         for (uint32_t i = 0; i < count; ++i) destination[i] = ConvertPixel(source[i], i);
     }
-    // What a pixel at the given place of its block prints.
-    uint32_t ConvertPixel(uint32_t pixel, uint32_t place) {
-        uint32_t ink = g_colorCache[pixel & kColorBits];
-        if (ink == kNotComputed) [[unlikely]]
-            ink = LookupColor(pixel);
-        if (ink == 0 && pattern_ != nullptr) return pattern_[place % kPatternSteps];
-        return printed_(ink);
+    // Returns what a pixel at the given place of its block prints.
+    InkValue ConvertPixel(uint32_t pixel, uint32_t place) {
+        InkValue inks = g_colorCache[pixel & kColorBits];
+        if (inks == kNotComputed) [[unlikely]]
+            inks = LookupColor(pixel);
+        if (inks == 0 && pattern_ != nullptr) return pattern_[place % kPatternSteps];
+        return printed_(inks);
     }
 
-    const uint32_t* pattern_;
+    const InkValue* pattern_;
     Printed printed_;
 };
 
 }  // namespace
 
-int32_t ConvertRow(uint32_t* destination, const uint32_t* source, uint32_t count, uint32_t reserved,
-                   int32_t kws, uint32_t lightPattern, uint32_t grayMode) {
+int32_t ConvertRow(InkValue* destination, const uint32_t* source, uint32_t count, uint32_t reserved,
+                   int32_t kws, uint32_t lightPattern, uint32_t colorMode) {
     (void)reserved;
-    const uint32_t* pattern = kws != 0 ? BlankPattern(lightPattern) : nullptr;
-    switch (grayMode) {
-        case kCompositeGray:
+    const InkValue* pattern = kws != 0 ? BlankPattern(lightPattern) : nullptr;
+    switch (colorMode) {
+        case kColorModeCompositeGray:
             RowConverter<InGray<CompositeGray>>(pattern).Convert(destination, source, count);
             break;
-        case kBlackOnlyGray:
+        case kColorModeBlackGray:
             RowConverter<InGray<GrayWeight>>(pattern).Convert(destination, source, count);
             break;
         default:
@@ -160,8 +161,8 @@ int32_t ConvertRow(uint32_t* destination, const uint32_t* source, uint32_t count
     return 0;
 }
 
-void FillBlankPattern(uint32_t* destination, uint32_t count, uint32_t lightPattern) {
-    const uint32_t* pattern = BlankPattern(lightPattern);
+void FillBlankPattern(InkValue* destination, uint32_t count, uint32_t lightPattern) {
+    const InkValue* pattern = BlankPattern(lightPattern);
     for (uint32_t i = 0; i < count; ++i) destination[i] = pattern[i % kPatternSteps];
 }
 

@@ -3,24 +3,19 @@
 
 #include <cstdint>
 
+#include "driver/color/color_mode.h"
+#include "driver/color/ink.h"
+
 namespace orvex {
 
-// The device mode's colorMode. Any other value prints in colour.
-enum GrayMode : uint32_t {
-    kColor = 0,
-    kCompositeGray = 1,  // greys out of C, M and Y, without black ink
-    kBlackOnlyGray = 2,  // greys out of K alone
-};
-
-// Converts `count` pixels of `source` through the colour cache into `destination`, which may be the same
+// Converts `count` pixels of `source` through the color cache into `destination`, which may be the same
 // buffer. With `kws` non-zero, pixels without ink get the blank-pixel pattern, which starts anew with each
-// call: the light one when `lightPattern` is non-zero, else the heavy one. `greyMode` is a GreyMode.
-// `reserved` is not used. Always 0.
-int32_t ConvertRow(uint32_t* destination, const uint32_t* source, uint32_t count, uint32_t reserved,
-                   int32_t kws, uint32_t lightPattern, uint32_t grayMode);
+// call: the light one when `lightPattern` is non-zero, else the heavy one. `reserved` is not used. Always
+// returns 0.
+int32_t ConvertRow(InkValue* destination, const uint32_t* source, uint32_t count, uint32_t reserved,
+                   int32_t kws, uint32_t lightPattern, uint32_t colorMode);
 
-// Writes the blank-pixel pattern over `count` pixels, from its first position on: the light one when
-// `lightPattern` is non-zero, else the heavy one.
-void FillBlankPattern(uint32_t* destination, uint32_t count, uint32_t lightPattern);
+// Writes the blank-pixel pattern over `count` pixels, starting with its first ink.
+void FillBlankPattern(InkValue* destination, uint32_t count, uint32_t lightPattern);
 
 }  // namespace orvex

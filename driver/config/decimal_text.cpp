@@ -1,6 +1,5 @@
 #include "driver/config/decimal_text.h"
 
-#include <algorithm>
 #include <clocale>
 #include <cstdlib>
 #include <cstring>
@@ -12,11 +11,8 @@ namespace orvex {
 
 namespace {
 
-// White space as the "C" locale has it.
-constexpr std::string_view kWhitespace = " \t\n\v\f\r";
-
-// A text of fewer bytes, as the length of a label, needs no memory: a label does not lose its size for want
-// of some.
+// Texts of fewer bytes, such as the length of a label, are read without an allocation: a label keeps its size
+// when the process is out of memory.
 constexpr size_t kShortText = 64;
 
 bool IsDecimal(std::string_view text) {
@@ -50,17 +46,10 @@ DWORD ParseDecimal(std::string_view text, double* out) {
     }
     char* copy = longCopy ? longCopy.get() : shortCopy;
     CopyText(copy, size, text);
-    // atof reads the point of the process's locale.
+    // atof expects the decimal point of the process's locale.
     if (char* point = strchr(copy, '.')) *point = *localeconv()->decimal_point;
     *out = atof(copy);
     return ERROR_SUCCESS;
-}
-
-void TrimWhitespace(char* text) {
-    std::string_view kept = text;
-    kept.remove_prefix(std::min(kept.find_first_not_of(kWhitespace), kept.size()));
-    kept = kept.substr(0, kept.find_last_not_of(kWhitespace) + 1);
-    CopyText(text, strlen(text) + 1, kept);
 }
 
 }  // namespace orvex

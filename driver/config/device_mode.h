@@ -6,6 +6,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "driver/color/color_mode.h"
+#include "driver/render/alignment.h"
 #include "platform/windows.h"
 
 namespace orvex {
@@ -18,55 +20,53 @@ constexpr int16_t kPaperCustom = 256;      // DMPAPER_USER: a free custom size
 constexpr int16_t kPaperDefault = 257;     // the built-in default label
 constexpr int16_t kPaperFirstLabel = 258;  // labels of the printer's own list begin here
 
-// Paper size in tenths of a millimetre that stands in for one out of range.
+// Paper size that replaces one out of range; tenths of a millimeter.
 constexpr int16_t kDefaultPaperLength = 2159;
 constexpr int16_t kDefaultPaperWidth = 2794;
 
-// Device resolutions in dots per inch; the last one stands in for any other value.
-constexpr int16_t kResolutions[] = {600, 300};
+// Device resolutions in dots per inch; the default replaces any other value.
+inline constexpr int16_t kResolutions[] = {300, 600};
 constexpr int16_t kDefaultResolution = 300;
 
-enum : int32_t { kColorModeColor = 0, kColorModeCompositeGray = 1, kColorModeBlackGray = 2 };
-enum : int16_t { kAlignRight = 0, kAlignCentre = 1, kAlignLeft = 2 };
-enum : uint32_t { kUnitsMillimetres = 0, kUnitsInches = 1 };  // any other value: tenths of a millimetre
+enum : uint32_t { kUnitsMillimeters = 0, kUnitsInches = 1 };  // any other value: tenths of a millimeter
 
-// Flags are 32-bit numbers that must be 0 or 1. Texts are zero-terminated and may fill their field without
-// one.
+// The private part in the order of storage. Flags are 0 or 1. Texts end at a zero character or fill their
+// field. device_mode_fields.h has the valid values.
 struct PrivateDevMode {
-    uint32_t signature;        // kPrivateSignature
-    int32_t colorAdjust;       // flag
-    int32_t printSetting;      // 0 to 3; kept for others, read by nothing here
-    int32_t rotate180;         // flag
-    int32_t mirrorImage;       // flag
-    int32_t jobCapture;        // flag
-    int32_t noPrint;           // flag
-    int32_t stitched;          // flag
-    char labelName[64];        // name of the chosen label
-    int32_t usePrivateCopies;  // flag
-    int16_t copies;            // 1 to 10000
-    int16_t chunksize;         // pages, 30 to 10000
-    int32_t chunkActive;       // flag
-    int16_t alignment;         // under the print head: 0 far end, 1 centred, 2 near end
+    uint32_t signature;  // kPrivateSignature
+    int32_t colorAdjust;
+    int32_t printSetting;  // kept for others; the driver reads it nowhere
+    int32_t rotate180;
+    int32_t mirrorImage;
+    int32_t jobCapture;
+    int32_t noPrint;
+    int32_t stitched;
+    char labelName[64];  // name of the chosen label
+    int32_t usePrivateCopies;
+    int16_t copies;
+    int16_t chunksize;  // pages
+    int32_t chunkActive;
+    int16_t alignment;  // under the print head
     uint8_t reserved110[2];
-    int32_t feedSide;   // flag
-    int16_t overspray;  // 0 to 3
+    int32_t feedSide;
+    int16_t overspray;
     uint8_t reserved118[2];
-    int32_t kws;            // flag: blank pixels get a faint pattern
-    int32_t kws_fullwidth;  // flag: fill the whole width of the print head
+    int32_t kws;            // blank pixels get a faint pattern
+    int32_t kws_fullwidth;  // the whole width of the print head is filled
     int16_t purgeBar;       // 0 off, 1 leading, 2 trailing
-    int16_t purgeDots;      // pixels: 1, 5 or 10
-    int16_t purgeGap;       // mm: 5, 10 or 15
-    int16_t purgeFreq;      // pages: 0 (first page only), 1, 2, 10, 20 or 50
-    int16_t dmPaperSize;    // the label number that the label fields describe
+    int16_t purgeDots;      // pixels
+    int16_t purgeGap;       // millimeters
+    int16_t purgeFreq;      // pages; 0: the first page only
+    int16_t dmPaperSize;    // number of the label that the label fields describe
     uint8_t reserved138[2];
-    uint32_t units;         // of width_string and length_string: 0 mm, 1 inches, other tenths of a millimetre
-    char width_string[8];   // decimal text
-    char length_string[8];  // decimal text
-    WCHAR colorProfile[kMaxProfileName];  // file name in the profiles folder; empty = none chosen
-    int16_t phHOffset;                    // print-head offset across, tenths of a millimetre, -1000 to 1000
-    int16_t phVOffset;                    // print-head offset along, tenths of a millimetre, -250 to 250
-    int32_t colorMode;                    // 0 colour, 1 composite grey, 2 black-only grey
-    int8_t adj_brightness;                // the seven adjustments: -100 to 100
+    uint32_t units;                       // of width_string and length_string
+    char width_string[8];                 // decimal text
+    char length_string[8];                // decimal text
+    WCHAR colorProfile[kMaxProfileName];  // file name in the profiles folder; empty: none chosen
+    int16_t phHOffset;                    // print-head offset across, tenths of a millimeter
+    int16_t phVOffset;                    // print-head offset along, tenths of a millimeter
+    int32_t colorMode;
+    int8_t adj_brightness;
     int8_t adj_colortone;
     int8_t adj_saturation;
     int8_t adj_cyan;
@@ -90,7 +90,7 @@ static_assert(offsetof(PrivateDevMode, phHOffset) == 680);
 static_assert(offsetof(PrivateDevMode, colorMode) == 684);
 static_assert(offsetof(PrivateDevMode, adj_black) == 694);
 
-// The driver's own record: what SetupDefaultDevMode builds and a device instance holds.
+// The driver's own record, as a device instance has it.
 struct DeviceMode {
     DEVMODEW pub;
     PrivateDevMode priv;
@@ -99,23 +99,24 @@ struct DeviceMode {
 static_assert(sizeof(DeviceMode) == 916);
 static_assert(offsetof(DeviceMode, priv) == 220);
 
-// A record from outside ends at its own dmSize + dmDriverExtra; its private part begins at its dmSize. It
-// must have the bytes up to dmDriverExtra; one whose dmSize does not cover them has no private part.
+// The functions below take records from outside. Such a record has at least the bytes through dmDriverExtra
+// and ends at its own dmSize + dmDriverExtra; its private part begins at its dmSize. A record whose dmSize
+// does not cover dmDriverExtra has no private part.
 
-// Bytes of the record's private part.
+// Returns the bytes of the record's private part.
 size_t PrivateSize(const DEVMODEW* record);
 
-// The record's private part, PrivateSize() bytes, at any alignment.
+// Returns the record's private part: PrivateSize() bytes, at any alignment.
 const void* PrivatePart(const DEVMODEW* record);
 
-// The record in the driver's own layout. What lies past its end reads as zero or empty.
+// Copies the record into the driver's own layout. What lies past its end reads as zero or empty.
 DeviceMode LoadDevMode(const DEVMODEW* record);
 
 // Writes `values` back to the record that they were loaded from, as far as it reaches.
 void StoreDevMode(DEVMODEW* record, const DeviceMode& values);
 
 // Writes the whole record to the diagnostic log, at Trace; a record whose dmSize is not 220 gives one line at
-// Info. A null record gives none.
+// Info, a null record none.
 void DumpDevMode(const DEVMODEW* record);
 
 }  // namespace orvex

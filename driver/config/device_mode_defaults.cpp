@@ -22,7 +22,7 @@ static_assert(kDefaultFields == 0x0001CF03);
 
 constexpr size_t kSettingCapacity = 254;  // of a value in settings.inf, terminator included
 
-// Reads a value of "[UI]", without the white space around it. False when it is not there.
+// Reads a value of "[UI]" without the white space around it. Returns false when it is not there.
 bool ReadSetting(const char* key, char (&value)[kSettingCapacity]) {
     if (LookupString("[UI]", key, value, sizeof value) == 0) return false;
     TrimWhitespace(value);
@@ -56,13 +56,12 @@ void SetPublicDefaults(DEVMODEW* pub) {
     pub->dmYResolution = kDefaultResolution;
     CopyText(pub->dmFormName, FieldText(L"Custom"));
     pub->dmPaperSize = kPaperDefault;
-    // Deliberate: 11 inches wide and 8.5 long, while the private texts say the opposite, until a label is
-    // chosen.
+    // Deliberate: 11 inches wide and 8.5 long. The private texts say the opposite until a label is chosen.
     pub->dmPaperLength = kDefaultPaperLength;
     pub->dmPaperWidth = kDefaultPaperWidth;
 }
 
-// What is not named here stays 0, the purge group too: its real defaults come with validation.
+// Sets what is not 0 by default. The purge group is 0 until validation, which supplies its real defaults.
 void SetPrivateDefaults(PrivateDevMode* priv) {
     priv->signature = kPrivateSignature;
     priv->printSetting = 1;
@@ -78,12 +77,12 @@ void TakeDefaultLabel(DeviceMode* record) {
     const PrivateDevMode& priv = record->priv;
     if (pub.dmPaperSize == priv.dmPaperSize) return;
     pub.dmPaperSize = priv.dmPaperSize;
-    pub.dmPaperWidth = LabelLengthTenthsMm(FieldText(priv.width_string), priv.units);
-    pub.dmPaperLength = LabelLengthTenthsMm(FieldText(priv.length_string), priv.units);
+    SetPaperSize(&pub, FieldText(priv.width_string), FieldText(priv.length_string), priv.units);
     LogTrace("set pdm paper %d %d %d", pub.dmPaperSize, pub.dmPaperWidth, pub.dmPaperLength);
 }
 
-// The entry of `names` that settings.inf asks for; null when it asks for none or for one that is not there.
+// Returns the entry of `names` that settings.inf asks for; null when it asks for none or for one that is not
+// there.
 const WCHAR* FindWantedProfile(const WCHAR* names) {
     char setting[kSettingCapacity];
     if (!ReadSetting("Default_Profile=", setting)) return nullptr;
@@ -128,12 +127,9 @@ int ChooseDefaultMedia(HANDLE printer, char (&name)[64], char (&width)[8], char 
     char wanted[kSettingCapacity];
     if (!ReadSetting("Default_Media=", wanted)) return 1;
     LogTrace("def media:[%s]", wanted);
-    LabelSize labels[kMaxLabels];
-    uint32_t count = 0;
-    ReadPrinterLabelList(printer, labels, kMaxLabels, &count);
-    for (uint32_t i = 0; i < count; ++i) {
-        const LabelSize& label = labels[i];
-        LogTrace("%d/%d:[%s] <> [%s]", i, count, wanted, label.name);
+    const LabelList list(printer);
+    for (const LabelSize& label : list) {
+        LogTrace("%d/%d:[%s] <> [%s]", &label - list.begin(), list.Count(), wanted, label.name);
         if (FieldText(label.name) != wanted) continue;
         LogTrace("media [%s]", label.name);
         *units = label.units;

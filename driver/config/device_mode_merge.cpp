@@ -19,7 +19,8 @@ struct PublicLayout {
 };
 constexpr PublicLayout kLayouts[] = {{188, 0x0320}, {212, 0x0400}, {220, 0x0401}};
 
-// The version of a record's public layout; for an unknown layout the record's own, 0 when it has none.
+// Returns the version of a record's public layout; the record's own for an unknown layout, 0 when it has
+// none.
 WORD LayoutVersion(const DEVMODEW* record) {
     for (const PublicLayout& layout : kLayouts) {
         if (record->dmSize == layout.size) return layout.version;
@@ -27,7 +28,7 @@ WORD LayoutVersion(const DEVMODEW* record) {
     return LoadDevMode(record).pub.dmSpecVersion;
 }
 
-// A public field that a record carries when its bit is set in dmFields; the form name is copied as text.
+// A public field that is copied when its bit is set in dmFields. The form name, a text, is copied apart.
 struct FlaggedField {
     DWORD flag;
     size_t offset;
@@ -73,14 +74,14 @@ void TraceProfile(const char* format, const PrivateDevMode& priv) {
     LogTrace(format, FieldText(priv.colorProfile), priv.colorProfile[0] != 0 ? 1 : 0);
 }
 
-// Gives a source that names no profile the printer's.
+// Copies the printer's profile into a source that names none.
 bool KeepProfile(const PrivateDevMode& printers, PrivateDevMode* source) {
     if (printers.colorProfile[0] == 0 || source->colorProfile[0] != 0) return false;
     CopyText(source->colorProfile, FieldText(printers.colorProfile));
     return true;
 }
 
-// Gives a source that names no label of the printer's list the one chosen on the printer.
+// Copies the label that is chosen on the printer into a source that names none of the printer's list.
 bool KeepLabel(const DeviceMode& printers, DeviceMode* source) {
     if (printers.priv.dmPaperSize < kPaperFirstLabel || source->priv.dmPaperSize >= kPaperFirstLabel)
         return false;
@@ -95,7 +96,7 @@ bool KeepLabel(const DeviceMode& printers, DeviceMode* source) {
     return true;
 }
 
-// Deliberate: the caller's own record is written to.
+// Deliberate: this writes to the caller's own record.
 void KeepPrintersChoices(const DeviceMode& printers, DEVMODEW* source) {
     DeviceMode values = LoadDevMode(source);
     TraceProfile("pdmDest profile [%S] %d", printers.priv);

@@ -1,5 +1,4 @@
-// Bringing a device mode from outside into the driver's layout and its settings into the printer's own
-// record.
+// Conversion of a device mode from outside into the driver's layout, and its merge into the printer's record.
 #pragma once
 
 #include "driver/config/device_mode.h"
@@ -7,20 +6,20 @@
 
 namespace orvex {
 
-// Merges the caller's settings into `destination`, which holds the printer's defaults, and validates the
-// result. `source` may be of another public layout. Where it has room for a profile or a label but names none
-// of the printer's, they are written into `source` itself. Returns TRUE without doing anything when `source`
-// is null, and FALSE when it can't be read or the process is out of memory. In both cases `destination` stays
-// as it was; the defaults are not valid in every field, since only validation fills in some of them.
+// Merges the caller's settings into `destination`, the printer's defaults, and validates the result. `source`
+// may have another public layout. If it has room for a profile or a label but names none of the printer's,
+// they are written into `source` itself. Returns TRUE without doing anything when `source` is null, and FALSE
+// when it can't be converted or the process is out of memory. In both cases `destination` keeps the defaults,
+// which are not valid in every field, because only validation supplies some of them.
 BOOL MergeDevMode(DeviceMode* destination, DEVMODEW* source, HANDLE printer);
 
-// Copies as much of `in` into `out` as both declare to have; `out` keeps its layout and takes the public
-// version that belongs to it. Returns the bytes copied, public and private, or -1 when either is null or of
-// no version.
+// Copies as much of `in` into `out` as both declare to have; `out` keeps its layout and gets the public
+// version that belongs to it. Returns the bytes copied, public and private, or -1 when either record is null
+// or has no version.
 int ConvertDevMode(const DEVMODEW* in, DEVMODEW* out);
 
-// Copies the public fields that `source` flags in its dmFields, and its private part when that carries the
-// driver's signature.
+// Copies the public fields that `source` flags in its dmFields, and its private part if that has the driver's
+// signature.
 void CopyDevmode(DeviceMode* destination, const DeviceMode* source);
 
 }  // namespace orvex

@@ -1,4 +1,4 @@
-// Forcing every field of a device mode into its valid range.
+// Validation of a device mode: every field gets a valid value.
 #pragma once
 
 #include "driver/config/device_mode.h"
@@ -6,11 +6,11 @@
 
 namespace orvex {
 
-// Reconciles the paper fields, then replaces every value out of its range.
+// Reconciles the paper fields, then replaces every value that is not valid.
 void ValidateDevmode(DeviceMode* record, HANDLE printer);
 
-// Reconciles paper number, size and form name. A number that someone changed to one of the printer's labels
-// brings that label's size and name; standard sizes become a custom one.
+// Reconciles paper number, size and form name. A number that someone changed to that of a label of the
+// printer brings that label's size and name. A standard size becomes a custom one.
 void ValidateForm(DeviceMode* record, HANDLE printer);
 
 }  // namespace orvex

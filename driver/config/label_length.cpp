@@ -4,6 +4,7 @@
 
 #include "driver/config/decimal_text.h"
 #include "driver/config/device_mode.h"
+#include "driver/support/lengths.h"
 
 namespace orvex {
 
@@ -12,14 +13,8 @@ namespace {
 constexpr double kBeyond64Bits = 9223372036854775808.0;  // 2^63
 
 double TenthsMmPerUnit(uint32_t units) {
-    switch (units) {
-        case kUnitsMillimetres:
-            return 10.0;
-        case kUnitsInches:
-            return 254.0;
-        default:
-            return 1.0;
-    }
+    if (units == kUnitsInches) return kTenthsMmPerInch;
+    return units == kUnitsMillimeters ? kTenthsMmPerMm : 1;
 }
 
 }  // namespace
@@ -31,6 +26,11 @@ int16_t LabelLengthTenthsMm(std::string_view text, uint32_t units) {
     // The conversion of a double to an integer is defined only for a value that the integer can hold.
     const bool fits64Bits = std::abs(tenthsMm) < kBeyond64Bits;
     return fits64Bits ? static_cast<int16_t>(static_cast<int64_t>(tenthsMm)) : int16_t{0};
+}
+
+void SetPaperSize(DEVMODEW* pub, std::string_view width, std::string_view length, uint32_t units) {
+    pub->dmPaperWidth = LabelLengthTenthsMm(width, units);
+    pub->dmPaperLength = LabelLengthTenthsMm(length, units);
 }
 
 }  // namespace orvex

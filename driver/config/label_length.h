@@ -1,16 +1,21 @@
-// Lengths of labels: decimal text in the label's own unit, and tenths of a millimetre.
+// Lengths of labels: decimal text in the label's own unit, and tenths of a millimeter.
 #pragma once
 
 #include <cstdint>
 #include <string_view>
 
+#include "platform/windows.h"
+
 namespace orvex {
 
-// Returns the length that `text` gives in `units` (0 millimetres, 1 inches, other tenths of a millimetre) as
-// tenths of a millimetre: a half is added and the sum truncated. A text that is not a number gives 0.
+// Returns the length that `text` gives in `units` (0 millimeters, 1 inches, other tenths of a millimeter) as
+// tenths of a millimeter: a half is added and the sum truncated. A text that is not a number gives 0.
 //
 // Device modes have 16 bits for a length, so these are the low 16 bits of that whole number; one that does
 // not fit 64 bits gives 0.
 int16_t LabelLengthTenthsMm(std::string_view text, uint32_t units);
+
+// Sets the paper's width and length to those of a label.
+void SetPaperSize(DEVMODEW* pub, std::string_view width, std::string_view length, uint32_t units);
 
 }  // namespace orvex

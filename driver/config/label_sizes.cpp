@@ -6,6 +6,7 @@
 
 #include "driver/config/device_mode.h"
 #include "driver/config/spooler_queries.h"
+#include "driver/support/handle.h"
 #include "driver/support/log.h"
 #include "driver/support/text.h"
 
@@ -16,13 +17,13 @@ namespace {
 constexpr WCHAR kListKey[] = L"Label Sizes";
 constexpr DWORD kLayoutVersion = 1;
 
-// The data key of one label, by the narrow name that reads and writes use.
+// The key of one label's data, a narrow name.
 struct LabelKey {
     explicit LabelKey(uint16_t number) { snprintf(text, sizeof text, "Label Sizes\\%d", number); }
     char text[32];
 };
 
-// The printer opened once more; CloseHandle releases it.
+// The printer, opened once more to read or write one label. CloseHandle releases it.
 class LabelData {
   public:
     LabelData(HANDLE printer, DWORD access, uint16_t number)
@@ -30,7 +31,7 @@ class LabelData {
           openError_(printer_ ? DWORD{ERROR_SUCCESS} : LastFailure()),
           key_(number) {}
 
-    // 0, or why the printer could not be opened.
+    // Returns 0, or why the printer could not be opened.
     DWORD OpenError() const { return openError_; }
 
     DWORD Read(const char* value, DWORD expectedType, void* data, DWORD size) const {
@@ -43,7 +44,7 @@ class LabelData {
         return code;
     }
 
-    // Reads a text into its field, terminated whatever came.
+    // Reads a text into its field, which is terminated whatever the spooler returns.
     template <size_t N>
     DWORD ReadText(const char* value, char (&field)[N]) const {
         const DWORD code = Read(value, REG_SZ, field, N);
@@ -52,7 +53,7 @@ class LabelData {
     }
 
     DWORD Write(const char* value, DWORD type, const void* data, size_t size) const {
-        // The spooler takes a pointer to changeable bytes, but only reads them.
+        // The spooler takes a pointer to non-const bytes, but only reads them.
         BYTE* bytes = static_cast<BYTE*>(const_cast<void*>(data));
         const DWORD code =
             SetPrinterDataExA(printer_.Get(), key_.text, value, type, bytes, static_cast<DWORD>(size));
@@ -78,7 +79,7 @@ class LabelData {
 class LabelNumbers {
   public:
     // Asks the spooler. Returns 0 or a system error code; a printer without a list has no numbers, which is
-    // logged but no failure.
+    // logged but is not a failure.
     DWORD Enumerate(HANDLE printer) {
         DWORD needed = 0;
         DWORD code = EnumPrinterKeyW(printer, kListKey, nullptr, 0, &needed);
@@ -86,8 +87,7 @@ class LabelNumbers {
             LogError("Could not find label list in registry: 0x%x", code);
             return code == ERROR_FILE_NOT_FOUND ? DWORD{ERROR_SUCCESS} : code;
         }
-        // Two characters more than the last whole or broken one, so that the names end whatever the spooler
-        // writes.
+        // The names end with two zero characters even if the spooler writes every byte, or half a character.
         names_ = AllocateZeroedArray<WCHAR>(needed / sizeof(WCHAR) + 3);
         code = names_ ? EnumPrinterKeyW(printer, kListKey, names_.get(), needed, &needed)
                       : DWORD{ERROR_NOT_ENOUGH_MEMORY};
@@ -99,7 +99,7 @@ class LabelNumbers {
         return ERROR_SUCCESS;
     }
 
-    // The next number, 0 for a name that is no paper number. False at the end.
+    // Gets the next number, 0 for a name that is no paper number. Returns false at the end.
     bool Next(uint16_t* number) {
         if (next_ == nullptr || *next_ == 0) return false;
         *number = PaperNumber(next_);
@@ -154,6 +154,21 @@ DWORD ReadPrinterLabelList(HANDLE printer, LabelSize* entries, uint32_t capacity
         if (ReadLabel(printer, &entries[*count], number) == ERROR_SUCCESS) ++*count;
     }
     return trace.Code(code);
+}
+
+const LabelSize* LabelList::FirstOfNumber(int16_t number) const {
+    for (const LabelSize& label : *this) {
+        if (label.number == number) return &label;
+    }
+    return nullptr;
+}
+
+const LabelSize* LabelList::LastOfNumber(int16_t number) const {
+    const LabelSize* last = nullptr;
+    for (const LabelSize& label : *this) {
+        if (label.number == number) last = &label;
+    }
+    return last;
 }
 
 DWORD ReadLabel(HANDLE printer, LabelSize* entry, uint16_t number) {

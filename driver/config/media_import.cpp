@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "driver/config/label_sizes.h"
+#include "driver/support/handle.h"
 #include "driver/support/heap.h"
 #include "driver/support/installation.h"
 #include "driver/support/log.h"
@@ -17,7 +18,7 @@ namespace {
 constexpr DWORD kMaxFileBytes = 4095;
 constexpr std::string_view kSection = "[Media]";
 
-// Takes one line off the front of `text`, without its line feed.
+// Takes one line off the front of `text` and returns it without its line feed.
 std::string_view TakeLine(std::string_view* text) {
     const size_t end = text->find('\n');
     const std::string_view line = text->substr(0, end);
@@ -29,21 +30,21 @@ void SkipSeparators(std::string_view* line) {
     line->remove_prefix(std::min(line->find_first_not_of(" \t,"), line->size()));
 }
 
-// Takes separators and a text in double quotes off the front of `line`. False when there is none that fits
-// `field`.
+// Takes separators and a text in double quotes off the front of `line`. Returns false when there is none that
+// fits `field`.
 template <size_t N>
 bool TakeQuoted(std::string_view* line, char (&field)[N]) {
     SkipSeparators(line);
     if (!line->starts_with('"')) return false;
     const size_t end = line->find('"', 1);
-    if (end > N) return false;  // without an end quote it is npos
+    if (end > N) return false;  // npos without an end quote
     CopyText(field, line->substr(1, end - 1));
     line->remove_prefix(end + 1);
     return true;
 }
 
-// The decimal number at the front of `text` behind white space, 0 when there is none; a larger one than fits
-// is the largest.
+// Returns the decimal number at the front of `text`, after white space, 0 when there is none. A number that
+// does not fit becomes the largest one.
 int32_t ReadNumber(std::string_view text) {
     text.remove_prefix(std::min(text.find_first_not_of(" \t\v\f\r"), text.size()));
     const bool negative = text.starts_with('-');
@@ -75,7 +76,7 @@ void AddLabel(HANDLE printer, LabelSize* label) {
     LogError("Error adding label to registry!");
 }
 
-// Reads the file's text into `buffer`; empty, and logged, when there is none.
+// Reads the file's text into `buffer` and returns it. A missing or empty file is logged and gives no text.
 std::string_view ReadMediaFile(const WCHAR* folder, char (&buffer)[kMaxFileBytes]) {
     const OwnedHandle file(OpenInstallationFile(folder, L"media.inf"));
     if (!file) {

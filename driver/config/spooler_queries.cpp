@@ -8,17 +8,24 @@ namespace orvex {
 namespace {
 
 constexpr DWORD kPrinterInfoLevel = 2;
+constexpr DWORD kDriverInfoLevel = 3;
 
-// Both log the failure; its code is the last error.
+// These two log a failure. Its code is the last error.
 HeapArray<WCHAR> QueryFailed() {
     LogError("GetPrinterName: GetPrinter failed: 0x%x", GetLastError());
     return nullptr;
 }
 
-HeapArray<WCHAR> MemoryShort() {
+HeapArray<WCHAR> OutOfMemory() {
     LogError("GetPrinterName: malloc failed");
     SetLastError(ERROR_NOT_ENOUGH_MEMORY);
     return nullptr;
+}
+
+// Deliberate: the result 1797 is a failure too, although it is the code of an error and no result of the
+// call.
+bool GotDriver(BOOL result) {
+    return result != FALSE && result != ERROR_UNKNOWN_PRINTER_DRIVER;
 }
 
 }  // namespace
@@ -28,11 +35,22 @@ HeapArray<WCHAR> GetPrinterName(HANDLE printer) {
     GetPrinterW(printer, kPrinterInfoLevel, nullptr, 0, &needed);
     if (needed < sizeof(PRINTER_INFO_2W)) return QueryFailed();
     const HeapArray<BYTE> buffer = AllocateArray<BYTE>(needed);
-    if (!buffer) return MemoryShort();
+    if (!buffer) return OutOfMemory();
     if (!GetPrinterW(printer, kPrinterInfoLevel, buffer.get(), needed, &needed)) return QueryFailed();
     HeapArray<WCHAR> name =
         DuplicateText(reinterpret_cast<const PRINTER_INFO_2W*>(buffer.get())->pPrinterName);
-    return name ? std::move(name) : MemoryShort();
+    return name ? std::move(name) : OutOfMemory();
+}
+
+HeapArray<WCHAR> GetPrinterDriverName(HANDLE printer) {
+    DWORD needed = 0;
+    GetPrinterDriverW(printer, nullptr, kDriverInfoLevel, nullptr, 0, &needed);
+    if (needed < sizeof(DRIVER_INFO_3W)) return nullptr;
+    const HeapArray<BYTE> buffer = AllocateArray<BYTE>(needed);
+    if (!buffer) return nullptr;
+    if (!GotDriver(GetPrinterDriverW(printer, nullptr, kDriverInfoLevel, buffer.get(), needed, &needed)))
+        return nullptr;
+    return DuplicateText(reinterpret_cast<const DRIVER_INFO_3W*>(buffer.get())->pName);
 }
 
 HANDLE OpenPrinterWithAccess(HANDLE printer, DWORD access) {

@@ -1,4 +1,4 @@
-// Questions to the spooler about a printer that is open.
+// Queries of the spooler about an open printer.
 #pragma once
 
 #include "driver/support/heap.h"
@@ -6,16 +6,19 @@
 
 namespace orvex {
 
-// The printer's name, or null when the spooler does not tell it or memory is short; the last error then is
-// the cause.
+// Returns the printer's name; null, with the last error set, when the spooler fails or the process is out of
+// memory.
 HeapArray<WCHAR> GetPrinterName(HANDLE printer);
 
+// Returns the name of the printer's driver, or null.
+HeapArray<WCHAR> GetPrinterDriverName(HANDLE printer);
+
 // Opens the same printer once more with the rights `access`: GENERIC_READ to read its data,
-// PRINTER_ALL_ACCESS to change it. The last error is 0 on success. Null on failure, with the last error set.
-// Deliberate: callers close the handle with CloseHandle.
+// PRINTER_ALL_ACCESS to change it. The last error is 0 on success. Returns null on failure, with the last
+// error set. Deliberate: callers close the handle with CloseHandle.
 HANDLE OpenPrinterWithAccess(HANDLE printer, DWORD access);
 
-// The last error as the code of a failure: never 0.
+// Returns the last error, or ERROR_GEN_FAILURE if that is 0: never the code of a success.
 DWORD LastFailure();
 
 }  // namespace orvex

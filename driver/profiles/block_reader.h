@@ -5,13 +5,17 @@
 #include <cstdint>
 #include <span>
 
-#include "driver/support/heap.h"
+#include "driver/support/handle.h"
 #include "platform/windows.h"
 
 namespace orvex {
 
 class BlockReader {
   public:
+    // The bytes that it buffers. A reader fits on a small stack: profiles are listed on any thread, also
+    // while a job loads one, so that the buffer can't be static.
+    static constexpr size_t kBlock = 8192;
+
     // Opens the file for reading; the reader is false when that fails. The file is shared with readers and
     // writers, as with C's fopen, since an installer or a virus scanner may have it open for writing.
     explicit BlockReader(const char* path);
@@ -34,8 +38,6 @@ class BlockReader {
     std::span<const uint8_t> Take(size_t atMost);
 
   private:
-    static constexpr size_t kBlock = 32768;
-
     size_t ReadFromFile(void* destination, size_t size);
 
     OwnedHandle file_;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "driver/support/handle.h"
 #include "driver/support/heap.h"
 #include "driver/support/installation.h"
 #include "driver/support/text.h"

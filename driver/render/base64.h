@@ -8,8 +8,8 @@
 
 namespace orvex {
 
-// Encodes `size` bytes as zero-terminated text and stores its length, terminator not counted. Null when
-// memory is short or the size of the text can't be expressed; the length is then left alone.
+// Encodes `size` bytes as zero-terminated text and stores its length, terminator not counted. Returns null,
+// and stores no length, when out of memory or when the text's size can't be expressed.
 HeapArray<char> EncodeBase64(const uint8_t* bytes, size_t size, size_t* length);
 
 }  // namespace orvex

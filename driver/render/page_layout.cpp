@@ -2,24 +2,23 @@
 
 #include <algorithm>
 
-#include "driver/config/device_mode.h"
-
 namespace orvex {
 
 namespace {
 
 constexpr int32_t kUnitsPerInch = 7200;
-constexpr int32_t kPageMarginUnits = 2400;  // the engine's page is a third of an inch larger than the image
+constexpr int32_t kPageMarginUnits = 2400;  // a third of an inch
 constexpr int32_t kFullPageUnits = 86616;   // 12.03 inches
 constexpr double kMmPerInch = 25.4;
 
-// Sums and products are formed in 64 bits and wrap to 32.
+// Wraps a sum or product, formed in 64 bits, to 32.
 int32_t Wrap(int64_t value) {
     return static_cast<int32_t>(value);
 }
 
 int32_t PrintHeadOffsetPx(int16_t tenthsMm, int16_t dpi) {
-    return (tenthsMm * dpi + 127) / -254;
+    constexpr int32_t kTenthsMmPerInch = 254;
+    return (tenthsMm * dpi + kTenthsMmPerInch / 2) / -kTenthsMmPerInch;
 }
 
 void AddPurgeBar(const PageLayoutInput& input, PageLayout& layout) {
@@ -37,7 +36,7 @@ void FillHeadWidth(PageLayout& layout) {
     if (!layout.fullWidth) return;
     layout.headRows = HeadWidthPx(layout.dpi);
     const int32_t fill = Wrap(int64_t{layout.headRows} - layout.rows);
-    // The halving is unsigned, so that more rows than the head is wide give a huge half; nothing clamps it.
+    // The halving is unsigned, so more rows than the head is wide give a huge half; nothing clamps it.
     layout.halves.fullTop = static_cast<int32_t>(static_cast<uint32_t>(fill) / 2);
     layout.halves.fullBottom = Wrap(int64_t{fill} - layout.halves.fullTop);
 }
@@ -55,7 +54,7 @@ void Align(int16_t alignment, PageLayout& layout) {
     layout.pageLengthUnits = kFullPageUnits;
     Placement& place = layout.aligned;
     if (!layout.fullWidth) {
-        if (alignment == kAlignCentre) layout.pageLengthUnits = layout.pageHUnits;
+        if (alignment == kAlignCenter) layout.pageLengthUnits = layout.pageHUnits;
         if (alignment == kAlignRight) place.topOff = Wrap(int64_t{layout.dpi} * 117 / 10 - layout.rows);
     } else if (alignment == kAlignLeft) {
         place.fullBottom = Wrap(int64_t{place.fullBottom} + place.fullTop);
@@ -84,7 +83,7 @@ void ApplyOffsetToFill(int16_t alignment, PageLayout& layout) {
         layout.offsetEffect = OffsetEffect::kFullLeftAligned;
         layout.offsetAmount = moved;
     } else {
-        // Both ends grow by the same signed amount, deliberately: the block changes its length by twice the
+        // Deliberate: both ends grow by the same signed amount, so the block changes its length by twice the
         // offset.
         place.fullTop = Wrap(int64_t{place.fullTop} + offset);
         place.fullBottom = Wrap(int64_t{place.fullBottom} + offset);
@@ -106,8 +105,8 @@ void ApplyOffsetToBlock(int16_t alignment, PageLayout& layout) {
             int64_t{place.topOff} + offset, int64_t{HeadWidthPx(layout.dpi)} - layout.rows));
         layout.offsetEffect = OffsetEffect::kLeftAligned;
     } else {
-        // The engine's page grows by twice the offset in either direction, but the image moves only for a
-        // positive one: deliberate.
+        // Deliberate: an offset in either direction makes the engine's page longer by twice its size, but
+        // only a positive one moves the image.
         const int32_t magnitude = offset < 0 ? -offset : offset;
         const int32_t grown = static_cast<int32_t>(std::min<int64_t>(
             int64_t{magnitude} * layout.unit * 2, int64_t{kFullPageUnits} - layout.pageLengthUnits));
@@ -136,7 +135,6 @@ PageLayout ComputePageLayout(const PageLayoutInput& input) {
     layout.dpi = input.dpi;
     layout.phOffsetPx = PrintHeadOffsetPx(input.phHOffset, input.dpi);
     layout.fullWidth = input.kwsFullWidth && (input.kws || input.purgeBar > 0);
-    // A portrait page is sent column by column.
     layout.imageWidth = input.landscape ? input.bitmapWidth : input.bitmapHeight;
     layout.rows = input.landscape ? input.bitmapHeight : input.bitmapWidth;
     FillHeadWidth(layout);

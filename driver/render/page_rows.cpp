@@ -9,8 +9,8 @@ namespace orvex {
 
 namespace {
 
-constexpr int32_t kBandColumns = 64;  // four cache lines of a scan line
-constexpr int32_t kTileLines = 16;    // scan lines that fill a cache line of each row of the band
+constexpr int32_t kBandColumns = 64;  // the pixels of a scan line in four cache lines
+constexpr int32_t kTileLines = 16;    // the scan lines that fill one cache line of each row of the band
 constexpr int32_t kLinesAhead = 32;   // scan lines between the one that is fetched and the one that is read
 constexpr int32_t kCacheLine = 64;
 constexpr uint32_t kPaperWhite = 0x00FFFFFF;
@@ -29,7 +29,7 @@ void StoreFour(uint32_t* destination, __m128i pixels) {
     _mm_storeu_si128(reinterpret_cast<__m128i*>(destination), pixels);
 }
 
-// Turns four scan lines of four pixels into four columns, each at its place in a row of the band.
+// Transposes four scan lines of four pixels into four rows of the band.
 void TransposeFour(const uint8_t* const (&lines)[4], uint32_t* band, ptrdiff_t rowWidth) {
     const __m128i a = LoadFour(lines[0]);
     const __m128i b = LoadFour(lines[1]);
@@ -45,7 +45,7 @@ void TransposeFour(const uint8_t* const (&lines)[4], uint32_t* band, ptrdiff_t r
     StoreFour(band + 3 * rowWidth, _mm_unpackhi_epi64(abHigh, cdHigh));
 }
 
-// Copies `count` 32-bit pixels from the last one back to the first.
+// Copies `count` 32-bit pixels in reverse order.
 void CopyReversed(uint32_t* destination, const uint8_t* source, int32_t count) {
     const uint8_t* end = source + ptrdiff_t{count} * 4;
     int32_t i = 0;
@@ -59,18 +59,18 @@ void CopyReversed(uint32_t* destination, const uint8_t* source, int32_t count) {
     }
 }
 
-// Whether a landscape page's scan lines are read from right to left.
+// Returns whether a landscape page's scan lines are read from right to left.
 bool IsReversed(RowOrder order) {
     return order.rotate180 != order.mirrorImage;
 }
 
-// Whether the rows of a page can be read where they lie in the bitmap: all of its lines, or none.
+// Returns whether the scan lines of a page can be handed out as they lie in the bitmap.
 bool LiesInPlace(const PageBitmap& bitmap, RowOrder order) {
     return order.landscape && !IsReversed(order) && bitmap.bytesPerPixel == 4 && bitmap.stride % 4 == 0 &&
            reinterpret_cast<uintptr_t>(bitmap.firstLine) % 4 == 0;
 }
 
-// Copies `count` pixels, from the first on or from the last back.
+// Copies `count` pixels as 32-bit ones.
 void CopyPixels(uint32_t* destination, const uint8_t* source, int32_t count, int32_t bytesPerPixel,
                 bool reversed) {
     if (bytesPerPixel == 4 && reversed) {
@@ -100,9 +100,9 @@ bool SameBytes(const void* a, const void* b, size_t size) {
     return memcmp(left, right, size) == 0;
 }
 
-// Fetches a band's part of a scan line into the cache. It begins anywhere in a cache line, and so reaches
-// into one more. With it comes the part `companion` bytes further on, unless that is 0. Harmless where there
-// is no memory.
+// Fetches a band's part of a scan line into the cache, and the part `companion` bytes after it unless that is
+// 0. A part need not begin with a cache line, so it reaches into one more. Fetching is harmless where no
+// memory is.
 void Prefetch(const uint8_t* part, ptrdiff_t companion) {
     for (int32_t i = 0; i <= kBandColumns * 4; i += kCacheLine) {
         _mm_prefetch(reinterpret_cast<const char*>(part + i), _MM_HINT_T0);
@@ -113,11 +113,11 @@ void Prefetch(const uint8_t* part, ptrdiff_t companion) {
     }
 }
 
-// Turns a tile of kTileLines scan lines, `step` bytes apart, and `columns` columns, a multiple of four, into
-// a cache line of each row of the band. Meanwhile the tile at `next` is fetched with its companion, a scan
-// line with each group of columns: all at once they would wait for each other.
-void TurnTile(const uint8_t* tile, const uint8_t* next, ptrdiff_t companion, ptrdiff_t step, int32_t columns,
-              uint32_t* band, ptrdiff_t pitch) {
+// Transposes a tile of kTileLines scan lines, `step` bytes apart, and `columns` columns, a multiple of four,
+// into one cache line of each row of the band. Meanwhile the tile at `next` is fetched with its companion,
+// one scan line with each group of columns: fetches of all at once would wait for each other.
+void TransposeTile(const uint8_t* tile, const uint8_t* next, ptrdiff_t companion, ptrdiff_t step,
+                   int32_t columns, uint32_t* band, ptrdiff_t pitch) {
     static_assert(kBandColumns == 4 * kTileLines, "a group of four columns for each scan line to fetch");
     for (int32_t x = 0; x < columns; x += 4) {
         Prefetch(next, companion);
@@ -135,8 +135,9 @@ void TurnTile(const uint8_t* tile, const uint8_t* next, ptrdiff_t companion, ptr
 RowReader::RowReader(const PageBitmap& bitmap, RowOrder order)
     : bitmap_(bitmap), order_(order), inPlace_(LiesInPlace(bitmap, order)) {
     if (!NeedsBand()) return;
-    // Each row of the band begins a cache line, and no two of them at the same place of a memory page.
-    bandPitch_ = (ptrdiff_t{RowWidth()} + 15) / 16 * 16 + 16;
+    // Rows of the band are an odd number of cache lines apart, so no two of them share a place in a memory
+    // page: the processor's cache has room for only a few lines of the same place.
+    bandPitch_ = ((ptrdiff_t{RowWidth()} + 15) / 16 | 1) * 16;
     const size_t rows = order.landscape ? 1 : kBandColumns;
     band_ = AllocateArray<uint32_t>(rows * static_cast<size_t>(bandPitch_));
 }
@@ -154,12 +155,13 @@ const uint32_t* RowReader::LandscapeRow(int32_t row) {
     const uint8_t* line = Line(order_.rotate180 ? bitmap_.height - 1 - row : row);
     CompareWithLast(line, static_cast<size_t>(bitmap_.width) * static_cast<size_t>(bitmap_.bytesPerPixel));
     if (inPlace_) return reinterpret_cast<const uint32_t*>(line);
-    // The band still holds a line that repeats.
+    // The band still has a line that repeats.
     if (!repeats_) CopyPixels(band_.get(), line, bitmap_.width, bitmap_.bytesPerPixel, IsReversed(order_));
     return band_.get();
 }
 
-// The bitmap column that a row of a portrait page reads. The one behind the last is deliberate; see Row().
+// Returns the column of the bitmap that a row of a portrait page reads. Deliberate: it can be the one after
+// the last; see Row().
 int32_t RowReader::Column(int32_t row) const {
     if (!order_.rotate180) return order_.mirrorImage ? row : bitmap_.width - 1 - row;
     return order_.mirrorImage ? bitmap_.width - row : row;
@@ -179,35 +181,34 @@ const uint32_t* RowReader::PortraitRow(int32_t row) {
 }
 
 // Fills the band with the columns from `firstColumn` on, from the top scan line down or, rotated, from the
-// bottom up. Tiles of whole cache lines are turned, four by four pixels in registers; what they leave goes
-// pixel by pixel.
+// bottom up. Whole tiles are transposed, four by four pixels in registers; the rest is copied pixel by pixel.
 void RowReader::ReadBand(int32_t firstColumn) {
     const int32_t columns = std::min(kBandColumns, bitmap_.width - firstColumn);
     const int32_t height = bitmap_.height;
     const ptrdiff_t step = order_.rotate180 ? -bitmap_.stride : bitmap_.stride;
     const uint8_t* first =
         Line(order_.rotate180 ? height - 1 : 0) + ptrdiff_t{firstColumn} * bitmap_.bytesPerPixel;
-    // Bands go in pairs: the parts of a scan line that belong to a pair lie on one memory page, which is
-    // looked up once when the first band of a pair fetches those of the other one too.
+    // Bands form pairs: both parts of a scan line lie on one memory page, whose address is translated only
+    // once when the first band of a pair fetches the parts of the other, too.
     const int32_t other = firstColumn ^ kBandColumns;
     const bool fetchOther = other != bandFirst_ && other < bitmap_.width;
     const ptrdiff_t companion = fetchOther ? ptrdiff_t{other - firstColumn} * bitmap_.bytesPerPixel : 0;
     bandFirst_ = firstColumn;
     last_ = nullptr;
 
-    const bool turnable = bitmap_.bytesPerPixel == 4;
-    const int32_t tiledLines = turnable ? height - height % kTileLines : 0;
-    const int32_t tiledColumns = turnable ? columns - columns % 4 : 0;
+    const bool transposable = bitmap_.bytesPerPixel == 4;
+    const int32_t tiledLines = transposable ? height - height % kTileLines : 0;
+    const int32_t tiledColumns = transposable ? columns - columns % 4 : 0;
     for (int32_t y = 0; y < tiledLines; y += kTileLines) {
         const int32_t next = std::min(y + kLinesAhead, height - kTileLines);
-        TurnTile(first + y * step, first + next * step, companion, step, tiledColumns, band_.get() + y,
-                 bandPitch_);
+        TransposeTile(first + y * step, first + next * step, companion, step, tiledColumns, band_.get() + y,
+                      bandPitch_);
     }
     ReadColumns(first, step, {tiledColumns, columns}, {0, tiledLines});
     ReadColumns(first, step, {0, columns}, {tiledLines, height});
 }
 
-// Fills a part of the band pixel by pixel. Columns and scan lines count from the band's first ones.
+// Fills a part of the band pixel by pixel. Columns and scan lines count from the first ones of the band.
 void RowReader::ReadColumns(const uint8_t* first, ptrdiff_t step, Range columns, Range lines) {
     for (int32_t y = lines.begin; y < lines.end; ++y) {
         for (int32_t x = columns.begin; x < columns.end; ++x) {
@@ -217,9 +218,9 @@ void RowReader::ReadColumns(const uint8_t* first, ptrdiff_t step, Range columns,
     }
 }
 
-// Fills the band's first row with the column behind the last one, from the bottom up.
+// Fills the band's first row with the column after the last one, from the bottom up.
 void RowReader::ReadOverhang() {
-    bandFirst_ = -1;  // whatever row comes next begins a band, and so repeats none
+    bandFirst_ = -1;  // the next row begins a band, and so repeats none
     repeats_ = false;
     for (int32_t i = 0; i < bitmap_.height; ++i) {
         const int32_t next = bitmap_.height - i;  // the scan line below

@@ -23,29 +23,28 @@ struct RowOrder {
     bool mirrorImage;
 };
 
-// Hands out the rows of a page. It owns a band buffer: the pixels of a column lie a whole scan line apart,
-// each on a memory page of its own, so a portrait page is read in bands of neighbouring columns, each scan
-// line of a band in one go.
+// Reader of a page's rows. The pixels of a column lie a whole scan line apart, each on a memory page of its
+// own, so a portrait page is read in bands of neighboring columns into a buffer that the reader owns.
 class RowReader {
   public:
     RowReader(const PageBitmap& bitmap, RowOrder order);
 
-    // False when the band buffer could not be allocated; no row can be read then.
+    // Returns false when out of memory for the band; no row can be read then.
     explicit operator bool() const { return !NeedsBand() || band_ != nullptr; }
 
     int32_t RowCount() const { return order_.landscape ? bitmap_.height : bitmap_.width; }
     int32_t RowWidth() const { return order_.landscape ? bitmap_.width : bitmap_.height; }
 
-    // Row `row`, 0 to RowCount() - 1, as RowWidth() 32-bit pixels. It stays valid until the next call, and
-    // may lie in the bitmap itself. The top byte of a pixel means nothing.
+    // Returns row `row`, 0 to RowCount() - 1, as RowWidth() 32-bit pixels whose top bytes mean nothing. It
+    // stays valid until the next call, and may lie in the bitmap itself.
     //
-    // Portrait pages that are both rotated and mirrored are deliberately shifted by one column: row 0 reads
-    // the column behind the last one, which continues into the next scan line's first pixel, and is paper
-    // white where no scan line follows.
+    // Deliberate: portrait pages that are both rotated and mirrored are shifted by one column. Row 0 reads
+    // the column after the last one, where each scan line continues with the first pixel of the next, and the
+    // last one with paper white.
     const uint32_t* Row(int32_t row);
 
-    // Whether the row handed out last is known to hold the same pixels as the one handed out before it, as
-    // most rows of a label do.
+    // Returns whether the last row is known to have the same pixels as the one read before it, as most rows
+    // of a label have.
     bool Repeats() const { return repeats_; }
 
   private:
@@ -60,16 +59,16 @@ class RowReader {
     };
     void ReadColumns(const uint8_t* first, ptrdiff_t step, Range columns, Range lines);
     void ReadOverhang();
-    // Notes the row about to be handed out, which lies at `pixels`, of `bytes` bytes.
+    // Compares the next row, `bytes` bytes at `pixels`, with the last one, and remembers it.
     void CompareWithLast(const void* pixels, size_t bytes);
 
     PageBitmap bitmap_;
     RowOrder order_;
     bool inPlace_;
     HeapArray<uint32_t> band_;    // kBandColumns rows, bandPitch_ apart; a single row when landscape
-    ptrdiff_t bandPitch_ = 0;     // pixels from a row of the band to the next
-    int32_t bandFirst_ = -1;      // first column of the band, or -1
-    const void* last_ = nullptr;  // the row handed out last while it can still be compared, else null
+    ptrdiff_t bandPitch_ = 0;     // pixels
+    int32_t bandFirst_ = -1;      // first column in the band, -1 for none
+    const void* last_ = nullptr;  // the row that was read last, or null once it can't be compared
     bool repeats_ = false;
 };
 

@@ -10,29 +10,41 @@ namespace orvex {
 namespace {
 
 constexpr uint32_t kOpaque = 0xFF000000;
+constexpr double kLowestLimit = 100;
 
-// The sums of some pixels' first three bytes.
+// Returns how many halvings make `side` no longer exceed `limit`.
+int32_t Halvings(int32_t side, double limit) {
+    const double bound = std::min(limit, 2147483647.0);
+    int32_t count = 0;
+    for (; side > static_cast<int32_t>(bound); side >>= 1) ++count;
+    return count;
+}
+
+// Sums of the first three bytes of pixels.
 class ByteSums {
   public:
-    // Adds a line of pixels, whose number is a power of two.
+    // Adds a line of pixels; their number is a power of two.
     void AddLine(const uint32_t* pixels, ptrdiff_t count) {
+        __m128i line[kBytes] = {};  // two sums of each byte
         if (count == 1) {
-            Add(_mm_cvtsi32_si128(static_cast<int>(*pixels)));
+            Add(_mm_cvtsi32_si128(static_cast<int>(*pixels)), line);
         } else if (count == 2) {
-            Add(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(pixels)));
+            Add(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(pixels)), line);
         } else {
             for (const uint32_t* end = pixels + count; pixels != end; pixels += 4) {
-                Add(_mm_loadu_si128(reinterpret_cast<const __m128i*>(pixels)));
+                Add(_mm_loadu_si128(reinterpret_cast<const __m128i*>(pixels)), line);
             }
+        }
+        for (int byte = 0; byte < kBytes; ++byte) {
+            sums_[byte] += Half(line[byte]) + Half(_mm_srli_si128(line[byte], 8));
         }
     }
 
-    // The opaque pixel of the means of 2^shift pixels.
+    // Returns the opaque mean of 2^shift pixels.
     uint32_t Mean(int32_t shift) const {
         uint32_t pixel = kOpaque;
         for (int byte = 0; byte < kBytes; ++byte) {
-            const uint64_t sum = Half(sums_[byte]) + Half(_mm_srli_si128(sums_[byte], 8));
-            pixel |= static_cast<uint32_t>(sum >> shift) << 8 * byte;
+            pixel |= static_cast<uint32_t>(sums_[byte] >> shift) << 8 * byte;
         }
         return pixel;
     }
@@ -40,22 +52,27 @@ class ByteSums {
   private:
     static constexpr int kBytes = 3;
 
-    void Add(__m128i pixels) {
+    static void Add(__m128i pixels, __m128i (&sums)[kBytes]) {
         for (int byte = 0; byte < kBytes; ++byte) {
             const __m128i alone = _mm_and_si128(pixels, _mm_set1_epi32(0xFF << 8 * byte));
-            sums_[byte] = _mm_add_epi64(sums_[byte], _mm_sad_epu8(alone, _mm_setzero_si128()));
+            sums[byte] = _mm_add_epi64(sums[byte], _mm_sad_epu8(alone, _mm_setzero_si128()));
         }
     }
     static uint64_t Half(__m128i sums) { return static_cast<uint64_t>(_mm_cvtsi128_si64(sums)); }
 
-    __m128i sums_[kBytes] = {};  // two of each byte
+    uint64_t sums_[kBytes] = {};
 };
 
 }  // namespace
 
+int32_t ThumbnailScale(int32_t width, int32_t height, double maxWidth, double maxHeight) {
+    if (!(maxWidth >= kLowestLimit && maxHeight >= kLowestLimit)) return 0;
+    return width / maxWidth > height / maxHeight ? Halvings(width, maxWidth) : Halvings(height, maxHeight);
+}
+
 void ReducePixels(const uint32_t* pixels, int32_t width, int32_t height, int32_t scale, uint32_t* out) {
-    // So many blocks side by side are summed at once that their lines are read in pieces of many memory
-    // pages.
+    // Enough blocks are summed together to read pieces of their lines that span many memory pages; few enough
+    // for their sums, 12 KiB, to fit on a small stack.
     constexpr int32_t kStrip = 512;
     ByteSums sums[kStrip];
     const ptrdiff_t side = ptrdiff_t{1} << scale;

@@ -1,19 +1,72 @@
-// The row loop of a page: every bitmap line becomes one row of ink values for the print engine.
+// The row loop of a page: every line of the bitmap becomes one row of ink values.
 #pragma once
 
-#include "driver/device_instance.h"
+#include <cstdint>
+
 #include "driver/render/page_layout.h"
-#include "platform/windows.h"
+#include "driver/render/page_rows.h"
+#include "driver/support/heap.h"
 
 namespace orvex {
 
-// Sends the rows of an opened raster block: fill rows, image rows with the purge bar, fill rows. No side of
-// the bitmap may be negative. Returns false, and logs it, when the engine refuses a row or when there is no
-// memory for the rows; no further row is sent then.
-bool SendRasterRows(const PDEV& pdev, const SURFOBJ& surface, const PageLayout& layout);
+struct RasterSettings {
+    RowOrder order;
+    bool kws;            // pixels without ink get the blank-pixel pattern, and so do fill rows
+    uint32_t colorMode;  // a ColorMode
+    bool purges;         // this page carries the purge dots
+};
 
-// Logs a duration since `startTick`, "...%dms...", when it is longer than every earlier one of its kind in
-// the job.
-void NoteDuration(DWORD startTick, uint32_t* maximum, const char* line);
+// What an image row passes through, in this order.
+enum class RasterStage { kReformat, kConvert, kEncode };
+
+// Receiver of a page's rows. No function is pure: a pure one would link the C++ runtime's termination, and
+// with it memory that outlives the driver's unloading.
+class RowSink {
+  public:
+    // Reports that an image row enters or leaves a stage. A row that repeats the one before it is not
+    // converted again.
+    virtual void Begin(RasterStage) {}
+    virtual void End(RasterStage) {}
+
+    // Takes row `number` of the raster block, as many ink values as a row has, valid until it returns. An
+    // image row is taken inside its last stage. Returns false to refuse it and all that follow.
+    virtual bool Take(int32_t number, const uint32_t* row) {
+        (void)number, (void)row;
+        return true;
+    }
+
+  protected:
+    ~RowSink() = default;
+};
+
+// Hands out a page's rows: fill rows, image rows with the purge bar, fill rows. It owns the row that is
+// handed out, and the buffer that the bitmap is read through.
+class RasterLoop {
+  public:
+    // No side of the bitmap may be negative. The layout is used until the rows have been sent.
+    RasterLoop(const PageBitmap& bitmap, const PageLayout& layout, const RasterSettings& settings);
+
+    // False when out of memory; no row can be sent then.
+    explicit operator bool() const { return output_ && reader_; }
+
+    // Sends all rows, once. Returns false when the sink refused one.
+    bool Send(RowSink& sink);
+
+  private:
+    void WritePurgeDots();
+    void FillImageArea(bool withPattern);
+    bool SendFillRows(int32_t count, int64_t firstNumber, RowSink& sink);
+    bool SendImageRows(RowSink& sink);
+    void ConvertImageRow(const uint32_t* pixels);
+
+    uint32_t* ImageArea() { return output_.get() + (layout_.purgeLead ? layout_.purgeLen : 0); }
+
+    const PageLayout& layout_;
+    const RasterSettings settings_;
+    RowReader reader_;
+    // Purge dots and gap are written once and survive from row to row, since conversion writes the image area
+    // only.
+    HeapArray<uint32_t> output_;
+};
 
 }  // namespace orvex

@@ -1,11 +1,8 @@
-// Owners for what the driver allocates: memory from malloc and kernel handles. A null owner means that the
-// allocation failed; nothing here throws.
+// Owners of memory from malloc. A null owner means that the allocation failed; nothing here throws.
 #pragma once
 
 #include <cstdlib>
 #include <memory>
-
-#include "platform/windows.h"
 
 namespace orvex {
 
@@ -17,33 +14,16 @@ struct FreeDeleter {
 template <typename T>
 using HeapArray = std::unique_ptr<T[], FreeDeleter>;
 
-// `count` uninitialised elements, or null.
+// Allocates `count` uninitialized elements. Returns null when out of memory.
 template <typename T>
 HeapArray<T> AllocateArray(size_t count) {
     return HeapArray<T>(static_cast<T*>(malloc(count * sizeof(T))));
 }
 
-// `count` elements of zero bytes, or null.
+// Allocates `count` elements of zero bytes. Returns null when out of memory.
 template <typename T>
 HeapArray<T> AllocateZeroedArray(size_t count) {
     return HeapArray<T>(static_cast<T*>(calloc(count, sizeof(T))));
 }
-
-// Closes a file or other kernel handle when it goes out of scope.
-class OwnedHandle {
-  public:
-    explicit OwnedHandle(HANDLE handle) : handle_(handle) {}
-    ~OwnedHandle() {
-        if (*this) CloseHandle(handle_);
-    }
-    OwnedHandle(const OwnedHandle&) = delete;
-    OwnedHandle& operator=(const OwnedHandle&) = delete;
-
-    explicit operator bool() const { return handle_ != nullptr && handle_ != INVALID_HANDLE_VALUE; }
-    HANDLE Get() const { return handle_; }
-
-  private:
-    HANDLE handle_;
-};
 
 }  // namespace orvex

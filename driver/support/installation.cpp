@@ -9,10 +9,8 @@ namespace {
 
 constexpr const WCHAR* kFolders[] = {L"Quorvane", L"Orvex Series"};
 
-constexpr DWORD kDriverInfoLevel = 3;
-
-// Writes the installation folder's path into `path` of MAX_PATH characters. FALSE leaves the code of what
-// failed as the last error.
+// Writes the installation folder's path into `path` of MAX_PATH characters. Returns FALSE on failure, with
+// the last error set.
 BOOL BuildInstallationPath(WCHAR* path) {
     if (!SHGetSpecialFolderPathW(nullptr, path, CSIDL_COMMON_APPDATA, FALSE)) return FALSE;
     for (const WCHAR* folder : kFolders) {
@@ -23,12 +21,6 @@ BOOL BuildInstallationPath(WCHAR* path) {
     }
     SetLastError(ERROR_SUCCESS);
     return TRUE;
-}
-
-// Deliberate: a result of 1797 counts as a failure too, although that is an error's code and not a result of
-// the call.
-bool DriverWasTold(BOOL result) {
-    return result != FALSE && result != ERROR_UNKNOWN_PRINTER_DRIVER;
 }
 
 }  // namespace
@@ -56,19 +48,6 @@ HANDLE OpenInstallationFile(const WCHAR* folder, const WCHAR* name) {
     }
     return CreateFileW(path.get(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
                        FILE_ATTRIBUTE_NORMAL, nullptr);
-}
-
-HeapArray<WCHAR> GetPrinterDriverName(HANDLE printer) {
-    DWORD needed = 0;
-    GetPrinterDriverW(printer, nullptr, kDriverInfoLevel, nullptr, 0, &needed);
-    if (needed < sizeof(DRIVER_INFO_3W)) return nullptr;
-    const HeapArray<BYTE> buffer = AllocateArray<BYTE>(needed);
-    if (!buffer) return nullptr;
-    if (!DriverWasTold(
-            GetPrinterDriverW(printer, nullptr, kDriverInfoLevel, buffer.get(), needed, &needed))) {
-        return nullptr;
-    }
-    return DuplicateText(reinterpret_cast<const DRIVER_INFO_3W*>(buffer.get())->pName);
 }
 
 }  // namespace orvex

@@ -1,17 +1,17 @@
-// The thread's last error, kept over what must not show in it.
+// Preserves the thread's last error across calls that must not change it.
 #pragma once
 
 #include "platform/windows.h"
 
 namespace orvex {
 
-// Puts the last error back at the end of its scope.
-class LastErrorKept {
+// Restores the last error at the end of its scope.
+class PreservedLastError {
   public:
-    LastErrorKept() : code_(GetLastError()) {}
-    ~LastErrorKept() { SetLastError(code_); }
-    LastErrorKept(const LastErrorKept&) = delete;
-    LastErrorKept& operator=(const LastErrorKept&) = delete;
+    PreservedLastError() : code_(GetLastError()) {}
+    ~PreservedLastError() { SetLastError(code_); }
+    PreservedLastError(const PreservedLastError&) = delete;
+    PreservedLastError& operator=(const PreservedLastError&) = delete;
 
   private:
     DWORD code_;

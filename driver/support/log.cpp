@@ -1,15 +1,16 @@
 #include "driver/support/log.h"
 
 #include <algorithm>
-#include <atomic>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 #include <string_view>
 
+#include "driver/support/handle.h"
 #include "driver/support/last_error.h"
-#include "driver/support/module.h"
-#include "platform/shell.h"
+#include "driver/support/log_path.h"
+#include "driver/support/log_rotation.h"
 
 namespace orvex {
 
@@ -17,35 +18,9 @@ std::atomic<uint32_t> logMask = 0;
 
 namespace {
 
-constexpr char kLogFolder[] = "c:\\temp";
-constexpr size_t kMaxModulePath = 260;
 constexpr size_t kMaxMutexName = 260;
 constexpr DWORD kMutexWaitMs = 100;
 constexpr LONGLONG kMaxLogBytes = 0x6400000;
-constexpr size_t kExtensionLetters = 3;
-
-// The two paths are worked out on first use and kept for the life of the process. Threads that come at once
-// may all work one out; the first keeps its own.
-using KeptPath = std::atomic<char*>;
-
-const char* Keep(KeptPath& kept, HeapArray<char> path) {
-    char* earlier = nullptr;
-    return kept.compare_exchange_strong(earlier, path.get()) ? path.release() : earlier;
-}
-
-const char* LogPath() {
-    static KeptPath kept;
-    const char* path = kept;
-    return path != nullptr ? path : Keep(kept, GetLogPath());
-}
-
-const char* ControlFilePath() {
-    static KeptPath kept;
-    if (const char* path = kept) return path;
-    HeapArray<char> path = GetLogPath();
-    if (path) memcpy(path.get() + strlen(path.get()) - kExtensionLetters, "dat", kExtensionLetters);
-    return Keep(kept, std::move(path));
-}
 
 // Returns the low 32 bits of the decimal integer in the control file, 0 without one. An integer past 64 bits,
 // of either sign, sets every bit.
@@ -70,7 +45,7 @@ HANDLE OpenForAppending(const char* path) {
                        FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT, nullptr);
 }
 
-// Gathers one line in a small buffer and appends it to the log.
+// Collects a line in a small buffer that it appends to the log.
 class LineWriter final : public TextSink {
   public:
     explicit LineWriter(HANDLE file) : file_(file) {}
@@ -109,26 +84,6 @@ std::string_view LevelTag(LogLevel level) {
     return "";
 }
 
-// "<log path without its extension>.1.txt", or null.
-HeapArray<char> FirstBackupPath(const char* path) {
-    const std::string_view stem(path, static_cast<size_t>(strrchr(path, '.') - path));
-    constexpr char kSuffix[] = ".1.txt";
-    HeapArray<char> backup = AllocateArray<char>(stem.size() + sizeof kSuffix);
-    if (backup) {
-        memcpy(backup.get(), stem.data(), stem.size());
-        memcpy(backup.get() + stem.size(), kSuffix, sizeof kSuffix);
-    }
-    return backup;
-}
-
-// Moves a log that has grown too long out of the way. A failed rename leaves it where it is.
-void MoveLogToBackup(const char* path) {
-    const HeapArray<char> backup = FirstBackupPath(path);
-    if (!backup) return;
-    if (PathFileExistsA(backup.get())) RotateLogFile(backup.get());
-    MoveFileA(path, backup.get());
-}
-
 void WriteLine(HANDLE file, const SYSTEMTIME& time, LogLevel level, const char* format,
                const LogArgument* arguments, size_t count) {
     LineWriter line(file);
@@ -143,47 +98,15 @@ void WriteLine(HANDLE file, const SYSTEMTIME& time, LogLevel level, const char* 
 
 }  // namespace
 
-// The old mask stays in force until the new one is known, so that other threads' lines go on meanwhile.
 void LoadLogMask() {
+    // The old mask is in force until the new one is known, so that other threads lose no lines.
     logMask = ReadLogMask();
-}
-
-HeapArray<char> GetLogPath() {
-    char module[kMaxModulePath] = {};
-    SetLastError(ERROR_SUCCESS);
-    const DWORD length = GetModuleFileNameA(g_hModule, module, sizeof module);
-    if (GetLastError() != ERROR_SUCCESS || length <= kExtensionLetters || length >= sizeof module)
-        return nullptr;
-    memcpy(module + length - kExtensionLetters, "txt", kExtensionLetters);
-    const char* name = strrchr(module, '\\');
-    if (name == nullptr) return nullptr;
-    const size_t size = strlen(kLogFolder) + strlen(name) + 1;
-    HeapArray<char> path = AllocateArray<char>(size);
-    if (path) snprintf(path.get(), size, "%s%s", kLogFolder, name);
-    return path;
-}
-
-void RotateLogFile(const char* name) {
-    const size_t length = strlen(name);
-    const char* extension = strrchr(name, '.');
-    if (extension == nullptr || extension == name) return;
-    const size_t digit = static_cast<size_t>(extension - name) - 1;
-    if (name[digit] == '9') {
-        DeleteFileA(name);
-        return;
-    }
-    HeapArray<char> next = AllocateArray<char>(length + 1);
-    if (!next) return;
-    memcpy(next.get(), name, length + 1);
-    ++next[digit];
-    if (PathFileExistsA(next.get())) RotateLogFile(next.get());
-    MoveFileA(name, next.get());
 }
 
 void WriteLogLine(LogLevel level, const char* format, const LogArgument* arguments, size_t count) {
     SYSTEMTIME time;
     GetSystemTime(&time);
-    const LastErrorKept lastError;  // callers of the driver read the one that a hook leaves
+    const PreservedLastError lastError;  // callers of a hook read the one that it leaves
     const char* path = LogPath();
     if (path == nullptr) return;
 
@@ -210,8 +133,7 @@ void WriteLogLine(LogLevel level, const char* format, const LogArgument* argumen
     }
     WriteLine(file, time, level, format, arguments, count);
     CloseHandle(file);
-    // Deliberate: the handle is closed without a release, which ends the ownership when no other writer
-    // waits.
+    // Deliberate: the handle is closed without a release, which ends the ownership when no writer waits.
     CloseHandle(mutex);
 }
 

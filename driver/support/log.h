@@ -1,14 +1,12 @@
 // The diagnostic log: a text file in c:\temp that every process with the driver loaded appends to, one line
-// at a time, under one named mutex. Logging is off unless a control file beside the log says otherwise.
+// at a time, under one named mutex. A log past 100 MiB becomes backup 1, and older backups move up to 9.
 //
-// The log of orvexgdi.dll is c:\temp\orvexgdi.txt; its control file is c:\temp\orvexgdi.dat, which holds the
-// mask as a decimal number. A log past 100 MiB becomes backup orvexgdi.1.txt, and older backups move up to 9.
+// Logging is off unless the control file beside the log contains a mask as a decimal number.
 #pragma once
 
 #include <atomic>
 #include <cstdint>
 
-#include "driver/support/heap.h"
 #include "driver/support/log_format.h"
 
 namespace orvex {
@@ -18,22 +16,15 @@ enum class LogLevel : uint32_t { kError = 0, kInfo = 1, kTrace = 2 };
 constexpr uint32_t kLogMaskErrors = 1;  // lines of the levels Error and Info
 constexpr uint32_t kLogMaskTrace = 2;   // lines of the level Trace
 
-// Which lines are wanted. Call sites test it before they call the writer; the writer does not look at it.
+// The lines that are wanted. Call sites test it before they call the writer; the writer does not look at it.
 extern std::atomic<uint32_t> logMask;
 
 // Sets logMask to the low 32 bits of the decimal integer in the control file; to 0 when there is no such file
 // or no integer in it.
 void LoadLogMask();
 
-// A new copy of the log's path, or null when the module's file name can't be had.
-HeapArray<char> GetLogPath();
-
-// Makes room for a new backup `name`, which ends in a dot, one digit, a dot and an extension: moves it, and
-// every higher-numbered one in its way, up by one digit; number 9 is deleted.
-void RotateLogFile(const char* name);
-
-// Appends one line to the log: time, thread, level and the formatted message. Whatever fails on the way loses
-// the line and is reported to nobody. A level beyond Trace writes no tag.
+// Appends one line to the log: time, thread, level and the formatted message. Any failure loses the line and
+// is reported to nobody. A level beyond Trace writes no tag.
 void WriteLogLine(LogLevel level, const char* format, const LogArgument* arguments, size_t count);
 
 template <typename... Arguments>
@@ -42,7 +33,7 @@ void LogWrite(LogLevel level, const char* format, const Arguments&... arguments)
     WriteLogLine(level, format, list, sizeof...(arguments));
 }
 
-// The call sites: nothing happens while the mask does not ask for the line.
+// Write a line that the mask asks for.
 template <typename... Arguments>
 void LogError(const char* format, const Arguments&... arguments) {
     if (logMask & kLogMaskErrors) [[unlikely]]
@@ -59,7 +50,7 @@ void LogTrace(const char* format, const Arguments&... arguments) {
         LogWrite(LogLevel::kTrace, format, arguments...);
 }
 
-// Traces an operation: "<name>" when it begins, "</name>" when it ends, and the result before that.
+// Traces an operation: "<name>" when it begins, its result, and "</name>" when it ends.
 class TraceScope {
   public:
     explicit TraceScope(const char* name) : name_(name) { LogTrace("<%s>", name_); }
@@ -67,7 +58,7 @@ class TraceScope {
     TraceScope(const TraceScope&) = delete;
     TraceScope& operator=(const TraceScope&) = delete;
 
-    // Traces the result and hands it on, so that a function can end with `return trace.Bool(...)`.
+    // Trace the result and return it, so that a function can end with `return trace.Bool(...)`.
     BOOL Bool(BOOL result) const {
         LogTrace("Return: %s", result ? "TRUE" : "FALSE");
         return result;

@@ -18,9 +18,9 @@ struct Conversion {
     char type = '\0';
 };
 
-constexpr int kMaxField = 512;  // wider fields than any message of the driver asks for
+constexpr int kMaxField = 512;  // more characters than any message of the driver asks for
 
-// Reads digits at `cursor` and moves behind them.
+// Reads digits and moves the cursor past them.
 int ReadNumber(const char*& cursor) {
     int value = 0;
     for (; *cursor >= '0' && *cursor <= '9'; ++cursor)
@@ -28,7 +28,7 @@ int ReadNumber(const char*& cursor) {
     return value;
 }
 
-// Reads the conversion behind a "%" and moves behind it; its type is 0 at the format's end.
+// Reads the conversion after a "%" and moves the cursor past it; its type is 0 at the format's end.
 Conversion ReadConversion(const char*& cursor) {
     Conversion conversion;
     for (size_t flags = 0; *cursor != '\0' && strchr("-+ #0", *cursor) != nullptr; ++cursor) {
@@ -68,7 +68,7 @@ void AppendText(TextSink& sink, const Conversion& conversion, std::string_view t
     if (conversion.leftAligned) AppendBlanks(sink, blanks);
 }
 
-// Writes wide text as UTF-8, some characters at a time; a lone surrogate becomes the replacement character.
+// Writes wide text as UTF-8 in pieces. A lone surrogate becomes the replacement character.
 void AppendWideText(TextSink& sink, const Conversion& conversion, WideView text) {
     if (conversion.precision >= 0) text.size = std::min(text.size, static_cast<size_t>(conversion.precision));
     const size_t width = static_cast<size_t>(conversion.width);
@@ -87,7 +87,7 @@ void AppendWideText(TextSink& sink, const Conversion& conversion, WideView text)
     if (conversion.leftAligned) AppendBlanks(sink, blanks);
 }
 
-// Lets snprintf write one number; `length` is its length modifier.
+// Writes one number with snprintf; `length` is its length modifier.
 template <typename T>
 void AppendNumber(TextSink& sink, const Conversion& conversion, const char* length, T value) {
     char format[24];

@@ -1,5 +1,5 @@
-// printf-style formatting of log messages with arguments that know their own type, so that a wrong conversion
-// can't read past the arguments, and so that both builds read "%ld" and "%S" alike.
+// printf-style formatting of log messages with arguments that know their own type: a wrong conversion can't
+// read past the arguments, and "%ld" and "%S" mean the same in both builds.
 #pragma once
 
 #include <cstddef>
@@ -36,7 +36,7 @@ struct LogArgument {
     WideView wideText;
 };
 
-// Takes the formatted bytes piece by piece.
+// The receiver of formatted bytes, which come piece by piece.
 class TextSink {
   public:
     virtual void Append(std::string_view piece) = 0;
@@ -45,9 +45,9 @@ class TextSink {
     ~TextSink() = default;
 };
 
-// Formats as printf does, with the widths of Windows: integers are 32 bits wide unless the conversion says
-// "ll", "I64" or "z" or is "%p", which shows 16 hexadecimal digits. "%S" takes wide text and writes UTF-8. An
-// argument of another kind than its conversion's, or a missing one, shows as "?".
+// Formats like printf, with the widths of Windows: integers are 32 bits wide unless the conversion says "ll",
+// "I64" or "z" or is "%p", which shows 16 hexadecimal digits. "%S" takes wide text and writes UTF-8. A
+// missing argument, or one of another kind than its conversion's, shows as "?".
 void FormatLogText(TextSink& sink, const char* format, const LogArgument* arguments, size_t count);
 
 }  // namespace orvex

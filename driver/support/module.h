@@ -1,4 +1,4 @@
-// The driver module's own handle.
+// The handle of the driver's own module.
 #pragma once
 
 #include "platform/windows.h"

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <string_view>
 
+#include "driver/support/handle.h"
 #include "driver/support/installation.h"
 #include "driver/support/log.h"
 #include "driver/support/text.h"
@@ -13,9 +14,9 @@ namespace {
 
 constexpr size_t kValueCapacity = 254;  // of flags and numbers, terminator included
 
-// The text behind its first `count` characters, which it has. substr() would bring the C++ runtime's
-// exceptions into the driver, and with them locks that leave handles behind when the driver is unloaded.
-std::string_view Behind(std::string_view text, size_t count) {
+// Returns the text after its first `count` characters, which it must have. substr() would link the C++
+// runtime's exceptions into the driver, with locks whose handles leak when the driver is unloaded.
+std::string_view After(std::string_view text, size_t count) {
     text.remove_prefix(count);
     return text;
 }
@@ -25,8 +26,8 @@ class LineReader {
   public:
     explicit LineReader(HANDLE file) : file_(file) {}
 
-    // Reads the next line, its line end (CR, LF or CR LF) included; the text ends before a zero byte. False
-    // at the end of the file or when it can't be read. The text is good until the next call.
+    // Reads the next line with its line end (CR, LF or CR LF); the text ends before a zero byte. Returns
+    // false at the end of the file or when it can't be read. The text is valid until the next call.
     //
     // Deliberate: a line longer than the buffer comes in pieces, and the byte after each full piece is
     // skipped.
@@ -36,7 +37,7 @@ class LineReader {
         const std::string_view piece(buffer_, read);
         size_t end = piece.find_first_of("\r\n");
         if (end == std::string_view::npos) end = read;
-        if (Behind(piece, end).starts_with("\r\n")) ++end;
+        if (After(piece, end).starts_with("\r\n")) ++end;
         position_.QuadPart += static_cast<LONGLONG>(end) + 1;
         if (!SetFilePointerEx(file_, position_, nullptr, FILE_BEGIN)) return false;
         *line = {buffer_, TextLength(buffer_, piece.substr(0, end + 1).size())};
@@ -51,7 +52,8 @@ class LineReader {
     char buffer_[kPieceBytes];
 };
 
-// The last value of `key` in `section`, up to the first one that fits into `out`; its length as stored there.
+// Stores the last value of `key` in `section`, up to the first one that fits into `out`. Returns its length
+// there.
 size_t FindValue(LineReader& lines, std::string_view section, std::string_view key, char* out,
                  size_t capacity) {
     size_t length = 0;
@@ -63,7 +65,7 @@ size_t FindValue(LineReader& lines, std::string_view section, std::string_view k
             continue;
         }
         if (!inSection || !line.starts_with(key)) continue;
-        const std::string_view value = Behind(line, key.size());
+        const std::string_view value = After(line, key.size());
         if (value.empty()) continue;
         CopyText(out, capacity, value);
         if (value.size() < capacity - 1) return value.size();

@@ -1,5 +1,5 @@
-// Single values out of settings.inf in the installation folder. The file is opened, scanned and closed on
-// every look-up, so a changed file takes effect at once.
+// Single values of settings.inf in the installation folder. The file is opened, scanned and closed on every
+// look-up, so a changed file takes effect at once.
 #pragma once
 
 #include <cstddef>
@@ -7,14 +7,14 @@
 namespace orvex {
 
 // Reads the value of `key` in `section`, both with their punctuation ("[UI]", "Language="), into `out` of
-// `capacity` bytes, terminated. The value keeps its line end. Returns its length in bytes, 0 when it was not
-// found (`out` is then empty) or the file could not be opened.
+// `capacity` bytes, terminated. The value keeps its line end. Returns its length in bytes; 0, with `out`
+// empty, when it was not found or the file could not be opened.
 size_t LookupString(const char* section, const char* key, char* out, size_t capacity);
 
-// 1 when the value's decimal reading is greater than 0, else 0; an absent key is 0.
+// Returns 1 when the value's decimal reading is greater than 0, otherwise 0; an absent key is 0.
 int LookupFlag(const char* section, const char* key);
 
-// The value's floating-point reading, or `absent` when the key was not found.
+// Returns the value's floating-point reading, or `absent` when the key was not found.
 double LookupNumber(const char* section, const char* key, double absent);
 
 }  // namespace orvex

@@ -37,6 +37,9 @@ void CopyBounded(Character* destination, size_t capacity, const Character* sourc
     destination[copied] = 0;
 }
 
+// White space of the "C" locale.
+constexpr std::string_view kWhitespace = " \t\n\v\f\r";
+
 // The conversion functions count in signed 32-bit numbers.
 int ClampedLength(size_t length) {
     return static_cast<int>(std::min<size_t>(length, INT_MAX / 4));
@@ -50,6 +53,13 @@ void CopyText(char* destination, size_t capacity, std::string_view source) {
 
 void CopyText(WCHAR* destination, size_t capacity, WideView source) {
     CopyBounded(destination, capacity, source.data, source.size);
+}
+
+void TrimWhitespace(char* text) {
+    std::string_view kept = text;
+    kept.remove_prefix(std::min(kept.find_first_not_of(kWhitespace), kept.size()));
+    kept = kept.substr(0, kept.find_last_not_of(kWhitespace) + 1);
+    CopyText(text, strlen(text) + 1, kept);
 }
 
 size_t NarrowText(char* destination, size_t capacity, WideView source) {
@@ -73,8 +83,7 @@ size_t NarrowText(char* destination, size_t capacity, WideView source) {
 
 size_t WidenText(WCHAR* destination, size_t capacity, std::string_view source) {
     if (capacity == 0) return 0;
-    // A narrow character never becomes more wide ones than it has bytes, so this much of the source surely
-    // fits.
+    // A narrow character never becomes more wide ones than it has bytes, so this much of the source fits.
     const int length = ClampedLength(std::min(source.size(), capacity - 1));
     const int written = length == 0 ? 0
                                     : MultiByteToWideChar(CP_ACP, 0, source.data(), length, destination,

@@ -1,5 +1,5 @@
-// Bounded copies, comparisons and conversions of narrow and wide text. Wide text is UTF-16; the C library's
-// wide functions are not used, since a native build's expect another width.
+// Bounded copies, comparisons and conversions of narrow and wide text. Wide text is UTF-16. The wide
+// functions of the C library are not used, because natively they expect 4-byte characters.
 #pragma once
 
 #include <cstddef>
@@ -16,14 +16,14 @@ struct WideView {
     size_t size = 0;
 };
 
-// Characters before the terminator, `capacity` at most.
+// Counts the characters before the terminator, `capacity` at most.
 size_t TextLength(const char* text, size_t capacity);
 size_t TextLength(const WCHAR* text, size_t capacity);
 
-// Characters before the terminator; null has none.
+// Counts the characters before the terminator; null has none.
 size_t TextLength(const WCHAR* text);
 
-// The text of a fixed-size field, which may lack its terminator.
+// Returns the text of a fixed-size field, which may lack its terminator.
 template <size_t N>
 std::string_view FieldText(const char (&field)[N]) {
     return {field, TextLength(field, N)};
@@ -35,7 +35,7 @@ WideView FieldText(const WCHAR (&field)[N]) {
 
 bool SameText(WideView a, WideView b);
 
-// Copies as much as fits into `capacity` characters, the terminator included, and terminates it.
+// Copies as much as fits into `capacity` characters, the terminator included, and terminates the copy.
 void CopyText(char* destination, size_t capacity, std::string_view source);
 void CopyText(WCHAR* destination, size_t capacity, WideView source);
 template <size_t N>
@@ -47,6 +47,9 @@ void CopyText(WCHAR (&destination)[N], WideView source) {
     CopyText(destination, N, source);
 }
 
+// Cuts blanks, tabs, line ends, vertical tabs and form feeds off both ends of a text, in place.
+void TrimWhitespace(char* text);
+
 // Converts wide text to the narrow code page, cut at a whole character so that it fits into `capacity` bytes
 // with its terminator. A character that the code page lacks becomes its default character. Returns the length
 // in bytes.
@@ -56,10 +59,10 @@ size_t NarrowText(char* destination, size_t capacity, WideView source);
 // terminator. Returns the length in characters.
 size_t WidenText(WCHAR* destination, size_t capacity, std::string_view source);
 
-// A copy on the heap, terminated; null when memory is short or `text` is null.
+// Returns a copy on the heap, terminated; null when `text` is null or the process is out of memory.
 HeapArray<WCHAR> DuplicateText(const WCHAR* text);
 
-// A widened copy on the heap, terminated; null when memory is short or `text` is null.
+// Returns a widened copy on the heap, terminated; null when `text` is null or the process is out of memory.
 HeapArray<WCHAR> DuplicateWidened(const char* text);
 
 }  // namespace orvex

@@ -1,1 +1,1 @@
-// winddi.h includes this header of display drivers; a printer driver needs nothing of it.
+// winddi.h includes this header of display drivers. A printer driver needs nothing from it.

@@ -1,4 +1,4 @@
-// The display-driver half of winddi.h names these records; a printer driver never touches one.
+// The records that the display-driver half of winddi.h names. A printer driver never uses one.
 #pragma once
 
 struct DD_SURFACE_LOCAL;

@@ -1,4 +1,4 @@
-// A device that is made anew with other settings, while a job prints on it or before.
+// A device that is created anew with other settings, during a job or outside one.
 
 #include "driver/device_instance.h"
 #include "tests/driver/driver_fixture.h"
@@ -6,16 +6,65 @@
 namespace orvex {
 
 using namespace tools;
+using testing::AllOf;
 using testing::Contains;
+using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
 
-namespace {
+using DeviceReset = DriverTest;
 
-class DeviceReset : public DriverTest {};
+TEST_F(DeviceReset, CarriesPageAndStateIntoTheNewInstance) {
+    mask = 3;
+    const auto old = Enable(Mode());
+    DeviceMode changed = Mode();
+    changed.pub.dmOrientation = DMORIENT_LANDSCAPE;
+    changed.pub.dmPaperWidth = 500;
+    changed.pub.dmCopies = 3;
+    const auto fresh = Enable(changed);
+    PDEV& from = InstanceOf(*old);
+    PDEV& to = InstanceOf(*fresh);
+    from.yCoord = 11;
+    from.pageCount = 4;
+    from.carryWord1 = 0x1122334455667788;
+    from.carryWord2 = 9;
+    from.flags = PDEV_IN_JOB;
+    LogLines();
+    EXPECT_TRUE(Session().ResetPdev(*old, *fresh));
+    EXPECT_EQ(to.dwPageWidth, 300u);
+    EXPECT_EQ(to.dwPageLength, 400u);
+    EXPECT_EQ(to.orientation, DMORIENT_PORTRAIT);
+    EXPECT_EQ(to.yCoord, 11u);
+    EXPECT_EQ(to.pageCount, 4u);
+    EXPECT_EQ(to.carryWord1, 0x1122334455667788u);
+    EXPECT_EQ(to.carryWord2, 9u);
+    EXPECT_EQ(to.flags, PDEV_IN_JOB | PDEV_RESET);
+    EXPECT_EQ(to.devmode.pub.dmCopies, 3);  // no count was carried, so the new one stays
+    EXPECT_THAT(
+        LogLines(),
+        ElementsAre("[Trace] <DrvResetPDEV>", "[Info]  dwPageWidth 300<-400", "[Info]  dwPageLength 400<-500",
+                    "[Info]  orientation 1<-2", "[Info]  yCoord 11<-0", "[Info]  pageCount 4<-0",
+                    "[Info]  dmCopies 1 -> 3", "[Trace] Return: TRUE", "[Trace] </DrvResetPDEV>"));
+}
 
-}  // namespace
+TEST_F(DeviceReset, UsesTheLow16BitsOfACarriedCopyCount) {
+    const auto old = Enable(Mode());
+    const auto fresh = Enable(Mode());
+    InstanceOf(*old).cCopies = 0x10007;
+    LogLines();
+    EXPECT_TRUE(Session().ResetPdev(*old, *fresh));
+    EXPECT_EQ(InstanceOf(*fresh).cCopies, 0x10007);
+    EXPECT_EQ(InstanceOf(*fresh).devmode.pub.dmCopies, 7);
+    EXPECT_EQ(InstanceOf(*fresh).flags, PDEV_RESET);
+    EXPECT_THAT(LogLines(),
+                AllOf(Contains("[Info]  cCopies 65543<--1"), Contains("[Info]  cdmCopies 1<-65543")));
+    const auto third = Enable(Mode());
+    InstanceOf(*third).devmode.pub.dmCopies = 7;
+    LogLines();
+    EXPECT_TRUE(Session().ResetPdev(*fresh, *third));
+    EXPECT_THAT(LogLines(), Not(Contains(HasSubstr("cdmCopies"))));
+}
 
 TEST_F(DeviceReset, LetsTheJobGoOnInTheNewInstance) {
     const auto old = StartPage(Mode());
@@ -33,8 +82,8 @@ TEST_F(DeviceReset, LetsTheJobGoOnInTheNewInstance) {
     Session().DisablePdev(*old);
 
     Printer().written.clear();
-    EXPECT_EQ(engine.Output("@PJL COMMENT again\n"),
-              1);  // written through the new instance, without a second header
+    // The old instance is gone, and the header is not written again.
+    EXPECT_EQ(engine.Output("@PJL COMMENT again\n"), 1);
     EXPECT_EQ(Printer().written, "@PJL COMMENT again\n");
     ASSERT_TRUE(Session().StartPage(*fresh));
     ASSERT_TRUE(Session().SendPage(*fresh));
@@ -54,12 +103,12 @@ TEST_F(DeviceReset, LetsTheJobWriteTheNewSettings) {
     EXPECT_EQ(engine.Output("@PJL COMMENT x\n"), 1);
     EXPECT_THAT(Printer().written, HasSubstr("@PJL SET OVERSPRAY=2\n"));
     LogLines();
-    ASSERT_TRUE(Session().StartDoc(*fresh, "title", 42));  // which it goes on in already
+    ASSERT_TRUE(Session().StartDoc(*fresh, "title", 42));  // the job is its own already
     EXPECT_THAT(LogLines(), Not(Contains(StartsWith("[Info]  pdev: "))));
     Session().EndDoc(*fresh);
 }
 
-TEST_F(DeviceReset, OutsideAJobLeavesTheJobToBegin) {
+TEST_F(DeviceReset, OutsideAJobLetsTheNextDocumentStartOne) {
     const auto old = Enable(Mode());
     const auto fresh = Enable(Mode());
     ASSERT_TRUE(Session().ResetPdev(*old, *fresh));

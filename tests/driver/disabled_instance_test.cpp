@@ -1,6 +1,6 @@
-// A device that is disabled while its job runs. What the print engine writes after that must not be read
-// through the freed instance: the output callback refuses it. The heap's guard pages, or AddressSanitizer,
-// end a test that touches the instance.
+// A device that is disabled while its job runs. The output callback must refuse what the print engine outputs
+// after that, since it would need the freed instance. The heap's guard pages, or AddressSanitizer, end a test
+// that touches the instance.
 
 #include "driver/device_instance.h"
 #include "tests/driver/driver_fixture.h"
@@ -16,8 +16,8 @@ namespace {
 
 class DisabledInstance : public DriverTest {
   protected:
-    // Starts a job in which the engine writes once more when it is ended. For that chunk the callback needs
-    // the instance's printer and its settings.
+    // Starts a job in which the engine outputs a last chunk when it is ended. The callback needs the
+    // instance's printer and settings for it.
     std::unique_ptr<Device> StartJob() {
         auto device = StartPage(Mode());
         engine.onJobEnd = [this] { results.push_back(engine.Output(kComment)); };
@@ -29,7 +29,7 @@ class DisabledInstance : public DriverTest {
         Session().DisablePdev(device);
     }
 
-    // What the callback returned to the engine inside HPCRLIB_JobEnd.
+    // The callback's results inside HPCRLIB_JobEnd.
     std::vector<int32_t> results;
 };
 
@@ -74,9 +74,9 @@ TEST_F(DisabledInstance, IsNotUsedWhenTheJobEndsAfterAResetWithoutASurface) {
     Session().CompletePdev(*fresh);
     ASSERT_TRUE(Session().ResetPdev(*old, *fresh));
     Disable(*old);
-    Session().Graphics().FailCall(EngineService::kCreateBitmap);
+    Session().Graphics().FailCall(GraphicsService::kCreateBitmap);
     ASSERT_FALSE(Session().EnableSurface(*fresh));
-    EXPECT_FALSE(Session().EndDoc(*fresh));  // there is no surface to name the instance
+    EXPECT_FALSE(Session().EndDoc(*fresh));  // without a surface there is no instance
     EXPECT_THAT(results, ElementsAre(0));
     EXPECT_THAT(Printer().written, IsEmpty());
 }
@@ -94,7 +94,7 @@ TEST_F(DisabledInstance, LeavesTheJobToTheInstanceThatReplacesIt) {
     EXPECT_THAT(engine.calls, ElementsAre("JobStart 0 0", "JobEnd"));
 }
 
-TEST_F(DisabledInstance, OfNoJobLeavesTheRunningJobItsOutput) {
+TEST_F(DisabledInstance, LeavesTheJobOfAnotherItsOutput) {
     const auto running = StartJob();
     const auto other = Enable(Mode());
     Disable(*other);

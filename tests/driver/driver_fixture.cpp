@@ -3,11 +3,12 @@
 #include <cstring>
 
 #include "tests/driver/profiles/profile_bytes.h"
-#include "tests/driver/test_mode.h"
+#include "tests/plain/valid_device_mode.h"
 
 namespace orvex {
 
 using namespace tools;
+
 uint32_t ProfileColor(uint32_t color, bool at600Dpi) {
     return color == 0xFFFFFF ? 0 : (color ^ (at600Dpi ? 0x5A000000u : 0x3C000000u)) & 0x7FFFFFFF;
 }
@@ -23,7 +24,7 @@ DriverTest::~DriverTest() {
 }
 
 DeviceMode DriverTest::Mode() {
-    return ValidTestMode(kProfile);
+    return ValidDeviceMode(kProfile);
 }
 
 std::vector<uint8_t> DriverTest::Bytes(const DeviceMode& mode) {

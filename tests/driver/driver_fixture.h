@@ -1,5 +1,5 @@
 // The built driver with a recording print engine, a spooler, a heap and an installation folder of the test's
-// own, driven hook by hook. What the driver has left on that heap when it is unloaded fails the test.
+// own, driven hook by hook. The test fails if the driver leaves a block on that heap when it is unloaded.
 #pragma once
 
 #include <gmock/gmock.h>
@@ -25,37 +25,37 @@ class DriverTest : public testing::Test {
   protected:
     static constexpr char kProfile[] = "test.zvp";
 
-    // Installs a grid profile, "Test colours", whose ink is ProfileColor() of the colour, at every grid
-    // colour.
+    // Installs a grid profile, "Test colours", whose ink at every grid color is ProfileColor() of it.
     DriverTest();
     ~DriverTest() override;
 
-    // A valid device mode with that profile: portrait, 300 dpi, 30 x 40 mm, centred, no print-head offset.
+    // Returns ValidDeviceMode() with that profile.
     static DeviceMode Mode();
     static constexpr int32_t kWidthPx = 354;  // of that page
     static constexpr int32_t kHeightPx = 472;
 
     static std::vector<uint8_t> Bytes(const DeviceMode& mode);
 
-    // Loads the driver, once, with `engine` or what `source` names. Logging is on, at `mask`.
+    // Returns the driver, which the first call loads with `engine` or the library that `source` names, and
+    // with the log at `mask`.
     DriverSession& Session() { return Session(engine.Entries()); }
     DriverSession& Session(EngineSource source);
-    uint32_t mask = 1;  // errors and information; 3 adds the trace
+    uint32_t mask = 1;  // errors and information; 3 adds the trace lines
 
     // Unloads the driver and loads it again with another engine.
     DriverSession& Restart(EngineSource source);
 
-    // A device with its page bitmap.
+    // Enables a device and its page bitmap.
     std::unique_ptr<Device> Enable(const DeviceMode& mode);
-    // The same with a job and its first page begun.
+    // Enables a device and starts a job and its first page on it.
     std::unique_ptr<Device> StartPage(const DeviceMode& mode, const std::string& title = "title");
 
-    // What the driver keeps of a device.
+    // Returns the driver's instance of a device.
     static PDEV& InstanceOf(const Device& device) { return *reinterpret_cast<PDEV*>(device.Instance()); }
 
-    // Of the driver's own allocations.
+    // Returns the heap of the driver's allocations.
     DebugHeap& Heap() { return *heap_; }
-    // The blocks that it has not freed, in words. The log's two paths are its to keep.
+    // Describes the blocks that the driver has not freed, except the two paths of the log, which it keeps.
     std::vector<std::string> LeftOnHeap() const;
 
     Spooler& PrintSpooler() { return Session().PrintSpooler(); }
@@ -76,7 +76,7 @@ class DriverTest : public testing::Test {
     std::optional<LogCapture> log_;
 };
 
-// The ink of the test profile, another one at 600 dpi; none for white.
+// Returns the ink of the test profile, which differs at 600 dpi; white has none.
 uint32_t ProfileColor(uint32_t color, bool at600Dpi);
 
 }  // namespace orvex

@@ -8,7 +8,7 @@ using testing::ElementsAre;
 
 using Entry = DriverTest;
 
-TEST_F(Entry, RefusesAnOlderEngineAndAShortRecordWithoutTouchingIt) {
+TEST_F(Entry, RefusesAnOlderGraphicsEngineAndAShortRecordWithoutTouchingIt) {
     const auto enable = Session().Driver().EnableDriver();
     DRVENABLEDATA data;
     memset(&data, 0x5A, sizeof data);
@@ -31,7 +31,7 @@ TEST_F(Entry, OffersTenHooksInTheirOrder) {
     EXPECT_THAT(indices, ElementsAre(0, 7, 1, 2, 3, 4, 33, 32, 35, 34));
 }
 
-TEST_F(Entry, TellsThatItRunsInUserMode) {
+TEST_F(Entry, ReportsThatItRunsInUserMode) {
     const auto query = Session().Driver().QueryDriverInfo();
     DWORD mode = 0, needed = 0;
     EXPECT_TRUE(query(DRVQUERY_USERMODE, &mode, sizeof mode, &needed));
@@ -39,7 +39,7 @@ TEST_F(Entry, TellsThatItRunsInUserMode) {
     EXPECT_EQ(needed, 4u);
 }
 
-TEST_F(Entry, TellsTheSizeThatAShortBufferLacks) {
+TEST_F(Entry, ReportsTheSizeThatAShortBufferLacks) {
     const auto query = Session().Driver().QueryDriverInfo();
     DWORD mode = 77, needed = 0;
     SetLastError(0);
@@ -53,7 +53,7 @@ TEST_F(Entry, TellsTheSizeThatAShortBufferLacks) {
     EXPECT_EQ(needed, 4u);
 }
 
-TEST_F(Entry, KnowsNoOtherQuery) {
+TEST_F(Entry, RefusesAnyOtherQuery) {
     DWORD mode = 0, needed = 99;
     SetLastError(0);
     EXPECT_FALSE(Session().Driver().QueryDriverInfo()(2, &mode, sizeof mode, &needed));
@@ -75,7 +75,7 @@ TEST_F(Entry, TracesTheQuery) {
                                         "[Trace] </DrvQueryDriverInfo>"));
 }
 
-#ifndef _WIN32  // on Windows the entry point is the loader's alone
+#ifndef _WIN32  // on Windows only the loader calls the entry point
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID reserved);
 

@@ -1,6 +1,5 @@
-// What the print engine writes inside HPCRLIB_JobStart. The job's instance, name and page size are set by
-// then; its profile is not loaded, and the flags of the output callback are those that the job before left:
-// they are set for this job only when all of its start is done.
+// Output of the print engine inside HPCRLIB_JobStart. The job's instance, name and page size are set by then.
+// Its profile is not loaded yet, and the output callback still has the flags that the job before left.
 
 #include "driver/device_instance.h"
 #include "driver/job_state.h"
@@ -28,14 +27,15 @@ class JobStartOutput : public DriverTest {
 #endif
     }
 
-    // Hands a chunk to the callback, which takes it, and returns the bytes that were written.
+    // Hands a chunk to the callback, which must accept it, and returns the bytes that it wrote.
     std::string Written(std::string_view chunk) {
         Printer().written.clear();
         EXPECT_EQ(engine.Output(chunk), 1);
         return Printer().written;
     }
 
-    // Starts a job in which the engine writes these chunks inside HPCRLIB_JobStart; what each of them became.
+    // Starts a job in which the engine outputs these chunks inside HPCRLIB_JobStart, and returns what was
+    // written for each.
     std::vector<std::string> Start(Device& device, const std::string& title,
                                    std::initializer_list<std::string_view> chunks) {
         std::vector<std::string> written;
@@ -47,7 +47,8 @@ class JobStartOutput : public DriverTest {
         return written;
     }
 
-    // The framing and the header of a job that has started are still to come, whatever came inside its start.
+    // Verifies that a started job still drops its framing and writes its header, whatever the engine output
+    // inside the start.
     void ExpectFramingAndHeaderToCome(const HeaderFacts& facts) {
         EXPECT_EQ(Written(kFraming), "");
         EXPECT_EQ(Written(kComment), PlainHeader(facts) + kComment);
@@ -55,7 +56,7 @@ class JobStartOutput : public DriverTest {
         EXPECT_EQ(Written(kComment), kComment);
     }
 
-    // A landscape device without a profile, so that a header shows whose facts it has.
+    // Enables a landscape device without a profile, so that a header shows which device it describes.
     std::unique_ptr<Device> EnableOther() {
         std::filesystem::remove_all(installation.Path() / "profiles");
         DeviceMode mode = Mode();
@@ -66,7 +67,7 @@ class JobStartOutput : public DriverTest {
     static HeaderFacts OtherFacts(const std::string& title) {
         return {title, "Default", '0', 472, 354};
     }
-    // Those of a header that is written before the other job's profile is loaded.
+    // The facts of a header that is written before the other job's profile is loaded.
     static HeaderFacts EarlyFacts(const std::string& title) {
         return {title, "Test colours", 3, 472, 354};
     }
@@ -93,7 +94,7 @@ TEST_F(JobStartOutput, PassesAsItIsAfterAJobThatWroteItsHeader) {
     Session().EndDoc(*device);
 }
 
-TEST_F(JobStartOutput, LosesItsFramingAndGetsAHeaderAfterAJobThatWroteNothing) {
+TEST_F(JobStartOutput, LosesItsFramingAndGetsAHeaderAfterAJobWithoutOutput) {
     const auto device = Enable(Mode());
     Start(*device, "first", {});
     Session().EndDoc(*device);
@@ -104,7 +105,7 @@ TEST_F(JobStartOutput, LosesItsFramingAndGetsAHeaderAfterAJobThatWroteNothing) {
     Session().EndDoc(*other);
 }
 
-TEST_F(JobStartOutput, GetsAHeaderAfterAJobThatWroteNone) {
+TEST_F(JobStartOutput, GetsAHeaderAfterAJobWithoutOne) {
     const auto device = Enable(Mode());
     Start(*device, "first", {});
     Written("page");
@@ -116,7 +117,7 @@ TEST_F(JobStartOutput, GetsAHeaderAfterAJobThatWroteNone) {
     Session().EndDoc(*other);
 }
 
-TEST_F(JobStartOutput, FindsTheFlagsOfAJobThatWasNeverEnded) {
+TEST_F(JobStartOutput, MeetsTheFlagsOfAJobThatWasNeverEnded) {
     const auto device = Enable(Mode());
     Start(*device, "first", {});
     const auto other = EnableOther();
@@ -144,12 +145,12 @@ TEST_F(JobStartOutput, GoesToTheNewPrinterAfterTheEndOfAJobThatWasNeverEnded) {
     EXPECT_TRUE(PrintSpooler().Close(handle));
 }
 
-TEST_F(JobStartOutput, IsNotPatchedWithASwitchThatTheJobBeforeLeftOver) {
+TEST_F(JobStartOutput, IsNotPatchedWithASwitchLeftByTheJobBefore) {
     for (const bool ended : {true, false}) {
         SCOPED_TRACE(ended ? "ended" : "never ended");
         const auto device = StartPage(Mode());
         Written(kComment);
-        ASSERT_TRUE(Session().SendPage(*device));  // arms the switch, which nothing consumes
+        ASSERT_TRUE(Session().SendPage(*device));  // nothing patches its switch
         if (ended) {
             ASSERT_TRUE(Session().EndDoc(*device));
         }
@@ -160,7 +161,7 @@ TEST_F(JobStartOutput, IsNotPatchedWithASwitchThatTheJobBeforeLeftOver) {
     }
 }
 
-TEST_F(JobStartOutput, ComesAfterTheSwitchOfAJobThatWasNeverEndedTookEffect) {
+TEST_F(JobStartOutput, ComesAfterTheLastPatchOfAJobThatWasNeverEnded) {
     const auto device = StartPage(Mode());
     Written(kComment);
     ASSERT_TRUE(Session().SendPage(*device));

@@ -1,23 +1,23 @@
-// Pages printed through a profile that lacks grid points: the order of the look-ups decides about their inks,
-// so that a row or a block like an earlier one can print others.
+// Pages printed through a profile that lacks grid points. Their inks depend on the order of the look-ups, so
+// a row or a block like an earlier one can print other inks.
 
 #include <algorithm>
 #include <utility>
 
-#include "tests/driver/color/plain_rows.h"
 #include "tests/driver/driver_fixture.h"
 #include "tests/driver/profiles/profile_bytes.h"
-#include "tests/driver/render/plain_page.h"
+#include "tests/plain/page_order.h"
+#include "tests/plain/plain_rows.h"
 
 namespace orvex {
 
 using namespace tools;
+
 namespace {
 
 using Rows = std::vector<std::vector<uint32_t>>;
 
-// The grid points 0xF0E0F0 and 0xF0F0FF, of which a look-up fills the second. A third color lies between
-// them.
+// The missing grid points 0xF0E0F0 and 0xF0F0FF. A look-up fills the second; a third color is between them.
 constexpr uint32_t kMissing = 1 << 10 | 1 << 14;
 constexpr uint32_t kFilled = 0xF0F0FF, kBetween = 0xF0E8F8;
 
@@ -25,8 +25,8 @@ uint32_t InkOf(uint32_t color) {
     return color % 5 == 0 ? 0 : plain::Scramble(color) & 0x7FFFFFFF;
 }
 
-// A page in squares of 17 pixels, so that rows, columns and blocks repeat. The point that a look-up fills is
-// in the middle, with the color that it changes on all four sides.
+// A page in squares of 17 pixels, so that rows, columns and blocks repeat. The color that a look-up fills is
+// in the middle, and the color that it changes is on all four sides of it.
 struct Art {
     explicit Art(const plain::Neighborhood& around) : pixels(width * height) {
         for (int32_t y = 0; y < height; ++y) {
@@ -52,7 +52,7 @@ class MissingPoints : public DriverTest {
     MissingPoints() {
         around_.Fill(kMissing, InkOf, table_.data());
         const auto stored = [&](uint32_t color, bool) {
-            // Points farther away are all there.
+            // No point farther away is missing.
             return std::min({plain::Red(color), plain::Green(color), plain::Blue(color)}) < 0xE0
                        ? InkOf(color)
                        : table_[color];
@@ -61,8 +61,8 @@ class MissingPoints : public DriverTest {
                            ProfileBytes(5, TagArea(NameTag("Gaps")), GridColors(stored)));
     }
 
-    // The rows that a page of a new job should print. Notes whether one of the page's own prints other inks
-    // than the same pixels before it.
+    // Returns the rows that a page of a new job must print. Notes whether any of them prints other inks than
+    // the row of the same pixels before it.
     Rows PlainRows(const Art& art, const DeviceMode& mode, RowOrder order) {
         around_.Fill(kMissing, InkOf, table_.data());
         const int32_t count = order.landscape ? Art::height : Art::width;
@@ -71,7 +71,7 @@ class MissingPoints : public DriverTest {
         std::vector<uint32_t> last;
         for (int32_t row = 0; row < count; ++row) {
             std::vector<uint32_t> pixels;
-            for (int32_t i = 0; i < length; ++i) pixels.push_back(PlainPixel(art, order, row, i));
+            for (int32_t i = 0; i < length; ++i) pixels.push_back(plain::PagePixel(art, order, row, i));
             rows.push_back(plain::PrintRow(
                 pixels, {mode.priv.kws, 0, static_cast<uint32_t>(mode.priv.colorMode)}, 5, table_.data()));
             if (row > 1 && pixels == last) repeatsChange_ |= rows[row] != rows[row - 1];
@@ -102,7 +102,7 @@ class MissingPoints : public DriverTest {
 
 }  // namespace
 
-TEST_F(MissingPoints, PrintThePlainInksInEveryOrderOfTheRows) {
+TEST_F(MissingPoints, PrintThePlainInksInEveryRowOrder) {
     Art art(around_);
     for (int choices = 0; choices < 48; ++choices) {
         const RowOrder order{(choices & 1) != 0, (choices & 2) != 0, (choices & 4) != 0};

@@ -1,5 +1,5 @@
-// Bitmaps of negative width or height, which no graphics engine makes. The page is refused before the print
-// engine hears of it, so nothing is written outside a row that has no pixels, and the pages after it print.
+// Bitmaps of negative width or height, which no graphics engine makes. The page is refused before it reaches
+// the print engine, so nothing is written outside a row without pixels, and later pages print.
 
 #include <limits>
 #include <span>
@@ -27,7 +27,7 @@ constexpr Size kNegativeSizes[] = {{-8, 8},   {8, -8},   {-8, -8},     {-1, 8}, 
 
 class NegativeSize : public SendPageTest {
   protected:
-    // The engine only counts the rows: one of a negative width could not be read.
+    // The engine only counts the rows, since it could not read one of negative width.
     NegativeSize() {
         engine.onRow = [this](std::span<const uint32_t>) { ++rowsTaken; };
     }
@@ -48,7 +48,7 @@ class NegativeSize : public SendPageTest {
         EXPECT_THAT(lines, Not(Contains(HasSubstr("thumb"))));
     }
 
-    // Sends a first page of each size, then one of the mode's own size, which must print.
+    // Sends a first page of each size, then a page of the mode's own size, which must print.
     void ExpectAllRefused(const DeviceMode& mode) {
         const auto device = StartPage(mode);
         engine.calls.clear();
@@ -84,9 +84,9 @@ TEST_F(NegativeSize, HasNoThumbnail) {
     ExpectAllRefused(Mode());
 }
 
-TEST_F(NegativeSize, IsNotThatOfABitmapWithoutScanLines) {
+TEST_F(NegativeSize, IsNotTheSizeOfABitmapWithoutScanLines) {
     PrintSize(Mode(), 3, 0);
-    EXPECT_EQ(rowsTaken, 3);  // without a pixel
+    EXPECT_EQ(rowsTaken, 3);  // without pixels
     EXPECT_EQ(engine.calls.back(), "PageEnd");
     Session().EndDoc(Current());
     rowsTaken = 0;

@@ -1,14 +1,14 @@
-// The job header that a test expects, byte by byte.
+// The job header that a test expects, byte for byte.
 #pragma once
 
 #include <string>
 
 namespace orvex {
 
-// The engine's line in front of which the driver writes the header.
+// The print engine's line that the driver inserts the header before.
 inline constexpr char kComment[] = "@PJL COMMENT engine\n";
 
-// The facts of a job in its header; by default those of the fixture's device mode and profile.
+// The facts of a job in its header. The defaults are those of the fixture's device mode and profile.
 struct HeaderFacts {
     std::string jobName = "My job";
     std::string profileName = "Test colours";
@@ -17,7 +17,7 @@ struct HeaderFacts {
     int heightPx = 472;
 };
 
-// Returns all lines of the header, every setting as in the fixture's device mode.
+// Returns all lines of the header, with the settings of the fixture's device mode.
 std::string PlainHeader(const HeaderFacts& facts = {});
 
 }  // namespace orvex

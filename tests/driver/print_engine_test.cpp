@@ -1,10 +1,8 @@
 // The print engine's library, which a job loads at its start and unloads at its end, and the current
 // directory, which is the installation folder in between.
 
-#include <filesystem>
-
 #include "driver/device_instance.h"
-#include "tests/driver/driver_fixture.h"
+#include "tests/driver/print_job_fixture.h"
 
 namespace orvex {
 
@@ -18,24 +16,17 @@ using testing::Not;
 
 namespace {
 
-class PrintEngineBinding : public DriverTest {
+class PrintEngineBinding : public PrintJobTest {
   protected:
-    PrintEngineBinding() : directoryBefore_(fs::current_path()) {}
-    ~PrintEngineBinding() override { EXPECT_EQ(fs::current_path(), directoryBefore_); }
-
     bool InInstallationFolder() const { return fs::equivalent(fs::current_path(), installation.Path()); }
-    bool Start(const std::unique_ptr<Device>& device) { return Session().StartDoc(*device, "title"); }
-
-  private:
-    fs::path directoryBefore_;
 };
 
 }  // namespace
 
-TEST_F(PrintEngineBinding, BindsTheEngineForItsTimeOnly) {
+TEST_F(PrintEngineBinding, LastsForTheJobOnly) {
     const auto device = Enable(Mode());
     EXPECT_FALSE(Session().Engine().Bound());
-    ASSERT_TRUE(Start(device));
+    ASSERT_TRUE(Start(*device));
     EXPECT_TRUE(Session().Engine().Bound());
     EXPECT_TRUE(InInstallationFolder());
     EXPECT_EQ(InstanceOf(*device).flags, PDEV_IN_JOB);
@@ -51,7 +42,7 @@ TEST_F(PrintEngineBinding, FailsWithoutAnInstallationFolder) {
     const auto device = Enable(Mode());
     Session().Shell().FailFolder(ERROR_ACCESS_DENIED);
     LogLines();
-    EXPECT_FALSE(Start(device));
+    EXPECT_FALSE(Start(*device));
     EXPECT_THAT(LogLines(),
                 AllOf(Contains("[Error] Error: could get app path"), Contains("[Trace] Return: FALSE")));
     EXPECT_FALSE(Session().Engine().Bound());
@@ -61,9 +52,9 @@ TEST_F(PrintEngineBinding, FailsWithoutTheEnginesLibrary) {
     const auto device = Enable(Mode());
     Session().Engine().FailLoading(true);
     LogLines();
-    EXPECT_FALSE(Start(device));
+    EXPECT_FALSE(Start(*device));
     EXPECT_THAT(LogLines(), AllOf(Contains("[Error] Error: could not load hpcrlib.DLL"),
-                                  Not(Contains(HasSubstr("could not get")))));  // looks for nothing in it
+                                  Not(Contains(HasSubstr("could not get")))));  // an entry point
 }
 
 TEST_F(PrintEngineBinding, LoadsTheLibraryFromElsewhereWhenTheInstallationFolderCannotBeEntered) {
@@ -71,8 +62,8 @@ TEST_F(PrintEngineBinding, LoadsTheLibraryFromElsewhereWhenTheInstallationFolder
     const fs::path before = fs::current_path();
     fs::remove_all(installation.Path());
     LogLines();
-    ASSERT_TRUE(Start(device));
-    // The profile's path is relative, so the profile is missing where the job now looks for it.
+    ASSERT_TRUE(Start(*device));
+    // The profile's path is relative, so the job looks for the profile in the folder where it is not.
     EXPECT_THAT(LogLines(), AllOf(Contains("[Error] Error: could not open file [profiles\\test.zvp]"),
                                   Not(Contains("[Error] Error: could not load hpcrlib.DLL"))));
     EXPECT_TRUE(Session().Engine().Bound());
@@ -83,14 +74,14 @@ TEST_F(PrintEngineBinding, LoadsTheLibraryFromElsewhereWhenTheInstallationFolder
     EXPECT_EQ(fs::current_path(), before);
 }
 
-TEST_F(PrintEngineBinding, FailsWhenNoOtherPlaceHasTheLibraryEither) {
+TEST_F(PrintEngineBinding, FailsWhenTheLibraryIsNowhereElseEither) {
     const auto device = Enable(Mode());
     const fs::path before = fs::current_path();
     fs::remove_all(installation.Path());
     Session().Engine().FailLoading(true);
     LogLines();
     SetLastError(0);
-    EXPECT_FALSE(Start(device));
+    EXPECT_FALSE(Start(*device));
     EXPECT_EQ(GetLastError(), DWORD{ERROR_MOD_NOT_FOUND});
     EXPECT_THAT(LogLines(), Contains("[Error] Error: could not load hpcrlib.DLL"));
     EXPECT_EQ(fs::current_path(), before);
@@ -103,7 +94,7 @@ TEST_F(PrintEngineBinding, FailsForEachMissingEntryPoint) {
         Restart(entries);
         const auto device = Enable(Mode());
         LogLines();
-        EXPECT_FALSE(Start(device));
+        EXPECT_FALSE(Start(*device));
         EXPECT_THAT(LogLines(),
                     Contains("[Error] Error: could not get \"" + std::string(missing.name) + "\" address"));
         EXPECT_EQ(Session().Engine().Books().loads, 1u);
@@ -116,7 +107,7 @@ TEST_F(PrintEngineBinding, NamesTheFirstMissingEntryPointOnly) {
     Restart(PrintEngine{});
     const auto device = Enable(Mode());
     LogLines();
-    EXPECT_FALSE(Start(device));
+    EXPECT_FALSE(Start(*device));
     EXPECT_THAT(LogLines(), AllOf(Contains("[Error] Error: could not get \"HPCRLIB_JobStart\" address"),
                                   Not(Contains("[Error] Error: could not get \"HPCRLIB_JobEnd\" address"))));
 }
@@ -125,7 +116,7 @@ namespace {
 
 int directoryChanges = 0;
 
-// Goes nowhere, and says so from the second time on.
+// Pretends to change the directory once, and fails from the second call on.
 BOOL WINAPI ChangeDirectoryOnce(LPCWSTR) {
     if (++directoryChanges == 1) return TRUE;
     SetLastError(ERROR_ACCESS_DENIED);
@@ -134,7 +125,7 @@ BOOL WINAPI ChangeDirectoryOnce(LPCWSTR) {
 
 }  // namespace
 
-TEST_F(PrintEngineBinding, LeavesTheErrorOfTheEnginesLibraryThoughTheDirectoryCannotBeRestored) {
+TEST_F(PrintEngineBinding, LeavesTheLibrarysErrorEvenIfTheDirectoryCannotBeRestored) {
     for (const DWORD code : {ERROR_MOD_NOT_FOUND, ERROR_PROC_NOT_FOUND}) {
         Restart(PrintEngine{});
         const auto device = Enable(Mode());
@@ -142,21 +133,21 @@ TEST_F(PrintEngineBinding, LeavesTheErrorOfTheEnginesLibraryThoughTheDirectoryCa
         const ImportPatch patch(Session().Driver().Module(), "SetCurrentDirectoryW",
                                 reinterpret_cast<void*>(&ChangeDirectoryOnce));
         directoryChanges = 0;
-        EXPECT_FALSE(Start(device));
+        EXPECT_FALSE(Start(*device));
         EXPECT_EQ(GetLastError(), code);
         EXPECT_EQ(directoryChanges, 2);
     }
 }
 
-TEST_F(PrintEngineBinding, StaysWhereItIsWhenTheCurrentDirectoryCannotBeTold) {
+TEST_F(PrintEngineBinding, LeavesTheDirectoryIfItDidNotLearnTheOneBefore) {
     const auto device = Enable(Mode());
-    ASSERT_TRUE(Start(device));  // leaves a directory to go back to
+    ASSERT_TRUE(Start(*device));  // remembers a directory
     ASSERT_TRUE(Session().EndDoc(*device));
     const fs::path before = fs::current_path();
     {
         const ImportPatch patch(Session().Driver().Module(), "GetCurrentDirectoryW",
                                 reinterpret_cast<void*>(+[](DWORD, LPWSTR) WINAPI -> DWORD { return 0; }));
-        ASSERT_TRUE(Start(device));
+        ASSERT_TRUE(Start(*device));
         ASSERT_TRUE(Session().EndDoc(*device));
     }
     EXPECT_TRUE(InInstallationFolder());

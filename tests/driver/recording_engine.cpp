@@ -25,7 +25,7 @@ struct RecordingEntryPoints {
         current->output = output;
         current->context = context;
         if (current->onJobStart) current->onJobStart();
-        return current->Status("JobStart") == 1 ? RecordingEngine::kJob : 0;
+        return current->Status("JobStart") == kEngineSuccess ? RecordingEngine::kJob : 0;
     }
     static uint32_t HPCRLIB_CALL JobEnd(uint64_t job) {
         Note("JobEnd");
@@ -92,7 +92,7 @@ int32_t RecordingEngine::Output(std::string_view bytes) {
 
 uint32_t RecordingEngine::Status(const char* call) {
     const auto failure = failures_.find(call);
-    if (failure == failures_.end() || --failure->second.countdown != 0) return 1;
+    if (failure == failures_.end() || --failure->second.countdown != 0) return kEngineSuccess;
     return failure->second.status;
 }
 

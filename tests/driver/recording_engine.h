@@ -1,5 +1,4 @@
-// A print engine's library in this process that writes down every call, keeps every row and fails when it is
-// told to.
+// A print engine's library in this process that records every call, keeps every row and fails on request.
 #pragma once
 
 #include <cstdint>
@@ -15,6 +14,7 @@
 namespace orvex {
 
 using namespace tools;
+
 class RecordingEngine {
   public:
     RecordingEngine();
@@ -24,21 +24,21 @@ class RecordingEngine {
 
     PrintEngine Entries() const;
 
-    // Makes the n-th call of that name from now on, 1 being the next, return `status` instead of success.
+    // Makes the n-th call of that name from now on, where 1 is the next, return `status`.
     void Fail(const std::string& call, int nth, uint32_t status = 0) { failures_[call] = {nth, status}; }
 
-    // Hands bytes to the driver's output callback, as the library does inside its calls. The callback's
-    // result.
+    // Hands bytes to the driver's output callback, as the library does inside its calls, and returns the
+    // callback's result.
     int32_t Output(std::string_view bytes);
 
     static constexpr uint64_t kJob = 0x1'0000'BEEF;  // wider than 32 bits
 
-    std::vector<std::string> calls;           // every call but the rows, with its arguments
+    std::vector<std::string> calls;           // every call except rows, with its arguments
     std::vector<std::vector<uint32_t>> rows;  // of the current block
     std::function<void()> onJobStart;         // inside HPCRLIB_JobStart
     std::function<void()> onJobEnd;           // inside HPCRLIB_JobEnd
     std::function<void()> onPageStart;        // inside HPCRLIB_PageStart
-    // Is given each row of a page that is too large for all of its rows to be kept; none is then.
+    // Takes each row of a page that is too large to keep all of its rows; `rows` stays empty then.
     std::function<void(std::span<const uint32_t> row)> onRow;
     HPCRLIB_OutputCallback output = nullptr;
     void* context = nullptr;

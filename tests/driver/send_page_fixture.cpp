@@ -5,6 +5,7 @@
 namespace orvex {
 
 using namespace tools;
+
 namespace {
 
 constexpr uint32_t kGridColors[] = {0xFFFFFF, 0x000000, 0xFF0000, 0x00FF00,

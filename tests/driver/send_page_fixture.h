@@ -7,6 +7,7 @@
 namespace orvex {
 
 using namespace tools;
+
 using Row = std::vector<uint32_t>;
 using Rows = std::vector<Row>;
 
@@ -14,25 +15,24 @@ class SendPageTest : public DriverTest {
   protected:
     ~SendPageTest() override;
 
-    static constexpr int32_t kW = kWidthPx, kH = kHeightPx;  // the page of the fixture, upright
+    static constexpr int32_t kW = kWidthPx, kH = kHeightPx;  // the fixture's page in portrait
     static DeviceMode Landscape();
 
-    // Paints random colours of the profile's grid over the page.
+    // Paints random colors of the profile's grid over the page.
     static void Paint(SURFOBJ& surface);
 
-    // Sends one page of a new job; the rows that the engine got.
+    // Sends one page of a new job and returns the rows that the print engine got.
     Rows Print(const DeviceMode& mode, bool painted = true);
-    // The same for a white page of `width` x `height` pixels, whatever size the device mode says.
+    // Sends a white page of `width` x `height` pixels, whatever the size in the device mode.
     Rows PrintSize(const DeviceMode& mode, int32_t width, int32_t height);
 
-    // The printed page.
+    // Returns the device of the last page.
     Device& Current() { return *device_; }
     uint32_t PageCount() const { return reinterpret_cast<PDEV*>(device_->Instance())->pageCount; }
-    // The ink of one of its pixels.
+    // Returns the ink of a pixel of that page.
     uint32_t Ink(int32_t x, int32_t y) const;
 
-    // Checks every row against `at(row, i)`, the ink of pixel i of image row `row`, the first-row marker
-    // applied.
+    // Verifies that pixel i of every row is `at(row, i)`, apart from the first-row marker.
     template <typename InkAt>
     void ExpectRows(const Rows& rows, int32_t count, int32_t width, InkAt at) {
         ASSERT_EQ(rows.size(), static_cast<size_t>(count));

@@ -13,7 +13,7 @@ using testing::StartsWith;
 
 using SendPage = SendPageTest;
 
-TEST_F(SendPage, ReportsARefusedPageAndCountsItAllTheSame) {
+TEST_F(SendPage, ReportsARefusedPageAndStillCountsIt) {
     mask = 3;
     engine.Fail("PageStart", 1);
     EXPECT_THAT(Print(Mode()), IsEmpty());
@@ -58,7 +58,7 @@ TEST_F(SendPage, CountsTheFillInTheNumberOfARefusedRow) {
     }
 }
 
-TEST_F(SendPage, CountsEveryRowOnceInTheNumberOfARefusedOneWhereverTheFillIs) {
+TEST_F(SendPage, CountsEveryRowOnceInTheNumberOfARefusedRowWhereverTheFillIs) {
     DeviceMode mode = Mode();
     mode.priv.kws = 1;
     mode.priv.kws_fullwidth = 1;
@@ -66,7 +66,7 @@ TEST_F(SendPage, CountsEveryRowOnceInTheNumberOfARefusedOneWhereverTheFillIs) {
         int16_t alignment;
         int nth;
     };
-    // The fill is in front of the image, or behind it.
+    // The fill comes before the image, or after it.
     for (const Case& item : {Case{0, 3510 - kW + 6}, {2, 6}, {2, kW + 6}}) {
         mode.priv.alignment = item.alignment;
         engine.Fail("RasterRow", item.nth);
@@ -147,7 +147,7 @@ TEST_F(SendPage, LogsFullWidthAndPurgeBar) {
     }
 }
 
-TEST_F(SendPage, LogsWhereThePrintHeadOffsetMovedThePage) {
+TEST_F(SendPage, LogsHowThePrintHeadOffsetMovedThePage) {
     struct Case {
         int16_t alignment, offset;
         bool fullWidth;
@@ -191,7 +191,7 @@ TEST_F(SendPage, LogsOnlyTheMeasuresOfAnOffsetThatWouldLeaveThePrintHead) {
     }
 }
 
-TEST_F(SendPage, LogsAnOffsetOfOnePixelAndNoneOfNothing) {
+TEST_F(SendPage, LogsAnOffsetOfOnePixelButNotOfZero) {
     DeviceMode mode = Mode();
     mode.priv.alignment = 2;
     for (const int16_t offset : {int16_t{-2}, int16_t{0}}) {
@@ -233,7 +233,7 @@ DWORD WINAPI SteadyClock() {
 
 }  // namespace
 
-TEST_F(SendPage, LogsEachStageOnlyWhenItTookLongerThanEver) {
+TEST_F(SendPage, LogsTheStagesThatItsRowOrderTimes) {
     mask = 3;
     struct Case {
         bool landscape, rotate, mirror;
@@ -278,8 +278,8 @@ TEST_F(SendPage, LogsTheLongestDurationOfEachStageSoFar) {
     Session();
     const ImportPatch clock(Session().Driver().Module(), "GetTickCount",
                             reinterpret_cast<void*>(&SteadyClock));
-    // The clock is read at both ends of each stage of a row. All rows are white; converted are the first two
-    // and the first of each of the five other bands of columns that are read at once.
+    // The clock is read at both ends of each stage of a row. All rows are white, so only the first two are
+    // converted, and the first of each of the five other bands of columns that are read at once.
     constexpr int kReadings = 1 + 4 * kWidthPx + 2 * (2 + 5) + 1;
     static_assert(kWidthPx > 5 * 64 && kWidthPx <= 6 * 64);
     const auto device = StartPage(Mode());

@@ -90,7 +90,7 @@ TEST_F(SendPage, ReadsABottomUpBitmapFromItsTopScanLine) {
     Session().EndDoc(*device);
 }
 
-TEST_F(SendPage, OfNoRowsSendsItsFillAndClosesBlockAndPage) {
+TEST_F(SendPage, SendsTheFillOfAPageWithoutRowsAndClosesBlockAndPage) {
     DeviceMode mode = Mode();
     mode.priv.kws = 1;
     mode.priv.kws_fullwidth = 1;
@@ -103,12 +103,12 @@ TEST_F(SendPage, OfNoRowsSendsItsFillAndClosesBlockAndPage) {
     EXPECT_EQ(engine.calls.back(), "PageEnd");
 }
 
-TEST_F(SendPage, OfRowsWithoutPixelsSendsThemAllTheSame) {
+TEST_F(SendPage, SendsRowsWithoutPixels) {
     EXPECT_THAT(PrintSize(Landscape(), 0, 3), ElementsAre(IsEmpty(), IsEmpty(), IsEmpty()));
     EXPECT_EQ(engine.calls.back(), "PageEnd");
 }
 
-TEST_F(SendPage, OfRowsLongerThanCanBeCountedEndsBeforeTheFirst) {
+TEST_F(SendPage, EndsBeforeTheFirstRowIfRowsAreTooLongToCount) {
     DeviceMode mode = Mode();
     mode.priv.purgeBar = 1;
     EXPECT_THAT(PrintSize(mode, 0, INT32_MAX), IsEmpty());
@@ -144,7 +144,7 @@ TEST_F(SendPage, MarksTheFirstPixelInEveryOrientation) {
     }
 }
 
-TEST_F(SendPage, PutsALeadingPurgeBarInFrontOfTheImage) {
+TEST_F(SendPage, PutsALeadingPurgeBarBeforeTheImage) {
     DeviceMode mode = Mode();
     mode.priv.purgeBar = 1;
     mode.priv.purgeDots = 10;
@@ -157,7 +157,7 @@ TEST_F(SendPage, PutsALeadingPurgeBarInFrontOfTheImage) {
     EXPECT_THAT(engine.calls, Contains("RasterBlockStart 0 0 " + std::to_string(kH + lead) + " 354"));
 }
 
-TEST_F(SendPage, KeepsAPixelFreeBehindATrailingPurgeBar) {
+TEST_F(SendPage, KeepsAPixelFreeAfterATrailingPurgeBar) {
     DeviceMode mode = Mode();
     mode.pub.dmPrintQuality = 600;
     mode.priv.purgeBar = 2;
@@ -181,14 +181,14 @@ TEST_F(SendPage, EndsTrailingPurgeDotsOnePixelBeforeTheRowEnds) {
     }
 }
 
-TEST_F(SendPage, PurgesOnlyThePagesOfItsFrequency) {
+TEST_F(SendPage, PurgesPagesAtItsFrequencyOnly) {
     constexpr uint32_t kDot = 0xFFFFFFFF;
     const auto purged = [&](int16_t frequency, int pageCount = 4) {
         DeviceMode mode = Mode();
         mode.priv.purgeBar = 2;
         mode.priv.purgeFreq = frequency;
         const auto device = StartPage(mode);
-        std::vector<uint32_t> pages;  // the one dot of the fourth row of each
+        std::vector<uint32_t> pages;  // the only dot of each page's fourth row
         for (int page = 1; page <= pageCount; ++page) {
             if (page > 1) {
                 EXPECT_TRUE(Session().StartPage(*device));
@@ -209,7 +209,7 @@ TEST_F(SendPage, LeavesTheMarkerInAPurgeBarWithoutDots) {
     DeviceMode mode = Mode();
     mode.priv.purgeBar = 1;
     const auto device = StartPage(mode);
-    ASSERT_TRUE(Session().StartPage(*device));  // page 2 carries no dots
+    ASSERT_TRUE(Session().StartPage(*device));  // page 2 has no dots
     ASSERT_TRUE(Session().SendPage(*device));
     EXPECT_EQ(engine.rows[0][0], 2u);
     EXPECT_EQ(engine.rows[1][0], 2u);  // conversion writes the image area only
@@ -237,7 +237,7 @@ TEST_F(SendPage, FillsTheHeadWithThePatternAroundAFullWidthPage) {
     EXPECT_THAT(engine.calls, Contains("RasterBlockStart 0 0 472 3510"));
 }
 
-TEST_F(SendPage, FillsTheHeadWithThePatternAroundAPageOfOnePixelsWidth) {
+TEST_F(SendPage, FillsTheHeadWithThePatternAroundAPageOnePixelWide) {
     DeviceMode mode = Landscape();
     mode.priv.kws = 1;
     mode.priv.kws_fullwidth = 1;
@@ -258,7 +258,7 @@ TEST_F(SendPage, FillsWithTheLightPatternAt600Dpi) {
                 ElementsAre(0x2u, 0x200u, 0x20000u, 0x2000000u, 0x2u));
 }
 
-TEST_F(SendPage, FillsWithNothingWhenAPurgeBarAloneAsksForFullWidth) {
+TEST_F(SendPage, FillsWithNothingWhenOnlyAPurgeBarAsksForFullWidth) {
     DeviceMode mode = Mode();
     mode.priv.purgeBar = 1;
     mode.priv.purgeDots = 10;
@@ -270,7 +270,7 @@ TEST_F(SendPage, FillsWithNothingWhenAPurgeBarAloneAsksForFullWidth) {
     }
 }
 
-TEST_F(SendPage, PrintsInGrayWhenTheColorModeSaysSo) {
+TEST_F(SendPage, PrintsInGrayInAGrayColorMode) {
     DeviceMode mode = Landscape();
     mode.priv.colorMode = 2;
     const Rows rows = Print(mode);
@@ -286,7 +286,7 @@ TEST_F(SendPage, SendsNothingWithoutABoundEngine) {
     EXPECT_THAT(engine.calls, IsEmpty());
 }
 
-TEST_F(SendPage, KeepsTheBitmapAsItWas) {
+TEST_F(SendPage, LeavesTheBitmapUnchanged) {
     const auto device = StartPage(Mode());
     Paint(*device->Surface());
     const SURFOBJ& surface = *device->Surface();

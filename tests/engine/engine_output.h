@@ -1,4 +1,4 @@
-// Takes what the engine outputs, and prints small jobs.
+// Collects the stand-in engine's output, and prints small jobs.
 #pragma once
 
 #include <cstddef>
@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "engine/hpcrlib.h"
 #include "engine/print_stream.h"
-#include "tests/engine/hpcrlib_functions.h"
 
 namespace orvex {
 
@@ -16,7 +16,7 @@ inline constexpr uint32_t kMode600Dpi = 1;
 
 using Rows = std::vector<std::vector<uint32_t>>;
 
-// The output callback's context: every chunk, and a callback that fails from one chunk on.
+// The output callback and its context: keeps every chunk, and fails from one chunk on.
 struct EngineOutput {
     std::vector<std::string> chunks;
     size_t failFrom = SIZE_MAX;
@@ -32,7 +32,7 @@ struct EngineOutput {
 
     uint64_t StartJob(uint32_t mode = kMode600Dpi) { return HPCRLIB_JobStart(&Take, this, mode, 0); }
 
-    // The print file: all but the framing chunk.
+    // Returns the print file: every chunk but the framing.
     std::string File() const {
         std::string file;
         for (size_t i = 1; i < chunks.size(); ++i) file += chunks[i];
@@ -40,12 +40,12 @@ struct EngineOutput {
     }
 };
 
-// A page that holds a block of that size at the top.
+// Starts a page with room for a block of that size at its top.
 inline uint32_t StartFittingPage(uint64_t job, uint32_t rowWidth, uint32_t rows, uint32_t unit = 12) {
     return HPCRLIB_PageStart(job, unit * rowWidth + 2400, unit * rows + 2400);
 }
 
-// One page of these rows, all of one width. Whether every call succeeded.
+// Prints one page of these rows, all of one width, and returns whether every call succeeded.
 inline bool PrintPage(uint64_t job, const Rows& rows, uint32_t top = 0) {
     const auto count = static_cast<uint32_t>(rows.size());
     const auto width = static_cast<uint32_t>(rows[0].size());
@@ -55,7 +55,7 @@ inline bool PrintPage(uint64_t job, const Rows& rows, uint32_t top = 0) {
     return good && HPCRLIB_RasterBlockEnd(job) == 1 && HPCRLIB_PageEnd(job) == 1;
 }
 
-// The output of a job of these pages.
+// Returns the output of a job of these pages.
 inline EngineOutput PrintJob(const std::vector<Rows>& pages, uint32_t mode = kMode600Dpi) {
     EngineOutput output;
     const uint64_t job = output.StartJob(mode);

@@ -20,7 +20,7 @@ std::string Number(uint32_t number) {
     return bytes;
 }
 
-// The checksum by its definition: two sums modulo 65521, byte by byte.
+// Returns the checksum by its definition: two sums modulo 65521, byte by byte.
 uint32_t Checksum(const std::string& bytes) {
     uint64_t a = 1;
     uint64_t b = 0;
@@ -44,7 +44,7 @@ uint8_t FirstAndLastThree(const std::string& chunk) {
     return static_cast<uint8_t>(sum);
 }
 
-// Noise, which does not compress.
+// Returns rows that do not compress.
 Rows Noise(uint32_t rows, uint32_t width) {
     std::mt19937 random(11);
     Rows noise(rows, std::vector<uint32_t>(width));
@@ -56,7 +56,7 @@ Rows Noise(uint32_t rows, uint32_t width) {
 
 }  // namespace
 
-TEST(PrintStream, ASmallJobIsTheseChunks) {
+TEST(PrintStream, OfASmallJobHasTheseChunks) {
     const EngineOutput output = PrintJob({{{1, 1, 1}, {1, 1, 1}}});
     const std::string row = "\x43\x01\x00\x00\x00\x03"s;
     const std::vector<std::string> expected = {
@@ -75,7 +75,7 @@ TEST(PrintStream, ASmallJobIsTheseChunks) {
     EXPECT_EQ(output.chunks, expected);
 }
 
-TEST(PrintStream, LaterPagesBringNoOpening) {
+TEST(PrintStream, HasOneOpeningForAllPages) {
     const EngineOutput output = PrintJob({{{1}}, {{2}}});
     ASSERT_EQ(output.chunks.size(), 11u);
     EXPECT_EQ(output.chunks[6], "\x1B*o0M" + Record('P', Number(2) + Number(2424) + Number(86616)));
@@ -83,21 +83,22 @@ TEST(PrintStream, LaterPagesBringNoOpening) {
     EXPECT_EQ(output.chunks[10], Record('j', Number(2)) + "\x1B%-12345X");
 }
 
-TEST(PrintStream, TheResolutionCommandTells600DpiFromAnyOther) {
+TEST(PrintStream, HasAResolutionCommandFor600DpiAndOneForAnyOther) {
     EXPECT_NE(PrintJob({{{1}}}, 1).chunks[2].find("\x1B*o0M"), std::string::npos);
     EXPECT_NE(PrintJob({{{1}}}, 0).chunks[2].find("\x1B*o-1M"), std::string::npos);
     EXPECT_NE(PrintJob({{{1}}}, 2).chunks[2].find("\x1B*o-1M"), std::string::npos);
 }
 
-// The driver drops leading chunks longer than 6 bytes whose first and last three bytes add up to 0.
-TEST(PrintStream, OnlyTheFramingChunkLooksLikeOne) {
+// The driver drops leading chunks longer than 6 bytes whose first and last three bytes add up to 0 modulo
+// 256.
+TEST(PrintStream, HasOneChunkThatLooksLikeFraming) {
     const EngineOutput output = PrintJob({{{1}}});
     EXPECT_GT(output.chunks[0].size(), 6u);
     EXPECT_EQ(FirstAndLastThree(output.chunks[0]), 0);
     EXPECT_NE(FirstAndLastThree(output.chunks[1]), 0);
 }
 
-TEST(PrintStream, NothingIsOutputBeforeTheFirstPage) {
+TEST(PrintStream, IsEmptyBeforeTheFirstPage) {
     EngineOutput output;
     const uint64_t job = output.StartJob();
     EXPECT_TRUE(output.chunks.empty());
@@ -105,7 +106,7 @@ TEST(PrintStream, NothingIsOutputBeforeTheFirstPage) {
     EXPECT_TRUE(output.chunks.empty());
 }
 
-TEST(PrintStream, RowsAreOutputAsSoonAs32KibHaveCome) {
+TEST(PrintStream, HasEachRowsRecordAsSoonAsItHas32Kib) {
     constexpr uint32_t kWidth = 1000;
     constexpr size_t kRowSize = row_code::MaxEncodedRowSize(kWidth);
     constexpr size_t kRowsPerChunk = (32 * 1024 + kRowSize - 1) / kRowSize;
@@ -126,15 +127,15 @@ TEST(PrintStream, RowsAreOutputAsSoonAs32KibHaveCome) {
     EXPECT_EQ(HPCRLIB_JobEnd(job), 1u);
 }
 
-TEST(PrintStream, ABlockThatEndsWithAFullRecordLeavesNoEmptyOne) {
-    constexpr uint32_t kWidth = 8191;  // with its command 32 KiB + 1
+TEST(PrintStream, HasNoEmptyRecordAfterAFullOne) {
+    constexpr uint32_t kWidth = 8191;  // 32 KiB + 1 with the command
     const EngineOutput output = PrintJob({Noise(1, kWidth)});
     ASSERT_EQ(output.chunks.size(), 8u);
     EXPECT_EQ(output.chunks[4].size(), 32u * 1024 + 1 + 9);
     EXPECT_EQ(output.chunks[5], Record('b', Number(1)));
 }
 
-TEST(PrintStream, TheFirstRowOfEveryBlockIsEncodedAgainstNoInk) {
+TEST(PrintStream, HasTheFirstRowOfEveryBlockEncodedAgainstNoInk) {
     const EngineOutput output = PrintJob({{{5, 5}}, {{5, 5}}, {{0, 0}}});
     const std::string literals = "\x82\x05\x00\x00\x00\x05\x00\x00\x00"s;
     EXPECT_EQ(output.chunks[4], Record('R', literals) + Record('b', Number(1)));
@@ -142,7 +143,7 @@ TEST(PrintStream, TheFirstRowOfEveryBlockIsEncodedAgainstNoInk) {
     EXPECT_EQ(output.chunks[12], Record('R', "\x02") + Record('b', Number(1)));
 }
 
-TEST(PrintStream, TheChecksumIsAdler32) {
+TEST(PrintStream, HasAdler32Checksums) {
     const std::string text = "Wikipedia";
     const auto* bytes = reinterpret_cast<const uint8_t*>(text.data());
     EXPECT_EQ(print_stream::Adler32(bytes, text.size()), 0x11E60398u);
@@ -153,7 +154,7 @@ TEST(PrintStream, TheChecksumIsAdler32) {
     EXPECT_EQ(print_stream::Adler32(largeBytes + 50'000, 50'000, half), Checksum(large));
 }
 
-TEST(PrintStream, HeadWidthsAreThoseOfElevenPointSevenInches) {
+TEST(PrintStream, TakesTheHeadForElevenPointSevenInchesWide) {
     EXPECT_EQ(print_stream::HeadRows(0), 3510u);
     EXPECT_EQ(print_stream::HeadRows(1), 7020u);
     EXPECT_EQ(print_stream::HeadRows(2), 1755u);

@@ -9,12 +9,14 @@
 
 namespace orvex {
 
+using tools::view::DecodeRow;
+
 namespace {
 
 using Row = std::vector<uint32_t>;
 using Bytes = std::vector<uint8_t>;
 
-// Encodes into memory of the size that is promised to be enough.
+// Encodes into memory of exactly the size that must suffice.
 Bytes Encode(const Row& above, const Row& row) {
     const auto width = static_cast<uint32_t>(row.size());
     Bytes code(row_code::MaxEncodedRowSize(width));
@@ -47,44 +49,44 @@ uint8_t LiteralsOf(uint8_t count) {
 
 }  // namespace
 
-TEST(RowEncoder, AnUnchangedRowIsOneCommand) {
+TEST(RowEncoder, MakesOneCommandOfAnUnchangedRow) {
     const Row row = {1, 2, 3, 4, 5};
     EXPECT_EQ(Encode(row, row), Bytes({AboveBy(5)}));
 }
 
-TEST(RowEncoder, ARowOfOneInkValueIsOneRun) {
+TEST(RowEncoder, MakesOneRunOfARowOfOneInkValue) {
     EXPECT_EQ(Encode(Row(9, 0), Row(9, 0x44332211)), Bytes({RunOf(9), 0x11, 0x22, 0x33, 0x44}));
 }
 
-TEST(RowEncoder, WhatIsNewGoesOutAsLiterals) {
+TEST(RowEncoder, MakesLiteralsOfNewPixels) {
     EXPECT_EQ(Encode({0, 0}, {0x04030201, 0x08070605}), Bytes({LiteralsOf(2), 1, 2, 3, 4, 5, 6, 7, 8}));
 }
 
-TEST(RowEncoder, CountsUpTo63StandInTheCommandAndLongerOnesBehindIt) {
+TEST(RowEncoder, PutsCountsUpTo63InTheCommandAndLongerOnesAfterIt) {
     EXPECT_EQ(Encode(Row(63, 7), Row(63, 7)), Bytes({AboveBy(63)}));
     EXPECT_EQ(Encode(Row(64, 7), Row(64, 7)), Bytes({AboveBy(0), 64, 0, 0, 0}));
     EXPECT_EQ(Encode(Row(32768, 0), Row(32768, 1)), Bytes({RunOf(0), 0, 0x80, 0, 0, 1, 0, 0, 0}));
 }
 
-TEST(RowEncoder, TheLongerOfAboveAndRunIsTaken) {
+TEST(RowEncoder, TakesTheLongerOfAboveAndRun) {
     const Row above = {5, 5, 5, 9, 9};
     EXPECT_EQ(Encode(above, Row({5, 5, 5, 5, 5})), Bytes({RunOf(5), 5, 0, 0, 0}));
     EXPECT_EQ(Encode(above, Row({5, 5, 5, 9, 9})), Bytes({AboveBy(5)}));
 }
 
-TEST(RowEncoder, AOnePixelMatchAndARunOfTwoStayLiterals) {
+TEST(RowEncoder, KeepsAMatchOfOnePixelAndARunOfTwoAsLiterals) {
     EXPECT_EQ(Encode({0, 7, 0, 0}, {1, 7, 3, 3}),
               Bytes({LiteralsOf(4), 1, 0, 0, 0, 7, 0, 0, 0, 3, 0, 0, 0, 3, 0, 0, 0}));
 }
 
-TEST(RowEncoder, CommandsFollowEachOther) {
+TEST(RowEncoder, PutsOneCommandAfterTheOther) {
     const Row above = {0, 0, 0, 0, 0, 8, 9};
     const Row row = {1, 6, 6, 6, 2, 8, 9};
     EXPECT_EQ(Encode(above, row), Bytes({LiteralsOf(1), 1, 0, 0, 0, RunOf(3), 6, 0, 0, 0, LiteralsOf(1), 2, 0,
                                          0, 0, AboveBy(2)}));
 }
 
-TEST(RowEncoder, ARowOfDifferentPixelsTakesTheLargestSize) {
+TEST(RowEncoder, NeedsTheLargestSizeForARowOfDifferentPixels) {
     Row row(1000);
     for (uint32_t i = 0; i < row.size(); ++i) row[i] = i + 1;
     const Bytes code = Encode(Row(1000, 0), row);
@@ -92,9 +94,9 @@ TEST(RowEncoder, ARowOfDifferentPixelsTakesTheLargestSize) {
     EXPECT_EQ(Decode(Row(1000, 0), code), row);
 }
 
-// Short literals between the shortest runs and matches are the worst that can happen; none outgrows the
-// memory that is given, which the sanitizers watch.
-TEST(RowEncoder, NoMixtureOutgrowsTheLargestSize) {
+// Short literals between the shortest runs and matches are the worst case. The sanitizers detect a write past
+// the memory that must suffice.
+TEST(RowEncoder, NeverNeedsMoreThanTheLargestSize) {
     for (uint32_t width = 1; width <= 40; ++width) {
         for (uint32_t literals = 1; literals <= 5; ++literals) {
             for (uint32_t same = 1; same <= 4; ++same) {
@@ -110,7 +112,7 @@ TEST(RowEncoder, NoMixtureOutgrowsTheLargestSize) {
     }
 }
 
-TEST(RowEncoder, EveryRowOfFourPixelsOfThreeValuesComesBack) {
+TEST(RowEncoder, IsReversibleForEveryRowOfFourPixelsOfThreeValues) {
     const auto rowOf = [](int number) {
         Row row(4);
         for (uint32_t& pixel : row) {
@@ -124,11 +126,11 @@ TEST(RowEncoder, EveryRowOfFourPixelsOfThreeValuesComesBack) {
     }
 }
 
-TEST(RowEncoder, RandomRowsComeBack) {
+TEST(RowEncoder, IsReversibleForRandomRows) {
     std::mt19937 random(20240521);
     for (int round = 0; round < 3000; ++round) {
         const uint32_t width = 1 + random() % 400;
-        const uint32_t values = 1 + random() % 5;  // few values make matches and runs
+        const uint32_t values = 1 + random() % 5;  // few, so that there are matches and runs
         const uint32_t stay = random() % 100;
         Row above(width);
         Row row(width);
@@ -141,7 +143,7 @@ TEST(RowEncoder, RandomRowsComeBack) {
     }
 }
 
-TEST(RowEncoder, RandomBitsComeBack) {
+TEST(RowEncoder, IsReversibleForRandomBits) {
     std::mt19937 random(7);
     for (int round = 0; round < 300; ++round) {
         Row above(1 + random() % 300);

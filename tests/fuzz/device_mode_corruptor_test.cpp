@@ -14,10 +14,10 @@
 #include <vector>
 
 #include "driver/device_instance.h"
-#include "fuzz/device_mode_model.h"
-#include "fuzz/device_mode_rules.h"
 #include "tests/fuzz/corrupted_record.h"
 #include "tests/kit/scratch_folder.h"
+#include "tests/plain/device_mode.h"
+#include "tests/plain/device_mode_rules.h"
 #include "tools/host/driver_session.h"
 
 namespace orvex::fuzz {
@@ -31,7 +31,7 @@ constexpr int kRandomRecords = 3000;
 constexpr int kRandomRecords = 96000;
 #endif
 
-constexpr ListedLabel kLabels[] = {{258, "Label 258", 1016, 1016}, {300, "Label 300", 1005, 1005}};
+constexpr plain::ListedLabel kLabels[] = {{258, "Label 258", 1016, 1016}, {300, "Label 300", 1005, 1005}};
 
 class DeviceModeCorruptor : public testing::Test {
   protected:
@@ -42,7 +42,7 @@ class DeviceModeCorruptor : public testing::Test {
         session_.emplace(setup);
         AddLabel("258", "4", 1);
         AddLabel("300", "100.5", 0);
-        DeviceMode mode = DefaultDeviceMode();
+        DeviceMode mode = plain::ValidDeviceMode();
         mode.pub.dmFields = 0xFFFFFFFF;
         plain_.assign(Bytes(mode).begin(), Bytes(mode).end());
         AskForDefaults();
@@ -56,20 +56,20 @@ class DeviceModeCorruptor : public testing::Test {
     // Hands the record in, in memory that ends where it ends, and holds everything that came of it against
     // the plain definition.
     void Submit(const Record& record) {
-        const bool taken = IsTaken(record);
+        const bool taken = plain::IsTaken(record);
         ++(taken ? taken_ : refused_);
         const std::unique_ptr<Device> device = session_->EnablePdev(record);
         ASSERT_NE(device->Instance(), nullptr);
         const auto* pdev = reinterpret_cast<const PDEV*>(device->Instance());
         instance_ = pdev->devmode;
         // A refused record leaves the instance as it is without one.
-        const DeviceMode expected = Merged(defaults_, record, kLabels);
-        ASSERT_EQ(FirstDifference(instance_, expected), sizeof instance_);
-        const char* broken = taken ? BrokenRule(instance_) : nullptr;
+        const DeviceMode expected = plain::Merged(defaults_, record, kLabels);
+        ASSERT_EQ(plain::FirstDifference(instance_, expected), sizeof instance_);
+        const char* broken = taken ? plain::BrokenRule(instance_) : nullptr;
         ASSERT_EQ(broken, nullptr) << broken;
 
         ASSERT_TRUE(device->Intact());
-        const Record given = GivenBack(defaults_, record);
+        const Record given = plain::GivenBack(defaults_, record);
         ASSERT_EQ(memcmp(device->DeviceMode(), given.data(), given.size()), 0) << "in the caller's record";
 
         const bool portrait = pdev->devmode.pub.dmOrientation == DMORIENT_PORTRAIT;

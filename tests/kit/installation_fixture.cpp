@@ -5,7 +5,7 @@
 
 #include "platform/shell.h"
 #ifndef _WIN32
-#include "platform/posix/double.h"
+#include "platform/posix/paths.h"
 #endif
 
 namespace orvex {
@@ -30,7 +30,7 @@ std::u16string AsWindowsPath(const fs::path& path) {
 #ifdef _WIN32
     return path.u16string();
 #else
-    return doubles::WindowsPath(path.string());
+    return posix::WindowsPath(path.string());
 #endif
 }
 

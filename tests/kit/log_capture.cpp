@@ -3,9 +3,10 @@
 #include <sstream>
 
 #include "driver/support/log.h"
+#include "driver/support/log_path.h"
 #include "tests/kit/scratch_folder.h"
 #ifndef _WIN32
-#include "platform/posix/double.h"
+#include "platform/posix/paths.h"
 #endif
 
 namespace orvex {
@@ -18,7 +19,7 @@ fs::path MachinePath(const char* windowsPath) {
 #ifdef _WIN32
     return windowsPath;
 #else
-    return doubles::PosixPath(windowsPath);
+    return posix::PosixPath(windowsPath);
 #endif
 }
 

@@ -5,7 +5,7 @@
 
 #include "tests/plain/plain_colors.h"
 
-namespace orvex {
+namespace orvex::plain {
 
 namespace {
 
@@ -27,18 +27,18 @@ double Displayed(double v) {
 }
 
 double Clamp(double value, double low, double high) {
-    if (!(value >= low)) value = low;  // what is no number as well
+    if (!(value >= low)) value = low;  // NaN, too
     if (value > high) value = high;
     return value;
 }
 
-// One byte between eight grid points, in double precision.
-uint32_t LongHandByte(const std::vector<uint32_t>& grid, int blue, int green, int red, int place) {
+// Returns the amount of one ink between eight grid points.
+uint32_t InterpolatedByte(const std::vector<uint32_t>& grid, int blue, int green, int red, int place) {
     const auto fraction = [](int v) { return v == 255 ? 1.0 : (v - v / 16 * 16) * 0.0625; };
     const auto at = [&](int i, int j, int k) {
         const int r = std::min(red / 16 + i, 16), g = std::min(green / 16 + j, 16),
                   b = std::min(blue / 16 + k, 16);
-        return double(plain::InkByte(grid[static_cast<size_t>(289 * r + 17 * g + b)], place));
+        return double(InkByte(grid[static_cast<size_t>(289 * r + 17 * g + b)], place));
     };
     const double fb = fraction(blue), fg = fraction(green), fr = fraction(red);
     double plane[2];
@@ -52,13 +52,13 @@ uint32_t LongHandByte(const std::vector<uint32_t>& grid, int blue, int green, in
 
 }  // namespace
 
-uint32_t LongHandLookup(const std::vector<uint32_t>& grid, int blue, int green, int red) {
-    return plain::Ink(LongHandByte(grid, blue, green, red, 0), LongHandByte(grid, blue, green, red, 1),
-                      LongHandByte(grid, blue, green, red, 2), LongHandByte(grid, blue, green, red, 3));
+uint32_t InterpolatedInk(const std::vector<uint32_t>& grid, int blue, int green, int red) {
+    return Ink(InterpolatedByte(grid, blue, green, red, 0), InterpolatedByte(grid, blue, green, red, 1),
+               InterpolatedByte(grid, blue, green, red, 2), InterpolatedByte(grid, blue, green, red, 3));
 }
 
-std::vector<uint32_t> LongHandAdjustment(const std::vector<uint32_t>& grid, const Values& v,
-                                         const Scales& s) {
+std::vector<uint32_t> AdjustedGrid(const std::vector<uint32_t>& grid, const Adjustment& v,
+                                   const AdjustmentScales& s) {
     const double ca = -48.1 / sqrt(-48.1 * -48.1 + -14.1 * -14.1),
                  cb = -14.1 / sqrt(-48.1 * -48.1 + -14.1 * -14.1);
     const double ma = 98.2 / sqrt(98.2 * 98.2 + -60.8 * -60.8),
@@ -101,7 +101,7 @@ std::vector<uint32_t> LongHandAdjustment(const std::vector<uint32_t>& grid, cons
                 const int red = static_cast<int>(std::min(Displayed(r), 255.0));
                 const int green = static_cast<int>(std::min(Displayed(g), 255.0));
                 const int blue = static_cast<int>(std::min(Displayed(bl), 255.0));
-                adjusted.push_back(LongHandLookup(grid, blue, green, red));
+                adjusted.push_back(InterpolatedInk(grid, blue, green, red));
             }
         }
     }
@@ -109,4 +109,4 @@ std::vector<uint32_t> LongHandAdjustment(const std::vector<uint32_t>& grid, cons
     return adjusted;
 }
 
-}  // namespace orvex
+}  // namespace orvex::plain

@@ -1,5 +1,5 @@
-// The conversions of colours written down plainly, entry by entry and in double precision, for tests to hold
-// the driver's own against. Speed does not matter here.
+// Plain definitions of the conversions of colors, entry by entry and in double precision. Speed does not
+// matter here.
 #pragma once
 
 #include <algorithm>
@@ -36,7 +36,7 @@ constexpr bool IsAllEven(uint32_t color) {
     return (color & 0x010101) == 0;
 }
 
-// Bits without a pattern, out of an index and a seed.
+// Returns bits without a pattern for an index and a seed.
 constexpr uint32_t Scramble(uint32_t index, uint32_t seed = 0) {
     uint32_t x = index * 0x9E3779B1u + seed * 0x85EBCA77u + 0x165667B1u;
     x = (x ^ x >> 15) * 0x2C1B3C6Du;
@@ -44,17 +44,17 @@ constexpr uint32_t Scramble(uint32_t index, uint32_t seed = 0) {
     return x ^ x >> 15;
 }
 
-// A profile without steps: each ink follows the light that it takes.
+// Returns the ink of a profile without steps: each ink follows the light that it absorbs.
 constexpr uint32_t Smooth(uint32_t color) {
     const uint32_t red = Red(color), green = Green(color), blue = Blue(color);
     return Ink(255 - std::max({red, green, blue}), 255 - red, 255 - green, 255 - blue);
 }
-// One of nothing but steps.
+// Returns the ink of a profile of nothing but steps.
 constexpr uint32_t Scrambled(uint32_t color) {
     return Scramble(color);
 }
 
-// The generic conversion of a colour at `percent` of ink.
+// Returns the generic conversion of a color at `percent` of ink.
 inline uint32_t Generic(uint32_t color, double percent) {
     const double range = percent * 255 / 100;
     const double r = Red(color) / 255.0, g = Green(color) / 255.0, b = Blue(color) / 255.0;
@@ -66,9 +66,9 @@ inline uint32_t Generic(uint32_t color, double percent) {
                static_cast<uint32_t>((m - b) / q + 0.5));
 }
 
-// The half-grid average of a colour out of `table`.
+// Returns the half-grid average of a color from `table`.
 inline uint32_t HalfGridAverage(uint32_t color, const uint32_t* table) {
-    // The neighbours' high byte comes from the colour's low one.
+    // The neighbors' high byte comes from the color's low one.
     const uint32_t p[3] = {Blue(color), Green(color), Red(color)};
     bool odd[3];
     int count = 0;
@@ -91,7 +91,7 @@ inline uint32_t HalfGridAverage(uint32_t color, const uint32_t* table) {
     return Generic(ColorIndex(red >> count, green >> count, blue >> count), 100);
 }
 
-// The eight corners' weights of the prism interpolation, for a place inside a grid cell.
+// Returns the weights of the eight corners in the prism interpolation, for a place inside a grid cell.
 inline std::array<double, 8> PrismWeights(uint32_t blue, uint32_t green, uint32_t red) {
     static constexpr double kBlueLeads[6][8] = {
         {1, 0, 0, 0, 0, 0, 0, 0},    // 1
@@ -119,7 +119,7 @@ inline std::array<double, 8> PrismWeights(uint32_t blue, uint32_t green, uint32_
     return weights;
 }
 
-// The grid points of a table, each as its four ink amounts.
+// The grid points of a table, four ink amounts each.
 class Grid {
   public:
     explicit Grid(const uint32_t* table) {
@@ -138,7 +138,7 @@ class Grid {
     double amounts_[4 * kGridPoints];
 };
 
-// The prism interpolation of a colour between grid points, by the weights of its place in its cell.
+// Returns the prism interpolation of a color by the weights of its place in its cell.
 inline uint32_t Prism(uint32_t color, const std::array<double, 8>& weights, const Grid& grid) {
     const uint32_t red = Red(color) / 16, green = Green(color) / 16, blue = Blue(color) / 16;
     double k = 0, c = 0, m = 0, y = 0;
@@ -153,7 +153,7 @@ inline uint32_t Prism(uint32_t color, const std::array<double, 8>& weights, cons
                static_cast<uint8_t>(y));
 }
 
-// The prism interpolation of a colour out of `table`.
+// Returns the prism interpolation of a color from `table`.
 inline uint32_t Prism(uint32_t color, const uint32_t* table) {
     const auto gridValue = [](uint32_t component, bool upper) {
         const uint32_t lower = component & 0xF0;

@@ -1,15 +1,15 @@
-// What reduced pictures are held against.
+// Plain definition of a reduced picture.
 #pragma once
 
 #include <cstdint>
 #include <vector>
 
-namespace orvex {
+namespace orvex::plain {
 
-// A picture reduced by 2^scale by the definition, pixel by pixel: the truncated means of the first three
-// bytes of each block, opaque.
-inline std::vector<uint32_t> PlainlyReduced(const std::vector<uint32_t>& pixels, int32_t width,
-                                            int32_t height, int32_t scale) {
+// Returns a picture reduced by 2^scale, pixel by pixel: the truncated means of the first three bytes of each
+// block, opaque.
+inline std::vector<uint32_t> Reduced(const std::vector<uint32_t>& pixels, int32_t width, int32_t height,
+                                     int32_t scale) {
     std::vector<uint32_t> reduced;
     const int32_t side = 1 << scale;
     for (int32_t y = 0; y < height / side; ++y) {
@@ -30,4 +30,4 @@ inline std::vector<uint32_t> PlainlyReduced(const std::vector<uint32_t>& pixels,
     return reduced;
 }
 
-}  // namespace orvex
+}  // namespace orvex::plain

@@ -17,7 +17,7 @@ const Table& GenericTable(int percent) {
 Table PrismTable(const uint32_t* cache) {
     const Grid grid(cache);
     Table table(kCacheEntries);
-    // Place in the cell by place in the cell, since all cells have the weights of a place in common.
+    // All cells share the weights of a place in the cell, so they are computed once for each place.
     for (uint32_t place = 0; place < 16 * 16 * 16; ++place) {
         const uint32_t inCell = ColorIndex(place >> 8, place >> 4 & 15, place & 15);
         const auto weights = PrismWeights(Blue(inCell), Green(inCell), Red(inCell));

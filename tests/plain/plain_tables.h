@@ -1,5 +1,5 @@
-// Whole caches, filled by the plain conversions: what the driver's own are compared with. Compiled without
-// sanitizers, which watch the driver and not its measure.
+// Plain definitions of whole color tables. Compiled without sanitizers, which would slow them down to no
+// purpose.
 #pragma once
 
 #include <cstdint>
@@ -9,13 +9,13 @@ namespace orvex::plain {
 
 using Table = std::vector<uint32_t>;
 
-// The generic conversion of every colour; computed once for each of 50 and 100 percent.
+// Returns the generic conversion of every color, computed once for each of 50 and 100 percent.
 const Table& GenericTable(int percent);
 
-// Every colour interpolated between the grid points of `cache`, the grid points themselves included.
+// Returns every color interpolated between the grid points of `cache`, the grid points included.
 Table PrismTable(const uint32_t* cache);
 
-// The half-grid average of every colour out of `cache`; the all-even colours are those of `cache`.
+// Returns the half-grid average of every color from `cache`; the all-even colors are those of `cache`.
 Table HalfGridTable(const uint32_t* cache);
 
 }  // namespace orvex::plain

@@ -1,32 +1,21 @@
 #include "tools/common/canvas.h"
 
-#include <stb/stb_easy_font.h>
-
 #include <algorithm>
 #include <string>
-#include <vector>
+
+#include "tools/common/letters.h"
 
 namespace orvex::tools {
 
 namespace {
 
-// What the font knows, and a length that its buffer surely holds.
 std::string Printable(std::string_view text) {
-    constexpr size_t kMaxLine = 500;
-    std::string out(text.substr(0, kMaxLine));
+    std::string out(text);
     for (char& c : out) {
         if (c < ' ' || c > '~') c = '?';
     }
     return out;
 }
-
-// A corner of the quads that the font draws letters with.
-struct Corner {
-    float x;
-    float y;
-    float z;
-    unsigned char color[4];
-};
 
 }  // namespace
 
@@ -48,23 +37,13 @@ void Canvas::Frame(int x, int y, int width, int height, int thick, uint32_t colo
 }
 
 void Canvas::Text(int x, int y, int scale, std::string_view text, uint32_t color) {
-    std::string line = Printable(text);
-    std::vector<Corner> corners(line.size() * 64 + 64);
-    const int quads = stb_easy_font_print(0, 0, line.data(), nullptr, corners.data(),
-                                          static_cast<int>(corners.size() * sizeof(Corner)));
-    for (int i = 0; i < quads; ++i) {
-        const Corner& first = corners[static_cast<size_t>(i) * 4];
-        const Corner& opposite = corners[static_cast<size_t>(i) * 4 + 2];
-        const auto left = static_cast<int>(first.x);
-        const auto top = static_cast<int>(first.y);
-        Fill(x + left * scale, y + top * scale, (static_cast<int>(opposite.x) - left) * scale,
-             (static_cast<int>(opposite.y) - top) * scale, color);
+    for (const LetterStroke& stroke : LetterStrokes(Printable(text))) {
+        Fill(x + stroke.x * scale, y + stroke.y * scale, stroke.width * scale, stroke.height * scale, color);
     }
 }
 
 int Canvas::TextWidth(std::string_view text, int scale) {
-    std::string line = Printable(text);
-    return stb_easy_font_width(line.data()) * scale;
+    return TextWidthDots(Printable(text)) * scale;
 }
 
 }  // namespace orvex::tools

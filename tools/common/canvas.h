@@ -1,4 +1,4 @@
-// Drawing on a page: rectangles and text, cut at the page's edge.
+// Drawing on a page: rectangles and text, clipped to the page.
 #pragma once
 
 #include <cstddef>
@@ -10,9 +10,11 @@ namespace orvex::tools {
 constexpr uint32_t kWhite = 0xFFFFFF;
 constexpr uint32_t kBlack = 0x000000;
 
+constexpr int kTextLineDots = 12;  // from one line of text to the next; letters are about 7 dots high
+
 class Canvas {
   public:
-    // `pixels` are 0x00RRGGBB, `stride` of them from row to row.
+    // `pixels` are 0x00RRGGBB; `stride` is the number of pixels from row to row.
     Canvas(uint32_t* pixels, int width, int height, size_t stride)
         : pixels_(pixels), width_(width), height_(height), stride_(stride) {}
 
@@ -20,11 +22,11 @@ class Canvas {
     int Height() const { return height_; }
 
     void Fill(int x, int y, int width, int height, uint32_t color);
-    // The outline of a rectangle, `thick` pixels inwards.
+    // Draws the outline of a rectangle, `thick` pixels inwards.
     void Frame(int x, int y, int width, int height, int thick, uint32_t color);
 
-    // A line of text whose top left corner is given; `scale` pixels make a dot of the letters, which are
-    // about 7 dots high. What is not ASCII shows as "?".
+    // Draws a line of text from its top left corner; `scale` is the side of a dot in pixels. Characters other
+    // than printable ASCII appear as "?".
     void Text(int x, int y, int scale, std::string_view text, uint32_t color);
     static int TextWidth(std::string_view text, int scale);
 
@@ -34,7 +36,5 @@ class Canvas {
     int height_;
     size_t stride_;
 };
-
-constexpr int kTextLineDots = 12;  // from one line of text to the next
 
 }  // namespace orvex::tools

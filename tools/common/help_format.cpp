@@ -11,7 +11,7 @@ constexpr size_t kLineWidth = 100;
 
 }  // namespace
 
-// One blank line between groups.
+// Separates groups by one blank line.
 std::string HelpFormat::make_group(std::string group, bool isPositional,
                                    std::vector<const CLI::Option*> options) const {
     const std::string text = Formatter::make_group(group, isPositional, options);

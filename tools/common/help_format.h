@@ -1,4 +1,4 @@
-// How the help looks: two columns, the second one broken into lines of a terminal's width.
+// Help texts in two columns, the second one wrapped to a terminal's width.
 #pragma once
 
 #include <CLI/CLI.hpp>

@@ -8,7 +8,7 @@ namespace {
 
 constexpr size_t kMaxNumberLength = 32;
 
-// std::from_chars takes no plus sign.
+// Drops a plus sign, which std::from_chars does not take.
 std::string_view WithoutPlus(std::string_view text) {
     if (text.size() > 1 && text[0] == '+' && text[1] != '-') text.remove_prefix(1);
     return text;
@@ -22,23 +22,15 @@ std::string DecimalText(double value, int digits) {
     return std::string(text, end);
 }
 
-std::string ShortDecimalText(double value, int digits) {
-    std::string text = DecimalText(value, digits);
-    if (text.find('.') == std::string::npos) return text;
-    text.erase(text.find_last_not_of('0') + 1);
-    if (text.ends_with('.')) text.pop_back();
-    return text;
-}
-
 std::optional<double> ParseNumber(std::string_view text) {
     text = WithoutPlus(text);
     if (text.empty() || text.size() > kMaxNumberLength) return std::nullopt;
     double value = 0;
     const auto [end, failure] =
         std::from_chars(text.data(), text.data() + text.size(), value, std::chars_format::fixed);
-    // "inf" and "nan" are numbers to from_chars, but sizes to nobody.
-    const char last = text.back();
     if (failure != std::errc() || end != text.data() + text.size()) return std::nullopt;
+    // std::from_chars also takes "inf" and "nan".
+    const char last = text.back();
     if (!(last >= '0' && last <= '9') && last != '.') return std::nullopt;
     return value;
 }

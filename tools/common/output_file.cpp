@@ -14,7 +14,7 @@ namespace {
 
 constexpr int kMaxTemporaries = 100;
 
-// A name beside the file's that nothing has yet.
+// Returns an unused name beside the file's.
 fs::path TemporaryBeside(const fs::path& path) {
     for (int i = 0; i < kMaxTemporaries; ++i) {
         fs::path candidate = path;
@@ -62,6 +62,10 @@ void WriteWholeFile(const fs::path& path, std::string_view bytes) {
     OutputFile file(path);
     if (!file.Write(bytes)) throw std::runtime_error("writing " + Utf8FromPath(path) + " failed");
     file.Complete();
+}
+
+void WriteWholeFile(const fs::path& path, std::span<const uint8_t> bytes) {
+    WriteWholeFile(path, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
 }
 
 }  // namespace orvex::tools

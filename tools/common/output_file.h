@@ -1,29 +1,28 @@
-// A file that appears under its name only when it is complete.
+// Files that appear under their names only when they are complete.
 #pragma once
 
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
+#include <span>
 #include <string_view>
 
 namespace orvex::tools {
 
 class OutputFile {
   public:
-    // Writes go to a temporary file beside `path`. Throws std::runtime_error when that can't be made.
+    // Creates a temporary file beside `path`, which takes all writes. Throws std::runtime_error.
     explicit OutputFile(std::filesystem::path path);
-    // Removes what was not completed; a file that stood under the name before is still there.
+    // Removes the temporary file unless it was completed; an earlier file of the name is untouched then.
     ~OutputFile();
     OutputFile(const OutputFile&) = delete;
     OutputFile& operator=(const OutputFile&) = delete;
 
-    // False when the bytes could not be written; so is every write after that.
+    // Returns whether the bytes were written. After one failure all further writes fail.
     bool Write(std::string_view bytes);
-    // Bytes written so far.
     uint64_t Size() const { return size_; }
 
-    // Gives the file its name, in place of what stood there. Throws std::runtime_error; nothing is changed
-    // then.
+    // Renames the file, replacing an earlier one. Throws std::runtime_error, and then changes nothing.
     void Complete();
 
   private:
@@ -34,7 +33,8 @@ class OutputFile {
     bool completed_ = false;
 };
 
-// Writes a whole file that way. Throws std::runtime_error.
+// Writes a whole file that way. Throws std::runtime_error that names it.
 void WriteWholeFile(const std::filesystem::path& path, std::string_view bytes);
+void WriteWholeFile(const std::filesystem::path& path, std::span<const uint8_t> bytes);
 
 }  // namespace orvex::tools

@@ -7,7 +7,7 @@ namespace orvex::tools {
 
 void Progress::Show(uint64_t page, uint64_t done, uint64_t rows) {
     if (!shown_) return;
-    // Fill rows may come on top of what was announced.
+    // A page may have more rows than were announced: a print-head offset can add fill rows.
     const uint64_t percent = rows == 0 ? 100 : std::min<uint64_t>(done * 100 / rows, 100);
     if (page == lastPage_ && percent == lastPercent_) return;
     lastPage_ = page;

@@ -1,4 +1,4 @@
-// How far a long job is, on a terminal.
+// The progress of a long job, on a terminal.
 #pragma once
 
 #include <cstdint>
@@ -8,15 +8,15 @@ namespace orvex::tools {
 
 class Progress {
   public:
-    // Shows nothing unless `shown`.
+    // `shown` is whether to write to `out` at all.
     Progress(std::ostream& out, bool shown, size_t pages) : out_(out), shown_(shown), pages_(pages) {}
     ~Progress() { Clear(); }
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
 
-    // `done` of `rows` rows of a page, counted from 1, are printed.
+    // Shows that `done` of `rows` rows of a page, counted from 1, are printed.
     void Show(uint64_t page, uint64_t done, uint64_t rows);
-    // Takes the line away again.
+    // Erases the line.
     void Clear();
 
   private:
@@ -25,7 +25,7 @@ class Progress {
     size_t pages_;
     uint64_t lastPage_ = 0;
     uint64_t lastPercent_ = 0;
-    size_t width_ = 0;  // characters of the line that stands there
+    size_t width_ = 0;  // characters of the line on the terminal
 };
 
 }  // namespace orvex::tools

@@ -6,8 +6,8 @@
 
 namespace orvex::tools {
 
-// The arguments without the program's name. On Windows those of main() lack the characters that the code page
-// lacks; they are taken from the command line instead, and the console is told that output is UTF-8.
+// Returns the arguments without the program's name. On Windows those of main() lack the characters that the
+// code page lacks, so they are taken from the command line; the console is also told that output is UTF-8.
 std::vector<std::string> Utf8Arguments(int count, char** arguments);
 
 }  // namespace orvex::tools

@@ -4,7 +4,7 @@
 #include <climits>
 
 #ifndef _WIN32
-#include "platform/posix/double.h"
+#include "platform/posix/paths.h"
 #endif
 
 namespace orvex::tools {
@@ -13,7 +13,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// Lengths of the conversion functions are signed 32-bit numbers; no text of the host comes near them.
+// Narrows a length to what the conversion functions take; no text here comes near the limit.
 int Length(size_t length) {
     return static_cast<int>(std::min<size_t>(length, INT_MAX));
 }
@@ -85,10 +85,10 @@ std::string Utf8FromPath(const fs::path& path) {
     return path.string();
 }
 std::u16string WindowsPath(const fs::path& path) {
-    return doubles::WindowsPath(path.string());
+    return posix::WindowsPath(path.string());
 }
 fs::path MachinePath(std::string_view windowsPath) {
-    return doubles::PosixPath(std::string(windowsPath).c_str());
+    return posix::PosixPath(std::string(windowsPath).c_str());
 }
 
 #endif

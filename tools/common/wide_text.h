@@ -1,4 +1,4 @@
-// Text and paths between the host, which keeps UTF-8, and the driver's wide calls.
+// Text and paths, converted between the tools' UTF-8 and the wide and narrow texts of Windows.
 #pragma once
 
 #include <filesystem>
@@ -9,16 +9,16 @@
 
 namespace orvex::tools {
 
-// UTF-16 text of the host's own; bytes that are no UTF-8 become U+FFFD.
+// Convert between UTF-8 and UTF-16. Bytes that are not UTF-8 become U+FFFD.
 std::u16string Wide(std::string_view utf8);
 std::string Utf8(std::u16string_view wide);
 std::string Utf8(const WCHAR* wide);
 
-// The narrow code page of device modes and printer data, from and to UTF-8.
+// Convert between UTF-8 and the narrow code page of device modes and printer data.
 std::string Utf8FromNarrow(std::string_view narrow);
 std::string NarrowFromUtf8(std::string_view utf8);
 
-// The same characters for a Windows call.
+// Views the same characters as a Windows call takes them, and the reverse.
 inline const WCHAR* AsWchar(const std::u16string& text) {
     return reinterpret_cast<const WCHAR*>(text.c_str());
 }
@@ -27,12 +27,12 @@ inline WCHAR* AsWchar(std::u16string& text) {
 }
 std::u16string_view AsView(const WCHAR* text);
 
-// A path of this machine from UTF-8 and back.
+// Convert between UTF-8 and a path of this machine.
 std::filesystem::path PathFromUtf8(std::string_view utf8);
 std::string Utf8FromPath(const std::filesystem::path& path);
 
-// A path of this machine as the driver sees it, and back. They differ in the native build only, where drive C
-// is a folder.
+// Convert between a path of this machine and the path that the driver sees. They differ only in the native
+// build, where drive C is a folder.
 std::u16string WindowsPath(const std::filesystem::path& path);
 std::filesystem::path MachinePath(std::string_view windowsPath);
 

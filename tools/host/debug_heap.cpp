@@ -12,10 +12,10 @@ namespace {
 
 DebugHeap* current = nullptr;
 
-// What a block holds before anything was written to it.
+// The content of a fresh block.
 constexpr uint8_t kFresh = 0xCD;
 
-// Freed blocks that stay out of reach.
+// Number of freed blocks that stay inaccessible.
 constexpr size_t kKeptAside = 1000;
 
 constexpr bool kGuarded =
@@ -65,7 +65,7 @@ DebugHeap::DebugHeap(HMODULE module) {
                              {"LocalAlloc", &HeapReplacements::LocalAlloc},
                              {"LocalFree", &HeapReplacements::LocalFree}});
     if (patches_.Original("malloc", &HeapReplacements::Malloc) == nullptr)
-        throw std::logic_error("the module's heap is out of reach; natively it takes orvex_heap_doubles");
+        throw std::logic_error("the module's heap is out of reach; natively it takes orvex_posix_heap");
 }
 
 DebugHeap::~DebugHeap() {

@@ -1,11 +1,11 @@
-// A heap of its own for what a module allocates with malloc, calloc, realloc and LocalAlloc. Every live block
-// is known with its size, so that a leak can be named, and any allocation can be refused.
+// A separate heap for what a module allocates with malloc, calloc, realloc and LocalAlloc. It knows every
+// live block with its size, so that a leak can be named, and can refuse any allocation.
 //
-// On Windows each block ends at a guard page, starts out filled with a pattern, and can't be touched for a
-// long time after it was freed. Natively the blocks are the C library's own, which the sanitizers guard; the
-// program must be linked with orvex_heap_doubles.
+// On Windows each block ends at a guard page, starts out filled with a pattern, and stays inaccessible for a
+// long time after it is freed. Natively the blocks are the C library's own, which the sanitizers guard; the
+// program must be linked with orvex_posix_heap.
 //
-// One debug heap exists at a time in a process.
+// Only one debug heap may exist at a time in a process.
 #pragma once
 
 #include <cstddef>
@@ -26,11 +26,11 @@ namespace orvex::tools {
 
 class DebugHeap {
   public:
-    // Asked before every allocation, with the function's name; true refuses it.
+    // Called before every allocation; returns whether to refuse it.
     using Refusal = std::function<bool(const char* function, size_t bytes)>;
 
-    // Serves what `module` allocates from now on. Blocks that it has already are freed as ever. On Windows
-    // the blocks go with the heap, so the module must not use them any more then.
+    // Serves all further allocations of `module`. Its earlier blocks are freed as before. On Windows the
+    // heap's destruction frees all of its blocks, so the module must no longer use them.
     explicit DebugHeap(HMODULE module);
     ~DebugHeap();
     DebugHeap(const DebugHeap&) = delete;
@@ -40,7 +40,7 @@ class DebugHeap {
 
     size_t Allocations() const { return allocations_; }
     std::vector<std::span<const uint8_t>> LiveBlocks() const;
-    // Blocks that were freed twice or written in front of, in words.
+    // Blocks that were freed twice, or whose preceding bytes were overwritten, in words.
     const std::vector<std::string>& Misuses() const { return misuses_; }
 
   private:
@@ -53,15 +53,15 @@ class DebugHeap {
 
     void* Allocate(const char* function, size_t bytes, bool zeroed);
     void* Reallocate(void* memory, size_t bytes);
-    // False for a block of another heap.
+    // Returns false if the block is not of this heap, and was not freed.
     bool Free(void* memory);
-    // Keeps a freed block out of reach for a while.
+    // Keeps a freed block inaccessible for a while.
     void PutAside(std::unique_ptr<GuardedMemory> memory);
 
     Refusal refuses_;
     size_t allocations_ = 0;
     std::map<const void*, Block> live_;
-    std::deque<std::unique_ptr<GuardedMemory>> freed_;  // the last ones, out of reach
+    std::deque<std::unique_ptr<GuardedMemory>> freed_;  // the most recent ones, inaccessible
     std::vector<std::string> misuses_;
     PatchSet patches_;
 };

@@ -6,10 +6,6 @@
 
 #include "tools/common/wide_text.h"
 
-#ifndef _WIN32
-#include "platform/posix/double.h"
-#endif
-
 namespace orvex::tools {
 
 #ifndef _WIN32
@@ -21,16 +17,16 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr ULONG kEngineVersion = 0x30000;
+constexpr ULONG kGraphicsEngineVersion = 0x30000;
 constexpr char kDriverFile[] = "orvexgdi.dll";
 constexpr char kLogFolder[] = "c:\\temp\\";
 
-// The hooks in the order of the driver's table.
 struct HookEntry {
     ULONG index;
     const char* name;
     size_t offset;
 };
+// The hooks in the order of the driver's table.
 constexpr HookEntry kHookTable[] = {
     {INDEX_DrvEnablePDEV, "DrvEnablePDEV", offsetof(DriverHooks, enablePdev)},
     {INDEX_DrvResetPDEV, "DrvResetPDEV", offsetof(DriverHooks, resetPdev)},
@@ -70,7 +66,8 @@ std::string ModuleFileName(HMODULE module) {
 }  // namespace
 
 DriverHooks ReadHookTable(const DRVENABLEDATA& table) {
-    if (table.iDriverVersion != kEngineVersion) throw DriverError("the driver is of another driver version");
+    if (table.iDriverVersion != kGraphicsEngineVersion)
+        throw DriverError("the driver is of another driver version");
     if (table.c != std::size(kHookTable) || table.pdrvfn == nullptr) {
         throw DriverError("the driver's table holds " + std::to_string(table.c) + " hooks, not " +
                           std::to_string(std::size(kHookTable)));
@@ -107,8 +104,8 @@ DriverLibrary::DriverLibrary(const fs::path& file) {
     try {
         if (enableDriver_ == nullptr) throw DriverError(Utf8FromPath(file) + " is no printer driver");
         DRVENABLEDATA table = {};
-        if (!enableDriver_(kEngineVersion, sizeof table, &table))
-            throw DriverError("the driver refuses this engine");
+        if (!enableDriver_(kGraphicsEngineVersion, sizeof table, &table))
+            throw DriverError("the driver refuses this graphics engine");
         hooks_ = ReadHookTable(table);
     } catch (const DriverError&) {
 #ifdef _WIN32

@@ -1,4 +1,4 @@
-// The driver as a graphics engine sees it: the module and its table of hooks.
+// The driver as the graphics engine sees it: the module and its table of hooks.
 #pragma once
 
 #include <filesystem>
@@ -9,7 +9,7 @@
 
 namespace orvex::tools {
 
-// Why a driver can't be used, in words.
+// The reason why a driver can't be used, in words.
 class DriverError : public std::runtime_error {
   public:
     using std::runtime_error::runtime_error;
@@ -30,9 +30,9 @@ struct DriverHooks {
 
 class DriverLibrary {
   public:
-    // Loads the driver's file, asks DrvEnableDriver for the table and checks it: version, number and order of
-    // the hooks, no null entry. Natively the driver is linked into the program and the file's name plays no
-    // part. Throws DriverError.
+    // Loads the driver's file, gets the table from DrvEnableDriver and checks it: the version, the number and
+    // order of the hooks, no null entry. Natively the driver is linked into the program and `file` is
+    // ignored. Throws DriverError.
     explicit DriverLibrary(const std::filesystem::path& file);
     ~DriverLibrary();
     DriverLibrary(const DriverLibrary&) = delete;
@@ -43,10 +43,10 @@ class DriverLibrary {
     PFN_DrvEnableDriver EnableDriver() const { return enableDriver_; }
     PFN_DrvQueryDriverInfo QueryDriverInfo() const { return queryDriverInfo_; }
 
-    // The diagnostic log of this driver and the control file that turns it on, as paths of this machine.
+    // Return paths of this machine: the driver's diagnostic log, and the control file that turns it on.
     std::filesystem::path LogPath() const;
     std::filesystem::path LogControlPath() const;
-    // The log as the driver names it: "c:\temp\orvexgdi.txt".
+    // Returns the log's path as the driver has it: "c:\temp\orvexgdi.txt".
     std::string LogName() const;
 
   private:
@@ -56,14 +56,13 @@ class DriverLibrary {
     DriverHooks hooks_ = {};
 };
 
-// The driver's table as hooks. Throws DriverError when it is not the one that a graphics engine of this host
-// expects.
+// Returns the hooks of the driver's table. Throws DriverError if it is not the table that is expected.
 DriverHooks ReadHookTable(const DRVENABLEDATA& table);
 
-// The driver that stands beside the program.
+// Returns the path of the driver beside the program.
 std::filesystem::path DefaultDriverFile();
 
-// The folder that the running program's file lies in.
+// Returns the folder of the running program's file.
 std::filesystem::path ProgramFolder();
 
 }  // namespace orvex::tools

@@ -8,11 +8,11 @@ namespace orvex::tools {
 
 namespace {
 
-// Where a hook is to leave zeros, something else stands before.
+// Poison value, so that a test sees whether the hook cleared the array.
 const HSURF kStalePattern = reinterpret_cast<HSURF>(uintptr_t{0x5A5A});
 
-// Records begin at addresses that suit them where the build minds; elsewhere the end of each is that of its
-// memory, whatever its size.
+// Natively the sanitizers want aligned records. On Windows each record ends exactly at the guard page,
+// whatever its size.
 #ifdef _WIN32
 constexpr size_t kRecordAlignment = 1;
 #else
@@ -35,7 +35,7 @@ Device::~Device() {
 }
 
 SURFOBJ* Device::Surface() const {
-    EngineSurface* const surface = session_.Graphics().FindSurface(surface_);
+    DrawnSurface* const surface = session_.Graphics().FindSurface(surface_);
     return surface == nullptr ? nullptr : &surface->Object();
 }
 
@@ -70,7 +70,7 @@ void DriverSession::SetSink(Spooler::Sink sink) {
 }
 
 void DriverSession::RereadLogSwitch() {
-    // A job's start reads the switch first of all; without a device it is then refused.
+    // DrvStartDoc reads the switch before anything else, and then refuses a surface without a device.
     SURFOBJ noDevice = {};
     WCHAR noTitle[] = {0};
     Hooks().startDoc(&noDevice, noTitle, 0);
@@ -158,7 +158,7 @@ JobOutcome DriverSession::RunDocument(Device& device, const JobPlan& plan) {
         if (!accepted) outcome.failure = note + (outcome.failure.empty() ? "" : ": " + outcome.failure);
         return !outcome.failure.empty();
     };
-    // A document that did not start has no end.
+    // If the driver accepted the job and only the host saw a failure, the driver must end it.
     if (failed(StartDoc(device, plan.title, plan.jobId), kStartDocNote)) {
         if (engine_.Bound()) EndDoc(device, ED_ABORTDOC);
         return outcome;

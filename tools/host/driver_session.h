@@ -1,6 +1,6 @@
-// The driver with graphics engine, spooler, shell and print engine put around it: what a job runs in. Every
-// hook can be called by itself, so that a test can drive a job step by step; RunJob() calls them all in the
-// order of a job.
+// The world that a job runs in: the driver, surrounded by graphics engine, spooler, shell and print engine.
+// Each hook can be called by itself, so that a test can drive a job step by step; RunJob() calls them all in
+// the order of a job.
 #pragma once
 
 #include <cstdint>
@@ -22,18 +22,18 @@
 namespace orvex::tools {
 
 struct SessionSetup {
-    std::filesystem::path driver = DefaultDriverFile();  // plays no part natively
+    std::filesystem::path driver = DefaultDriverFile();  // ignored natively
     std::filesystem::path installation = {};
     EngineSource engine = {};
-    std::optional<std::string> language = {};  // abbreviation, such as "DEU"; none: the machine's
+    std::optional<std::string> language = {};  // abbreviation, such as "DEU"; empty: the machine's
     std::string printerName = "Orvex Series";  // UTF-8
     std::string driverName = "Orvex Series";   // UTF-8
 };
 
 class DriverSession;
 
-// One device of the graphics engine: the driver's instance and all that was exchanged for it. Whatever of it
-// is still there is disabled when the record goes.
+// One device of the graphics engine: the driver's instance and all records that were exchanged for it. Its
+// destruction disables whatever is still enabled.
 class Device {
   public:
     ~Device();
@@ -43,17 +43,17 @@ class Device {
     DHPDEV Instance() const { return instance_; }  // null when the driver refused
     HDEV Handle() const { return handle_; }
     HSURF SurfaceHandle() const { return surface_; }
-    // The page; null without a surface. Valid until the surface is disabled.
+    // Returns the page's surface, valid until it is disabled; null if there is none.
     SURFOBJ* Surface() const;
 
-    // As the driver left them. The device mode is the copy that the driver was given, and may have written
-    // to.
+    // Return the records as the driver left them. The device mode is the copy that was passed to the driver,
+    // which may have written to it.
     DEVMODEW* DeviceMode() const { return reinterpret_cast<DEVMODEW*>(deviceMode_->Data()); }
     const GDIINFO& Capabilities() const { return *reinterpret_cast<const GDIINFO*>(capabilities_.Data()); }
     const DEVINFO& Information() const { return *reinterpret_cast<const DEVINFO*>(information_.Data()); }
     std::span<const HSURF> Patterns() const { return patterns_; }
 
-    // Whether the memory around the records that were given to the driver is still untouched.
+    // Returns whether the memory around the records that were passed to the driver is still untouched.
     bool Intact() const { return deviceMode_->Intact() && capabilities_.Intact() && information_.Intact(); }
 
   private:
@@ -71,24 +71,24 @@ class Device {
 };
 
 struct JobPlan {
-    std::span<const uint8_t> deviceMode = {};  // empty: none is given
+    std::span<const uint8_t> deviceMode = {};  // empty: null is passed
     std::string title = {};                    // UTF-8
     DWORD jobId = 1;
     size_t pages = 1;
-    // Draws a page, counted from 0, onto the white surface. An exception ends the job and is passed on.
+    // Draws a page, counted from 0, on the white surface. An exception ends the job and is rethrown.
     std::function<void(size_t page, SURFOBJ& surface)> draw = {};
 };
 
 struct JobOutcome {
     size_t pagesPrinted = 0;
-    std::string failure = {};  // in words; empty when the job printed
+    std::string failure = {};  // in words; empty if the job printed
 
     bool Printed() const { return failure.empty(); }
 };
 
 class DriverSession {
   public:
-    // Loads the driver, stands all around it and opens the printer. Throws DriverError or std::runtime_error.
+    // Loads the driver, surrounds it and opens the printer. Throws DriverError or std::runtime_error.
     explicit DriverSession(const SessionSetup& setup);
     ~DriverSession();
     DriverSession(const DriverSession&) = delete;
@@ -100,22 +100,22 @@ class DriverSession {
     EngineLibrary& Engine() { return engine_; }
     ShellAnswers& Shell() { return shell_; }
     Spooler& PrintSpooler() { return spooler_; }
-    // The one printer of the spooler, and the handle under which the driver knows it.
+    // Return the spooler's only printer, and the handle that is passed to the driver.
     Spooler::Printer& Printer() { return printer_; }
     HANDLE PrinterHandle() const { return printerHandle_; }
 
-    // Where the printer's bytes go from now on. A write that it refuses fails, and fails the job.
+    // Sends the printer's further bytes to `sink`. If it refuses a write, the job fails.
     void SetSink(Spooler::Sink sink);
 
-    // Lets this program's own calls of the spooler and the shell be answered as the driver's are.
+    // Answers this program's own calls to spooler and shell like the driver's.
     void AttachProgram();
 
-    // Makes the driver read its log's switch now. By itself it does so only in the midst of setting a device
-    // up, and the trace would begin there.
+    // Makes the driver read its log's switch now. The driver itself reads it only in the middle of setting up
+    // a device, so that the trace would start there.
     void RereadLogSwitch();
 
-    // The hooks, one by one. A device whose instance is null was refused. Without a device mode the driver
-    // gets none.
+    // Call the hooks one by one. The instance of a device that the driver refused is null. An empty device
+    // mode is passed as null.
     std::unique_ptr<Device> EnablePdev(std::span<const uint8_t> deviceMode);
     void CompletePdev(Device& device);
     bool EnableSurface(Device& device);
@@ -127,16 +127,16 @@ class DriverSession {
     void DisablePdev(Device& device);
     bool ResetPdev(Device& old, Device& fresh);
 
-    // Runs a whole job. It ends at the first hook that refuses, engine call that fails or write that is lost.
+    // Runs a whole job. Stops at the first hook that refuses, print engine call that fails or lost write.
     JobOutcome RunJob(const JobPlan& plan);
 
   private:
-    // What the print engine, the graphics engine or the spooler had to refuse since the count of the print
-    // engine's refusals was `refusalsBefore`, in words; empty when nothing.
+    // Returns in words what spooler, graphics engine or print engine had to refuse; of the print engine's
+    // refusals only those after the first `refusalsBefore`. Empty if there is nothing.
     std::string Trouble(uint64_t refusalsBefore) const;
     JobOutcome RunDocument(Device& device, const JobPlan& plan);
 
-    // The driver comes first and goes last: all others patch its imports.
+    // The driver is constructed first and destroyed last, since all others patch its imports.
     DriverLibrary driver_;
     GraphicsEngine graphics_;
     ShellAnswers shell_;

@@ -35,13 +35,13 @@ std::string Numbered(const char* call, uint64_t number) {
 
 }  // namespace
 
-// What the driver calls in place of the engine's entry points.
+// The functions that the driver calls in place of the engine's.
 struct EngineThunks {
     static PrintEngine& Entries() { return current->entries_; }
     static EngineBooks& Books() { return current->books_; }
     static EnginePage* CurrentPage() { return Books().pages.empty() ? nullptr : &Books().pages.back(); }
 
-    // Passes a status on and keeps a refusal.
+    // Passes on a status and records a refusal.
     static uint32_t Status(uint32_t status, const std::string& call) {
         if (status != kEngineSuccess)
             current->Refused(call + " was refused (" + std::to_string(status) + ")");
@@ -143,7 +143,7 @@ struct LoaderReplacements {
         return current->handle_;
     }
 
-    // A library of its own folder may need others that lie beside it.
+    // Loads the library so that others beside it are found, in case it needs them.
     static HMODULE LoadFile([[maybe_unused]] decltype(&Load) original, const fs::path& file) {
         const std::u16string path = WindowsPath(fs::absolute(file));
 #ifdef _WIN32

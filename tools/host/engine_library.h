@@ -1,8 +1,8 @@
 // The print engine's library as the driver binds it. The driver's request for hpcrlib.dll is answered with a
-// file of the host's choice, or with functions of a test's own; either way the driver gets thunks that pass
-// every call on and keep the books, since the driver itself only logs what the engine refuses.
+// file that the host chooses, or with a test's own functions. Either way the driver gets thunks that pass on
+// every call and record it, because the driver itself only logs what the engine refuses.
 //
-// One engine library exists at a time in a process.
+// Only one engine library may exist at a time in a process.
 #pragma once
 
 #include <cstdint>
@@ -18,10 +18,10 @@
 
 namespace orvex::tools {
 
-// A library file, or functions in this process, of which a null one is an export that the library lacks.
+// A library file, or functions in this process; a null function is an export that the library lacks.
 using EngineSource = std::variant<std::filesystem::path, PrintEngine>;
 
-// One page as the engine was told of it. Lengths of the page in 1/7200 inch, of the block in pixels.
+// One page as it was announced to the engine: the page in 1/7200 inch, its block in pixels.
 struct EnginePage {
     uint32_t width = 0;
     uint32_t length = 0;
@@ -31,7 +31,7 @@ struct EnginePage {
     uint32_t rowsTaken = 0;
 };
 
-// What the engine did in all of its jobs.
+// The engine's record of all its jobs.
 struct EngineBooks {
     uint32_t loads = 0;
     uint32_t frees = 0;
@@ -40,9 +40,9 @@ struct EngineBooks {
     uint64_t pagesStarted = 0;
     uint64_t pagesEnded = 0;
     uint64_t rowsTaken = 0;
-    std::vector<EnginePage> pages;  // the first 100,000, the last one always
-    // What the engine refused, or could not be bound for, in words: the first ones of them, and how many
-    // there were.
+    std::vector<EnginePage> pages;  // the first 100,000, but always the last one
+    // Calls that the engine refused, and reasons why it could not be bound, in words: the first ones, and
+    // their total number.
     std::vector<std::string> refusals;
     uint64_t refusalCount = 0;
 };
@@ -57,12 +57,12 @@ class EngineLibrary {
     void Attach(HMODULE module);
 
     const EngineBooks& Books() const { return books_; }
-    // Whether the driver holds the library at this moment.
+    // Returns whether the driver has the library loaded.
     bool Bound() const { return books_.loads != books_.frees; }
 
-    // Makes the driver's attempts to load the library fail, as if it were not there.
+    // Makes the driver's attempts to load the library fail, as if it were missing.
     void FailLoading(bool fail) { loadingFails_ = fail; }
-    // Called after every row that the engine took, with the page as it stands and its number from 1.
+    // Sets a function that is called after every row that the engine takes; pages count from 1.
     void OnRow(std::function<void(const EnginePage&, uint64_t page)> observer) {
         onRow_ = std::move(observer);
     }

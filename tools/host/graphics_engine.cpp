@@ -15,19 +15,18 @@ constexpr size_t kMaxRecords = 10000;  // erasures and complaints kept
 
 }  // namespace
 
-// The engine's functions as a driver imports them.
-struct EngineReplacements {
+// The graphics engine's functions as a driver imports them.
+struct GraphicsReplacements {
     static HBITMAP APIENTRY CreateBitmap(SIZEL size, LONG stride, ULONG format, ULONG flags, PVOID bits) {
-        GraphicsEngine& engine = *current;
-        if (engine.Fails(EngineService::kCreateBitmap)) return nullptr;
+        if (current->Fails(GraphicsService::kCreateBitmap)) return nullptr;
         if (size.cx <= 0 || size.cy <= 0 || size.cx > kMaxExtentPx || size.cy > kMaxExtentPx ||
             format != BMF_32BPP || flags != BMF_TOPDOWN || bits != nullptr ||
             stride < size.cx * static_cast<LONG>(kBytesPerPixel) || stride % 4 != 0) {
-            engine.Complain("EngCreateBitmap: not a 32-bit top-down bitmap");
+            current->Complain("EngCreateBitmap: not a 32-bit top-down bitmap");
             return nullptr;
         }
         try {
-            return reinterpret_cast<HBITMAP>(AddSurface(engine, size, stride, format));
+            return reinterpret_cast<HBITMAP>(AddSurface(size, stride, format));
         } catch (const std::bad_alloc&) {
             SetLastError(ERROR_NOT_ENOUGH_MEMORY);
             return nullptr;
@@ -35,12 +34,11 @@ struct EngineReplacements {
     }
 
     static BOOL APIENTRY AssociateSurface(HSURF handle, HDEV device, FLONG hooks) {
-        GraphicsEngine& engine = *current;
-        if (engine.Fails(EngineService::kAssociateSurface)) return FALSE;
-        EngineSurface* surface = engine.FindSurface(handle);
-        const auto found = engine.devices_.find(device);
-        if (surface == nullptr || found == engine.devices_.end()) {
-            engine.Complain("EngAssociateSurface: unknown surface or device");
+        if (current->Fails(GraphicsService::kAssociateSurface)) return FALSE;
+        DrawnSurface* surface = current->FindSurface(handle);
+        const auto found = current->devices_.find(device);
+        if (surface == nullptr || found == current->devices_.end()) {
+            current->Complain("EngAssociateSurface: unknown surface or device");
             return FALSE;
         }
         surface->hooks = hooks;
@@ -50,31 +48,29 @@ struct EngineReplacements {
     }
 
     static BOOL APIENTRY DeleteSurface(HSURF handle) {
-        GraphicsEngine& engine = *current;
-        if (engine.Fails(EngineService::kDeleteSurface)) return FALSE;
-        const EngineSurface* surface = engine.FindSurface(handle);
+        if (current->Fails(GraphicsService::kDeleteSurface)) return FALSE;
+        const DrawnSurface* surface = current->FindSurface(handle);
         if (surface == nullptr) {
-            engine.Complain("EngDeleteSurface: unknown surface");
+            current->Complain("EngDeleteSurface: unknown surface");
             return FALSE;
         }
         if (!surface->bits->Intact() || !surface->object->Intact()) {
-            engine.Complain("EngDeleteSurface: something was written in front of the surface");
+            current->Complain("EngDeleteSurface: something was written in front of the surface");
         }
-        engine.surfaces_.erase(handle);
+        current->surfaces_.erase(handle);
         return TRUE;
     }
 
     static BOOL APIENTRY EraseSurface(SURFOBJ* object, RECTL* area, ULONG color) {
-        GraphicsEngine& engine = *current;
-        if (engine.Fails(EngineService::kEraseSurface)) return FALSE;
-        EngineSurface* surface = object == nullptr ? nullptr : engine.FindSurface(object->hsurf);
+        if (current->Fails(GraphicsService::kEraseSurface)) return FALSE;
+        DrawnSurface* surface = object == nullptr ? nullptr : current->FindSurface(object->hsurf);
         if (surface == nullptr || area == nullptr || area->left < 0 || area->top < 0 ||
             area->right > surface->size.cx || area->bottom > surface->size.cy || area->left > area->right ||
             area->top > area->bottom) {
-            engine.Complain("EngEraseSurface: unknown surface or an area outside it");
+            current->Complain("EngEraseSurface: unknown surface or an area outside it");
             return FALSE;
         }
-        if (engine.erasures_.size() < kMaxRecords) engine.erasures_.push_back({object, *area, color});
+        if (current->erasures_.size() < kMaxRecords) current->erasures_.push_back({object, *area, color});
         for (LONG y = area->top; y < area->bottom; ++y) {
             auto* line = reinterpret_cast<ULONG*>(
                 surface->bits->Data() + static_cast<size_t>(y) * static_cast<size_t>(surface->stride));
@@ -85,25 +81,24 @@ struct EngineReplacements {
 
     static HPALETTE APIENTRY CreatePalette(ULONG mode, ULONG colors, ULONG* entries, FLONG red, FLONG green,
                                            FLONG blue) {
-        GraphicsEngine& engine = *current;
-        if (engine.Fails(EngineService::kCreatePalette)) return nullptr;
+        if (current->Fails(GraphicsService::kCreatePalette)) return nullptr;
         if (mode != PAL_RGB || colors != 0 || entries != nullptr || red != 0 || green != 0 || blue != 0) {
-            engine.Complain("EngCreatePalette: not an RGB palette without entries");
+            current->Complain("EngCreatePalette: not an RGB palette without entries");
             return nullptr;
         }
-        engine.palettes_.push_back(reinterpret_cast<HPALETTE>(++engine.nextHandle_));
-        return engine.palettes_.back();
+        current->palettes_.push_back(reinterpret_cast<HPALETTE>(++current->nextHandle_));
+        return current->palettes_.back();
     }
 
-    static HSURF AddSurface(GraphicsEngine& engine, SIZEL size, LONG stride, ULONG format) {
-        EngineSurface surface;
+    static HSURF AddSurface(SIZEL size, LONG stride, ULONG format) {
+        DrawnSurface surface;
         surface.size = size;
         surface.stride = stride;
         surface.format = format;
         surface.bits =
             std::make_unique<GuardedMemory>(static_cast<size_t>(stride) * static_cast<size_t>(size.cy));
         surface.object = std::make_unique<GuardedMemory>(sizeof(SURFOBJ));
-        const auto handle = reinterpret_cast<HSURF>(++engine.nextHandle_);
+        const auto handle = reinterpret_cast<HSURF>(++current->nextHandle_);
         SURFOBJ& object = surface.Object();
         object.hsurf = handle;
         object.sizlBitmap = size;
@@ -114,7 +109,7 @@ struct EngineReplacements {
         object.iBitmapFormat = format;
         object.iType = STYPE_BITMAP;
         object.fjBitmap = BMF_TOPDOWN;
-        engine.surfaces_.emplace(handle, std::move(surface));
+        current->surfaces_.emplace(handle, std::move(surface));
         return handle;
     }
 };
@@ -128,11 +123,11 @@ GraphicsEngine::~GraphicsEngine() {
 }
 
 void GraphicsEngine::Attach(HMODULE module) {
-    patches_.Attach(module, {{"EngCreateBitmap", &EngineReplacements::CreateBitmap},
-                             {"EngAssociateSurface", &EngineReplacements::AssociateSurface},
-                             {"EngDeleteSurface", &EngineReplacements::DeleteSurface},
-                             {"EngEraseSurface", &EngineReplacements::EraseSurface},
-                             {"EngCreatePalette", &EngineReplacements::CreatePalette}});
+    patches_.Attach(module, {{"EngCreateBitmap", &GraphicsReplacements::CreateBitmap},
+                             {"EngAssociateSurface", &GraphicsReplacements::AssociateSurface},
+                             {"EngDeleteSurface", &GraphicsReplacements::DeleteSurface},
+                             {"EngEraseSurface", &GraphicsReplacements::EraseSurface},
+                             {"EngCreatePalette", &GraphicsReplacements::CreatePalette}});
 }
 
 HDEV GraphicsEngine::AddDevice() {
@@ -149,7 +144,7 @@ void GraphicsEngine::RemoveDevice(HDEV device) {
     devices_.erase(device);
 }
 
-EngineSurface* GraphicsEngine::FindSurface(HSURF surface) {
+DrawnSurface* GraphicsEngine::FindSurface(HSURF surface) {
     const auto found = surfaces_.find(surface);
     return found == surfaces_.end() ? nullptr : &found->second;
 }
@@ -158,12 +153,12 @@ void GraphicsEngine::ReleasePalette(HPALETTE palette) {
     std::erase(palettes_, palette);
 }
 
-void GraphicsEngine::FailCall(EngineService service, uint32_t sparing) {
+void GraphicsEngine::FailCall(GraphicsService service, uint32_t sparing) {
     services_[static_cast<size_t>(service)].armed = true;
     services_[static_cast<size_t>(service)].sparing = sparing;
 }
 
-bool GraphicsEngine::Fails(EngineService service) {
+bool GraphicsEngine::Fails(GraphicsService service) {
     Service& state = services_[static_cast<size_t>(service)];
     ++state.calls;
     if (!state.armed || state.sparing-- > 0) return false;

@@ -1,7 +1,7 @@
-// The graphics engine's half of a driver's life: surfaces and palettes. The bits of a surface and the SURFOBJ
-// that hooks receive lie in guarded memory.
+// The part of the graphics engine that a printer driver calls: surfaces and palettes. The bits of a surface
+// and the SURFOBJ that hooks receive are in guarded memory.
 //
-// One graphics engine exists at a time in a process.
+// Only one graphics engine may exist at a time in a process.
 #pragma once
 
 #include <cstdint>
@@ -16,22 +16,29 @@
 
 namespace orvex::tools {
 
-enum class EngineService { kCreateBitmap, kAssociateSurface, kDeleteSurface, kEraseSurface, kCreatePalette };
-constexpr size_t kEngineServices = 5;
+// Functions of the graphics engine that are counted and can fail.
+enum class GraphicsService {
+    kCreateBitmap,
+    kAssociateSurface,
+    kDeleteSurface,
+    kEraseSurface,
+    kCreatePalette
+};
+constexpr size_t kGraphicsServices = 5;
 
-// What the engine knows of one surface.
-struct EngineSurface {
+// A surface that pages are drawn on.
+struct DrawnSurface {
     SIZEL size;
-    LONG stride;      // bytes a scan line
+    LONG stride;      // bytes per scan line
     ULONG format;     // BMF_...
-    FLONG hooks = 0;  // of the last EngAssociateSurface
+    FLONG hooks = 0;  // from the last EngAssociateSurface
     std::unique_ptr<GuardedMemory> bits;
     std::unique_ptr<GuardedMemory> object;  // the SURFOBJ
 
     SURFOBJ& Object() const { return *reinterpret_cast<SURFOBJ*>(object->Data()); }
 };
 
-// One erased area, as a driver asked for it.
+// One call to erase an area.
 struct Erasure {
     SURFOBJ* surface;
     RECTL area;
@@ -45,49 +52,49 @@ class GraphicsEngine {
     GraphicsEngine(const GraphicsEngine&) = delete;
     GraphicsEngine& operator=(const GraphicsEngine&) = delete;
 
-    // Serves what `module` imports of the graphics engine.
+    // Serves the functions of the graphics engine that `module` imports.
     void Attach(HMODULE module);
 
-    // A device's handle, and the instance that the driver made for it. Surfaces can be associated with known
-    // devices.
+    // Add a device, note the instance that the driver made for it, and remove it. Surfaces can be associated
+    // only with devices that exist.
     HDEV AddDevice();
     void SetInstance(HDEV device, DHPDEV instance);
     void RemoveDevice(HDEV device);
 
-    // Null for a handle that names no live surface.
-    EngineSurface* FindSurface(HSURF surface);
+    // Returns null if the handle names no live surface.
+    DrawnSurface* FindSurface(HSURF surface);
     size_t LiveSurfaces() const { return surfaces_.size(); }
-    // Palettes live until the engine is told that the device which names them is gone.
+    // Palettes live until ReleasePalette(), which is called when their device is disabled.
     size_t LivePalettes() const { return palettes_.size(); }
     void ReleasePalette(HPALETTE palette);
 
-    // Makes one call of the service fail: the next one, or after `sparing` calls that work.
-    void FailCall(EngineService service, uint32_t sparing = 0);
+    // Makes one call of the service fail, after `sparing` calls that succeed.
+    void FailCall(GraphicsService service, uint32_t sparing = 0);
 
-    uint32_t Calls(EngineService service) const { return services_[static_cast<size_t>(service)].calls; }
+    uint32_t Calls(GraphicsService service) const { return services_[static_cast<size_t>(service)].calls; }
     const std::vector<Erasure>& Erasures() const { return erasures_; }
-    // Calls whose arguments no graphics engine would take, in words.
+    // Calls with arguments that no graphics engine would accept, in words.
     const std::vector<std::string>& Complaints() const { return complaints_; }
 
   private:
-    friend struct EngineReplacements;
+    friend struct GraphicsReplacements;
 
     struct Service {
         uint32_t calls = 0;
         bool armed = false;
         uint32_t sparing = 0;
     };
-    // Counts a call and tells whether it is to fail.
-    bool Fails(EngineService service);
-    // A failing call's last error, and its complaint.
+    // Counts a call and returns whether it must fail.
+    bool Fails(GraphicsService service);
+    // Records a complaint and sets the last error of a failing call.
     void Complain(const char* complaint);
 
-    std::map<HSURF, EngineSurface> surfaces_;
+    std::map<HSURF, DrawnSurface> surfaces_;
     std::map<HDEV, DHPDEV> devices_;
     std::vector<HPALETTE> palettes_;
     std::vector<Erasure> erasures_;
     std::vector<std::string> complaints_;
-    Service services_[kEngineServices];
+    Service services_[kGraphicsServices];
     uintptr_t nextHandle_ = 0x1000;
     PatchSet patches_;
 };

@@ -13,9 +13,6 @@
 
 #if defined(__SANITIZE_ADDRESS__)
 #include <sanitizer/asan_interface.h>
-#endif
-
-#if defined(__SANITIZE_ADDRESS__)
 #else
 #define ASAN_POISON_MEMORY_REGION(address, size) ((void)(address), (void)(size))
 #define ASAN_UNPOISON_MEMORY_REGION(address, size) ((void)(address), (void)(size))
@@ -76,7 +73,7 @@ void Release(uint8_t* block, size_t size) {
 
 #endif
 
-// Lets a look at poisoned bytes pass, for as long as it takes.
+// Returns whether all bytes have the pattern; lifts their poison while it reads them.
 bool IsPadding(std::span<uint8_t> bytes) {
     ASAN_UNPOISON_MEMORY_REGION(bytes.data(), bytes.size());
     const bool untouched =

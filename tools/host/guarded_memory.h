@@ -1,8 +1,8 @@
-// Memory between two guard pages. Its last byte lies directly before one, so that a read or write past the
-// end faults at the instruction that does it. The page before the one that holds the first byte is guarded
-// too; what lies between is filled with a pattern that Intact() checks, and poisoned where the build has
-// AddressSanitizer. So are the few bytes behind the last one of memory that has to begin at an aligned
-// address and is of another size.
+// Memory between two guard pages. Its last byte is directly before one, so that a read or write past the end
+// faults at the instruction that does it. The page before the first byte's page is guarded, too. The bytes
+// between it and the memory are filled with a pattern that Intact() checks, and poisoned in builds with
+// AddressSanitizer. The same goes for the few bytes after memory that has to begin at an aligned address and
+// whose size is not a multiple of the alignment.
 #pragma once
 
 #include <cstddef>
@@ -13,10 +13,10 @@ namespace orvex::tools {
 
 class GuardedMemory {
   public:
-    // `size` zero bytes, 0 included, from a multiple of `alignment`, a power of two, on. Throws
-    // std::bad_alloc when the system has no room.
+    // Reserves `size` zero bytes, possibly none, at a multiple of `alignment`, which is a power of two.
+    // Throws std::bad_alloc if the system is out of memory.
     explicit GuardedMemory(size_t size, size_t alignment = 1);
-    // A copy of `bytes`.
+    // Copies `bytes`.
     explicit GuardedMemory(std::span<const uint8_t> bytes, size_t alignment = 1);
     ~GuardedMemory();
     GuardedMemory(const GuardedMemory&) = delete;
@@ -26,15 +26,14 @@ class GuardedMemory {
     size_t Size() const { return size_; }
     std::span<uint8_t> Bytes() const { return {data_, size_}; }
 
-    // Whether the bytes in front of Data() and behind the last one, up to the guard pages, are as they were
-    // made.
+    // Returns whether the bytes between the memory and its guard pages are untouched.
     bool Intact() const;
 
-    // Makes all of it a guard, for good: from now on every use of it faults.
+    // Turns all of the memory into a guard for good: every further access faults.
     void Close();
 
   private:
-    // What lies between the guard pages and the memory, in front of it and behind it.
+    // Return the bytes before and after the memory, up to the guard pages.
     std::span<uint8_t> Front() const;
     std::span<uint8_t> Back() const;
 

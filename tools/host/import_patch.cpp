@@ -4,8 +4,9 @@
 
 #ifdef _WIN32
 #include <cstring>
+#include <set>
 #else
-#include "platform/posix/double.h"
+#include "platform/posix/slots.h"
 #endif
 
 namespace orvex::tools {
@@ -18,10 +19,10 @@ void* Address(HMODULE module, DWORD offset) {
     return reinterpret_cast<BYTE*>(module) + offset;
 }
 
-// One import of a module.
+// An import of a module.
 struct Import {
     const char* library;
-    const char* function;  // null for one that is imported by its number
+    const char* function;  // null if it is imported by its number
     uint16_t number;
     void** entry;
 };
@@ -54,7 +55,7 @@ std::vector<Import> Imports(HMODULE module) {
     return imports;
 }
 
-// The import table's entry for `function`, whichever library it comes from; null when there is none.
+// Returns the import table's entry for `function`, from any library; null if there is none.
 void** FindImport(HMODULE module, const char* function) {
     for (const Import& import : Imports(module)) {
         if (import.function != nullptr && strcmp(import.function, function) == 0) return import.entry;
@@ -62,7 +63,7 @@ void** FindImport(HMODULE module, const char* function) {
     return nullptr;
 }
 
-// Import tables may lie in pages that are read-only once the loader is done.
+// Sets an entry of an import table, which may be in pages that the loader left read-only.
 void SetEntry(void** entry, void* target) {
     DWORD protection = 0;
     VirtualProtect(entry, sizeof *entry, PAGE_READWRITE, &protection);
@@ -94,10 +95,16 @@ std::vector<std::string> ImportedFunctions(HMODULE module) {
     return names;
 }
 
+std::vector<std::string> ImportedLibraries(HMODULE module) {
+    std::set<std::string> names;
+    for (const Import& import : Imports(module)) names.insert(import.library);
+    return {names.begin(), names.end()};
+}
+
 #else
 
 ImportPatch::ImportPatch(HMODULE, const char* function, void* replacement)
-    : slot_(doubles::FindSlot(function)) {
+    : slot_(posix::FindSlot(function)) {
     if (slot_ == nullptr) return;
     original_ = *slot_;
     *slot_ = replacement;
@@ -108,7 +115,7 @@ ImportPatch::~ImportPatch() {
 }
 
 std::vector<std::string> ImportedFunctions(HMODULE) {
-    std::vector<std::string> names = doubles::SlotNames();
+    std::vector<std::string> names = posix::SlotNames();
     std::sort(names.begin(), names.end());
     return names;
 }

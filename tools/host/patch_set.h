@@ -1,4 +1,4 @@
-// The import patches of one stand-in, over all modules that it serves.
+// The import patches of one service, in all modules that it serves.
 #pragma once
 
 #include <initializer_list>
@@ -28,8 +28,8 @@ class PatchSet {
     PatchSet(const PatchSet&) = delete;
     PatchSet& operator=(const PatchSet&) = delete;
 
-    // Patches `module`, null for the program itself. Natively one slot serves every module, so only the first
-    // call patches.
+    // Patches `module`; null is the program itself. Natively all modules share one slot per function, so only
+    // the first call patches.
     void Attach(HMODULE module, std::initializer_list<ImportReplacement> replacements) {
 #ifndef _WIN32
         if (!patches_.empty()) return;
@@ -39,8 +39,8 @@ class PatchSet {
         }
     }
 
-    // What the modules imported before under that name, as the type of `function`, which only names that
-    // type; null when none of them imports it.
+    // Returns the function that the modules imported under `name` before, or null if none of them imports it.
+    // The second argument only gives its type.
     template <typename Function>
     Function* Original(const char* name, Function*) const {
         for (const auto& each : patches_) {

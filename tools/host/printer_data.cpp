@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
+#include "tools/common/output_file.h"
 #include "tools/common/wide_text.h"
 
 namespace orvex::tools {
@@ -30,7 +31,7 @@ bool SameName(std::string_view a, std::string_view b) {
     return !Precedes(a, b) && !Precedes(b, a);
 }
 
-// The part of `path` behind `key` and its backslash; empty when `path` does not lie below `key`.
+// Returns the part of `path` after `key` and its backslash; empty if `path` is not below `key`.
 std::string_view Below(std::string_view path, std::string_view key) {
     if (key.empty()) return path;
     if (path.size() <= key.size() || path[key.size()] != '\\' || !SameName(path.substr(0, key.size()), key))
@@ -77,7 +78,8 @@ uint32_t DwordOf(std::string_view bytes) {
     return number;
 }
 
-// A text whose terminator is its only zero byte, and that survives the way to UTF-8 and back.
+// Returns whether the value is a text whose terminator is its only zero byte, and that survives the
+// conversion to UTF-8 and back.
 bool IsPlainText(const PrinterValue& value) {
     if (value.type != REG_SZ || value.bytes.empty() || value.bytes.find('\0') != value.bytes.size() - 1)
         return false;
@@ -178,17 +180,11 @@ PrinterData PrinterData::FromJson(std::string_view text) {
 }
 
 void PrinterData::Save(const fs::path& path) const {
-    fs::path unfinished = path;
-    unfinished += ".new";
-    std::ofstream file(unfinished, std::ios::binary);
-    file << ToJson();
-    file.close();
-    std::error_code failed;
-    if (file) fs::rename(unfinished, path, failed);
-    if (file && !failed) return;
-    std::error_code ignored;
-    fs::remove(unfinished, ignored);
-    throw FileError("cannot write printer data to ", path, failed ? failed.message() : "");
+    try {
+        WriteWholeFile(path, ToJson());
+    } catch (const std::runtime_error& error) {
+        throw std::runtime_error(std::string("cannot write printer data: ") + error.what());
+    }
 }
 
 PrinterData PrinterData::Load(const fs::path& path) {

@@ -1,5 +1,5 @@
-// A printer's data as the spooler keeps it: keys that nest by backslashes, each with named and typed values.
-// It can be kept in a text file of JSON, so that a printer's labels outlive a run:
+// A printer's data as the spooler keeps it: keys, nested by backslashes, with named and typed values. A JSON
+// file can keep it, so that a printer's labels outlive a run:
 //
 //     { "Label Sizes\\258": { "name": "Shipping", "units": 0, "version": 1, "width": "100" } }
 //
@@ -19,12 +19,12 @@ namespace orvex::tools {
 
 struct PrinterValue {
     DWORD type;         // REG_SZ, REG_DWORD, …
-    std::string bytes;  // as they were set; text in the narrow code page
+    std::string bytes;  // as set; text is in the narrow code page
 
     bool operator==(const PrinterValue&) const = default;
 };
 
-// Names of keys and values are in the narrow code page and are the same in capitals and small letters.
+// The keys and values of one printer. Their names are in the narrow code page and ignore case.
 class PrinterData {
   public:
     struct NameOrder {
@@ -32,34 +32,34 @@ class PrinterData {
     };
     using Values = std::map<std::string, PrinterValue, NameOrder>;
 
-    // Sets a value; its key, with all those above it, is made when it is missing.
+    // Sets a value. Creates its key, and all keys above it, if missing.
     void Set(const std::string& key, const std::string& value, PrinterValue content);
     void SetNumber(const std::string& key, const std::string& value, uint32_t number);
     void SetText(const std::string& key, const std::string& value,
                  std::string_view text);  // adds the terminator
 
-    // Makes a key without values.
+    // Creates a key without values.
     void AddKey(const std::string& key) { keys_[key]; }
 
     bool HasKey(const std::string& key) const;
-    // Null when there is none.
+    // Returns null if there is no such value.
     const PrinterValue* Find(const std::string& key, const std::string& value) const;
-    // The names of the keys right below `key`, sorted.
+    // Returns the names of the keys directly below `key`, sorted.
     std::vector<std::string> SubKeys(const std::string& key) const;
 
-    // The text form. FromJson throws std::runtime_error, saying what is wrong, for any text that is none.
+    // Convert to and from JSON. FromJson throws std::runtime_error, saying what is wrong with the text.
     std::string ToJson() const;
     static PrinterData FromJson(std::string_view text);
 
-    // Keeps the text form in a file and reads it back. The file is replaced only when the new one is
-    // complete. Both throw std::runtime_error naming the file.
+    // Write JSON to a file and read it back. Save() replaces the file only when the new one is complete. Both
+    // throw std::runtime_error that names the file.
     void Save(const std::filesystem::path& path) const;
     static PrinterData Load(const std::filesystem::path& path);
 
     bool operator==(const PrinterData&) const = default;
 
   private:
-    std::map<std::string, Values, NameOrder> keys_;  // by whole path
+    std::map<std::string, Values, NameOrder> keys_;  // by full path
 };
 
 }  // namespace orvex::tools

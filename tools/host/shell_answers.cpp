@@ -15,11 +15,11 @@ namespace {
 
 ShellAnswers* current = nullptr;
 
-// The two folders that the driver puts behind the common application data folder.
+// The two names that the driver appends to the common application data folder.
 constexpr std::u16string_view kInstallationNames[] = {u"Quorvane", u"Orvex Series"};
 
-// What still has to fit behind the folder: "\profiles\" and a profile's name.
-constexpr size_t kRoomBehindFolder = 64;
+// Characters that have to fit after the folder: "\profiles\" and a profile's name.
+constexpr size_t kRoomAfterFolder = 64;
 
 }  // namespace
 
@@ -37,7 +37,8 @@ struct ShellReplacements {
         return TRUE;
     }
 
-    // The two names put behind the bare folder stay away: it already is the installation folder.
+    // Leaves out the two names that are appended to the bare folder, which already is the installation
+    // folder.
     static BOOL WINAPI Append(LPWSTR path, LPCWSTR more) {
         if (AsView(path) == current->folder_) {
             for (size_t i = 0; i < std::size(kInstallationNames); ++i) {
@@ -67,7 +68,7 @@ ShellAnswers::ShellAnswers(const fs::path& installation) {
     fs::path folder = fs::absolute(installation).lexically_normal();
     if (!folder.has_filename()) folder = folder.parent_path();
     folder_ = WindowsPath(folder);
-    if (folder_.size() + kRoomBehindFolder > MAX_PATH) {
+    if (folder_.size() + kRoomAfterFolder > MAX_PATH) {
         throw std::runtime_error("the path of the installation folder is too long for the driver: " +
                                  Utf8FromPath(installation));
     }

@@ -1,7 +1,7 @@
-// Answers the questions that the driver asks of the shell and the system, so that the installation folder and
-// the user's language are the host's choice and the machine's own stay untouched.
+// The shell's and the system's answers to the driver, so that the host chooses the installation folder and
+// the language, and those of the machine stay untouched.
 //
-// One such set of answers exists at a time in a process.
+// Only one set of answers may exist at a time in a process.
 #pragma once
 
 #include <filesystem>
@@ -15,8 +15,8 @@ namespace orvex::tools {
 
 class ShellAnswers {
   public:
-    // `installation` is the folder itself, whatever its name. Throws std::runtime_error when its path is
-    // longer than the driver takes.
+    // `installation` is the folder itself, whatever its name. Throws std::runtime_error if its path is too
+    // long for the driver.
     explicit ShellAnswers(const std::filesystem::path& installation);
     ~ShellAnswers();
     ShellAnswers(const ShellAnswers&) = delete;
@@ -24,11 +24,11 @@ class ShellAnswers {
 
     void Attach(HMODULE module);
 
-    // The abbreviated name of the system's language, such as "DEU"; none: the machine's own answer.
+    // Sets the abbreviated name of the system's language, such as "DEU"; empty: the machine's own.
     void SetLanguage(std::optional<std::string> abbreviation);
 
-    // Makes the question for the folder fail with that code, or the first or second of the two names that are
-    // put behind it; 0 ends it.
+    // Make the query for the folder fail with an error code, or the appending of the first or second of the
+    // two names that follow it; 0 ends the failing.
     void FailFolder(DWORD code) { folderError_ = code; }
     void FailAppend(int nth) { failingAppend_ = nth; }
 

@@ -12,7 +12,7 @@ namespace {
 
 Spooler* current = nullptr;
 
-// Handles of a range that no kernel object has, each given out once.
+// Range of the handles, which no kernel object has. Each is given out once.
 constexpr uintptr_t kFirstHandle = 0x5F000000;
 constexpr uintptr_t kHandleStep = 4;
 
@@ -29,13 +29,13 @@ struct InfoText {
     std::u16string text;
 };
 
-// A size that says that there is a buffer where there is none.
+// Returns whether a size was given for a buffer that is null.
 bool LacksBuffer(const void* buffer, DWORD size) {
     return buffer == nullptr && size != 0;
 }
 
-// Answers a query for a record as Windows does: the record with its texts behind it, or the size that they
-// need.
+// Answers a query for a record as Windows does: with the record followed by its texts, or with the size
+// needed for them.
 template <typename Info>
 BOOL AnswerRecord(Info info, std::initializer_list<InfoText<Info>> texts, LPBYTE buffer, DWORD size,
                   LPDWORD needed) {
@@ -54,7 +54,7 @@ BOOL AnswerRecord(Info info, std::initializer_list<InfoText<Info>> texts, LPBYTE
     return TRUE;
 }
 
-// Answers a query for bytes: ERROR_MORE_DATA and the size needed when there is no room for all of them.
+// Answers a query for bytes. Returns ERROR_MORE_DATA and the size needed if they do not all fit.
 DWORD AnswerBytes(std::string_view bytes, void* buffer, DWORD size, LPDWORD needed) {
     if (LacksBuffer(buffer, size)) return ERROR_INVALID_USER_BUFFER;
     *needed = static_cast<DWORD>(bytes.size());
@@ -67,11 +67,10 @@ DWORD AnswerBytes(std::string_view bytes, void* buffer, DWORD size, LPDWORD need
 
 struct SpoolerReplacements {
     static BOOL WINAPI Write(HANDLE handle, LPVOID bytes, DWORD size, LPDWORD written) {
-        DWORD code = 0;
+        DWORD code = ERROR_INVALID_HANDLE;
         *written = 0;
-        if (current->Fails("WritePrinter", &code)) return Refuse(code);
-        const Spooler::OpenPrinter* open = current->Find(handle, "WritePrinter");
-        if (open == nullptr) return Refuse(ERROR_INVALID_HANDLE);
+        const Spooler::OpenPrinter* open = current->Enter("WritePrinter", handle, &code);
+        if (open == nullptr) return Refuse(code);
         Spooler::Printer& printer = *open->printer;
         const std::string_view taken(static_cast<const char*>(bytes), size);
         if (!printer.sink) {
@@ -94,11 +93,10 @@ struct SpoolerReplacements {
     }
 
     static BOOL WINAPI Get(HANDLE handle, DWORD level, LPBYTE buffer, DWORD size, LPDWORD needed) {
-        DWORD code = 0;
+        DWORD code = ERROR_INVALID_HANDLE;
         *needed = 0;
-        if (current->Fails("GetPrinterW", &code)) return Refuse(code);
-        const Spooler::OpenPrinter* open = current->Find(handle, "GetPrinterW");
-        if (open == nullptr) return Refuse(ERROR_INVALID_HANDLE);
+        const Spooler::OpenPrinter* open = current->Enter("GetPrinterW", handle, &code);
+        if (open == nullptr) return Refuse(code);
         if (level != 2) return Refuse(ERROR_INVALID_LEVEL);
         using Info = PRINTER_INFO_2W;
         return AnswerRecord<Info>({},
@@ -117,11 +115,10 @@ struct SpoolerReplacements {
 
     static BOOL WINAPI GetDriver(HANDLE handle, LPWSTR, DWORD level, LPBYTE buffer, DWORD size,
                                  LPDWORD needed) {
-        DWORD code = 0;
+        DWORD code = ERROR_INVALID_HANDLE;
         *needed = 0;
-        if (current->Fails("GetPrinterDriverW", &code)) return Refuse(code);
-        const Spooler::OpenPrinter* open = current->Find(handle, "GetPrinterDriverW");
-        if (open == nullptr) return Refuse(ERROR_INVALID_HANDLE);
+        const Spooler::OpenPrinter* open = current->Enter("GetPrinterDriverW", handle, &code);
+        if (open == nullptr) return Refuse(code);
         if (level != 3) return Refuse(ERROR_INVALID_LEVEL);
         using Info = DRIVER_INFO_3W;
         Info info = {};
@@ -139,11 +136,10 @@ struct SpoolerReplacements {
     }
 
     static DWORD WINAPI EnumKey(HANDLE handle, LPCWSTR key, LPWSTR subKeys, DWORD size, LPDWORD needed) {
-        DWORD code = 0;
+        DWORD code = ERROR_INVALID_HANDLE;
         *needed = 0;
-        if (current->Fails("EnumPrinterKeyW", &code)) return code;
-        const Spooler::OpenPrinter* open = current->Find(handle, "EnumPrinterKeyW");
-        if (open == nullptr) return ERROR_INVALID_HANDLE;
+        const Spooler::OpenPrinter* open = current->Enter("EnumPrinterKeyW", handle, &code);
+        if (open == nullptr) return code;
         const PrinterData& data = open->printer->data;
         const std::string path = NarrowFromUtf8(Utf8(key));
         if (!data.HasKey(path)) return ERROR_FILE_NOT_FOUND;
@@ -156,11 +152,10 @@ struct SpoolerReplacements {
 
     static DWORD WINAPI GetData(HANDLE handle, LPCSTR key, LPCSTR name, LPDWORD type, LPBYTE buffer,
                                 DWORD size, LPDWORD needed) {
-        DWORD code = 0;
+        DWORD code = ERROR_INVALID_HANDLE;
         *needed = 0;
-        if (current->Fails("GetPrinterDataExA", &code)) return code;
-        const Spooler::OpenPrinter* open = current->Find(handle, "GetPrinterDataExA");
-        if (open == nullptr) return ERROR_INVALID_HANDLE;
+        const Spooler::OpenPrinter* open = current->Enter("GetPrinterDataExA", handle, &code);
+        if (open == nullptr) return code;
         const PrinterValue* value = open->printer->data.Find(key, name);
         if (value == nullptr) return ERROR_FILE_NOT_FOUND;
         if (type != nullptr) *type = value->type;
@@ -169,10 +164,9 @@ struct SpoolerReplacements {
 
     static DWORD WINAPI SetData(HANDLE handle, LPCSTR key, LPCSTR name, DWORD type, LPBYTE bytes,
                                 DWORD size) {
-        DWORD code = 0;
-        if (current->Fails("SetPrinterDataExA", &code)) return code;
-        const Spooler::OpenPrinter* open = current->Find(handle, "SetPrinterDataExA");
-        if (open == nullptr) return ERROR_INVALID_HANDLE;
+        DWORD code = ERROR_INVALID_HANDLE;
+        const Spooler::OpenPrinter* open = current->Enter("SetPrinterDataExA", handle, &code);
+        if (open == nullptr) return code;
         if ((open->access & kMayAdminister) == 0) return ERROR_ACCESS_DENIED;
         open->printer->data.Set(key, name, {type, std::string(reinterpret_cast<const char*>(bytes), size)});
         return ERROR_SUCCESS;
@@ -246,6 +240,10 @@ bool Spooler::Fails(const char* name, DWORD* code) {
     if (failure == function.failures.end() && !function.failsAlways) return false;
     *code = failure != function.failures.end() ? failure->second : function.alwaysCode;
     return true;
+}
+
+const Spooler::OpenPrinter* Spooler::Enter(const char* function, HANDLE handle, DWORD* code) {
+    return Fails(function, code) ? nullptr : Find(handle, function);
 }
 
 const Spooler::OpenPrinter* Spooler::Find(HANDLE handle, const char* function) {

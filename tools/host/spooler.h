@@ -1,6 +1,6 @@
-// A print spooler in memory: printers with their drivers and data, handles that are counted, and the bytes
-// that are written to each printer. A host and the tests put it in the place of the machine's spooler, and
-// can make any of its calls fail.
+// A print spooler in memory: printers with their drivers and data, counted handles, and the bytes that are
+// written to each printer. The host and the tests put it in place of the machine's spooler, and can make any
+// of its calls fail.
 //
 // It answers WritePrinter, OpenPrinterW, GetPrinterW (level 2), GetPrinterDriverW (level 3), EnumPrinterKeyW,
 // GetPrinterDataExA, SetPrinterDataExA and, for its own handles, CloseHandle.
@@ -21,47 +21,47 @@ namespace orvex::tools {
 
 class Spooler {
   public:
-    // Takes the bytes of one WritePrinter; false makes that call fail.
+    // Takes the bytes of one WritePrinter call; returns false to make it fail.
     using Sink = std::function<bool(std::string_view bytes)>;
 
     struct Printer {
         std::string name;        // UTF-8
         std::string driverName;  // UTF-8
         PrinterData data;
-        Sink sink;            // when there is none, the bytes gather in `written`
-        std::string written;  // all bytes so far
+        Sink sink;  // if empty, the bytes are collected in `written`
+        std::string written;
     };
 
     static constexpr int kEveryCall = 0;
 
-    // One spooler lives at a time; a second one throws std::logic_error.
+    // Throws std::logic_error if there already is a spooler.
     Spooler();
     ~Spooler();
     Spooler(const Spooler&) = delete;
     Spooler& operator=(const Spooler&) = delete;
 
-    // Points the spooler calls of `module` here, null for this program's, until the spooler goes away.
-    // Several modules can be attached.
+    // Serves the spooler calls of `module`, null for this program, as long as the spooler lives. Several
+    // modules can be attached.
     void Attach(HMODULE module = nullptr);
 
-    // Adds a printer. It stays where it is in memory.
+    // Adds a printer, whose address stays valid.
     Printer& AddPrinter(std::string name, std::string driverName);
 
-    // Opens and closes a printer without a Win32 call, as a graphics engine's print job does. Open returns
-    // null when there is no such printer; Close false for a handle that is not open.
+    // Open and close a printer without a Win32 call, as the graphics engine does. Open() returns null if
+    // there is no such printer, Close() false if the handle is not open.
     HANDLE Open(std::string_view name, DWORD access = PRINTER_ALL_ACCESS);
     bool Close(HANDLE handle);
 
     size_t OpenHandles() const { return open_.size(); }
 
-    // What callers did wrong with handles, one sentence each: closed them twice, or handed in foreign ones.
+    // Wrong uses of handles, one sentence each: handles closed before, or never given out.
     const std::vector<std::string>& Misuses() const { return misuses_; }
 
-    // Makes the `nth` call of a function from now on fail with `code`, 1 being the next one; kEveryCall makes
-    // all that follow fail. A failing function does nothing else.
+    // Makes the `nth` further call of a function fail with `code`; 1 is the next one, and kEveryCall all of
+    // them. A failing call has no other effect.
     void FailCall(const std::string& function, int nth, DWORD code);
 
-    // Calls of a function so far. CloseHandle counts for the spooler's own handles only.
+    // Returns the number of calls of a function so far; of CloseHandle only those with the spooler's handles.
     int Calls(const std::string& function) const;
 
   private:
@@ -75,14 +75,17 @@ class Spooler {
         int calls = 0;
         bool failsAlways = false;
         DWORD alwaysCode = 0;
-        std::map<int, DWORD> failures;  // by number of the call
+        std::map<int, DWORD> failures;  // error code by number of the call
     };
 
-    // Counts a call. True when it is to fail, with `code`.
+    // Counts a call. Returns whether it must fail, with `code`.
     bool Fails(const char* name, DWORD* code);
-    // The open printer of a handle; null, and noted, when it is not open.
+    // Counts a call with a printer's handle. Returns the open printer, or null if the call must fail. Sets
+    // `code` only if FailCall() asked for the failure.
+    const OpenPrinter* Enter(const char* function, HANDLE handle, DWORD* code);
+    // Returns the open printer of a handle. If it is not open, returns null and records a misuse.
     const OpenPrinter* Find(HANDLE handle, const char* function);
-    // Whether this spooler has ever given out the handle.
+    // Returns whether this spooler has ever given out the handle.
     bool IsOurs(HANDLE handle) const;
 
     std::deque<Printer> printers_;

@@ -6,7 +6,7 @@ namespace orvex::tools::print {
 
 namespace {
 
-// Nine elements a character, bar and space by turns; W is a wide one.
+// A character of nine elements, alternately bar and space; W is wide, n is narrow.
 struct Symbol {
     char character;
     const char* elements;

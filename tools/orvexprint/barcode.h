@@ -1,4 +1,4 @@
-// Code 39: bars that any scanner reads.
+// Barcodes in Code 39, which any scanner reads.
 #pragma once
 
 #include <string>
@@ -6,8 +6,8 @@
 
 namespace orvex::tools::print {
 
-// The modules of the text with its start and stop signs, from left to right: '1' is a bar, '0' a space, all
-// of one width. Letters are raised to capitals; characters that the code lacks become "-".
+// Returns the modules of the text with its start and stop characters, from left to right, all of one width:
+// '1' for a bar, '0' for a space. Letters become capitals, characters that the code lacks become "-".
 std::string Code39(std::string_view text);
 
 }  // namespace orvex::tools::print

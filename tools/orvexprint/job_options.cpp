@@ -20,13 +20,13 @@ constexpr char kExamples[] = R"(Examples:
   orvexprint -o label.prn label.png
       prints a page at its real size, on the printer's default label
   orvexprint --size 100x150mm --dpi 600 -o label.prn front.png back.png
-      two pages on a label of 100 mm by 150 mm at 600 dpi
+      prints two pages on a label of 100 mm by 150 mm at 600 dpi
   orvexprint --label "Label 100 x 150 mm" --align centre --fit -o label.prn photo.png
-      a label of the printer's list (see --list), the picture scaled to it
+      prints on a label of the printer's list (see --list), with the picture scaled to it
   orvexprint --size 60x40mm --purge-bar leading --dry-run
-      how the page would lie under the print head; nothing is printed
+      shows the page's place under the print head, and prints nothing
   orvexprint --test-page --log trace -o test.prn
-      the self-test page, with the driver's own account of the job
+      prints the self-test page, and writes a trace of the job to the driver's log
 )";
 
 constexpr char kPages[] = "Page";
@@ -41,7 +41,7 @@ constexpr int kMostImageDpi = 10000;
 constexpr const char* kLanguages[] = {"ENG", "FRA", "DEU", "CH", "ES", "JPN", "ENU"};
 constexpr char kLanguageRange[] = "ENG, FRA, DEU, CH, ES, JPN or ENU";
 
-// An option that takes a text; the last one given stands.
+// Adds an option that takes a text; if it is given several times, the last one counts.
 CLI::Option* Add(CLI::App& app, const char* name, const char* type, const char* group,
                  const std::string& help) {
     return app.add_option(name)->description(help)->type_name(type)->group(group)->take_last();
@@ -73,44 +73,44 @@ void AddPageOptions(CLI::App& app) {
     app.add_flag("--landscape")
         ->description("turn the page: the label's length runs across it")
         ->group(kPages);
-    app.add_flag("--portrait")->description("undo that where a loaded device mode says so")->group(kPages);
+    app.add_flag("--portrait")
+        ->description("turn the page back if a loaded device mode is landscape")
+        ->group(kPages);
     app.add_flag("--fit")
         ->description("scale each page to the largest size that the label holds")
         ->group(kPages);
     app.add_flag("--smooth")
         ->description(
-            "blend pixels where a page is enlarged, for photographs; bars and text stay sharper without")
+            "blend the pixels of enlarged pages, for photographs; bars and text are sharper without it")
         ->group(kPages);
     Add(app, "--image-dpi", "N", kPages,
-        "resolution of pages that name none themselves (10 to 10000 dpi); without it the job's own");
+        "resolution of pages that state none (10 to 10000 dpi; default: the job's)");
 }
 
 void AddOutputOptions(CLI::App& app) {
-    Add(app, "-o,--output", "FILE", kOutput, "where the print file goes; it appears when it is complete");
-    Add(app, "--title", "NAME", kOutput, "name of the job; without it the first page's");
+    Add(app, "-o,--output", "FILE", kOutput, "the print file; it appears when it is complete");
+    Add(app, "--title", "NAME", kOutput, "name of the job (default: the name of the first page)");
     app.add_flag("--dry-run")
-        ->description("show the settings and where the page lies, and print nothing")
+        ->description("show the settings and the page's place, and print nothing")
         ->group(kOutput);
     app.add_flag("--list")->description("list the printer's labels and colour profiles")->group(kOutput);
-    Add(app, "--load-devmode", "FILE", kOutput, "begin with the settings of a device mode file (916 bytes)");
-    Add(app, "--save-devmode", "FILE", kOutput, "write the job's settings into such a file");
+    Add(app, "--load-devmode", "FILE", kOutput, "start from the settings of a device mode file (916 bytes)");
+    Add(app, "--save-devmode", "FILE", kOutput, "write the job's settings to such a file");
 }
 
 void AddPrinterOptions(CLI::App& app) {
     Add(app, "--install", "DIR", kPrinter,
-        "installation folder of the driver; without it the folder \"install\" beside this program");
+        "installation folder of the driver (default: the folder \"install\" beside this program)");
     Add(app, "--engine", "FILE", kPrinter,
-        "raster library to print with; without it the hpcrlib.dll of the installation folder, or the one "
-        "beside this "
-        "program");
-    Add(app, "--printer-data", "FILE", kPrinter,
-        "keep the printer's label list in this file from run to run");
+        "raster library to print with (default: the hpcrlib.dll of the installation folder or, failing that, "
+        "beside this program)");
+    Add(app, "--printer-data", "FILE", kPrinter, "keep the printer's label list in this file between runs");
     Add(app, "--language", "CODE", kPrinter,
-        std::string("language of profile names (") + kLanguageRange + "), where settings.inf names none");
+        std::string("language of profile names (") + kLanguageRange + "), if settings.inf names none");
     Add(app, "--log", "LEVEL", kPrinter, "turn the driver's log on for this run (error or trace)");
 }
 
-// What was given for an option; none when it was not there.
+// Returns the value given for an option, or nothing if the option was not given.
 std::optional<std::string> Given(const CLI::App& app, const char* option) {
     const CLI::Option* const found = app.get_option(option);
     if (found->count() == 0) return std::nullopt;
@@ -178,7 +178,7 @@ void ReadSettings(const CLI::App& app, JobOptions& options) {
     if (IsGiven(app, "--portrait")) options.settings.emplace_back(&orientation, DMORIENT_PORTRAIT);
 }
 
-// What is asked for must have something to work on.
+// Checks that there are pages and an output if the command line asks to print.
 void CheckTask(const JobOptions& options) {
     if (options.testPage && !options.pages.empty()) {
         throw OptionError("--test-page prints no other pages; leave the files out");

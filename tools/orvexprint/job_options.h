@@ -1,4 +1,4 @@
-// What a command line asks for.
+// The command line of orvexprint.
 #pragma once
 
 #include <filesystem>
@@ -18,20 +18,20 @@ struct JobOptions {
     bool testPage = false;
     bool fit = false;
     bool smooth = false;
-    std::optional<int> imageDpi;  // of pages that name no resolution; none: the job's
-    std::string title;            // UTF-8; empty: the first page's name
+    std::optional<int> imageDpi;  // resolution of pages that name none; empty: the job's
+    std::string title;            // UTF-8; empty: the file name of the first page
 
     std::filesystem::path output;
     bool dryRun = false;
     bool list = false;
 
-    std::filesystem::path installation;  // empty: the one beside the program
-    std::filesystem::path engine;        // empty: the installation's, or the one beside the program
-    std::filesystem::path printerData;   // empty: a printer that knows no labels yet
+    std::filesystem::path installation;  // empty: the folder beside the program
+    std::filesystem::path engine;  // empty: that of the installation or, failing that, beside the program
+    std::filesystem::path printerData;  // empty: a printer without labels at first
     std::optional<std::string> language;
     int logMask = 0;  // 0: the log stays as it is
 
-    // The device mode: a stored one to begin with, and what is changed in it.
+    // The device mode: the file to start from (empty: the printer's defaults), and the changes to it.
     std::filesystem::path loadMode;
     std::filesystem::path saveMode;
     std::optional<PaperSize> size;
@@ -39,12 +39,12 @@ struct JobOptions {
     std::optional<std::string> profile;
     std::vector<std::pair<const Setting*, int>> settings;
 
-    // Whether there is anything to be drawn.
+    // Returns whether there is a page to draw.
     bool HasPages() const { return testPage || !pages.empty(); }
 };
 
-// Reads the arguments behind the program's name, UTF-8. None when only help was asked for, which goes to
-// `help`. Throws OptionError for whatever is wrong.
+// Parses the arguments after the program's name, UTF-8. If they ask for help, writes it to `help` and returns
+// nothing. Throws OptionError for a wrong command line.
 std::optional<JobOptions> ParseJobOptions(const std::vector<std::string>& arguments, std::ostream& help);
 
 }  // namespace orvex::tools::print

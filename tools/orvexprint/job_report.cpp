@@ -5,6 +5,7 @@
 #include "driver/page_layout_input.h"
 #include "driver/support/text.h"
 #include "tools/common/number_text.h"
+#include "tools/common/units.h"
 #include "tools/common/wide_text.h"
 #include "tools/orvexprint/setting_table.h"
 
@@ -12,7 +13,6 @@ namespace orvex::tools::print {
 
 namespace {
 
-constexpr double kMmPerInch = 25.4;
 constexpr double kUnitsPerInch = 7200;
 constexpr size_t kNameColumn = 22;
 
@@ -81,20 +81,20 @@ std::string PaperLine(const DeviceMode& mode) {
 std::vector<NamedValue> SettingValues(const DeviceMode& mode) {
     std::vector<NamedValue> values;
     for (const Setting& setting : Settings()) {
-        // Without the dashes of the option.
-        values.push_back({setting.option + 2, ValueText(setting, ReadSetting(mode, setting))});
+        constexpr size_t kDashes = 2;
+        values.push_back({setting.option + kDashes, ValueText(setting, ReadSetting(mode, setting))});
     }
     values.push_back({"profile", ProfileOf(mode)});
     return values;
 }
 
-PageLayout LayoutOf(const DeviceMode& mode, const PageBitmap& bitmap) {
+PageLayout LayoutOf(const DeviceMode& mode, const PageRaster& bitmap) {
     return ComputePageLayout(LayoutInput(mode, static_cast<int16_t>(bitmap.dpi),
                                          static_cast<int32_t>(bitmap.width),
                                          static_cast<int32_t>(bitmap.height)));
 }
 
-void PrintLayout(std::ostream& out, const DeviceMode& mode, const PageBitmap& bitmap) {
+void PrintLayout(std::ostream& out, const DeviceMode& mode, const PageRaster& bitmap) {
     out << "Label: " << PaperLine(mode) << "\n"
         << "Bitmap: " << bitmap.width << " x " << bitmap.height << " pixels\n\nSettings\n";
     for (const NamedValue& each : SettingValues(mode)) Line(out, each.name, each.value);

@@ -1,4 +1,4 @@
-// What orvexprint tells about a job before and after it.
+// The texts of orvexprint: settings, layout and lists.
 #pragma once
 
 #include <ostream>
@@ -13,26 +13,26 @@
 
 namespace orvex::tools::print {
 
-// The page bitmap of a job, as the driver makes it.
-struct PageBitmap {
+// The size of a job's page bitmap.
+struct PageRaster {
     uint32_t width;   // pixels
     uint32_t height;  // pixels
     int dpi;
 };
 
-// "600 dpi, 100.0 x 150.0 mm, portrait": what the job is printed on.
+// Returns what the job is printed on: "600 dpi, 100.0 x 150.0 mm, portrait".
 std::string PaperLine(const DeviceMode& mode);
 
-// Every setting with its value: "purge-dots", "1 pixel".
+// Returns every setting with its value: "purge-dots", "1 pixel".
 std::vector<NamedValue> SettingValues(const DeviceMode& mode);
 
-// Where the page lies under the print head, for the settings as the driver takes them.
-PageLayout LayoutOf(const DeviceMode& mode, const PageBitmap& bitmap);
+// Computes the page's place under the print head; `mode` is validated, as the driver has it.
+PageLayout LayoutOf(const DeviceMode& mode, const PageRaster& bitmap);
 
-// The settings and the layout of a page.
-void PrintLayout(std::ostream& out, const DeviceMode& mode, const PageBitmap& bitmap);
+// Writes the settings and the layout of a page.
+void PrintLayout(std::ostream& out, const DeviceMode& mode, const PageRaster& bitmap);
 
-// The printer's labels and profiles.
+// Writes the printer's labels and profiles.
 void PrintLists(std::ostream& out, const PrinterSettings& settings);
 
 }  // namespace orvex::tools::print

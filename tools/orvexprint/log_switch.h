@@ -1,4 +1,4 @@
-// Turns a driver's diagnostic log on for a while.
+// The driver's diagnostic log, turned on for a while.
 #pragma once
 
 #include <filesystem>
@@ -9,10 +9,10 @@ namespace orvex::tools::print {
 
 class LogSwitch {
   public:
-    // Writes `mask` (1: errors and information, 3: the trace too) into the control file, its folder made when
-    // it is missing. Throws std::runtime_error when that fails.
+    // Writes `mask` (1: errors and information, 3: also the trace) to the control file, and creates its
+    // folder if missing. Throws std::runtime_error.
     LogSwitch(std::filesystem::path control, int mask);
-    // Puts back what stood in the control file, or removes it.
+    // Restores the control file, or removes it if it did not exist.
     ~LogSwitch();
     LogSwitch(const LogSwitch&) = delete;
     LogSwitch& operator=(const LogSwitch&) = delete;

@@ -26,7 +26,7 @@ bool ErrorsGoToATerminal() {
 #endif
 }
 
-// Drive C of the native build outlives the run, so that a log can be read.
+// Keeps drive C of the native build after the run, so that its log can be read.
 void KeepDriveC() {
 #ifndef _WIN32
     const std::filesystem::path driveC = std::filesystem::temp_directory_path() / "orvex-drive-c";

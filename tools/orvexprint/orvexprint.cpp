@@ -6,7 +6,7 @@
 
 #include "tools/common/number_text.h"
 #include "tools/common/output_file.h"
-#include "tools/common/png_page.h"
+#include "tools/common/png_file.h"
 #include "tools/common/progress.h"
 #include "tools/common/wide_text.h"
 #include "tools/host/driver_session.h"
@@ -27,7 +27,7 @@ constexpr char kInstallationFolder[] = "install";
 constexpr char kEngineFile[] = "hpcrlib.dll";
 constexpr char kTestPageTitle[] = "Test page";
 
-// The driver works in the installation folder while a job runs, so no path may depend on the current one.
+// Makes a path independent of the current folder, which the driver changes while a job runs.
 void MakeAbsolute(fs::path& path) {
     if (!path.empty()) path = fs::absolute(path);
 }
@@ -69,7 +69,7 @@ std::span<const uint8_t> BytesOf(const DeviceMode& mode) {
     return {reinterpret_cast<const uint8_t*>(&mode), sizeof mode};
 }
 
-// The command's run, from checked options on.
+// One run of the command, with options that are already checked.
 class PrintRun {
   public:
     PrintRun(const JobOptions& options, const PrintEnvironment& environment, const fs::path& installation)
@@ -92,8 +92,7 @@ class PrintRun {
         const DeviceMode requested = settings.Requested(options_);
         effective_ = settings.Effective(requested);
         if (!options_.saveMode.empty()) {
-            WriteWholeFile(options_.saveMode,
-                           {reinterpret_cast<const char*>(&effective_), sizeof effective_});
+            WriteWholeFile(options_.saveMode, BytesOf(effective_));
         }
         if (options_.dryRun) {
             ShowLayout(requested);
@@ -105,7 +104,7 @@ class PrintRun {
   private:
     size_t PageCount() const { return options_.testPage ? 1 : options_.pages.size(); }
 
-    PagePlacing PlacingOn(const PageBitmap& bitmap) const {
+    PagePlacing PlacingOn(const PageRaster& bitmap) const {
         return {.pageWidth = bitmap.width,
                 .pageHeight = bitmap.height,
                 .dpi = static_cast<uint32_t>(bitmap.dpi),
@@ -119,7 +118,7 @@ class PrintRun {
         if (device->Instance() == nullptr)
             throw std::runtime_error("the driver refused the device (DrvEnablePDEV)");
         const GDIINFO& capabilities = device->Capabilities();
-        const PageBitmap bitmap = {capabilities.ulHorzRes, capabilities.ulVertRes,
+        const PageRaster bitmap = {capabilities.ulHorzRes, capabilities.ulVertRes,
                                    static_cast<int>(capabilities.ulLogPixelsX)};
         PrintLayout(environment_.out, effective_, bitmap);
         if (options_.pages.empty()) return;
@@ -141,7 +140,7 @@ class PrintRun {
     }
 
     void Draw(size_t page, SURFOBJ& surface) const {
-        const PageBitmap bitmap = {static_cast<uint32_t>(surface.sizlBitmap.cx),
+        const PageRaster bitmap = {static_cast<uint32_t>(surface.sizlBitmap.cx),
                                    static_cast<uint32_t>(surface.sizlBitmap.cy),
                                    effective_.pub.dmPrintQuality};
         auto* const pixels = static_cast<uint32_t*>(surface.pvScan0);

@@ -1,4 +1,4 @@
-// The command orvexprint: everything behind its main function.
+// The command orvexprint, without its main function.
 #pragma once
 
 #include <filesystem>
@@ -15,20 +15,20 @@ namespace orvex::tools::print {
 // Exit statuses.
 constexpr int kExitPrinted = 0;
 constexpr int kExitFailed = 1;  // the job did not print
-constexpr int kExitUsage = 2;   // the command line is wrong; nothing was done
+constexpr int kExitUsage = 2;   // the command line is wrong, and nothing was done
 
-// Where the command finds things and talks to.
+// The command's surroundings, which tests replace.
 struct PrintEnvironment {
     std::ostream& out;
     std::ostream& error;
-    bool terminal = false;  // whether `error` is one that shows progress
+    bool terminal = false;  // whether `error` shows progress
     std::filesystem::path programFolder = ProgramFolder();
     std::filesystem::path driver = DefaultDriverFile();
-    std::optional<PrintEngine> engine = std::nullopt;  // in place of any file
+    std::optional<PrintEngine> engine = std::nullopt;  // replaces any library file
 };
 
-// Runs the command with the arguments behind its name, UTF-8. Every failure is told on `error` in words.
-// Returns the exit status: kExitPrinted only if the job printed, or what else was asked for was done.
+// Runs the command with the arguments after its name, UTF-8. Explains every failure on `error`. Returns the
+// exit status: kExitPrinted only if the job printed, or everything else that was asked for is done.
 int RunOrvexPrint(const std::vector<std::string>& arguments, const PrintEnvironment& environment);
 
 }  // namespace orvex::tools::print

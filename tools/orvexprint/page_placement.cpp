@@ -5,29 +5,26 @@
 #include <string>
 
 #include "tools/common/number_text.h"
+#include "tools/common/units.h"
 
 namespace orvex::tools::print {
 
 namespace {
 
-constexpr double kMetresPerInch = 0.0254;
-constexpr double kMmPerInch = 25.4;
-
-// A picture cut to the label's size in another program may be a pixel larger than this device's rounding of
-// it.
+// Tolerance for a picture that another program made for this label, and rounded to a pixel more.
 constexpr double kSparePx = 1.5;
 
-// Pixels of the device along one axis, not rounded.
-double DevicePixels(uint32_t pixels, double perMetre, uint32_t dpi) {
-    return pixels / perMetre * (dpi / kMetresPerInch);
+// Returns the picture's extent along one axis in device pixels, not rounded.
+double DevicePixels(uint32_t pixels, double perMeter, uint32_t dpi) {
+    return pixels / perMeter * (dpi / kMetersPerInch);
 }
 
-std::string Millimetres(double devicePixels, uint32_t dpi) {
+std::string Millimeters(double devicePixels, uint32_t dpi) {
     return DecimalText(devicePixels * kMmPerInch / dpi, 1);
 }
 
 std::string SizeText(double width, double height, uint32_t dpi) {
-    return Millimetres(width, dpi) + " x " + Millimetres(height, dpi) + " mm";
+    return Millimeters(width, dpi) + " x " + Millimeters(height, dpi) + " mm";
 }
 
 uint32_t Rounded(double pixels, uint32_t most) {
@@ -37,7 +34,7 @@ uint32_t Rounded(double pixels, uint32_t most) {
 }  // namespace
 
 PagePlace FindPlace(const RasterImage& image, const PagePlacing& placing) {
-    const double untagged = placing.untaggedDpi / kMetresPerInch;
+    const double untagged = placing.untaggedDpi / kMetersPerInch;
     const PixelDensity density = image.density.value_or(PixelDensity{untagged, untagged});
     double width = DevicePixels(image.width, density.x, placing.dpi);
     double height = DevicePixels(image.height, density.y, placing.dpi);
@@ -52,8 +49,8 @@ PagePlace FindPlace(const RasterImage& image, const PagePlacing& placing) {
     } else if (width < 0.5 || height < 0.5) {
         throw PageError("is smaller than a pixel of the printer: " + std::to_string(image.width) + " x " +
                         std::to_string(image.height) + " pixels at " +
-                        DecimalText(density.x * kMetresPerInch, 0) + " x " +
-                        DecimalText(density.y * kMetresPerInch, 0) + " dpi; --fit scales it");
+                        DecimalText(density.x * kMetersPerInch, 0) + " x " +
+                        DecimalText(density.y * kMetersPerInch, 0) + " dpi; --fit scales it");
     }
     PagePlace place;
     place.width = Rounded(width, placing.pageWidth);

@@ -28,7 +28,7 @@ std::string_view CutSuffix(std::string_view text, std::string_view suffix) {
     return text;
 }
 
-// Rounded, and no more than a device mode's field holds.
+// Returns the length in tenths of a millimeter, rounded and limited to what a device mode's field holds.
 int Tenths(double length, double perUnit) {
     return static_cast<int>(std::clamp(length * perUnit + 0.5, 0.0, 32767.0));
 }
@@ -119,7 +119,7 @@ std::string NameOf(const LabelSize& label) {
 }
 
 std::string SizeTextOf(const LabelSize& label) {
-    const char* const unit = label.units == kUnitsMillimetres ? " mm"
+    const char* const unit = label.units == kUnitsMillimeters ? " mm"
                              : label.units == kUnitsInches    ? " in"
                                                               : " x 0.1 mm";
     return std::string(FieldText(label.width)) + " x " + std::string(FieldText(label.length)) + unit;

@@ -1,4 +1,4 @@
-// The paper of a job: a free size, or a label of the printer's list.
+// The paper of a job: a custom size, or a label of the printer's list.
 #pragma once
 
 #include <cstdint>
@@ -7,11 +7,12 @@
 #include <vector>
 
 #include "driver/config/device_mode.h"
+#include "driver/config/device_mode_fields.h"
 #include "driver/config/label_sizes.h"
 
 namespace orvex::tools::print {
 
-// Lengths in tenths of a millimetre, as public device modes have them.
+// The size of a label in tenths of a millimeter, like in the public device mode.
 struct PaperSize {
     int width;
     int length;
@@ -19,28 +20,28 @@ struct PaperSize {
     bool operator==(const PaperSize&) const = default;
 };
 
-constexpr PaperSize kLeastPaper = {254, 254};
-constexpr PaperSize kMostPaper = {2970, 9017};
+constexpr PaperSize kLeastPaper = {kPaperWidth.values.least, kPaperLength.values.least};
+constexpr PaperSize kMostPaper = {kPaperWidth.values.most, kPaperLength.values.most};
 
-// Reads "100x150mm" or "4x6in", millimetres without a unit: width, then length. Throws OptionError, with the
-// range, for anything else and for sizes that the printer can't print.
+// Parses width and length, "100x150mm" or "4x6in"; the default unit is the millimeter. Throws OptionError,
+// which states the range, for any other text and for sizes that the printer can't print.
 PaperSize ParsePaperSize(std::string_view text);
 
-// "100.0 x 150.0 mm"
+// Returns the size as text: "100.0 x 150.0 mm".
 std::string PaperText(PaperSize size);
 
-// Asks for a free size. `defaults` is the printer's own record: where it names a label, the private label
-// fields follow it, so that the driver does not take the size for one that the label outlives.
+// Sets a custom size. `defaults` is the printer's default device mode: if it names a label, copies its
+// private label fields, because the driver would otherwise replace the size by that label.
 void ChoosePaperSize(DeviceMode& mode, PaperSize size, const DeviceMode& defaults);
 
-// Asks for the label of that name, UTF-8, out of the printer's list. Throws OptionError that names the labels
-// there are.
+// Sets the label of that name, UTF-8, from the printer's list. Throws OptionError that names all labels of
+// the list.
 void ChooseLabel(DeviceMode& mode, std::string_view name, const std::vector<LabelSize>& labels);
 
-// The label's size by its texts and units.
+// Returns the label's size according to its texts and units.
 PaperSize SizeOf(const LabelSize& label);
 
-// A label's name as UTF-8, and its size in its own units: "4 x 6 in".
+// Return a label's name as UTF-8, and its size in its own units: "4 x 6 in".
 std::string NameOf(const LabelSize& label);
 std::string SizeTextOf(const LabelSize& label);
 

@@ -5,7 +5,8 @@
 #include <iterator>
 #include <stdexcept>
 
-#include "driver/config/device_mode_operations.h"
+#include "driver/config/device_mode_defaults.h"
+#include "driver/config/device_mode_merge.h"
 #include "driver/profiles/profile_catalogue.h"
 #include "driver/support/text.h"
 #include "tools/common/wide_text.h"
@@ -16,7 +17,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// Texts with a terminator each, up to an empty one.
+// Returns the texts of a list in which each has a terminator, and an empty one ends the list.
 std::vector<std::string> TextsOf(const WCHAR* list) {
     std::vector<std::string> texts;
     while (list != nullptr && *list != 0) {

@@ -1,5 +1,6 @@
-// What an installed printer offers, and what its driver makes of a job's settings. The answers come from the
-// code that the driver itself is made of, through the session's spooler and installation folder.
+// The labels, profiles and defaults of an installed printer, and the settings of a job as its driver
+// validates them. The answers come from the driver's own code, which uses the session's spooler and
+// installation folder.
 #pragma once
 
 #include <string>
@@ -19,20 +20,20 @@ struct InstalledProfile {
 
 class PrinterSettings {
   public:
-    // Attaches this program to the session's spooler and shell; the session must outlive the settings. The
-    // first question for defaults imports the installation's labels into a printer that has none.
+    // Attaches this program to the session's spooler and shell. The session must outlive the settings.
+    // Reading the defaults imports the installation's labels into a printer that has none.
     explicit PrinterSettings(DriverSession& session);
 
-    // The printer's default device mode.
+    // Returns the printer's default device mode.
     const DeviceMode& Defaults() const { return defaults_; }
     const std::vector<LabelSize>& Labels() const { return labels_; }
     std::vector<InstalledProfile> Profiles() const;
 
-    // The device mode that the options ask for, to be handed to the driver. Throws OptionError for a label or
-    // profile that there is not, std::runtime_error for a device mode file that is none.
+    // Returns the device mode that the options ask for, as it is passed to the driver. Throws OptionError for
+    // an unknown label or profile, and std::runtime_error for a file that is not a device mode.
     DeviceMode Requested(const JobOptions& options) const;
 
-    // What the driver makes of a device mode: merged into the defaults and validated.
+    // Returns the device mode as the driver uses it: merged into the defaults and validated.
     DeviceMode Effective(const DeviceMode& requested) const;
 
   private:
@@ -41,8 +42,8 @@ class PrinterSettings {
     std::vector<LabelSize> labels_;
 };
 
-// Reads a device mode file: the whole record, by its size, its inner sizes and its signature. Throws
-// std::runtime_error.
+// Reads a device mode from a file, and checks the file's size, the sizes in the record and its signature.
+// Throws std::runtime_error.
 DeviceMode LoadDeviceMode(const std::filesystem::path& path);
 
 }  // namespace orvex::tools::print

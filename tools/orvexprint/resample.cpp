@@ -11,7 +11,7 @@ namespace {
 
 constexpr int kChannels = 3;
 
-// Which pixels of the source make one of the target, along one axis: `count` of them from `first` on, with
+// The source pixels that make up one target pixel along an axis: `count` of them from `first` on, with
 // weights that add up to 1.
 struct Contribution {
     uint32_t first = 0;
@@ -31,9 +31,9 @@ void AddNearest(Axis& axis, uint32_t i, double scale, uint32_t source) {
 }
 
 void AddBlend(Axis& axis, uint32_t i, double scale, uint32_t source) {
-    const double centre = std::clamp((i + 0.5) * scale - 0.5, 0.0, source - 1.0);
-    const auto first = static_cast<uint32_t>(centre);
-    const auto share = static_cast<float>(centre - first);
+    const double center = std::clamp((i + 0.5) * scale - 0.5, 0.0, source - 1.0);
+    const auto first = static_cast<uint32_t>(center);
+    const auto share = static_cast<float>(center - first);
     const uint32_t count = first + 1 < source ? 2 : 1;
     axis.contributions.push_back({first, count, axis.weights.size()});
     axis.weights.push_back(count == 2 ? 1.0f - share : 1.0f);
@@ -67,7 +67,7 @@ Axis MakeAxis(uint32_t source, uint32_t target, Enlarging enlarging) {
     return axis;
 }
 
-// A row of the target's width, each channel as a fraction of nothing but itself: 0 to 255.
+// A row of the target's width; channels are 0 to 255, interleaved.
 using FloatRow = std::vector<float>;
 
 void FilterRow(const uint32_t* row, const Axis& axis, FloatRow& out) {
@@ -92,7 +92,7 @@ uint32_t PackPixel(const float* channels) {
     return pixel;
 }
 
-// The filtered rows last used: neighbouring rows of the target share some of theirs.
+// The filtered rows that were used last, since neighboring rows of the target share some of them.
 class RowCache {
   public:
     RowCache(const RasterImage& image, const Axis& axis) : image_(image), axis_(axis) {

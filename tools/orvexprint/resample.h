@@ -1,4 +1,4 @@
-// Changing the size of a picture.
+// Pictures of another size.
 #pragma once
 
 #include <cstdint>
@@ -7,12 +7,11 @@
 
 namespace orvex::tools::print {
 
-// What pixels between those of the picture become where it is enlarged: the nearest one, which keeps edges of
-// text and bars sharp, or a blend of its neighbours. An axis that is reduced takes the average of the area
-// each pixel covers.
+// The way to enlarge an axis: repeat the nearest pixel, which keeps the edges of text and bars sharp, or
+// blend the two neighbors. A reduced axis always takes the average of the area that each pixel covers.
 enum class Enlarging { kNearest, kBlend };
 
-// The picture with `width` x `height` pixels, neither 0. Rows of the same size come out unchanged.
+// Returns the picture with `width` x `height` pixels, neither 0. An axis of the same size stays unchanged.
 RasterImage Resample(const RasterImage& image, uint32_t width, uint32_t height, Enlarging enlarging);
 
 }  // namespace orvex::tools::print

@@ -3,27 +3,22 @@
 #include <cmath>
 #include <cstring>
 
+#include "driver/config/device_mode_fields.h"
 #include "tools/common/number_text.h"
+#include "tools/common/units.h"
 
 namespace orvex::tools::print {
 
 namespace {
 
-constexpr double kMmPerInch = 25.4;
-
 constexpr SettingWord kSwitchWords[] = {{"on", 1}, {"off", 0}};
 constexpr SettingWord kOrientationWords[] = {{"portrait", DMORIENT_PORTRAIT},
                                              {"landscape", DMORIENT_LANDSCAPE}};
 constexpr SettingWord kAlignmentWords[] = {
-    {"left", kAlignLeft}, {"centre", kAlignCentre}, {"right", kAlignRight}, {"center", kAlignCentre}};
+    {"left", kAlignLeft}, {"centre", kAlignCenter}, {"right", kAlignRight}, {"center", kAlignCenter}};
 constexpr SettingWord kPurgeBarWords[] = {{"off", 0}, {"leading", 1}, {"trailing", 2}};
 constexpr SettingWord kGrayWords[] = {
     {"off", kColorModeColor}, {"composite", kColorModeCompositeGray}, {"black", kColorModeBlackGray}};
-constexpr int kResolutionNumbers[] = {300, 600};
-constexpr int kPurgeDotsNumbers[] = {1, 5, 10};
-constexpr int kPurgeGapNumbers[] = {5, 10, 15};
-constexpr int kPurgeFreqNumbers[] = {0, 1, 2, 10, 20, 50};
-
 constexpr char kPaper[] = "Page";
 constexpr char kHead[] = "Print head";
 constexpr char kColor[] = "Colour";
@@ -34,51 +29,64 @@ constexpr char kJob[] = "Job";
 #define PRIVATE(name) \
     { offsetof(DeviceMode, priv) + offsetof(PrivateDevMode, name), sizeof(PrivateDevMode::name) }
 
+// Returns the values that a field of the device mode may have. A name without a row does not compile.
+template <size_t N>
+consteval ValidValues ValuesOf(const DeviceModeField (&rows)[N], std::string_view name) {
+    size_t row = 0;
+    while (name != rows[row].name) ++row;
+    return rows[row].values;
+}
+
+constexpr std::span<const int16_t> ListOf(const ValidValues& values) {
+    return {values.list, values.listed};
+}
+
 #define SWITCH kSwitchWords, {}, 0, 0, 1, ""
 #define WORDS(words) words, {}, 0, 0, 1, ""
-#define ONE_OF(numbers, unit) {}, numbers, 0, 0, 1, unit
-#define RANGE(least, most, unit) {}, {}, least, most, 1, unit
-#define TENTHS_OF_MM(least, most) {}, {}, least, most, 10, "mm"
+#define VALUES(values, perUnit, unit) {}, ListOf(values), (values).least, (values).most, perUnit, unit
+#define PUBLIC_NUMBER(name, unit) PUBLIC(name), VALUES(ValuesOf(kPublicFields, #name), 1, unit)
+#define NUMBER(name, unit) PRIVATE(name), VALUES(ValuesOf(kPrivateFields, #name), 1, unit)
+#define TENTHS_OF_MM(name) PRIVATE(name), VALUES(ValuesOf(kPrivateFields, #name), 10, "mm")
 
 // clang-format off
 constexpr Setting kSettings[] = {
-    {"--dpi", kPaper, PUBLIC(dmPrintQuality), ONE_OF(kResolutionNumbers, "dpi"), "resolution", DM_PRINTQUALITY},
-    {"--orientation", kPaper, PUBLIC(dmOrientation), WORDS(kOrientationWords), "how the page lies on the label; --landscape and --portrait are short for it", DM_ORIENTATION},
+    {"--dpi", kPaper, PUBLIC_NUMBER(dmPrintQuality, "dpi"), "resolution", DM_PRINTQUALITY},
+    {"--orientation", kPaper, PUBLIC(dmOrientation), WORDS(kOrientationWords), "orientation of the page; --landscape and --portrait are short forms", DM_ORIENTATION},
     {"--rotate180", kPaper, PRIVATE(rotate180), SWITCH, "turn every page by half a turn"},
     {"--mirror", kPaper, PRIVATE(mirrorImage), SWITCH, "mirror every page, for labels read through glass"},
     {"--feed-side", kPaper, PRIVATE(feedSide), SWITCH, "feed side of the page, for the printer's own programs"},
 
-    {"--align", kHead, PRIVATE(alignment), WORDS(kAlignmentWords), "where the label runs under the print head"},
-    {"--print-head-offset", kHead, PRIVATE(phHOffset), TENTHS_OF_MM(-1000, 1000), "shift of the print across the label"},
-    {"--tof-offset", kHead, PRIVATE(phVOffset), TENTHS_OF_MM(-250, 250), "shift of the print along the label, from its top of form"},
+    {"--align", kHead, PRIVATE(alignment), WORDS(kAlignmentWords), "place of the label under the print head"},
+    {"--print-head-offset", kHead, TENTHS_OF_MM(phHOffset), "shift of the print across the label"},
+    {"--tof-offset", kHead, TENTHS_OF_MM(phVOffset), "shift of the print along the label, from its top of form"},
     {"--kws", kHead, PRIVATE(kws), SWITCH, "a faint pattern on blank pixels"},
     {"--full-width", kHead, PRIVATE(kws_fullwidth), SWITCH, "fill the whole width of the print head; acts with --kws or a purge bar"},
-    {"--purge-bar", kHead, PRIVATE(purgeBar), WORDS(kPurgeBarWords), "a bar beside the page, ahead of it or behind"},
-    {"--purge-dots", kHead, PRIVATE(purgeDots), ONE_OF(kPurgeDotsNumbers, "pixels"), "width of the purge bar"},
-    {"--purge-gap", kHead, PRIVATE(purgeGap), ONE_OF(kPurgeGapNumbers, "mm"), "blank between purge bar and page"},
-    {"--purge-freq", kHead, PRIVATE(purgeFreq), ONE_OF(kPurgeFreqNumbers, "pages"), "a purge bar every so many pages; 0: on the first page only"},
+    {"--purge-bar", kHead, PRIVATE(purgeBar), WORDS(kPurgeBarWords), "a bar before or after the page"},
+    {"--purge-dots", kHead, NUMBER(purgeDots, "pixels"), "width of the purge bar"},
+    {"--purge-gap", kHead, NUMBER(purgeGap, "mm"), "gap between purge bar and page"},
+    {"--purge-freq", kHead, NUMBER(purgeFreq, "pages"), "a purge bar every so many pages; 0: only on the first page"},
 
-    {"--grey", kColor, PRIVATE(colorMode), WORDS(kGrayWords), "print grey, of all inks or of black alone"},
-    {"--overspray", kColor, PRIVATE(overspray), RANGE(0, 3, ""), "step of overspray"},
+    {"--grey", kColor, PRIVATE(colorMode), WORDS(kGrayWords), "print in grey, with all inks or with black alone"},
+    {"--overspray", kColor, NUMBER(overspray, ""), "level of overspray"},
     {"--colour-adjust", kColor, PRIVATE(colorAdjust), SWITCH, "mark the job as adjusted; the values below act without the mark"},
-    {"--brightness", kColor, PRIVATE(adj_brightness), RANGE(-100, 100, ""), "darker or brighter"},
-    {"--tone", kColor, PRIVATE(adj_colortone), RANGE(-100, 100, ""), "shift of the colour tone"},
-    {"--saturation", kColor, PRIVATE(adj_saturation), RANGE(-100, 100, ""), "greyer or more colourful"},
-    {"--cyan", kColor, PRIVATE(adj_cyan), RANGE(-100, 100, ""), "less or more cyan ink"},
-    {"--magenta", kColor, PRIVATE(adj_magenta), RANGE(-100, 100, ""), "less or more magenta ink"},
-    {"--yellow", kColor, PRIVATE(adj_yellow), RANGE(-100, 100, ""), "less or more yellow ink"},
-    {"--black", kColor, PRIVATE(adj_black), RANGE(-100, 100, ""), "less or more black ink"},
+    {"--brightness", kColor, NUMBER(adj_brightness, ""), "darker or brighter"},
+    {"--tone", kColor, NUMBER(adj_colortone, ""), "shift of the colour tone"},
+    {"--saturation", kColor, NUMBER(adj_saturation, ""), "greyer or more colourful"},
+    {"--cyan", kColor, NUMBER(adj_cyan, ""), "less or more cyan ink"},
+    {"--magenta", kColor, NUMBER(adj_magenta, ""), "less or more magenta ink"},
+    {"--yellow", kColor, NUMBER(adj_yellow, ""), "less or more yellow ink"},
+    {"--black", kColor, NUMBER(adj_black, ""), "less or more black ink"},
 
-    {"--copies", kJob, PUBLIC(dmCopies), RANGE(1, 10000, ""), "how often the printer prints the job", DM_COPIES},
+    {"--copies", kJob, PUBLIC_NUMBER(dmCopies, ""), "number of copies", DM_COPIES},
     {"--collate", kJob, PUBLIC(dmCollate), SWITCH, "whole copies of the job, one after the other", DM_COLLATE},
-    {"--private-copies", kJob, PRIVATE(copies), RANGE(1, 10000, ""), "a copy count of the printer's own programs", 0, PRIVATE(usePrivateCopies)},
-    {"--use-private-copies", kJob, PRIVATE(usePrivateCopies), SWITCH, "let that count stand"},
-    {"--chunk", kJob, PRIVATE(chunksize), RANGE(30, 10000, "pages"), "print the job in pieces of so many pages", 0, PRIVATE(chunkActive)},
-    {"--chunked", kJob, PRIVATE(chunkActive), SWITCH, "printing in pieces at all"},
+    {"--private-copies", kJob, NUMBER(copies, ""), "a copy count of the printer's own programs", 0, PRIVATE(usePrivateCopies)},
+    {"--use-private-copies", kJob, PRIVATE(usePrivateCopies), SWITCH, "use that count"},
+    {"--chunk", kJob, NUMBER(chunksize, "pages"), "print the job in pieces of this many pages", 0, PRIVATE(chunkActive)},
+    {"--chunked", kJob, PRIVATE(chunkActive), SWITCH, "print the job in pieces"},
     {"--job-capture", kJob, PRIVATE(jobCapture), SWITCH, "let the printer capture the job"},
     {"--no-print", kJob, PRIVATE(noPrint), SWITCH, "let the printer take the job without printing it"},
     {"--stitched", kJob, PRIVATE(stitched), SWITCH, "mark the job as stitched"},
-    {"--print-setting", kJob, PRIVATE(printSetting), RANGE(0, 3, ""), "a number for the printer's own programs"},
+    {"--print-setting", kJob, NUMBER(printSetting, ""), "a number for the printer's own programs"},
 };
 // clang-format on
 
@@ -86,13 +94,13 @@ std::string NumberText(const Setting& setting, int value) {
     return DecimalText(static_cast<double>(value) / setting.perUnit, setting.perUnit == 1 ? 0 : 1);
 }
 
-// "a", "a or b", "a, b or c".
+// Appends an item to a list: "a", "a or b", "a, b or c".
 std::string Listed(const std::string& list, const std::string& item, bool last) {
     if (list.empty()) return item;
     return list + (last ? " or " : ", ") + item;
 }
 
-// One pixel, many pixels.
+// Appends the setting's unit, in the singular for 1.
 std::string WithUnit(const Setting& setting, const std::string& text) {
     std::string_view unit = setting.unit;
     if (unit.empty()) return text;
@@ -100,7 +108,7 @@ std::string WithUnit(const Setting& setting, const std::string& text) {
     return text + " " + std::string(unit);
 }
 
-// The number without a unit behind it, in the setting's unit; blanks between them are allowed.
+// Parses a number, optionally followed by blanks and a unit. Returns it in the setting's unit.
 std::optional<double> NumberInUnit(const Setting& setting, std::string_view text) {
     const auto numberBefore = [&](std::string_view unit) -> std::optional<double> {
         if (unit.empty() || !text.ends_with(unit)) return std::nullopt;
@@ -117,7 +125,7 @@ std::optional<double> NumberInUnit(const Setting& setting, std::string_view text
 }
 
 bool Takes(const Setting& setting, int value) {
-    for (const int each : setting.numbers) {
+    for (const int16_t each : setting.numbers) {
         if (each == value) return true;
     }
     return setting.numbers.empty() && value >= setting.least && value <= setting.most;
@@ -141,7 +149,7 @@ const Setting& FindSetting(std::string_view option) {
 }
 
 int ReadSetting(const DeviceMode& mode, const Setting& setting) {
-    // The field becomes the upper end of a word, so that the shift brings its sign along.
+    // Puts the field at the upper end of a word, so that the shift extends its sign.
     const auto* const bytes = reinterpret_cast<const uint8_t*>(&mode) + setting.field.offset;
     const size_t missing = sizeof(int32_t) - setting.field.size;
     int32_t value = 0;
@@ -150,7 +158,7 @@ int ReadSetting(const DeviceMode& mode, const Setting& setting) {
 }
 
 void WriteSetting(DeviceMode& mode, const Setting& setting, int value) {
-    // The record is little-endian on every machine that it is exchanged between.
+    // The lower bytes come first: the record is little-endian.
     const int32_t dword = value;
     auto* const bytes = reinterpret_cast<uint8_t*>(&mode);
     memcpy(bytes + setting.field.offset, &dword, setting.field.size);
@@ -181,7 +189,7 @@ int ParseSetting(const Setting& setting, std::string_view text) {
 std::string RangeText(const Setting& setting) {
     std::string list;
     if (!setting.words.empty()) {
-        // A second word for the same value is an other spelling.
+        // The last word for the alignment is another spelling.
         size_t count = setting.words.size();
         if (setting.words.data() == kAlignmentWords) --count;
         for (size_t i = 0; i < count; ++i) list = Listed(list, setting.words[i].word, i + 1 == count);

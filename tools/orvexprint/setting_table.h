@@ -1,5 +1,5 @@
-// The settings of a device mode as people give them: one row of a table for each, with its option, its field,
-// its unit and its range.
+// The settings of a device mode as people give them: a table with one row a setting, which has its option,
+// field, unit and range.
 #pragma once
 
 #include <cstddef>
@@ -13,16 +13,16 @@
 
 namespace orvex::tools::print {
 
-// A value that an option does not take: names the option, the value and the range.
+// A wrong value: the message names the option, the value and the range.
 class OptionError : public std::runtime_error {
   public:
     using std::runtime_error::runtime_error;
 };
 
-// A signed number in a device mode.
+// The place of a signed number in a device mode.
 struct SettingField {
     size_t offset;  // bytes into a DeviceMode
-    size_t size;    // 1, 2 or 4 bytes; 0: no field at all
+    size_t size;    // 1, 2 or 4 bytes; 0: there is no field
 };
 
 struct SettingWord {
@@ -32,42 +32,42 @@ struct SettingWord {
 
 struct Setting {
     const char* option;  // "--purge-gap"
-    const char* group;   // heading of the help
+    const char* group;   // heading in the help
     SettingField field;
-    // What it takes: one of these words, one of these numbers, or a number of this range.
+    // The allowed values: one of the words, one of the numbers, or a number in the range.
     std::span<const SettingWord> words;
-    std::span<const int> numbers;
+    std::span<const int16_t> numbers;
     int least;
     int most;
-    int perUnit;       // steps of the field that make one unit: 10 for tenths of a millimetre
+    int perUnit;       // steps of the field per unit: 10 for tenths of a millimeter
     const char* unit;  // "mm"; empty: none
     const char* help;
-    uint32_t flag = 0;             // DM_... bit that says that the public field is set
-    SettingField switchedOn = {};  // a field that becomes 1 with it
+    uint32_t flag = 0;             // DM_... bit of the public field
+    SettingField switchedOn = {};  // a field that is set to 1 as well
 
-    // Without a value the option means the first word.
+    // Returns whether the option takes on and off, and means on if it has no value.
     bool IsSwitch() const;
 };
 
 std::span<const Setting> Settings();
 
-// The setting of that option. There must be one.
+// Returns the setting of an option, which must exist.
 const Setting& FindSetting(std::string_view option);
 
 int ReadSetting(const DeviceMode& mode, const Setting& setting);
-// Writes the value with all that goes with it.
+// Writes the value, its DM_... bit and the field that it switches on.
 void WriteSetting(DeviceMode& mode, const Setting& setting, int value);
 
-// Reads a value as given, its unit allowed behind a number. Throws OptionError.
+// Parses a value; a number may be followed by its unit. Throws OptionError.
 int ParseSetting(const Setting& setting, std::string_view text);
 
-// "off, leading or trailing", "5, 10 or 15 mm", "-100.0 to 100.0 mm".
+// Returns the allowed values: "off, leading or trailing", "5, 10 or 15 mm", "-100.0 to 100.0 mm".
 std::string RangeText(const Setting& setting);
 
-// A value of the field: "leading", "2.0 mm".
+// Returns a value of the field as text: "leading", "2.0 mm".
 std::string ValueText(const Setting& setting, int value);
 
-// The complaint about a value: `option: "value" is not allowed; it takes RANGE`.
+// Returns the error `option: "value" is not allowed; it takes RANGE`.
 OptionError WrongValue(std::string_view option, std::string_view value, std::string_view range);
 
 }  // namespace orvex::tools::print

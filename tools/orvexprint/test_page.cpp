@@ -3,26 +3,26 @@
 #include <algorithm>
 #include <cmath>
 
+#include "tools/common/units.h"
 #include "tools/orvexprint/barcode.h"
 
 namespace orvex::tools::print {
 
 namespace {
 
-constexpr double kMmPerInch = 25.4;
 constexpr char kBarcodeText[] = "ORVEX 39";
 
-constexpr int kRulerMm = 6;      // room for a ruler with its numbers, along an edge
+constexpr int kRulerMm = 6;      // room for a ruler with its numbers
 constexpr int kGapMm = 2;        // between the parts of the page
 constexpr int kWedgeSteps = 10;  // from blank to full
 
-struct Ink {
+struct Wedge {
     const char* name;
     uint32_t color;
 };
-constexpr Ink kInks[] = {{"K", 0x000000}, {"C", 0x00FFFF}, {"M", 0xFF00FF}, {"Y", 0xFFFF00}};
+constexpr Wedge kWedges[] = {{"K", 0x000000}, {"C", 0x00FFFF}, {"M", 0xFF00FF}, {"Y", 0xFFFF00}};
 
-// The page, measured in millimetres.
+// The page, measured in millimeters.
 class Sheet {
   public:
     Sheet(Canvas& canvas, int dpi)
@@ -37,7 +37,7 @@ class Sheet {
         canvas_.Fill(Px(x), Px(y), std::max(Px(x + width) - Px(x), 1), std::max(Px(y + height) - Px(y), 1),
                      color);
     }
-    // Letters about a millimetre and a half high, unless they are made smaller.
+    // Returns the size of a dot in pixels; letters are about 1.5 mm high unless they are made smaller.
     int TextScale() const { return textScale_; }
     void SetTextScale(int scale) { textScale_ = scale; }
     double TextWidthMm(std::string_view text) const {
@@ -97,7 +97,7 @@ double DrawArrow(Sheet& sheet, double y) {
     return kHeight;
 }
 
-// The share of an ink, mixed into the white of the label.
+// Returns the color of a wedge's step, an ink mixed with the white of the label.
 uint32_t Tint(uint32_t color, int step) {
     uint32_t tint = 0;
     for (int shift = 0; shift < 24; shift += 8) {
@@ -111,15 +111,16 @@ double DrawWedges(Sheet& sheet, double y) {
     constexpr double kBar = 4;
     const double left = kRulerMm + kGapMm + 3;
     const double step = std::min((sheet.WidthMm() - left - kGapMm) / (kWedgeSteps + 1), 8.0);
-    for (const Ink& ink : kInks) {
-        sheet.Text(left - 3, y + 1, ink.name);
-        for (int i = 0; i <= kWedgeSteps; ++i) sheet.Fill(left + i * step, y, step, kBar, Tint(ink.color, i));
+    for (const Wedge& wedge : kWedges) {
+        sheet.Text(left - 3, y + 1, wedge.name);
+        for (int i = 0; i <= kWedgeSteps; ++i)
+            sheet.Fill(left + i * step, y, step, kBar, Tint(wedge.color, i));
         y += kBar;
     }
-    return kBar * static_cast<double>(std::size(kInks));
+    return kBar * static_cast<double>(std::size(kWedges));
 }
 
-// Lines of one to four pixels with gaps as wide, standing and lying.
+// Draws vertical and horizontal lines of one to four pixels, with gaps as wide.
 double DrawFineLines(Sheet& sheet, double y) {
     constexpr double kSide = 5;
     const int side = sheet.Px(kSide);
@@ -149,12 +150,12 @@ double DrawBarcode(Sheet& sheet, double y) {
     return kHeight + 0.5 + sheet.TextLineMm();
 }
 
-// How lines of two columns, a name and a value, share the room below the heading.
+// The arrangement of names and values below the heading, in pairs of columns.
 struct Columns {
-    double names;   // mm, the gap behind them included
-    double values;  // mm, likewise
-    int lines;      // of one pair of columns
-    int pairs;      // that stand side by side
+    double names;   // mm, with the gap after them
+    double values;  // mm, with the gap after them
+    int lines;      // per pair of columns
+    int pairs;      // side by side
 
     bool Hold(size_t count) const { return static_cast<size_t>(lines) * static_cast<size_t>(pairs) >= count; }
 };
@@ -172,7 +173,8 @@ Columns LayColumns(const Sheet& sheet, double top, const std::vector<NamedValue>
     return columns;
 }
 
-// On labels with little room the letters shrink, down to half their size, before lines are left out.
+// Draws the text. On small labels the letters shrink to as little as half their size before lines are left
+// out.
 void DrawText(Sheet& sheet, double y, const TestPageText& text) {
     const double left = kRulerMm + kGapMm;
     sheet.Text(left, y, text.heading);

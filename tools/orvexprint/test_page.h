@@ -1,5 +1,4 @@
-// The built-in self-test page: whether the printer puts the whole page where it belongs, each ink where it
-// belongs, and what the job was set to.
+// The built-in self-test page, which shows whether page and inks are in their places, and the job's settings.
 #pragma once
 
 #include <cstdint>
@@ -15,15 +14,15 @@ struct NamedValue {
     std::string value;
 };
 
-// What the test page tells in text, below a heading a line each.
+// The text of the test page: a heading, and a line for each value.
 struct TestPageText {
     std::string heading;
     std::vector<NamedValue> values;
 };
 
-// Draws onto a white page of `dpi`: marks in the four corners, an arrow to the page's top, millimetre rulers
-// from its left and its top edge, a wedge for each ink, fine lines, a barcode in pure black and the text.
-// What the label has no room for is left out from the bottom up.
+// Draws on a white page of `dpi`: marks in the four corners, an arrow to the top of the page, millimeter
+// rulers from its left and top edges, a wedge for each ink, fine lines, a barcode in pure black and the text.
+// Parts that a small label has no room for are left out, the last ones first.
 void DrawTestPage(Canvas& page, int dpi, const TestPageText& text);
 
 }  // namespace orvex::tools::print

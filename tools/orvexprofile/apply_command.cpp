@@ -2,7 +2,7 @@
 #include <array>
 #include <memory>
 
-#include "tools/common/png_page.h"
+#include "tools/common/png_file.h"
 #include "tools/orvexprofile/commands.h"
 #include "tools/orvexprofile/ink_preview.h"
 #include "tools/orvexprofile/profile_loading.h"

@@ -1,6 +1,7 @@
 // orvexprofile build --icc PRINTER.icc -o FILE.zvp: makes a profile from a printer's ICC profile.
 #include <memory>
 
+#include "tools/common/printable_text.h"
 #include "tools/orvexprofile/commands.h"
 #include "tools/orvexprofile/conversion.h"
 #include "tools/orvexprofile/driver_colors.h"
@@ -9,7 +10,6 @@
 #include "tools/orvexprofile/profile_loading.h"
 #include "tools/orvexprofile/profile_writer.h"
 #include "tools/orvexprofile/report.h"
-#include "tools/orvexview/printable_text.h"
 
 namespace orvex::tools::profile {
 
@@ -54,7 +54,7 @@ void ReportAccuracy(std::ostream& out, const BuildOptions& options, const IccPro
 
 void Build(const BuildOptions& options, std::ostream& out) {
     const IccProfile icc(options.icc, options.intent, options.blackPointCompensation);
-    out << "From " << tools::view::PrintableText(icc.Description()) << '\n';
+    out << "From " << PrintableText(icc.Description()) << '\n';
     WriteAcceptedProfile(BuildProfile(options, icc), options.output, out);
     if (const std::string_view loss = VersionLoss(options.version); !loss.empty()) out << loss << '\n';
     ReportAccuracy(out, options, icc, PrintVariant::kAt600);

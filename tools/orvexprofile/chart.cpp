@@ -1,7 +1,5 @@
 #include "tools/orvexprofile/chart.h"
 
-#include <stb/stb_easy_font.h>
-
 #include <algorithm>
 #include <cmath>
 #include <iterator>
@@ -9,6 +7,7 @@
 #include <vector>
 
 #include "driver/color/color_cache.h"
+#include "tools/common/letters.h"
 #include "tools/orvexprofile/ink_preview.h"
 #include "tools/orvexprofile/ink_totals.h"
 
@@ -32,35 +31,23 @@ constexpr uint32_t kRampsTop = kMargin + 2 * kLine;
 constexpr uint32_t kSlicesTop = kRampsTop + kRampRows * kRampHeight + kGap;
 constexpr uint32_t kHeight = kSlicesTop + kLine + 2 * (kTile + kGap) + kMargin;
 
-constexpr tools::view::Rgb kText = {0x40, 0x40, 0x40};
-constexpr tools::view::Rgb kRule = {0xE0, 0xE0, 0xE0};
-constexpr std::array<tools::view::Rgb, kInks> kCurveColors = {
+constexpr Rgb kText = {0x40, 0x40, 0x40};
+constexpr Rgb kRule = {0xE0, 0xE0, 0xE0};
+constexpr std::array<Rgb, kInks> kCurveColors = {
     {{0x00, 0x00, 0x00}, {0x00, 0xA0, 0xD8}, {0xDC, 0x0A, 0x78}, {0xF0, 0xC8, 0x00}}};
 
-// A vertex as stb_easy_font writes it, four for each rectangle.
-struct FontVertex {
-    float x, y, z;
-    unsigned char color[4];
-};
-
-void Fill(tools::view::Picture& picture, const ChartPlace& place, tools::view::Rgb color) {
-    tools::view::FillRectangle(picture, place.x, place.y, place.width, place.height, color);
+void Fill(Picture& picture, const ChartPlace& place, Rgb color) {
+    FillRectangle(picture, place.x, place.y, place.width, place.height, color);
 }
 
-void Write(tools::view::Picture& picture, uint32_t x, uint32_t y, std::string_view text) {
+void Write(Picture& picture, uint32_t x, uint32_t y, std::string_view text) {
     std::string shown;
     std::copy_if(text.begin(), text.end(), std::back_inserter(shown),
                  [](char c) { return c >= ' ' && c <= '~'; });
-    std::vector<FontVertex> vertices(shown.size() * 4 * 64);
-    const int quads =
-        stb_easy_font_print(static_cast<float>(x), static_cast<float>(y), shown.data(), nullptr,
-                            vertices.data(), static_cast<int>(vertices.size() * sizeof(FontVertex)));
-    for (int quad = 0; quad < quads; ++quad) {
-        const FontVertex& from = vertices[static_cast<size_t>(4 * quad)];
-        const FontVertex& to = vertices[static_cast<size_t>(4 * quad + 2)];
+    for (const LetterStroke& stroke : LetterStrokes(shown)) {
         Fill(picture,
-             {static_cast<uint32_t>(from.x), static_cast<uint32_t>(from.y),
-              static_cast<uint32_t>(to.x - from.x), static_cast<uint32_t>(to.y - from.y)},
+             {x + static_cast<uint32_t>(stroke.x), y + static_cast<uint32_t>(stroke.y),
+              static_cast<uint32_t>(stroke.width), static_cast<uint32_t>(stroke.height)},
              kText);
     }
 }
@@ -75,9 +62,9 @@ uint32_t Between(uint32_t from, uint32_t to, double position) {
     return color;
 }
 
-void DrawCurves(tools::view::Picture& picture, int ramp) {
+void DrawCurves(Picture& picture, int ramp) {
     const ChartPlace place = RampCurves(ramp);
-    Fill(picture, place, tools::view::kPaperWhite);
+    Fill(picture, place, kPaperWhite);
     for (uint32_t quarter = 0; quarter <= 4; ++quarter) {
         Fill(picture, {place.x, place.y + quarter * (place.height - 1) / 4, place.width, 1}, kRule);
     }
@@ -94,7 +81,7 @@ void DrawCurves(tools::view::Picture& picture, int ramp) {
     }
 }
 
-void DrawRamp(tools::view::Picture& picture, int ramp, const tools::view::InkModel& model) {
+void DrawRamp(Picture& picture, int ramp, const InkModel& model) {
     const ChartPlace place = RampPrint(ramp);
     Write(picture, place.x, place.y - kLine + 4, kChartRamps[static_cast<size_t>(ramp)].name);
     for (uint32_t x = 0; x < place.width; ++x) {
@@ -104,7 +91,7 @@ void DrawRamp(tools::view::Picture& picture, int ramp, const tools::view::InkMod
     DrawCurves(picture, ramp);
 }
 
-void DrawSlice(tools::view::Picture& picture, int slice, const tools::view::InkModel& model) {
+void DrawSlice(Picture& picture, int slice, const InkModel& model) {
     const ChartPlace print = SlicePrint(slice), total = SliceTotal(slice);
     Write(picture, print.x, print.y - kLine + 4, "Red " + std::to_string(SliceColor(slice, 0, 0) >> 16));
     for (uint32_t y = 0; y < kTile; ++y) {
@@ -150,10 +137,10 @@ uint32_t SliceColor(int slice, uint32_t x, uint32_t y) {
     return ColorIndex(red, y * 255 / (kTile - 1), x * 255 / (kTile - 1));
 }
 
-tools::view::Picture DrawChart(std::string_view title, PrintVariant variant) {
-    const tools::view::InkModel model = InkModelOf(variant);
-    tools::view::Picture picture(kWidth, kHeight, 3);
-    Fill(picture, {0, 0, kWidth, kHeight}, tools::view::kPaperWhite);
+Picture DrawChart(std::string_view title, PrintVariant variant) {
+    const InkModel model = InkModelOf(variant);
+    Picture picture(kWidth, kHeight, 3);
+    Fill(picture, {0, 0, kWidth, kHeight}, kPaperWhite);
     Write(picture, kMargin, kMargin, title);
     for (int ramp = 0; ramp < static_cast<int>(kChartRamps.size()); ++ramp) DrawRamp(picture, ramp, model);
     for (int slice = 0; slice < kChartSlices; ++slice) DrawSlice(picture, slice, model);

@@ -6,8 +6,8 @@
 #include <cstdint>
 #include <string_view>
 
+#include "tools/common/picture.h"
 #include "tools/orvexprofile/profile.h"
-#include "tools/orvexview/picture.h"
 
 namespace orvex::tools::profile {
 
@@ -44,6 +44,6 @@ ChartPlace SliceTotal(int slice);  // all inks together in gray: white for none,
 uint32_t SliceColor(int slice, uint32_t x, uint32_t y);
 
 // Draws the variant that is loaded into the driver. Leaves out characters of the title that are not ASCII.
-tools::view::Picture DrawChart(std::string_view title, PrintVariant variant);
+Picture DrawChart(std::string_view title, PrintVariant variant);
 
 }  // namespace orvex::tools::profile

@@ -1,12 +1,12 @@
 // orvexprofile info FILE: shows what a profile contains, and whether the driver accepts it.
 #include <memory>
 
+#include "tools/common/printable_text.h"
 #include "tools/orvexprofile/commands.h"
 #include "tools/orvexprofile/driver_colors.h"
 #include "tools/orvexprofile/ink_statistics.h"
 #include "tools/orvexprofile/profile_loading.h"
 #include "tools/orvexprofile/report.h"
-#include "tools/orvexview/printable_text.h"
 
 namespace orvex::tools::profile {
 
@@ -26,14 +26,14 @@ std::string TagKind(const TagFacts& tag) {
 void ReportTags(std::ostream& out, const ProfileFacts& facts) {
     for (const TagFacts& tag : facts.tags) {
         out << "  tag at " << tag.offset << "  " << TagKind(tag) << ", " << tag.length << " bytes";
-        if (tag.id == kNameTag) out << ": \"" << tools::view::PrintableText(tag.data) << '"';
+        if (tag.id == kNameTag) out << ": \"" << PrintableText(tag.data) << '"';
         out << '\n';
     }
 }
 
 void ReportTagContents(std::ostream& out, const ProfileFacts& facts) {
     if (const auto name = facts.Name()) {
-        out << "  name       " << tools::view::PrintableText(*name) << '\n';
+        out << "  name       " << PrintableText(*name) << '\n';
         if (name->size() > kLongestListedName) {
             out << "             longer than " << kLongestListedName
                 << " bytes: users see the file's name, unless profilenames.inf has another\n";
@@ -55,7 +55,7 @@ void ReportInks(std::ostream& out, const char* title, int version) {
 
 void ReportFile(std::ostream& out, const std::string& path, const ProfileFacts& facts) {
     out << path << '\n';
-    out << "  mark       \"" << tools::view::PrintableText(facts.mark) << "\"\n";
+    out << "  mark       \"" << PrintableText(facts.mark) << "\"\n";
     out << "  version    " << facts.version;
     if (facts.version >= kFirstVersion && facts.version <= kLastVersion) {
         out << ": " << LayoutOf(facts.version).description;
@@ -80,8 +80,8 @@ bool Inspect(std::ostream& out, const std::string& path) {
     if (facts.Accepted()) {
         out << "accepts the file\n";
     } else {
-        out << "refuses the file and prints through its built-in conversion: "
-            << tools::view::PrintableText(facts.problem) << '\n';
+        out << "refuses the file and prints through its built-in conversion: " << PrintableText(facts.problem)
+            << '\n';
     }
     return facts.Accepted();
 }

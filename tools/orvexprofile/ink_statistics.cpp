@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "driver/color/color_cache.h"
+#include "driver/color/color_table.h"
 
 namespace orvex::tools::profile {
 

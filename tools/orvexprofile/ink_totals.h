@@ -8,7 +8,7 @@ namespace orvex::tools::profile {
 constexpr double kFullAmount = 255;  // 100 percent
 
 // Returns the sum of the four amounts, 0 to 1020.
-constexpr uint32_t TotalInk(uint32_t inks) {
+constexpr uint32_t TotalInk(InkValue inks) {
     return InkAmount(inks, kBlackInk) + InkAmount(inks, kCyanInk) + InkAmount(inks, kMagentaInk) +
            InkAmount(inks, kYellowInk);
 }

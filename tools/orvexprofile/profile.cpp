@@ -1,6 +1,6 @@
 #include "tools/orvexprofile/profile.h"
 
-#include "driver/color/color_cache.h"
+#include "driver/color/color_table.h"
 #include "driver/color/ink.h"
 
 namespace orvex::tools::profile {
@@ -39,7 +39,7 @@ uint32_t StoredComponent(int steps, int step) {
     }
 }
 
-uint32_t AvoidMark(uint32_t inks) {
+InkValue AvoidMark(InkValue inks) {
     return inks == kNotComputed ? PackInks(254, 255, 255, 255) : inks;
 }
 

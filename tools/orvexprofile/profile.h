@@ -10,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "driver/color/ink.h"
 #include "driver/profiles/profile_format.h"
 
 namespace orvex::tools::profile {
@@ -42,7 +43,7 @@ uint32_t StoredComponent(int steps, int step);
 
 // Returns the ink value itself, or the one nearest to the driver's "not computed" mark, with black one step
 // short of full: no profile may contain the mark, which is all four inks full.
-uint32_t AvoidMark(uint32_t inks);
+InkValue AvoidMark(InkValue inks);
 
 // The print engine's resolution codes.
 struct ResolutionCodes {
@@ -56,7 +57,7 @@ enum class PrintVariant { kAt600, kOther };
 
 // Ink values of one variant, in the order of the colors' numbers over the version's steps: red slowest, blue
 // fastest, whatever the order in the file.
-using Variant = std::vector<uint32_t>;
+using Variant = std::vector<InkValue>;
 
 // Returns the same colors with the axes in the other order: from red slowest to blue slowest, or back.
 Variant SwapAxes(int steps, const Variant& variant);
@@ -70,7 +71,7 @@ struct Profile {
 };
 
 // Computes the ink value of each of `colors`.
-using InkSource = std::function<void(std::span<const uint32_t> colors, std::span<uint32_t> inks)>;
+using InkSource = std::function<void(std::span<const uint32_t> colors, std::span<InkValue> inks)>;
 
 // Calls `visit` with the colors at which a variant of the version is sampled, in its order, a run of blues at
 // a time.

@@ -4,7 +4,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "tools/orvexview/printable_text.h"
+#include "tools/common/printable_text.h"
 
 namespace orvex::tools::view {
 

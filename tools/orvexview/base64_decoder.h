@@ -1,4 +1,4 @@
-// Base64, the reading side.
+// A decoder for base64.
 #pragma once
 
 #include <cstdint>
@@ -7,8 +7,8 @@
 
 namespace orvex::tools::view {
 
-// Decodes base64 text: the standard alphabet, padding, no line breaks. Throws std::runtime_error that names
-// the position and what stands there.
+// Decodes base64 text: the standard alphabet, with padding, without line breaks. Throws std::runtime_error
+// that names the wrong character and its position.
 std::vector<uint8_t> DecodeBase64(std::string_view text);
 
 }  // namespace orvex::tools::view

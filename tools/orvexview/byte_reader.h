@@ -1,4 +1,4 @@
-// Reads a print file's bytes in order. Whatever is not as it should be ends in a PrintFileError.
+// The bytes of a print file, read in order.
 #pragma once
 
 #include <cstddef>
@@ -10,7 +10,7 @@
 
 namespace orvex::tools::view {
 
-// What is wrong with a print file, with the offset of the byte at which it was seen: "offset 1234: ...".
+// An error in a print file; the message begins with the offset of the wrong byte: "offset 1234: ...".
 class PrintFileError : public std::runtime_error {
   public:
     PrintFileError(size_t offset, const std::string& complaint)
@@ -22,6 +22,11 @@ class PrintFileError : public std::runtime_error {
     size_t offset_;
 };
 
+// Returns the number in the first 4 bytes.
+inline uint32_t LittleEndian(std::span<const uint8_t> bytes) {
+    return bytes[0] | bytes[1] << 8 | bytes[2] << 16 | static_cast<uint32_t>(bytes[3]) << 24;
+}
+
 class ByteReader {
   public:
     explicit ByteReader(std::span<const uint8_t> bytes) : bytes_(bytes) {}
@@ -32,7 +37,7 @@ class ByteReader {
         return {reinterpret_cast<const char*>(bytes_.data()) + offset_, bytes_.size() - offset_};
     }
 
-    // The next `size` bytes; `what` names them in the complaint when the file ends before.
+    // Returns the next `size` bytes. Throws PrintFileError that calls them `what` if the file ends before.
     std::span<const uint8_t> Take(size_t size, std::string_view what) {
         if (size > bytes_.size() - offset_) {
             throw PrintFileError(offset_, "the file ends within " + std::string(what) + ": " +
@@ -46,10 +51,7 @@ class ByteReader {
 
     uint8_t TakeByte(std::string_view what) { return Take(1, what)[0]; }
 
-    uint32_t TakeNumber(std::string_view what) {
-        const std::span<const uint8_t> bytes = Take(4, what);
-        return bytes[0] | bytes[1] << 8 | bytes[2] << 16 | static_cast<uint32_t>(bytes[3]) << 24;
-    }
+    uint32_t TakeNumber(std::string_view what) { return LittleEndian(Take(4, what)); }
 
   private:
     std::span<const uint8_t> bytes_;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <stdexcept>
 
+#include "tools/common/number_text.h"
 #include "tools/orvexview/table.h"
 
 namespace orvex::tools::view {

@@ -1,27 +1,27 @@
 #include "tools/orvexview/header_meanings.h"
 
-#include <charconv>
 #include <iterator>
 #include <optional>
 
-#include "tools/orvexview/table.h"
+#include "tools/common/number_text.h"
+#include "tools/orvexview/pjl_header.h"
 
 namespace orvex::tools::view {
 
 namespace {
 
 enum class Kind {
-    kPlain,     // the text alone
-    kYesNo,     // "yes" and "no"
-    kChoice,    // the choices, parted by '|', counted from 0
-    kTenthsMm,  // a length
+    kPlain,     // any value
+    kYesNo,     // 0 or 1
+    kChoice,    // one of the choices, counted from 0
+    kTenthsMm,  // a length in tenths of a millimeter
 };
 
 struct Meaning {
     std::string_view name;
     Kind kind;
-    std::string_view text;  // what the setting is
-    std::string_view choices;
+    std::string_view text;     // the setting itself
+    std::string_view choices;  // separated by '|'
 };
 
 constexpr Meaning kMeanings[] = {
@@ -49,14 +49,7 @@ constexpr Meaning kMeanings[] = {
     {"PROFILE", Kind::kPlain, "name of the colour profile", ""},
 };
 
-std::optional<int32_t> Number(std::string_view value) {
-    int32_t number = 0;
-    const auto [end, error] = std::from_chars(value.data(), value.data() + value.size(), number);
-    if (error != std::errc() || end != value.data() + value.size()) return std::nullopt;
-    return number;
-}
-
-// The choice of that number; empty when there is none.
+// Returns a choice by its number; empty if there is none.
 std::string_view Choice(std::string_view choices, int32_t number) {
     for (; number > 0; --number) {
         const size_t bar = choices.find('|');
@@ -80,7 +73,7 @@ std::string MeaningOf(std::string_view name, std::string_view value) {
         if (meaning.name != name) continue;
         const std::string text(meaning.text);
         if (meaning.kind == Kind::kPlain) return text;
-        const std::optional<int32_t> number = Number(value);
+        const std::optional<int32_t> number = ParsePjlNumber(value);
         return text + ": " + (number ? InWords(meaning, *number) : "not a number");
     }
     return {};

@@ -1,4 +1,4 @@
-// The job settings of the PJL header in words.
+// The meanings of the job settings in the PJL header.
 #pragma once
 
 #include <string>
@@ -6,7 +6,8 @@
 
 namespace orvex::tools::view {
 
-// What a setting of that name and value means; empty for an unknown name. A value out of its range says so.
+// Returns the meaning of a setting's name and value; empty if the name is unknown. States that a value is out
+// of range.
 std::string MeaningOf(std::string_view name, std::string_view value);
 
 }  // namespace orvex::tools::view

@@ -12,7 +12,7 @@ uint32_t RowsCovered(const PrintedPage& page, const PagePlacement& placement) {
     return std::max(placement.headRows, placement.headTop + page.rows);
 }
 
-// The same inks on coloured paper.
+// Puts the inks of an area on colored paper.
 void Tint(Picture& picture, uint32_t left, uint32_t top, uint32_t right, uint32_t bottom, Rgb paper) {
     for (uint32_t y = top; y < bottom; ++y) {
         for (uint32_t x = left; x < right; ++x) {
@@ -56,7 +56,7 @@ Picture DrawLayout(const PrintFile& file, const PrintedPage& page, const PagePla
                    uint32_t scale) {
     Picture block = DrawComposite(file, page, WholeBlock(page), scale);
     TintBlock(block, placement, scale);
-    // A block that starts between two lines of the picture may reach one line further.
+    // A block that starts between two lines of the picture may need one line more.
     const uint32_t lines = (RowsCovered(page, placement) + scale - 1) / scale + 1;
     Picture picture(block.width + 2 * kLayoutMargin, lines + 2 * kLayoutMargin, 3);
     FillRectangle(picture, 0, 0, picture.width, picture.height, kPaperWhite);

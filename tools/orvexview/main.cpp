@@ -1,4 +1,4 @@
-// orvexview: shows a print file.
+// The program orvexview.
 #include <exception>
 #include <iostream>
 

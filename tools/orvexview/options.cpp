@@ -34,7 +34,7 @@ constexpr const char* kExamples =
     "differ from\n"
     "the picture to verify; other values for a wrong command line.";
 
-// The same check without its own words in the help.
+// Removes a check's own text from the help.
 CLI::Validator Unnamed(CLI::Validator check) {
     return check.description("");
 }
@@ -49,7 +49,7 @@ class ViewHelpFormat : public HelpFormat {
 void AddOutputOptions(CLI::App& app, Options& options) {
     app.add_option("FILE", options.file, "The print file")->required()->type_name("");
     app.add_option("-o,--output", options.prefix,
-                   "What the names of the pictures begin with; default: FILE without its extension")
+                   "Beginning of the pictures' names; default: FILE without its extension")
         ->type_name("PREFIX");
     app.add_flag("--inks", options.inks, "One grey picture per ink as well: PREFIX-pageN-K.png, -C, -M, -Y");
     app.add_flag(
@@ -85,9 +85,9 @@ void AddViewOptions(CLI::App& app, Options& options) {
     app.add_flag_callback(
            "--full", [&options] { options.scale = 1; }, "Every pixel, the same as --scale 1")
         ->excludes(scale);
-    app.add_flag("--raw", options.raw, "Pictures as sent: not turned, fill rows and purge bar included");
+    app.add_flag("--raw", options.raw, "Pictures as sent: not turned, with fill rows and purge bar");
     app.add_option("--orientation", options.orientation,
-                   "portrait or landscape, where the job header does not tell it")
+                   "portrait or landscape, if the job header does not tell it")
         ->type_name("HOW")
         ->transform(Unnamed(CLI::CheckedTransformer(kOrientations)));
 }
@@ -97,13 +97,13 @@ void AddViewOptions(CLI::App& app, Options& options) {
 std::optional<Options> ReadOptions(std::vector<std::string> arguments, int& status) {
     Options options;
     CLI::App app(kDescription, "orvexview");
-    app.allow_windows_style_options(false);  // a name may begin with a slash
+    app.allow_windows_style_options(false);  // a file name may begin with a slash
     app.formatter(std::make_shared<ViewHelpFormat>());
     app.footer(kExamples);
     AddOutputOptions(app, options);
     AddViewOptions(app, options);
     try {
-        std::reverse(arguments.begin(), arguments.end());  // as CLI11 takes them
+        std::reverse(arguments.begin(), arguments.end());  // the order that CLI11 expects
         app.parse(std::move(arguments));
     } catch (const CLI::ParseError& error) {
         status = app.exit(error);

@@ -4,7 +4,7 @@ namespace orvex::tools::view {
 
 namespace {
 
-// Reads the area row by row; `convert` makes a line of samples from the ink values of one row.
+// Draws an area row by row; `convert` turns the ink values of a row into a line of samples.
 template <typename Convert>
 Picture DrawRows(const PrintedPage& page, const BlockArea& area, uint32_t scale, uint32_t channels,
                  Convert convert) {

@@ -1,16 +1,16 @@
-// The pictures of a page.
+// Pictures of a page.
 #pragma once
 
 #include <cstdint>
 #include <optional>
 
+#include "tools/common/picture.h"
 #include "tools/orvexview/page_placement.h"
-#include "tools/orvexview/picture.h"
 #include "tools/orvexview/print_file.h"
 
 namespace orvex::tools::view {
 
-// Part of a block, in pixels along the row and in rows, within the block.
+// A part of a block, in pixels along the row and in rows.
 struct BlockArea {
     uint32_t left = 0;
     uint32_t top = 0;
@@ -19,16 +19,16 @@ struct BlockArea {
 };
 
 BlockArea ImageArea(const PagePlacement& placement);
-// The block with its fill rows and purge bar.
+// Returns the whole block, with its fill rows and purge bar.
 BlockArea WholeBlock(const PrintedPage& page);
 
-// Pictures of part of a block as it was sent, row 0 at the top; `scale` x `scale` pixels become one.
-// Composite: all inks on white paper (3 channels). Ink: one ink alone, black on white (1 channel).
+// Draw part of a block as it was sent, row 0 at the top; `scale` x `scale` pixels become one. A composite
+// shows all inks on white paper (3 channels); the other picture shows one ink, black on white (1 channel).
 Picture DrawComposite(const PrintFile& file, const PrintedPage& page, const BlockArea& area, uint32_t scale);
 Picture DrawInk(const PrintFile& file, const PrintedPage& page, const BlockArea& area, uint32_t scale,
                 int ink);
 
-// The picture turned as the label reads.
+// Turns a picture as the label reads.
 Picture Upright(Picture picture, const PagePlacement& placement);
 
 }  // namespace orvex::tools::view

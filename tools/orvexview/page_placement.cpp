@@ -10,7 +10,7 @@ using namespace print_stream;
 
 namespace {
 
-// The job settings that place an image. A setting that the header lacks counts as 0.
+// The job settings that place an image. A missing setting counts as 0.
 struct Settings {
     explicit Settings(const PjlHeader& header) {
         const auto number = [&](std::string_view name) { return header.FindNumber(name).value_or(0); };
@@ -26,12 +26,12 @@ struct Settings {
 
     int32_t labelWidth;   // pixels
     int32_t labelHeight;  // pixels
-    int32_t alignment;    // 0 = right, 1 = centre, 2 = left
+    int32_t alignment;    // 0 = right, 1 = center, 2 = left
     int32_t headOffsetTenthsMm;
-    int32_t purgeBar;  // 0 = none, 1 = in front of the image, 2 = behind it
+    int32_t purgeBar;  // 0 = none, 1 = before the image, 2 = after it
     int32_t purgeDots;
     int32_t purgeGapMm;
-    bool fullWidth;  // fill rows make every page as wide as the head
+    bool fullWidth;  // whether fill rows make every page as wide as the head
 };
 
 enum Alignment { kRight = 0, kLeft = 2 };
@@ -41,8 +41,8 @@ struct Fill {
     int64_t bottom = 0;
 };
 
-// The fill rows around an image of `rows` rows. A print-head offset moves rows from one side to the other; on
-// a centred label it changes both sides alike.
+// Returns the fill rows around an image of `rows` rows. A print-head offset moves rows from one side to the
+// other; on a centered label it changes both sides by the same number.
 Fill FillAround(const Settings& settings, int64_t rows, const PrintedPage& page, int64_t dpi) {
     if (!settings.fullWidth) return {};
     const int64_t fill = std::max<int64_t>(page.announcedRows - rows, 0);
@@ -69,7 +69,7 @@ void PlacePurgeBar(const Settings& settings, const PrintedPage& page, int64_t dp
     if (settings.purgeBar == 1) placement.imageLeft = placement.purgeWidth;
 }
 
-// Takes the orientation when the label, sent that way, gives just this block.
+// Accepts the orientation if the label, sent that way, results in exactly this block.
 bool Explains(Orientation orientation, const Settings& settings, const PrintedPage& page, int64_t dpi,
               PagePlacement& placement) {
     const bool portrait = orientation == Orientation::kPortrait;
@@ -95,7 +95,7 @@ PagePlacement PlacePage(const PrintFile& file, const PrintedPage& page, std::opt
     placement.headTop = aside / UnitsPerPixel(file.resolutionMode) + page.top;
     placement.imageRows = page.rows;
     PlacePurgeBar(settings, page, file.dpi, placement);
-    // A square label tells nothing; portrait, the driver's default, is tried first.
+    // A square label fits both ways, so the driver's default, portrait, is tried first.
     for (const Orientation orientation : {Orientation::kPortrait, Orientation::kLandscape}) {
         if (Explains(orientation, settings, page, file.dpi, placement)) break;
     }

@@ -3,7 +3,7 @@
 #include <charconv>
 
 #include "engine/print_stream.h"
-#include "tools/orvexview/printable_text.h"
+#include "tools/common/printable_text.h"
 
 namespace orvex::tools::view {
 
@@ -28,7 +28,8 @@ std::string_view TakeLine(ByteReader& reader) {
     return rest.substr(0, length);
 }
 
-// A document name may hold a line feed: a value whose quote is still open goes on in the next line.
+// Takes a value. Document names may contain line feeds, so a value whose quote is open continues in the next
+// line.
 std::string TakeValue(ByteReader& reader, std::string_view firstLine) {
     std::string value(firstLine);
     if (!value.starts_with('"')) return value;
@@ -84,12 +85,15 @@ const std::string* PjlHeader::Find(std::string_view name) const {
 std::optional<int32_t> PjlHeader::FindNumber(std::string_view name) const {
     constexpr int32_t kLimit = 1'000'000;
     const std::string* text = Find(name);
-    if (!text) return std::nullopt;
+    const std::optional<int32_t> number = text ? ParsePjlNumber(*text) : std::nullopt;
+    return number && *number >= -kLimit && *number <= kLimit ? number : std::nullopt;
+}
+
+std::optional<int32_t> ParsePjlNumber(std::string_view text) {
     int32_t number = 0;
-    const char* end = text->data() + text->size();
-    const auto [rest, error] = std::from_chars(text->data(), end, number);
-    if (error != std::errc() || rest != end || number < -kLimit || number > kLimit) return std::nullopt;
-    return number;
+    const char* end = text.data() + text.size();
+    const auto [rest, error] = std::from_chars(text.data(), end, number);
+    return error == std::errc() && rest == end ? std::optional(number) : std::nullopt;
 }
 
 PjlHeader ReadPjlHeader(ByteReader& reader) {

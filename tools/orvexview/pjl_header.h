@@ -1,4 +1,4 @@
-// The PJL lines in front of a print file's records: the driver's job settings and the engine's comment.
+// The PJL lines before a print file's records: the driver's job settings and the print engine's comment.
 #pragma once
 
 #include <optional>
@@ -10,8 +10,8 @@
 
 namespace orvex::tools::view {
 
-// "@PJL SET NAME=VALUE", or "@PJL JOB NAME=VALUE" under the name "JOB NAME"; quotes around the value are
-// taken off.
+// The variable of a line "@PJL SET NAME=VALUE"; that of "@PJL JOB NAME=VALUE" is called "JOB NAME". The value
+// has no quotes around it.
 struct HeaderVariable {
     std::string name;
     std::string value;
@@ -20,19 +20,22 @@ struct HeaderVariable {
 };
 
 struct PjlHeader {
-    std::vector<HeaderVariable> variables;  // in the order of the file, without the thumbnail
+    std::vector<HeaderVariable> variables;  // in the file's order, without the thumbnail
     std::optional<std::string> thumbnail;   // a PNG file in base64
-    std::string comment;                    // of the engine
+    std::string comment;                    // of the print engine
 
-    // The value of the first variable of that name; null when there is none.
+    // Returns the value of the first variable of that name, or null.
     const std::string* Find(std::string_view name) const;
-    // The same as a decimal number from -1,000,000 to 1,000,000; nothing when it is none.
+    // Returns that value as a number; nothing if it is not a decimal number from -1,000,000 to 1,000,000.
     std::optional<int32_t> FindNumber(std::string_view name) const;
 
     bool operator==(const PjlHeader&) const = default;
 };
 
-// Reads from the universal exit to the end of the line that enters the engine's language. Throws
+// Parses the whole text as a decimal number. Returns nothing for any other text.
+std::optional<int32_t> ParsePjlNumber(std::string_view text);
+
+// Reads from the universal exit to the end of the line that enters the print engine's language. Throws
 // PrintFileError.
 PjlHeader ReadPjlHeader(ByteReader& reader);
 

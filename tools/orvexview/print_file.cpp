@@ -47,7 +47,7 @@ std::string InRange(std::string_view what, uint64_t value, uint64_t least, uint6
     return least == most ? text : text + " to " + std::to_string(most);
 }
 
-// Walks the records of one file.
+// A reader of the records of one file.
 class Parser {
   public:
     explicit Parser(PrintFile& file) : file_(file), reader_(file.bytes) {}
@@ -55,7 +55,8 @@ class Parser {
     void Run() {
         file_.header = ReadPjlHeader(reader_);
         ReadJobStart();
-        // The engine writes a job start with the first page only, so a print file has at least one.
+        // The engine writes the job start together with the first page, so a print file has at least one
+        // page.
         do {
             ReadPage();
         } while (NextType() != static_cast<uint8_t>(RecordType::kJobEnd));
@@ -70,8 +71,8 @@ class Parser {
         return reader_.Rest()[0];
     }
 
-    // Enters a record of that type; checks its checksum. Returns the payload, which the reader stands in
-    // front of.
+    // Enters a record of that type and verifies its checksum. Returns the payload, and leaves the reader at
+    // its beginning.
     std::span<const uint8_t> BeginRecord(RecordType type, size_t leastSize, size_t mostSize) {
         const size_t offset = reader_.Offset();
         const uint8_t found = reader_.TakeByte(NameOf(type));
@@ -97,7 +98,7 @@ class Parser {
 
     void BeginRecord(RecordType type, size_t size) { BeginRecord(type, size, size); }
 
-    // A number of the record; behind the last one the reader moves on to the next record.
+    // Takes a number of the record and checks its range. After the last number moves on to the next record.
     uint32_t TakeChecked(std::string_view what, uint64_t least, uint64_t most) {
         const size_t offset = reader_.Offset();
         const uint32_t number = reader_.TakeNumber(what);
@@ -230,7 +231,7 @@ std::span<const uint32_t> RowReader::Next() {
         if (record_ == page_.encodedRows.size()) return {};
         code_ = page_.encodedRows[record_++];
     }
-    DecodeRow(code_, row_);  // checked when the file was read
+    DecodeRow(code_, row_);  // can't fail: it was checked when the file was read
     return row_;
 }
 

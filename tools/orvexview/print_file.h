@@ -1,4 +1,4 @@
-// A print file of the stand-in engine, read and checked as a whole.
+// Print files of the stand-in print engine, read and checked as a whole.
 #pragma once
 
 #include <cstdint>
@@ -11,17 +11,16 @@
 
 namespace orvex::tools::view {
 
-// One page with its raster block. Rows lie across the print head, so row numbers and `top` count along its
-// width.
+// One page with its raster block. Row numbers and `top` count along the width of the print head.
 struct PrintedPage {
     uint32_t number = 0;                                // from 1
     int32_t resolutionCode = 0;                         // the number in the page's resolution command
     uint32_t width = 0;                                 // of the page, in 1/7200 inch, along a row
     uint32_t length = 0;                                // of the page, in 1/7200 inch, across the rows
-    uint32_t top = 0;                                   // rows in front of the block
+    uint32_t top = 0;                                   // rows before the block
     uint32_t rowWidth = 0;                              // pixels
     uint32_t announcedRows = 0;                         // when the block was started
-    uint32_t rows = 0;                                  // handed over
+    uint32_t rows = 0;                                  // that were sent
     std::vector<std::span<const uint8_t>> encodedRows;  // whole rows, in PrintFile::bytes
 
     size_t EncodedSize() const;
@@ -30,7 +29,7 @@ struct PrintedPage {
 struct PrintFile {
     PrintFile() = default;
     ~PrintFile() = default;
-    // The pages' rows lie in `bytes`, which stays where it is when it is moved.
+    // Only moves are safe: the pages' rows point into `bytes`, whose memory then stays the same.
     PrintFile(PrintFile&&) = default;
     PrintFile& operator=(PrintFile&&) = default;
     PrintFile(const PrintFile&) = delete;
@@ -39,24 +38,23 @@ struct PrintFile {
     std::vector<uint8_t> bytes;
     PjlHeader header;
     uint32_t resolutionMode = 0;  // 0 = 300 dpi, 1 = 600 dpi, 2 = other
-    uint32_t dpi = 0;             // of the resolution mode, 150 for other
+    uint32_t dpi = 0;             // of the resolution mode; 150 for other
     std::vector<PrintedPage> pages;
 };
 
-// Reads a print file; everything is checked, the code of every row included. Takes memory for the bytes and
-// for one row, whatever the file claims. Throws PrintFileError.
+// Parses a print file and checks all of it, including the code of every row. Whatever the file claims, takes
+// memory only for its bytes and one row. Throws PrintFileError.
 PrintFile ParsePrintFile(std::vector<uint8_t> bytes);
 
-// The same from a file. Throws std::system_error when it can't be read.
+// Reads and parses a print file. Throws PrintFileError, and std::system_error if the file can't be read.
 PrintFile ReadPrintFile(const std::filesystem::path& path);
 
-// The rows of a page, one after the other, exactly as they were handed to the engine. The print file outlives
-// it.
+// Reader of a page's rows, exactly as the print engine got them. The print file must outlive it.
 class RowReader {
   public:
     explicit RowReader(const PrintedPage& page);
 
-    // The next row, valid until the next call; empty behind the last one.
+    // Returns the next row, valid until the next call; empty after the last one.
     std::span<const uint32_t> Next();
 
   private:
@@ -66,7 +64,7 @@ class RowReader {
     std::span<const uint8_t> code_;
 };
 
-// All rows of a page at once, for small pages.
+// Returns all rows of a page at once, for small pages.
 std::vector<std::vector<uint32_t>> ReadRows(const PrintedPage& page);
 
 }  // namespace orvex::tools::view

@@ -3,23 +3,23 @@
 #include <array>
 
 #include "engine/print_stream.h"
+#include "tools/common/ink_model.h"
+#include "tools/common/number_text.h"
+#include "tools/common/printable_text.h"
+#include "tools/common/units.h"
 #include "tools/orvexview/header_meanings.h"
-#include "tools/orvexview/ink_model.h"
 #include "tools/orvexview/page_pictures.h"
-#include "tools/orvexview/printable_text.h"
 #include "tools/orvexview/table.h"
 
 namespace orvex::tools::view {
 
 namespace {
 
-constexpr double kMmPerInch = 25.4;
-
 std::string InMm(uint64_t pixels, uint32_t dpi) {
     return DecimalText(static_cast<double>(pixels) * kMmPerInch / dpi, 1);
 }
 
-// A length in 1/7200 inch.
+// Converts a length in 1/7200 inch.
 std::string UnitsInMm(uint32_t units) {
     return InMm(units, print_stream::kUnitsPerInch);
 }
@@ -28,7 +28,7 @@ std::string PixelsAndMm(uint32_t pixels, uint32_t dpi) {
     return pixels == 0 ? "none" : std::to_string(pixels) + " (" + InMm(pixels, dpi) + " mm)";
 }
 
-// The mean amount of every ink over the image, from 0 to 1.
+// Returns the mean amount of every ink over the image, 0 to 1.
 std::array<double, kInks> InkShares(const PrintFile& file, const PrintedPage& page,
                                     const PagePlacement& placement) {
     const InkModel model(file.dpi);

@@ -1,4 +1,4 @@
-// What a print file says, as text for a person.
+// The contents of a print file as text for a person.
 #pragma once
 
 #include <string>
@@ -9,11 +9,11 @@
 
 namespace orvex::tools::view {
 
-// Every variable of the job header with its value and what it means.
+// Returns a table of the job header's variables with their values and meanings.
 std::string DescribeHeader(const PrintFile& file);
 
-// The geometry of every page; `placements` goes with the pages. Reads all rows for the share of each
-// ink: the mean of its amounts over the image, 100 % = full ink everywhere.
+// Returns a table of the geometry of every page; `placements` are those of the pages. Reads all rows for the
+// mean amount of each ink over the image, of which 100 % is full ink everywhere.
 std::string DescribePages(const PrintFile& file, const std::vector<PagePlacement>& placements);
 
 }  // namespace orvex::tools::view

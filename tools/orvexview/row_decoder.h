@@ -1,4 +1,4 @@
-// The inverse of EncodeRow.
+// Decoding of raster rows, the inverse of EncodeRow.
 #pragma once
 
 #include <algorithm>
@@ -6,23 +6,13 @@
 #include <span>
 
 #include "engine/row_encoder.h"
+#include "tools/orvexview/byte_reader.h"
 
-namespace orvex {
+namespace orvex::tools::view {
 
-// Decodes one row from the front of `code` and takes its bytes off. `row` comes in as the row above and
-// becomes the row; its size is the row width. Null on success, else what is wrong with the command at the
-// front of `code`.
-inline const char* DecodeRow(std::span<const uint8_t>& code, std::span<uint32_t> row);
-
-namespace row_code {
-
-// `bytes` holds at least 4.
-inline uint32_t LittleEndian(std::span<const uint8_t> bytes) {
-    return bytes[0] | bytes[1] << 8 | bytes[2] << 16 | static_cast<uint32_t>(bytes[3]) << 24;
-}
-
-}  // namespace row_code
-
+// Decodes one row at the front of `code` and removes its bytes. `row` is the row above, of the row width, and
+// is overwritten. Returns null on success, and otherwise what is wrong with the command at the front of
+// `code`.
 inline const char* DecodeRow(std::span<const uint8_t>& code, std::span<uint32_t> row) {
     using namespace row_code;
     while (!row.empty()) {
@@ -56,4 +46,4 @@ inline const char* DecodeRow(std::span<const uint8_t>& code, std::span<uint32_t>
     return nullptr;
 }
 
-}  // namespace orvex
+}  // namespace orvex::tools::view

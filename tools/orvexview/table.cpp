@@ -1,13 +1,12 @@
 #include "tools/orvexview/table.h"
 
 #include <algorithm>
-#include <cstdio>
 
 namespace orvex::tools::view {
 
 namespace {
 
-// Characters of UTF-8 text; the continuation bytes are none.
+// Returns the number of characters in UTF-8 text, that is of its bytes that are not continuations.
 size_t CharacterCount(const std::string& text) {
     return static_cast<size_t>(
         std::count_if(text.begin(), text.end(), [](char byte) { return (byte & 0xC0) != 0x80; }));
@@ -41,12 +40,6 @@ std::string Table::Text() const {
 
 std::string SizeText(uint64_t width, uint64_t height) {
     return std::to_string(width) + " x " + std::to_string(height);
-}
-
-std::string DecimalText(double number, int decimals) {
-    char text[64];
-    snprintf(text, sizeof text, "%.*f", decimals, number);
-    return text;
 }
 
 }  // namespace orvex::tools::view

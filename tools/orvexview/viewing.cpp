@@ -4,13 +4,13 @@
 #include <ostream>
 #include <stdexcept>
 
-#include "tools/common/png_page.h"
+#include "tools/common/output_file.h"
+#include "tools/common/png_file.h"
 #include "tools/common/wide_text.h"
 #include "tools/orvexview/base64_decoder.h"
 #include "tools/orvexview/comparison.h"
 #include "tools/orvexview/layout_picture.h"
 #include "tools/orvexview/page_pictures.h"
-#include "tools/orvexview/png_file.h"
 #include "tools/orvexview/print_file.h"
 #include "tools/orvexview/report.h"
 #include "tools/orvexview/table.h"
@@ -53,7 +53,7 @@ class Viewing {
     }
 
     void WritePicture(const Picture& picture, uint32_t scale, const std::string& name) const {
-        WriteWholeFile(PathFromUtf8(name), EncodePng(picture, static_cast<double>(file_.dpi) / scale));
+        SavePng(picture, static_cast<double>(file_.dpi) / scale, PathFromUtf8(name));
         out_ << name << ": " << SizeText(picture.width, picture.height) << " pixels";
         if (scale > 1) out_ << ", " << SizeText(scale, scale) << " to one";
         out_ << "\n";

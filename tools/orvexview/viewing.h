@@ -1,4 +1,4 @@
-// One run of orvexview: everything that its options ask for.
+// One run of orvexview.
 #pragma once
 
 #include <iosfwd>
@@ -7,9 +7,9 @@
 
 namespace orvex::tools::view {
 
-// Reads the print file, writes the tables to `out` and the pictures to files, and names every file. Throws
-// std::exception in words when the file is not sound or anything can't be done; what was done until then
-// stays.
+// Reads the print file, writes the tables to `out` and the pictures to files, and names every file on `out`.
+// Throws an exception with an explanation if the file is not sound, or something can't be done; files that
+// were written before stay.
 void ShowPrintFile(const Options& options, std::ostream& out);
 
 }  // namespace orvex::tools::view

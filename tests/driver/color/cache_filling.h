@@ -1,4 +1,4 @@
-// Fills the colour cache for a test, and compares all of it.
+// Fills the color cache for a test, and compares all of it.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -13,16 +13,16 @@
 
 namespace orvex {
 
-// Puts inkOf(color) at every colour for which holds(color), `others` everywhere else.
-template <typename Holds, typename InkOf>
-void FillCache(int32_t kind, uint32_t others, Holds holds, InkOf inkOf) {
+// Stores inkOf(color) at every color for which isStored(color) is true, and `others` everywhere else.
+template <typename IsStored, typename InkOf>
+void FillCache(int32_t kind, uint32_t others, IsStored isStored, InkOf inkOf) {
     for (uint32_t color = 0; color < kCacheEntries; ++color) {
-        g_colorCache[color] = holds(color) ? inkOf(color) : others;
+        g_colorCache[color] = isStored(color) ? inkOf(color) : others;
     }
     SetCacheKind(kind);
 }
 
-// Puts inkOf(color) at the 4,913 grid points and leaves the other entries.
+// Stores inkOf(color) at the 4,913 grid points and leaves the other entries.
 template <typename InkOf>
 void FillGridPoints(InkOf inkOf) {
     for (int red = 0; red < kGridSteps; ++red) {
@@ -35,7 +35,7 @@ void FillGridPoints(InkOf inkOf) {
     }
 }
 
-// Puts inkOf(color) at the grid points, the sentinel everywhere else.
+// Stores inkOf(color) at the grid points and the sentinel everywhere else.
 template <typename InkOf>
 void FillGrid(InkOf inkOf) {
     std::fill_n(g_colorCache, kCacheEntries, kNotComputed);
@@ -43,15 +43,14 @@ void FillGrid(InkOf inkOf) {
     SetCacheKind(kGrid);
 }
 
-// Holds when actual(color) is expected(color) for each of the 2^24 colours; names the first one for which it
-// is not.
+// Succeeds when actual(color) is expected(color) for each of the 2^24 colors; names the first that differs.
 template <typename Actual, typename Expected>
 testing::AssertionResult SameForEveryColor(Actual actual, Expected expected) {
     for (uint32_t color = 0; color < kCacheEntries; ++color) {
         const uint32_t have = actual(color), want = expected(color);
         if (have != want) {
             return testing::AssertionFailure()
-                   << std::hex << "colour 0x" << color << " has ink 0x" << have << ", not 0x" << want;
+                   << std::hex << "color 0x" << color << " has ink 0x" << have << ", not 0x" << want;
         }
     }
     return testing::AssertionSuccess();
@@ -61,7 +60,7 @@ inline uint32_t StoredEntry(uint32_t color) {
     return g_colorCache[color];
 }
 
-// Holds when the cache is `want`; names the first colour for which it is not.
+// Succeeds when the cache equals `want`; names the first color that differs.
 inline testing::AssertionResult HoldsTable(const std::vector<uint32_t>& want) {
     if (want.size() == kCacheEntries && memcmp(g_colorCache, want.data(), sizeof g_colorCache) == 0) {
         return testing::AssertionSuccess();

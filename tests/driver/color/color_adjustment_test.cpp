@@ -1,30 +1,25 @@
 #include "driver/color/color_adjustment.h"
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstdlib>
 #include <iterator>
+#include <limits>
 #include <memory>
-#include <sstream>
-#include <string>
 #include <vector>
 
 #include "driver/color/ink_grid.h"
 #include "driver/color/lab_color.h"
 #include "tests/driver/color/cache_filling.h"
-#include "tests/kit/installation_fixture.h"
-#include "tests/kit/log_capture.h"
 #include "tests/plain/long_hand_adjustment.h"
 #include "tests/plain/plain_colors.h"
 
 namespace orvex {
 
-using testing::ElementsAre;
-
 namespace {
 
-// The grid that the cache holds now, and one of its entries.
+using Values = plain::Adjustment;
+
 std::vector<uint32_t> GridOfCache() {
     std::vector<uint32_t> grid;
     for (int i = 0; i <= 16; ++i) {
@@ -44,16 +39,16 @@ uint32_t ScrambledInk(uint32_t color) {
     return color == 0xFFFFFF ? 0 : plain::Scramble(color, 44);
 }
 
-void Adjust(const Values& v) {
-    AdjustColors({v.brightness, v.saturation, v.tone, v.cyan, v.magenta, v.yellow, v.black});
+void Adjust(const Values& v, const AdjustmentScales& scales = {}) {
+    AdjustColors({v.brightness, v.saturation, v.tone, v.cyan, v.magenta, v.yellow, v.black}, scales);
 }
 
-// Adjusts a cache with this grid and compares all of its grid points with the computation at length.
+// Adjusts a cache with this grid and compares all of its grid points with the plain definition.
 template <typename InkOf>
-void ExpectLongHand(InkOf inkOf, const Values& values, const Scales& scales = {}) {
+void ExpectPlain(InkOf inkOf, const Values& values, const AdjustmentScales& scales = {}) {
     FillGridPoints(inkOf);
-    const std::vector<uint32_t> want = LongHandAdjustment(GridOfCache(), values, scales);
-    Adjust(values);
+    const std::vector<uint32_t> want = plain::AdjustedGrid(GridOfCache(), values, scales);
+    Adjust(values, scales);
     EXPECT_EQ(g_cacheKind, 5);
     const std::vector<uint32_t> have = GridOfCache();
     ASSERT_EQ(have.size(), want.size());
@@ -65,116 +60,65 @@ void ExpectLongHand(InkOf inkOf, const Values& values, const Scales& scales = {}
     }
 }
 
-class ColorAdjustment : public testing::Test {
-  protected:
-    InstallationFixture installation_;
-};
-
 constexpr int Values::*kEach[] = {&Values::brightness, &Values::saturation, &Values::tone, &Values::cyan,
                                   &Values::magenta,    &Values::yellow,     &Values::black};
 
 }  // namespace
 
-TEST_F(ColorAdjustment, EqualsTheLongHandComputationForEachValueAlone) {
+TEST(ColorAdjustment, EqualsThePlainDefinitionForEachValueAlone) {
     for (const auto value : kEach) {
         for (const int amount : {-128, -100, -1, 37, 127}) {
             Values values;
             values.*value = amount;
-            ExpectLongHand(ScrambledInk, values);
+            ExpectPlain(ScrambledInk, values);
         }
     }
 }
 
-TEST_F(ColorAdjustment, EqualsTheLongHandComputationForAllValuesTogether) {
-    ExpectLongHand(SmoothInk, {100, 100, 100, 100, 100, 100, 100});
-    ExpectLongHand(SmoothInk, {-100, -100, -100, -100, -100, -100, -100});
-    ExpectLongHand(ScrambledInk, {100, -100, 100, -100, 100, -100, 100});
-    ExpectLongHand(ScrambledInk, {-100, 100, -100, 100, -100, 100, -100});
-    ExpectLongHand(ScrambledInk, {3, -5, 7, -11, 13, -17, 19});
-    ExpectLongHand(ScrambledInk, {-40, 25, 10, 5, -5, 30, -20});
-    ExpectLongHand(ScrambledInk, {0, 0, 0, 0, 0, 0, 0});
+TEST(ColorAdjustment, EqualsThePlainDefinitionForAllValuesTogether) {
+    ExpectPlain(SmoothInk, {100, 100, 100, 100, 100, 100, 100});
+    ExpectPlain(SmoothInk, {-100, -100, -100, -100, -100, -100, -100});
+    ExpectPlain(ScrambledInk, {100, -100, 100, -100, 100, -100, 100});
+    ExpectPlain(ScrambledInk, {-100, 100, -100, 100, -100, 100, -100});
+    ExpectPlain(ScrambledInk, {3, -5, 7, -11, 13, -17, 19});
+    ExpectPlain(ScrambledInk, {-40, 25, 10, 5, -5, 30, -20});
+    ExpectPlain(ScrambledInk, {0, 0, 0, 0, 0, 0, 0});
 }
 
-TEST_F(ColorAdjustment, EqualsTheLongHandComputationForPairsOfValues) {
+TEST(ColorAdjustment, EqualsThePlainDefinitionForPairsOfValues) {
     for (size_t one = 0; one < std::size(kEach); ++one) {
         for (size_t other = 0; other < one; ++other) {
             Values values;
             values.*kEach[one] = 60;
             values.*kEach[other] = -45;
-            ExpectLongHand(SmoothInk, values);
+            ExpectPlain(SmoothInk, values);
         }
     }
 }
 
-TEST_F(ColorAdjustment, TakesItsScalesFromTheSettings) {
-    installation_.WriteSettings(
-        "[Color]\r\ntone_scale=50\r\nsaturation_scale=80\r\nbrightness_scale=120\r\nblack_scale=300\r\n"
-        "yellow_scale=10\r\ncyan_scale=20\r\nmagenta_scale=30.5\r\n");
-    ExpectLongHand(ScrambledInk, {10, 20, 30, 40, 50, 60, 70}, {50, 80, 120, 300, 10, 20, 30.5});
-    installation_.WriteSettings("[Color]\r\ncyan_scale=7\r\n");
-    ExpectLongHand(ScrambledInk, {10, 20, 30, 40, 50, 60, 70}, {.cyan = 7});
+TEST(ColorAdjustment, EqualsThePlainDefinitionForOtherScales) {
+    ExpectPlain(ScrambledInk, {10, 20, 30, 40, 50, 60, 70}, {50, 80, 120, 300, 10, 20, 30.5});
+    ExpectPlain(ScrambledInk, {10, 20, 30, 40, 50, 60, 70}, {.cyan = 7});
 }
 
-TEST_F(ColorAdjustment, IsBoundedWhenScalesAreZero) {
-    installation_.WriteSettings(
-        "[Color]\ntone_scale=0\nsaturation_scale=0\nbrightness_scale=0\nblack_scale=0\nyellow_scale=0\ncyan_"
-        "scale=0\n"
-        "magenta_scale=0\n");
-    const Scales zero{0, 0, 0, 0, 0, 0, 0};
-    ExpectLongHand(ScrambledInk, {1, 1, 1, 1, 1, 1, 1}, zero);
-    ExpectLongHand(ScrambledInk, {-1, -1, -1, -1, -1, -1, -1}, zero);
-    ExpectLongHand(ScrambledInk, {0, 0, 0, 0, 0, 0, 0}, zero);
-}
-
-TEST_F(ColorAdjustment, IsBoundedWhateverTheScalesAre) {
-    for (const char* scale : {"1e308", "-1e308", "1e-300", "nan", "inf", "-inf", "-100", "x"}) {
-        std::ostringstream settings;
-        settings << "[Color]\n";
-        for (const char* name : {"tone", "saturation", "brightness", "black", "yellow", "cyan", "magenta"}) {
-            settings << name << "_scale=" << scale << '\n';
+TEST(ColorAdjustment, IsBoundedWhateverTheScalesAre) {
+    constexpr double kInfinity = std::numeric_limits<double>::infinity();
+    for (const double scale : {0.0, 1e308, -1e308, 1e-300, double{NAN}, kInfinity, -kInfinity, -100.0}) {
+        const AdjustmentScales scales{scale, scale, scale, scale, scale, scale, scale};
+        for (const int value : {0, 1, -1, 100}) {
+            ExpectPlain(ScrambledInk, {value, value, value, value, value, value, value}, scales);
         }
-        installation_.WriteSettings(settings.str());
-        const double number = atof(scale);
-        const Scales scales{number, number, number, number, number, number, number};
-        ExpectLongHand(ScrambledInk, {100, 100, 100, 100, 100, 100, 100}, scales);
-        ExpectLongHand(ScrambledInk, {-100, 0, -100, 0, -100, 0, -100}, scales);
+        ExpectPlain(ScrambledInk, {-100, 0, -100, 0, -100, 0, -100}, scales);
     }
 }
 
-TEST_F(ColorAdjustment, LogsHowFarItMovesAsAnError) {
-    installation_.WriteSettings("[Color]\r\n");
-    FillGrid(SmoothInk);
-    LogCapture log;
-    Adjust({.brightness = 20,
-            .saturation = 30,
-            .tone = 10,
-            .cyan = 40,
-            .magenta = 70,
-            .yellow = 60,
-            .black = 50});
-    EXPECT_THAT(
-        log.TakeLines(),
-        ElementsAre("[Error] ca 350.000000,0.100000,0.300000,2000.000000,1167.625000,3000.000000,3500.000000",
-                    ""));
-}
-
-TEST_F(ColorAdjustment, WithoutSettingsLooksForEachScaleAndTakesTheDefaults) {
-    FillGrid(SmoothInk);
-    LogCapture log;
-    Adjust({.brightness = -20, .black = -1});
-    std::vector<std::string> want(7, "[Error] failed to open settings.inf");
-    want.push_back("[Error] ca 0.000000,-0.100000,0.000000,0.000000,-23.352500,0.000000,0.000000");
-    want.push_back("");
-    EXPECT_EQ(log.TakeLines(), want);
-}
-
-TEST_F(ColorAdjustment, LeavesTheGridOnlyWhateverFilledTheCache) {
+TEST(ColorAdjustment, LeavesOnlyTheGridWhateverFilledTheCache) {
     for (const int32_t kind : {1, 2, 3, 4}) {
         FillCache(
             kind, kind == 4 ? kNotComputed : 0,
             [&](uint32_t color) { return kind < 3 || plain::IsAllEven(color); }, ScrambledInk);
         const std::vector<uint32_t> want =
-            LongHandAdjustment(GridOfCache(), {.saturation = 40, .cyan = -30}, {});
+            plain::AdjustedGrid(GridOfCache(), {.saturation = 40, .cyan = -30}, {});
         Adjust({.saturation = 40, .cyan = -30});
         EXPECT_EQ(g_cacheKind, 5);
         EXPECT_TRUE(SameForEveryColor(StoredEntry, [&](uint32_t color) {
@@ -186,18 +130,18 @@ TEST_F(ColorAdjustment, LeavesTheGridOnlyWhateverFilledTheCache) {
     }
 }
 
-TEST_F(ColorAdjustment, TakesSentinelsOfTheGridAsTheyAre) {
-    // As a profile of version 4 leaves it: grid points at 255 are not computed yet.
+TEST(ColorAdjustment, TakesSentinelsOfTheGridAsTheyAre) {
+    // A profile of version 4 leaves the grid points at 255 to be computed later.
     FillCache(4, kNotComputed, plain::IsAllEven, SmoothInk);
     const std::vector<uint32_t> grid = GridOfCache();
     EXPECT_EQ(grid[16], kNotComputed);
-    const std::vector<uint32_t> want = LongHandAdjustment(grid, {.brightness = 30}, {});
+    const std::vector<uint32_t> want = plain::AdjustedGrid(grid, {.brightness = 30}, {});
     Adjust({.brightness = 30});
     EXPECT_EQ(GridOfCache(), want);
     EXPECT_EQ(g_colorCache[0xFFFFFF], kNotComputed);
 }
 
-TEST_F(ColorAdjustment, KeepsTheProfilesWhite) {
+TEST(ColorAdjustment, KeepsTheProfilesWhite) {
     for (const uint32_t white : {0u, 0x01020304u}) {
         FillGrid([&](uint32_t color) { return color == 0xFFFFFF ? white : 0x80808080u; });
         Adjust({.tone = 80, .black = 100});
@@ -205,7 +149,7 @@ TEST_F(ColorAdjustment, KeepsTheProfilesWhite) {
     }
 }
 
-TEST_F(ColorAdjustment, OfBlackAloneLowersTheLightness) {
+TEST(ColorAdjustment, ByBlackAloneLowersTheLightness) {
     FillGrid([](uint32_t color) {
         return plain::Ink(255 - std::max({plain::Red(color), plain::Green(color), plain::Blue(color)}), 0, 0,
                           0);
@@ -221,7 +165,7 @@ TEST_F(ColorAdjustment, OfBlackAloneLowersTheLightness) {
 }
 
 TEST(GridLookup, EqualsTheInterpolationInDoublePrecision) {
-    // Two inks at random, two either absent or full.
+    // Two inks are random, and two either absent or full.
     std::vector<uint32_t> points;
     for (uint32_t i = 0; i < kGridPoints; ++i) {
         const uint32_t random = plain::Scramble(i), which = plain::Scramble(i, 1);
@@ -233,7 +177,7 @@ TEST(GridLookup, EqualsTheInterpolationInDoublePrecision) {
         for (int green = 0; green < 256; green += green < 238 ? 14 : 1) {
             for (int blue = 0; blue < 256; ++blue) {
                 ASSERT_EQ(GridLookup(grid, blue, green, red, blue % 2 == 0),
-                          LongHandLookup(points, blue, green, red))
+                          plain::InterpolatedInk(points, blue, green, red))
                     << red << ' ' << green << ' ' << blue;
             }
         }
@@ -242,19 +186,18 @@ TEST(GridLookup, EqualsTheInterpolationInDoublePrecision) {
 
 TEST(GridLookup, ReachesTheLastPointAt255Only) {
     InkGrid grid{};
-    grid.inks[InkGrid::Index(16, 16, 16)] = 0xFFFFFFFF;
+    grid.inks[GridIndex(16, 16, 16)] = 0xFFFFFFFF;
     EXPECT_EQ(GridLookup(grid, 255, 255, 255, false), 0xFFFFFFFFu);
     EXPECT_EQ(GridLookup(grid, 254, 255, 255, false), 0xDFDFDFDFu);  // 14/16 of 255
     EXPECT_EQ(GridLookup(grid, 240, 255, 255, false), 0u);
 }
 
 TEST(GridLookup, StaysInsideTheGrid) {
-    // Sanitizers watch the ends of the grid.
     const auto grid = std::make_unique<InkGrid>();
     for (uint32_t i = 0; i < kGridPoints; ++i) grid->inks[i] = plain::Scramble(i);
     for (const int below : {-1, -15, -16, -17, -300, INT32_MIN}) {
         EXPECT_EQ(GridLookup(*grid, below, below, below, false), grid->inks[0]);
-        EXPECT_EQ(GridLookup(*grid, below, 255, 16, false), grid->inks[InkGrid::Index(1, 16, 0)]);
+        EXPECT_EQ(GridLookup(*grid, below, 255, 16, false), grid->inks[GridIndex(1, 16, 0)]);
     }
     for (const int above : {256, 271, 272, 4000, INT32_MAX}) {
         EXPECT_EQ(GridLookup(*grid, above, above, above, false), grid->inks[kGridPoints - 1]);

@@ -50,7 +50,7 @@ TEST(Lookup, IgnoresThePixelsTopByte) {
     EXPECT_EQ(LookupColor(0x00123456), want);
 }
 
-TEST(LookupOfOtherKinds, NeverComputesAnything) {
+TEST(LookupOfOtherKinds, ComputesNothing) {
     for (const int32_t kind : {1, 2, 0, -1, 6, 255, INT32_MIN, INT32_MAX}) {
         FillGrid(plain::Scrambled);
         SetCacheKind(kind);
@@ -60,7 +60,7 @@ TEST(LookupOfOtherKinds, NeverComputesAnything) {
     }
 }
 
-TEST(LookupOfKind3, LeavesColorsWithAnOddComponentWithoutInk) {
+TEST(LookupOfKind3, GivesNoInkToColorsWithAnOddComponent) {
     FillCache(kHalfGridEntries, 0, plain::IsAllEven,
               [](uint32_t color) { return plain::Scramble(color) | 1; });
     EXPECT_EQ(LookupColor(0x000001), 0u);
@@ -82,17 +82,17 @@ TEST(LookupOfKind4, EqualsThePlainAverageForEveryColor) {
     EXPECT_TRUE(HoldsTable(want));
 }
 
-TEST(HalfGridAverage, TakesTheNeighboursOfTheByteReversedColor) {
+TEST(HalfGridAverage, TakesTheNeighborsOfTheByteReversedColor) {
     FillCache(kHalfGridPlanes, kNotComputed, plain::IsAllEven, [](uint32_t) { return 0u; });
-    // Blue is odd, so its neighbours are 0 and 2 in the table's red byte: no ink, and black that leaves 127
-    // of 255.
+    // Blue is odd, so its neighbors are 0 and 2 in the table's red byte: no ink, and black that leaves 127 of
+    // 255.
     g_colorCache[0x020000] = 128;
     // (255 + 127) / 2 = 191, which the generic conversion turns into 64 of K.
     EXPECT_EQ(LookupColor(0x000001), 64u);
     EXPECT_EQ(LookupColor(0x010000), 0u);
 }
 
-TEST(HalfGridAverage, GoesThroughRedGreenAndBlue) {
+TEST(HalfGridAverage, AveragesInksAsRedGreenAndBlueLight) {
     FillCache(kHalfGridPlanes, kNotComputed, plain::IsAllEven, [](uint32_t) { return 0u; });
     g_colorCache[0x000000] = plain::Ink(0, 255, 0, 0);
     g_colorCache[0x020000] = plain::Ink(0, 0, 255, 0);
@@ -114,7 +114,7 @@ TEST(HalfGridAverage, Of255WithOddComponentsUsesItsBaseOnly) {
     FillCache(kHalfGridPlanes, kNotComputed, plain::IsAllEven, [](uint32_t) { return 0u; });
     g_colorCache[0xFE0000] = 255;
     g_colorCache[0xFE0200] = 255;
-    // Blue 255 stays at 254, green 1 lies between 0 and 2; both neighbours are black.
+    // Blue 255 stays at 254, green 1 lies between 0 and 2; both neighbors are black.
     EXPECT_EQ(LookupColor(0x0001FF), 255u);
 }
 

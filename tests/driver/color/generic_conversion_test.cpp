@@ -40,7 +40,7 @@ TEST(GenericConversion, NeverGivesTheSentinel) {
               g_colorCache + kCacheEntries);
 }
 
-TEST(GenericConversion, EqualsThePlainOneForEveryColor) {
+TEST(GenericConversion, EqualsThePlainDefinitionForEveryColor) {
     for (const int inkScale : {100, 50}) {
         const plain::Table& want = plain::GenericTable(inkScale);
         FillWithGenericConversion(g_colorCache, inkScale);

@@ -8,11 +8,11 @@ namespace orvex {
 
 namespace {
 
-// So fine that some steps lie within a hundredth of where each curve's straight part ends.
+// Fine enough for some steps to lie within a hundredth of the end of each curve's straight part.
 constexpr double kStep = 1.0 / 65536;
 constexpr double kTolerance = 1e-9;
 
-// The light of a component, and the component that has it.
+// Returns the light of a component; Encoded() is the inverse.
 double Decoded(double v) {
     return v < 0.0404482362771 ? v / 12.92 : std::pow((v + 0.055) / 1.055, 2.4);
 }
@@ -21,7 +21,7 @@ double Encoded(double light) {
     return light < 0.0404482362771 / 12.92 ? light * 12.92 : 1.055 * std::pow(light, 1 / 2.4) - 0.055;
 }
 
-// The lightness of a luminance, straight up to 8, and the luminance that has it.
+// Returns the lightness of a luminance, straight up to 8; Luminance() is the inverse.
 double Lightness(double luminance) {
     const double straight = luminance * 24389 / 27;
     return straight < 8 ? straight : 116 * std::cbrt(luminance) - 16;
@@ -33,7 +33,7 @@ double Luminance(double lightness) {
 
 }  // namespace
 
-TEST(LabColor, RunsToThousandsSinceComponentsAreNotDividedBy255) {
+TEST(LabColor, ReachesThousandsSinceComponentsAreNotDividedBy255) {
     const LabColor white = RgbToLab(256, 256, 256);
     EXPECT_NEAR(white.lightness, 9371, 1);
     EXPECT_NEAR(white.a, 0, 2);
@@ -55,7 +55,7 @@ TEST(LabColor, FollowsTheLightnessOfGrays) {
     }
 }
 
-TEST(LabColor, LeadsFromEveryLightnessToItsLuminance) {
+TEST(LabColor, ConvertsEveryLightnessToItsLuminance) {
     for (double lightness = 0; lightness <= 16; lightness += 16 * kStep) {
         const XyzColor xyz = LabToXyz({lightness, 0, 0});
         const double luminance = Luminance(lightness);
@@ -65,7 +65,7 @@ TEST(LabColor, LeadsFromEveryLightnessToItsLuminance) {
     }
 }
 
-TEST(LabColor, LiftsAColorOutOfReachByWhatItsSmallestComponentLacks) {
+TEST(LabColor, LiftsAColorOutOfReachUntilItsSmallestComponentIsZero) {
     for (double y = 0; y <= 1; y += kStep) {
         const RgbColor rgb = LabToRgb(0, y, 0);
         ASSERT_NEAR(rgb.r, 0, kTolerance) << y;
@@ -78,14 +78,14 @@ TEST(LabColor, LiftsAColorOutOfReachByWhatItsSmallestComponentLacks) {
     EXPECT_NEAR(rgb.b, Encoded(0.0557 + 0.9689), kTolerance);
 }
 
-TEST(LabColor, LeavesAColorWithinReachWhereItIs) {
+TEST(LabColor, DoesNotLiftAColorWithinReach) {
     const RgbColor rgb = LabToRgb(0.5, 0.5, 0.5);
     EXPECT_NEAR(rgb.r, Encoded((3.2406 - 1.5372 - 0.4986) / 2), kTolerance);
     EXPECT_NEAR(rgb.g, Encoded((-0.9689 + 1.8758 + 0.0415) / 2), kTolerance);
     EXPECT_NEAR(rgb.b, Encoded((0.0557 - 0.204 + 1.057) / 2), kTolerance);
 }
 
-TEST(LabColor, ComesBackFromWhereItWent) {
+TEST(LabColor, ConvertsAColorThereAndBack) {
     for (const double r : {0.0, 1.0, 80.0, 256.0}) {
         for (const double g : {0.0, 30.0, 200.0}) {
             const XyzColor xyz = LabToXyz(RgbToLab(r, g, 128));

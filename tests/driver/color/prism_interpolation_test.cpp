@@ -25,20 +25,19 @@ uint32_t Interpolated(uint32_t color) {
     return entry;
 }
 
-// No point of it is missing.
+// Returns inks among which no grid point is missing.
 uint32_t HalfInk(uint32_t color) {
     return plain::Scramble(color) & 0x7F7F7F7F;
 }
 
-// Every ink either absent or full.
+// Returns inks that are either absent or full.
 uint32_t Extreme(uint32_t color) {
     const uint32_t bits = plain::Scramble(color, 7);
     return (bits & 1) * 0xFFu | (bits >> 1 & 1) * 0xFF00u | (bits >> 2 & 1) * 0xFF0000u |
            (bits >> 3 & 1) * 0xFF000000u;
 }
 
-// Compares the interpolation of all 2^24 colours with the plain one: out of the table, and as rows print
-// them.
+// Compares the interpolation of all 2^24 colors with the plain one, both from the table and in printed rows.
 void ExpectPlainPrismEverywhere() {
     constexpr uint32_t kRow = 4096;
     const plain::Table want = plain::PrismTable(g_colorCache);
@@ -52,35 +51,35 @@ void ExpectPlainPrismEverywhere() {
             InterpolateGridEntry(static_cast<uint8_t>(color), static_cast<uint8_t>(color >> 8),
                                  static_cast<uint8_t>(color >> 16), &have, g_colorCache);
             ASSERT_TRUE(have == want[color])
-                << std::hex << "colour 0x" << color << " has ink 0x" << have << ", not 0x" << want[color];
+                << std::hex << "color 0x" << color << " has ink 0x" << have << ", not 0x" << want[color];
             inks[i] = stored == kNotComputed ? have : stored;
         }
         std::vector<uint32_t> printed(kRow);
-        ConvertRow(printed.data(), row.data(), kRow, 1, 0, 0, kColor);
-        ASSERT_TRUE(printed == inks) << std::hex << "the row of colour 0x" << first;
+        ConvertRow(printed.data(), row.data(), kRow, 1, 0, 0, kColorModeColor);
+        ASSERT_TRUE(printed == inks) << std::hex << "the row of color 0x" << first;
     }
 }
 
-// Looks colours up one after the other, each as the plain interpolation says of the table as it is by then.
+// Looks colors up in turn, and compares each with the plain interpolation from the table at that moment.
 void ExpectPlainPrismInTurn(const std::vector<uint32_t>& colors) {
     std::vector<uint32_t> table(g_colorCache, g_colorCache + kCacheEntries);
     for (const uint32_t color : colors) {
         uint32_t& entry = table[color];
         if (entry == kNotComputed) entry = plain::Prism(color, table.data());
-        ASSERT_EQ(LookupColor(color), entry) << std::hex << "colour 0x" << color;
+        ASSERT_EQ(LookupColor(color), entry) << std::hex << "color 0x" << color;
     }
     EXPECT_TRUE(HoldsTable(table));
 }
 
 }  // namespace
 
-TEST(PrismInterpolation, EqualsTheMatrixFormForEveryColorOfRandomInksAboveExtremes) {
+TEST(PrismInterpolation, EqualsTheMatrixFormForEveryColorOfRandomAndExtremeInks) {
     FillGrid(
         [](uint32_t color) { return (plain::Scrambled(color) & 0xFFFF0000) | (Extreme(color) & 0xFFFF); });
     ExpectPlainPrismEverywhere();
 }
 
-TEST(PrismInterpolation, EqualsTheMatrixFormForEveryColorOfExtremesAboveSmoothAndRandomInks) {
+TEST(PrismInterpolation, EqualsTheMatrixFormForEveryColorOfExtremeRandomAndSmoothInks) {
     FillGrid([](uint32_t color) {
         return (Extreme(color) & 0xFFFF0000) | (plain::Scrambled(color) & 0xFF00) |
                (plain::Smooth(color) & 0xFF);
@@ -96,7 +95,7 @@ TEST(PrismInterpolation, LeavesWhiteASixteenthShortOfTheWhiteGridPoint) {
 }
 
 TEST(PrismInterpolation, TakesTheGreenSideWhenBlueAndGreenAreEquallyFar) {
-    // Only the two corners that the sides don't share hold ink: blue's in cyan, green's in magenta.
+    // Only the two corners that the sides don't share have ink: blue's is cyan, green's magenta.
     FillGrid([](uint32_t color) {
         return color == 0x000010 ? 0x0000FF00u : color == 0x001000 ? 0x00FF0000u : 0u;
     });
@@ -120,7 +119,7 @@ TEST(PrismInterpolation, DropsFractionsOfAnAmount) {
     EXPECT_EQ(Interpolated(0x010000), 0x0F0F0F0Fu);  // 254 / 16 = 15.9
 }
 
-TEST(PrismInterpolation, TakesMissingGridPointsFromTheTableAsItIsByThen) {
+TEST(PrismInterpolation, ReadsMissingGridPointsFromTheTableAtThatMoment) {
     std::mt19937 random(1);
     std::vector<uint32_t> colors(3000);
     for (uint32_t& color : colors) color = static_cast<uint32_t>(random()) & kColorBits;
@@ -129,7 +128,7 @@ TEST(PrismInterpolation, TakesMissingGridPointsFromTheTableAsItIsByThen) {
     }
     std::shuffle(colors.begin(), colors.end(), random);
     for (int order = 0; order < 2; ++order) {
-        FillGrid(Extreme);  // every sixteenth point has all inks full, which says that it is missing
+        FillGrid(Extreme);  // every sixteenth point has all inks full, and so counts as missing
         ExpectPlainPrismInTurn(colors);
         std::reverse(colors.begin(), colors.end());
     }
@@ -146,7 +145,7 @@ TEST(GridCopy, IsRefusedWhenAnyPointIsMissing) {
     }
 }
 
-TEST(GridCopy, IsTakenAnewWithEachKind) {
+TEST(GridCopy, IsTakenAgainWithEachKind) {
     FillGrid(HalfInk);
     EXPECT_EQ(LookupColor(0x010203), plain::Prism(0x010203, g_colorCache));
     FillGrid(plain::Scrambled);

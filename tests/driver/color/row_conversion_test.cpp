@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "tests/driver/color/cache_filling.h"
-#include "tests/driver/color/plain_rows.h"
+#include "tests/plain/plain_rows.h"
 
 namespace orvex {
 
@@ -24,19 +24,19 @@ std::vector<uint32_t> Convert(const std::vector<uint32_t>& pixels, RowOptions op
     EXPECT_EQ(ConvertRow(inks.data(), pixels.data(), static_cast<uint32_t>(pixels.size()), 1, options.kws,
                          options.lightPattern, options.grayMode),
               0);
-    EXPECT_EQ(inks.back(), kUnwritten) << "a value behind the row was written";
+    EXPECT_EQ(inks.back(), kUnwritten) << "a value past the row was written";
     inks.pop_back();
     return inks;
 }
 
-// One pixel whose entry in the cache is `ink`.
+// Converts one pixel whose entry in the cache is `ink`.
 uint32_t ConvertInk(uint32_t ink, RowOptions options) {
     SetCacheKind(kEntries);
     g_colorCache[0x123456] = ink;
     return Convert({0x123456}, options)[0];
 }
 
-// Rows that hold runs of every small length beside single pixels, out of a few colours; 0 to 2 print nothing.
+// Returns a row of a few colors in runs of every small length and single pixels. Colors 0 to 2 print nothing.
 std::vector<uint32_t> MixedRow(size_t length, uint32_t seed) {
     std::vector<uint32_t> row;
     while (row.size() < length) {
@@ -48,7 +48,8 @@ std::vector<uint32_t> MixedRow(size_t length, uint32_t seed) {
     return row;
 }
 
-// Some blocks with every rest, and rows long enough that what comes is fetched ahead.
+// Returns the lengths of a few blocks with every remainder, and of rows long enough for entries to be fetched
+// ahead.
 std::vector<uint32_t> RowLengths() {
     std::vector<uint32_t> lengths(40);
     std::iota(lengths.begin(), lengths.end(), 1u);
@@ -94,7 +95,7 @@ TEST(ConvertRow, PutsTheHeavyPatternOnBlankPixels) {
                 ElementsAre(0x00000004, 0x00000400, 0x00040000, 0x04000000, 0x00000004, 0x00000400));
 }
 
-TEST(ConvertRow, CountsThePatternByThePixelsPlaceNotByTheBlankOnes) {
+TEST(ConvertRow, CountsThePatternByPixelsNotByBlankOnes) {
     FillForRows(kEntries);
     const uint32_t ink = plain::Scramble(0);
     EXPECT_THAT(Convert({0xFFFFFF, 0, 0xFFFFFF, 0, 0, 0xFFFFFF, 0xFFFFFF}, {.kws = 1, .lightPattern = 1}),
@@ -118,21 +119,22 @@ TEST(ConvertRow, PutsThePatternNotTheGrayOnBlankPixels) {
 }
 
 TEST(ConvertRow, ClampsTheGrayWeight) {
-    EXPECT_EQ(ConvertInk(plain::Ink(200, 200, 200, 200), {.grayMode = kBlackOnlyGray}), 0x000000FFu);
-    EXPECT_EQ(ConvertInk(0xFFFFFFFE, {.grayMode = kBlackOnlyGray}), 0x000000FFu);
+    EXPECT_EQ(ConvertInk(plain::Ink(200, 200, 200, 200), {.grayMode = kColorModeBlackGray}), 0x000000FFu);
+    EXPECT_EQ(ConvertInk(0xFFFFFFFE, {.grayMode = kColorModeBlackGray}), 0x000000FFu);
 }
 
 TEST(ConvertRow, WeighsEachInkByTheLightThatItTakes) {
-    EXPECT_EQ(ConvertInk(plain::Ink(0, 100, 0, 0), {.grayMode = kBlackOnlyGray}), 29u);
-    EXPECT_EQ(ConvertInk(plain::Ink(0, 0, 100, 0), {.grayMode = kBlackOnlyGray}), 58u);
-    EXPECT_EQ(ConvertInk(plain::Ink(0, 0, 0, 100), {.grayMode = kBlackOnlyGray}), 11u);
-    EXPECT_EQ(ConvertInk(plain::Ink(0, 255, 0, 0), {.grayMode = kBlackOnlyGray}), 76u);
+    EXPECT_EQ(ConvertInk(plain::Ink(0, 100, 0, 0), {.grayMode = kColorModeBlackGray}), 29u);
+    EXPECT_EQ(ConvertInk(plain::Ink(0, 0, 100, 0), {.grayMode = kColorModeBlackGray}), 58u);
+    EXPECT_EQ(ConvertInk(plain::Ink(0, 0, 0, 100), {.grayMode = kColorModeBlackGray}), 11u);
+    EXPECT_EQ(ConvertInk(plain::Ink(0, 255, 0, 0), {.grayMode = kColorModeBlackGray}), 76u);
 }
 
 TEST(ConvertRow, PrintsCompositeGrayWithoutBlackAndWithLessCyan) {
-    EXPECT_EQ(ConvertInk(plain::Ink(255, 0, 0, 0), {.grayMode = kCompositeGray}), 0xAAAA8800u);
-    EXPECT_EQ(ConvertInk(plain::Ink(0, 100, 0, 0), {.grayMode = kCompositeGray}), 0x13130F00u);  // 29: 19, 15
-    EXPECT_EQ(ConvertInk(plain::Ink(1, 0, 0, 0), {.grayMode = kCompositeGray}), 0u);
+    EXPECT_EQ(ConvertInk(plain::Ink(255, 0, 0, 0), {.grayMode = kColorModeCompositeGray}), 0xAAAA8800u);
+    EXPECT_EQ(ConvertInk(plain::Ink(0, 100, 0, 0), {.grayMode = kColorModeCompositeGray}),
+              0x13130F00u);  // 29: 19, 15
+    EXPECT_EQ(ConvertInk(plain::Ink(1, 0, 0, 0), {.grayMode = kColorModeCompositeGray}), 0u);
 }
 
 TEST(ConvertRow, TreatsOtherGrayModesAsColor) {
@@ -144,7 +146,7 @@ TEST(ConvertRow, TreatsOtherGrayModesAsColor) {
 
 TEST(ConvertRow, ReturnsASentinelAsItIsWhereNothingIsComputed) {
     EXPECT_EQ(ConvertInk(kNotComputed, {}), kNotComputed);
-    EXPECT_EQ(ConvertInk(kNotComputed, {.grayMode = kBlackOnlyGray}), 0x000000FFu);
+    EXPECT_EQ(ConvertInk(kNotComputed, {.grayMode = kColorModeBlackGray}), 0x000000FFu);
 }
 
 TEST(ConvertRow, KeepsWhatItComputesInTheCache) {
@@ -154,7 +156,7 @@ TEST(ConvertRow, KeepsWhatItComputesInTheCache) {
     EXPECT_EQ(g_colorCache[0x123456], want);
 }
 
-TEST(ConvertRow, FollowsTheKindInForceAtTheMoment) {
+TEST(ConvertRow, FollowsTheCurrentKind) {
     FillForRows(kGrid);
     SetCacheKind(kPlanes);
     EXPECT_THAT(Convert({0x123456}), ElementsAre(kNotComputed));
@@ -170,18 +172,18 @@ TEST(ConvertRow, ConvertsABufferInPlace) {
     EXPECT_EQ(row, want);
 }
 
-TEST(ConvertRow, DoesNotLookAtWhatTheBufferHeld) {
+TEST(ConvertRow, IgnoresWhatTheDestinationHeld) {
     FillForRows(kEntries);
     std::vector<uint32_t> row(32, 0x123456);
     std::fill(row.begin() + 16, row.end(), 0x654321);
     const std::vector<uint32_t> want = Convert(row);
     std::vector<uint32_t> inks(32, 0x123456);
-    ConvertRow(inks.data(), row.data(), 32, 1, 0, 0, kColor);
+    ConvertRow(inks.data(), row.data(), 32, 1, 0, 0, kColorModeColor);
     EXPECT_EQ(inks, want);
     EXPECT_EQ(inks[31], g_colorCache[0x654321]);
 }
 
-TEST(ConvertRow, ReadsNothingAroundItsRow) {
+TEST(ConvertRow, ReadsNothingOutsideItsRow) {
     FillForRows(kEntries);
     for (const uint32_t length : RowLengths()) {
         std::vector<uint32_t> row(length);
@@ -205,7 +207,7 @@ TEST(ConvertRow, EqualsThePlainConversionForEveryKindModePatternAndLength) {
                         for (size_t i = 0; i < row.size(); ++i)
                             want.push_back(plain::Print(inks[i], i, options));
                         ASSERT_EQ(Convert(row, options), want) << "kind " << kind << " length " << length
-                                                               << " grey mode " << grayMode << " kws " << kws;
+                                                               << " gray mode " << grayMode << " kws " << kws;
                     }
                 }
             }
@@ -229,7 +231,7 @@ TEST(ConvertRow, EqualsThePlainGrayForEveryWeightOfScatteredInks) {
 }
 
 TEST(ConvertRow, AddsThePartsOfAGrayInTheirOrder) {
-    // In whole numbers these greys are the amounts themselves; in double precision many fall just short.
+    // In whole numbers these grays equal the amounts; in double precision many fall just short.
     for (uint32_t amount = 0; amount < 256; ++amount) {
         for (const uint32_t ink : {plain::Ink(amount, 0, 0, 0), plain::Ink(0, amount, amount, amount)}) {
             for (const uint32_t grayMode : {1u, 2u}) {
@@ -238,9 +240,9 @@ TEST(ConvertRow, AddsThePartsOfAGrayInTheirOrder) {
             }
         }
     }
-    EXPECT_EQ(ConvertInk(plain::Ink(100, 0, 0, 0), {.grayMode = kBlackOnlyGray}), 100u);
-    EXPECT_EQ(ConvertInk(plain::Ink(64, 0, 0, 0), {.grayMode = kBlackOnlyGray}), 63u);
-    EXPECT_EQ(ConvertInk(plain::Ink(13, 0, 0, 0), {.grayMode = kBlackOnlyGray}), 12u);
+    EXPECT_EQ(ConvertInk(plain::Ink(100, 0, 0, 0), {.grayMode = kColorModeBlackGray}), 100u);
+    EXPECT_EQ(ConvertInk(plain::Ink(64, 0, 0, 0), {.grayMode = kColorModeBlackGray}), 63u);
+    EXPECT_EQ(ConvertInk(plain::Ink(13, 0, 0, 0), {.grayMode = kColorModeBlackGray}), 12u);
 }
 
 TEST(FillBlankPattern, StartsAtItsFirstPosition) {

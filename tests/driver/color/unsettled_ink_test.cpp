@@ -1,5 +1,5 @@
-// Inks that are not settled: a table lacks an entry, and what is computed from it changes once another
-// look-up fills it. Rows must print what looking up pixel by pixel gives.
+// Inks that are not settled: a table lacks an entry, and inks computed from it change once another look-up
+// fills it. Rows must print what looking up pixel by pixel gives.
 
 #include <gmock/gmock.h>
 
@@ -9,8 +9,7 @@
 #include "driver/color/color_adjustment.h"
 #include "driver/color/row_conversion.h"
 #include "tests/driver/color/cache_filling.h"
-#include "tests/driver/color/plain_rows.h"
-#include "tests/kit/installation_fixture.h"
+#include "tests/plain/plain_rows.h"
 
 namespace orvex {
 
@@ -30,7 +29,7 @@ std::vector<uint32_t> Printed(const std::vector<uint32_t>& pixels, plain::RowOpt
     return inks;
 }
 
-// The cache of a kind of table that lacks entries of the neighborhood, and a copy for the plain look-ups.
+// The cache, with entries of the neighborhood missing, and a copy for the plain look-ups.
 class GappyCache {
   public:
     explicit GappyCache(int32_t kind) : around(kind) {
@@ -41,7 +40,7 @@ class GappyCache {
         }
         table.assign(g_colorCache, g_colorCache + kCacheEntries);
     }
-    // Begins anew with these stored entries missing.
+    // Starts over with these stored entries missing.
     void Clear(uint32_t missing) {
         around.Fill(missing, InkOf, g_colorCache);
         around.Fill(missing, InkOf, table.data());
@@ -52,7 +51,8 @@ class GappyCache {
     std::vector<uint32_t> table;
 };
 
-// Long runs of a color of the neighborhood, parted by two others, until all others have come.
+// Returns a row with long runs of a color of the neighborhood, separated by two others, until all others have
+// come.
 std::vector<uint32_t> RunsOf(const plain::Neighborhood& around, uint32_t color) {
     std::vector<uint32_t> row;
     for (uint32_t other = 0; other < plain::Neighborhood::kColors; ++other) {
@@ -62,7 +62,7 @@ std::vector<uint32_t> RunsOf(const plain::Neighborhood& around, uint32_t color) 
     return row;
 }
 
-// Converts a row with runs of each color, twice, beginning with a new table each time, and compares the inks
+// Converts a row with runs of each color, twice, starting with a new table each time, and compares the inks
 // with the plain ones. Returns how many colors printed two inks; 0 and the pattern don't count.
 size_t ExpectPlainRows(GappyCache* cache, uint32_t missing, plain::RowOptions options) {
     size_t changing = 0;
@@ -96,55 +96,54 @@ TEST(UnsettledInk, ChangesOnceAnotherLookUpFillsACorner) {
     EXPECT_NE(LookupColor(0x0088F8), kNotComputed);
 }
 
-TEST(UnsettledInk, PrintsAnewAfterABlockOfOtherColors) {
+TEST(UnsettledInk, IsLookedUpAgainAfterABlockOfOtherColors) {
     for (const int32_t kws : {0, 1}) {
         FillGrid([](uint32_t color) {
             return color == 0x0080F0 || color == 0x0090FF ? kNotComputed : 0x10101010;
         });
-        // A block of one color, a mixed one, and the first one again.
+        // The row is a block of one color, a mixed one, and the first one again.
         std::vector<uint32_t> row(24, 0x0088F8);
         row[11] = 0x0090FF;
         const std::vector<uint32_t> inks = Printed(row, {.kws = kws});
         EXPECT_THAT(std::vector(inks.begin(), inks.begin() + 11), Each(kNotComputed));
-        EXPECT_EQ(inks[11], 0xF0F0F0F0);  // 15/16 of 255 and 1/16 of 16, but for what is cut off
+        EXPECT_EQ(inks[11], 0xF0F0F0F0);  // 15/16 of 255 and 1/16 of 16, truncated
         EXPECT_THAT(std::vector(inks.begin() + 12, inks.end()), Each(0xF7F7F7F7));
     }
 }
 
-TEST(UnsettledInk, IsThePlainOneForEveryKindPatternAndGray) {
+TEST(UnsettledInk, EqualsThePlainOneForEveryKindPatternAndGray) {
     for (const int32_t kind : {3, 4, 5}) {
         GappyCache cache(kind);
         size_t changing = 0;
         for (uint32_t present = 0; present < plain::Neighborhood::kStored; ++present) {
             for (const uint32_t grayMode : {0u, 1u, 2u}) {
-                if (grayMode != 0 && present % 8 != 0) continue;  // most greys hide the change
+                if (grayMode != 0 && present % 8 != 0) continue;  // most grays hide the change
                 const plain::RowOptions options{static_cast<int32_t>((present + grayMode) % 2), 1, grayMode};
-                SCOPED_TRACE(testing::Message() << "kind " << kind << " present " << present << " grey mode "
+                SCOPED_TRACE(testing::Message() << "kind " << kind << " present " << present << " gray mode "
                                                 << grayMode << " kws " << options.kws);
                 changing += ExpectPlainRows(&cache, kAllMissing & ~(1u << present), options);
             }
         }
         EXPECT_TRUE(HoldsTable(cache.table));
-        // Entries of kind 3 are computed from nothing that is computed.
+        // Entries of kind 3 are computed only from stored ones.
         EXPECT_EQ(changing > 0, kind != kHalfGridEntries) << changing << " colors of kind " << kind;
     }
 }
 
-TEST(UnsettledInk, ComesOfAnAdjustedHalfGridToo) {
-    // Grid points at 255 are not computed yet when the adjustment takes the grid, and it moves others there.
+TEST(UnsettledInk, ResultsFromAnAdjustedHalfGridToo) {
+    // Grid points at 255 are not computed yet when the adjustment copies the grid, and it moves others there.
     struct Case {
         AdjustmentValue value;
         int32_t amount;
         uint32_t color, corner;
     };
-    const InstallationFixture installation;
     for (const Case& each : {Case{kBrightness, 50, 0xFF7FFF, 0xFF80FF},
                              {kSaturation, 20, 0xFF7FFF, 0xFF80FF},
                              {kBlack, -20, 0xFFFFEF, 0xFFFFF0}}) {
         FillCache(kHalfGridPlanes, kNotComputed, plain::IsAllEven, InkOf);
         int32_t values[kAdjustmentValues] = {};
         values[each.value] = each.amount;
-        AdjustColors(values);
+        AdjustColors(values, {});
         std::vector<uint32_t> table(g_colorCache, g_colorCache + kCacheEntries);
 
         std::vector<uint32_t> row(24, each.color);
@@ -157,7 +156,7 @@ TEST(UnsettledInk, ComesOfAnAdjustedHalfGridToo) {
     }
 }
 
-TEST(SettledInk, IsThatOfEveryTableWithoutAMissingPoint) {
+TEST(SettledInk, IsGivenByEveryTableWithoutAMissingPoint) {
     for (const int32_t kind : {3, 4, 5}) {
         GappyCache cache(kind);
         EXPECT_EQ(ExpectPlainRows(&cache, 0, {}), 0u);
@@ -165,7 +164,7 @@ TEST(SettledInk, IsThatOfEveryTableWithoutAMissingPoint) {
     }
 }
 
-TEST(SettledInk, IsASentinelToWhereNothingIsComputed) {
+TEST(SettledInk, CanBeTheSentinelWhereNothingIsComputed) {
     for (const int32_t kind : {1, 2, 0, 6}) {
         FillGrid([](uint32_t) { return kNotComputed; });
         SetCacheKind(kind);
@@ -174,14 +173,14 @@ TEST(SettledInk, IsASentinelToWhereNothingIsComputed) {
     }
 }
 
-TEST(SettledInk, IsWhatALookUpFillsAtOnce) {
-    // The grid point at 255 is its own corner; the other one is there.
+TEST(SettledInk, IsGivenWhereTheLookUpFillsItsOwnEntry) {
+    // The grid point at 255 is a corner of its own cell; the other corner is there.
     FillGrid([](uint32_t color) { return color == 0x0000FF ? kNotComputed : 0x10101010; });
     EXPECT_THAT(Printed({0x0000FF, 0x0000FF, 0x0000F8}), ElementsAre(0xF0F0F0F0, 0xF0F0F0F0, 0x80808080));
     EXPECT_TRUE(InksAreSettled());
 }
 
-TEST(SettledInk, BeginsAnewWithEachTable) {
+TEST(SettledInk, IsForgottenWithEachNewTable) {
     FillGrid([](uint32_t) { return kNotComputed; });
     EXPECT_EQ(LookupColor(0x000000), kNotComputed);
     EXPECT_FALSE(InksAreSettled());

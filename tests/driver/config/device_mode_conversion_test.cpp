@@ -1,50 +1,23 @@
 #include <algorithm>
 
 #include "driver/config/device_mode_merge.h"
-#include "tests/driver/config/default_record.h"
 #include "tests/driver/config/foreign_dev_mode.h"
 #include "tests/driver/config/printer_test.h"
+#include "tests/plain/device_mode.h"
 
 namespace orvex {
 
 using namespace tools;
+using namespace plain;
 using testing::ElementsAre;
 
 namespace {
-
-// The bits of dmFields, in the order in which fields are copied, with the places of the fields.
-struct PublicField {
-    DWORD flag;
-    size_t offset;
-    size_t size;
-};
-constexpr PublicField kPublicFields[] = {
-    {0x00000001, 76, 2},    // DM_ORIENTATION
-    {0x00000002, 78, 2},    // DM_PAPERSIZE
-    {0x00000004, 80, 2},    // DM_PAPERLENGTH
-    {0x00000008, 82, 2},    // DM_PAPERWIDTH
-    {0x00000010, 84, 2},    // DM_SCALE
-    {0x00000100, 86, 2},    // DM_COPIES
-    {0x00000200, 88, 2},    // DM_DEFAULTSOURCE
-    {0x00000400, 90, 2},    // DM_PRINTQUALITY
-    {0x00000800, 92, 2},    // DM_COLOR
-    {0x00001000, 94, 2},    // DM_DUPLEX
-    {0x00002000, 96, 2},    // DM_YRESOLUTION
-    {0x00004000, 98, 2},    // DM_TTOPTION
-    {0x00008000, 100, 2},   // DM_COLLATE
-    {0x00010000, 102, 64},  // DM_FORMNAME
-    {0x00000040, 180, 4},   // DM_NUP
-    {0x00800000, 188, 4},   // DM_ICMMETHOD
-    {0x01000000, 192, 4},   // DM_ICMINTENT
-    {0x02000000, 196, 4},   // DM_MEDIATYPE
-    {0x04000000, 200, 4},   // DM_DITHERTYPE
-};
 
 BYTE* Bytes(DeviceMode* record) {
     return reinterpret_cast<BYTE*>(record);
 }
 
-// Every byte of the record but its sizes is `value`.
+// Returns a record in which every byte but its sizes is `value`.
 DeviceMode FilledRecord(BYTE value) {
     DeviceMode record;
     memset(static_cast<void*>(&record), value, sizeof record);
@@ -156,7 +129,7 @@ TEST_F(Conversion, ItsStepsAreTraced) {
 
 TEST_F(Conversion, CopyingTakesEachFlaggedFieldAndItsFlag) {
     const LogCapture quiet(0);
-    for (const PublicField& field : kPublicFields) {
+    for (const FlaggedField& field : FlaggedFields()) {
         DeviceMode source = FilledRecord(0x11);
         source.pub.dmFields = field.flag;
         DeviceMode destination = FilledRecord(0x22);
@@ -172,7 +145,7 @@ TEST_F(Conversion, CopyingTakesEachFlaggedFieldAndItsFlag) {
 
 TEST_F(Conversion, CopyingTakesNothingThatIsNotFlagged) {
     DWORD known = 0;
-    for (const PublicField& field : kPublicFields) known |= field.flag;
+    for (const FlaggedField& field : FlaggedFields()) known |= field.flag;
     DeviceMode source = FilledRecord(0x11);
     source.pub.dmFields = ~known;
     DeviceMode destination = FilledRecord(0x22);
@@ -203,9 +176,9 @@ TEST_F(Conversion, CopyingIsTraced) {
 }
 
 TEST_F(Conversion, DumpsBothRecordsBeforeAndAfter) {
-    DeviceMode in = DefaultRecord();
+    DeviceMode in = DefaultDeviceMode();
     in.pub.dmDriverVersion = 7;
-    DeviceMode out = DefaultRecord();
+    DeviceMode out = DefaultDeviceMode();
     out.pub.dmDriverVersion = 3;
     ConvertDevMode(&in.pub, &out.pub);
     EXPECT_THAT(DumpedField("dmDriverVersion"),

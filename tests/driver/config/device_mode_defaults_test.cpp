@@ -2,15 +2,16 @@
 
 #include "driver/support/log.h"
 #include "driver/support/text.h"
-#include "tests/driver/config/default_record.h"
 #include "tests/driver/config/foreign_dev_mode.h"
 #include "tests/driver/config/printer_test.h"
 #include "tests/kit/allocation_failure.h"
+#include "tests/plain/device_mode.h"
 #include "tools/host/import_patch.h"
 
 namespace orvex {
 
 using namespace tools;
+using plain::DefaultDeviceMode;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::StartsWith;
@@ -22,7 +23,7 @@ BOOL WINAPI NoFolder(HWND, LPWSTR, int, BOOL) {
     return FALSE;
 }
 
-// Lets the first search for files through, which measures the list, and fails the second, which fills it.
+// Passes on the first search for files, which measures the list, and fails the second, which fills it.
 int searches = 0;
 decltype(&FindFirstFileW) findFirst = nullptr;
 HANDLE WINAPI FailSecondSearch(LPCWSTR pattern, LPWIN32_FIND_DATAW data) {
@@ -38,7 +39,7 @@ class DefaultDevMode : public PrinterTest {
         return record;
     }
 
-    // Two labels, and settings.inf asking for one.
+    // Gives the printer two labels and lets settings.inf ask for one.
     void SetMedia(const std::string& wanted) {
         AddLabel(258, "Klein", "50", "25.4", 0);
         AddLabel(300, "Versand", "4", "6", 1);
@@ -86,7 +87,7 @@ class DefaultProfile : public DefaultDevMode {
         return Text(profile);
     }
 
-    // The lines that tell how the wanted profile was looked for.
+    // Returns the log's lines about the search for the wanted profile.
     std::vector<std::string> SearchLines() {
         std::vector<std::string> kept;
         for (const std::string& line : log_.TakeLines()) {
@@ -99,11 +100,11 @@ class DefaultProfile : public DefaultDevMode {
 
 }  // namespace
 
-TEST_F(DefaultDevMode, EveryByteWithoutAnInstallationIsAsAgreed) {
-    RecordBytes expected = DefaultRecordBytes();
-    expected.PutText(0, u"Etikett 1");
-    EXPECT_TRUE(SameRecord(Setup(), expected.Record()));
-    EXPECT_TRUE(SameRecord(Setup(nullptr), DefaultRecord())) << "without a name";
+TEST_F(DefaultDevMode, EveryByteWithoutAnInstallationIsTheBuiltInDefault) {
+    DeviceMode expected = DefaultDeviceMode();
+    EXPECT_TRUE(SameRecord(Setup(nullptr), expected)) << "without a name";
+    CopyText(expected.pub.dmDeviceName, FieldText(L"Etikett 1"));
+    EXPECT_TRUE(SameRecord(Setup(), expected));
 }
 
 TEST_F(DefaultDevMode, APrintersNameIsCutToItsField) {
@@ -125,7 +126,7 @@ TEST_F(DefaultDevMode, ItsStepsAreTraced) {
 
 TEST_F(DefaultDevMode, AnUnknownInstallationFolderIsLoggedWithoutItsNot) {
     const ImportPatch shell(nullptr, "SHGetSpecialFolderPathW", reinterpret_cast<void*>(&NoFolder));
-    EXPECT_TRUE(SameRecord(Setup(nullptr), DefaultRecord()));
+    EXPECT_TRUE(SameRecord(Setup(nullptr), DefaultDeviceMode()));
     EXPECT_THAT(LinesOutside("AssignDefaultColorProfile"),
                 ElementsAre("[Trace] <SetupDefaultDevMode>", "[Error] Error: could get app path",
                             "[Error] failed to open settings.inf", "[Trace] colorProfile:[]",
@@ -144,19 +145,18 @@ TEST_F(DefaultDevMode, AChangedLogMaskTakesEffectBeforeTheFirstLine) {
 
 TEST_F(DefaultDevMode, ADefaultLabelBringsBothHalvesInLine) {
     SetMedia("Versand");
-    RecordBytes expected = DefaultRecordBytes();
-    expected.Put16(78, 300);
-    expected.Put16(80, 1524);
-    expected.Put16(82, 1016);
-    expected.PutText(220 + 32, "Versand");
-    expected.Put16(220 + 136, 300);
-    expected.Put32(220 + 140, 1);
-    DeviceMode record = Setup(nullptr);
-    EXPECT_STREQ(record.priv.width_string, "4");
-    EXPECT_STREQ(record.priv.length_string, "6");
-    CopyText(record.priv.width_string, "8.500");
-    CopyText(record.priv.length_string, "11.000");
-    EXPECT_TRUE(SameRecord(record, expected.Record())) << "apart from the two texts";
+    DeviceMode expected = DefaultDeviceMode();
+    expected.pub.dmPaperSize = expected.priv.dmPaperSize = 300;
+    expected.pub.dmPaperLength = 1524;
+    expected.pub.dmPaperWidth = 1016;
+    expected.priv.units = 1;
+    CopyText(expected.priv.labelName, "Versand");
+    memcpy(expected.priv.width_string,
+           "4\0"
+           "500",
+           6);  // the end of the built-in size remains
+    memcpy(expected.priv.length_string, "6\0.000", 7);
+    EXPECT_TRUE(SameRecord(Setup(nullptr), expected));
     EXPECT_THAT(log_.TakeLines(), testing::Contains("[Trace] set pdm paper 300 1016 1524"));
 }
 
@@ -229,7 +229,7 @@ TEST_F(DefaultMedia, BlanksAroundAListedNameAreNot) {
     ExpectBuiltIn();
 }
 
-TEST_F(DefaultMedia, NamesMindTheirCase) {
+TEST_F(DefaultMedia, NamesAreCaseSensitive) {
     SetMedia("versand");
     ExpectBuiltIn();
 }
@@ -272,7 +272,7 @@ TEST_F(DefaultProfile, IsTheFirstOneWhenTheSettingNamesNone) {
     EXPECT_THAT(SearchLines(), testing::Contains("[Trace] [B.zvp] <> [b.zvp]"));
 }
 
-TEST_F(DefaultProfile, IsTheFirstOneWhenMemoryIsShortForTheSetting) {
+TEST_F(DefaultProfile, IsTheFirstOneWhenOutOfMemoryForTheSetting) {
     installation_.WriteSettings("[UI]\r\nDefault_Profile=b.zvp\r\n");
     const AllocationFailure memory(sizeof u"b.zvp");
     EXPECT_EQ(Assign(), u"a.zvp");

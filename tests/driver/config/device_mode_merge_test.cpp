@@ -2,14 +2,16 @@
 
 #include "driver/config/device_mode_validation.h"
 #include "driver/support/text.h"
-#include "tests/driver/config/default_record.h"
 #include "tests/driver/config/foreign_dev_mode.h"
 #include "tests/driver/config/printer_test.h"
 #include "tests/kit/allocation_failure.h"
+#include "tests/plain/device_mode.h"
 
 namespace orvex {
 
 using namespace tools;
+using plain::DefaultDeviceMode;
+using plain::ValidDeviceMode;
 using testing::AllOf;
 using testing::Contains;
 using testing::ElementsAre;
@@ -18,19 +20,9 @@ namespace {
 
 class Merging : public PrinterTest {
   protected:
-    // The printer's valid defaults.
-    static DeviceMode PrinterRecord() {
-        DeviceMode record = DefaultRecord();
-        record.priv.purgeDots = 1;
-        record.priv.purgeGap = 5;
-        record.pub.dmScale = 100;
-        record.pub.dmFields = 0x0001CF0F;
-        return record;
-    }
-
-    // The printer's record with a label of its list chosen on it.
+    // Returns the printer's record with a label of its list chosen on it.
     static DeviceMode RecordWithLabel(int16_t number = 300) {
-        DeviceMode record = PrinterRecord();
+        DeviceMode record = ValidDeviceMode();
         record.pub.dmPaperSize = number;
         record.pub.dmPaperWidth = 1016;
         record.pub.dmPaperLength = 1524;
@@ -42,7 +34,7 @@ class Merging : public PrinterTest {
         return record;
     }
 
-    // What becomes of `destination` when it takes over `source`; nothing is logged.
+    // Returns `destination` after `source` was merged into it; nothing is logged.
     DeviceMode Merged(DeviceMode destination, DEVMODEW* source) {
         const LogCapture quiet(0);
         EXPECT_TRUE(MergeDevMode(&destination, source, handle_));
@@ -59,25 +51,25 @@ class Merging : public PrinterTest {
 }  // namespace
 
 TEST_F(Merging, TakesTheCallersFlaggedAndPrivateSettings) {
-    DeviceMode source = PrinterRecord();
+    DeviceMode source = ValidDeviceMode();
     source.pub.dmCopies = 7;
     source.pub.dmPrintQuality = 600;
     source.pub.dmFields = DM_COPIES;
     source.priv.mirrorImage = 1;
-    const DeviceMode merged = Merged(PrinterRecord(), source);
+    const DeviceMode merged = Merged(ValidDeviceMode(), source);
     EXPECT_EQ(merged.pub.dmCopies, 7);
     EXPECT_EQ(merged.pub.dmPrintQuality, 300) << "it was not flagged";
     EXPECT_EQ(merged.priv.mirrorImage, 1);
 }
 
 TEST_F(Merging, ValidatesTheResult) {
-    DeviceMode source = PrinterRecord();
+    DeviceMode source = ValidDeviceMode();
     source.pub.dmCopies = 0;
     source.pub.dmPaperSize = 9;
     source.pub.dmPaperWidth = 2971;
     source.pub.dmPaperLength = 2970;
     source.priv.phHOffset = 1001;
-    const DeviceMode merged = Merged(PrinterRecord(), source);
+    const DeviceMode merged = Merged(ValidDeviceMode(), source);
     EXPECT_EQ(merged.pub.dmCopies, 1);
     EXPECT_EQ(merged.pub.dmPaperSize, 256);
     EXPECT_EQ(Text(merged.pub.dmFormName), u"Custom");
@@ -86,33 +78,33 @@ TEST_F(Merging, ValidatesTheResult) {
     EXPECT_EQ(merged.priv.phHOffset, 20);
 }
 
-TEST_F(Merging, WithoutACallersRecordNothingHappens) {
-    DeviceMode destination = DefaultRecord();
+TEST_F(Merging, ANullCallersRecordChangesNothing) {
+    DeviceMode destination = DefaultDeviceMode();
     EXPECT_TRUE(MergeDevMode(&destination, nullptr, handle_));
-    EXPECT_TRUE(SameRecord(destination, DefaultRecord())) << "it is not validated either";
+    EXPECT_TRUE(SameRecord(destination, DefaultDeviceMode())) << "it is not validated either";
     EXPECT_THAT(log_.TakeLines(), ElementsAre("[Trace] <MergeDevMode>", "[Error] pdmSrc NULL",
                                               "[Trace] Return: TRUE", "[Trace] </MergeDevMode>"));
 }
 
-TEST_F(Merging, ShortMemoryLeavesThePrintersRecord) {
-    DeviceMode destination = DefaultRecord();
-    DeviceMode source = PrinterRecord();
+TEST_F(Merging, RunningOutOfMemoryLeavesThePrintersRecord) {
+    DeviceMode destination = DefaultDeviceMode();
+    DeviceMode source = ValidDeviceMode();
     const AllocationFailure memory(916);
     EXPECT_FALSE(MergeDevMode(&destination, &source.pub, handle_));
     EXPECT_EQ(memory.Count(), 1);
-    EXPECT_TRUE(SameRecord(destination, DefaultRecord()));
+    EXPECT_TRUE(SameRecord(destination, DefaultDeviceMode()));
     EXPECT_THAT(log_.TakeLines(), ElementsAre("[Trace] <MergeDevMode>", "[Info]  failed to alloc pdm",
                                               "[Trace] Return: FALSE", "[Trace] </MergeDevMode>"));
 }
 
 TEST_F(Merging, ARecordThatCannotBeConvertedLeavesThePrintersRecord) {
-    DeviceMode unversioned = PrinterRecord();
+    DeviceMode unversioned = ValidDeviceMode();
     unversioned.pub.dmSpecVersion = 0;
     for (const WORD size : {0, 70, 100, 1000}) {
         ForeignDevMode source(size, 696, unversioned);
-        DeviceMode destination = DefaultRecord();
+        DeviceMode destination = DefaultDeviceMode();
         EXPECT_FALSE(MergeDevMode(&destination, source.Record(), handle_)) << size;
-        EXPECT_TRUE(SameRecord(destination, DefaultRecord())) << size;
+        EXPECT_TRUE(SameRecord(destination, DefaultDeviceMode())) << size;
     }
     const std::vector<std::string> lines = LinesWithDumpsFolded();
     ASSERT_GE(lines.size(), 2u);
@@ -121,9 +113,9 @@ TEST_F(Merging, ARecordThatCannotBeConvertedLeavesThePrintersRecord) {
 }
 
 TEST_F(Merging, ItsStepsAreTraced) {
-    DeviceMode destination = PrinterRecord();
+    DeviceMode destination = ValidDeviceMode();
     CopyText(destination.priv.colorProfile, FieldText(L"neutral.zvp"));
-    DeviceMode source = PrinterRecord();
+    DeviceMode source = ValidDeviceMode();
     EXPECT_TRUE(MergeDevMode(&destination, &source.pub, handle_));
     std::vector<std::string> lines = LinesWithDumpsFolded();
     bool inside = false;
@@ -146,9 +138,9 @@ TEST_F(Merging, ItsStepsAreTraced) {
 }
 
 TEST_F(Merging, DumpsWhatItTakesOverAndWhatItGives) {
-    DeviceMode destination = PrinterRecord();
+    DeviceMode destination = ValidDeviceMode();
     destination.pub.dmCopies = 3;
-    DeviceMode source = PrinterRecord();
+    DeviceMode source = ValidDeviceMode();
     source.pub.dmCopies = 7;
     source.pub.dmFields = 0;
     EXPECT_TRUE(MergeDevMode(&destination, &source.pub, handle_));
@@ -162,12 +154,12 @@ TEST_F(Merging, DumpsWhatItTakesOverAndWhatItGives) {
 
 TEST_F(Merging, ARecordOfAnOlderLayoutGivesItsPublicFields) {
     for (const WORD size : {188, 212}) {
-        DeviceMode values = PrinterRecord();
+        DeviceMode values = ValidDeviceMode();
         values.pub.dmSpecVersion = 0x0400;
         values.pub.dmCopies = 7;
         values.priv.mirrorImage = 1;
         ForeignDevMode source(size, 696, values);
-        const DeviceMode merged = Merged(PrinterRecord(), source.Record());
+        const DeviceMode merged = Merged(ValidDeviceMode(), source.Record());
         EXPECT_EQ(merged.pub.dmCopies, 7);
         EXPECT_EQ(merged.priv.mirrorImage, 1) << "its private part begins where its public one ends";
         EXPECT_EQ(merged.pub.dmSpecVersion, 0x0401);
@@ -176,10 +168,10 @@ TEST_F(Merging, ARecordOfAnOlderLayoutGivesItsPublicFields) {
 }
 
 TEST_F(Merging, ARecordWithoutAPrivatePartKeepsThePrintersPrivateSettings) {
-    DeviceMode destination = PrinterRecord();
+    DeviceMode destination = ValidDeviceMode();
     destination.priv.mirrorImage = 1;
     CopyText(destination.priv.colorProfile, FieldText(L"neutral.zvp"));
-    DeviceMode values = PrinterRecord();
+    DeviceMode values = ValidDeviceMode();
     values.pub.dmCopies = 7;
     values.pub.dmPaperSize = 256;
     values.pub.dmPaperWidth = 1000;
@@ -196,9 +188,9 @@ TEST_F(Merging, ARecordWithoutAPrivatePartKeepsThePrintersPrivateSettings) {
 }
 
 TEST_F(Merging, AWrongSignatureKeepsThePrintersPrivateSettings) {
-    DeviceMode destination = PrinterRecord();
+    DeviceMode destination = ValidDeviceMode();
     destination.priv.mirrorImage = 1;
-    DeviceMode source = PrinterRecord();
+    DeviceMode source = ValidDeviceMode();
     source.priv.signature = 0x18284001;
     source.pub.dmCopies = 7;
     const DeviceMode merged = Merged(destination, source);
@@ -208,10 +200,10 @@ TEST_F(Merging, AWrongSignatureKeepsThePrintersPrivateSettings) {
 }
 
 TEST_F(Merging, AShortPrivatePartGivesTheFieldsThatItHas) {
-    DeviceMode destination = PrinterRecord();
+    DeviceMode destination = ValidDeviceMode();
     destination.priv.phHOffset = 77;
     CopyText(destination.priv.colorProfile, FieldText(L"neutral.zvp"));
-    DeviceMode values = PrinterRecord();
+    DeviceMode values = ValidDeviceMode();
     values.priv.mirrorImage = 1;
     for (const WORD size : {20, 160, 161, 300}) {
         ForeignDevMode source(220, size, values);
@@ -225,54 +217,54 @@ TEST_F(Merging, AShortPrivatePartGivesTheFieldsThatItHas) {
 }
 
 TEST_F(Merging, ThePrintersProfileIsWrittenIntoASourceThatNamesNone) {
-    DeviceMode destination = PrinterRecord();
+    DeviceMode destination = ValidDeviceMode();
     CopyText(destination.priv.colorProfile, FieldText(L"neutral.zvp"));
-    ForeignDevMode source(220, 696, PrinterRecord());
+    ForeignDevMode source(220, 696, ValidDeviceMode());
     EXPECT_EQ(Text(Merged(destination, source.Record()).priv.colorProfile), u"neutral.zvp");
     EXPECT_EQ(Text(LoadDevMode(source.Record()).priv.colorProfile), u"neutral.zvp");
 }
 
 TEST_F(Merging, ASourcesOwnProfileWins) {
-    DeviceMode destination = PrinterRecord();
+    DeviceMode destination = ValidDeviceMode();
     CopyText(destination.priv.colorProfile, FieldText(L"neutral.zvp"));
-    DeviceMode source = PrinterRecord();
+    DeviceMode source = ValidDeviceMode();
     CopyText(source.priv.colorProfile, FieldText(L"coated.zvp"));
     EXPECT_EQ(Text(Merged(destination, &source.pub).priv.colorProfile), u"coated.zvp");
     EXPECT_EQ(Text(source.priv.colorProfile), u"coated.zvp");
-    EXPECT_EQ(Text(Merged(PrinterRecord(), &source.pub).priv.colorProfile), u"coated.zvp");
+    EXPECT_EQ(Text(Merged(ValidDeviceMode(), &source.pub).priv.colorProfile), u"coated.zvp");
 }
 
 TEST_F(Merging, ANameOfOneCharacterIsAProfileToo) {
-    DeviceMode destination = PrinterRecord();
+    DeviceMode destination = ValidDeviceMode();
     CopyText(destination.priv.colorProfile, FieldText(L"n"));
-    EXPECT_EQ(Text(Merged(destination, PrinterRecord()).priv.colorProfile), u"n");
-    DeviceMode source = PrinterRecord();
+    EXPECT_EQ(Text(Merged(destination, ValidDeviceMode()).priv.colorProfile), u"n");
+    DeviceMode source = ValidDeviceMode();
     CopyText(source.priv.colorProfile, FieldText(L"c"));
     EXPECT_EQ(Text(Merged(destination, source).priv.colorProfile), u"c");
 }
 
 TEST_F(Merging, ANameOfOneCharacterIsTracedAsAProfile) {
-    DeviceMode destination = PrinterRecord();
+    DeviceMode destination = ValidDeviceMode();
     CopyText(destination.priv.colorProfile, FieldText(L"n"));
-    DeviceMode source = PrinterRecord();
+    DeviceMode source = ValidDeviceMode();
     CopyText(source.priv.colorProfile, FieldText(L"c"));
     EXPECT_TRUE(MergeDevMode(&destination, &source.pub, handle_));
     EXPECT_THAT(LinesWithDumpsFolded(),
                 AllOf(Contains("[Trace] pdmDest profile [n] 1"), Contains("[Trace] pdmSrc profile [c] 1")));
 }
 
-TEST_F(Merging, WhatFollowsAnEmptyProfilesNameStaysAsItIs) {
-    DeviceMode source = PrinterRecord();
+TEST_F(Merging, BytesAfterAnEmptyProfileNameStayAsTheyAre) {
+    DeviceMode source = ValidDeviceMode();
     source.priv.colorProfile[1] = L'x';
     const DeviceMode before = source;
-    Merged(PrinterRecord(), &source.pub);
+    Merged(ValidDeviceMode(), &source.pub);
     EXPECT_TRUE(SameRecord(source, before));
 }
 
 TEST_F(Merging, ALabelChosenOnThePrinterSurvivesASourceThatNamesNone) {
     AddLabel(300, "Versand", "101.6", "152.4", 0);
     for (const int16_t number : {int16_t{257}, int16_t{256}, int16_t{9}, int16_t{0}, int16_t{-1}}) {
-        DeviceMode source = PrinterRecord();
+        DeviceMode source = ValidDeviceMode();
         source.pub.dmPaperSize = number;
         source.priv.dmPaperSize = number;
         const DeviceMode merged = Merged(RecordWithLabel(), &source.pub);
@@ -289,7 +281,7 @@ TEST_F(Merging, ALabelChosenOnThePrinterSurvivesASourceThatNamesNone) {
 }
 
 TEST_F(Merging, TheFirstLabelOfTheListSurvivesToo) {
-    EXPECT_TRUE(SameRecord(Merged(RecordWithLabel(258), PrinterRecord()), RecordWithLabel(258)));
+    EXPECT_TRUE(SameRecord(Merged(RecordWithLabel(258), ValidDeviceMode()), RecordWithLabel(258)));
 }
 
 TEST_F(Merging, ASourcesOwnLabelWins) {
@@ -304,17 +296,17 @@ TEST_F(Merging, ASourcesOwnLabelWins) {
 }
 
 TEST_F(Merging, APrinterWithoutALabelOfItsListWritesNothing) {
-    DeviceMode source = PrinterRecord();
+    DeviceMode source = ValidDeviceMode();
     source.pub.dmPaperSize = 256;
     source.priv.dmPaperSize = 256;
     const DeviceMode before = source;
-    EXPECT_EQ(Merged(PrinterRecord(), &source.pub).pub.dmPaperSize, 256);
+    EXPECT_EQ(Merged(ValidDeviceMode(), &source.pub).pub.dmPaperSize, 256);
     EXPECT_TRUE(SameRecord(source, before));
 }
 
 TEST_F(Merging, TheLabelGoesIntoThePublicFieldsOfASourceWithoutAPrivatePart) {
     for (const WORD size : {72, 78, 80, 82, 84, 212, 220}) {
-        ForeignDevMode source(size, 0, PrinterRecord());
+        ForeignDevMode source(size, 0, ValidDeviceMode());
         const DeviceMode merged = Merged(RecordWithLabel(), source.Record());
         EXPECT_TRUE(SameRecord(merged, RecordWithLabel())) << size;
         const DEVMODEW pub = LoadDevMode(source.Record()).pub;
@@ -328,7 +320,7 @@ TEST_F(Merging, RecordsOfEverySizeAreReadAndWrittenWithinTheirEnd) {
     const LogCapture quiet(0);
     DeviceMode destination = RecordWithLabel();
     CopyText(destination.priv.colorProfile, FieldText(L"neutral.zvp"));
-    DeviceMode values = PrinterRecord();
+    DeviceMode values = ValidDeviceMode();
     memset(values.priv.labelName, 'n', sizeof values.priv.labelName);
     for (WORD publicSize = 0; publicSize <= 230; ++publicSize) {
         for (const WORD privateSize :
@@ -351,13 +343,13 @@ TEST_F(Merging, RecordsOfEverySizeAreReadAndWrittenWithinTheirEnd) {
 }
 
 TEST_F(Merging, TextsThatFillTheirFieldsAreTakenWithoutReadingOn) {
-    DeviceMode values = PrinterRecord();
+    DeviceMode values = ValidDeviceMode();
     values.pub.dmFields = DM_FORMNAME;
     values.pub.dmPaperSize = 257;
     std::fill(std::begin(values.pub.dmFormName), std::end(values.pub.dmFormName), L'f');
     std::fill(std::begin(values.priv.colorProfile), std::end(values.priv.colorProfile), L'p');
     ForeignDevMode source(220, 680, values);
-    const DeviceMode merged = Merged(PrinterRecord(), source.Record());
+    const DeviceMode merged = Merged(ValidDeviceMode(), source.Record());
     EXPECT_EQ(Text(merged.pub.dmFormName), std::u16string(31, u'f'));
     EXPECT_EQ(merged.priv.colorProfile[259], L'p');
 }

@@ -21,7 +21,7 @@ using testing::SizeIs;
 
 namespace {
 
-// A record whose every field has a value of its own.
+// Returns a record whose every field has a value of its own.
 DeviceMode FullRecord() {
     DeviceMode record = {};
     DEVMODEW& pub = record.pub;
@@ -92,7 +92,7 @@ std::string Address(const void* address) {
     return text;
 }
 
-// The value that a dump shows for a field; "(none)" when it has no such line.
+// Returns the value that a dump shows for a field; "(none)" when it has no such line.
 std::string ShownValue(const std::vector<std::string>& lines, const std::string& field) {
     for (const std::string& line : lines) {
         if (line.starts_with("[Trace] " + field + " ")) return line.substr(line.find("= ") + 2);
@@ -102,7 +102,8 @@ std::string ShownValue(const std::vector<std::string>& lines, const std::string&
 
 int linesUntilClear = 0;
 
-// Stands for GetSystemTime, the first call of every line: another thread that changes the mask between lines.
+// Replaces GetSystemTime, the first call of every line, and clears the mask as another thread may at any
+// time.
 void WINAPI CountLines(LPSYSTEMTIME time) {
     *time = {};
     if (--linesUntilClear == 0) logMask &= ~kLogMaskTrace;

@@ -1,108 +1,18 @@
 #include "driver/config/device_mode_validation.h"
 
-#include <algorithm>
-#include <functional>
-
 #include "driver/support/text.h"
-#include "tests/driver/config/default_record.h"
 #include "tests/driver/config/foreign_dev_mode.h"
 #include "tests/driver/config/printer_test.h"
+#include "tests/plain/device_mode.h"
+#include "tests/plain/device_mode_rules.h"
 
 namespace orvex {
 
 using namespace tools;
+using namespace plain;
 using testing::ElementsAre;
 
 namespace {
-
-bool Between(int value, int lowest, int highest) {
-    return value >= lowest && value <= highest;
-}
-bool IsIn(int value, std::initializer_list<int> values) {
-    return std::find(values.begin(), values.end(), value) != values.end();
-}
-
-// A field of the private part, by its place and valid values.
-struct Field {
-    const char* name;
-    size_t offset;
-    size_t size;
-    int replacement;
-    std::function<bool(int)> valid;
-};
-
-bool IsFlag(int value) {
-    return value == 0 || value == 1;
-}
-bool IsAdjustment(int value) {
-    return Between(value, -100, 100);
-}
-
-const std::vector<Field>& Fields() {
-    static const std::vector<Field> fields = {
-        {"colorAdjust", 4, 4, 0, IsFlag},
-        {"printSetting", 8, 4, 1, [](int v) { return Between(v, 0, 3); }},
-        {"rotate180", 12, 4, 0, IsFlag},
-        {"mirrorImage", 16, 4, 0, IsFlag},
-        {"jobCapture", 20, 4, 0, IsFlag},
-        {"noPrint", 24, 4, 0, IsFlag},
-        {"stitched", 28, 4, 0, IsFlag},
-        {"usePrivateCopies", 96, 4, 0, IsFlag},
-        {"copies", 100, 2, 1, [](int v) { return Between(v, 1, 10000); }},
-        {"chunksize", 102, 2, 500, [](int v) { return Between(v, 30, 10000); }},
-        {"chunkActive", 104, 4, 0, IsFlag},
-        {"alignment", 108, 2, 0,
-         [](int v) {
-             return IsIn(v, {0, 1, 2});
-         }},
-        {"feedSide", 112, 4, 0, IsFlag},
-        {"overspray", 116, 2, 0,
-         [](int v) {
-             return IsIn(v, {0, 1, 2, 3});
-         }},
-        {"kws", 120, 4, 0, IsFlag},
-        {"kws_fullwidth", 124, 4, 0, IsFlag},
-        {"purgeBar", 128, 2, 1,
-         [](int v) {
-             return IsIn(v, {0, 1, 2});
-         }},
-        {"purgeDots", 130, 2, 1,
-         [](int v) {
-             return IsIn(v, {1, 5, 10});
-         }},
-        {"purgeGap", 132, 2, 5,
-         [](int v) {
-             return IsIn(v, {5, 10, 15});
-         }},
-        {"purgeFreq", 134, 2, 0,
-         [](int v) {
-             return IsIn(v, {0, 1, 2, 10, 20, 50});
-         }},
-        {"phHOffset", 680, 2, 20, [](int v) { return Between(v, -1000, 1000); }},
-        {"phVOffset", 682, 2, 0, [](int v) { return Between(v, -250, 250); }},
-        {"colorMode", 684, 4, 0,
-         [](int v) {
-             return IsIn(v, {0, 1, 2});
-         }},
-        {"adj_brightness", 688, 1, 0, IsAdjustment},
-        {"adj_colortone", 689, 1, 0, IsAdjustment},
-        {"adj_saturation", 690, 1, 0, IsAdjustment},
-        {"adj_cyan", 691, 1, 0, IsAdjustment},
-        {"adj_magenta", 692, 1, 0, IsAdjustment},
-        {"adj_yellow", 693, 1, 0, IsAdjustment},
-        {"adj_black", 694, 1, 0, IsAdjustment},
-    };
-    return fields;
-}
-
-int32_t FieldOf(const DeviceMode& record, const Field& field) {
-    const BYTE* at = reinterpret_cast<const BYTE*>(&record.priv) + field.offset;
-    if (field.size == 1) return static_cast<int8_t>(*at);
-    if (field.size == 2) return static_cast<int16_t>(at[0] | at[1] << 8);
-    int32_t value;
-    memcpy(&value, at, sizeof value);
-    return value;
-}
 
 class Validation : public PrinterTest {
   protected:
@@ -118,20 +28,19 @@ class Validation : public PrinterTest {
 
     // Sets every field of that size to `value` and checks what validation makes of each.
     void CheckFields(size_t size, int32_t value) {
-        DeviceMode record = DefaultRecord();
-        for (const Field& field : Fields()) {
-            if (field.size == size)
-                memcpy(reinterpret_cast<BYTE*>(&record.priv) + field.offset, &value, size);
+        DeviceMode record = DefaultDeviceMode();
+        for (const Rule& rule : Rules()) {
+            if (rule.size == size) SetValue(record, rule, value);
         }
         const DeviceMode validated = Validated(record);
-        for (const Field& field : Fields()) {
-            if (field.size != size) continue;
-            const int32_t expected = field.valid(value) ? value : field.replacement;
-            ASSERT_EQ(FieldOf(validated, field), expected) << field.name << " " << value;
+        for (const Rule& rule : Rules()) {
+            if (rule.size != size) continue;
+            const int32_t expected = rule.valid(value) ? value : rule.replacement;
+            ASSERT_EQ(ValueOf(validated, rule), expected) << rule.name << " " << value;
         }
     }
 
-    // The paper fields after the form of a default record with that number and size was validated.
+    // The paper fields of a record.
     struct Paper {
         int number, length, width;
         std::u16string form;
@@ -144,7 +53,7 @@ class Validation : public PrinterTest {
 };
 
 DeviceMode RecordWithPaper(int number, int length = 1000, int width = 500) {
-    DeviceMode record = DefaultRecord();
+    DeviceMode record = DefaultDeviceMode();
     CopyText(record.pub.dmFormName, FieldText(L"Before"));
     record.pub.dmPaperSize = static_cast<int16_t>(number);
     record.pub.dmPaperLength = static_cast<int16_t>(length);
@@ -155,18 +64,13 @@ DeviceMode RecordWithPaper(int number, int length = 1000, int width = 500) {
 }  // namespace
 
 TEST_F(Validation, ADefaultRecordGetsItsPurgeDefaultsScaleAndPaperFlags) {
-    RecordBytes expected = DefaultRecordBytes();
-    expected.Put32(72, 0x0001CF0F);
-    expected.Put16(84, 100);
-    expected.Put16(220 + 130, 1);
-    expected.Put16(220 + 132, 5);
-    const DeviceMode validated = Validated(DefaultRecord());
-    EXPECT_TRUE(SameRecord(validated, expected.Record()));
+    const DeviceMode validated = Validated(DefaultDeviceMode());
+    EXPECT_TRUE(SameRecord(validated, ValidDeviceMode()));
     EXPECT_TRUE(SameRecord(Validated(validated), validated)) << "a valid record stays as it is";
 }
 
 TEST_F(Validation, ItsDumpsShowTheRecordBeforeAndAfter) {
-    Validated(DefaultRecord());
+    Validated(DefaultDeviceMode());
     const std::vector<std::string> lines = log_.TakeLines();
     const auto shown = [&lines](const std::string& field) {
         std::vector<std::string> values;
@@ -185,7 +89,7 @@ TEST_F(Validation, ItsDumpsShowTheRecordBeforeAndAfter) {
 }
 
 TEST_F(Validation, ItsStepsAreTraced) {
-    Validated(DefaultRecord());
+    Validated(DefaultDeviceMode());
     EXPECT_THAT(LinesWithDumpsFolded(),
                 ElementsAre("[Trace] <ValidateDevmode>", "[Trace] pdm (before ValidateForm):", "(dump)",
                             "[Trace] <ValidateForm>", "[Trace] </ValidateForm>",
@@ -193,7 +97,7 @@ TEST_F(Validation, ItsStepsAreTraced) {
                             "[Trace] </ValidateDevmode>"));
 }
 
-TEST_F(Validation, EveryPrivateFieldIsHeldInItsRange) {
+TEST_F(Validation, EveryFieldGetsAValidValue) {
     const LogCapture quiet(0);
     for (int32_t value = INT16_MIN; value <= INT16_MAX && !HasFailure(); ++value) CheckFields(2, value);
     for (int32_t value = INT8_MIN; value <= INT8_MAX; ++value) CheckFields(1, value);
@@ -203,7 +107,7 @@ TEST_F(Validation, EveryPrivateFieldIsHeldInItsRange) {
 }
 
 TEST_F(Validation, AStoredAdjustmentOf156IsMinus100) {
-    DeviceMode record = DefaultRecord();
+    DeviceMode record = DefaultDeviceMode();
     record.priv.adj_cyan = static_cast<int8_t>(156);
     record.priv.adj_black = 101;
     const DeviceMode validated = Validated(record);
@@ -211,8 +115,8 @@ TEST_F(Validation, AStoredAdjustmentOf156IsMinus100) {
     EXPECT_EQ(validated.priv.adj_black, 0);
 }
 
-TEST_F(Validation, TheUncheckedPrivateFieldsStay) {
-    DeviceMode record = DefaultRecord();
+TEST_F(Validation, PrivateFieldsThatMayHaveAnyValueKeepTheirs) {
+    DeviceMode record = DefaultDeviceMode();
     record.priv.units = 0xFFFFFFFF;
     record.priv.signature = 0;
     CopyText(record.priv.colorProfile, FieldText(L"neutral.zvp"));
@@ -222,29 +126,17 @@ TEST_F(Validation, TheUncheckedPrivateFieldsStay) {
     EXPECT_EQ(Text(validated.priv.colorProfile), u"neutral.zvp");
 }
 
-TEST_F(Validation, ThePublicFieldsAreHeldInTheirRanges) {
-    const LogCapture quiet(0);
-    for (int value = INT16_MIN; value <= INT16_MAX; ++value) {
-        const auto number = static_cast<int16_t>(value);
-        DeviceMode record = DefaultRecord();
-        record.pub.dmOrientation = number;
-        record.pub.dmPrintQuality = number;
-        record.pub.dmCopies = number;
-        record.pub.dmScale = number;
-        record.pub.dmYResolution = number;
-        record.pub.dmDuplex = number;
-        const DEVMODEW pub = Validated(record).pub;
-        ASSERT_EQ(pub.dmOrientation, value == 2 ? 2 : 1) << value;
-        ASSERT_EQ(pub.dmPrintQuality, value == 600 ? 600 : 300) << value;
-        ASSERT_EQ(pub.dmCopies, value >= 1 && value <= 10000 ? value : 1);
-        ASSERT_EQ(pub.dmScale, 100);
-        ASSERT_EQ(pub.dmYResolution, pub.dmPrintQuality);
-        ASSERT_EQ(pub.dmDuplex, 1);
-    }
+TEST_F(Validation, TheVerticalResolutionFollowsTheHorizontalOne) {
+    DeviceMode record = DefaultDeviceMode();
+    record.pub.dmPrintQuality = 600;
+    EXPECT_EQ(Validated(record).pub.dmYResolution, 600);
+    record.pub.dmPrintQuality = 1200;
+    record.pub.dmYResolution = 600;
+    EXPECT_EQ(Validated(record).pub.dmYResolution, 300);
 }
 
-TEST_F(Validation, ThePublicFieldsThatAreLeftStay) {
-    DeviceMode record = DefaultRecord();
+TEST_F(Validation, PublicFieldsThatMayHaveAnyValueKeepTheirs) {
+    DeviceMode record = DefaultDeviceMode();
     record.pub.dmDefaultSource = 77;
     record.pub.dmColor = 78;
     record.pub.dmTTOption = 79;
@@ -268,7 +160,7 @@ TEST_F(Validation, AStandardSizeBecomesACustomOneOfItsSize) {
     EXPECT_EQ(PaperOf(WithForm(RecordWithPaper(9, 100, 100))), (Paper{256, 2159, 2794, u"Custom"}));
 }
 
-TEST_F(Validation, SizesAreHeldBetweenTheirLimits) {
+TEST_F(Validation, SizesOutsideTheirLimitsAreReplaced) {
     const struct {
         int length, width, validLength, validWidth;
     } kCases[] = {{254, 254, 254, 254},       {253, 253, 2159, 2794},      {9017, 2970, 9017, 2970},
@@ -302,7 +194,7 @@ TEST_F(Validation, ANumberThatSomeoneChangedBringsItsLabelsSizeAndName) {
                             "[Trace] </ReadPrinterLabelList>", "[Trace] </ValidateForm>"));
 }
 
-TEST_F(Validation, ALabelBehind128OthersIsNotFound) {
+TEST_F(Validation, ALabelAfter128OthersIsNotFound) {
     for (uint16_t number = 258; number <= 258 + 128; ++number) AddLabel(number, "Versand", "4", "6", 1);
     EXPECT_EQ(PaperOf(WithForm(RecordWithPaper(258 + 127))), (Paper{258 + 127, 1524, 1016, u"Versand"}));
     EXPECT_EQ(PaperOf(WithForm(RecordWithPaper(258 + 128))), (Paper{258 + 128, 1000, 500, u"Before"}));
@@ -338,7 +230,7 @@ TEST_F(Validation, ALabelsNameIsCutToTheFormNamesField) {
     EXPECT_EQ(validated.priv.labelName, name);
 }
 
-TEST_F(Validation, APrinterThatTellsNothingLeavesTheLabelAlone) {
+TEST_F(Validation, AListThatCannotBeReadLeavesTheLabelAlone) {
     DeviceMode record = RecordWithPaper(300);
     spooler_.FailCall("EnumPrinterKeyW", 1, ERROR_ACCESS_DENIED);
     ValidateForm(&record, handle_);

@@ -1,4 +1,4 @@
-// Device modes as they come from outside, in memory that ends where the record does.
+// Device modes from outside, and what tests compare in them.
 #pragma once
 
 #include <algorithm>
@@ -10,8 +10,8 @@
 
 namespace orvex {
 
-// A record of `publicSize` + `privateSize` bytes, at least the 72 up to dmDriverExtra and not one more, so
-// that a sanitizer sees every access past its end. It holds as much of `values` as fits.
+// A record of `publicSize` + `privateSize` bytes, at least the 72 through dmDriverExtra, with as much of
+// `values` as fits. Its memory ends with it, so that a sanitizer sees every access past its end.
 class ForeignDevMode {
   public:
     ForeignDevMode(WORD publicSize, WORD privateSize, const DeviceMode& values)
@@ -27,15 +27,19 @@ class ForeignDevMode {
     }
 
     DEVMODEW* Record() { return reinterpret_cast<DEVMODEW*>(memory_.get()); }
-    // All its bytes, to see what was written.
+    // Returns all its bytes, to show what was written.
     std::string Bytes() const { return {reinterpret_cast<const char*>(memory_.get()), size_}; }
 
   private:
-    static constexpr size_t kHeaderSize = 72;  // up to and with dmDriverExtra
+    static constexpr size_t kHeaderSize = 72;  // through dmDriverExtra
 
     size_t size_;
     HeapArray<BYTE> memory_;
 };
+
+inline bool SameRecord(const DeviceMode& a, const DeviceMode& b) {
+    return memcmp(&a, &b, sizeof a) == 0;
+}
 
 inline std::u16string Text(const WCHAR* text) {
     return reinterpret_cast<const char16_t*>(text);

@@ -26,7 +26,7 @@ class LabelSizes : public PrinterTest {
         std::vector<LabelSize> labels;
     };
 
-    // The list as a reader with room for `capacity` entries, and not one more, gets it.
+    // Reads the list with room for exactly `capacity` entries.
     List Read(uint32_t capacity = kMaxLabels) {
         const HeapArray<LabelSize> entries = AllocateArray<LabelSize>(capacity);
         uint32_t count = kNoNumber;
@@ -47,7 +47,8 @@ class LabelSizes : public PrinterTest {
         return NextLabelNumber(handle_, number);
     }
 
-    // Bytes of the list of sub-keys as it is allocated: the names, their end and two characters more.
+    // Returns the bytes that are allocated for the list of sub-keys: the names, their end and three
+    // characters.
     static size_t ListBytes(size_t nameCharacters) { return (nameCharacters + 1 + 3) * sizeof(WCHAR); }
 };
 
@@ -61,7 +62,7 @@ LabelSize Label(uint16_t number) {
     return label;
 }
 
-// Answers the question for sub-keys with a broken list: three bytes for one character and a half.
+// Answers the query for sub-keys with a broken list: three bytes, a character and a half.
 DWORD WINAPI AnswerHalfACharacter(HANDLE, LPCWSTR, LPWSTR keys, DWORD size, LPDWORD needed) {
     constexpr char kBytes[] = {'7', 0, '8'};
     *needed = sizeof kBytes;
@@ -104,6 +105,20 @@ TEST_F(LabelSizes, LabelsComeInTheSpoolersOrder) {
     EXPECT_THAT(Names(Read()), ElementsAre("258 first", "259 second", "300 third"));
 }
 
+TEST_F(LabelSizes, ANumberThatIsListedTwiceIsFoundFirstAndLast) {
+    AddLabel(0, "first", "1", "1", 0);
+    printer_.data.AddKey("Label Sizes\\x");  // reads as number 0 too
+    AddLabel(258, "between", "1", "1", 0);
+    const LabelList list(handle_);
+    ASSERT_EQ(list.Count(), 3u);
+    EXPECT_EQ(list.FirstOfNumber(0), list.begin());
+    EXPECT_EQ(list.LastOfNumber(0), list.begin() + 2);
+    EXPECT_STREQ(list.FirstOfNumber(258)->name, "between");
+    EXPECT_EQ(list.LastOfNumber(258), list.FirstOfNumber(258));
+    EXPECT_EQ(list.FirstOfNumber(259), nullptr);
+    EXPECT_EQ(list.LastOfNumber(259), nullptr);
+}
+
 TEST_F(LabelSizes, AFailureToEnumerateIsTheResultAndLogged) {
     spooler_.FailCall("EnumPrinterKeyW", 1, ERROR_ACCESS_DENIED);
     EXPECT_EQ(Read().code, DWORD{ERROR_ACCESS_DENIED});
@@ -133,7 +148,7 @@ TEST_F(LabelSizes, AFailureOfTheSecondEnumerationIsTheResultAndLogged) {
                                           "[Error] Could not read label list from registry: 0x2"));
 }
 
-TEST_F(LabelSizes, ShortMemoryForTheListIsLoggedAsAFailureToRead) {
+TEST_F(LabelSizes, RunningOutOfMemoryForTheListIsLoggedAsAFailureToRead) {
     AddLabel(258, "Versand", "1", "1", 0);
     const AllocationFailure memory(ListBytes(4));
     EXPECT_EQ(Read().code, DWORD{ERROR_NOT_ENOUGH_MEMORY});
@@ -252,7 +267,7 @@ TEST_F(LabelSizes, TextsThatFillTheirFieldWithoutTerminatorAreEnded) {
     EXPECT_EQ(label.length, "12"s);
 }
 
-TEST_F(LabelSizes, APrinterThatDoesNotOpenIsTheReadersAndTheWritersResult) {
+TEST_F(LabelSizes, TheCodeOfAPrinterThatDoesNotOpenIsReturned) {
     AddLabel(258, "Versand", "1", "1", 0);
     LabelSize label;
     spooler_.FailCall("OpenPrinterW", 1, ERROR_ACCESS_DENIED);

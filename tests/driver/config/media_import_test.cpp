@@ -27,7 +27,7 @@ class MediaImport : public PrinterTest {
         return ImportMediaFile(handle_, folder.get());
     }
 
-    // The labels that an import of `text` gives an empty printer: "number name|width|length|units".
+    // Returns the labels that an import of `text` gives an empty printer: "number name|width|length|units".
     std::vector<std::string> Import(std::string_view text) {
         printer_.data = {};
         installation_.Write("media.inf", text);
@@ -49,7 +49,7 @@ class MediaImport : public PrinterTest {
 
 }  // namespace
 
-TEST_F(MediaImport, EachLineBehindTheSectionIsOneLabel) {
+TEST_F(MediaImport, EachLineAfterTheSectionIsOneLabel) {
     EXPECT_THAT(Import("[Media]\r\n\"Versand\", \"100\", \"150\", 0\r\n\"4 x 6\", \"4\", \"6\", 1\r\n"),
                 ElementsAre("258 Versand|100|150|0", "259 4 x 6|4|6|1"));
 }
@@ -59,20 +59,20 @@ TEST_F(MediaImport, LinesEndInLineFeedsToo) {
                 ElementsAre("258 A|1|2|0", "259 B|3|4|2"));
 }
 
-TEST_F(MediaImport, ReadingStartsAtTheFirstSectionWhereverItStands) {
+TEST_F(MediaImport, ReadingStartsAtTheFirstSectionWhereverItIs) {
     EXPECT_THAT(
         Import("\"X\",\"1\",\"1\",0\n; sizes [Media] \"Y\",\"1\",\"1\",0\n\"A\",\"1\",\"2\",0\n[Media]\n"),
         ElementsAre("258 A|1|2|0"));
 }
 
-TEST_F(MediaImport, WithoutTheSectionThereIsNothing) {
+TEST_F(MediaImport, AFileWithoutTheSectionAddsNothing) {
     EXPECT_THAT(Import("\"A\",\"1\",\"2\",0\n"), IsEmpty());
     EXPECT_THAT(Import("[media]\n\"A\",\"1\",\"2\",0\n"), IsEmpty());
     EXPECT_THAT(Import("[Media]"), IsEmpty());
     EXPECT_THAT(Import("[Media]\n"), IsEmpty());
 }
 
-TEST_F(MediaImport, BlanksTabsAndCommasMayStandBeforeEachPart) {
+TEST_F(MediaImport, BlanksTabsAndCommasMayPrecedeEachPart) {
     EXPECT_THAT(Import("[Media]\n ,\t\"A\"\t,, \"1\"\"2\",,\t 1 comment\n\"B\"\"1\"\"2\"1\n"),
                 ElementsAre("258 A|1|2|1", "259 B|1|2|1"));
 }
@@ -168,7 +168,7 @@ TEST_F(MediaImport, ASecondImportDoesNothing) {
     EXPECT_EQ(printer_.data, before);
 }
 
-TEST_F(MediaImport, WithoutAPrinterEachLabelIsAnError) {
+TEST_F(MediaImport, EachLabelIsAnErrorWithoutAPrinter) {
     installation_.Write("media.inf", "[Media]\n\"A\",\"1\",\"2\",0\n\"B\",\"3\",\"4\",1\n");
     const HeapArray<WCHAR> folder = GetInstallationFolder();
     EXPECT_EQ(ImportMediaFile(nullptr, folder.get()), 1);

@@ -18,7 +18,7 @@ class PrinterTest : public testing::Test {
   protected:
     PrinterTest() { spooler_.Attach(); }
 
-    // Whatever a test does, the driver has closed what it opened, and only that.
+    // The driver must have closed every handle that it opened, and no other.
     void TearDown() override {
         EXPECT_EQ(spooler_.OpenHandles(), 1u);
         EXPECT_THAT(spooler_.Misuses(), testing::IsEmpty());
@@ -35,14 +35,14 @@ class PrinterTest : public testing::Test {
         printer_.data.SetNumber(key, "units", units);
     }
 
-    // The log's lines of the levels Error and Info since the last call.
+    // Returns the log's lines of the levels Error and Info since the last call.
     std::vector<std::string> ErrorLines() {
         std::vector<std::string> lines = log_.TakeLines();
         std::erase_if(lines, [](const std::string& line) { return line.starts_with("[Trace]"); });
         return lines;
     }
 
-    // The log's lines since the last call, without those of the operation `name`.
+    // Returns the log's lines since the last call, without those of the operation `name`.
     std::vector<std::string> LinesOutside(const std::string& name) {
         std::vector<std::string> kept;
         bool inside = false;
@@ -54,7 +54,7 @@ class PrinterTest : public testing::Test {
         return kept;
     }
 
-    // The log's lines since the last call, each dump of a record folded into "(dump)".
+    // Returns the log's lines since the last call, with each dump of a record folded into "(dump)".
     std::vector<std::string> LinesWithDumpsFolded() {
         std::vector<std::string> kept;
         bool inside = false;
@@ -68,7 +68,7 @@ class PrinterTest : public testing::Test {
         return kept;
     }
 
-    // One field of each record dumped since the last call, behind the dump's caption: "pdmIn: 7".
+    // Returns a field of each record dumped since the last call, after the dump's caption: "pdmIn: 7".
     std::vector<std::string> DumpedField(const std::string& name) {
         std::vector<std::string> dumped;
         std::string caption;

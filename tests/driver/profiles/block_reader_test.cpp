@@ -67,11 +67,13 @@ class BlockReaderTest : public testing::Test {
 
 TEST_F(BlockReaderTest, ReadsAcrossItsBlocks) {
     EXPECT_EQ(reader_->Size(), static_cast<int64_t>(kFileSize));
-    ExpectRead(30000, 0, 30000);
-    ExpectRead(5000, 30000, 5000);
-    ExpectRead(100, 35000, 100);
-    ExpectRead(32768, 35100, 32768);
-    ExpectRead(40000, 67868, 32132);
+    static_assert(BlockReader::kBlock == 8192);
+    ExpectRead(8000, 0, 8000);
+    ExpectRead(300, 8000, 300);
+    ExpectRead(100, 8300, 100);
+    ExpectRead(8192, 8400, 8192);
+    ExpectRead(40000, 16592, 40000);
+    ExpectRead(50000, 56592, 43408);
     ExpectRead(1, kFileSize, 0);
     EXPECT_FALSE(reader_->Failed());
 }

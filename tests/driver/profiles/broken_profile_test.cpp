@@ -1,5 +1,6 @@
 #include <functional>
 
+#include "driver/profiles/block_reader.h"
 #include "tests/driver/profiles/profile_fixture.h"
 
 namespace orvex {
@@ -10,7 +11,8 @@ using testing::ElementsAre;
 
 namespace {
 
-constexpr size_t kBlock = 32768;  // bytes of one read
+constexpr size_t kBlock = BlockReader::kBlock;
+constexpr size_t kPiece = 32768;  // bytes of a plane that are read at once
 
 // Lets a number of calls of ReadFile or of SetFilePointerEx pass, and fails those that follow.
 class CallsCounted {
@@ -336,7 +338,7 @@ TEST_F(BrokenProfile, LogsHowManyBytesCameBeforeAReadThatFailed) {
     ExpectFailure(3, "ReadFile", 1, 0);
     ExpectFailure(3, "ReadFile", 4, 3 * kBlock);
     ExpectFailure(4, "ReadFile", 4, 3 * kBlock);
-    ExpectFailure(4, "ReadFile", 1 + 255, 255 * kBlock);
+    ExpectFailure(4, "ReadFile", 1 + 1023, 1023 * kBlock);
     ExpectFailure(5, "ReadFile", 1, 0);
 }
 
@@ -345,8 +347,8 @@ TEST_F(BrokenProfile, LogsHowManyBytesOfAllPlanesCameBeforeAFailure) {
     for (const int blocks : {0, 3}) {
         for (int plane = 0; plane < 4; ++plane) {
             const int came = 4 * blocks + plane;
-            ExpectFailure(2, "ReadFile", 1 + came, came * kBlock);
-            ExpectFailure(2, "SetFilePointerEx", 1 + came, came * kBlock);
+            ExpectFailure(2, "ReadFile", 1 + came, came * kPiece);
+            ExpectFailure(2, "SetFilePointerEx", 1 + came, came * kPiece);
         }
     }
 }

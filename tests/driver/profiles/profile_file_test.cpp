@@ -1,3 +1,4 @@
+#include "driver/profiles/block_reader.h"
 #include "tests/driver/profiles/profile_fixture.h"
 
 namespace orvex {
@@ -62,11 +63,13 @@ TEST_F(ProfileFile, OfVersion5StoresBlueSlowestAndRedFastest) {
     EXPECT_EQ(g_colorCache[0x00FFFF], 55u);
 }
 
-TEST_F(ProfileFile, IsReadWithFewReads) {
+TEST_F(ProfileFile, IsReadInWholeBlocks) {
     const std::string large = (folder_.Path() / "large.zvp").string();
     const std::string compact = PathOf(SmallProfile(NameTag("n")));
     WriteLargeProfile(large, 4, NameTag("n"));
-    for (const auto& [path, most] : {std::pair{compact, 3u}, std::pair{large, 260u}}) {
+    // One block with the head, then the colors of one variant: 19,652 bytes, or 8 MiB.
+    static_assert(BlockReader::kBlock == 8192);
+    for (const auto& [path, most] : {std::pair{compact, 1 + 3u}, std::pair{large, 1 + 1024u}}) {
         const FileWatch watch;
         EXPECT_GT(zvc_load_profile(path.c_str(), kResolution600, &code_, name_, sizeof name_), 0);
         EXPECT_EQ(watch.Opened(), 1u);

@@ -85,7 +85,7 @@ TEST(PageLayout, FillsTheHeadWidthEvenlyAroundACenteredImage) {
     ExpectPlacement(odd.placed, 0, 1009, 1010);
 }
 
-TEST(PageLayout, PutsTheWholeFillBehindOrBeforeAnAlignedImage) {
+TEST(PageLayout, PutsTheWholeFillAfterOrBeforeAnAlignedImage) {
     ExpectPlacement(ComputePageLayout(FullWidth600(5000, 2)).placed, 0, 0, 2020);
     ExpectPlacement(ComputePageLayout(FullWidth600(5000, 0)).placed, 0, 2020, 0);
     ExpectPlacement(ComputePageLayout(FullWidth600(5001, 2)).placed, 0, 0, 2019);
@@ -118,7 +118,7 @@ TEST(PageLayout, AddsALeadingPurgeBar) {
     EXPECT_EQ(layout.imageWUnits, 12 * (3543 + 62));
 }
 
-TEST(PageLayout, AddsATrailingPurgeBarWithWholePixelsPerMillimetre) {
+TEST(PageLayout, AddsATrailingPurgeBarWithWholePixelsPerMillimeter) {
     PageLayoutInput input = Portrait600();
     input.dpi = 300;
     input.purgeBar = 2;
@@ -129,7 +129,7 @@ TEST(PageLayout, AddsATrailingPurgeBarWithWholePixelsPerMillimetre) {
     EXPECT_EQ(layout.purgeLead, 0);
 }
 
-TEST(PageLayout, Has25Point4MillimetresToTheInch) {
+TEST(PageLayout, Has25Point4MillimetersToTheInch) {
     PageLayoutInput input = Portrait600();
     input.dpi = 254;
     input.purgeBar = 1;
@@ -147,7 +147,7 @@ TEST(PageLayout, TakesNoPurgeDotsWithoutAPurgeBar) {
     EXPECT_EQ(layout.rowWidth, layout.imageWidth);
 }
 
-TEST(PageLayout, MakesTheEnginePageAsLongAsACenteredImageElseTheFullLength) {
+TEST(PageLayout, MakesTheEnginePageAsLongAsACenteredImageOrFullLength) {
     PageLayoutInput input = Portrait600();
     EXPECT_EQ(ComputePageLayout(input).pageLengthUnits, 30744);
     input.alignment = 0;
@@ -165,7 +165,7 @@ TEST(PageLayout, PlacesAnImageAtTheFarEndOfTheHead) {
     ExpectPlacement(ComputePageLayout(input).placed, 0, 0, 0);
 }
 
-TEST(PageLayout, TurnsThePrintHeadOffsetRound) {
+TEST(PageLayout, ReversesTheSignOfThePrintHeadOffset) {
     PageLayoutInput input = Portrait600();
     input.dpi = 300;
     input.phHOffset = 10;
@@ -283,7 +283,7 @@ TEST(PageLayout, GrowsBothFillsOfACenteredFullWidthPageByTheSameSignedAmount) {
     ExpectPlacement(ComputePageLayout(input).placed, 0, 1055, 1056);
 }
 
-TEST(PageLayout, MovesByASinglePixelToo) {
+TEST(PageLayout, MovesByASinglePixel) {
     PageLayoutInput input = FullWidth600(5000, 2);
     input.phHOffset = -1;
     ExpectPlacement(ComputePageLayout(input).placed, 0, 1, 2019);
@@ -339,7 +339,7 @@ TEST(PageLayout, LaysOutTheLargestPage) {
     ExpectPlacement(layout.placed, 0, 2 + 2361, 2 + 2361);
 }
 
-// 3276.7 mm either way: as long as a label of the printer's list can say that it is.
+// 3276.7 mm on both sides: the largest size that a label of the printer's list can have.
 TEST(PageLayout, LaysOutTheLargestLabelWithoutWrapping) {
     PageLayoutInput input = Portrait600();
     input.bitmapWidth = input.bitmapHeight = 77402;

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "tests/driver/render/plain_page.h"
 #include "tests/kit/allocation_failure.h"
+#include "tests/plain/page_order.h"
 
 namespace orvex {
 
@@ -17,7 +17,7 @@ namespace {
 
 constexpr uint32_t kColorBits = 0x00FFFFFF;
 
-// A bitmap of random pixels in a heap block that ends where its last scan line ends.
+// A bitmap of random pixels in a heap block that ends with its last scan line.
 struct Page {
     Page(int32_t w, int32_t h, int32_t bytesPerPixel, ptrdiff_t padding = 0)
         : width(w), height(h), pixelBytes(bytesPerPixel), stride(w * bytesPerPixel + padding) {
@@ -50,7 +50,7 @@ void ExpectRows(const Page& page, RowOrder order) {
     for (int32_t row = 0; row < reader.RowCount(); ++row) {
         const uint32_t* pixels = reader.Row(row);
         for (int32_t i = 0; i < reader.RowWidth(); ++i) {
-            ASSERT_EQ(pixels[i] & kColorBits, PlainPixel(page, order, row, i))
+            ASSERT_EQ(pixels[i] & kColorBits, plain::PagePixel(page, order, row, i))
                 << "row " << row << " pixel " << i;
         }
     }
@@ -69,7 +69,7 @@ std::vector<RowOrder> AllOrders() {
 
 }  // namespace
 
-TEST(PageRows, ReadEveryOrientationOfPagesOfManySizes) {
+TEST(PageRows, ComeInEveryOrderForPagesOfManySizes) {
     for (const RowOrder order : AllOrders()) {
         for (const int32_t width : {1, 2, 3, 15, 16, 17, 31, 32, 33, 64, 100}) {
             for (const int32_t height : {1, 2, 3, 4, 5, 7, 8, 37}) {
@@ -81,7 +81,7 @@ TEST(PageRows, ReadEveryOrientationOfPagesOfManySizes) {
     }
 }
 
-TEST(PageRows, ReadEveryOrientationOfPagesOfSeveralBands) {
+TEST(PageRows, ComeInEveryOrderForPagesOfSeveralBands) {
     for (const RowOrder order : AllOrders()) {
         for (const int32_t width : {127, 128, 129, 130, 192, 193}) {
             for (const int32_t height : {47, 48, 49}) {
@@ -93,7 +93,7 @@ TEST(PageRows, ReadEveryOrientationOfPagesOfSeveralBands) {
     }
 }
 
-TEST(PageRows, ReadBitmapsWhoseLastScanLineComesFirst) {
+TEST(PageRows, OfABottomUpBitmapComeFromItsTopScanLine) {
     for (const RowOrder order : AllOrders()) {
         for (const int32_t bytesPerPixel : {3, 4}) {
             SCOPED_TRACE(Name(order) + " of " + std::to_string(bytesPerPixel) + " bytes");
@@ -104,7 +104,7 @@ TEST(PageRows, ReadBitmapsWhoseLastScanLineComesFirst) {
     }
 }
 
-TEST(PageRows, HonourScanLinesWithPadding) {
+TEST(PageRows, SkipThePaddingOfScanLines) {
     for (const RowOrder order : AllOrders()) {
         SCOPED_TRACE(Name(order));
         ExpectRows(Page(37, 19, 4, 12), order);
@@ -120,13 +120,13 @@ TEST(PageRows, CanBeReadInAnyOrderAndAgain) {
     for (const int32_t row : {0, 49, 0, 17, 33, 1, 0, 48}) {
         const uint32_t* pixels = reader.Row(row);
         for (int32_t i = 0; i < reader.RowWidth(); ++i) {
-            ASSERT_EQ(pixels[i] & kColorBits, PlainPixel(page, order, row, i))
+            ASSERT_EQ(pixels[i] & kColorBits, plain::PagePixel(page, order, row, i))
                 << "row " << row << " pixel " << i;
         }
     }
 }
 
-TEST(PageRows, OfARotatedMirroredPortraitPageBeginBehindTheLastColumn) {
+TEST(PageRows, OfARotatedMirroredPortraitPageBeginAfterTheLastColumn) {
     const Page page(5, 3, 4);
     RowReader reader(page.Bitmap(), {false, true, true});
     const uint32_t* first = reader.Row(0);
@@ -137,13 +137,13 @@ TEST(PageRows, OfARotatedMirroredPortraitPageBeginBehindTheLastColumn) {
     EXPECT_EQ(second[0] & kColorBits, page.Pixel(4, 2));
 }
 
-TEST(PageRows, SetTheFourthByteOf24BitPixelsToZero) {
+TEST(PageRows, HaveAZeroFourthByteForPixelsOf24Bits) {
     const Page page(3, 2, 3);
     RowReader reader(page.Bitmap(), {true, false, false});
     EXPECT_EQ(reader.Row(1)[2], page.Pixel(2, 1));
 }
 
-TEST(PageRows, OfAnEmptyPageAreNone) {
+TEST(PageRows, DoNotExistOnAnEmptyPage) {
     for (const RowOrder order : AllOrders()) {
         RowReader reader(Page(0, 0, 4).Bitmap(), order);
         EXPECT_TRUE(reader);
@@ -151,12 +151,13 @@ TEST(PageRows, OfAnEmptyPageAreNone) {
     }
 }
 
-// Four bytes for each pixel of a row, which takes whole cache lines and one more.
+// Returns the bytes between two rows of a band: four for each pixel, in an odd number of cache lines.
 size_t RowBytes(int32_t pixels) {
-    return static_cast<size_t>((pixels + 15) / 16 * 16 + 16) * 4;
+    const size_t lines = static_cast<size_t>(pixels + 15) / 16;
+    return 64 * (lines + (lines % 2 == 0 ? 1 : 0));
 }
 
-TEST(PageRows, TakeTheMemoryOf64ColumnsOrOfAScanLine) {
+TEST(PageRows, TakeTheMemoryOf64ColumnsOrOneScanLine) {
     for (const int32_t side : {1, 15, 16, 17, 100}) {
         for (const RowOrder order : AllOrders()) {
             const Page page(side, side, 4);
@@ -183,11 +184,11 @@ TEST(PageRows, OfAPlainLandscapePageLieInTheBitmapItself) {
     EXPECT_EQ(static_cast<const void*>(reader.Row(1)), page.bytes.data() + page.stride);
 }
 
-TEST(PageRows, TellThatTheyRepeatOnlyWhenTheyHoldThePixelsOfTheRowBefore) {
+TEST(PageRows, RepeatOnlyWithThePixelsOfTheRowBefore) {
     for (const RowOrder order : AllOrders()) {
         for (const int32_t bytesPerPixel : {3, 4}) {
             SCOPED_TRACE(Name(order) + " " + std::to_string(bytesPerPixel));
-            // Every third line and column is like the one before it, as far as they cross.
+            // Lines or columns come in threes that are alike.
             Page page(70, 41, bytesPerPixel);
             for (int32_t y = 0; y < page.height; ++y) {
                 for (int32_t x = 0; x < page.width; ++x) {
@@ -213,7 +214,7 @@ TEST(PageRows, TellThatTheyRepeatOnlyWhenTheyHoldThePixelsOfTheRowBefore) {
 }
 
 TEST(PageRows, DoNotRepeatARowOfAnotherBand) {
-    // Columns of two colours, so that a column is often like one that lies a band further on.
+    // The columns have two colors, so a column is often like one in the next band.
     Page page(400, 20, 4);
     std::mt19937 random(1);
     std::vector<uint8_t> colors(400);
@@ -231,7 +232,7 @@ TEST(PageRows, DoNotRepeatARowOfAnotherBand) {
     }
 }
 
-TEST(PageRows, BehindTheLastColumnRepeatNoneAndAreNotTakenForAnother) {
+TEST(PageRows, AfterTheLastColumnNeverRepeatAndAreNeverMistakenForOthers) {
     Page page(80, 20, 4);
     std::fill(page.bytes.begin(), page.bytes.end(), uint8_t{0x5A});
     for (int32_t y = 0; y < page.height; ++y) memset(page.bytes.data() + y * page.stride, 0x11, 4);
@@ -241,7 +242,7 @@ TEST(PageRows, BehindTheLastColumnRepeatNoneAndAreNotTakenForAnother) {
     for (const int32_t row : {15, 14, 0, 16, 0, 16}) {
         const uint32_t* pixels = reader.Row(row);
         for (int32_t i = 0; i < reader.RowWidth(); ++i) {
-            ASSERT_EQ(pixels[i] & kColorBits, PlainPixel(page, order, row, i)) << row;
+            ASSERT_EQ(pixels[i] & kColorBits, plain::PagePixel(page, order, row, i)) << row;
         }
         EXPECT_EQ(reader.Repeats(), row == 14);
     }
@@ -270,7 +271,7 @@ TEST(PageRows, ThatDifferInOnePixelDoNotRepeat) {
     }
 }
 
-TEST(PageRows, RepeatRightlyWhereScanLinesAreNotAligned) {
+TEST(PageRows, OfUnalignedScanLinesRepeatToo) {
     Page page(27, 32, 4, 6);
     std::fill(page.bytes.begin(), page.bytes.end(), uint8_t{0x5A});
     for (const RowOrder order : AllOrders()) {

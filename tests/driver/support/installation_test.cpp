@@ -5,6 +5,7 @@
 #include <cstring>
 #include <string>
 
+#include "driver/support/handle.h"
 #include "driver/support/text.h"
 #include "platform/shell.h"
 #include "tests/kit/allocation_failure.h"
@@ -16,7 +17,7 @@ namespace orvex {
 using namespace tools;
 namespace {
 
-// What the replaced functions answer; one test runs at a time.
+// The answers of the replaced functions; one test runs at a time.
 struct {
     const WCHAR* folder;
     DWORD folderError;
@@ -52,45 +53,6 @@ class InstallationFolder : public testing::Test {
     }
 
     ImportPatch patch_{nullptr, "SHGetSpecialFolderPathW", reinterpret_cast<void*>(&AnswerFolder)};
-};
-
-struct {
-    DWORD needed;
-    BOOL result;
-    const WCHAR* name;
-    int calls;
-} driver;
-
-BOOL WINAPI AnswerDriver(HANDLE printer, LPWSTR environment, DWORD level, LPBYTE buffer, DWORD size,
-                         LPDWORD needed) {
-    EXPECT_EQ(printer, reinterpret_cast<HANDLE>(0x1234));
-    EXPECT_EQ(environment, nullptr);
-    EXPECT_EQ(level, 3u);
-    *needed = driver.needed;
-    if (driver.calls++ == 0) {
-        EXPECT_EQ(buffer, nullptr);
-        EXPECT_EQ(size, 0u);
-        return FALSE;
-    }
-    EXPECT_EQ(size, driver.needed);
-    DRIVER_INFO_3W info = {};
-    info.pName = const_cast<WCHAR*>(driver.name);
-    memcpy(buffer, &info, sizeof info);
-    return driver.result;
-}
-
-class PrinterDriverName : public testing::Test {
-  protected:
-    PrinterDriverName() { driver = {kInfoBytes, TRUE, L"Orvex Series", 0}; }
-
-    static constexpr DWORD kInfoBytes = sizeof(DRIVER_INFO_3W) + 72;
-
-    std::u16string Name() {
-        const HeapArray<WCHAR> name = GetPrinterDriverName(reinterpret_cast<HANDLE>(0x1234));
-        return name ? reinterpret_cast<const char16_t*>(name.get()) : u"(none)";
-    }
-
-    ImportPatch patch_{nullptr, "GetPrinterDriverW", reinterpret_cast<void*>(&AnswerDriver)};
 };
 
 }  // namespace
@@ -131,7 +93,7 @@ TEST_F(InstallationFolder, AFolderThatCannotBeAppendedIs0x20010009) {
     EXPECT_EQ(Folder(), u"c:\\ProgramData|Quorvane|Orvex Series");
 }
 
-TEST_F(InstallationFolder, ShortMemoryIs0x20010001) {
+TEST_F(InstallationFolder, RunningOutOfMemoryIs0x20010001) {
     const AllocationFailure memory(MAX_PATH * sizeof(WCHAR));
     EXPECT_EQ(Folder(), u"(none)");
     EXPECT_EQ(GetLastError(), 0x20010001u);
@@ -161,55 +123,6 @@ TEST(InstallationFile, IsNotLookedForWithoutAFolder) {
                            }));
     EXPECT_EQ(OpenInstallationFile(nullptr, L"media.inf"), INVALID_HANDLE_VALUE);
     EXPECT_FALSE(looked);
-}
-
-TEST_F(PrinterDriverName, IsCopiedFromTheDriversRecord) {
-    EXPECT_EQ(Name(), u"Orvex Series");
-    EXPECT_EQ(driver.calls, 2);
-}
-
-TEST_F(PrinterDriverName, IsUnknownWhenTheFillingCallFails) {
-    driver.result = FALSE;
-    EXPECT_EQ(Name(), u"(none)");
-}
-
-TEST_F(PrinterDriverName, IsUnknownWhenTheFillingCallAnswers1797) {
-    driver.result = 1797;
-    EXPECT_EQ(Name(), u"(none)");
-    driver.calls = 0;
-    driver.result = 1796;
-    EXPECT_EQ(Name(), u"Orvex Series") << "any other result is a success";
-}
-
-TEST_F(PrinterDriverName, IsUnknownWhenTheSpoolerNeedsNoRoomForIt) {
-    driver.needed = 0;
-    EXPECT_EQ(Name(), u"(none)");
-    EXPECT_EQ(driver.calls, 1);
-}
-
-TEST_F(PrinterDriverName, MayLieOutsideTheRecord) {
-    driver.needed = sizeof(DRIVER_INFO_3W);
-    EXPECT_EQ(Name(), u"Orvex Series");
-    driver.calls = 0;
-    driver.needed = sizeof(DRIVER_INFO_3W) - 1;
-    EXPECT_EQ(Name(), u"(none)");
-}
-
-TEST_F(PrinterDriverName, IsUnknownWhenTheRecordHasNone) {
-    driver.name = nullptr;
-    EXPECT_EQ(Name(), u"(none)");
-}
-
-TEST_F(PrinterDriverName, IsUnknownWhenMemoryIsShort) {
-    {
-        const AllocationFailure memory(kInfoBytes);
-        EXPECT_EQ(Name(), u"(none)");
-        EXPECT_EQ(memory.Count(), 1);
-    }
-    driver.calls = 0;
-    const AllocationFailure memory(sizeof u"Orvex Series");
-    EXPECT_EQ(Name(), u"(none)");
-    EXPECT_EQ(memory.Count(), 1);
 }
 
 }  // namespace orvex

@@ -16,7 +16,7 @@ inline std::filesystem::path Backup(int number) {
     return LogFile().replace_extension(std::to_string(number) + ".txt");
 }
 
-// Clears away what a test of the backups leaves.
+// Removes the backups that a test leaves.
 class BackupsRemoved {
   public:
     BackupsRemoved() { Remove(); }

@@ -123,7 +123,7 @@ TEST(LogFormat, WritesLongTextsOfWideCharacters) {
         expected += "\xE2\x82\xAC";
     }
     EXPECT_EQ(Format("%S", WideView{reinterpret_cast<const WCHAR*>(text.data()), text.size()}), expected);
-    // A pair across the place where most texts are cut, behind as many bytes as there can be.
+    // The surrogate pair is where the text is cut, after as many bytes as there can be.
     text.replace(63, 1, u"\xD83D\xDE00");
     expected.replace(63 * 3, 3, "\xF0\x9F\x98\x80");
     EXPECT_EQ(Format("%S", WideView{reinterpret_cast<const WCHAR*>(text.data()), text.size()}), expected);

@@ -113,7 +113,7 @@ TEST(LogMask, StaysInForceWhileItIsReadAnew) {
     const ImportPatch patch(nullptr, "ReadFile", reinterpret_cast<void*>(&NoteMaskAndRead));
     readFile = patch.Original();
     LoadLogMask();
-    EXPECT_EQ(maskInForce, 3u);  // a thread that prints meanwhile loses no line
+    EXPECT_EQ(maskInForce, 3u) << "a thread that logs meanwhile loses no line";
     EXPECT_EQ(logMask, 1u);
 }
 

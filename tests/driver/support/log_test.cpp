@@ -7,6 +7,7 @@
 #include <sstream>
 #include <thread>
 
+#include "driver/support/log_path.h"
 #include "tests/driver/support/log_files.h"
 #include "tests/driver/support/open_watch.h"
 #include "tests/kit/scratch_folder.h"
@@ -24,15 +25,15 @@ using testing::StartsWith;
 
 namespace {
 
-// Path of the log as the driver writes it.
+// Returns the path of the log as the driver writes it.
 std::string LogPathText() {
     return GetLogPath().get();
 }
 
-// Puts a link to a file into another place; false when the system can't.
+// Makes a link to a file. Returns false when the system can't.
 bool MakeLink(const fs::path& place, const fs::path& target) {
 #ifdef _WIN32
-    // Wine's says that it made one, but does not.
+    // Under Wine the call succeeds, but makes no link.
     return CreateSymbolicLinkW(place.c_str(), target.c_str(), 0) != 0 && fs::is_symlink(place);
 #else
     std::error_code failed;
@@ -47,7 +48,7 @@ TEST(LogPath, IsTheModuleNameWithTxtInTheFixedFolder) {
     EXPECT_THAT(LogPathText(), AllOf(StartsWith("c:\\temp\\"), EndsWith(".txt")));
 }
 
-#define MODULE_NAME_DOUBLE(name, text, code)                          \
+#define MODULE_NAME(name, text, code)                                 \
     DWORD WINAPI name(HMODULE, LPSTR buffer, DWORD capacity) {        \
         const char* path = text;                                      \
         const DWORD length = static_cast<DWORD>(strlen(path));        \
@@ -57,14 +58,14 @@ TEST(LogPath, IsTheModuleNameWithTxtInTheFixedFolder) {
     }
 
 namespace {
-MODULE_NAME_DOUBLE(PlainModule, "c:\\windows\\system32\\driver.dll", 0)
-MODULE_NAME_DOUBLE(ModuleWithoutFolder, "driver.dll", 0)
-MODULE_NAME_DOUBLE(FailingModule, "c:\\windows\\driver.dll", ERROR_INSUFFICIENT_BUFFER)
+MODULE_NAME(PlainModule, "c:\\windows\\system32\\driver.dll", 0)
+MODULE_NAME(ModuleWithoutFolder, "driver.dll", 0)
+MODULE_NAME(FailingModule, "c:\\windows\\driver.dll", ERROR_INSUFFICIENT_BUFFER)
 }  // namespace
 
-TEST(LogPath, OfDriverDllIsDriverTxt) {
+TEST(LogPath, IsDriverTxtForDriverDll) {
     const ImportPatch patch(nullptr, "GetModuleFileNameA", reinterpret_cast<void*>(&PlainModule));
-    SetLastError(ERROR_GEN_FAILURE);  // left over from elsewhere; it must not matter
+    SetLastError(ERROR_GEN_FAILURE);  // an earlier error must not matter
     EXPECT_EQ(LogPathText(), "c:\\temp\\driver.txt");
 }
 
@@ -73,7 +74,7 @@ TEST(LogPath, IsMissingForAModuleNameWithoutABackslash) {
     EXPECT_EQ(GetLogPath(), nullptr);
 }
 
-TEST(LogPath, IsMissingWhenTheModuleNameCannotBeHad) {
+TEST(LogPath, IsMissingWithoutTheModuleName) {
     const ImportPatch patch(nullptr, "GetModuleFileNameA", reinterpret_cast<void*>(&FailingModule));
     EXPECT_EQ(GetLogPath(), nullptr);
 }
@@ -126,7 +127,7 @@ TEST(LogWriter, StampsEachLineWithUtcTimeAndThread) {
     EXPECT_EQ(line.substr(thread), "9] [Info]  stamped\n");
 }
 
-TEST(LogWriter, KeepsTheLastErrorThatTheCallerSees) {
+TEST(LogWriter, PreservesTheLastErrorOfTheCaller) {
     const LogCapture log;
     for (int i = 0; i < 2; ++i) {
         SetLastError(ERROR_INVALID_PARAMETER);
@@ -172,20 +173,20 @@ TEST(LogWriter, LosesTheLineWhenTheLogCannotBeOpenedAndLeavesTheMutexOwned) {
     fs::create_directory(LogFile());
     WriteOneLine();
     fs::remove(LogFile());
-    EXPECT_TRUE(ReleaseMutex(MutexWatch::last));  // it was ours
-    EXPECT_TRUE(CloseHandle(MutexWatch::last));   // and open
+    EXPECT_TRUE(ReleaseMutex(MutexWatch::last));  // this thread owned it
+    EXPECT_TRUE(CloseHandle(MutexWatch::last));   // and its handle was open
     WriteOneLine();
     EXPECT_THAT(log.TakeLines(), ElementsAre("[Error] line"));
     EXPECT_FALSE(CloseHandle(MutexWatch::last));  // a line that was written closes it
 }
 
-TEST(LogWriter, DoesTheSameWhenTheLogCannotBeOpenedAfterItsRotation) {
+TEST(LogWriter, LosesTheLineWhenTheLogCannotBeOpenedAfterItsRotation) {
     const BackupsRemoved backups;
     LogCapture log;
     MakeLogOfSize(kMaxLogBytes + 1);
     const MutexWatch watch;
     {
-        // In place of the log, which was moved away, there is a folder by the time that it is opened anew.
+        // A folder takes the place of the log that is moved away.
         const ImportPatch move(nullptr, "MoveFileA",
                                reinterpret_cast<void*>(+[](LPCSTR, LPCSTR) WINAPI -> BOOL {
                                    fs::rename(LogFile(), Backup(1));
@@ -198,7 +199,7 @@ TEST(LogWriter, DoesTheSameWhenTheLogCannotBeOpenedAfterItsRotation) {
     EXPECT_TRUE(CloseHandle(MutexWatch::last));
 }
 
-TEST(LogWriter, DropsTheLineWhenAnotherThreadHoldsTheMutex) {
+TEST(LogWriter, DropsTheLineWhenAnotherThreadOwnsTheMutex) {
     LogCapture log;
     std::string name = LogPathText();
     std::replace(name.begin(), name.end(), '\\', '/');
@@ -225,7 +226,7 @@ TEST(LogWriter, DropsOneLineAfterAThreadThatEndedWithTheMutexAndGoesOn) {
 
 namespace {
 
-// Writes down, in order, which thread took the log's mutex. The mutex itself guards the list.
+// Records the order in which threads take the log's mutex, which guards the record itself.
 class TurnWatch {
   public:
     TurnWatch() : patch_(nullptr, "WaitForSingleObject", reinterpret_cast<void*>(&Watch)) {
@@ -237,7 +238,7 @@ class TurnWatch {
   private:
     static DWORD WINAPI Watch(HANDLE handle, DWORD milliseconds) {
         const DWORD result = reinterpret_cast<decltype(&WaitForSingleObject)>(original)(handle, milliseconds);
-        // Other waits are the thread library's own.
+        // Other waits are those of the thread library.
         if (milliseconds == 100 && result == WAIT_OBJECT_0)
             turns.push_back(std::to_string(GetCurrentThreadId()));
         return result;

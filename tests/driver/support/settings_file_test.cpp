@@ -5,6 +5,7 @@
 #include <cstring>
 #include <string>
 
+#include "driver/support/handle.h"
 #include "driver/support/installation.h"
 #include "tests/kit/allocation_failure.h"
 #include "tests/kit/installation_fixture.h"
@@ -38,7 +39,7 @@ BOOL WINAPI FailToSeek(HANDLE, LARGE_INTEGER, PLARGE_INTEGER, DWORD) {
 
 class SettingsFile : public testing::Test {
   protected:
-    // The value of `key` in "[UI]", as it is stored in a buffer of `capacity` bytes that ends where it says.
+    // Returns the value of `key` in "[UI]" out of a buffer of exactly `capacity` bytes.
     std::string Value(const char* key = "Key=", size_t capacity = 254) {
         const HeapArray<char> out = AllocateArray<char>(capacity);
         memset(out.get(), 'x', capacity);
@@ -106,7 +107,7 @@ TEST_F(SettingsFile, AnAbsentSectionIsNotFound) {
     EXPECT_EQ(Value(), "");
 }
 
-TEST_F(SettingsFile, TextBehindTheSectionsNameIsAllowed) {
+TEST_F(SettingsFile, TextAfterTheSectionsNameIsAllowed) {
     installation_.WriteSettings("[UI] what users see\nKey=found\n");
     EXPECT_EQ(Value(), "found\n");
 }
@@ -116,7 +117,7 @@ TEST_F(SettingsFile, ASecondSectionOfTheSameNameIsNeverReached) {
     EXPECT_EQ(Value(), "");
 }
 
-TEST_F(SettingsFile, SectionsAndKeysMindTheirCase) {
+TEST_F(SettingsFile, SectionsAndKeysAreCaseSensitive) {
     installation_.WriteSettings("[ui]\nKey=wrong section\n");
     EXPECT_EQ(Value(), "");
     installation_.WriteSettings("[UI]\nkey=wrong key\nKey=right\n");
@@ -127,7 +128,7 @@ TEST_F(SettingsFile, BlanksBeforeTheKeyOrAroundTheEqualsSignDoNotMatch) {
     installation_.WriteSettings("[UI]\n Key=1\nKey =2\n\tKey=3\n");
     EXPECT_EQ(Value(), "");
     installation_.WriteSettings("[UI]\nKey= 4\n");
-    EXPECT_EQ(Value(), " 4\n") << "a blank behind the equals sign belongs to the value";
+    EXPECT_EQ(Value(), " 4\n") << "a blank after the equals sign belongs to the value";
 }
 
 TEST_F(SettingsFile, AValueOneByteShorterThanItsRoomIsWhole) {
@@ -145,7 +146,7 @@ TEST_F(SettingsFile, ALongerValueIsCutAndReportsWhatWasStored) {
     EXPECT_EQ(Value("Key=", 7), "abcdef");
 }
 
-TEST_F(SettingsFile, OfSeveralCutValuesTheLastOneCounts) {
+TEST_F(SettingsFile, TheLastOfSeveralCutValuesCounts) {
     installation_.WriteSettings("[UI]\nKey=abcdefgh\nKey=ABCDEFGH\nOther=1\n[Color]\nKey=x\n");
     EXPECT_EQ(Value("Key=", 7), "ABCDEF");
 }
@@ -155,12 +156,12 @@ TEST_F(SettingsFile, AnEmptyValueDoesNotReplaceOneThatWasCut) {
     EXPECT_EQ(Value("Key=", 7), "abcdef");
 }
 
-TEST_F(SettingsFile, AnySignsMayStandInAValue) {
+TEST_F(SettingsFile, AValueMayContainAnyCharacter) {
     installation_.WriteSettings("[UI]\nKey=~a~[b]=\"\n");
     EXPECT_EQ(Value(), "~a~[b]=\"\n");
 }
 
-TEST_F(SettingsFile, ABufferOfOneByteHoldsNoValue) {
+TEST_F(SettingsFile, ABufferOfOneByteHasNoRoomForAValue) {
     installation_.WriteSettings("[UI]\nKey=abc\n");
     EXPECT_EQ(Value("Key=", 1), "");
 }
@@ -172,7 +173,7 @@ TEST_F(SettingsFile, ABufferOfNoBytesIsNotWrittenTo) {
     EXPECT_EQ(out, 'x');
 }
 
-TEST_F(SettingsFile, ALongLineIsReadInPiecesAndTheByteBehindEachIsSkipped) {
+TEST_F(SettingsFile, ALongLineIsReadInPiecesAndTheByteAfterEachIsSkipped) {
     const std::string filler(kPiece, '#');
     installation_.WriteSettings("[UI]\n" + filler + "?Key=second piece\n");
     EXPECT_EQ(Value(), "second piece\n");
@@ -182,7 +183,7 @@ TEST_F(SettingsFile, ALongLineIsReadInPiecesAndTheByteBehindEachIsSkipped) {
     EXPECT_EQ(Value(), "third piece\n");
 }
 
-TEST_F(SettingsFile, ALineEndBehindAFullPieceIsTheSkippedByte) {
+TEST_F(SettingsFile, ALineEndAfterAFullPieceIsTheSkippedByte) {
     const std::string filler(kPiece, '#');
     installation_.WriteSettings("[UI]\n" + filler + "\nKey=next line\n");
     EXPECT_EQ(Value(), "next line\n");
@@ -244,7 +245,7 @@ TEST_F(SettingsFile, AnUnknownInstallationFolderReadsAsAMissingFile) {
     EXPECT_THAT(log.TakeLines(), ElementsAre("[Error] failed to open settings.inf"));
 }
 
-TEST_F(SettingsFile, ShortMemoryForThePathReadsAsAMissingFile) {
+TEST_F(SettingsFile, RunningOutOfMemoryForThePathReadsAsAMissingFile) {
     installation_.WriteSettings("[UI]\nKey=1\n");
     LogCapture log;
     const HeapArray<WCHAR> folder = GetInstallationFolder();
@@ -263,7 +264,7 @@ TEST_F(SettingsFile, AFileThatCannotBeReadHoldsNothing) {
 }
 
 TEST_F(SettingsFile, AFileThatCannotBeMovedInEndsTheSearch) {
-    // Without the move the next piece would begin with the key.
+    // The next piece would begin with the key if the file were not moved in.
     const std::string section = "[UI]\n";
     installation_.WriteSettings(section + std::string(kPiece - section.size(), '\n') + "Key=1\n");
     EXPECT_EQ(Value(), "1\n");
@@ -309,7 +310,7 @@ TEST_F(SettingsFile, AFlagOfAMissingFileIsOff) {
                 ElementsAre("[Error] failed to open settings.inf", "[Info]  [Driver]:Add_Thumb=:0"));
 }
 
-TEST_F(SettingsFile, ANumberIsReadUpToWhatIsNoNumber) {
+TEST_F(SettingsFile, ANumberIsReadUpToTheFirstOtherCharacter) {
     installation_.WriteSettings(
         "[Color]\r\ntone_scale=12.5\r\nblack_scale=-3e1 percent\r\ncyan_scale=none\r\n");
     EXPECT_EQ(LookupNumber("[Color]", "tone_scale=", 100), 12.5);

@@ -61,7 +61,7 @@ TEST(Text, NarrowsASurrogatePairAsOneCharacterOrNotAtAll) {
     EXPECT_STREQ(narrow, "a");
 }
 
-TEST(Text, NarrowsWhatStandsAroundALoneSurrogate) {
+TEST(Text, NarrowsTheTextAroundALoneSurrogate) {
     const WCHAR atTheEnd[] = {'a', 0xD83D};
     const WCHAR beforeAnother[] = {'a', 0xD83D, 'b'};
     const WCHAR low[] = {'a', 0xDE00, 0xFFFD};
@@ -128,6 +128,36 @@ TEST(Text, DuplicatesOnTheHeap) {
     EXPECT_TRUE(SameText({widened.get(), TextLength(widened.get())}, {L"profile.zvp", 11}));
     EXPECT_EQ(DuplicateText(nullptr), nullptr);
     EXPECT_EQ(DuplicateWidened(nullptr), nullptr);
+}
+
+namespace {
+
+std::string Trimmed(std::string text) {
+    TrimWhitespace(text.data());
+    return text.c_str();
+}
+
+}  // namespace
+
+TEST(TrimWhitespace, CutsBothEndsAndNothingInside) {
+    EXPECT_EQ(Trimmed(" \t\r\n\v\fa b \t\r\n\v\f"), "a b");
+    EXPECT_EQ(Trimmed("ab"), "ab");
+    EXPECT_EQ(Trimmed("a"), "a");
+    EXPECT_EQ(Trimmed(" a"), "a");
+    EXPECT_EQ(Trimmed("a "), "a");
+}
+
+TEST(TrimWhitespace, BlanksAloneBecomeEmpty) {
+    EXPECT_EQ(Trimmed(" \t\r\n"), "");
+    EXPECT_EQ(Trimmed(""), "");
+}
+
+TEST(TrimWhitespace, OtherBytesStay) {
+    for (int byte = 1; byte < 256; ++byte) {
+        if (byte == ' ' || (byte >= '\t' && byte <= '\r')) continue;
+        const std::string text = {static_cast<char>(byte), 'x', static_cast<char>(byte)};
+        EXPECT_EQ(Trimmed(text), text);
+    }
 }
 
 }  // namespace orvex

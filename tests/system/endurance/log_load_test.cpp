@@ -29,7 +29,7 @@ constexpr uint32_t kLinesARotation = 200;  // that the log takes at least betwee
 #ifdef _WIN32
 constexpr uint32_t kProcesses = 4, kWritersEach = 4;
 #else
-constexpr uint32_t kProcesses = 1, kWritersEach = 8;  // a named mutex of the doubles is one process' own
+constexpr uint32_t kProcesses = 1, kWritersEach = 8;  // a named mutex of platform/posix is one process's own
 #endif
 
 // Each process numbers its writers from another hundred on.

@@ -1,6 +1,6 @@
 // A page printed while somebody else holds the log's mutex.
 
-#include "driver/support/heap.h"
+#include "driver/support/handle.h"
 #include "tests/driver/driver_fixture.h"
 #include "tests/system/endurance/mutex_holder.h"
 

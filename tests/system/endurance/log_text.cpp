@@ -6,7 +6,7 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "driver/support/heap.h"
+#include "driver/support/handle.h"
 #include "tests/system/endurance/helper/log_writers.h"
 
 namespace orvex {

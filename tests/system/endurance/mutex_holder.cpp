@@ -2,7 +2,7 @@
 
 #include <stdexcept>
 
-#include "driver/support/heap.h"
+#include "driver/support/handle.h"
 
 #ifdef _WIN32
 #include "tests/system/endurance/helper/mutex_owner.h"

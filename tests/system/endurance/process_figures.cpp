@@ -15,7 +15,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "platform/posix/double.h"
+#include "platform/posix/handles.h"
 #endif
 
 namespace orvex {
@@ -98,7 +98,7 @@ size_t CountDescriptors() {
 
 ProcessFigures MeasureProcess() {
     return {StatusBytes("VmRSS:"), StatusBytes("VmHWM:"), StatusBytes("RssAnon:"),
-            CountDescriptors() + doubles::OpenHandleCount()};
+            CountDescriptors() + posix::OpenHandleCount()};
 }
 
 void ForgetPeak() {

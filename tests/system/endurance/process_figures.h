@@ -9,7 +9,7 @@ struct ProcessFigures {
     size_t residentBytes;
     size_t peakResidentBytes;  // since the start, or since the peak was last forgotten
     size_t privateBytes;       // written memory that is the process' own
-    size_t handles;            // natively open file descriptors and the doubles' handles
+    size_t handles;            // natively open file descriptors and handles of posix/
 };
 
 ProcessFigures MeasureProcess();

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "driver/render/thumbnail.h"
+#include "driver/thumbnail.h"
 #include "tests/kit/picture.h"
 #include "tools/host/debug_heap.h"
 #endif

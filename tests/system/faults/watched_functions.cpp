@@ -172,8 +172,7 @@ constexpr auto kDone = FailingCall::kDoesItsWork;
 
 // The number is that of the argument that tells what the call is about.
 #define IMPORT(function, subject, ...) Row<#function, subject, false, decltype(function)>(__VA_ARGS__)
-#define ENTRY_POINT(function, ...) \
-    Row<#function, kNoSubject, true, std::remove_pointer_t<function##Function>>(__VA_ARGS__)
+#define ENTRY_POINT(function, ...) Row<#function, kNoSubject, true, decltype(function)>(__VA_ARGS__)
 
 }  // namespace
 

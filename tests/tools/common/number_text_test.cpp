@@ -7,9 +7,8 @@ namespace orvex::tools {
 TEST(NumberText, WritesDecimals) {
     EXPECT_EQ(DecimalText(2, 1), "2.0");
     EXPECT_EQ(DecimalText(-0.25, 2), "-0.25");
-    EXPECT_EQ(ShortDecimalText(2.50, 2), "2.5");
-    EXPECT_EQ(ShortDecimalText(100, 1), "100");
-    EXPECT_EQ(ShortDecimalText(100, 0), "100");
+    EXPECT_EQ(DecimalText(1.0 / 3, 2), "0.33");
+    EXPECT_EQ(DecimalText(99.6, 0), "100");
 }
 
 TEST(NumberText, ReadsDecimals) {

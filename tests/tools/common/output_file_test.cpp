@@ -7,11 +7,9 @@
 
 #include "tests/kit/scratch_folder.h"
 #include "tools/common/wide_text.h"
-#include "tools/orvexprint/log_switch.h"
 
 namespace orvex::tools {
 
-using namespace print;
 namespace fs = std::filesystem;
 
 namespace {
@@ -37,7 +35,7 @@ TEST(OutputFile, AppearsWhenItIsComplete) {
     EXPECT_EQ(FilesIn(scratch.Path()), 1u);
 }
 
-TEST(OutputFile, LeavesNothingWhenItIsGivenUp) {
+TEST(OutputFile, LeavesNothingIfItIsNotCompleted) {
     const ScratchFolder scratch;
     const fs::path path = scratch.Write("out.prn", "before");
     {
@@ -48,7 +46,7 @@ TEST(OutputFile, LeavesNothingWhenItIsGivenUp) {
     EXPECT_EQ(FilesIn(scratch.Path()), 1u);
 }
 
-TEST(OutputFile, TakesThePlaceOfWhatStoodThere) {
+TEST(OutputFile, ReplacesAnEarlierFile) {
     const ScratchFolder scratch;
     const fs::path path = scratch.Write("out.prn", "before, and longer");
     WriteWholeFile(path, "after");
@@ -64,14 +62,14 @@ TEST(OutputFile, LeavesTheUnfinishedFilesOfOthersAlone) {
     EXPECT_EQ(ReadBytes(scratch.Path() / "out.prn"), "mine");
 }
 
-TEST(OutputFile, SaysWhereItCannotBeWritten) {
+TEST(OutputFile, FailsIfItCannotBeCreated) {
     const ScratchFolder scratch;
     EXPECT_THROW(OutputFile(scratch.Path()), std::runtime_error) << "a folder";
     EXPECT_THROW(OutputFile(scratch.Path() / "missing" / "out.prn"), std::runtime_error);
     EXPECT_EQ(FilesIn(scratch.Path()), 0u);
 }
 
-TEST(OutputFile, FailsWhenItsNameBecameAFolderMeanwhile) {
+TEST(OutputFile, FailsIfItsNameHasBecomeAFolder) {
     const ScratchFolder scratch;
     const fs::path path = scratch.Path() / "out.prn";
     {
@@ -81,32 +79,6 @@ TEST(OutputFile, FailsWhenItsNameBecameAFolderMeanwhile) {
         EXPECT_THROW(file.Complete(), std::runtime_error);
     }
     EXPECT_EQ(FilesIn(scratch.Path()), 1u);
-}
-
-TEST(LogSwitch, TurnsTheLogOnAndPutsBackWhatStoodThere) {
-    const ScratchFolder scratch;
-    const fs::path control = scratch.Write("temp/orvexgdi.dat", "1 by hand\n");
-    {
-        const LogSwitch log(control, 3);
-        EXPECT_EQ(ReadBytes(control), "3");
-    }
-    EXPECT_EQ(ReadBytes(control), "1 by hand\n");
-}
-
-TEST(LogSwitch, RemovesAControlFileThatWasNotThere) {
-    const ScratchFolder scratch;
-    const fs::path control = scratch.Path() / "temp" / "orvexgdi.dat";
-    {
-        const LogSwitch log(control, 1);
-        EXPECT_EQ(ReadBytes(control), "1");
-    }
-    EXPECT_FALSE(fs::exists(control));
-}
-
-TEST(LogSwitch, SaysWhenTheLogCannotBeTurnedOn) {
-    const ScratchFolder scratch;
-    const fs::path file = scratch.Write("temp", "not a folder");
-    EXPECT_THROW(LogSwitch(file / "orvexgdi.dat", 3), std::runtime_error);
 }
 
 }  // namespace orvex::tools

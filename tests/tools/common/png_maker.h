@@ -1,4 +1,4 @@
-// PNG files for tests, made with LodePNG's encoder.
+// PNG files of every kind for tests, also those that the tools never write.
 #pragma once
 
 #include <lodepng.h>
@@ -18,10 +18,10 @@ struct PngRecipe {
     bool interlaced = false;
     unsigned densityX = 0;  // pixels per unit; 0: no pHYs chunk
     unsigned densityY = 0;
-    unsigned densityUnit = 1;  // 1: metre
+    unsigned densityUnit = 1;  // 1: meter
 };
 
-// Encodes raw samples as they lie in a PNG of that colour type.
+// Encodes samples in the layout of the recipe's color type.
 inline std::vector<uint8_t> MakePng(const PngRecipe& recipe, const std::vector<uint8_t>& samples) {
     LodePNGState state;
     lodepng_state_init(&state);
@@ -52,7 +52,7 @@ inline std::vector<uint8_t> MakePng(const PngRecipe& recipe, const std::vector<u
     return file;
 }
 
-// An RGBA picture of one colour.
+// Makes an RGBA picture of one color.
 inline std::vector<uint8_t> MakePlainPng(unsigned width, unsigned height, unsigned density,
                                          uint32_t rgb = 0x000000) {
     std::vector<uint8_t> samples;

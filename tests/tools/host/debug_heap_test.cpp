@@ -13,7 +13,7 @@ using testing::IsEmpty;
 
 namespace {
 
-// The driver's heap, and a device that lives on it.
+// A session whose driver allocates from a debug heap.
 class DebugHeapTest : public testing::Test {
   protected:
     DebugHeapTest() : session({.installation = installation.Path()}), heap(session.Driver().Module()) {}
@@ -34,7 +34,7 @@ constexpr size_t kInstanceBytes = sizeof(PDEV);
 
 }  // namespace
 
-TEST_F(DebugHeapTest, KnowsWhatTheDriverHolds) {
+TEST_F(DebugHeapTest, KnowsTheBlocksOfTheDriver) {
     {
         const auto device = session.EnablePdev({});
         ASSERT_NE(device->Instance(), nullptr);
@@ -45,7 +45,7 @@ TEST_F(DebugHeapTest, KnowsWhatTheDriverHolds) {
     EXPECT_THAT(heap.Misuses(), IsEmpty());
 }
 
-TEST_F(DebugHeapTest, RefusesWhatItIsToldTo) {
+TEST_F(DebugHeapTest, RefusesChosenAllocations) {
     heap.OnAllocate([&](const char* function, size_t bytes) {
         asked.emplace_back(function, bytes);
         return bytes == kInstanceBytes;
@@ -60,7 +60,7 @@ TEST_F(DebugHeapTest, RefusesWhatItIsToldTo) {
 }
 
 #ifdef _WIN32
-TEST_F(DebugHeapTest, EndsEachBlockAtAPageThatCannotBeRead) {
+TEST_F(DebugHeapTest, EndsEachBlockAtAGuardPage) {
     const auto device = session.EnablePdev({});
     const auto* instance = reinterpret_cast<const uint8_t*>(device->Instance());
     MEMORY_BASIC_INFORMATION page;

@@ -14,8 +14,8 @@ using testing::StartsWith;
 
 namespace {
 
-// An engine that hands a few bytes to the driver's callback when a job ends or a page begins, and fails with
-// it.
+// A print engine that passes a few bytes to the driver's callback when a page begins or a job ends, and fails
+// if the callback does.
 struct EmittingEngine {
     inline static HPCRLIB_OutputCallback output = nullptr;
     inline static void* outputContext = nullptr;
@@ -70,9 +70,9 @@ TEST_F(DriverSessionTest, RunsAJobAndLeavesNothingBehind) {
 }
 
 TEST_F(DriverSessionTest, SaysWhichHookRefused) {
-    session.Graphics().FailCall(EngineService::kCreatePalette);
+    session.Graphics().FailCall(GraphicsService::kCreatePalette);
     EXPECT_EQ(session.RunJob({}).failure, "the driver refused the device (DrvEnablePDEV)");
-    session.Graphics().FailCall(EngineService::kCreateBitmap);
+    session.Graphics().FailCall(GraphicsService::kCreateBitmap);
     EXPECT_EQ(session.RunJob({}).failure, "the driver made no page bitmap (DrvEnableSurface)");
     session.Engine().FailLoading(true);
     EXPECT_EQ(session.RunJob({}).failure,
@@ -92,7 +92,7 @@ TEST_F(DriverSessionTest, SaysWhenAWriteIsLost) {
     EXPECT_FALSE(session.Engine().Bound());
 }
 
-TEST_F(DriverSessionTest, SeesALostWriteThatTheDriverDoesNotCheck) {
+TEST_F(DriverSessionTest, NoticesALostWriteThatTheDriverIgnores) {
     session.SetSink([&](std::string_view bytes) { return !bytes.starts_with("@PJL JOB NAME"); });
     EXPECT_EQ(session.RunJob({}).failure, "a write to the spooler failed");
 }
@@ -110,7 +110,7 @@ TEST_F(DriverSessionTest, EndsTheJobWhenAPageCannotBeDrawn) {
     EXPECT_TRUE(session.RunJob({}).Printed());
 }
 
-TEST_F(DriverSessionTest, DisablesWhatATestLeavesEnabled) {
+TEST_F(DriverSessionTest, DisablesADeviceThatATestLeavesEnabled) {
     {
         const std::unique_ptr<Device> device = session.EnablePdev({});
         ASSERT_NE(device->Instance(), nullptr);
@@ -124,7 +124,7 @@ TEST_F(DriverSessionTest, DisablesWhatATestLeavesEnabled) {
     EXPECT_EQ(session.Graphics().LivePalettes(), 0u);
 }
 
-TEST(HookTable, IsTakenOnlyAsItIsKnown) {
+TEST(HookTable, IsAcceptedOnlyAsExpected) {
     DRVENABLEDATA table = {};
     const DriverLibrary driver(DefaultDriverFile());
     ASSERT_TRUE(driver.EnableDriver()(0x30000, sizeof table, &table));
@@ -144,7 +144,7 @@ TEST(HookTable, IsTakenOnlyAsItIsKnown) {
 }
 
 #ifdef _WIN32
-TEST(DriverLibrary, SaysWhatIsNoDriver) {
+TEST(DriverLibrary, SaysWhyAFileIsNotADriver) {
     const auto complaint = [](const std::filesystem::path& file) -> std::string {
         try {
             DriverLibrary driver(file);

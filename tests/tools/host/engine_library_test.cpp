@@ -64,17 +64,17 @@ TEST_F(EngineLibraryTest, LacksTheExportsThatAreNull) {
     FreeLibrary(library);
 }
 
-TEST_F(EngineLibraryTest, KeepsTheBooksOfAJob) {
+TEST_F(EngineLibraryTest, RecordsAJob) {
     EngineLibrary engine(kRefusingEngine);
     engine.Attach(nullptr);
     const HMODULE library = LoadLibraryW(L"hpcrlib.dll");
-    const auto jobStart = Find<HPCRLIB_JobStartFunction>(library, "HPCRLIB_JobStart");
-    const auto pageStart = Find<HPCRLIB_PageStartFunction>(library, "HPCRLIB_PageStart");
-    const auto blockStart = Find<HPCRLIB_RasterBlockStartFunction>(library, "HPCRLIB_RasterBlockStart");
-    const auto row = Find<HPCRLIB_RasterRowFunction>(library, "HPCRLIB_RasterRow");
-    const auto blockEnd = Find<HPCRLIB_RasterBlockEndFunction>(library, "HPCRLIB_RasterBlockEnd");
-    const auto pageEnd = Find<HPCRLIB_PageEndFunction>(library, "HPCRLIB_PageEnd");
-    const auto jobEnd = Find<HPCRLIB_JobEndFunction>(library, "HPCRLIB_JobEnd");
+    const auto jobStart = Find<decltype(&HPCRLIB_JobStart)>(library, "HPCRLIB_JobStart");
+    const auto pageStart = Find<decltype(&HPCRLIB_PageStart)>(library, "HPCRLIB_PageStart");
+    const auto blockStart = Find<decltype(&HPCRLIB_RasterBlockStart)>(library, "HPCRLIB_RasterBlockStart");
+    const auto row = Find<decltype(&HPCRLIB_RasterRow)>(library, "HPCRLIB_RasterRow");
+    const auto blockEnd = Find<decltype(&HPCRLIB_RasterBlockEnd)>(library, "HPCRLIB_RasterBlockEnd");
+    const auto pageEnd = Find<decltype(&HPCRLIB_PageEnd)>(library, "HPCRLIB_PageEnd");
+    const auto jobEnd = Find<decltype(&HPCRLIB_JobEnd)>(library, "HPCRLIB_JobEnd");
     std::vector<uint32_t> progress;
     engine.OnRow([&](const EnginePage& page, uint64_t number) {
         EXPECT_EQ(number, 1u);
@@ -110,12 +110,12 @@ TEST_F(EngineLibraryTest, KeepsTheBooksOfAJob) {
     EXPECT_EQ(books.refusalCount, 1u);
 }
 
-TEST_F(EngineLibraryTest, NotesAJobThatDidNotStart) {
+TEST_F(EngineLibraryTest, RecordsAJobThatDidNotStart) {
     EngineLibrary engine(kRefusingEngine);
     engine.Attach(nullptr);
     const HMODULE library = LoadLibraryW(L"hpcrlib.dll");
     RefusingEngine::job = 0;
-    EXPECT_EQ(Find<HPCRLIB_JobStartFunction>(library, "HPCRLIB_JobStart")(nullptr, nullptr, 0, 0), 0u);
+    EXPECT_EQ(Find<decltype(&HPCRLIB_JobStart)>(library, "HPCRLIB_JobStart")(nullptr, nullptr, 0, 0), 0u);
     FreeLibrary(library);
     EXPECT_THAT(engine.Books().refusals, ElementsAre("HPCRLIB_JobStart started no job"));
     EXPECT_EQ(engine.Books().jobsStarted, 0u);
@@ -127,7 +127,7 @@ TEST_F(EngineLibraryTest, KeepsTheFirstRefusalsAndCountsTheRest) {
     EngineLibrary engine(entries);
     engine.Attach(nullptr);
     const HMODULE library = LoadLibraryW(L"hpcrlib.dll");
-    const auto jobEnd = Find<HPCRLIB_JobEndFunction>(library, "HPCRLIB_JobEnd");
+    const auto jobEnd = Find<decltype(&HPCRLIB_JobEnd)>(library, "HPCRLIB_JobEnd");
     for (int i = 0; i < 1000; ++i) EXPECT_EQ(jobEnd(7), 9u);
     FreeLibrary(library);
     EXPECT_EQ(engine.Books().refusals.size(), 16u);
@@ -135,7 +135,7 @@ TEST_F(EngineLibraryTest, KeepsTheFirstRefusalsAndCountsTheRest) {
     EXPECT_EQ(engine.Books().refusalCount, 1000u);
 }
 
-TEST_F(EngineLibraryTest, IsNotThereWhenLoadingIsMadeToFail) {
+TEST_F(EngineLibraryTest, CanBeMadeToFailLoading) {
     EngineLibrary engine(kRefusingEngine);
     engine.Attach(nullptr);
     engine.FailLoading(true);
@@ -149,7 +149,7 @@ TEST_F(EngineLibraryTest, IsNotThereWhenLoadingIsMadeToFail) {
     FreeLibrary(library);
 }
 
-TEST_F(EngineLibraryTest, FailsForAFileThatIsNone) {
+TEST_F(EngineLibraryTest, FailsIfThereIsNoSuchFile) {
     EngineLibrary engine(std::filesystem::path("no-such-folder") / "hpcrlib.dll");
     engine.Attach(nullptr);
     EXPECT_EQ(LoadLibraryW(L"hpcrlib.dll"), nullptr);

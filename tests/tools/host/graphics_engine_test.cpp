@@ -11,7 +11,7 @@ using testing::IsEmpty;
 
 namespace {
 
-// The engine as this program imports it.
+// The graphics engine as this program imports it.
 class GraphicsEngineTest : public testing::Test {
   protected:
     GraphicsEngineTest() { engine.Attach(nullptr); }
@@ -29,7 +29,7 @@ class GraphicsEngineTest : public testing::Test {
 TEST_F(GraphicsEngineTest, MakesABitmapWhoseBitsEndAtAGuardPage) {
     const HSURF surface = reinterpret_cast<HSURF>(CreateBitmap(30, 20));
     ASSERT_NE(surface, nullptr);
-    EngineSurface* const found = engine.FindSurface(surface);
+    DrawnSurface* const found = engine.FindSurface(surface);
     ASSERT_NE(found, nullptr);
     const SURFOBJ& object = found->Object();
     EXPECT_EQ(object.hsurf, surface);
@@ -47,7 +47,7 @@ TEST_F(GraphicsEngineTest, MakesABitmapWhoseBitsEndAtAGuardPage) {
     EXPECT_THAT(engine.Complaints(), IsEmpty());
 }
 
-TEST_F(GraphicsEngineTest, TakesASurfaceIntoADeviceThatItKnows) {
+TEST_F(GraphicsEngineTest, AssociatesASurfaceWithAKnownDevice) {
     const HSURF surface = reinterpret_cast<HSURF>(CreateBitmap(2, 2));
     const HDEV device = engine.AddDevice();
     const auto instance = reinterpret_cast<DHPDEV>(uintptr_t{0x1234});
@@ -60,7 +60,7 @@ TEST_F(GraphicsEngineTest, TakesASurfaceIntoADeviceThatItKnows) {
     EXPECT_THAT(engine.Complaints(), ElementsAre("EngAssociateSurface: unknown surface or device"));
 }
 
-TEST_F(GraphicsEngineTest, ErasesAnAreaAndRefusesOneOutside) {
+TEST_F(GraphicsEngineTest, ErasesAnAreaAndRefusesOneOutsideTheSurface) {
     const HSURF surface = reinterpret_cast<HSURF>(CreateBitmap(4, 3));
     SURFOBJ* const object = &engine.FindSurface(surface)->Object();
     RECTL inside = {1, 1, 3, 3};
@@ -79,7 +79,7 @@ TEST_F(GraphicsEngineTest, ErasesAnAreaAndRefusesOneOutside) {
     EXPECT_EQ(engine.Complaints().size(), 5u);
 }
 
-TEST_F(GraphicsEngineTest, RefusesBitmapsThatThisDriverNeverAsksFor) {
+TEST_F(GraphicsEngineTest, RefusesBitmapsThatTheDriverNeverCreates) {
     EXPECT_EQ(CreateBitmap(0, 5), nullptr);
     EXPECT_EQ(CreateBitmap(5, -1), nullptr);
     EXPECT_EQ(EngCreateBitmap({10, 10}, 36, BMF_32BPP, BMF_TOPDOWN, nullptr), nullptr);
@@ -93,7 +93,7 @@ TEST_F(GraphicsEngineTest, DeletesASurfaceOnce) {
     const HSURF surface = reinterpret_cast<HSURF>(CreateBitmap(4, 3));
     EXPECT_TRUE(EngDeleteSurface(surface));
     EXPECT_FALSE(EngDeleteSurface(surface));
-    EXPECT_EQ(engine.Calls(EngineService::kDeleteSurface), 2u);
+    EXPECT_EQ(engine.Calls(GraphicsService::kDeleteSurface), 2u);
     EXPECT_THAT(engine.Complaints(), ElementsAre("EngDeleteSurface: unknown surface"));
 }
 
@@ -106,13 +106,13 @@ TEST_F(GraphicsEngineTest, CountsPalettesUntilTheyAreReleased) {
     EXPECT_EQ(EngCreatePalette(PAL_BGR, 0, nullptr, 0, 0, 0), nullptr);
 }
 
-TEST_F(GraphicsEngineTest, FailsTheCallThatIsAskedTo) {
-    engine.FailCall(EngineService::kCreatePalette, 1);
+TEST_F(GraphicsEngineTest, FailsAChosenCall) {
+    engine.FailCall(GraphicsService::kCreatePalette, 1);
     EXPECT_NE(CreatePalette(), nullptr);
     EXPECT_EQ(CreatePalette(), nullptr);
     EXPECT_NE(CreatePalette(), nullptr);
-    EXPECT_EQ(engine.Calls(EngineService::kCreatePalette), 3u);
-    engine.FailCall(EngineService::kCreateBitmap);
+    EXPECT_EQ(engine.Calls(GraphicsService::kCreatePalette), 3u);
+    engine.FailCall(GraphicsService::kCreateBitmap);
     EXPECT_EQ(CreateBitmap(1, 1), nullptr);
     EXPECT_NE(CreateBitmap(1, 1), nullptr);
     EXPECT_THAT(engine.Complaints(), IsEmpty());

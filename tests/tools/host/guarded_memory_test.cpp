@@ -15,7 +15,7 @@ namespace orvex::tools {
 
 namespace {
 
-// Asks the system, which answers an error where a read of the program itself would fault.
+// Returns whether a byte is readable. Asks the system, because reading a guard page would fault.
 bool Readable(const uint8_t* address) {
 #ifdef _WIN32
     MEMORY_BASIC_INFORMATION page;
@@ -39,7 +39,7 @@ constexpr bool kPaddingIsPoisoned = false;
 
 }  // namespace
 
-TEST(GuardedMemory, EndsAtAPageThatCannotBeRead) {
+TEST(GuardedMemory, EndsAtAGuardPage) {
     for (const size_t size : {1u, 80u, 916u, 4095u, 4096u, 4097u, 1u << 20}) {
         const GuardedMemory memory(size);
         ASSERT_EQ(memory.Size(), size);
@@ -49,14 +49,14 @@ TEST(GuardedMemory, EndsAtAPageThatCannotBeRead) {
     }
 }
 
-TEST(GuardedMemory, BeginsAfterAPageThatCannotBeRead) {
+TEST(GuardedMemory, BeginsAfterAGuardPage) {
     const GuardedMemory memory(1 << 16);
     EXPECT_FALSE(Readable(memory.Data() - 1));
     const GuardedMemory record(916);
     EXPECT_FALSE(Readable(record.Data() - 4096));
 }
 
-TEST(GuardedMemory, OfNoBytesIsAllGuard) {
+TEST(GuardedMemory, IsUnreadableIfItHasNoBytes) {
     const GuardedMemory memory(0);
     EXPECT_EQ(memory.Size(), 0u);
     EXPECT_FALSE(Readable(memory.Data()));
@@ -70,7 +70,7 @@ TEST(GuardedMemory, StartsWithZerosOrACopy) {
     EXPECT_EQ(std::vector<uint8_t>(copy.Bytes().begin(), copy.Bytes().end()), bytes);
 }
 
-TEST(GuardedMemory, ShowsAWriteInFrontOfIt) {
+TEST(GuardedMemory, NoticesAWriteBeforeItsBeginning) {
     const GuardedMemory memory(916);
     EXPECT_TRUE(memory.Intact());
     if (!kPaddingIsPoisoned) {
@@ -79,7 +79,7 @@ TEST(GuardedMemory, ShowsAWriteInFrontOfIt) {
     }
 }
 
-TEST(GuardedMemory, BeginsAtAnAlignedAddressWhereItIsToAndEndsAsCloseToTheGuardAsItThenCan) {
+TEST(GuardedMemory, EndsAsCloseToTheGuardPageAsItsAlignmentAllows) {
     for (const size_t size : {1u, 72u, 913u, 914u, 915u, 916u, 4097u}) {
         const GuardedMemory memory(size, 4);
         ASSERT_EQ(memory.Size(), size);
@@ -94,21 +94,21 @@ TEST(GuardedMemory, BeginsAtAnAlignedAddressWhereItIsToAndEndsAsCloseToTheGuardA
 }
 
 #if defined(__SANITIZE_ADDRESS__)
-TEST(GuardedMemoryDeathTest, EndsTheProgramWhereAnAlignedBlockIsReadPastItsEnd) {
+TEST(GuardedMemoryDeathTest, EndsTheProgramWhenAnAlignedBlockIsReadPastItsEnd) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     const GuardedMemory memory(913, 4);
     EXPECT_DEATH(static_cast<void>(*const_cast<volatile uint8_t*>(memory.Data() + 913)), "AddressSanitizer");
 }
 #endif
 
-TEST(GuardedMemory, CanNotBeReadAnyMoreWhenItIsClosed) {
+TEST(GuardedMemory, IsUnreadableOnceClosed) {
     GuardedMemory memory(5000);
     memory.Close();
     EXPECT_FALSE(Readable(memory.Data()));
     EXPECT_FALSE(Readable(memory.Data() + 4999));
 }
 
-TEST(GuardedMemory, RefusesASizeThatNoMachineHas) {
+TEST(GuardedMemory, ThrowsIfTheSizeIsImpossible) {
     EXPECT_THROW(GuardedMemory(SIZE_MAX), std::bad_alloc);
     EXPECT_THROW(GuardedMemory(SIZE_MAX / 2), std::bad_alloc);
 }

@@ -8,9 +8,11 @@
 
 namespace orvex::tools {
 
+using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::StartsWith;
 using namespace std::string_literals;
 
 namespace {
@@ -40,7 +42,7 @@ std::string WhyNot(std::string_view json) {
 
 }  // namespace
 
-TEST(PrinterData, HoldsValuesUnderKeys) {
+TEST(PrinterData, HasValuesUnderKeys) {
     const PrinterData data = Sample();
     ASSERT_NE(data.Find("Label Sizes\\258", "version"), nullptr);
     EXPECT_EQ(*data.Find("Label Sizes\\258", "version"), (PrinterValue{REG_DWORD, "\x01\0\0\0"s}));
@@ -48,7 +50,7 @@ TEST(PrinterData, HoldsValuesUnderKeys) {
     EXPECT_EQ(data.Find("Label Sizes\\258", "width"), nullptr);
 }
 
-TEST(PrinterData, NamesAreTheSameInCapitalsAndSmallLetters) {
+TEST(PrinterData, IgnoresTheCaseOfNames) {
     PrinterData data = Sample();
     ASSERT_NE(data.Find("LABEL sizes\\258", "VERSION"), nullptr);
     data.SetNumber("label sizes\\258", "Version", 2);
@@ -56,7 +58,7 @@ TEST(PrinterData, NamesAreTheSameInCapitalsAndSmallLetters) {
     EXPECT_THAT(data.SubKeys("label SIZES"), ElementsAre("258", "259"));
 }
 
-TEST(PrinterData, KeysAreThereWithWhatLiesBelowThem) {
+TEST(PrinterData, HasTheKeysAboveEveryKey) {
     const PrinterData data = Sample();
     EXPECT_TRUE(data.HasKey("Label Sizes"));
     EXPECT_TRUE(data.HasKey("Empty"));
@@ -65,7 +67,7 @@ TEST(PrinterData, KeysAreThereWithWhatLiesBelowThem) {
     EXPECT_THAT(data.SubKeys(""), ElementsAre("Colours", "Empty", "Label Sizes"));
 }
 
-TEST(PrinterData, ItsTextFormReadsLikeTheDataAndComesBackAsItWas) {
+TEST(PrinterData, SurvivesTheConversionToReadableJson) {
     const PrinterData data = Sample();
     const std::string json = data.ToJson();
     EXPECT_THAT(json, HasSubstr("\"version\": 1"));
@@ -75,7 +77,7 @@ TEST(PrinterData, ItsTextFormReadsLikeTheDataAndComesBackAsItWas) {
     EXPECT_EQ(PrinterData::FromJson("{}"), PrinterData());
 }
 
-TEST(PrinterData, ATextThatIsNoPrinterDataIsRefusedInWords) {
+TEST(PrinterData, SaysWhyATextIsNotPrinterData) {
     EXPECT_THAT(WhyNot("[1]"), HasSubstr("not an object of keys"));
     EXPECT_THAT(WhyNot("{\"Forms\": 3}"), HasSubstr("\"Forms\" is not an object of values"));
     EXPECT_THAT(WhyNot("{\"A\": {\"n\": -1}}"), HasSubstr("0 to 4294967295"));
@@ -89,12 +91,12 @@ TEST(PrinterData, ATextThatIsNoPrinterDataIsRefusedInWords) {
     EXPECT_THAT(WhyNot(""), Not(IsEmpty()));
 }
 
-TEST(PrinterData, IsKeptInAFile) {
+TEST(PrinterData, IsSavedToAFile) {
     const ScratchFolder scratch;
     const auto file = scratch.Write("labels.json", "something else");
     Sample().Save(file);
     EXPECT_EQ(PrinterData::Load(file), Sample());
-    EXPECT_FALSE(exists(scratch.Path() / "labels.json.new"));
+    EXPECT_FALSE(exists(scratch.Path() / "labels.json.part0"));
 }
 
 TEST(PrinterData, SaysWhichFileCannotBeReadOrWritten) {
@@ -112,10 +114,9 @@ TEST(PrinterData, SaysWhichFileCannotBeReadOrWritten) {
     EXPECT_THAT(message([&] { PrinterData::Load(scratch.Path() / "absent.json"); }),
                 HasSubstr("cannot read printer data from "));
     EXPECT_THAT(message([&] { Sample().Save(scratch.Path() / "absent" / "labels.json"); }),
-                HasSubstr("cannot write printer data to "));
+                AllOf(StartsWith("cannot write printer data: "), HasSubstr("labels.json ")));
     std::filesystem::create_directories(scratch.Path() / "folder" / "inside");
-    EXPECT_THAT(message([&] { Sample().Save(scratch.Path() / "folder"); }), HasSubstr("folder: "));
-    EXPECT_FALSE(exists(scratch.Path() / "folder.new"));
+    EXPECT_THAT(message([&] { Sample().Save(scratch.Path() / "folder"); }), HasSubstr("folder is a folder"));
 }
 
 }  // namespace orvex::tools

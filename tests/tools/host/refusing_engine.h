@@ -1,4 +1,4 @@
-// A print engine that takes everything but what a test has it refuse.
+// A print engine that refuses only what a test makes it refuse.
 #pragma once
 
 #include <cstdint>
@@ -8,12 +8,12 @@
 namespace orvex::tools {
 
 struct RefusingEngine {
-    inline static uint64_t job = 7;     // 0 when it is refused
+    inline static uint64_t job = 7;     // 0 refuses the job
     inline static uint32_t jobEnd = 1;  // the answer to a job's end
     inline static uint32_t refusedRow = UINT32_MAX;
-    inline static uint32_t rows = 0;  // that came
+    inline static uint32_t rows = 0;  // rows received
 
-    // Takes everything again.
+    // Makes it accept everything again.
     static void Reset() {
         job = 7;
         jobEnd = 1;

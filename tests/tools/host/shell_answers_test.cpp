@@ -12,7 +12,7 @@ namespace orvex::tools {
 
 namespace {
 
-// The installation folder as the driver asks for it; empty when an answer fails.
+// Asks for the installation folder like the driver; returns an empty text if an answer fails.
 std::string AskForFolder() {
     WCHAR path[MAX_PATH];
     if (!SHGetSpecialFolderPathW(nullptr, path, CSIDL_COMMON_APPDATA, FALSE)) return {};
@@ -22,14 +22,14 @@ std::string AskForFolder() {
 
 }  // namespace
 
-TEST(ShellAnswers, NameAnyFolderAsTheInstallation) {
+TEST(ShellAnswers, AcceptAnyFolderAsTheInstallation) {
     const ScratchFolder scratch;
     ShellAnswers shell(scratch.Path());
     shell.Attach(nullptr);
     EXPECT_EQ(AskForFolder(), Utf8(WindowsPath(scratch.Path())));
 }
 
-TEST(ShellAnswers, LetPathsBelowTheFolderGrowAsUsual) {
+TEST(ShellAnswers, LeavePathsBelowTheFolderAlone) {
     const ScratchFolder scratch;
     ShellAnswers shell(scratch.Path() / "Etiketten \xC3\xA4\xC3\xB6");
     shell.Attach(nullptr);
@@ -49,7 +49,7 @@ TEST(ShellAnswers, DropATrailingSeparator) {
     EXPECT_EQ(AskForFolder(), Utf8(WindowsPath(scratch.Path() / "install")));
 }
 
-TEST(ShellAnswers, FailWhereTheyAreAskedTo) {
+TEST(ShellAnswers, FailOnRequest) {
     const ScratchFolder scratch;
     ShellAnswers shell(scratch.Path());
     shell.Attach(nullptr);
@@ -65,7 +65,7 @@ TEST(ShellAnswers, FailWhereTheyAreAskedTo) {
     EXPECT_NE(AskForFolder(), "");
 }
 
-TEST(ShellAnswers, NameTheLanguageAsked) {
+TEST(ShellAnswers, NameTheChosenLanguage) {
     const ScratchFolder scratch;
     ShellAnswers shell(scratch.Path());
     shell.Attach(nullptr);

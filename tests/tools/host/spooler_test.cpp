@@ -47,7 +47,7 @@ TEST_F(SpoolerTest, OpensPrintersByNameAndCountsTheirHandles) {
     EXPECT_THAT(spooler_.Misuses(), IsEmpty());
 }
 
-TEST_F(SpoolerTest, AnUnknownPrinterIsCode1801) {
+TEST_F(SpoolerTest, AnswersCode1801ForAnUnknownPrinter) {
     EXPECT_EQ(OpenByCall(u"Etikett 2", GENERIC_READ), nullptr);
     EXPECT_EQ(GetLastError(), 1801u);
     EXPECT_EQ(spooler_.Open("Etikett 2"), nullptr);
@@ -55,7 +55,7 @@ TEST_F(SpoolerTest, AnUnknownPrinterIsCode1801) {
     EXPECT_FALSE(OpenPrinterW(nullptr, &handle, nullptr));
 }
 
-TEST_F(SpoolerTest, NoticesHandlesThatAreClosedTwiceOrForeign) {
+TEST_F(SpoolerTest, NoticesClosedAndForeignHandles) {
     const HANDLE handle = OpenForWriting();
     EXPECT_TRUE(CloseHandle(handle));
     EXPECT_FALSE(CloseHandle(handle));
@@ -76,7 +76,7 @@ TEST_F(SpoolerTest, LeavesOtherHandlesToTheSystem) {
     EXPECT_THAT(spooler_.Misuses(), IsEmpty());
 }
 
-TEST_F(SpoolerTest, GathersWhatIsWrittenToAPrinter) {
+TEST_F(SpoolerTest, CollectsTheBytesOfAPrinter) {
     const HANDLE handle = OpenForWriting();
     char bytes[] = "abc";
     DWORD written = 0;
@@ -86,7 +86,7 @@ TEST_F(SpoolerTest, GathersWhatIsWrittenToAPrinter) {
     EXPECT_EQ(printer_.written, "abca");
 }
 
-TEST_F(SpoolerTest, HandsWhatIsWrittenToTheSinkWhichMayRefuse) {
+TEST_F(SpoolerTest, PassesTheBytesToASinkThatMayRefuseThem) {
     std::vector<std::string> pieces;
     printer_.sink = [&pieces](std::string_view bytes) {
         pieces.emplace_back(bytes);
@@ -103,7 +103,7 @@ TEST_F(SpoolerTest, HandsWhatIsWrittenToTheSinkWhichMayRefuse) {
     EXPECT_EQ(printer_.written, "");
 }
 
-TEST_F(SpoolerTest, TellsAPrintersNamesInARecordOfTheSizeItAskedFor) {
+TEST_F(SpoolerTest, AnswersAPrintersNamesInABufferOfTheSizeItNeeds) {
     const HANDLE handle = OpenForWriting();
     DWORD needed = 0;
     EXPECT_FALSE(GetPrinterW(handle, 2, nullptr, 0, &needed));
@@ -119,7 +119,7 @@ TEST_F(SpoolerTest, TellsAPrintersNamesInARecordOfTheSizeItAskedFor) {
     EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_LEVEL});
 }
 
-TEST_F(SpoolerTest, TellsADriversNameInARecordOfTheSizeItAskedFor) {
+TEST_F(SpoolerTest, AnswersADriversNameInABufferOfTheSizeItNeeds) {
     const HANDLE handle = OpenForWriting();
     DWORD needed = 0;
     EXPECT_FALSE(GetPrinterDriverW(handle, nullptr, 3, nullptr, 0, &needed));
@@ -150,7 +150,7 @@ TEST_F(SpoolerTest, KeepsTypedPrinterData) {
     EXPECT_EQ(GetPrinterDataExA(handle, "Label Sizes\\259", "name", &type, buffer, 8, &needed), 2u);
 }
 
-TEST_F(SpoolerTest, LetsOnlyHandlesThatMayAdministerChangeData) {
+TEST_F(SpoolerTest, ChangesDataOnlyThroughHandlesThatMayAdminister) {
     const HANDLE reader = OpenByCall(u"Etikett 1", GENERIC_READ);
     BYTE value = 0;
     EXPECT_EQ(SetPrinterDataExA(reader, "Key", "name", REG_BINARY, &value, 1), 5u);
@@ -161,7 +161,7 @@ TEST_F(SpoolerTest, LetsOnlyHandlesThatMayAdministerChangeData) {
     EXPECT_EQ(GetPrinterDataExA(nullptr, "Key", "name", nullptr, &value, 1, &needed), 6u);
 }
 
-TEST_F(SpoolerTest, EnumeratesSubKeysSortedAndEndedByAnEmptyName) {
+TEST_F(SpoolerTest, EnumeratesSortedSubKeysUpToAnEmptyName) {
     printer_.data.SetNumber("Label Sizes\\300", "version", 1);
     printer_.data.SetNumber("Label Sizes\\258", "version", 1);
     printer_.data.SetNumber("Label Sizes\\258\\deeper", "version", 1);
@@ -204,7 +204,7 @@ TEST_F(SpoolerTest, MakesTheNthCallOfAFunctionFail) {
     EXPECT_EQ(printer_.written, "aaa");
 }
 
-TEST_F(SpoolerTest, MakesEveryFunctionFailWithTheCodeAsked) {
+TEST_F(SpoolerTest, MakesEveryFunctionFailWithTheGivenCode) {
     const HANDLE handle = OpenForWriting();
     for (const char* function : {"OpenPrinterW", "GetPrinterW", "GetPrinterDriverW", "EnumPrinterKeyW",
                                  "GetPrinterDataExA", "SetPrinterDataExA", "CloseHandle"}) {
@@ -227,7 +227,7 @@ TEST_F(SpoolerTest, MakesEveryFunctionFailWithTheCodeAsked) {
     EXPECT_EQ(spooler_.OpenHandles(), 1u);
 }
 
-TEST(SpoolerLifetime, OneSpoolerLivesAtATime) {
+TEST(SpoolerLifetime, ThereIsOneSpoolerAtATime) {
     {
         const Spooler first;
         EXPECT_THROW(Spooler(), std::logic_error);
@@ -235,7 +235,7 @@ TEST(SpoolerLifetime, OneSpoolerLivesAtATime) {
     EXPECT_NO_THROW(Spooler());
 }
 
-TEST(SpoolerLifetime, TheSystemsFunctionsComeBackWhenItGoes) {
+TEST(SpoolerLifetime, ItsEndRestoresTheSystemsFunctions) {
     {
         Spooler spooler;
         spooler.Attach();

@@ -28,7 +28,7 @@ std::string OptionsComplaint(const std::vector<std::string>& arguments) {
     }
 }
 
-// The settings as "option value".
+// Returns the settings as "option value".
 std::vector<std::string> SettingsOf(const JobOptions& options) {
     std::vector<std::string> settings;
     for (const auto& [setting, value] : options.settings) {
@@ -64,13 +64,13 @@ TEST(JobOptions, TakeEverySettingInItsUnit) {
                             "--print-head-offset -2.5 mm", "--brightness -100", "--orientation landscape"));
 }
 
-TEST(JobOptions, LeaveAPageBehindASwitchAPage) {
+TEST(JobOptions, TakeNoPageForTheValueOfASwitch) {
     const JobOptions options = Parse({"-o", "x", "--kws", "a.png"});
     EXPECT_THAT(options.pages, ElementsAre("a.png"));
     EXPECT_THAT(SettingsOf(options), ElementsAre("--kws on"));
 }
 
-TEST(JobOptions, LetTheLastOfTwoValuesStand) {
+TEST(JobOptions, TakeTheLastOfTwoValues) {
     EXPECT_THAT(SettingsOf(Parse({"--dpi", "300", "--dpi", "600", "-o", "x", "a.png"})),
                 ElementsAre("--dpi 600 dpi"));
     EXPECT_THAT(SettingsOf(Parse({"--kws", "--kws=off", "-o", "x", "a.png"})), ElementsAre("--kws off"));
@@ -106,7 +106,7 @@ TEST(JobOptions, TakeTheRest) {
     EXPECT_EQ(Parse({"--log", "error", "-o", "x", "a.png"}).logMask, 1);
 }
 
-TEST(JobOptions, NameOptionValueAndRangeOfWhatIsWrong) {
+TEST(JobOptions, NameOptionValueAndRangeOfAWrongValue) {
     EXPECT_EQ(OptionsComplaint({"--dpi", "720", "-o", "x", "a.png"}),
               "--dpi: \"720\" is not allowed; it takes 300 or 600 dpi");
     EXPECT_EQ(OptionsComplaint({"--rotate180=maybe", "-o", "x", "a.png"}),
@@ -144,7 +144,7 @@ TEST(JobOptions, NeedPagesAndAnOutputToPrint) {
 TEST(JobOptions, ShowHelpWithGroupsRangesAndExamples) {
     std::ostringstream help;
     EXPECT_FALSE(ParseJobOptions({"--help"}, help));
-    // The text without its line breaks.
+    // Joins the lines, since the help wraps its texts.
     std::string text;
     std::istringstream words(help.str());
     for (std::string word; words >> word;) text += (text.empty() ? "" : " ") + word;

@@ -51,7 +51,7 @@ TEST(Resample, LeavesAPictureOfTheRightSizeAlone) {
 TEST(Resample, AveragesTheAreaThatAPixelCovers) {
     EXPECT_THAT(Pixels(Resample(Row({0, 0xFFFFFF, 0xFF0000, 0x0000FF}), 2, 1, Enlarging::kNearest)),
                 ElementsAre(0x808080u, 0x800080u));
-    // Three into two: a pixel and a half each.
+    // Three pixels become two: each covers a pixel and a half.
     EXPECT_THAT(Pixels(Resample(Row({0, 0x0000FF, 0}), 2, 1, Enlarging::kNearest)),
                 ElementsAre(0x55u, 0x55u));
     EXPECT_THAT(Pixels(Resample(Row({90, 0, 0}), 1, 1, Enlarging::kNearest)), ElementsAre(30u));
@@ -105,7 +105,7 @@ TEST(PagePlacement, FollowsADensityThatDiffersByAxis) {
     EXPECT_EQ(place.height, 200u);
 }
 
-TEST(PagePlacement, TakesTheGivenResolutionForAPictureThatNamesNone) {
+TEST(PagePlacement, UsesTheGivenResolutionForAPictureThatStatesNone) {
     EXPECT_EQ(FindPlace(Picture(100, 100), kPage).width, 100u);
     PagePlacing screen = kPage;
     screen.untaggedDpi = 96;
@@ -116,7 +116,7 @@ TEST(PagePlacement, CutsNothingFromAPictureOfTheLabelsOwnSize) {
     const PagePlace exact = FindPlace(Picture(1181, 591, PixelDensity{11811, 11811}), kPage);
     EXPECT_EQ(exact.width, 1181u);
     EXPECT_EQ(exact.left, 0u);
-    // A pixel more, by another program's rounding, is taken too.
+    // Another program's rounding may give a pixel more.
     EXPECT_EQ(FindPlace(Picture(1182, 592, PixelDensity{11811, 11811}), kPage).width, 1181u);
 }
 

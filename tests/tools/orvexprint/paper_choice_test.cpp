@@ -34,7 +34,7 @@ LabelSize Label(const char* name, const char* width, const char* length, uint32_
 
 }  // namespace
 
-TEST(PaperSize, IsReadInMillimetresOrInches) {
+TEST(PaperSize, IsParsedInMillimetersOrInches) {
     EXPECT_EQ(ParsePaperSize("100x150mm"), (PaperSize{1000, 1500}));
     EXPECT_EQ(ParsePaperSize("100x150"), (PaperSize{1000, 1500}));
     EXPECT_EQ(ParsePaperSize("4x6in"), (PaperSize{1016, 1524}));
@@ -42,7 +42,7 @@ TEST(PaperSize, IsReadInMillimetresOrInches) {
     EXPECT_EQ(ParsePaperSize("80.25x60mm"), (PaperSize{803, 600}));
 }
 
-TEST(PaperSize, KeepsToWhatThePrinterPrints) {
+TEST(PaperSize, IsLimitedToWhatThePrinterPrints) {
     EXPECT_EQ(ParsePaperSize("25.4x25.4mm"), kLeastPaper);
     EXPECT_EQ(ParsePaperSize("297.0x901.7mm"), kMostPaper);
     for (const char* text :
@@ -56,14 +56,14 @@ TEST(PaperSize, KeepsToWhatThePrinterPrints) {
               "901.7 mm, such as 100x150mm or 4x6in");
 }
 
-TEST(PaperSize, IsRefusedWhenItIsNoSize) {
+TEST(PaperSize, IsRefusedIfItIsNotASize) {
     for (const char* text :
          {"", "x", "mm", "100", "100mm", "100x", "x150", "100x150x10", "100x150cm", "a4", "100*150"}) {
         EXPECT_NE(Complaint(text), "") << text;
     }
 }
 
-TEST(PaperChoice, AsksForAFreeSize) {
+TEST(PaperChoice, SetsACustomSize) {
     DeviceMode mode = {};
     ChoosePaperSize(mode, {1000, 1500}, DeviceMode{});
     EXPECT_EQ(mode.pub.dmPaperSize, kPaperCustom);
@@ -74,10 +74,10 @@ TEST(PaperChoice, AsksForAFreeSize) {
               static_cast<DWORD>(DM_PAPERSIZE | DM_PAPERLENGTH | DM_PAPERWIDTH | DM_FORMNAME));
 }
 
-TEST(PaperChoice, KeepsTheDefaultLabelFromTakingAFreeSizesPlace) {
+TEST(PaperChoice, KeepsACustomSizeFromBeingReplacedByTheDefaultLabel) {
     DeviceMode defaults = {};
     defaults.priv.dmPaperSize = 260;
-    defaults.priv.units = kUnitsMillimetres;
+    defaults.priv.units = kUnitsMillimeters;
     strcpy(defaults.priv.labelName, "Shipping");
     strcpy(defaults.priv.width_string, "100");
     strcpy(defaults.priv.length_string, "150");
@@ -92,7 +92,7 @@ TEST(PaperChoice, KeepsTheDefaultLabelFromTakingAFreeSizesPlace) {
     EXPECT_EQ(mode.priv.dmPaperSize, 300) << "a label of its own stays";
 }
 
-TEST(PaperChoice, AsksForALabelOfTheList) {
+TEST(PaperChoice, SetsALabelOfTheList) {
     const std::vector<LabelSize> labels = {Label("Small", "50", "25.4", 0, 258),
                                            Label("Shipping", "4", "6", 1, 259)};
     DeviceMode mode = {};
@@ -108,7 +108,7 @@ TEST(PaperChoice, AsksForALabelOfTheList) {
     EXPECT_EQ(mode.priv.units, 1u);
 }
 
-TEST(PaperChoice, NamesTheLabelsThatThereAre) {
+TEST(PaperChoice, NamesAllLabelsIfThereIsNoSuchLabel) {
     DeviceMode mode = {};
     const auto complaint = [&](const std::vector<LabelSize>& labels) -> std::string {
         try {

@@ -15,7 +15,7 @@ int Parse(const char* option, std::string_view text) {
     return ParseSetting(FindSetting(option), text);
 }
 
-// What the option says of a value; empty when it takes it.
+// Returns the option's error for a value; empty if it accepts the value.
 std::string Complaint(const char* option, std::string_view text) {
     try {
         Parse(option, text);
@@ -42,7 +42,7 @@ TEST(SettingTable, NamesEveryOptionOnce) {
     }
 }
 
-TEST(SettingTable, WritesAndReadsEverySettingAlone) {
+TEST(SettingTable, WritesAndReadsEverySettingWithoutTouchingOthers) {
     for (const Setting& setting : Settings()) {
         DeviceMode mode = {};
         const int value = setting.words.empty()
@@ -62,13 +62,13 @@ TEST(SettingTable, WritesAndReadsEverySettingAlone) {
     }
 }
 
-TEST(SettingTable, KeepsTheSignOfEveryWidth) {
+TEST(SettingTable, KeepsTheSignOfFieldsOfEverySize) {
     EXPECT_EQ(Written("--brightness", -100), -100);
     EXPECT_EQ(Written("--print-head-offset", -1000), -1000);
     EXPECT_EQ(Written("--grey", 2), 2);
 }
 
-TEST(SettingTable, WritesTheFieldsThatItsOptionsName) {
+TEST(SettingTable, WritesTheRightFields) {
     DeviceMode mode = {};
     const auto set = [&](const char* option, const char* text) {
         WriteSetting(mode, FindSetting(option), Parse(option, text));
@@ -111,7 +111,7 @@ TEST(SettingTable, WritesTheFieldsThatItsOptionsName) {
               static_cast<DWORD>(DM_PRINTQUALITY | DM_ORIENTATION | DM_COPIES | DM_COLLATE));
 }
 
-TEST(SettingTable, ReadsLengthsInMillimetresAndInches) {
+TEST(SettingTable, ReadsLengthsInMillimetersAndInches) {
     EXPECT_EQ(Parse("--print-head-offset", "2.0mm"), 20);
     EXPECT_EQ(Parse("--print-head-offset", "2 mm"), 20);
     EXPECT_EQ(Parse("--print-head-offset", "+2"), 20);
@@ -140,9 +140,9 @@ TEST(SettingTable, NamesOptionValueAndRangeOfAWrongValue) {
     EXPECT_NE(Complaint("--copies", "99999999999999999999"), "");
 }
 
-TEST(SettingTable, TakesBothSpellingsOfCentre) {
-    EXPECT_EQ(Parse("--align", "centre"), kAlignCentre);
-    EXPECT_EQ(Parse("--align", "center"), kAlignCentre);
+TEST(SettingTable, TakesBothSpellingsOfCenter) {
+    EXPECT_EQ(Parse("--align", "centre"), kAlignCenter);
+    EXPECT_EQ(Parse("--align", "center"), kAlignCenter);
 }
 
 TEST(SettingTable, ShowsValuesAsTheyAreGiven) {

@@ -7,7 +7,7 @@
 #include "tests/tools/orvexprofile/icc_samples.h"
 #include "tests/tools/orvexprofile/profile_samples.h"
 #include "tests/tools/orvexprofile/shown_inks.h"
-#include "tools/common/png_page.h"
+#include "tools/common/png_file.h"
 #include "tools/orvexprofile/driver_colors.h"
 #include "tools/orvexprofile/ink_totals.h"
 #endif
@@ -41,7 +41,7 @@ class ProfileTool : public testing::Test {
         return path;
     }
     std::string Picture() const {
-        tools::view::Picture picture(2, 1, 3);
+        tools::Picture picture(2, 1, 3);
         picture.samples = {255, 255, 255, 255, 0, 0};
         SavePng(picture, 96, Path("in.png"));
         return Path("in.png");

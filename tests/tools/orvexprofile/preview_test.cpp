@@ -3,7 +3,7 @@
 #include "tests/kit/scratch_folder.h"
 #include "tests/tools/orvexprofile/profile_samples.h"
 #include "tests/tools/orvexprofile/shown_inks.h"
-#include "tools/common/png_page.h"
+#include "tools/common/png_file.h"
 #include "tools/orvexprofile/chart.h"
 #include "tools/orvexprofile/driver_colors.h"
 #include "tools/orvexprofile/ink_preview.h"
@@ -17,7 +17,7 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Not;
 
-std::vector<int> PixelAt(const tools::view::Picture& picture, uint32_t x, uint32_t y) {
+std::vector<int> PixelAt(const Picture& picture, uint32_t x, uint32_t y) {
     const uint8_t* samples = picture.At(x, y);
     return {samples, samples + picture.channels};
 }
@@ -81,7 +81,7 @@ class Charts : public testing::Test {
         LoadGenericIntoDriver(PrintVariant::kOther);
         chart_ = DrawChart("Title", PrintVariant::kOther);
     }
-    tools::view::Picture chart_;
+    Picture chart_;
 };
 
 TEST_F(Charts, DrawRampsFromWhiteOverThePrimaryToBlack) {
@@ -148,7 +148,7 @@ TEST_F(Charts, HaveNoPartsThatOverlap) {
 }
 
 TEST_F(Charts, WriteOnlyTheAsciiCharactersOfTheTitle) {
-    const tools::view::Picture untitled = DrawChart("", PrintVariant::kOther);
+    const Picture untitled = DrawChart("", PrintVariant::kOther);
     EXPECT_NE(chart_.samples, untitled.samples);
     EXPECT_EQ(DrawChart("\xC3\xA9Title\n", PrintVariant::kOther).samples, chart_.samples);
 }

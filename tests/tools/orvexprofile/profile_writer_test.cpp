@@ -17,9 +17,8 @@ TEST(ProfileWriter, AFileBeginsWithItsHeaderAndTags) {
     profile.name = "Ab";
     profile.codes = ResolutionCodes{-1, 7};
     const std::string bytes = EncodeProfile(profile);
-    EXPECT_EQ(bytes.substr(0, 25), "ZVC\5" + Number32(39304 + 25) + Number32(0) + '\0' +
-                                       Number16(13) + '\1' + Number16(2) + "Ab" + '\2' +
-                                       Number16(2) + "\xFF\x07");
+    EXPECT_EQ(bytes.substr(0, 25), "ZVC\5" + Number32(39304 + 25) + Number32(0) + '\0' + Number16(13) + '\1' +
+                                       Number16(2) + "Ab" + '\2' + Number16(2) + "\xFF\x07");
     EXPECT_EQ(bytes.size(), 39304u + 25);
     EXPECT_EQ(FileSize(profile), bytes.size());
 }
@@ -161,7 +160,8 @@ TEST(ProfileWriter, LeavesNoFileWhenWritingFails) {
     const std::filesystem::path folder = scratch.Path() / "folder";
     std::filesystem::create_directories(folder / "inner");
     EXPECT_THAT([&] { WriteProfileFile(PaperProfile(), folder); },
-                ThrowsMessage<std::runtime_error>(HasSubstr("is a folder")));
+                ThrowsMessage<std::runtime_error>(HasSubstr("folder is a folder")));
+    EXPECT_FALSE(std::filesystem::exists(scratch.Path() / "folder.part0"));
 }
 
 TEST(ProfileWriter, ReplacesAnOlderFileAsAWhole) {

@@ -9,13 +9,13 @@ namespace orvex::tools::profile {
 
 // Returns it as red, green and blue.
 inline std::vector<int> Shown(uint32_t inks) {
-    const tools::view::Rgb color = InkModelOf(PrintVariant::kOther).OnPaper(inks);
+    const Rgb color = InkModelOf(PrintVariant::kOther).OnPaper(inks);
     return {color.red, color.green, color.blue};
 }
 
 // Returns it as a pixel of a picture.
 inline uint32_t ShownPixel(uint32_t inks) {
-    const tools::view::Rgb color = InkModelOf(PrintVariant::kOther).OnPaper(inks);
+    const Rgb color = InkModelOf(PrintVariant::kOther).OnPaper(inks);
     return ColorIndex(color.red, color.green, color.blue);
 }
 

@@ -1,4 +1,4 @@
-// Print files for the tests: jobs printed with the stand-in engine, the driver's lines put in.
+// Print files for tests: jobs printed with the stand-in engine, with lines of the driver.
 #pragma once
 
 #include <string>
@@ -15,12 +15,12 @@ inline std::vector<uint8_t> AsBytes(std::string_view text) {
     return {text.begin(), text.end()};
 }
 
-// Puts lines where the driver puts its own.
+// Inserts lines where the driver inserts its own.
 inline std::string WithLines(std::string file, std::string_view lines) {
     return file.insert(file.find("@PJL COMMENT"), lines);
 }
 
-// "@PJL SET NAME=number" lines.
+// A job setting, "@PJL SET NAME=number".
 struct Setting {
     const char* name;
     int value;
@@ -44,7 +44,7 @@ inline std::string NumberBytes(uint32_t number) {
     return bytes;
 }
 
-// A record with a right checksum, whatever is in it.
+// Makes a record with a correct checksum, whatever its payload.
 inline std::string MakeRecord(char type, const std::string& payload) {
     const std::string record = type + NumberBytes(static_cast<uint32_t>(payload.size())) + payload;
     const auto* bytes = reinterpret_cast<const uint8_t*>(record.data());

@@ -17,7 +17,7 @@ Options Read(std::vector<std::string> arguments) {
     return options.value_or(Options());
 }
 
-// What is said about a wrong command line.
+// Returns the error for a wrong command line.
 std::string Complaint(std::vector<std::string> arguments) {
     int status = 0;
     testing::internal::CaptureStderr();
@@ -77,7 +77,7 @@ TEST(Options, PicturesCanBeLeftOut) {
     EXPECT_FALSE(Read({"job.prn", "--no-pictures"}).pictures);
 }
 
-TEST(Options, AWrongCommandLineIsNamed) {
+TEST(Options, AWrongCommandLineIsExplained) {
     EXPECT_THAT(Complaint({}), HasSubstr("FILE is required"));
     EXPECT_THAT(Complaint({"a.prn", "b.prn"}), HasSubstr("b.prn"));
     EXPECT_THAT(Complaint({"a.prn", "--scale", "0"}), HasSubstr("--scale: Value 0 not in range 1 to 1000"));
@@ -91,7 +91,7 @@ TEST(Options, AWrongCommandLineIsNamed) {
     EXPECT_THAT(Complaint({"a.prn", "--no-pictures", "--inks"}), HasSubstr("--inks excludes --no-pictures"));
 }
 
-TEST(Options, HelpNamesEveryOptionAndEndsWell) {
+TEST(Options, HelpNamesEveryOptionAndSucceeds) {
     int status = -1;
     testing::internal::CaptureStdout();
     EXPECT_FALSE(ReadOptions({"--help"}, status));

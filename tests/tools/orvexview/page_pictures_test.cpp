@@ -23,7 +23,7 @@ Rgb Gray(int level) {
     return {each, each, each};
 }
 
-// The amounts of ink that a grey picture shows.
+// Returns the amounts of ink that a gray picture shows.
 std::vector<int> Amounts(const Picture& ink) {
     std::vector<int> amounts;
     for (const uint8_t sample : ink.samples) amounts.push_back(255 - sample);
@@ -93,7 +93,7 @@ TEST(PagePictures, CompositeAndInksShowTheSameRows) {
               Samples({255, 0, 255, 255, 255, 251}));
 }
 
-TEST(PagePictures, PixelsAreTakenTogether) {
+TEST(PagePictures, PixelsAreAveraged) {
     const PrintFile file = Print300({{0, 20, 100}, {40, 60, 200}}, {});
     const Picture picture = DrawBlack(file, WholeBlock(file.pages[0]), 2);
     EXPECT_EQ(picture.width, 2u);
@@ -105,7 +105,7 @@ TEST(PagePictures, PixelsAreTakenTogether) {
     EXPECT_EQ(PixelAt(composite, 0, 0), Gray((sum + 2) / 4));
 }
 
-// 300 dpi: the head is 3510 rows wide.
+// The head is 3510 rows wide at 300 dpi.
 TEST(LayoutPicture, ShowsTheBlockInItsPlaceOnTheHead) {
     EngineOutput output;
     const uint64_t job = output.StartJob(kMode300Dpi);
@@ -134,7 +134,7 @@ TEST(LayoutPicture, ShowsTheBlockInItsPlaceOnTheHead) {
     EXPECT_EQ(PixelAt(layout, 0, kM + 3510), kPaperWhite);
 }
 
-TEST(LayoutPicture, TicksStandEveryTenMillimetresAndLongerEveryFifty) {
+TEST(LayoutPicture, HasTicksEveryTenMillimetersAndLongerOnesEveryFifty) {
     const PrintFile file = Print300({{0}}, {{"ORIGX", 1}, {"ORIGY", 1}});
     const Picture layout = DrawLayout(file, file.pages[0], PlacePage(file, file.pages[0]), 1);
     const auto tickLength = [&](uint32_t mm) {
@@ -150,8 +150,9 @@ TEST(LayoutPicture, TicksStandEveryTenMillimetresAndLongerEveryFifty) {
     EXPECT_EQ(tickLength(290), 6u);
 }
 
-// Fill rows with the wet-nozzle pattern in front and behind, a purge bar in front of each row.
-TEST(LayoutPicture, FillRowsAndPurgeBarStandOnColoredPaper) {
+// There are fill rows with the wet-nozzle pattern before and after the image, and a purge bar before each
+// row.
+TEST(LayoutPicture, ShowsFillRowsAndPurgeBarOnColoredPaper) {
     const uint32_t dot = 0xFFFFFFFF;
     Rows rows(3510, {dot, 0x00000033, 0});
     rows[1755] = {0, 0x000000FF, 0};
@@ -179,7 +180,7 @@ TEST(LayoutPicture, FillRowsAndPurgeBarStandOnColoredPaper) {
     EXPECT_EQ(PixelAt(layout, kM + 2, kM + 3509), kFillPaper);
 }
 
-TEST(LayoutPicture, ThePurgeBarsGapIsTinted) {
+TEST(LayoutPicture, TintsTheGapOfThePurgeBar) {
     const PrintFile file =
         Print300({{0, 0, 0, 255}}, {{"ORIGX", 1}, {"ORIGY", 1}, {"PURGEBAR", 1}, {"PURGEDOTS", 3}});
     const Picture layout = DrawLayout(file, file.pages[0], PlacePage(file, file.pages[0]), 1);
@@ -187,7 +188,7 @@ TEST(LayoutPicture, ThePurgeBarsGapIsTinted) {
     EXPECT_EQ(PixelAt(layout, kLayoutMargin + 3, kLayoutMargin), kSolidBlack);
 }
 
-TEST(LayoutPicture, AnyScaleFits) {
+TEST(LayoutPicture, FitsAtAnyScale) {
     EngineOutput output;
     const uint64_t job = output.StartJob(kMode300Dpi);
     PrintPage(job, Rows(11, std::vector<uint32_t>(13, 77)), 3499);

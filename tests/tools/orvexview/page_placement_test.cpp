@@ -8,7 +8,7 @@ namespace orvex::tools::view {
 
 namespace {
 
-// A job and one page of it, as the driver makes them.
+// A job of one page.
 struct Job {
     Job(uint32_t mode, const std::vector<Setting>& settings) {
         file.resolutionMode = mode;
@@ -46,7 +46,7 @@ Job PortraitJob(std::vector<Setting> settings) {
     return job;
 }
 
-// The same label between fill rows that make it as wide as the head.
+// Makes a job of the same label between fill rows that make it as wide as the head.
 Job FullWidthJob(int alignment, int headOffset, uint32_t rows) {
     Job job = PortraitJob({{"FULLWIDTH", 1}, {"KWS", 1}, {"ALIGN", alignment}, {"PHOFFSET", headOffset}});
     job.page.announcedRows = 7020;
@@ -100,9 +100,8 @@ TEST(PagePlacement, ASquareLabelIsTakenForPortrait) {
     EXPECT_TRUE(job.Place(Orientation::kLandscape).explained);
 }
 
-// A page shorter than the head's own length lies centred: 1200 units are in front of its first row and behind
-// the last.
-TEST(PagePlacement, AShortPageLiesCenteredUnderTheHead) {
+// A page shorter than the head is centered, with 1200 units before its first row and after its last one.
+TEST(PagePlacement, AShortPageIsCenteredUnderTheHead) {
     Job job = PortraitJob({{"ALIGN", 1}});
     job.page.length = 12 * kLabelWidth + 2400;
     EXPECT_EQ(job.Place().headTop, (86616u - 12 * 2362 - 2400) / 2 / 12);
@@ -112,7 +111,7 @@ TEST(PagePlacement, AShortPageLiesCenteredUnderTheHead) {
     EXPECT_EQ(job.Place().headTop, 94u);
 }
 
-TEST(PagePlacement, ALeadingPurgeBarStandsInFrontOfTheImage) {
+TEST(PagePlacement, ALeadingPurgeBarIsBeforeTheImage) {
     Job job = PortraitJob({{"PURGEBAR", 1}, {"PURGEDOTS", 10}, {"PURGEGAP", 5}});
     job.page.rowWidth = 3543 + 10 + 23 * 5;
     const PagePlacement placement = job.Place();
@@ -123,7 +122,7 @@ TEST(PagePlacement, ALeadingPurgeBarStandsInFrontOfTheImage) {
     EXPECT_TRUE(placement.PurgeLeads());
 }
 
-TEST(PagePlacement, ATrailingPurgeBarStandsBehindTheImage) {
+TEST(PagePlacement, ATrailingPurgeBarIsAfterTheImage) {
     Job job(kMode300Dpi,
             {{"ORIGX", 1417}, {"ORIGY", 945}, {"PURGEBAR", 2}, {"PURGEDOTS", 1}, {"PURGEGAP", 15}});
     job.page = MakePage(90'000, 86616, 1417 + 1 + 11 * 15, 945);
@@ -134,7 +133,7 @@ TEST(PagePlacement, ATrailingPurgeBarStandsBehindTheImage) {
     EXPECT_FALSE(placement.PurgeLeads());
 }
 
-TEST(PagePlacement, APurgeBarThatFillsTheRowIsNone) {
+TEST(PagePlacement, APurgeBarAsWideAsTheRowIsIgnored) {
     Job job = PortraitJob({{"PURGEBAR", 1}, {"PURGEDOTS", 3543}});
     EXPECT_EQ(job.Place().purgeWidth, 0u);
     EXPECT_EQ(job.Place().imageWidth, 3543u);
@@ -142,13 +141,13 @@ TEST(PagePlacement, APurgeBarThatFillsTheRowIsNone) {
     EXPECT_EQ(PortraitJob({{"PURGEBAR", 1}, {"PURGEDOTS", -5}, {"PURGEGAP", -5}}).Place().purgeWidth, 0u);
 }
 
-TEST(PagePlacement, FillRowsStandOnTheSideThatTheAlignmentLeaves) {
+TEST(PagePlacement, FillRowsAreOnTheSideThatTheAlignmentLeaves) {
     ExpectFill(FullWidthJob(0, 0, 7020), 4658, 0);
     ExpectFill(FullWidthJob(1, 0, 7020), 2329, 2329);
     ExpectFill(FullWidthJob(2, 0, 7020), 0, 4658);
 }
 
-// 2.0 mm are 47 rows at 600 dpi.
+// An offset of 2.0 mm is 47 rows at 600 dpi.
 TEST(PagePlacement, ThePrintHeadOffsetMovesFillRows) {
     ExpectFill(FullWidthJob(0, 20, 7020), 4658 - 47, 47);
     ExpectFill(FullWidthJob(0, -20, 7020), 4658, 0);
@@ -156,13 +155,13 @@ TEST(PagePlacement, ThePrintHeadOffsetMovesFillRows) {
     ExpectFill(FullWidthJob(2, 20, 7020), 0, 4658);
 }
 
-TEST(PagePlacement, OnACenteredLabelTheOffsetChangesBothFillsAlike) {
+TEST(PagePlacement, OnACenteredLabelTheOffsetChangesBothSidesAlike) {
     ExpectFill(FullWidthJob(1, 20, 7020 - 94), 2329 - 47, 2329 - 47);
     ExpectFill(FullWidthJob(1, -20, 7020 + 92), 2329 + 46, 2329 + 46);
     ExpectFill(FullWidthJob(1, 1000, 2362), 0, 0);
 }
 
-TEST(PagePlacement, APurgeBarAloneMakesFullWidthToo) {
+TEST(PagePlacement, APurgeBarAloneAlsoMakesFullWidth) {
     Job job = PortraitJob({{"FULLWIDTH", 1}, {"ALIGN", 2}, {"PURGEBAR", 2}, {"PURGEDOTS", 1}});
     job.page.rowWidth = 3544;
     job.page.announcedRows = job.page.rows = 7020;
@@ -172,7 +171,7 @@ TEST(PagePlacement, APurgeBarAloneMakesFullWidthToo) {
     EXPECT_FALSE(job.Place().explained) << "without wet nozzles and purge bar there is no full width";
 }
 
-TEST(PagePlacement, APageThatTheHeaderDoesNotTellIsItsWholeBlock) {
+TEST(PagePlacement, APageThatTheHeaderDoesNotExplainIsItsWholeBlock) {
     Job job = PortraitJob({{"PURGEBAR", 1}, {"PURGEDOTS", 10}});
     job.page.rowWidth = 1000;
     job.page.rows = job.page.announcedRows = 500;
@@ -193,7 +192,7 @@ TEST(PagePlacement, AHeaderWithoutSettingsExplainsNothing) {
     EXPECT_EQ(job.Place().imageRows, 20u);
 }
 
-TEST(PagePlacement, SettingsOutOfAllRangesDoNoHarm) {
+TEST(PagePlacement, SettingsOutOfRangeDoNoHarm) {
     for (const int extreme : {-1'000'000, 1'000'000}) {
         Job job(kMode600Dpi, {{"ORIGX", extreme},
                               {"ORIGY", extreme},

@@ -55,7 +55,7 @@ TEST(PjlHeader, KeepsTheVariablesInTheirOrder) {
     EXPECT_FALSE(header.thumbnail);
 }
 
-TEST(PjlHeader, TheThumbnailStandsApart) {
+TEST(PjlHeader, KeepsTheThumbnailApart) {
     const PjlHeader header = ReadLines("@PJL SET COPIES=1\n@PJL SET QRV_THUMBNAIL=\"iVBORw0=\"\n");
     EXPECT_THAT(header.variables, ElementsAre(HeaderVariable{"COPIES", "1"}));
     EXPECT_EQ(header.thumbnail, "iVBORw0=");
@@ -65,18 +65,18 @@ TEST(PjlHeader, AnEmptyQuotedValueIsEmpty) {
     EXPECT_THAT(ReadLines("@PJL JOB NAME=\"\"\n").variables, ElementsAre(HeaderVariable{"JOB NAME", ""}));
 }
 
-TEST(PjlHeader, AQuotedValueMayHoldLineFeedsAndQuotes) {
+TEST(PjlHeader, AQuotedValueMayContainLineFeedsAndQuotes) {
     const PjlHeader header = ReadLines("@PJL JOB NAME=\"one\n@PJL two \"2\" \nthree\"\n@PJL SET COPIES=1\n");
     EXPECT_THAT(header.variables, ElementsAre(HeaderVariable{"JOB NAME", "one\n@PJL two \"2\" \nthree"},
                                               HeaderVariable{"COPIES", "1"}));
 }
 
-TEST(PjlHeader, AValueThatIsOneQuoteGoesOn) {
+TEST(PjlHeader, AValueThatIsOneQuoteContinues) {
     EXPECT_THAT(ReadLines("@PJL JOB NAME=\"\nx\"\n").variables,
                 ElementsAre(HeaderVariable{"JOB NAME", "\nx"}));
 }
 
-TEST(PjlHeader, NumbersAreReadWhole) {
+TEST(PjlHeader, OnlyWholeValuesAreNumbers) {
     const PjlHeader header = ReadLines(
         "@PJL SET A=-20\n@PJL SET B=12x\n@PJL SET C=\n@PJL SET D=1000000\n@PJL SET E=1000001\n"
         "@PJL SET F=99999999999\n@PJL SET A=7\n");
@@ -100,7 +100,7 @@ TEST(PjlHeader, SaysWhatIsWrongWithItsOpening) {
               "offset 9: the file ends within a PJL line: \"@PJL\"; expected a line feed");
 }
 
-TEST(PjlHeader, KnowsTheFramingChunkThatShouldNotBeThere) {
+TEST(PjlHeader, RecognizesAFramingChunkThatShouldHaveBeenDropped) {
     EXPECT_EQ(
         HeaderErrorOf(PrintJob({{{1}}}).chunks[0] + std::string(kStart)),
         "offset 0: the engine's framing chunk, which the driver should have dropped; expected the universal "
@@ -117,7 +117,7 @@ TEST(PjlHeader, SaysWhichLineIsWrong) {
               "offset 14: PJL line \"@PJL SET =1\" sets nothing; expected NAME=VALUE");
 }
 
-TEST(PjlHeader, SaysWhereALineOrAValueBreaksOff) {
+TEST(PjlHeader, SaysWhereALineOrAValueEndsEarly) {
     EXPECT_EQ(ErrorOfLines("@PJL SET COP"),
               "offset 14: the file ends within a PJL line: \"@PJL SET COP\"; expected a line feed");
     EXPECT_EQ(ErrorOfLines("@PJL JOB NAME=\"ab\n"),

@@ -43,8 +43,8 @@ const std::string kPageEnd = MakeRecord('p', NumberBytes(1));
 const std::string kJobEnd = MakeRecord('j', NumberBytes(1));
 const std::string kExit = "\x1B%-12345X";
 
-// The error of a file whose record behind `before` is `record`, without its offset, which has to be `within`
-// bytes into the record.
+// Returns the error of a file whose records are `before` and `record`, without its offset, which must be
+// `within` bytes into `record`.
 std::string ErrorIn(const std::string& before, const std::string& record, size_t within) {
     const std::string error = ErrorOf(Opening() + before + record);
     const std::string offset = Offset(Opening().size() + before.size() + within);
@@ -89,7 +89,7 @@ TEST(PrintFile, KnowsTheResolutionOfEachMode) {
     EXPECT_EQ(ParsePrintFile(AsBytes(MakeFile({kSmallPage}, "", 2))).dpi, 150u);
 }
 
-TEST(PrintFile, TakesTheNumberThatTheDriverPutIntoTheResolutionCommand) {
+TEST(PrintFile, TakesTheNumberThatTheDriverWroteIntoTheResolutionCommand) {
     for (const int code : {0, -1, 7, 48, 127, -128}) {
         std::string bytes = MakeFile({kSmallPage});
         bytes.replace(bytes.find(kResolution), kResolution.size(), "\x1B*o" + std::to_string(code) + "M");
@@ -114,12 +114,12 @@ TEST(PrintFile, ReadsFromAFile) {
     EXPECT_EQ(ReadRows(ReadPrintFile(path).pages[0]), kSmallPage);
 }
 
-TEST(PrintFile, AFileThatIsNotThereIsAnError) {
+TEST(PrintFile, AMissingFileIsAnError) {
     const ScratchFolder folder;
     EXPECT_THROW(ReadPrintFile(folder.Path() / "none.prn"), std::system_error);
 }
 
-TEST(PrintFile, AFolderIsNoPrintFile) {
+TEST(PrintFile, AFolderIsNotAPrintFile) {
     const ScratchFolder folder;
     EXPECT_THROW(ReadPrintFile(folder.Path()), std::exception);
 }
@@ -128,7 +128,7 @@ TEST(PrintFile, AJobMadeByHandIsSound) {
     EXPECT_EQ(ErrorOf(Opening() + kBeforeRows + kRows + kBlockEnd + kPageEnd + kJobEnd + kExit), "none");
 }
 
-TEST(PrintFile, NamesTheRecordThatShouldHaveCome) {
+TEST(PrintFile, NamesTheExpectedRecord) {
     EXPECT_EQ(ErrorIn("", kPageStart, 0), "page start; expected job start");
     EXPECT_EQ(ErrorIn(kJobStart, kPageStart, 0),
               "page start; expected a resolution command ESC*o, a number from -128 to 127, M");
@@ -229,7 +229,7 @@ TEST(PrintFile, NothingFollowsTheClosingExit) {
     EXPECT_EQ(ErrorIn(whole, "", 0), "0 bytes that are not the closing universal exit ESC%-12345X");
 }
 
-TEST(PrintFile, SaysWithinWhatTheFileEnds) {
+TEST(PrintFile, NamesTheRecordInWhichTheFileEnds) {
     EXPECT_EQ(ErrorIn("", "", 0), "the file ends within job start: 1 bytes expected, 0 left");
     EXPECT_EQ(ErrorIn("", kJobStart.substr(0, 3), 1),
               "the file ends within job start: 4 bytes expected, 2 left");
@@ -247,8 +247,8 @@ TEST(PrintFile, EveryTruncationIsAnError) {
     }
 }
 
-// In front of the records a changed byte may still be good PJL; in the records, only in the number of a
-// resolution command.
+// A changed byte before the records may still be valid PJL. In the records only the number of a resolution
+// command may change.
 TEST(PrintFile, EveryChangedByteOfTheRecordsIsAnError) {
     const std::string sound = MakeFile({kSmallPage});
     const size_t records = sound.find("STANDIN\n", sound.find("@PJL ENTER")) + 8;
@@ -289,7 +289,7 @@ TEST(PrintFile, RandomDamageEndsInAnErrorOrInSoundPages) {
     }
 }
 
-// Records with right checksums get past the first line of defence.
+// Correct checksums let the row code reach the decoder.
 TEST(PrintFile, RandomRowCodeEndsInAnErrorOrInSoundPages) {
     std::mt19937 random(17);
     for (int round = 0; round < 5'000; ++round) {

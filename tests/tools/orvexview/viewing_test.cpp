@@ -8,7 +8,7 @@
 
 #include "tests/kit/scratch_folder.h"
 #include "tests/tools/orvexview/made_files.h"
-#include "tools/common/png_page.h"
+#include "tools/common/png_file.h"
 #include "tools/common/wide_text.h"
 
 namespace orvex::tools::view {
@@ -19,7 +19,7 @@ using testing::HasSubstr;
 
 namespace {
 
-// A label of 3 x 2 pixels, sent turned; two pages of it.
+// A label of 3 x 2 pixels, sent turned.
 const Rows kPageRows = {{0x000000FF, 0}, {0, 0}, {0, 0x0000FF00}};
 const std::vector<Setting> kSettings = {{"COPIES", 2}, {"ORIGX", 3}, {"ORIGY", 2}, {"PHOFFSET", 20}};
 
@@ -50,7 +50,7 @@ class ViewingTest : public testing::Test {
         return "none";
     }
 
-    // Names of all files but the print file.
+    // Returns the names of all files except the print file.
     std::set<std::string> Written() const {
         std::set<std::string> names;
         for (const auto& entry : fs::directory_iterator(folder_.Path())) {
@@ -111,7 +111,7 @@ TEST_F(ViewingTest, ShowsTheGeometryOfEveryPage) {
     EXPECT_TRUE(Written().empty());
 }
 
-TEST_F(ViewingTest, SaysWhatTheHeaderDoesNotTell) {
+TEST_F(ViewingTest, SaysThatTheHeaderLacksTheOrientation) {
     PrintLabels("");
     options_.pictures = false;
     EXPECT_THAT(Show(), HasSubstr("landscape, not told by the job header"));
@@ -130,7 +130,7 @@ TEST_F(ViewingTest, ShowsPurgeBarFillAndOffsetsWithTheirLengths) {
                                             {"PURGEGAP", 10},
                                             {"ALIGN", 1},
                                             {"PHOFFSET", 20}});
-    rows.resize(3510 - 2 * 24);  // 2.0 mm are 24 rows
+    rows.resize(3510 - 2 * 24);  // an offset of 2.0 mm is 24 rows
     EngineOutput output;
     const uint64_t job = output.StartJob(kMode300Dpi);
     HPCRLIB_PageStart(job, 24 * 215 + 2400, 86616);
@@ -193,7 +193,7 @@ TEST_F(ViewingTest, LargePagesAreScaledToFit) {
     EXPECT_THAT(Show(), HasSubstr("-page1.png: 3201 x 2 pixels\n"));
 }
 
-TEST_F(ViewingTest, TakesTheThumbnailOut) {
+TEST_F(ViewingTest, ExtractsTheThumbnail) {
     PrintLabels("@PJL SET QRV_THUMBNAIL=\"iVBORw0KGgo=\"\n");
     options_.pictures = false;
     options_.thumbnail = Name("thumb.png");
@@ -229,25 +229,25 @@ TEST_F(ViewingTest, SaysThatSizesDiffer) {
     EXPECT_EQ(Complaint(), "the page is 3 x 2 pixels, the picture 2 x 3; they can't be compared");
 }
 
-TEST_F(ViewingTest, NamesAPageThatIsNotThere) {
+TEST_F(ViewingTest, NamesAPageThatDoesNotExist) {
     PrintLabels();
     options_.pages = {1, 3};
     EXPECT_EQ(Complaint(), "there is no page 3; the job has 2");
     EXPECT_TRUE(Written().empty());
 }
 
-TEST_F(ViewingTest, NamesAPictureThatCanNotBeWritten) {
+TEST_F(ViewingTest, NamesAPictureThatCannotBeWritten) {
     PrintLabels();
     options_.prefix = Name("none/job");
     EXPECT_THAT(Complaint(), HasSubstr("job-page1.png can't be written"));
 }
 
-TEST_F(ViewingTest, AFileThatIsNoPrintFileIsNamedByItsFirstBytes) {
+TEST_F(ViewingTest, QuotesTheFirstBytesOfAFileThatIsNotAPrintFile) {
     WriteBytes(PathFromUtf8(options_.file), "GIF89a");
     EXPECT_EQ(Complaint(), "offset 0: \"GIF89a\"; expected the universal exit ESC%-12345X");
 }
 
-TEST_F(ViewingTest, AFileThatIsNotThereIsSaidToBe) {
+TEST_F(ViewingTest, SaysThatTheFileIsMissing) {
     EXPECT_THAT(Complaint(), HasSubstr("can't open the file"));
 }
 

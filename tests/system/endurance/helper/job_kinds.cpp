@@ -9,8 +9,8 @@
 
 #include "tests/driver/profiles/large_profile.h"
 #include "tests/driver/profiles/profile_bytes.h"
-#include "tests/driver/test_mode.h"
 #include "tests/kit/scratch_folder.h"
+#include "tests/plain/valid_device_mode.h"
 
 namespace orvex {
 
@@ -41,7 +41,7 @@ void Require(bool done, const char* hook) {
 }
 
 DeviceMode ModeOf(const JobKind& kind) {
-    DeviceMode mode = ValidTestMode(kind.profile);
+    DeviceMode mode = ValidDeviceMode(kind.profile);
     mode.pub.dmOrientation = kind.landscape ? DMORIENT_LANDSCAPE : DMORIENT_PORTRAIT;
     mode.pub.dmPaperWidth = kSmallestSide;
     mode.pub.dmPaperLength = kSmallestSide + 40;

@@ -1,7 +1,7 @@
 #include "tests/system/endurance/helper/mutex_owner.h"
 
 #ifdef _WIN32
-#include "driver/support/heap.h"
+#include "driver/support/handle.h"
 #endif
 
 namespace orvex {

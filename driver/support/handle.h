@@ -1,0 +1,25 @@
+// Owner of a kernel handle.
+#pragma once
+
+#include "platform/windows.h"
+
+namespace orvex {
+
+// Closes a file or other kernel handle when it goes out of scope.
+class OwnedHandle {
+  public:
+    explicit OwnedHandle(HANDLE handle) : handle_(handle) {}
+    ~OwnedHandle() {
+        if (*this) CloseHandle(handle_);
+    }
+    OwnedHandle(const OwnedHandle&) = delete;
+    OwnedHandle& operator=(const OwnedHandle&) = delete;
+
+    explicit operator bool() const { return handle_ != nullptr && handle_ != INVALID_HANDLE_VALUE; }
+    HANDLE Get() const { return handle_; }
+
+  private:
+    HANDLE handle_;
+};
+
+}  // namespace orvex

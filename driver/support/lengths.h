@@ -1,0 +1,9 @@
+// Units of length: paper and labels are measured in tenths of a millimeter.
+#pragma once
+
+namespace orvex {
+
+inline constexpr int kTenthsMmPerMm = 10;
+inline constexpr int kTenthsMmPerInch = 254;
+
+}  // namespace orvex

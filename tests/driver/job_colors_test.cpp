@@ -1,0 +1,86 @@
+// The profile and the color adjustment of a job.
+
+#include "tests/driver/print_job_fixture.h"
+
+namespace orvex {
+
+using namespace tools;
+using testing::AllOf;
+using testing::Contains;
+using testing::HasSubstr;
+using testing::Not;
+
+using JobColors = PrintJobTest;
+
+TEST_F(JobColors, AreLoadedFromAProfileThatIsLogged) {
+    const auto device = Enable(Mode());
+    LogLines();
+    ASSERT_TRUE(Start(*device));
+    const auto lines = LogLines();
+    EXPECT_THAT(lines, Contains("[Info]  Load profile [test.zvp]"));
+    EXPECT_THAT(lines, Contains("[Info]  Profile version:5"));
+    Session().EndDoc(*device);
+}
+
+TEST_F(JobColors, AreGenericWithoutAProfile) {
+    std::filesystem::remove_all(installation.Path() / "profiles");
+    DeviceMode mode = Mode();
+    mode.priv.colorProfile[0] = 0;
+    EXPECT_THAT(HeaderOf(mode), HasSubstr("@PJL SET PROFILE=\"Default\"\n"));
+    EXPECT_THAT(LogLines(),
+                AllOf(Contains("[Info]  Load deafult profile"), Contains("[Info]  generic profile")));
+}
+
+TEST_F(JobColors, GiveTheHeaderTheProfilesNameAndResolutionCode) {
+    EXPECT_THAT(HeaderOf(Mode()),
+                AllOf(HasSubstr("@PJL SET PROFILE=\"Test colours\"\n"), HasSubstr("@PJL SET HPRES=3\n")));
+}
+
+TEST_F(JobColors, AreGenericForAMissingProfileWhoseFileNameIsKept) {
+    DeviceMode mode = Mode();
+    mode.priv.colorProfile[0] = 'r';
+    EXPECT_THAT(HeaderOf(mode),
+                AllOf(HasSubstr("@PJL SET PROFILE=\"rest.zvp\"\n"), HasSubstr("@PJL SET HPRES=48\n")));
+    EXPECT_THAT(LogLines(), Contains("[Error] Error: could not open file [profiles\\rest.zvp]"));
+}
+
+TEST_F(JobColors, HaveNoResolutionCodeFromTheJobBefore) {
+    HeaderOf(Mode());
+    Printer().written.clear();
+    std::filesystem::remove_all(installation.Path() / "profiles");
+    DeviceMode mode = Mode();
+    mode.priv.colorProfile[0] = 0;
+    EXPECT_THAT(HeaderOf(mode), HasSubstr("@PJL SET HPRES=48\n"));
+}
+
+TEST_F(JobColors, AreNotAdjustedWhenAllValuesAreZero) {
+    const auto device = Enable(Mode());
+    LogLines();
+    ASSERT_TRUE(Start(*device));
+    EXPECT_THAT(LogLines(), Not(Contains(HasSubstr("ca "))));
+    Session().EndDoc(*device);
+}
+
+TEST_F(JobColors, AreAdjustedWhenAnyValueIsSet) {
+    DeviceMode mode = Mode();
+    mode.priv.adj_brightness = 1;
+    mode.priv.adj_saturation = 2;
+    mode.priv.adj_colortone = 3;
+    mode.priv.adj_cyan = 4;
+    mode.priv.adj_magenta = 5;
+    mode.priv.adj_yellow = 6;
+    mode.priv.adj_black = -7;
+    const auto device = Enable(mode);
+    LogLines();
+    ASSERT_TRUE(Start(*device));
+    // T, B, S, C, K, Y, M: tone 3 / 100 * 3500, brightness 1 / 200, saturation 2 / 100, cyan 4 * 50,
+    // black -7 * 9341 / 400, yellow 6 * 50, magenta 5 * 50
+    EXPECT_THAT(
+        LogLines(),
+        AllOf(Contains("[Error] ca t:3,b:1,s:2,C:4,M:5,Y:6,K:-7"),
+              Contains(
+                  "[Error] ca 105.000000,0.005000,0.020000,200.000000,-163.467500,300.000000,250.000000")));
+    Session().EndDoc(*device);
+}
+
+}  // namespace orvex

@@ -1,0 +1,194 @@
+#include "tools/common/png_file.h"
+
+#include <gmock/gmock.h>
+
+#include "tests/kit/scratch_folder.h"
+#include "tests/tools/common/made_picture.h"
+#include "tests/tools/common/png_maker.h"
+#include "tools/common/wide_text.h"
+
+namespace orvex::tools {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+namespace {
+
+std::vector<uint32_t> DecodedPixels(const RasterImage& image) {
+    return {image.pixels.get(), image.pixels.get() + size_t{image.width} * image.height};
+}
+
+// Returns the decoder's error for a file; empty if it accepts the file.
+std::string DecodingError(const std::vector<uint8_t>& file) {
+    try {
+        DecodePng(file);
+        return {};
+    } catch (const PageError& error) {
+        return error.what();
+    }
+}
+
+// Makes the header of a PNG claim a size that its data does not have; the header's checksum is right.
+std::vector<uint8_t> WithClaimedSize(std::vector<uint8_t> file, uint32_t width, uint32_t height) {
+    for (int i = 0; i < 4; ++i) {
+        file[16 + i] = static_cast<uint8_t>(width >> (24 - 8 * i));
+        file[20 + i] = static_cast<uint8_t>(height >> (24 - 8 * i));
+    }
+    const unsigned checksum = lodepng_crc32(&file[12], 17);
+    for (int i = 0; i < 4; ++i) file[29 + i] = static_cast<uint8_t>(checksum >> (24 - 8 * i));
+    return file;
+}
+
+}  // namespace
+
+TEST(PngFile, BecomesPixelsOfRedGreenAndBlue) {
+    const RasterImage image = DecodePng(MakePng({.width = 2, .height = 2}, {1, 2, 3, 255, 4, 5, 6, 255,  //
+                                                                            7, 8, 9, 255, 255, 0, 0, 255}));
+    EXPECT_EQ(image.width, 2u);
+    EXPECT_EQ(image.height, 2u);
+    EXPECT_THAT(DecodedPixels(image), ElementsAre(0x010203u, 0x040506u, 0x070809u, 0xFF0000u));
+    EXPECT_FALSE(image.density);
+}
+
+TEST(PngFile, ShowsTheWhiteLabelWhereItIsTransparent) {
+    const RasterImage image =
+        DecodePng(MakePng({.width = 4, .height = 1}, {0, 0, 0, 0, 0, 0, 0, 255, 255, 0, 0, 128, 9, 9, 9, 1}));
+    EXPECT_THAT(DecodedPixels(image), ElementsAre(0xFFFFFFu, 0x000000u, 0xFF7F7Fu, 0xFEFEFEu));
+}
+
+TEST(PngFile, MayBeOfAnyColorType) {
+    EXPECT_THAT(DecodedPixels(DecodePng(MakePng({.width = 2, .color = LCT_GREY}, {0, 200}))),
+                ElementsAre(0u, 0xC8C8C8u));
+    EXPECT_THAT(DecodedPixels(DecodePng(MakePng({.width = 8, .color = LCT_GREY, .bitDepth = 1}, {0x80})))[0],
+                0xFFFFFFu);
+    EXPECT_THAT(DecodedPixels(DecodePng(MakePng({.width = 2, .color = LCT_GREY_ALPHA}, {0, 255, 0, 0}))),
+                ElementsAre(0u, 0xFFFFFFu));
+    EXPECT_THAT(DecodedPixels(DecodePng(MakePng({.width = 1, .color = LCT_RGB}, {1, 2, 3}))),
+                ElementsAre(0x010203u));
+    EXPECT_THAT(DecodedPixels(DecodePng(MakePng({.width = 2, .color = LCT_PALETTE}, {0, 1}))),
+                ElementsAre(0u, 0xFF0000u));
+    EXPECT_THAT(
+        DecodedPixels(DecodePng(MakePng({.width = 1, .color = LCT_RGB, .bitDepth = 16}, {1, 0, 2, 0, 3, 0}))),
+        ElementsAre(0x010203u));
+}
+
+TEST(PngFile, MayBeInterlaced) {
+    std::vector<uint8_t> samples;
+    for (int i = 0; i < 17 * 13; ++i) samples.push_back(static_cast<uint8_t>(i * 7));
+    const PngRecipe plain{.width = 17, .height = 13, .color = LCT_GREY};
+    PngRecipe interlaced = plain;
+    interlaced.interlaced = true;
+    EXPECT_EQ(DecodedPixels(DecodePng(MakePng(plain, samples))),
+              DecodedPixels(DecodePng(MakePng(interlaced, samples))));
+    // The smallest pictures have more passes than rows.
+    EXPECT_EQ(DecodePng(MakePng({.width = 1, .height = 1, .color = LCT_GREY, .interlaced = true}, {5})).width,
+              1u);
+}
+
+TEST(PngFile, HasADensityIfThatIsInMeters) {
+    const std::vector<uint8_t> gray = {0};
+    const auto density = [&](unsigned x, unsigned y, unsigned unit) {
+        return DecodePng(
+                   MakePng({.color = LCT_GREY, .densityX = x, .densityY = y, .densityUnit = unit}, gray))
+            .density;
+    };
+    ASSERT_TRUE(density(11811, 23622, 1));
+    EXPECT_EQ(density(11811, 23622, 1)->x, 11811);
+    EXPECT_EQ(density(11811, 23622, 1)->y, 23622);
+    EXPECT_FALSE(density(1, 1, 0)) << "only a shape";
+    EXPECT_FALSE(density(0, 23622, 1)) << "no size at all";
+}
+
+TEST(PngFile, IsRefusedIfItIsNotAPng) {
+    EXPECT_THAT(DecodingError({}), StartsWith("is a damaged PNG file: "));
+    EXPECT_EQ(DecodingError(std::vector<uint8_t>(100, 'x')), "is no PNG file");
+}
+
+TEST(PngFile, IsRefusedWhereverItIsTruncated) {
+    const std::vector<uint8_t> whole = MakePlainPng(9, 9, 11811, 0x102030);
+    for (size_t size = 0; size < whole.size() - 12; ++size) {
+        EXPECT_THAT(DecodingError({whole.begin(), whole.begin() + static_cast<ptrdiff_t>(size)}),
+                    StartsWith("is a damaged"))
+            << size;
+    }
+}
+
+TEST(PngFile, SurvivesAChangeOfAnyByte) {
+    const std::vector<uint8_t> whole = MakePlainPng(9, 9, 11811, 0x102030);
+    for (size_t at = 0; at < whole.size(); ++at) {
+        for (const int flip : {1, 0x80, 0xFF}) {
+            std::vector<uint8_t> damaged = whole;
+            damaged[at] ^= static_cast<uint8_t>(flip);
+            DecodingError(damaged);  // must return a picture or throw its error
+        }
+    }
+}
+
+TEST(PngFile, IsRefusedIfItClaimsToBeLargerThanAnyLabel) {
+    const std::vector<uint8_t> tiny = MakePlainPng(2, 2, 0);
+    EXPECT_EQ(DecodingError(WithClaimedSize(tiny, 2147483647, 2147483647)),
+              "is larger than any label: 2147483647 x 2147483647 pixels");
+    EXPECT_EQ(DecodingError(WithClaimedSize(tiny, 20000, 20000)),
+              "is larger than any label: 20000 x 20000 pixels");
+    EXPECT_THAT(DecodingError(WithClaimedSize(tiny, 0, 4)), StartsWith("is a damaged"));
+}
+
+TEST(PngFile, IsRefusedIfItUnpacksToMoreThanItsSize) {
+    // 4 MB of zeros after a header that claims one gray pixel.
+    const std::vector<uint8_t> bomb =
+        MakePng({.width = 2048, .height = 2048, .color = LCT_GREY}, std::vector<uint8_t>(2048 * 2048));
+    EXPECT_THAT(DecodingError(WithClaimedSize(bomb, 1, 1)), StartsWith("is a damaged"));
+}
+
+TEST(PngFile, IsNamedInEveryError) {
+    const ScratchFolder scratch;
+    const auto complaint = [](const std::filesystem::path& path) -> std::string {
+        try {
+            LoadPng(path);
+            return {};
+        } catch (const PageError& error) {
+            return error.what();
+        }
+    };
+    const std::filesystem::path name = scratch.Path() / PathFromUtf8("K\xC3\xA4se \xE2\x82\xAC.png");
+    EXPECT_EQ(complaint(name), Utf8FromPath(name) + " can't be opened");
+    WriteBytes(name, "this is text");
+    EXPECT_THAT(complaint(name), HasSubstr("K\xC3\xA4se \xE2\x82\xAC.png is a damaged PNG file: "));
+    EXPECT_EQ(complaint(scratch.Path()), Utf8FromPath(scratch.Path()) + " is a folder");
+    WriteBytes(name, AsText(MakePlainPng(3, 4, 0)));
+    EXPECT_EQ(LoadPng(name).height, 4u);
+}
+
+TEST(PngFile, KeepsEveryPixelAndTheResolution) {
+    const Picture picture = MakePicture(2, 2, 3, {255, 0, 0, 0, 255, 0, 0, 0, 255, 1, 2, 3});
+    const RasterImage image = DecodePng(EncodePng(picture, 200));
+    ASSERT_EQ(image.width, 2u);
+    ASSERT_EQ(image.height, 2u);
+    EXPECT_EQ(image.Row(0)[0], 0xFF0000u);
+    EXPECT_EQ(image.Row(0)[1], 0x00FF00u);
+    EXPECT_EQ(image.Row(1)[0], 0x0000FFu);
+    EXPECT_EQ(image.Row(1)[1], 0x010203u);
+    ASSERT_TRUE(image.density);
+    EXPECT_EQ(image.density->x, 7874);
+    EXPECT_EQ(image.density->y, 7874);
+}
+
+TEST(PngFile, IsGrayForAGrayPicture) {
+    const std::vector<uint8_t> png = EncodePng(MakePicture(2, 1, 1, {0, 200}), 300);
+    unsigned char* pixels = nullptr;
+    unsigned width = 0;
+    unsigned height = 0;
+    LodePNGState state;
+    lodepng_state_init(&state);
+    state.info_raw.colortype = LCT_GREY;
+    const unsigned error = lodepng_decode(&pixels, &width, &height, &state, png.data(), png.size());
+    const HeapArray<unsigned char> owned(pixels);
+    EXPECT_EQ(state.info_png.color.colortype, LCT_GREY);
+    lodepng_state_cleanup(&state);
+    ASSERT_EQ(error, 0u);
+    ASSERT_EQ(width * height, 2u);
+    EXPECT_EQ(std::vector<uint8_t>(pixels, pixels + 2), Samples({0, 200}));
+}
+
+}  // namespace orvex::tools

@@ -1,0 +1,32 @@
+#include "tools/common/progress.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+namespace orvex::tools {
+
+TEST(Progress, ShowsEachPercentOnceAndClearsItsLine) {
+    std::ostringstream out;
+    {
+        Progress progress(out, true, 12);
+        progress.Show(1, 1, 1000);
+        progress.Show(1, 10, 1000);
+        progress.Show(1, 11, 1000);
+        progress.Show(12, 3, 2);
+        progress.Show(12, 0, 0);
+    }
+    EXPECT_EQ(out.str(),
+              "\rpage 1 of 12: 0 %\rpage 1 of 12: 1 %\rpage 12 of 12: 100 %\r                    \r");
+}
+
+TEST(Progress, IsSilentWithoutATerminal) {
+    std::ostringstream out;
+    {
+        Progress progress(out, false, 3);
+        progress.Show(1, 500, 1000);
+    }
+    EXPECT_EQ(out.str(), "");
+}
+
+}  // namespace orvex::tools
