@@ -1,5 +1,5 @@
 // A recipe: the numbers that a color profile is made from, as a text that can be read, compared and changed.
-// docs/colour-profiles.md describes the keys.
+// docs/color-profiles.md describes the keys.
 #pragma once
 
 #include <filesystem>

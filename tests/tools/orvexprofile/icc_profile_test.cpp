@@ -226,7 +226,7 @@ TEST_F(BuiltFromIcc, Version5StaysBetweenTheCornersOfEachCell) {
     }
 }
 
-// docs/colour-profiles.md shows these figures.
+// docs/color-profiles.md shows these figures.
 TEST_F(BuiltFromIcc, Version5InterpolatesWithinTheDocumentedError) {
     Build(5);
     const struct {
