@@ -17,7 +17,6 @@ namespace orvex {
 namespace {
 
 constexpr ULONG kPaperWhite = 0xFFFFFF;
-constexpr char kProfilesFolder[] = "profiles\\";
 
 void ErasePage(SURFOBJ* surface) {
     RECTL page = {0, 0, surface->sizlBitmap.cx, surface->sizlBitmap.cy};
@@ -51,14 +50,14 @@ bool StartEngineJob(PDEV* pdev, const SURFOBJ* surface, int32_t resolutionMode) 
 
 void LoadJobProfile(const PrivateDevMode& settings, int32_t resolutionMode) {
     char name[kMaxNarrowName] = {};
-    char path[sizeof kProfilesFolder + kMaxNarrowName];
+    char path[sizeof ORVEX_PROFILES_FOLDER + kMaxNarrowName];
     const WideView profile = FieldText(settings.colorProfile);
     if (profile.size == 0) {
         LogInfo("Load deafult profile");
     } else {
         NarrowText(name, sizeof name, profile);
         LogInfo("Load profile [%S]", profile);
-        snprintf(path, sizeof path, "%s%s", kProfilesFolder, name);
+        snprintf(path, sizeof path, ORVEX_PROFILES_FOLDER "%s", name);
     }
     g_nProfileKind =
         zvc_load_profile(profile.size == 0 ? nullptr : path, resolutionMode, &g_cHpres, name, sizeof name);

@@ -4,11 +4,12 @@
 #include <array>
 #include <stdexcept>
 
+#include "driver/color/color_cache.h"
 #include "fuzz/fuzz_installation.h"
 #include "fuzz/input.h"
 #include "fuzz/target.h"
 #include "tools/orvexprofile/icc_profile.h"
-#include "tools/orvexprofile/ink.h"
+#include "tools/orvexprofile/ink_totals.h"
 #include "tools/orvexprofile/ink_treatment.h"
 #endif
 

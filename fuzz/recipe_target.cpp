@@ -1,14 +1,14 @@
 // Recipes: one that is taken mixes into a profile that the driver reads, without more ink than its limit and
 // without the mark of an entry that is not computed; one that is refused gets an error that names its file.
 
-#include <sstream>
 #include <stdexcept>
 
+#include "driver/color/color_cache.h"
 #include "fuzz/fuzz_installation.h"
 #include "fuzz/input.h"
 #include "fuzz/profile_model.h"
 #include "fuzz/target.h"
-#include "tools/orvexprofile/ink.h"
+#include "tools/orvexprofile/ink_totals.h"
 #include "tools/orvexprofile/profile_writer.h"
 #include "tools/orvexprofile/recipe.h"
 
@@ -33,9 +33,7 @@ void CheckMixed(const Recipe& recipe) {
     CheckVariant(profile.at600, treatment.limit, treatment.scaleAt600);
     CheckVariant(profile.other, treatment.limit, treatment.scaleOther);
 
-    std::ostringstream out;
-    WriteProfile(profile, out);
-    const std::string file = out.str();
+    const std::string file = EncodeProfile(profile);
     const TagWalk walk = WalkTags(file, kLongestName + 1, true);
     REQUIRE(file.size() == FileSize(profile));
     REQUIRE(walk.accepted && HoldsColors(file, walk.colorsAt));

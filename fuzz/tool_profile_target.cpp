@@ -11,7 +11,8 @@
 #include "fuzz/target.h"
 #include "tests/driver/profiles/profile_bytes.h"
 #include "tools/orvexprofile/conversion.h"
-#include "tools/orvexprofile/ink.h"
+#include "tools/orvexprofile/driver_colors.h"
+#include "tools/orvexprofile/profile_loading.h"
 #include "tools/orvexprofile/profile_writer.h"
 
 namespace orvex::fuzz {
@@ -47,7 +48,7 @@ void CheckWrittenAgain(const std::filesystem::path& path, const ProfileFacts& fa
     const std::filesystem::path copy = path.parent_path() / "copy.zvp";
     const Profile profile = ConvertProfile(path, facts.version);
     WriteProfileFile(profile, copy);
-    const ProfileFacts written = InspectProfile(copy);
+    const ProfileFacts written = LoadIntoDriver(copy, PrintVariant::kOther);
     REQUIRE(written.Accepted());
     REQUIRE(written.size == FileSize(profile));
     REQUIRE(written.Name() == facts.Name());
@@ -76,7 +77,7 @@ void FuzzToolProfile(std::span<const uint8_t> input) {
 
     const TagWalk at600 = WalkTags(file, kLongestName + 1, true);
     const TagWalk other = WalkTags(file, kLongestName + 1, false);
-    const ProfileFacts facts = InspectProfile(path);
+    const ProfileFacts facts = LoadIntoDriver(path, PrintVariant::kOther);
     REQUIRE(facts.Accepted() == (at600.accepted && HoldsColors(file, at600.colorsAt)));
     CheckTags(facts, file);
     if (!facts.Accepted()) {

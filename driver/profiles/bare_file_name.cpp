@@ -9,7 +9,7 @@ namespace orvex {
 
 namespace {
 
-// The system takes these names for devices in every folder; # stands for the number of a port.
+// The system opens these names as devices in every folder; # is the number of a port.
 constexpr WCHAR kDeviceNames[][8] = {L"CON", L"PRN", L"AUX", L"NUL", L"COM#", L"LPT#", L"CONIN$", L"CONOUT$"};
 
 bool IsPortNumber(WCHAR c) {
@@ -22,8 +22,8 @@ bool MatchesCharacter(WCHAR wanted, WCHAR c) {
     return c == wanted || (isLetter && c == wanted - L'A' + L'a');
 }
 
-// Tells whether the system opens a device under this name. It looks at what precedes the first dot, without
-// the blanks at its end.
+// Tells whether the system opens a device under this name. The system looks at the text before the first dot,
+// without the blanks at its end.
 bool IsDeviceName(WideView name) {
     const WCHAR* end = std::find(name.data, name.data + name.size, L'.');
     while (end != name.data && end[-1] == L' ') --end;
@@ -36,8 +36,8 @@ bool IsDeviceName(WideView name) {
 }  // namespace
 
 bool IsBareFileName(const char* name) {
-    // The system widens a narrow path before it takes it apart. In some code pages a character's second byte
-    // looks like a separator, so the parts show in the wide text only.
+    // The system widens a narrow path before it splits it. In some code pages a character's second byte looks
+    // like a separator, so only the wide text shows the parts.
     WCHAR wide[512];
     if (strlen(name) >= std::size(wide)) return false;
     const WideView text{wide, WidenText(wide, std::size(wide), name)};

@@ -1,12 +1,8 @@
 #include "driver/profiles/profile_catalogue.h"
 
-#include <cstdio>
-#include <cstring>
-#include <utility>
-
-#include "driver/profiles/profile_header.h"
+#include "driver/profiles/display_name.h"
+#include "driver/profiles/profile_file.h"
 #include "driver/profiles/profile_language.h"
-#include "driver/profiles/profile_names.h"
 #include "driver/support/installation.h"
 #include "driver/support/log.h"
 #include "driver/support/text.h"
@@ -15,11 +11,6 @@
 namespace orvex {
 
 namespace {
-
-constexpr WCHAR kSearched[] = L"profiles\\*.zvp";
-constexpr size_t kPathCapacity = 512;         // of the folder and of the file's name, in narrow characters
-constexpr size_t kHeaderNameCapacity = 100;   // of the name in a profile
-constexpr size_t kDisplayNameCapacity = 512;  // of a localised name
 
 // Walks over the files that match a pattern.
 class FileSearch {
@@ -42,7 +33,7 @@ class FileSearch {
     bool found_;
 };
 
-// The characters that a list of all matching files needs, without its end.
+// Returns the characters that a list of all matching files needs, without its end.
 size_t MeasureNames(const WCHAR* pattern) {
     size_t characters = 0;
     for (FileSearch search(pattern); search.Found(); search.Next()) characters += search.Name().size + 1;
@@ -70,38 +61,12 @@ ScanResult Scan(const WCHAR* folder, HeapArray<WCHAR>* fileNames) {
     const size_t length = TextLength(folder);
     if (length >= MAX_PATH) return kNoSearchPath;
     CopyText(pattern, {folder, length});
-    if (!PathAppendW(pattern, kSearched)) return kNoSearchPath;
+    if (!PathAppendW(pattern, L"" ORVEX_PROFILES_FOLDER "*.zvp")) return kNoSearchPath;
     const size_t characters = MeasureNames(pattern);
     if (characters == 0) return kScanned;
     *fileNames = AllocateZeroedArray<WCHAR>(characters + 1);
     if (!*fileNames) return kSearchFailed;
     return CollectNames(pattern, fileNames->get(), characters) ? kScanned : kSearchFailed;
-}
-
-// Puts the name that a profile gives itself into `name`; leaves it when there is none.
-void ReadHeaderName(const char* path, char (&name)[kHeaderNameCapacity]) {
-    char found[kHeaderNameCapacity] = "";
-    BlockReader file(path);
-    ProfileHeader header;
-    if (!ReadProfileHeader(file, path, LogLevel::kInfo, &header)) return;
-    ReadProfileTags(file, {found, sizeof found, nullptr, false});
-    // An empty name would end the list.
-    if (found[0] != '\0') CopyText(name, found);
-}
-
-// The name under which users see a profile, when profilenames.inf has none for it.
-void ReadOwnName(const WCHAR* fileName, const WCHAR* folder, WCHAR* name, size_t capacity) {
-    char narrowFolder[kPathCapacity], narrowFile[kPathCapacity];
-    char path[2 * kPathCapacity + sizeof "\\profiles\\"];
-    NarrowText(narrowFolder, sizeof narrowFolder, {folder, TextLength(folder)});
-    NarrowText(narrowFile, sizeof narrowFile, {fileName, TextLength(fileName)});
-    snprintf(path, sizeof path, "%s\\%s%s", narrowFolder, "profiles\\", narrowFile);
-    LogError("GetQRVProfileName [%S] [%s]", fileName, path);
-
-    char own[kHeaderNameCapacity];
-    NarrowText(own, sizeof own, {fileName, TextLength(fileName)});
-    ReadHeaderName(path, own);
-    WidenText(name, capacity, own);
 }
 
 }  // namespace
@@ -134,26 +99,6 @@ ScanResult QRV_ScanDirectoryWithPattern(const WCHAR* folder, const WCHAR* patter
     const ScanResult result = Scan(folder, fileNames);
     trace.Code(result);
     return result;
-}
-
-int GetQRVProfileName(const WCHAR* fileName, HeapArray<WCHAR>* names, size_t* bytes, const WCHAR* folder,
-                      const WCHAR* section) {
-    WCHAR name[kDisplayNameCapacity], localised[kDisplayNameCapacity];
-    ReadOwnName(fileName, folder, name, kDisplayNameCapacity);
-    if (QRV_GetProfileFieldW(section, fileName, localised, kDisplayNameCapacity) > 0) {
-        LogError("QRV_GetProfileFieldW [%S] [%S]", fileName, localised);
-        CopyText(name, FieldText(localised));
-    }
-
-    const size_t used = *bytes / sizeof(WCHAR);
-    const size_t added = TextLength(name) + 1;
-    HeapArray<WCHAR> grown = AllocateZeroedArray<WCHAR>(used + added + 1);
-    if (!grown) return 0;
-    if (used > 0) memcpy(grown.get(), names->get(), *bytes);
-    memcpy(grown.get() + used, name, added * sizeof(WCHAR));
-    *names = std::move(grown);
-    *bytes += added * sizeof(WCHAR);
-    return 1;
 }
 
 }  // namespace orvex

@@ -13,7 +13,7 @@ namespace {
 
 constexpr uint32_t kHalfGridSteps = 128;  // even components: 0, 2, ..., 254
 
-// One encoding of the colours.
+// One encoding of the colors.
 struct ColorLayout {
     uint8_t version;
     int prepared;        // the byte that the cache is filled with beforehand
@@ -24,17 +24,17 @@ struct ColorLayout {
 
 constexpr int kNotPrepared = -1;
 
-// Version 1: all entries.
+// Reads version 1: all entries.
 size_t ReadEntries(BlockReader& file, uint32_t* cache) {
     return file.Read(cache, kCacheEntries * sizeof *cache);
 }
 
-// A piece of each ink's plane. One profile is read at a time, so that it need not lie on a thread's stack.
+// A piece of each ink's plane. It is not on a thread's stack, since one profile is read at a time.
 constexpr size_t kPiece = 32768;
 alignas(16) uint8_t planePieces[kInks][kPiece];
 
-// Puts entries together out of the pieces, 16 at a time. They go past the processor's caches, which the next
-// pieces need.
+// Puts entries together out of the pieces, 16 at a time. The stores bypass the processor's caches, which the
+// next pieces need.
 void WeavePlanes(uint32_t* entries) {
     const auto load = [](Ink ink, size_t first) {
         return _mm_load_si128(reinterpret_cast<const __m128i*>(planePieces[ink] + first));
@@ -52,7 +52,7 @@ void WeavePlanes(uint32_t* entries) {
     }
 }
 
-// Version 2: a plane of bytes for each ink, from Y down to K. What does not come counts as no ink.
+// Reads version 2: a plane of bytes for each ink, from Y down to K. Missing bytes count as no ink.
 size_t ReadPlanes(BlockReader& file, uint32_t* cache) {
     const int64_t firstPlane = file.Position();
     size_t total = 0;
@@ -70,7 +70,7 @@ size_t ReadPlanes(BlockReader& file, uint32_t* cache) {
     return total;
 }
 
-// Version 3: the entries of all-even colours, a run of blues for each red and green.
+// Reads version 3: the entries of all-even colors, a run of blues for each red and green.
 size_t ReadHalfGridEntries(BlockReader& file, uint32_t* cache) {
     size_t total = 0;
     for (uint32_t red = 0; red < kHalfGridSteps; ++red) {
@@ -85,7 +85,7 @@ size_t ReadHalfGridEntries(BlockReader& file, uint32_t* cache) {
     return total;
 }
 
-// Version 4: a plane of bytes of the all-even colours for each ink, from Y down to K.
+// Reads version 4: a plane of bytes of the all-even colors for each ink, from Y down to K.
 size_t ReadHalfGridPlanes(BlockReader& file, uint32_t* cache) {
     size_t total = 0;
     for (int shift = 24; shift >= 0; shift -= 8) {
@@ -105,8 +105,8 @@ size_t ReadHalfGridPlanes(BlockReader& file, uint32_t* cache) {
     return total;
 }
 
-// Version 5: the grid points. Deliberate: in the reverse of the other versions' order, blue slowest and red
-// fastest.
+// Reads version 5: the grid points. Deliberate: their order is the reverse of the other versions', with blue
+// slowest and red fastest.
 size_t ReadGrid(BlockReader& file, uint32_t* cache) {
     size_t total = 0;
     for (int blue = 0; blue < kGridSteps; ++blue) {
@@ -143,27 +143,22 @@ const ColorLayout* FindLayout(uint8_t version) {
 
 }  // namespace
 
-bool ReadProfileColors(BlockReader& file, const ProfileHeader& header, bool at600Dpi, uint32_t* cache) {
+ProfileProblem ReadProfileColors(BlockReader& file, const ProfileHeader& header, bool at600Dpi,
+                                 uint32_t* cache) {
     const ColorLayout* layout = FindLayout(header.version);
-    if (layout == nullptr) {
-        LogError("non supported profile version");
-        return false;
-    }
+    if (layout == nullptr) return {&kUnknownVersion};
     const int64_t start = file.Position();
     const int64_t found = header.fileSize - start;
     const int64_t variantSize = static_cast<int64_t>(layout->variantSize);
-    if (found != 2 * variantSize) {
-        LogError("invalid file size %d<>%d", found, 2 * variantSize);
-        return false;
-    }
+    if (found != 2 * variantSize) return {&kWrongColorsSize, {found, 2 * variantSize}};
     if (layout->prepared != kNotPrepared) memset(cache, layout->prepared, kCacheEntries * sizeof *cache);
     file.Seek(at600Dpi ? start : start + variantSize);
     const size_t came = layout->read(file, cache);
     // Deliberate: only version 1 is refused when the file ends early. A read that fails refuses every
     // version, since a page full of ink, or without any, serves nobody.
     const bool taken = header.version == kEntries ? came == layout->variantSize : !file.Failed();
-    if (!taken) LogError("error reading profile %d<>%d", came, layout->variantSize);
-    return taken;
+    if (!taken) return {&kColorsCut, {static_cast<int64_t>(came), variantSize}};
+    return {};
 }
 
 }  // namespace orvex

@@ -1,13 +1,12 @@
 #include "driver/profiles/profile_file.h"
 
+#include <cstring>
 #include <string_view>
 
 #include "driver/color/color_cache.h"
 #include "driver/color/generic_conversion.h"
 #include "driver/profiles/bare_file_name.h"
 #include "driver/profiles/profile_colors.h"
-#include "driver/profiles/profile_header.h"
-#include "driver/support/log.h"
 #include "driver/support/text.h"
 
 namespace orvex {
@@ -16,25 +15,51 @@ int32_t g_profileLoaded = 0;
 
 namespace {
 
-// Applications name the profile of a job, so a path into the profiles folder may not lead out of it again, or
-// further in.
+// Tells whether a path into the profiles folder leads out of it again, or further in. Applications name the
+// profile of a job, so such a path is not opened.
 bool LeavesProfilesFolder(const char* path) {
-    constexpr std::string_view kProfilesFolder = "profiles\\";
+    constexpr std::string_view kProfilesFolder = ORVEX_PROFILES_FOLDER;
     return std::string_view(path).starts_with(kProfilesFolder) &&
            !IsBareFileName(path + kProfilesFolder.size());
 }
 
+void TakeTag(const ProfileTag& tag, const TagTargets& targets) {
+    if (!tag.taken) return;
+    if (tag.id == kNameTag) {
+        memcpy(targets.name, tag.data, tag.came);
+        targets.name[tag.came] = '\0';
+        if (tag.IsWhole()) LogInfo("Profile name:%s", targets.name);
+    } else if (targets.resolutionCode != nullptr) {
+        *targets.resolutionCode = tag.Code(targets.at600Dpi);
+        if (tag.IsWhole()) LogInfo("HP Res:%d", *targets.resolutionCode);
+    }
+}
+
 }  // namespace
+
+bool ReadProfileHead(BlockReader& file, const char* path, LogLevel headerErrors, const TagTargets& targets,
+                     ProfileHeader* header) {
+    if (const ProfileProblem problem = ReadProfileHeader(file, header)) {
+        LogProfileProblem(problem, path, headerErrors);
+        return false;
+    }
+    LogInfo("Profile version:%d", header->version);
+    TagReader tags(file, targets.nameCapacity);
+    for (ProfileTag tag; tags.Next(&tag);) TakeTag(tag, targets);
+    LogProfileProblem(tags.Problem(), path, LogLevel::kInfo);
+    return !tags.Problem();
+}
 
 int32_t ReadProfile(const char* path, char* name, size_t nameSize, bool at600Dpi, uint32_t* cache,
                     signed char* resolutionCode) {
     *resolutionCode = kDefaultResolutionCode;
     BlockReader file(LeavesProfilesFolder(path) ? "" : path);
     ProfileHeader header;
-    if (!ReadProfileHeader(file, path, LogLevel::kError, &header)) return 0;
-    if (!ReadProfileTags(file, {name, nameSize, resolutionCode, at600Dpi})) return 0;
-    if (!ReadProfileColors(file, header, at600Dpi, cache)) return 0;
-    return header.version;
+    const TagTargets targets = {name, nameSize, resolutionCode, at600Dpi};
+    if (!ReadProfileHead(file, path, LogLevel::kError, targets, &header)) return 0;
+    const ProfileProblem problem = ReadProfileColors(file, header, at600Dpi, cache);
+    LogProfileProblem(problem, path, LogLevel::kError);
+    return problem ? 0 : header.version;
 }
 
 int32_t zvc_load_profile(const char* path, int32_t resolution, signed char* resolutionCode, char* name,

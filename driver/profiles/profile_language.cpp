@@ -14,16 +14,16 @@ namespace {
 constexpr size_t kSettingCapacity = 20;
 constexpr int kAbbreviationCapacity = 10;
 
-// A language, and how many of its letters a name of it must begin with.
+// A language and its abbreviation. A text names the language when it begins with the first letters of that.
 struct Language {
     LanguageCode code;
     const WCHAR* section;
     const char* letters;
-    size_t inSettings;  // deliberately few for some: any "E..." that is no English is Spanish
+    size_t inSettings;  // letters compared; deliberately few for some: any other "E..." is Spanish
     size_t inSystem;
 };
 
-// In the order in which they are compared.
+// The languages in the order in which they are compared.
 // clang-format off
 constexpr Language kLanguages[] = {
     {kEnglish,         L"[ENG]", "ENG", 3, 3},
@@ -43,7 +43,7 @@ const Language* FindSettingsLanguage(const char* value) {
     return nullptr;
 }
 
-// `abbreviation` is the system's, terminated.
+// Finds the language of the system's abbreviation, a terminated text.
 LanguageCode SystemLanguage(const WCHAR* abbreviation) {
     for (const Language& language : kLanguages) {
         if (std::equal(language.letters, language.letters + language.inSystem, abbreviation))

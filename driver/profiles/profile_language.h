@@ -1,4 +1,4 @@
-// The language in which users see the names of colour profiles.
+// The language in which users see the names of color profiles.
 #pragma once
 
 #include "platform/windows.h"
@@ -15,12 +15,11 @@ enum LanguageCode {
     kAmericanEnglish = 7,
 };
 
-// The language that "Language=" in "[UI]" of settings.inf names, else the system's own, else American
-// English.
-// `*fromSettings` becomes 1 when it came from the settings and is left alone otherwise.
+// Returns the language that "Language=" in "[UI]" of settings.inf names, or else the system's, or else
+// American English. Sets `*fromSettings` to 1 when it came from the settings, and leaves it alone otherwise.
 LanguageCode QRV_Get_Locale(int* fromSettings);
 
-// The section of profilenames.inf for a language, with its brackets.
+// Returns the section of profilenames.inf for a language, with its brackets.
 const WCHAR* LanguageSection(LanguageCode code);
 
 }  // namespace orvex

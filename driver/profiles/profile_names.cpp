@@ -13,14 +13,14 @@ namespace {
 
 constexpr LONGLONG kByteOrderMarkBytes = 2;
 
-// Walks a file of UTF-16 text line by line through its file pointer, from behind its byte-order mark.
+// Walks a file of UTF-16 text line by line, starting after its byte-order mark.
 class WideLineReader {
   public:
     explicit WideLineReader(HANDLE file) : file_(file) { position_.QuadPart = kByteOrderMarkBytes; }
 
-    // Reads the next line, without its line end (CR, LF or CR LF); it ends before a zero character. A line
-    // longer than the buffer comes in pieces. False at the end of the file or when it can't be read. The text
-    // is good until the next call.
+    // Reads the next line, up to its line end (CR, LF or CR LF) or to a zero character. A line longer than
+    // the buffer comes in pieces. Returns false at the end of the file or when it can't be read. The text is
+    // valid until the next call.
     bool Next(WideView* line) {
         DWORD came = 0;
         if (!SetFilePointerEx(file_, position_, nullptr, FILE_BEGIN)) return false;
@@ -49,13 +49,14 @@ bool StartsWith(WideView text, WideView start) {
     return text.size >= start.size && SameText({text.data, start.size}, start);
 }
 
-// The text behind "<key>=" when the line begins with that, else an empty one.
+// Returns the text after "<key>=" when the line begins with that, or an empty one.
 WideView ValueOf(WideView line, WideView key) {
     if (!StartsWith(line, key) || line.size == key.size || line.data[key.size] != L'=') return {};
     return {line.data + key.size + 1, line.size - key.size - 1};
 }
 
-// The last value of `key` in `section`, up to the first one that fits into `out`; its length as stored there.
+// Copies a value of `key` in `section` to `out`: the first one that fits, or else the last one, cut. Returns
+// its length there, 0 when there is none.
 size_t FindValue(WideLineReader& lines, WideView section, WideView key, WCHAR* out, size_t capacity) {
     size_t length = 0;
     bool inSection = false;

@@ -18,9 +18,6 @@ class OutputFile {
     OutputFile(const OutputFile&) = delete;
     OutputFile& operator=(const OutputFile&) = delete;
 
-    // Takes bytes as well; whether all were written shows in Complete(), and Size() leaves them out.
-    std::ostream& Stream() { return file_; }
-
     // Returns whether the bytes were written. After one failure all further writes fail.
     bool Write(std::string_view bytes);
     uint64_t Size() const { return size_; }
@@ -32,7 +29,7 @@ class OutputFile {
     std::filesystem::path path_;
     std::filesystem::path temporary_;
     std::ofstream file_;
-    uint64_t size_ = 0;  // bytes written by Write()
+    uint64_t size_ = 0;
     bool completed_ = false;
 };
 

@@ -1,10 +1,11 @@
-// orvexprofile apply IN.png OUT.png…: a picture as the driver would print it.
+// orvexprofile apply IN.png OUT.png...: shows a picture as the driver would print it.
 #include <array>
 #include <memory>
 
 #include "tools/common/png_file.h"
 #include "tools/orvexprofile/commands.h"
 #include "tools/orvexprofile/ink_preview.h"
+#include "tools/orvexprofile/profile_loading.h"
 
 namespace orvex::tools::profile {
 
@@ -17,7 +18,8 @@ struct ApplyOptions {
     PrintVariant variant = PrintVariant::kOther;
 };
 
-// The names of the composite and of the inks' pictures: as given, or the inks' made from the composite's.
+// Returns the names of the composite and of the inks' pictures. If only the composite's is given, the inks'
+// are made from it.
 std::array<std::filesystem::path, 1 + kInks> OutputNames(const std::vector<std::string>& given) {
     std::array<std::filesystem::path, 1 + kInks> names;
     if (given.size() == names.size()) {

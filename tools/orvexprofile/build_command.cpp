@@ -1,11 +1,13 @@
-// orvexprofile build --icc PRINTER.icc -o FILE.zvp: a profile from a printer's ICC profile.
+// orvexprofile build --icc PRINTER.icc -o FILE.zvp: makes a profile from a printer's ICC profile.
 #include <memory>
 
 #include "tools/common/printable_text.h"
 #include "tools/orvexprofile/commands.h"
 #include "tools/orvexprofile/conversion.h"
+#include "tools/orvexprofile/driver_colors.h"
 #include "tools/orvexprofile/icc_profile.h"
 #include "tools/orvexprofile/ink_treatment.h"
+#include "tools/orvexprofile/profile_loading.h"
 #include "tools/orvexprofile/profile_writer.h"
 #include "tools/orvexprofile/report.h"
 
@@ -24,7 +26,7 @@ struct BuildOptions {
     InkTreatment treatment;
 };
 
-constexpr int kComparedStep = 5;  // of the colours at which the driver's answer is compared
+constexpr int kComparedStep = 5;  // between the component values at which the driver's answer is compared
 
 Profile BuildProfile(const BuildOptions& options, const IccProfile& icc) {
     Profile profile;
@@ -37,7 +39,7 @@ Profile BuildProfile(const BuildOptions& options, const IccProfile& icc) {
     return profile;
 }
 
-// How far the driver's answers through the file lie from those of the ICC profile itself.
+// Reports how far the driver's answers through the file are from those of the ICC profile itself.
 void ReportAccuracy(std::ostream& out, const BuildOptions& options, const IccProfile& icc,
                     PrintVariant variant) {
     const bool at600 = variant == PrintVariant::kAt600;

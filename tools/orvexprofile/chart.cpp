@@ -6,8 +6,10 @@
 #include <string>
 #include <vector>
 
+#include "driver/color/color_cache.h"
 #include "tools/common/letters.h"
 #include "tools/orvexprofile/ink_preview.h"
+#include "tools/orvexprofile/ink_totals.h"
 
 namespace orvex::tools::profile {
 
@@ -50,7 +52,7 @@ void Write(Picture& picture, uint32_t x, uint32_t y, std::string_view text) {
     }
 }
 
-// The colour at `position`, 0 to 1, on the way from one colour to another.
+// Returns the color at `position`, 0 to 1, on the way from one color to another.
 uint32_t Between(uint32_t from, uint32_t to, double position) {
     uint32_t color = 0;
     for (int shift : {16, 8, 0}) {

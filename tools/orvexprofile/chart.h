@@ -1,5 +1,5 @@
-// A picture of a whole profile: ramps of the primaries and of grey with the curves of their inks, and slices
-// of the colour cube, each as it prints and with the ink that it takes.
+// A picture of a whole profile: ramps of the primaries and of gray with the curves of their inks, and slices
+// of the color cube, each as it prints and with the ink that it takes.
 #pragma once
 
 #include <array>
@@ -7,7 +7,7 @@
 #include <string_view>
 
 #include "tools/common/picture.h"
-#include "tools/orvexprofile/driver_colors.h"
+#include "tools/orvexprofile/profile.h"
 
 namespace orvex::tools::profile {
 
@@ -18,11 +18,10 @@ struct ChartPlace {
     uint32_t height;
 };
 
-// Ramps run from white to a primary in their middle and on to black; that of grey straight from white to
-// black.
+// A ramp from white over a primary to black.
 struct ChartRamp {
     std::string_view name;
-    uint32_t middle;  // the colour half-way
+    uint32_t middle;  // the color half-way
 };
 constexpr std::array<ChartRamp, 7> kChartRamps = {{
     {"Red", 0xFF0000},
@@ -33,18 +32,18 @@ constexpr std::array<ChartRamp, 7> kChartRamps = {{
     {"Yellow", 0xFFFF00},
     {"Grey", 0x808080},
 }};
-constexpr int kChartSlices = 9;  // of equal red, from 0 to 255; green grows downwards, blue to the right
+// Slices of equal red, from 0 to 255. Green grows downwards, blue to the right.
+constexpr int kChartSlices = 9;
 
-// Where things lie, and which colour they show at a distance from their own corner.
+// The places of the chart's parts, and the color that each shows at a distance from its own corner.
 ChartPlace RampPrint(int ramp);
-ChartPlace RampCurves(int ramp);  // the amount of each ink, none at the bottom, in the ink's own colour
+ChartPlace RampCurves(int ramp);  // the amount of each ink, none at the bottom, in the ink's own color
 uint32_t RampColor(int ramp, uint32_t x);
 ChartPlace SlicePrint(int slice);
-ChartPlace SliceTotal(int slice);  // all inks together in grey: white for none, black for four times full
+ChartPlace SliceTotal(int slice);  // all inks together in gray: white for none, black for four times full
 uint32_t SliceColor(int slice, uint32_t x, uint32_t y);
 
-// Draws the profile whose variant is loaded into the driver. Characters of the title beyond ASCII are left
-// out.
+// Draws the variant that is loaded into the driver. Leaves out characters of the title that are not ASCII.
 Picture DrawChart(std::string_view title, PrintVariant variant);
 
 }  // namespace orvex::tools::profile

@@ -1,9 +1,10 @@
-// orvexprofile chart FILE: a picture of the whole profile.
+// orvexprofile chart FILE: draws a whole profile.
 #include <memory>
 
 #include "tools/common/png_file.h"
 #include "tools/orvexprofile/chart.h"
 #include "tools/orvexprofile/commands.h"
+#include "tools/orvexprofile/profile_loading.h"
 
 namespace orvex::tools::profile {
 

@@ -4,6 +4,7 @@
 #include <map>
 #include <stdexcept>
 
+#include "tools/orvexprofile/profile_loading.h"
 #include "tools/orvexprofile/profile_writer.h"
 #include "tools/orvexprofile/report.h"
 
@@ -46,8 +47,8 @@ void WriteAcceptedProfile(const Profile& profile, const std::filesystem::path& p
     for (PrintVariant variant : {PrintVariant::kAt600, PrintVariant::kOther}) LoadAccepted(path, variant);
     out << "Wrote " << path.string() << ": version " << profile.version << ", "
         << GroupedNumber(FileSize(profile)) << " bytes, accepted by the driver\n";
-    if (profile.name && profile.name->size() > kLongestShownName) {
-        out << "The name is longer than " << kLongestShownName
+    if (profile.name && profile.name->size() > kLongestListedName) {
+        out << "The name is longer than " << kLongestListedName
             << " characters: users see the file's name instead, unless profilenames.inf has another.\n";
     }
 }

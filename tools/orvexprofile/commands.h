@@ -1,5 +1,5 @@
-// The commands of orvexprofile, each a subcommand of the same command line. A command throws std::exception,
-// in words, when it can't do what is asked, and leaves no half-written file under an asked name.
+// The commands of orvexprofile, each a subcommand of the same command line. A command that fails throws
+// std::exception, in words, and leaves no half-written file under a name that it was given.
 #pragma once
 
 #include <ostream>
@@ -7,11 +7,11 @@
 
 #include <CLI/CLI.hpp>
 
-#include "tools/orvexprofile/driver_colors.h"
+#include "tools/orvexprofile/profile.h"
 
 namespace orvex::tools::profile {
 
-// The exit status that a command leaves behind.
+// The exit status of a command that does not fail.
 struct CommandResult {
     int status = 0;
 };
@@ -22,16 +22,16 @@ void AddConvertCommand(CLI::App& app, std::ostream& out);
 void AddApplyCommand(CLI::App& app, std::ostream& out);
 void AddChartCommand(CLI::App& app, std::ostream& out);
 
-// The same check without words of its own in the help.
+// Returns the same check without words of its own in the help.
 CLI::Validator Unnamed(CLI::Validator check);
 
-// --variant: which of the profile's two a picture shows.
+// Adds --variant, which says which of the profile's two variants a picture shows.
 void AddVariantOption(CLI::App& command, PrintVariant& variant);
 
-// The text of --resolution-codes: two numbers with a comma between.
+// Parses the text of --resolution-codes: two numbers with a comma between them. Throws std::invalid_argument.
 ResolutionCodes ParseResolutionCodes(const std::string& text);
 
-// Writes the profile, has the driver's reader take both variants of it, and tells what was written.
+// Writes the profile, verifies that the driver's reader accepts both variants, and reports the file.
 void WriteAcceptedProfile(const Profile& profile, const std::filesystem::path& path, std::ostream& out);
 
 }  // namespace orvex::tools::profile

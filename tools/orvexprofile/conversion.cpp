@@ -1,13 +1,14 @@
 #include "tools/orvexprofile/conversion.h"
 
-#include "tools/orvexprofile/ink.h"
+#include "tools/orvexprofile/driver_colors.h"
+#include "tools/orvexprofile/profile_loading.h"
 
 namespace orvex::tools::profile {
 
 namespace {
 
 // Returns the entries of the loaded profile as they are stored. A lookup would take an entry with the
-// driver's mark for one that is still to be computed, and mix other inks for it.
+// driver's mark for one that is not computed yet, and mix other inks for it.
 Variant StoredEntries(int version) {
     Variant entries = LoadedEntries(version);
     for (uint32_t& inks : entries) inks = AvoidMark(inks);
@@ -38,7 +39,7 @@ ConversionLoss MeasureLoss(const std::filesystem::path& from, const std::filesys
     const std::vector<uint32_t> before = PrintedInks(colors);
     LoadAccepted(to, variant);
     const std::vector<uint32_t> after = PrintedInks(colors);
-    return {CompareInks(meant, after), CompareInks(before, after)};
+    return {version, CompareInks(meant, after), CompareInks(before, after)};
 }
 
 std::string_view VersionLoss(int version) {

@@ -1,34 +1,35 @@
-// Turning a profile into one of another version, and what that loses.
+// The conversion of a profile to another version, and the loss in it.
 #pragma once
 
 #include <filesystem>
 #include <span>
 #include <string_view>
 
-#include "tools/orvexprofile/driver_colors.h"
 #include "tools/orvexprofile/ink_statistics.h"
 #include "tools/orvexprofile/profile.h"
 
 namespace orvex::tools::profile {
 
-// Reads the profile through the driver and samples its colours as `version` stores them. Name and codes stay,
-// and so do the entries of a profile that has that version already; only the driver's mark, which no profile
-// may hold, becomes the ink value nearest to it.
-// Throws std::runtime_error with the reader's message when the driver does not accept the file.
+// Reads the profile through the driver and samples its colors as `version` stores them. Name and codes stay,
+// and so do the entries of a profile that has that version already; only the driver's "not computed" mark
+// becomes the ink value nearest to it. Throws std::runtime_error with the reader's message when the driver
+// does not accept the file.
 Profile ConvertProfile(const std::filesystem::path& path, int version);
 
-// How one variant of a converted profile differs from the one it comes from.
+// The difference between one variant of a converted profile and the one it comes from.
 struct ConversionLoss {
-    InkDifference meant;  // what the first profile means against what the driver prints through the second
-    InkDifference
-        printed;  // what the driver prints through the first against what it prints through the second
+    int fromVersion;
+    // The inks that the driver prints through the second profile, against those that the first one means, and
+    // against those that the driver prints through the first.
+    InkDifference meant;
+    InkDifference printed;
 };
 
-// Compares at `colors`. Throws as ConvertProfile does, for either file.
+// Compares two profiles at `colors`. Throws as ConvertProfile does, for either file.
 ConversionLoss MeasureLoss(const std::filesystem::path& from, const std::filesystem::path& to,
                            PrintVariant variant, std::span<const uint32_t> colors);
 
-// What a version can't keep of any profile, in words; empty when it keeps every colour.
+// Says what a version can't keep of any profile, in words; returns an empty text when it keeps every color.
 std::string_view VersionLoss(int version);
 
 }  // namespace orvex::tools::profile

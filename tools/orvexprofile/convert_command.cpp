@@ -1,8 +1,9 @@
-// orvexprofile convert IN.zvp -o OUT.zvp --version N: the same colours in another version.
+// orvexprofile convert IN.zvp -o OUT.zvp --version N: stores the same colors in another version.
 #include <memory>
 
 #include "tools/orvexprofile/commands.h"
 #include "tools/orvexprofile/conversion.h"
+#include "tools/orvexprofile/driver_colors.h"
 #include "tools/orvexprofile/report.h"
 
 namespace orvex::tools::profile {
@@ -16,13 +17,14 @@ struct ConvertOptions {
     int step = 1;
 };
 
-// What the driver printed before is told apart from what the profile means only where the two differ.
+// Reports the loss, and the difference to what the driver printed before if that was not what the profile
+// means.
 void ReportLoss(std::ostream& out, const ConvertOptions& options, PrintVariant variant,
                 std::span<const uint32_t> colors) {
     const ConversionLoss loss = MeasureLoss(options.input, options.output, variant, colors);
     const std::string where = variant == PrintVariant::kAt600 ? "600 dpi" : "other resolutions";
     ReportDifference(out, "Loss, " + where, loss.meant);
-    if (PrintsAsMeant(InspectProfile(options.input).version)) return;
+    if (PrintsAsMeant(loss.fromVersion)) return;
     ReportDifference(out, "Against what the driver printed before, " + where, loss.printed);
 }
 

@@ -1,19 +1,15 @@
 #include "tools/orvexprofile/driver_colors.h"
 
 #include <algorithm>
-#include <stdexcept>
 
 #include "driver/color/color_cache.h"
-#include "driver/profiles/profile_file.h"
-#include "tools/orvexprofile/ink.h"
+#include "driver/color/ink.h"
 
 namespace orvex::tools::profile {
 
 namespace {
 
-constexpr size_t kNameBuffer = kLongestName + 1;
-
-// The even components on both sides of one, and how far it lies beyond the lower: 0 or a half.
+// The even components on both sides of a component, and its place between them: 0 or a half of the way.
 struct HalfGridPlace {
     uint32_t low;
     uint32_t high;
@@ -41,33 +37,6 @@ uint32_t BetweenStoredColors(uint32_t color) {
 }
 
 }  // namespace
-
-bool LoadIntoDriver(const std::filesystem::path& path, PrintVariant variant) {
-    char name[kNameBuffer] = "";
-    signed char code = 0;
-    const int32_t version = ReadProfile(path.string().c_str(), name, sizeof(name),
-                                        variant == PrintVariant::kAt600, g_colorCache, &code);
-    if (version > 0) SetCacheKind(version);
-    return version > 0;
-}
-
-ProfileFacts LoadAccepted(const std::filesystem::path& path, PrintVariant variant) {
-    ProfileFacts facts = InspectProfile(path);
-    if (!facts.Accepted()) {
-        // Some of the reader's messages name the file themselves.
-        const bool named = facts.problem.find(path.string()) != std::string::npos;
-        throw std::runtime_error(named ? facts.problem : path.string() + ": " + facts.problem);
-    }
-    if (!LoadIntoDriver(path, variant))
-        throw std::runtime_error("the driver does not accept " + path.string());
-    return facts;
-}
-
-void LoadGenericIntoDriver(PrintVariant variant) {
-    signed char code = 0;
-    zvc_load_profile(nullptr, variant == PrintVariant::kAt600 ? kResolution600 : kResolution300, &code,
-                     nullptr, 0);
-}
 
 Variant LoadedEntries(int version) {
     const int steps = LayoutOf(version).steps;

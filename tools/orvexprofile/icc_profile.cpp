@@ -5,7 +5,7 @@
 #include <stdexcept>
 #include <type_traits>
 
-#include "tools/orvexprofile/whole_file.h"
+#include "tools/common/whole_file.h"
 
 namespace orvex::tools::profile {
 
@@ -15,7 +15,7 @@ namespace {
 constexpr cmsUInt32Number kPixels = TYPE_BGRA_8;
 constexpr cmsUInt32Number kInkValues = TYPE_KCMY_8;
 
-// Straight through the profile's own tables: Little CMS otherwise makes a coarser one of its own first.
+// Uses the profile's own tables: Little CMS otherwise makes a coarser one of its own first.
 constexpr cmsUInt32Number kExact = cmsFLAGS_NOOPTIMIZE | cmsFLAGS_NOCACHE;
 
 struct CloseContext {
@@ -47,9 +47,9 @@ cmsUInt32Number IntentCode(RenderingIntent intent) {
 
 }  // namespace
 
-// Closed from the last to the first: the context after all that lives in it.
+// Handles of Little CMS. They are closed from the last to the first: the context after everything in it.
 struct IccProfile::Handles {
-    std::string message;  // the last that Little CMS gave
+    std::string message;  // the last one from Little CMS
     std::unique_ptr<std::remove_pointer_t<cmsContext>, CloseContext> context;
     std::unique_ptr<void, CloseProfile> printer;
     std::unique_ptr<void, CloseProfile> screen;

@@ -1,10 +1,11 @@
-// orvexprofile info FILE: what a profile holds, and whether the driver accepts it.
+// orvexprofile info FILE: shows what a profile contains, and whether the driver accepts it.
 #include <memory>
 
 #include "tools/common/printable_text.h"
 #include "tools/orvexprofile/commands.h"
+#include "tools/orvexprofile/driver_colors.h"
 #include "tools/orvexprofile/ink_statistics.h"
-#include "tools/orvexprofile/profile_reader.h"
+#include "tools/orvexprofile/profile_loading.h"
 #include "tools/orvexprofile/report.h"
 
 namespace orvex::tools::profile {
@@ -33,8 +34,8 @@ void ReportTags(std::ostream& out, const ProfileFacts& facts) {
 void ReportTagContents(std::ostream& out, const ProfileFacts& facts) {
     if (const auto name = facts.Name()) {
         out << "  name       " << PrintableText(*name) << '\n';
-        if (name->size() > kLongestShownName) {
-            out << "             longer than " << kLongestShownName
+        if (name->size() > kLongestListedName) {
+            out << "             longer than " << kLongestListedName
                 << " bytes: users see the file's name, unless profilenames.inf has another\n";
         }
     } else {
@@ -48,17 +49,13 @@ void ReportTagContents(std::ostream& out, const ProfileFacts& facts) {
     }
 }
 
-// Loads a variant through the driver and reports its inks. False when the driver refuses.
-bool ReportVariant(std::ostream& out, const std::string& path, int version, PrintVariant variant) {
-    if (!LoadIntoDriver(path, variant)) return false;
-    ReportStatistics(out, variant == PrintVariant::kAt600 ? "inks at 600 dpi" : "inks at other resolutions",
-                     MeasureInks(version, LoadedEntries(version)));
-    return true;
+void ReportInks(std::ostream& out, const char* title, int version) {
+    ReportStatistics(out, title, MeasureInks(version, LoadedEntries(version)));
 }
 
 void ReportFile(std::ostream& out, const std::string& path, const ProfileFacts& facts) {
     out << path << '\n';
-    out << "  mark       \"" << PrintableText(facts.magic) << "\"\n";
+    out << "  mark       \"" << PrintableText(facts.mark) << "\"\n";
     out << "  version    " << facts.version;
     if (facts.version >= kFirstVersion && facts.version <= kLastVersion) {
         out << ": " << LayoutOf(facts.version).description;
@@ -69,24 +66,24 @@ void ReportFile(std::ostream& out, const std::string& path, const ProfileFacts& 
     ReportTags(out, facts);
 }
 
-// The verdict is the driver's own; the reason is told in its reader's words.
+// Reports the file and the verdict of the driver's reader. Returns whether the driver accepts the file.
 bool Inspect(std::ostream& out, const std::string& path) {
-    const ProfileFacts facts = InspectProfile(path);
+    ProfileFacts facts = LoadIntoDriver(path, PrintVariant::kAt600);
     if (facts.size > 0) ReportFile(out, path, facts);
-    bool accepted = facts.Accepted();
-    if (accepted) {
+    if (facts.Accepted()) {
         ReportTagContents(out, facts);
-        accepted = ReportVariant(out, path, facts.version, PrintVariant::kAt600) &&
-                   ReportVariant(out, path, facts.version, PrintVariant::kOther);
+        ReportInks(out, "inks at 600 dpi", facts.version);
+        facts = LoadIntoDriver(path, PrintVariant::kOther);
     }
+    if (facts.Accepted()) ReportInks(out, "inks at other resolutions", facts.version);
     out << "  driver     ";
-    if (accepted) {
+    if (facts.Accepted()) {
         out << "accepts the file\n";
     } else {
         out << "refuses the file and prints through its built-in conversion: " << PrintableText(facts.problem)
             << '\n';
     }
-    return accepted;
+    return facts.Accepted();
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "tools/orvexprofile/ink_preview.h"
 
+#include "driver/color/color_cache.h"
 #include "tools/common/units.h"
 
 namespace orvex::tools::profile {

@@ -1,27 +1,27 @@
-// A picture as the driver prints it: what it looks like, and where each ink goes.
+// Pictures as the driver prints them: their look, and the place of each ink.
 #pragma once
 
 #include <array>
 #include <cstdint>
 
+#include "driver/color/ink.h"
 #include "tools/common/ink_model.h"
 #include "tools/common/picture.h"
 #include "tools/common/raster_image.h"
-#include "tools/orvexprofile/driver_colors.h"
-#include "tools/orvexprofile/ink.h"
+#include "tools/orvexprofile/profile.h"
 
 namespace orvex::tools::profile {
 
-// How a preview takes the inks of a variant: full ink is 255, and half of that at 600 dpi.
+// Returns the model by which a preview shows a variant: full ink is 255, and half of that at 600 dpi.
 InkModel InkModelOf(PrintVariant variant);
 
 struct InkPictures {
-    Picture composite;                // in colour, on white paper
-    std::array<Picture, kInks> inks;  // K, C, M, Y, in grey: white without ink, black for full ink
+    Picture composite;                // in color, on white paper
+    std::array<Picture, kInks> inks;  // K, C, M, Y, in gray: white without ink, black for full ink
     double pixelsPerInch = 0;
 };
 
-// Prints the picture through the profile that is loaded.
+// Prints the picture through the loaded profile.
 InkPictures PrintPicture(const RasterImage& picture, PrintVariant variant);
 
 }  // namespace orvex::tools::profile

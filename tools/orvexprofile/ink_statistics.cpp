@@ -2,11 +2,13 @@
 
 #include <algorithm>
 
+#include "driver/color/color_table.h"
+
 namespace orvex::tools::profile {
 
 namespace {
 
-// The colour under which the driver stores an entry of a variant.
+// Returns the color under which the driver stores an entry of a variant.
 uint32_t ColorOfEntry(int version, size_t entry) {
     const int steps = LayoutOf(version).steps;
     const size_t count = static_cast<size_t>(steps);

@@ -1,11 +1,11 @@
-// Figures of many ink values: what a profile uses, and how far two answers lie apart.
+// Figures of many ink values: the inks that a profile uses, and the difference between two answers.
 #pragma once
 
 #include <array>
 #include <cstdint>
 #include <span>
 
-#include "tools/orvexprofile/ink.h"
+#include "tools/orvexprofile/ink_totals.h"
 #include "tools/orvexprofile/profile.h"
 
 namespace orvex::tools::profile {
@@ -18,12 +18,12 @@ struct InkStatistics {
     };
     std::array<Amounts, kInks> inks;
     uint32_t largestTotal = 0;       // of the four amounts, 0 to 1020
-    uint32_t largestTotalColor = 0;  // the first colour that has it
+    uint32_t largestTotalColor = 0;  // the first color with that total
     uint32_t white = 0;              // the inks of white
-    size_t marks = 0;                // entries that hold the driver's "not computed" mark
+    size_t marks = 0;                // entries with the driver's "not computed" mark
 };
 
-// Of the entries that a variant of this version stores. White is its last entry.
+// Measures the entries of a variant of this version. Its last entry is white.
 InkStatistics MeasureInks(int version, const Variant& variant);
 
 struct InkDifference {
@@ -32,11 +32,11 @@ struct InkDifference {
         double mean = 0;
     };
     std::array<Amounts, kInks> inks;
-    size_t colors = 0;     // compared
-    size_t different = 0;  // of them in any ink
+    size_t colors = 0;     // all that were compared
+    size_t different = 0;  // those that differ in any ink
 };
 
-// Both have the same length.
+// Compares two lists of ink values of the same length.
 InkDifference CompareInks(std::span<const uint32_t> expected, std::span<const uint32_t> found);
 
 }  // namespace orvex::tools::profile

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <utility>
 
-#include "tools/orvexprofile/ink.h"
+#include "tools/orvexprofile/ink_totals.h"
 
 namespace orvex::tools::profile {
 

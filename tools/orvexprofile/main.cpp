@@ -1,4 +1,4 @@
-// orvexprofile: makes, converts and shows colour profiles.
+// orvexprofile: makes, converts and shows color profiles.
 #include <iostream>
 
 #include "tools/orvexprofile/orvexprofile.h"

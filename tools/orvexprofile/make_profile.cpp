@@ -1,4 +1,4 @@
-// make_profile RECIPE.json OUT.zvp: mixes a colour profile from its recipe. The build makes the installed
+// make_profile RECIPE.json OUT.zvp: mixes a color profile from its recipe. The build makes the installed
 // profiles with it.
 #include <exception>
 #include <iostream>

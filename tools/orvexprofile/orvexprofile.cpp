@@ -23,7 +23,7 @@ constexpr const char* kExamples =
 class ProfileHelpFormat : public HelpFormat {
   public:
     std::string make_usage(const CLI::App* app, std::string name) const override {
-        // The list of positional arguments brings its own blank line.
+        // The list of positional arguments begins with a blank line of its own.
         const auto positional = [](const CLI::Option* option) { return option->get_positional(); };
         return HelpFormat::make_usage(app, name) + (app->get_options(positional).empty() ? "\n" : "");
     }
@@ -43,7 +43,7 @@ int RunProfileTool(std::vector<std::string> arguments, std::ostream& out, std::o
     AddChartCommand(app, out);
     app.footer(kExamples);
     try {
-        std::reverse(arguments.begin(), arguments.end());  // as CLI11 takes them
+        std::reverse(arguments.begin(), arguments.end());  // the order that CLI11 takes
         app.parse(arguments);
     } catch (const CLI::ParseError& error) {
         return app.exit(error, out, err);

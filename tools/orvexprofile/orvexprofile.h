@@ -1,4 +1,4 @@
-// The tool for colour profiles: orvexprofile COMMAND.
+// The tool for color profiles: orvexprofile COMMAND.
 #pragma once
 
 #include <ostream>
@@ -7,8 +7,8 @@
 
 namespace orvex::tools::profile {
 
-// Runs the tool with the arguments that follow its name. Returns the exit status: 0, 1 when the command could
-// not do what was asked or `info` looked at a file that the driver refuses, or the command-line parser's own.
+// Runs the tool with the arguments that follow its name. Returns the exit status: 0; 1 when the command
+// failed or `info` found a file that the driver refuses; or the command-line parser's own.
 int RunProfileTool(std::vector<std::string> arguments, std::ostream& out, std::ostream& err);
 
 }  // namespace orvex::tools::profile

@@ -1,13 +1,9 @@
 #include "tools/orvexprofile/profile.h"
 
-#include <bit>
-
-#include "tools/orvexprofile/ink.h"
+#include "driver/color/color_table.h"
+#include "driver/color/ink.h"
 
 namespace orvex::tools::profile {
-
-// Entries are written and read as they lie in memory.
-static_assert(std::endian::native == std::endian::little);
 
 namespace {
 
@@ -19,7 +15,7 @@ constexpr VersionLayout kLayouts[] = {
     {17, false, true, "17 values of each component, whole entries"},
 };
 
-constexpr int kGridCell = 16;  // component values from one of 17 steps to the next
+constexpr int kGridCell = 16;  // distance of two of the 17 steps
 
 }  // namespace
 
@@ -41,6 +37,10 @@ uint32_t StoredComponent(int steps, int step) {
         default:
             return step == steps - 1 ? 255u : static_cast<uint32_t>(kGridCell * step);
     }
+}
+
+InkValue AvoidMark(InkValue inks) {
+    return inks == kNotComputed ? PackInks(254, 255, 255, 255) : inks;
 }
 
 Variant SwapAxes(int steps, const Variant& variant) {

@@ -1,11 +1,12 @@
 #include "tools/orvexprofile/profile_writer.h"
 
 #include <algorithm>
-#include <ostream>
+#include <bit>
 #include <stdexcept>
 
+#include "driver/color/color_table.h"
+#include "driver/color/ink.h"
 #include "tools/common/output_file.h"
-#include "tools/orvexprofile/ink.h"
 
 namespace orvex::tools::profile {
 
@@ -35,7 +36,7 @@ std::string TagArea(const Profile& profile) {
         tags.Byte(kNameTag).Word(static_cast<uint32_t>(profile.name->size())).Text(*profile.name);
     }
     if (profile.codes) {
-        tags.Byte(kResolutionTag).Word(2);
+        tags.Byte(kResolutionTag).Word(kResolutionTagSize);
         tags.Byte(static_cast<uint8_t>(profile.codes->other))
             .Byte(static_cast<uint8_t>(profile.codes->at600));
     }
@@ -47,26 +48,25 @@ std::string TagArea(const Profile& profile) {
         .Bytes();
 }
 
-void WriteEntries(const Variant& variant, std::ostream& out) {
-    out.write(reinterpret_cast<const char*>(variant.data()),
-              static_cast<std::streamsize>(4 * variant.size()));
+// Entries are stored as they are in memory.
+static_assert(std::endian::native == std::endian::little);
+
+void AppendEntries(const Variant& variant, std::string& file) {
+    file.append(reinterpret_cast<const char*>(variant.data()), 4 * variant.size());
 }
 
-void WritePlanes(const Variant& variant, std::ostream& out) {
-    std::string plane(variant.size(), '\0');
+void AppendPlanes(const Variant& variant, std::string& file) {
     for (int ink = kInks - 1; ink >= 0; --ink) {
-        std::transform(variant.begin(), variant.end(), plane.begin(),
+        const auto plane = static_cast<std::ptrdiff_t>(file.size());
+        file.resize(file.size() + variant.size());
+        std::transform(variant.begin(), variant.end(), file.begin() + plane,
                        [ink](uint32_t inks) { return static_cast<char>(InkAmount(inks, ink)); });
-        out.write(plane.data(), static_cast<std::streamsize>(plane.size()));
     }
 }
 
-void WriteVariant(const VersionLayout& layout, const Variant& variant, std::ostream& out) {
-    if (layout.planes) {
-        WritePlanes(variant, out);
-    } else {
-        WriteEntries(layout.blueFirst ? SwapAxes(layout.steps, variant) : variant, out);
-    }
+void AppendVariant(const VersionLayout& layout, const Variant& variant, std::string& file) {
+    if (layout.planes) return AppendPlanes(variant, file);
+    AppendEntries(layout.blueFirst ? SwapAxes(layout.steps, variant) : variant, file);
 }
 
 void CheckLength(std::string_view name, size_t least) {
@@ -117,29 +117,27 @@ void CheckProfileName(std::string_view name) {
 }
 
 size_t FileSize(const Profile& profile) {
-    return kHeaderSize + TagArea(profile).size() + 2 * LayoutOf(profile.version).VariantSize();
+    return kProfileHeaderSize + TagArea(profile).size() + 2 * LayoutOf(profile.version).VariantSize();
 }
 
-void WriteProfile(const Profile& profile, std::ostream& out) {
+std::string EncodeProfile(const Profile& profile) {
     CheckProfile(profile);
-    const std::string header = LittleEndianText()
-                                   .Text("ZVC")
-                                   .Byte(static_cast<uint32_t>(profile.version))
-                                   .Long(static_cast<uint32_t>(FileSize(profile)))
-                                   .Long(0)
-                                   .Text(TagArea(profile))
-                                   .Bytes();
-    out.write(header.data(), static_cast<std::streamsize>(header.size()));
+    std::string file = LittleEndianText()
+                           .Text(kProfileMark)
+                           .Byte(static_cast<uint32_t>(profile.version))
+                           .Long(static_cast<uint32_t>(FileSize(profile)))
+                           .Long(0)
+                           .Text(TagArea(profile))
+                           .Bytes();
+    file.reserve(FileSize(profile));
     const VersionLayout& layout = LayoutOf(profile.version);
-    WriteVariant(layout, profile.at600, out);
-    WriteVariant(layout, profile.other, out);
+    AppendVariant(layout, profile.at600, file);
+    AppendVariant(layout, profile.other, file);
+    return file;
 }
 
 void WriteProfileFile(const Profile& profile, const std::filesystem::path& path) {
-    CheckProfile(profile);
-    OutputFile file(path);
-    WriteProfile(profile, file.Stream());
-    file.Complete();
+    WriteWholeFile(path, EncodeProfile(profile));
 }
 
 }  // namespace orvex::tools::profile

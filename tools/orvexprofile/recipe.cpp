@@ -6,9 +6,9 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "tools/orvexprofile/ink.h"
+#include "driver/color/ink.h"
+#include "tools/common/whole_file.h"
 #include "tools/orvexprofile/profile_writer.h"
-#include "tools/orvexprofile/whole_file.h"
 
 namespace orvex::tools::profile {
 
@@ -23,12 +23,12 @@ struct Range {
 
 constexpr Range kDensity = {0, 4};
 constexpr Range kSolidDensity = {0.2, 4};
-constexpr Range kGain = {0, 25};  // beyond, dots would cover more than all
+constexpr Range kGain = {0, 25};  // with more, dots would cover more than the whole area
 constexpr Range kEase = {0, 20};
 constexpr Range kLimit = {kLeastInkLimit, kNoInkLimit};
 constexpr Range kScale = {kLeastScale, kLargestScale};
 constexpr Range kCode = {-128, 127};
-constexpr double kLeastDeterminant = 0.01;  // of the colour inks' densities
+constexpr double kLeastDeterminant = 0.01;  // of the color inks' densities
 
 [[noreturn]] void Refuse(const std::string& key, const std::string& why) {
     throw std::invalid_argument("\"" + key + "\": " + why);
@@ -40,13 +40,13 @@ std::string Shown(double value) {
     return text.str();
 }
 
-// Lists and objects by their kind only: they may be long, and nested deeper than a stack holds.
+// Shows lists and objects by their kind only: they may be long, and nested deeper than the stack allows.
 std::string Shown(const Json& value) {
     if (value.is_array()) return "a list of " + std::to_string(value.size());
     return value.is_object() ? "an object" : value.dump();
 }
 
-// The members of one object; what is not asked for is refused at the end.
+// The members of one object. RefuseOthers refuses those that nobody asked for.
 class Section {
   public:
     Section(const Json& json, std::string path) : json_(json), path_(std::move(path)) {
@@ -126,7 +126,7 @@ double Determinant(const SeparationModel& model) {
            y[0] * (c[1] * m[2] - c[2] * m[1]);
 }
 
-// What each number allows the others to be.
+// Verifies the rules between the numbers.
 void CheckModel(const SeparationModel& model) {
     const auto& black = model.inks[kBlackInk].density;
     if (black[0] < kSolidDensity.least) Refuse("inks/K/density", "black ink is darker than that");

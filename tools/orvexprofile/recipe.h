@@ -1,5 +1,5 @@
-// A recipe: a colour profile written down as the numbers it is made from, so that it can be read, compared
-// and changed. docs/colour-profiles.md describes the keys.
+// A recipe: the numbers that a color profile is made from, as a text that can be read, compared and changed.
+// docs/color-profiles.md describes the keys.
 #pragma once
 
 #include <filesystem>
@@ -28,7 +28,7 @@ Recipe ParseRecipe(std::string_view json);
 // before it.
 Recipe ReadRecipe(const std::filesystem::path& path);
 
-// Mixes a profile of version 5. Throws std::invalid_argument when the recipe's name is none for a profile.
+// Mixes a profile of version 5.
 Profile MixProfile(const Recipe& recipe);
 
 }  // namespace orvex::tools::profile

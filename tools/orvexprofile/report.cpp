@@ -24,7 +24,7 @@ std::string ShownInks(uint32_t inks) {
     return text;
 }
 
-// A row of figures behind an ink's letter, or behind nothing for their heads.
+// Writes a row of figures after an ink's letter, or a row of heads after a blank.
 template <typename... Figures>
 void Row(std::ostream& out, char letter, const Figures&... figures) {
     out << "    " << letter;

@@ -9,17 +9,17 @@
 
 namespace orvex::tools::profile {
 
-// 39329 as "39,329".
+// Returns 39329 as "39,329".
 std::string GroupedNumber(uint64_t number);
 
-// A number with so many decimals.
+// Returns a number with that many decimals.
 std::string FixedNumber(double number, int decimals);
 
-// One line for each ink with its least, most and mean amount, one for the largest total, and one for what is
-// wrong.
+// Writes a line for each ink with its least, most and mean amount, one for the largest total, and one for
+// each thing that is wrong.
 void ReportStatistics(std::ostream& out, std::string_view title, const InkStatistics& statistics);
 
-// One line for each ink with the largest and the mean difference.
+// Writes a line for each ink with the largest and the mean difference.
 void ReportDifference(std::ostream& out, std::string_view title, const InkDifference& difference);
 
 }  // namespace orvex::tools::profile

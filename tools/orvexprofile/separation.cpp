@@ -3,27 +3,28 @@
 #include <algorithm>
 #include <cmath>
 
-#include "tools/orvexprofile/ink.h"
+#include "tools/orvexprofile/ink_totals.h"
 
 namespace orvex::tools::profile {
 
 namespace {
 
-// The component of sRGB as light.
+// Returns an sRGB component as light, 0 to 1.
 double Light(uint32_t component) {
     const double value = component / 255.0;
     return value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
 }
 
-// The channel that an ink is meant to absorb: red for cyan, green for magenta, blue for yellow; any for
-// black.
+// Returns the channel that an ink is meant to absorb: red for cyan, green for magenta, blue for yellow, and
+// any for black.
 int MainChannel(int ink) {
     return ink == kBlackInk ? 0 : ink - kCyanInk;
 }
 
 using Matrix = std::array<std::array<double, kChannels>, kChannels>;
 
-// The inverse by cofactors. Recipes whose inks can't be told apart are refused before this.
+// Inverts a matrix by cofactors. It is not singular, since a recipe whose inks can't be told apart is
+// refused.
 Matrix Inverse(const Matrix& m) {
     const auto cofactor = [&m](int row, int column) {
         const int r1 = (row + 1) % 3, r2 = (row + 2) % 3, c1 = (column + 1) % 3, c2 = (column + 2) % 3;
@@ -38,9 +39,9 @@ Matrix Inverse(const Matrix& m) {
     return inverse;
 }
 
-// A mean that keeps close to the least of the densities, yet has no kink where they are equal: the driver
-// interpolates greys from corners beside the grey axis, and a kink there would show as waves in every grey
-// ramp.
+// Returns a mean that is close to the least of the densities, yet has no kink where they are equal: the
+// driver interpolates grays from corners beside the gray axis, and a kink there would show as waves in every
+// gray ramp.
 double NeutralDensity(const std::array<double, kChannels>& densities) {
     double sum = 0;
     for (double density : densities) {
@@ -60,7 +61,7 @@ Matrix InkDensities(const SeparationModel& model) {
     return densities;
 }
 
-double Solid(const InkModel& ink, int channel) {
+double Solid(const SolidInk& ink, int channel) {
     return ink.density[static_cast<size_t>(channel)];
 }
 
@@ -73,8 +74,8 @@ Separation::Separation(const SeparationModel& model) : model_(model), masking_(I
     }
 }
 
-// The density that black ink adds to a neutral: none up to the start, then with a soft beginning up to its
-// solid at the darkest.
+// Returns the density that black ink adds to a neutral: none up to the start, then softly growing to its
+// solid density at the darkest.
 double Separation::BlackShare(double neutral) const {
     const double position = (neutral - model_.blackStart) / (model_.blackDensity - model_.blackStart);
     const double within = std::clamp(position, 0.0, 1.0);
@@ -86,8 +87,8 @@ double Separation::CompressedChroma(double density) const {
     return density / (1 + bend * density);
 }
 
-// Dots of the amount a cover a + 4ga(1 - a), g being the gain at one half; the density fraction of a coverage
-// follows from the light that paper and solid ink send back.
+// Dots of the amount a cover a + 4ga(1 - a), where g is the gain at one half. The density fraction of a
+// coverage follows from the light that paper and solid ink reflect.
 double Separation::AmountFor(int ink, double fraction) const {
     const double solid = Solid(model_.inks[ink], MainChannel(ink));
     const double covered = (1 - std::pow(10, -fraction * solid)) / (1 - std::pow(10, -solid));
@@ -103,8 +104,8 @@ double Separation::FractionOf(int ink, double amount) const {
     return -std::log10(1 - covered * (1 - std::pow(10, -solid))) / solid;
 }
 
-// Holds small amounts of colour back, so that near-white paper stays free of stray dots; a few times the ease
-// and more are left as they are.
+// Reduces small amounts of color, so that nearly white paper stays free of stray dots; amounts from a few
+// times the ease up stay as they are.
 double Separation::Ease(double amount) const {
     const double ease = model_.highlightEase / 100;
     return ease > 0 ? amount * (1 - std::exp(-amount / ease)) : amount;

@@ -13,7 +13,7 @@ using namespace std::string_literals;
 
 namespace {
 
-// A code page in which 0x95 0x5C is one character, though 0x5C alone is the backslash.
+// Widens text of a code page in which 0x95 0x5C is one character, although 0x5C alone is the backslash.
 INT WINAPI WidenDoubleBytes(UINT, DWORD, LPCSTR text, INT length, LPWSTR wide, INT) {
     INT written = 0;
     for (INT i = 0; i < length; ++written) {
@@ -24,13 +24,13 @@ INT WINAPI WidenDoubleBytes(UINT, DWORD, LPCSTR text, INT length, LPWSTR wide, I
     return written;
 }
 
-// The code page in which every byte is the character of that number.
+// Widens text of the code page in which every byte is the character of that number.
 INT WINAPI WidenLatin1(UINT, DWORD, LPCSTR text, INT length, LPWSTR wide, INT) {
     for (INT i = 0; i < length; ++i) wide[i] = static_cast<unsigned char>(text[i]);
     return length;
 }
 
-// Makes a scratch folder with profiles in and beside "profiles" current.
+// Makes a scratch folder current, with profiles inside its folder "profiles" and outside of it.
 class NamedProfile : public ProfileFixture {
   protected:
     NamedProfile() : before_(std::filesystem::current_path()) {
@@ -39,7 +39,7 @@ class NamedProfile : public ProfileFixture {
              {"profiles/in.zvp", "profiles/a..b c.zvp", "profiles/sub/deep.zvp", "out.zvp"}) {
             folder_.Write(name, bytes);
         }
-        // Where the file system takes such a name.
+        // Only the native file system accepts such a name.
         std::ofstream(folder_.Path() / "profiles" / "c:in.zvp", std::ios::binary) << bytes;
         std::filesystem::current_path(folder_.Path());
     }
@@ -59,7 +59,7 @@ TEST(BareFileName, HasNoSeparatorAndNoDrive) {
     }
 }
 
-TEST(BareFileName, IsNotThatOfADevice) {
+TEST(BareFileName, IsNotADevices) {
     for (const char* name :
          {"CON", "PRN", "AUX", "NUL", "CONIN$", "CONOUT$", "COM1", "COM9", "LPT1", "LPT9"}) {
         for (const char* end : {"", ".", ".zvp", ".a.zvp", "..", " ", "  ", " .zvp", " . ", ". .zvp"}) {
@@ -73,7 +73,7 @@ TEST(BareFileName, IsNotThatOfADevice) {
         EXPECT_FALSE(IsBareFileName(name)) << name;
 }
 
-TEST(BareFileName, MayResembleThatOfADevice) {
+TEST(BareFileName, MayResembleADevices) {
     for (const char* name :
          {"CO",        "CONN",     "CON1", "NUL1.zvp",  "NULL.zvp",  "a.NUL",   "aNUL",    " NUL",
           ".NUL",      "NUL_.zvp", "N UL", "NUL a.zvp", "COM",       "COM.zvp", "COM0",    "COM10",
@@ -83,7 +83,7 @@ TEST(BareFileName, MayResembleThatOfADevice) {
     }
 }
 
-TEST(BareFileName, IsNotThatOfAPortWithASuperscriptNumber) {
+TEST(BareFileName, IsNotAPortsWithASuperscriptNumber) {
     const ImportPatch patch(nullptr, "MultiByteToWideChar", reinterpret_cast<void*>(&WidenLatin1));
     for (const std::string port : {"COM", "lpt"}) {
         for (const char* digit : {"\xB9", "\xB2", "\xB3"}) {
@@ -102,7 +102,7 @@ TEST(BareFileName, IsShortEnoughForAPath) {
     EXPECT_FALSE(IsBareFileName((std::string(600, 'a') + "\\b").c_str()));
 }
 
-TEST(BareFileName, MayHoldACharacterWhoseSecondByteLooksLikeASeparator) {
+TEST(BareFileName, MayHaveACharacterWhoseSecondByteLooksLikeASeparator) {
     const ImportPatch patch(nullptr, "MultiByteToWideChar", reinterpret_cast<void*>(&WidenDoubleBytes));
     EXPECT_TRUE(IsBareFileName("\x95\x5C.zvp"));
     EXPECT_FALSE(IsBareFileName("\x95\x5C\x5C.zvp"));
@@ -119,7 +119,7 @@ TEST_F(NamedProfile, IsNotOpenedWhenItIsADevice) {
     for (const std::string name : {"NUL", "nul.zvp", "con .zvp", "COM1.zvp", "lpt9"}) {
         const std::string path = "profiles\\" + name;
 #ifndef _WIN32
-        // Windows would open the device; here it is a file, which must not be opened either.
+        // Windows would open the device; natively it is a file, which must not be opened either.
         folder_.Write("profiles/" + name, SmallProfile(NameTag("Device")));
 #endif
         ExpectRejected(path, {"[Error] Error: could not open file [" + path + "]"});

@@ -30,8 +30,8 @@ class BlockReaderTest : public testing::Test {
         reader_ = std::make_unique<BlockReader>(Path().c_str());
     }
 
-    // Reads `size` bytes and compares the `expected` ones that come with those of the file from `place` on,
-    // and what lies behind them with what was there.
+    // Reads `size` bytes. Expects that `expected` ones come, those of the file from `place` on, and that the
+    // bytes after them stay as they were.
     void ExpectRead(size_t size, size_t place, size_t expected) {
         SCOPED_TRACE(testing::Message() << size << " bytes at " << place);
         std::vector<uint8_t> bytes(size + kFileSize, 0xA5), want = bytes;
@@ -65,7 +65,7 @@ class BlockReaderTest : public testing::Test {
 
 }  // namespace
 
-TEST_F(BlockReaderTest, ReadsOnAcrossItsBlocks) {
+TEST_F(BlockReaderTest, ReadsAcrossItsBlocks) {
     EXPECT_EQ(reader_->Size(), static_cast<int64_t>(kFileSize));
     static_assert(BlockReader::kBlock == 8192);
     ExpectRead(8000, 0, 8000);
@@ -78,7 +78,7 @@ TEST_F(BlockReaderTest, ReadsOnAcrossItsBlocks) {
     EXPECT_FALSE(reader_->Failed());
 }
 
-TEST_F(BlockReaderTest, ReadsFromWhereItWasTold) {
+TEST_F(BlockReaderTest, ReadsFromThePlaceThatItSeeks) {
     ExpectRead(10, 0, 10);
     reader_->Seek(50000);
     ExpectRead(40000, 50000, 40000);  // with nothing buffered, in one piece
@@ -102,7 +102,7 @@ TEST_F(BlockReaderTest, ReadsNoMoreAfterAFailedRead) {
     ExpectRead(40000, 0, 0);
 }
 
-TEST_F(BlockReaderTest, ReadsNoMoreAfterAFailedMove) {
+TEST_F(BlockReaderTest, ReadsNoMoreAfterAFailedSeek) {
     {
         const ImportPatch failure(nullptr, "SetFilePointerEx",
                                   reinterpret_cast<void*>(+[](HANDLE, LARGE_INTEGER, PLARGE_INTEGER, DWORD)
@@ -119,14 +119,14 @@ TEST_F(BlockReaderTest, ReadsAFileThatIsOpenForWriting) {
     EXPECT_TRUE(CanBeReadBeside(Open(GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ)));
 }
 
-TEST_F(BlockReaderTest, DoesNotReadAFileThatIsOpenForItsDeletionOrNotShared) {
+TEST_F(BlockReaderTest, DoesNotReadAFileThatIsOpenForDeletionOrNotShared) {
     reader_.reset();
     EXPECT_FALSE(CanBeReadBeside(Open(DELETE, kShareAll)));
     EXPECT_FALSE(CanBeReadBeside(Open(GENERIC_WRITE, FILE_SHARE_WRITE)));
     EXPECT_FALSE(CanBeReadBeside(Open(GENERIC_READ, 0)));
 }
 
-TEST_F(BlockReaderTest, SharesItsFileWithReadersAndWritersAlone) {
+TEST_F(BlockReaderTest, SharesItsFileWithReadersAndWritersOnly) {
     EXPECT_TRUE(Open(GENERIC_READ, kShareAll));
     EXPECT_TRUE(Open(GENERIC_WRITE, kShareAll));
     EXPECT_TRUE(Open(GENERIC_WRITE, FILE_SHARE_READ));
@@ -135,7 +135,7 @@ TEST_F(BlockReaderTest, SharesItsFileWithReadersAndWritersAlone) {
     ExpectRead(10, 0, 10);
 }
 
-TEST_F(BlockReaderTest, OfNoFileHasNoSize) {
+TEST_F(BlockReaderTest, HasNoSizeWithoutAFile) {
     const BlockReader missing((folder_.Path() / "missing").string().c_str());
     EXPECT_FALSE(missing);
     EXPECT_EQ(missing.Size(), -1);

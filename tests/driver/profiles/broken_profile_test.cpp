@@ -11,9 +11,10 @@ using testing::ElementsAre;
 
 namespace {
 
-constexpr size_t kBlock = 32768;  // what is read at once
+constexpr size_t kBlock = BlockReader::kBlock;
+constexpr size_t kPiece = 32768;  // bytes of a plane that are read at once
 
-// Lets so many calls of ReadFile or of SetFilePointerEx through, and fails those that follow.
+// Lets a number of calls of ReadFile or of SetFilePointerEx pass, and fails those that follow.
 class CallsCounted {
   public:
     CallsCounted(const char* function, int allowed)
@@ -42,7 +43,7 @@ class CallsCounted {
 
 class BrokenProfile : public ProfileFixture {
   protected:
-    // The path of a profile with the name "n" whose colours begin with these bytes and go on with zeros.
+    // Returns the path of a profile with the name "n" whose colors are these bytes, then zeros.
     std::string HollowProfile(int version, std::string_view colors) {
         const std::filesystem::path path = folder_.Path() / "hollow.zvp";
         const std::string area = TagArea(NameTag("n"));
@@ -52,8 +53,8 @@ class BrokenProfile : public ProfileFixture {
         return path.string();
     }
 
-    // Reads a hollow profile of that version, in which `function` fails from its call after `allowed` ones
-    // on. Expects a refusal that logs how many bytes of the variant came.
+    // Reads a hollow profile of that version while `function` fails after `allowed` calls. Expects a refusal
+    // that logs how many bytes of the variant came.
     void ExpectFailure(int version, const char* function, int allowed, size_t came) {
         const std::string path = HollowProfile(version, "");
         for (const bool at600Dpi : {true, false}) {
@@ -74,7 +75,7 @@ std::string VersionLine(int version) {
     return std::string("[Info]  Profile version:").append(std::to_string(version));
 }
 
-// Fails for files of this size alone: the log measures its file as well.
+// Fails only for files of this size, since the log measures its file as well.
 LONGLONG unmeasurable;
 decltype(&GetFileSizeEx) originalMeasure;
 
@@ -107,7 +108,7 @@ TEST_F(BrokenProfile, ShorterThanItsHeaderIsRejected) {
     ExpectRejectedBytes(ProfileHead(5, 11).substr(0, 11), {"[Error] error reading file <path> 11"});
 }
 
-TEST_F(BrokenProfile, WhoseLengthCanNotBeToldIsRejected) {
+TEST_F(BrokenProfile, WithoutAKnownLengthIsRejected) {
     const std::string bytes = SmallProfile(NameTag("n"));
     const ImportPatch patch(nullptr, "GetFileSizeEx", reinterpret_cast<void*>(&FailToMeasure));
     originalMeasure = reinterpret_cast<decltype(&GetFileSizeEx)>(patch.Original());
@@ -115,7 +116,7 @@ TEST_F(BrokenProfile, WhoseLengthCanNotBeToldIsRejected) {
     ExpectRejectedBytes(bytes, {"[Error] error reading file <path> 0"});
 }
 
-TEST_F(BrokenProfile, IsMentionedInALogOfErrorsAlone) {
+TEST_F(BrokenProfile, IsLoggedOnlyWithErrors) {
     LogCapture log(2);
     Load((folder_.Path() / "none.zvp").string());
     EXPECT_THAT(log.TakeLines(), ElementsAre("[Trace] <zvc_load_profile>", "[Trace] </zvc_load_profile>"));
@@ -144,8 +145,8 @@ TEST_F(BrokenProfile, WithoutAWholeTagAreaHeaderIsRejected) {
                         {"[Info]  Profile version:5", "[Info]  error reading tag header 2<>3"});
 }
 
-TEST_F(BrokenProfile, ReadsOneTagEvenOutOfATagAreaOfLength3) {
-    // The one tag makes the count wrap; the colours, all zero, are then read as a tag.
+TEST_F(BrokenProfile, ReadsOneTagEvenFromATagAreaOfLength3) {
+    // The one tag makes the count wrap, so the colors, all zero, are read as a tag.
     ExpectRejectedBytes(
         ProfileBytes(5, TagArea(NameTag("wrap"), 3), GridColors([](uint32_t, bool) { return 0u; })),
         {"[Info]  Profile version:5", "[Info]  Profile name:wrap", "[Info]  invalid profile tag 0"});
@@ -175,7 +176,7 @@ TEST_F(BrokenProfile, WithACutTagHeaderIsRejected) {
         {"[Info]  Profile version:5", "[Info]  Profile name:n", "[Info]  error reading tag 2<>3"});
 }
 
-TEST_F(BrokenProfile, TakesANameOf511BytesAndNotOf512) {
+TEST_F(BrokenProfile, TakesANameOf511BytesButNotOf512) {
     EXPECT_EQ(Load(PathOf(SmallProfile(NameTag(std::string(511, 'x'))))), 5);
     EXPECT_EQ(name_, std::string(511, 'x'));
     ExpectRejectedBytes(SmallProfile(NameTag(std::string(512, 'x'))),
@@ -183,12 +184,12 @@ TEST_F(BrokenProfile, TakesANameOf511BytesAndNotOf512) {
     EXPECT_STREQ(name_, "asked.zvp");
 }
 
-TEST_F(BrokenProfile, EndsANameThatTheFileCutsShortBehindWhatCame) {
+TEST_F(BrokenProfile, TerminatesANameThatTheFileCutsShort) {
     const std::string tags = "\1\x0A\0short"s;
     ExpectRejectedBytes(ProfileBytes(5, TagArea(tags, 16), ""),
                         {"[Info]  Profile version:5", "[Info]  error reading profile name"});
     EXPECT_STREQ(name_, "short");
-    EXPECT_STREQ(name_ + 6, "zvp");  // of the name that stood there
+    EXPECT_STREQ(name_ + 6, "zvp");  // the rest of the name before
 }
 
 TEST_F(BrokenProfile, MustHaveAResolutionTagOfTwoBytes) {
@@ -239,7 +240,7 @@ TEST_F(BrokenProfile, WithAnUnknownTagIsRejected) {
                         {"[Info]  Profile version:5", "[Info]  invalid profile tag 255"});
 }
 
-TEST_F(BrokenProfile, OfAnUnknownVersionIsRejected) {
+TEST_F(BrokenProfile, WithAnUnknownVersionIsRejected) {
     for (const int version : {0, 6, 255}) {
         ExpectRejectedBytes(
             ProfileBytes(version, TagArea(ResolutionTag(8, 9)), GridColors(ProfileInk)),
@@ -263,11 +264,11 @@ TEST_F(BrokenProfile, WithColorsOfAnotherSizeThanItsVersionsIsRejected) {
         {"[Info]  Profile version:5", "[Info]  Profile name:n", "[Error] invalid file size 0<>39304"});
 }
 
-TEST_F(BrokenProfile, LeavesNothingOfAVersion1WhoseColorsEndEarly) {
+TEST_F(BrokenProfile, IsGenericWhenTheColorsOfVersion1EndEarly) {
     const std::string path = HollowProfile(1, "");
     LogCapture log;
     const FileWatch watch;
-    watch.EndAfter(BlockReader::kBlock + 1000);  // one block with the head, then the colours
+    watch.EndAfter(kBlock + 1000);  // the head takes one block
     EXPECT_EQ(zvc_load_profile(path.c_str(), kResolution600, &code_, name_, sizeof name_), 1);
     EXPECT_EQ(watch.Open(), 0u);
     EXPECT_TRUE(HoldsGenericConversion(50));
@@ -279,7 +280,7 @@ TEST_F(BrokenProfile, LeavesNothingOfAVersion1WhoseColorsEndEarly) {
                             "[Trace] </zvc_load_profile>"));
 }
 
-TEST_F(BrokenProfile, LeavesColorsOfTheOtherVersionsThatDoNotComeAsPrepared) {
+TEST_F(BrokenProfile, LeavesMissingColorsOfTheOtherVersionsAsPrepared) {
     // The 600 dpi variant begins with these bytes, and no more of it can be read.
     std::string come(1030, '\0');
     for (size_t i = 0; i < come.size(); ++i) come[i] = static_cast<char>(1 + i % 251);
@@ -288,7 +289,7 @@ TEST_F(BrokenProfile, LeavesColorsOfTheOtherVersionsThatDoNotComeAsPrepared) {
         return plain::Ink(byteAt(4 * index), byteAt(4 * index + 1), byteAt(4 * index + 2),
                           byteAt(4 * index + 3));
     };
-    // Whole entries come 257 times. Where a colour stands in the versions that leave some out:
+    // 257 whole entries come. The places of a color in the versions that leave some out are these.
     const auto inHalfGrid = [](uint32_t color) {
         return color < 0x010000 ? color >> 9 << 7 | (color & 0xFF) / 2 : 9999;
     };
@@ -312,14 +313,14 @@ TEST_F(BrokenProfile, LeavesColorsOfTheOtherVersionsThatDoNotComeAsPrepared) {
     for (const int version : {2, 3, 4, 5}) {
         const std::string path = HollowProfile(version, come);
         const FileWatch watch;
-        watch.EndAfter(BlockReader::kBlock + 1030);  // one block with the head, then the colours
+        watch.EndAfter(kBlock + 1030);  // the head takes one block
         EXPECT_EQ(zvc_load_profile(path.c_str(), kResolution600, &code_, name_, sizeof name_), version);
         EXPECT_EQ(watch.Open(), 0u);
         EXPECT_TRUE(SameForEveryColor(StoredEntry, expected[version - 2])) << version;
     }
 }
 
-TEST_F(BrokenProfile, ThatCanNotBeSoughtInIsRejected) {
+TEST_F(BrokenProfile, IsRejectedWhenASeekFails) {
     for (const int version : {1, 3, 5}) {
         const std::string path = HollowProfile(version, "");
         LogCapture log(1);
@@ -332,27 +333,27 @@ TEST_F(BrokenProfile, ThatCanNotBeSoughtInIsRejected) {
 }
 
 TEST_F(BrokenProfile, LogsHowManyBytesCameBeforeAReadThatFailed) {
-    // The first read has the head. After the move to the variant, its bytes come in blocks.
+    // The first read gets the head. After the seek to the variant, its bytes come in blocks.
     ExpectFailure(1, "ReadFile", 1, 0);
     ExpectFailure(3, "ReadFile", 1, 0);
     ExpectFailure(3, "ReadFile", 4, 3 * kBlock);
     ExpectFailure(4, "ReadFile", 4, 3 * kBlock);
-    ExpectFailure(4, "ReadFile", 1 + 255, 255 * kBlock);
+    ExpectFailure(4, "ReadFile", 1 + 1023, 1023 * kBlock);
     ExpectFailure(5, "ReadFile", 1, 0);
 }
 
 TEST_F(BrokenProfile, LogsHowManyBytesOfAllPlanesCameBeforeAFailure) {
-    // Version 2 moves to each plane for each of its blocks.
+    // Version 2 seeks each plane for each of its blocks.
     for (const int blocks : {0, 3}) {
         for (int plane = 0; plane < 4; ++plane) {
             const int came = 4 * blocks + plane;
-            ExpectFailure(2, "ReadFile", 1 + came, came * kBlock);
-            ExpectFailure(2, "SetFilePointerEx", 1 + came, came * kBlock);
+            ExpectFailure(2, "ReadFile", 1 + came, came * kPiece);
+            ExpectFailure(2, "SetFilePointerEx", 1 + came, came * kPiece);
         }
     }
 }
 
-TEST_F(BrokenProfile, WhosePlanesCanNotBeReadOnIsTheGenericProfile) {
+TEST_F(BrokenProfile, IsGenericWhenItsPlanesCanNotBeRead) {
     const std::string path = HollowProfile(2, "\x80");
     LogCapture log(1);
     {
@@ -367,7 +368,7 @@ TEST_F(BrokenProfile, WhosePlanesCanNotBeReadOnIsTheGenericProfile) {
                             "[Info]  generic profile"));
 }
 
-TEST_F(BrokenProfile, WhoseReadingFailsIsRejected) {
+TEST_F(BrokenProfile, IsRejectedWhenAReadFails) {
     const std::string path = PathOf(SmallProfile(NameTag("n")));
     LogCapture log(1);
     {

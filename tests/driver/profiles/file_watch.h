@@ -1,4 +1,4 @@
-// Watches the files that the driver opens, and can make their reading end early.
+// A watch over the files that the driver opens, which can make their reading end early.
 #pragma once
 
 #include <algorithm>
@@ -11,8 +11,7 @@
 namespace orvex {
 
 using namespace tools;
-// While it lives, knows which files and searches the code linked into this program holds open. One lives at a
-// time.
+// Counts the files and searches that the code linked into this program opens. One watch lives at a time.
 class FileWatch {
   public:
     FileWatch() {
@@ -27,12 +26,12 @@ class FileWatch {
         read = reinterpret_cast<decltype(&ReadFile)>(readPatch_.Original());
     }
 
-    // How many are open now, and how many have been.
+    // Return the number of files and searches that are open now, and of those opened so far.
     size_t Open() const { return open.size(); }
     size_t Opened() const { return opened; }
-    // How many reads were asked for.
+    // Returns the number of reads so far.
     size_t Reads() const { return reads; }
-    // From now on, no more than `bytes` bytes are read in all; then every file is at its end.
+    // Makes every file end after `bytes` more bytes are read in all.
     void EndAfter(uint64_t bytes) const { left = bytes; }
 
   private:
@@ -92,7 +91,7 @@ class FileWatch {
     ImportPatch readPatch_{nullptr, "ReadFile", reinterpret_cast<void*>(&WatchedRead)};
 };
 
-// What an ImportPatch can put in place of SetFilePointerEx, and of ReadFile.
+// Replacements for SetFilePointerEx and ReadFile.
 inline BOOL WINAPI FailToSeek(HANDLE, LARGE_INTEGER, PLARGE_INTEGER, DWORD) {
     return FALSE;
 }

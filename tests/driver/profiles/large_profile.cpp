@@ -9,7 +9,7 @@ namespace orvex {
 
 namespace {
 
-// The inks of a profile's colours in index order.
+// Returns the inks of a profile's colors in index order.
 std::vector<uint32_t> ProfileInks(int version, bool at600Dpi) {
     const uint32_t step = version < 3 ? 1 : 2;
     std::vector<uint32_t> inks;

@@ -1,4 +1,4 @@
-// Profiles of the versions that hold 16 or 128 MiB of colours.
+// Profiles of the versions with 16 or 128 MiB of colors.
 #pragma once
 
 #include <cstdint>
@@ -8,10 +8,10 @@
 
 namespace orvex {
 
-// Writes a profile of version 1 to 4 with these tags that holds ProfileInk.
+// Writes a profile of version 1 to 4 with these tags and ProfileInk.
 void WriteLargeProfile(const std::filesystem::path& path, int version, std::string_view tags);
 
-// The cache as such a profile fills it; colours that it leaves out hold `others`.
+// Returns the cache as such a profile fills it, with `others` for the colors that it leaves out.
 std::vector<uint32_t> LargeProfileTable(int version, bool at600Dpi, uint32_t others);
 
 }  // namespace orvex

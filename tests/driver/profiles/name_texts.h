@@ -1,4 +1,4 @@
-// Lists of names, and files of wide text.
+// Lists of names and files of wide text.
 #pragma once
 
 #include <string>
@@ -10,7 +10,8 @@
 namespace orvex {
 
 using namespace tools;
-// The texts of a list that ends with an empty one; a null list has none.
+
+// Returns the texts of a list that ends with an empty one; a null list has none.
 inline std::vector<std::u16string> ListedTexts(const WCHAR* list) {
     std::vector<std::u16string> texts;
     if (list == nullptr) return texts;
@@ -18,7 +19,7 @@ inline std::vector<std::u16string> ListedTexts(const WCHAR* list) {
     return texts;
 }
 
-// UTF-16 text as little-endian bytes, behind a byte-order mark.
+// Returns UTF-16 text as little-endian bytes after a byte-order mark.
 inline std::string WideFile(std::u16string_view text) {
     std::string bytes = "\xFF\xFE";
     for (const char16_t c : text) {

@@ -1,4 +1,4 @@
-// Builds colour profiles byte by byte, so that a test reads like the format.
+// Color profiles built byte by byte, so that a test reads like the format.
 #pragma once
 
 #include <cstdint>
@@ -28,7 +28,7 @@ inline std::string ResolutionTag(char other, char at600Dpi) {
     return Tag(2, std::string{other, at600Dpi});
 }
 
-// The tag area of these tags, or one that claims another length.
+// Returns the tag area of these tags, or one that states another length.
 inline std::string TagArea(std::string_view tags, uint32_t length) {
     return std::string(1, '\x7F').append(Number16(length)).append(tags);
 }
@@ -36,29 +36,29 @@ inline std::string TagArea(std::string_view tags) {
     return TagArea(tags, static_cast<uint32_t>(tags.size() + 3));
 }
 
-// The fixed header of a file of `size` bytes.
+// Returns the fixed header of a file of `size` bytes.
 inline std::string ProfileHead(int version, uint64_t size) {
     return "ZVC" + std::string(1, static_cast<char>(version)) + Number32(static_cast<uint32_t>(size)) +
            "????";
 }
 
-// A profile whose header states its real size, all but the colours given.
+// Returns a profile with these parts, whose header states its size.
 inline std::string ProfileBytes(int version, std::string_view tagArea, std::string_view colors) {
     return ProfileHead(version, 12 + tagArea.size() + colors.size()) + std::string(tagArea) +
            std::string(colors);
 }
 
-// The size of both variants of a version's colours.
+// Returns the size of both variants of a version's colors.
 constexpr uint64_t ColorsSize(int version) {
     return version < 3 ? 134217728 : version < 5 ? 16777216 : 39304;
 }
 
-// The ink value that the profiles below hold for a colour, another one in each variant.
+// Returns the ink value that the tests' profiles have for a color; it differs between the variants.
 constexpr uint32_t ProfileInk(uint32_t color, bool at600Dpi) {
     return plain::Scramble(color, at600Dpi ? 600 : 300);
 }
 
-// The colours of version 5 in both variants: blue slowest, red fastest.
+// Returns the colors of version 5 in both variants: blue slowest, red fastest.
 template <typename InkOf>
 std::string GridColors(InkOf inkOf) {
     std::string bytes;

@@ -1,31 +1,16 @@
 #include "driver/profiles/profile_catalogue.h"
 
-#include <gmock/gmock.h>
-
-#include <filesystem>
-#include <string>
-#include <vector>
-
-#include "driver/support/installation.h"
-#include "driver/support/text.h"
-#include "tests/driver/profiles/file_watch.h"
-#include "tests/driver/profiles/name_texts.h"
-#include "tests/driver/profiles/profile_bytes.h"
+#include "tests/driver/profiles/catalogue_fixture.h"
 #include "tests/kit/allocation_failure.h"
-#include "tests/kit/installation_fixture.h"
-#include "tests/kit/log_capture.h"
 
 namespace orvex {
 
-using namespace tools;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Pair;
 using testing::UnorderedElementsAre;
 
 namespace {
-
-using Texts = std::vector<std::u16string>;
 
 BOOL WINAPI KnowsNoFolder(HWND, LPWSTR, int, BOOL) {
     SetLastError(ERROR_FILE_NOT_FOUND);
@@ -36,8 +21,7 @@ BOOL WINAPI AppendsNothing(LPWSTR, LPCWSTR) {
     return FALSE;
 }
 
-// Lets something happen when the search for profiles starts for the second time; the search then fails if it
-// says so.
+// Called when the search for profiles starts for the second time; the search fails if it returns false.
 bool (*beforeSecondSearch)();
 int searches;
 decltype(&FindFirstFileW) originalSearch;
@@ -62,31 +46,15 @@ class SecondSearch {
     ImportPatch patch_{nullptr, "FindFirstFileW", reinterpret_cast<void*>(&SearchTwice)};
 };
 
-class ProfileCatalogue : public testing::Test {
+class ProfileCatalogue : public CatalogueFixture {
   protected:
-    ProfileCatalogue() { installation_.WriteSettings("[UI]\r\nLanguage=DEU\r\n"); }
-
-    void WriteProfile(const std::string& file, std::string_view tags) {
-        installation_.Write(std::filesystem::path("profiles") / file, ProfileBytes(5, TagArea(tags), ""));
-    }
-    void WriteNames(std::u16string_view text) { installation_.Write("profilenames.inf", WideFile(text)); }
-
-    // The installation folder as the driver writes it.
-    std::string Folder() {
-        char text[512];
-        const HeapArray<WCHAR> folder = GetInstallationFolder();
-        NarrowText(text, sizeof text, {folder.get(), TextLength(folder.get())});
-        return text;
-    }
-    std::string ProfilePath(const std::string& file) { return Folder() + "\\profiles\\" + file; }
-
-    // Lists the profiles as pairs of file name and display name, which are as many.
+    // Returns the profiles as pairs of file name and display name.
     std::vector<std::pair<std::u16string, std::u16string>> List() {
         HeapArray<WCHAR> files, names;
         const FileWatch watch;
         EXPECT_EQ(ListProfiles(nullptr, &files, &names), 1);
         EXPECT_EQ(watch.Open(), 0u);
-        const Texts fileTexts = ListedTexts(files.get()), nameTexts = ListedTexts(names.get());
+        const auto fileTexts = ListedTexts(files.get()), nameTexts = ListedTexts(names.get());
         EXPECT_EQ(fileTexts.size(), nameTexts.size());
         std::vector<std::pair<std::u16string, std::u16string>> pairs;
         for (size_t i = 0; i < std::min(fileTexts.size(), nameTexts.size()); ++i) {
@@ -102,20 +70,6 @@ class ProfileCatalogue : public testing::Test {
         EXPECT_EQ(watch.Open(), 0u);
         return result;
     }
-
-    // The display name of one profile.
-    std::u16string NameOf(const WCHAR* file) {
-        const HeapArray<WCHAR> folder = GetInstallationFolder();
-        HeapArray<WCHAR> names;
-        size_t bytes = 0;
-        EXPECT_EQ(GetQRVProfileName(file, &names, &bytes, folder.get(), L"[DEU]"), 1);
-        const Texts texts = ListedTexts(names.get());
-        EXPECT_EQ(texts.size(), 1u);
-        EXPECT_EQ(bytes, 2 * (texts.front().size() + 1));
-        return texts.front();
-    }
-
-    InstallationFixture installation_;
 };
 
 }  // namespace
@@ -165,6 +119,12 @@ TEST_F(ProfileCatalogue, LogsItsWork) {
                             "[Error] QRV_GetProfileFieldW [film.zvp] [Folie]"));
 }
 
+TEST_F(ProfileCatalogue, CutsFileNamesAt99Bytes) {
+    const std::string file = std::string(150, 'f') + ".zvp";
+    WriteProfile(file, ResolutionTag(1, 2));
+    EXPECT_THAT(List(), ElementsAre(Pair(std::u16string(150, u'f') + u".zvp", std::u16string(99, u'f'))));
+}
+
 TEST_F(ProfileCatalogue, FailsWhenTheSecondSearchCanNotBeOpened) {
     WriteProfile("film.zvp", NameTag("Film"));
     const SecondSearch fails(+[] { return false; });
@@ -205,7 +165,7 @@ TEST_F(ProfileCatalogue, LeavesOutANameThatIsACharacterTooLong) {
     EXPECT_THAT(ListedTexts(files.get()), IsEmpty());
 }
 
-TEST_F(ProfileCatalogue, HasNoMoreNamesThanItMadeRoomFor) {
+TEST_F(ProfileCatalogue, ListsNoMoreNamesThanFit) {
     for (const char* file : {"b.zvp", "c.zvp", "d.zvp", "e.zvp"}) WriteProfile(file, NameTag("Name"));
     static std::filesystem::path folder;
     folder = installation_.Folder() / "profiles";
@@ -218,7 +178,7 @@ TEST_F(ProfileCatalogue, HasNoMoreNamesThanItMadeRoomFor) {
     EXPECT_EQ(ListedTexts(files.get()).size(), 4u);
 }
 
-TEST_F(ProfileCatalogue, DoesNotMissFilesThatDisappearBetweenTheSearches) {
+TEST_F(ProfileCatalogue, ListsTheFilesThatAreLeftAtTheSecondSearch) {
     WriteProfile("film.zvp", NameTag("Film"));
     WriteProfile("paper.zvp", NameTag("Paper"));
     static std::filesystem::path gone;
@@ -236,7 +196,7 @@ TEST_F(ProfileCatalogue, LeavesTheListAloneWhenNothingIsFound) {
     EXPECT_EQ(files.get(), before);
 }
 
-TEST_F(ProfileCatalogue, CanNotSearchWhereThePathIsTooLong) {
+TEST_F(ProfileCatalogue, FailsWhenThePathIsTooLong) {
     LogCapture log;
     HeapArray<WCHAR> files;
     HeapArray<WCHAR> folder = AllocateArray<WCHAR>(301);
@@ -254,120 +214,13 @@ TEST_F(ProfileCatalogue, CanNotSearchWhereThePathIsTooLong) {
     EXPECT_EQ(files, nullptr);
 }
 
-TEST_F(ProfileCatalogue, FailsWhenMemoryForTheFilesIsShort) {
+TEST_F(ProfileCatalogue, FailsWhenOutOfMemory) {
     WriteProfile("film.zvp", NameTag("Film"));
     HeapArray<WCHAR> files;
     const AllocationFailure failure(2 * (8 + 1 + 1));
     EXPECT_EQ(Scan(&files), kSearchFailed);
     EXPECT_EQ(files, nullptr);
     EXPECT_EQ(failure.Count(), 1);
-}
-
-TEST_F(ProfileCatalogue, KeepsTheListOfNamesWhenMemoryForMoreIsShort) {
-    WriteProfile("film.zvp", NameTag("Film"));
-    const HeapArray<WCHAR> folder = GetInstallationFolder();
-    HeapArray<WCHAR> names;
-    size_t bytes = 0;
-    EXPECT_EQ(GetQRVProfileName(L"film.zvp", &names, &bytes, folder.get(), L"[DEU]"), 1);
-    const AllocationFailure failure(2 * (5 + 5 + 1));
-    EXPECT_EQ(GetQRVProfileName(L"film.zvp", &names, &bytes, folder.get(), L"[DEU]"), 0);
-    EXPECT_EQ(failure.Count(), 1);
-    EXPECT_EQ(bytes, 10u);
-    EXPECT_THAT(ListedTexts(names.get()), ElementsAre(u"Film"));
-}
-
-TEST_F(ProfileCatalogue, AppendsNamesToTheList) {
-    WriteProfile("film.zvp", NameTag("Film"));
-    const HeapArray<WCHAR> folder = GetInstallationFolder();
-    HeapArray<WCHAR> names;
-    size_t bytes = 0;
-    GetQRVProfileName(L"film.zvp", &names, &bytes, folder.get(), L"[DEU]");
-    EXPECT_EQ(bytes, 2u * 5);
-    GetQRVProfileName(L"none.zvp", &names, &bytes, folder.get(), L"[DEU]");
-    EXPECT_EQ(bytes, 2u * (5 + 9));
-    EXPECT_THAT(ListedTexts(names.get()), ElementsAre(u"Film", u"none.zvp"));
-}
-
-TEST_F(ProfileCatalogue, ShowsANameOfOneLetter) {
-    WriteNames(u"[DEU]\r\nfilm.zvp=F\r\n");
-    EXPECT_EQ(NameOf(L"film.zvp"), u"F");
-}
-
-TEST_F(ProfileCatalogue, ShowsAProfileThatIsNoneByItsFileName) {
-    installation_.Write("profiles/empty.zvp", "");
-    installation_.Write("profiles/other.zvp", "PK\3\4 something else");
-    std::string wrongSize = ProfileBytes(5, TagArea(NameTag("Name")), "") + "!";
-    installation_.Write("profiles/size.zvp", wrongSize);
-    EXPECT_EQ(NameOf(L"empty.zvp"), u"empty.zvp");
-    EXPECT_EQ(NameOf(L"other.zvp"), u"other.zvp");
-    EXPECT_EQ(NameOf(L"size.zvp"), u"size.zvp");
-    EXPECT_EQ(NameOf(L"missing.zvp"), u"missing.zvp");
-}
-
-TEST_F(ProfileCatalogue, LogsWhatIsWrongWithAProfileAsInformation) {
-    installation_.Write("profiles/short.zvp", "ZVC");
-    installation_.Write("profiles/other.zvp", "abcdefghijklmnop");
-    LogCapture log(1);
-    NameOf(L"none.zvp");
-    NameOf(L"short.zvp");
-    NameOf(L"other.zvp");
-    const std::string none = ProfilePath("none.zvp"), cut = ProfilePath("short.zvp"),
-                      other = ProfilePath("other.zvp");
-    EXPECT_THAT(log.TakeLines(),
-                ElementsAre("[Error] GetQRVProfileName [none.zvp] [" + none + "]",
-                            "[Info]  Error: could not open file [" + none + "]",
-                            "[Error] GetQRVProfileName [short.zvp] [" + cut + "]",
-                            "[Info]  error reading file " + cut + " 3",
-                            "[Error] GetQRVProfileName [other.zvp] [" + other + "]",
-                            "[Info]  invalid profile file " + other + " abc 1751606885<>16"));
-}
-
-TEST_F(ProfileCatalogue, TakesHeaderNamesUpTo99Bytes) {
-    WriteProfile("long.zvp", NameTag(std::string(99, 'n')));
-    EXPECT_EQ(NameOf(L"long.zvp"), std::u16string(99, u'n'));
-    WriteProfile("long.zvp", NameTag(std::string(100, 'n')));
-    LogCapture log;
-    EXPECT_EQ(NameOf(L"long.zvp"), u"long.zvp");
-    EXPECT_THAT(log.TakeLines(),
-                ElementsAre("[Error] GetQRVProfileName [long.zvp] [" + ProfilePath("long.zvp") + "]",
-                            "[Info]  Profile version:5", "[Info]  not enough space to store profile name"));
-    WriteNames(u"[DEU]\r\nlong.zvp=Kurz\r\n");
-    EXPECT_EQ(NameOf(L"long.zvp"), u"Kurz");
-}
-
-TEST_F(ProfileCatalogue, StopsAtTheFirstBrokenTagAndKeepsTheNameBeforeIt) {
-    WriteProfile("a.zvp", NameTag("First") + Tag(9, "") + NameTag("Second"));
-    WriteProfile("b.zvp", Tag(2, "123") + NameTag("Name"));
-    WriteProfile("c.zvp", NameTag("First") + ResolutionTag(1, 2) + NameTag("Second"));
-    EXPECT_EQ(NameOf(L"a.zvp"), u"First");
-    EXPECT_EQ(NameOf(L"b.zvp"), u"b.zvp");
-    EXPECT_EQ(NameOf(L"c.zvp"), u"Second");
-}
-
-TEST_F(ProfileCatalogue, ShowsAnEmptyHeaderNameAsTheFileName) {
-    WriteProfile("a.zvp", NameTag(""));
-    EXPECT_EQ(NameOf(L"a.zvp"), u"a.zvp");
-}
-
-TEST_F(ProfileCatalogue, ShowsWhatCameOfANameThatTheFileCutsShort) {
-    installation_.Write("profiles/cut.zvp", ProfileBytes(5, TagArea(std::string("\1\x0A\0Half", 7), 16), ""));
-    EXPECT_EQ(NameOf(L"cut.zvp"), u"Half");
-}
-
-TEST_F(ProfileCatalogue, CutsFileNamesAt99Bytes) {
-    const std::string file = std::string(150, 'f') + ".zvp";
-    WriteProfile(file, ResolutionTag(1, 2));
-    EXPECT_THAT(List(), ElementsAre(Pair(std::u16string(150, u'f') + u".zvp", std::u16string(99, u'f'))));
-}
-
-TEST_F(ProfileCatalogue, CutsThePartsOfAPathAt511Bytes) {
-    const std::u16string folder(512, u'd'), file(512, u'f');
-    LogCapture log(1);
-    HeapArray<WCHAR> names;
-    size_t bytes = 0;
-    EXPECT_EQ(GetQRVProfileName(AsWchar(file), &names, &bytes, AsWchar(folder), L"[DEU]"), 1);
-    EXPECT_EQ(log.TakeLines()[0], "[Error] GetQRVProfileName [" + std::string(512, 'f') + "] [" +
-                                      std::string(511, 'd') + "\\profiles\\" + std::string(511, 'f') + "]");
 }
 
 }  // namespace orvex

@@ -48,11 +48,11 @@ TEST_F(ProfileFile, OfVersion5FillsTheGridAndLeavesTheOthersToBeComputed) {
     }
 }
 
-TEST_F(ProfileFile, OfVersion5HoldsBlueSlowestAndRedFastest) {
+TEST_F(ProfileFile, OfVersion5StoresBlueSlowestAndRedFastest) {
     std::string colors = GridColors([](uint32_t, bool) { return 0u; });
     colors[4 * 1] = 11;            // the second entry: one step of red
-    colors[4 * 17] = 22;           // behind a run of reds: one step of green
-    colors[4 * 17 * 17] = 33;      // behind a run of greens: one step of blue
+    colors[4 * 17] = 22;           // after a run of reds: one step of green
+    colors[4 * 17 * 17] = 33;      // after a run of greens: one step of blue
     colors[4 * (4913 - 1)] = 44;   // the last
     colors[4 * (4913 - 17)] = 55;  // red at its first step, the others at their last
     EXPECT_EQ(Load(PathOf(ProfileBytes(5, TagArea(NameTag("")), colors))), 5);
@@ -89,12 +89,12 @@ TEST_F(ProfileFile, LogsALoadWithoutAnExitLineWhenItSucceeds) {
     EXPECT_STREQ(name_, "Coated");
 }
 
-TEST_F(ProfileFile, CountsAsLoadedWhenItIsReadWhole) {
+TEST_F(ProfileFile, CountsAsLoadedOnlyAfterItIsRead) {
     const std::string path = PathOf(SmallProfile(NameTag("n")));
     const ImportPatch patch(nullptr, "ReadFile", reinterpret_cast<void*>(&NoteAndRead));
     originalRead = reinterpret_cast<decltype(&ReadFile)>(patch.Original());
     g_profileLoaded = loadedWhileReading = 1;
-    EXPECT_EQ(Load(path), 5);  // it counts as loaded then
+    EXPECT_EQ(Load(path), 5);  // expects g_profileLoaded to be 1
     EXPECT_EQ(loadedWhileReading, 0);
 }
 
@@ -115,7 +115,7 @@ TEST_F(ProfileFile, WithoutAPathIsTheGenericConversion) {
                                              "[Trace] </zvc_load_profile>"));
 }
 
-TEST_F(ProfileFile, WithoutAPathPrintsWithHalfTheInkAt600DpiOnly) {
+TEST_F(ProfileFile, WithoutAPathHasHalfTheInkAt600DpiOnly) {
     zvc_load_profile(nullptr, kResolution600, &code_, name_, sizeof name_);
     EXPECT_TRUE(HoldsGenericConversion(50));
     EXPECT_EQ(g_colorCache[0xFFFFFF], 0u);
@@ -124,14 +124,14 @@ TEST_F(ProfileFile, WithoutAPathPrintsWithHalfTheInkAt600DpiOnly) {
     EXPECT_TRUE(HoldsGenericConversion(100));
 }
 
-TEST_F(ProfileFile, CutsDefaultToTheNameBufferAndDoesWithoutOne) {
+TEST_F(ProfileFile, CutsDefaultToTheNameBufferAndNeedsNone) {
     char name[4] = "abc";
     zvc_load_profile(nullptr, kResolution300, &code_, name, sizeof name);
     EXPECT_STREQ(name, "Def");
     EXPECT_EQ(zvc_load_profile(nullptr, kResolution300, &code_, nullptr, 0), 1);
 }
 
-TEST(ReadProfile, FillsTheCacheThatItIsGiven) {
+TEST(ReadProfile, FillsTheGivenCache) {
     const ScratchFolder folder;
     const std::string path = folder.Write("test.zvp", SmallProfile(NameTag("mine"))).string();
     std::vector<uint32_t> cache(kCacheEntries);

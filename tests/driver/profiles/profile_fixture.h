@@ -1,4 +1,4 @@
-// Loads profiles out of a folder of a test's own, and knows what a load left behind.
+// Loads profiles from a folder of a test's own, and verifies the results of a load.
 #pragma once
 
 #include <gmock/gmock.h>
@@ -19,6 +19,7 @@
 namespace orvex {
 
 using namespace tools;
+
 constexpr char kUntouched = '#';
 
 class ProfileFixture : public testing::Test {
@@ -37,8 +38,8 @@ class ProfileFixture : public testing::Test {
         return kind;
     }
 
-    // Loads a profile that can't be read and checks that the generic conversion takes its place. `lines` are
-    // the ones of the reader alone.
+    // Loads a profile that can't be read and expects the generic conversion in its place. `lines` are only
+    // those of the reader.
     void ExpectRejected(const std::string& path, std::vector<std::string> lines,
                         int32_t resolution = kResolution600) {
         LogCapture log;
@@ -52,7 +53,7 @@ class ProfileFixture : public testing::Test {
         EXPECT_THAT(log.TakeLines(), testing::ElementsAreArray(lines));
         EXPECT_TRUE(HoldsGenericConversion(resolution == kResolution600 ? 50 : 100));
     }
-    // The same for a file of these bytes. The reader's lines may name the file's path as "<path>".
+    // Does the same for a file of these bytes. In the reader's lines, "<path>" is the file's path.
     void ExpectRejectedBytes(const std::string& bytes, std::vector<std::string> lines) {
         const std::string path = PathOf(bytes);
         for (std::string& line : lines) {
@@ -66,8 +67,8 @@ class ProfileFixture : public testing::Test {
         return HoldsTable(plain::GenericTable(percent));
     }
 
-    // Loads a large profile of that version at both resolutions and compares all entries. `others` is what
-    // the colours that the profile leaves out hold.
+    // Loads a large profile of that version at both resolutions and compares all entries. `others` is the
+    // entry of the colors that the profile leaves out.
     void ExpectEveryEntryLoaded(int version, uint32_t others) {
         const std::string path = (folder_.Path() / "large.zvp").string();
         WriteLargeProfile(path, version, NameTag("Large") + ResolutionTag(3, 6));
@@ -85,7 +86,7 @@ class ProfileFixture : public testing::Test {
     char name_[512];
 };
 
-// A profile of version 5 with these tags that holds ProfileInk.
+// Returns a profile of version 5 with these tags and ProfileInk.
 inline std::string SmallProfile(std::string_view tags) {
     return ProfileBytes(5, TagArea(tags), GridColors(ProfileInk));
 }

@@ -15,7 +15,7 @@ using testing::ElementsAre;
 
 namespace {
 
-// What the system calls its language; nothing when it does not tell.
+// The system's abbreviation of its language; empty when it has none.
 std::u16string systemLanguage;
 
 INT WINAPI TellLanguage(LCID locale, LCTYPE type, LPWSTR buffer, INT capacity) {
@@ -30,7 +30,7 @@ INT WINAPI TellLanguage(LCID locale, LCTYPE type, LPWSTR buffer, INT capacity) {
 
 class ProfileLanguage : public testing::Test {
   protected:
-    // The language for a line of settings, and whether it came from there.
+    // Returns the language for a line of settings; the system's is negative.
     int FromSettings(const std::string& value) {
         installation_.WriteSettings("[UI]\r\nLanguage=" + value + "\r\n");
         systemLanguage = u"JPN";
@@ -51,7 +51,7 @@ class ProfileLanguage : public testing::Test {
     ImportPatch patch_{nullptr, "GetLocaleInfoW", reinterpret_cast<void*>(&TellLanguage)};
 };
 
-constexpr int kSystemIsJapanese = -6;  // the settings did not decide
+constexpr int kSystemIsJapanese = -6;  // the language if the settings do not decide
 
 }  // namespace
 
@@ -125,7 +125,7 @@ TEST_F(ProfileLanguage, OfTheSystemIsAmericanEnglishWhenItIsNotListed) {
     }
 }
 
-TEST_F(ProfileLanguage, LogsWhereItComesFrom) {
+TEST_F(ProfileLanguage, LogsItsSource) {
     LogCapture log;
     EXPECT_EQ(FromSettings("ENU"), 7);
     EXPECT_THAT(log.TakeLines(), ElementsAre("[Trace] <QRV_Get_Locale>", "[Info]  settings lang:ENU\r", "",

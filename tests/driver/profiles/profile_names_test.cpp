@@ -18,7 +18,7 @@ class ProfileNames : public testing::Test {
   protected:
     void Write(std::u16string_view text) { installation_.Write("profilenames.inf", WideFile(text)); }
 
-    // The name of "a.zvp" in the section "[DEU]", its length checked.
+    // Returns the name of "a.zvp" in the section "[DEU]" and verifies its length.
     std::u16string Look(size_t capacity = 512) {
         WCHAR name[512];
         std::fill_n(name, 512, L'#');
@@ -63,7 +63,7 @@ TEST_F(ProfileNames, EndWithTheSection) {
     EXPECT_EQ(Look(), u"");
 }
 
-TEST_F(ProfileNames, TakeASectionThatGoesOnBehindItsBracket) {
+TEST_F(ProfileNames, ComeFromASectionWithMoreAfterItsBracket) {
     Write(u"[DEU] Deutsch\na.zvp=Matt\n");
     EXPECT_EQ(Look(), u"Matt");
     Write(u"[DEU\na.zvp=Matt\n");
@@ -72,7 +72,7 @@ TEST_F(ProfileNames, TakeASectionThatGoesOnBehindItsBracket) {
     EXPECT_EQ(Look(), u"");
 }
 
-TEST_F(ProfileNames, AreNotTakenFromALineThatBeginsTheirSection) {
+TEST_F(ProfileNames, DoNotComeFromTheLineOfTheirSection) {
     Write(u"[DEU].zvp=x\n[DEU].zvp=y\n");
     WCHAR name[8];
     EXPECT_EQ(QRV_GetProfileFieldW(L"[DEU]", L"[DEU].zvp", name, 8), 0u);
@@ -97,12 +97,12 @@ TEST_F(ProfileNames, EndAtAnyLineEnd) {
     EXPECT_EQ(Look(), u"Matt");
 }
 
-TEST_F(ProfileNames, AreNotTakenFromAnEmptyValue) {
+TEST_F(ProfileNames, DoNotComeFromAnEmptyValue) {
     Write(u"[DEU]\r\na.zvp=\r\na.zvp=Second\r\na.zvp=Third\r\n");
     EXPECT_EQ(Look(), u"Second");
 }
 
-TEST_F(ProfileNames, AreCutToTheBufferWhileABetterOneIsSought) {
+TEST_F(ProfileNames, AreCutToTheBufferUnlessALaterOneFits) {
     Write(u"[DEU]\r\na.zvp=12345\r\n");
     EXPECT_EQ(Look(7), u"12345");
     EXPECT_EQ(Look(6), u"12345");
@@ -110,20 +110,20 @@ TEST_F(ProfileNames, AreCutToTheBufferWhileABetterOneIsSought) {
     EXPECT_EQ(Look(1), u"");
     Write(u"[DEU]\r\na.zvp=12345\r\na.zvp=abcdef\r\na.zvp=xy\r\n");
     EXPECT_EQ(Look(5), u"xy");
-    EXPECT_EQ(Look(6), u"xy");  // one that fills the buffer counts as cut
+    EXPECT_EQ(Look(6), u"xy");  // a name that fills the buffer counts as cut
     Write(u"[DEU]\r\na.zvp=12345\r\na.zvp=abcdef\r\n[ENG]\r\na.zvp=xy\r\n");
     EXPECT_EQ(Look(5), u"abcd");
 }
 
-TEST_F(ProfileNames, LeaveABufferOfNoSizeAlone) {
+TEST_F(ProfileNames, LeaveAnEmptyBufferAlone) {
     Write(u"[DEU]\r\na.zvp=12345\r\n");
     WCHAR name = L'#';
     EXPECT_EQ(QRV_GetProfileFieldW(L"[DEU]", L"a.zvp", &name, 0), 0u);
     EXPECT_EQ(name, L'#');
 }
 
-TEST_F(ProfileNames, FindLinesBehindLongOnes) {
-    // A line of 253 characters fills a read; one of 254 goes on in the next.
+TEST_F(ProfileNames, AreFoundAfterLongLines) {
+    // A line of 253 characters fills a read; one of 254 continues in the next.
     for (const size_t length : {252u, 253u, 254u, 255u, 506u, 507u, 2000u}) {
         for (const char16_t* end : {u"\r\n", u"\n", u"\r"}) {
             Write(std::u16string(u"[DEU]\r\n") + std::u16string(length, u'x') + end + u"a.zvp=Matt\r\n");
@@ -132,17 +132,17 @@ TEST_F(ProfileNames, FindLinesBehindLongOnes) {
     }
 }
 
-TEST_F(ProfileNames, EndWhereOneReadOfALineEnds) {
+TEST_F(ProfileNames, EndAtTheEndOfARead) {
     Write(std::u16string(u"[DEU]\r\na.zvp=") + std::u16string(400, u'x') + u"\r\n");
     EXPECT_EQ(Look(), std::u16string(253 - 6, u'x'));
 }
 
-TEST_F(ProfileNames, GoOnWhereOneReadOfALineEnds) {
+TEST_F(ProfileNames, ContinueAfterTheEndOfARead) {
     Write(std::u16string(u"[DEU]\r\n") + std::u16string(253, u'x') + u"a.zvp=Matt\r\n");
     EXPECT_EQ(Look(), u"Matt");
 }
 
-TEST_F(ProfileNames, AreEmptyWhenTheFileCanNotBeSoughtIn) {
+TEST_F(ProfileNames, AreEmptyWhenASeekFails) {
     Write(u"[DEU]\r\na.zvp=Matt\r\n");
     const ImportPatch patch(nullptr, "SetFilePointerEx", reinterpret_cast<void*>(&FailToSeek));
     const FileWatch watch;
@@ -151,7 +151,7 @@ TEST_F(ProfileNames, AreEmptyWhenTheFileCanNotBeSoughtIn) {
     EXPECT_EQ(watch.Reads(), 0u);
 }
 
-TEST_F(ProfileNames, AreEmptyWhenTheFileCanNotBeRead) {
+TEST_F(ProfileNames, AreEmptyWhenAReadFails) {
     Write(u"[DEU]\r\na.zvp=Matt\r\n");
     const ImportPatch patch(nullptr, "ReadFile", reinterpret_cast<void*>(&FailToRead));
     EXPECT_EQ(Look(), u"");

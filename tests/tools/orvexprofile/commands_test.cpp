@@ -8,7 +8,8 @@
 #include "tests/tools/orvexprofile/profile_samples.h"
 #include "tests/tools/orvexprofile/shown_inks.h"
 #include "tools/common/png_file.h"
-#include "tools/orvexprofile/profile_reader.h"
+#include "tools/orvexprofile/driver_colors.h"
+#include "tools/orvexprofile/ink_totals.h"
 #endif
 
 namespace orvex::tools::profile {
@@ -25,7 +26,7 @@ using testing::Not;
 
 class ProfileTool : public testing::Test {
   protected:
-    // Runs the tool; its output and errors are kept.
+    // Runs the tool and keeps its output and errors.
     int Run(std::vector<std::string> arguments) {
         std::ostringstream out, err;
         const int status = RunProfileTool(std::move(arguments), out, err);
@@ -67,7 +68,7 @@ TEST_F(ProfileTool, NeedsACommand) {
                             HasSubstr("chart")));
 }
 
-TEST_F(ProfileTool, InfoTellsWhatAnAcceptedFileHolds) {
+TEST_F(ProfileTool, InfoShowsTheContentsOfAnAcceptedFile) {
     EXPECT_EQ(Run({"info", Sample()}), 0);
     EXPECT_THAT(out_,
                 AllOf(HasSubstr("mark       \"ZVC\""), HasSubstr("version    5: 17 values of each component"),
@@ -83,14 +84,14 @@ TEST_F(ProfileTool, InfoTellsWhatAnAcceptedFileHolds) {
     EXPECT_THAT(err_, IsEmpty());
 }
 
-TEST_F(ProfileTool, InfoTellsOfAVersionWithPlanes) {
+TEST_F(ProfileTool, InfoDescribesAVersionWithPlanes) {
     EXPECT_EQ(Run({"info", Sample(4)}), 0);
     EXPECT_THAT(out_,
                 HasSubstr("version    4: every second value of each component, one plane for each ink"));
     EXPECT_THAT(out_, HasSubstr("largest total 782 (306.7 %) at #fefefe"));
 }
 
-TEST_F(ProfileTool, InfoTellsWhichNameUsersSee) {
+TEST_F(ProfileTool, InfoSaysWhichNameUsersSee) {
     Profile profile = PaperProfile();
     profile.name = std::string(100, 'n');
     WriteProfileFile(profile, Path("long.zvp"));
@@ -105,7 +106,7 @@ TEST_F(ProfileTool, InfoTellsWhichNameUsersSee) {
     EXPECT_THAT(out_, HasSubstr("name       none: users see the file's name"));
 }
 
-TEST_F(ProfileTool, InfoTellsWhyTheDriverRefusesAFile) {
+TEST_F(ProfileTool, InfoSaysWhyTheDriverRefusesAFile) {
     scratch_.Write("bad.zvp", FileWithTags(Tag(1, "B\x01") + Tag(2, "abc")));
     EXPECT_EQ(Run({"info", Path("bad.zvp")}), 1);
     EXPECT_THAT(out_, AllOf(HasSubstr("driver     refuses the file"), HasSubstr(": invalid hpres length 3"),
@@ -131,11 +132,10 @@ TEST_F(ProfileTool, BuildsAProfileFromAPrintersIccProfile) {
     EXPECT_THAT(out_, AllOf(HasSubstr("From Artifex CMYK SWOP Profile"), HasSubstr("accepted by the driver"),
                             HasSubstr("Driver against ICC, 600 dpi"), HasSubstr("largest     mean"),
                             HasSubstr("Driver against ICC, other resolutions")));
-    const ProfileFacts facts = InspectProfile(Path("swop.zvp"));
+    const ProfileFacts facts = LoadAccepted(Path("swop.zvp"), PrintVariant::kOther);
     EXPECT_EQ(facts.version, 5);
     EXPECT_EQ(facts.Name(), "SWOP");
     EXPECT_EQ(facts.Codes(), (ResolutionCodes{-1, 0}));
-    LoadAccepted(Path("swop.zvp"), PrintVariant::kOther);
     EXPECT_EQ(LookupColor(0xFFFFFF), 0u);
     const uint32_t black = LookupColor(0);
     EXPECT_LE(TotalInk(black), 240 * 2.55 * 0.9 + 2);
@@ -145,10 +145,10 @@ TEST_F(ProfileTool, BuildsAProfileFromAPrintersIccProfile) {
     EXPECT_THAT(Files(), testing::ElementsAre("swop.zvp"));
 }
 
-TEST_F(ProfileTool, BuildsOtherVersionsAndTellsWhatTheyCanNotKeep) {
+TEST_F(ProfileTool, BuildsOtherVersionsAndSaysWhatTheyLose) {
     EXPECT_EQ(Run({"build", "--icc", kPrinterIcc, "-o", Path("half.zvp"), "--version", "3"}), 0) << err_;
-    EXPECT_EQ(InspectProfile(Path("half.zvp")).version, 3);
-    EXPECT_EQ(InspectProfile(Path("half.zvp")).Name(), "half");
+    EXPECT_EQ(LoadAccepted(Path("half.zvp"), PrintVariant::kOther).version, 3);
+    EXPECT_EQ(LoadAccepted(Path("half.zvp"), PrintVariant::kOther).Name(), "half");
     EXPECT_THAT(out_, HasSubstr("without ink"));
 }
 
@@ -194,7 +194,7 @@ TEST_F(ProfileTool, BuildSaysThatALongNameIsNotShown) {
     EXPECT_THAT(out_, HasSubstr("The name is longer than 99 characters"));
 }
 
-TEST_F(ProfileTool, ConvertsAndTellsTheLoss) {
+TEST_F(ProfileTool, ConvertsAndReportsTheLoss) {
     const std::string sample = Sample(4);
     EXPECT_EQ(Run({"convert", sample, "-o", Path("grid.zvp"), "--version", "5", "--compare-every", "17"}), 0)
         << err_;
@@ -202,14 +202,14 @@ TEST_F(ProfileTool, ConvertsAndTellsTheLoss) {
                             HasSubstr("Loss, 600 dpi: "), HasSubstr("Loss, other resolutions: "),
                             HasSubstr("of 4,096 colours differ"),
                             HasSubstr("Against what the driver printed before, 600 dpi")));
-    EXPECT_EQ(InspectProfile(Path("grid.zvp")).Name(), "Sample");
+    EXPECT_EQ(LoadAccepted(Path("grid.zvp"), PrintVariant::kOther).Name(), "Sample");
     EXPECT_EQ(
         Run({"convert", Path("grid.zvp"), "-o", Path("half.zvp"), "--version", "4", "--compare-every", "85"}),
         0);
     EXPECT_THAT(out_, Not(HasSubstr("printed before")));
 }
 
-TEST_F(ProfileTool, ConvertRefusesItsOwnInputAndWhatTheDriverRefuses) {
+TEST_F(ProfileTool, ConvertRefusesItsOwnInputAndFilesThatTheDriverRefuses) {
     const std::string sample = Sample(), before = ReadBytes(sample);
     EXPECT_EQ(Run({"convert", sample, "-o", sample, "--version", "4"}), 1);
     EXPECT_THAT(err_, HasSubstr("two files"));
@@ -248,7 +248,7 @@ TEST_F(ProfileTool, AppliesTheBuiltInConversionWithoutAProfile) {
     EXPECT_EQ(LoadPng(Path("out-M.png")).Row(0)[1], 0x000000u);
 }
 
-TEST_F(ProfileTool, ApplyTellsWhatIsWrong) {
+TEST_F(ProfileTool, ApplySaysWhatIsWrong) {
     EXPECT_EQ(Run({"apply", Picture(), Path("a.png"), Path("b.png")}), 1);
     EXPECT_THAT(err_, HasSubstr("composite, K, C, M and Y; not 2"));
     EXPECT_EQ(Run({"apply", Path("none.png"), Path("a.png")}), 1);

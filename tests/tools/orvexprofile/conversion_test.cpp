@@ -6,6 +6,7 @@
 
 #include "tests/kit/scratch_folder.h"
 #include "tests/tools/orvexprofile/profile_samples.h"
+#include "tools/orvexprofile/driver_colors.h"
 #include "tools/orvexprofile/ink_treatment.h"
 
 namespace orvex::tools::profile {
@@ -15,7 +16,7 @@ namespace {
 using testing::HasSubstr;
 using testing::ThrowsMessage;
 
-// Inks that grow with the square of what a component lacks, black with all three.
+// Returns inks that grow with the square of what a component lacks, and black that grows with all three.
 uint32_t SmoothInks(uint32_t color) {
     const uint32_t c = 255 - (color >> 16), m = 255 - (color >> 8 & 0xFF), y = 255 - (color & 0xFF);
     return PackInks(c * m / 255 * y / 256, c * c / 255, m * m / 255, y * y / 255);
@@ -64,7 +65,7 @@ uint32_t LargestOf(const InkDifference& difference) {
 
 TEST_F(Conversions, KeepNameAndCodes) {
     Profile profile = SampleProfile(5);
-    profile.name = "Na\xEFve";  // of an existing file: kept as it is
+    profile.name = "Na\xEFve";  // not ASCII: the name of an existing file is kept
     const ScratchFolder scratch;
     const std::filesystem::path path = scratch.Path() / "named.zvp";
     WriteProfileFile(profile, path);
@@ -75,8 +76,8 @@ TEST_F(Conversions, KeepNameAndCodes) {
     EXPECT_EQ(converted.other, profile.other);
 }
 
-// The driver computes a marked entry anew when it is asked for, and mixes other inks for a component of 255.
-TEST_F(Conversions, ToTheSameVersionKeepEntriesBesideAMark) {
+// The driver computes a marked entry when it is looked up, and mixes other inks for a component of 255.
+TEST_F(Conversions, ToTheSameVersionKeepAllEntriesButMarks) {
     const ScratchFolder scratch;
     const std::filesystem::path path = scratch.Path() / "marked.zvp";
     std::string file = FileWithTags(Tag(1, "Marked"));
@@ -114,7 +115,7 @@ TEST_F(Conversions, FromAFinerGridKeepTheGridAndInterpolateBetween) {
     EXPECT_THAT(VersionLoss(5), HasSubstr("17 values"));
 }
 
-TEST_F(Conversions, FromAHalfGridTellWhatWasMeantApartFromWhatWasPrinted) {
+TEST_F(Conversions, FromAHalfGridMeasureWhatWasMeantAndWhatWasPrinted) {
     const std::filesystem::path half = Smooth(4), grid = Converted(half, 5);
     const ConversionLoss loss = Loss(half, grid);
     EXPECT_LE(LargestOf(loss.meant), 20u);
@@ -139,7 +140,7 @@ TEST_F(Conversions, ToVersion3LoseTheInkOfOddColors) {
     EXPECT_THAT(VersionLoss(3), HasSubstr("without ink"));
 }
 
-TEST_F(Conversions, ToVersion4KeepWhiteAndEvenColorsAndExchangeTheHuesOfOthers) {
+TEST_F(Conversions, ToVersion4KeepWhiteAndEvenColorsAndSwapTheHuesOfOthers) {
     const std::filesystem::path grid = Smooth(5), half = Converted(grid, 4);
     LoadAccepted(grid, PrintVariant::kOther);
     const uint32_t blue = LookupColor(0x0000FF), dark = LookupColor(0x102030);
@@ -150,7 +151,7 @@ TEST_F(Conversions, ToVersion4KeepWhiteAndEvenColorsAndExchangeTheHuesOfOthers) 
     EXPECT_THAT(VersionLoss(4), HasSubstr("red and blue exchanged"));
 }
 
-TEST_F(Conversions, OfARefusedFileFailWithItsReason) {
+TEST_F(Conversions, OfARefusedFileFailWithTheReason) {
     const ScratchFolder scratch;
     const std::filesystem::path bad = scratch.Write("bad.zvp", "ZVC");
     EXPECT_THAT([&] { ConvertProfile(bad, 5); },

@@ -45,7 +45,7 @@ TEST(IccProfile, GivesInksInTheDriversOrder) {
     EXPECT_EQ(icc.Description(), "Artifex CMYK SWOP Profile");
 }
 
-// Writes a printer's profile with another table for each intent: black ink alone, as much as `amounts` say.
+// Writes a printer's profile with another table for each intent: black ink alone, in these amounts.
 void WriteTableForEachIntent(const std::filesystem::path& path, const uint16_t (&amounts)[3]) {
     constexpr cmsTagSignature kTables[] = {cmsSigBToA0Tag, cmsSigBToA1Tag, cmsSigBToA2Tag};
     const cmsHPROFILE profile = cmsCreateProfilePlaceholder(nullptr);
@@ -92,7 +92,7 @@ TEST(IccProfile, CompensatesForTheBlackPoint) {
     EXPECT_LT(TotalInk(darkGray(true)), TotalInk(darkGray(false))) << "more shades of dark grey than before";
 }
 
-TEST(IccProfile, IsRefusedUnlessItIsOfACmykPrinter) {
+TEST(IccProfile, IsRefusedUnlessItIsACmykPrinters) {
     const ScratchFolder scratch;
     const auto open = [](const std::filesystem::path& path) {
         return [path] { IccProfile(path, RenderingIntent::kPerceptual, false); };
@@ -124,12 +124,12 @@ TEST(IccProfile, WithoutTheTablesOfAPrinterIsRefused) {
         ThrowsMessage<std::runtime_error>(HasSubstr("no conversion from sRGB")));
 }
 
-// Components that stand for all in the large versions.
+// Returns whether a component is one of the few that the tests of large versions look at.
 bool IsSparse(uint32_t component) {
     return component % 36 == 0 || component == 255;
 }
 
-// Colours with sparse reds and greens and every `step`th blue, all below `end`.
+// Returns the colors with sparse reds and greens and every `step`th blue, all below `end`.
 std::vector<uint32_t> Sparse(uint32_t step, uint32_t end) {
     std::vector<uint32_t> colors;
     for (uint32_t red = 0; red < end; ++red) {
@@ -141,7 +141,7 @@ std::vector<uint32_t> Sparse(uint32_t step, uint32_t end) {
     return colors;
 }
 
-// A profile of one version built from the printer's ICC profile, and the answers of both.
+// Builds a profile from the printer's ICC profile and compares the answers of both.
 class BuiltFromIcc : public testing::Test {
   protected:
     void Build(int version) {
@@ -151,7 +151,7 @@ class BuiltFromIcc : public testing::Test {
         FillVariants(profile, version == 5 ? icc_.Source() : SparseSource(), treatment_);
         WriteProfileFile(profile, path_);
     }
-    // What Little CMS says, and what the driver says, of the same colours.
+    // Compares the driver's inks of the colors with those of Little CMS.
     InkDifference Compare(PrintVariant variant, const std::vector<uint32_t>& colors) const {
         LoadAccepted(path_, variant);
         std::vector<uint32_t> wanted(colors.size());
@@ -164,8 +164,8 @@ class BuiltFromIcc : public testing::Test {
     const InkTreatment treatment_ = {.limit = 300, .scaleAt600 = 50, .scaleOther = 100};
 
   private:
-    // Asks for the runs of blue that Sparse() looks at only: all of 2^24 colours take Little CMS too long for
-    // a test.
+    // Asks only for the runs of blue that Sparse() returns: all 2^24 colors take Little CMS too long for a
+    // test.
     InkSource SparseSource() const {
         return [this](std::span<const uint32_t> colors, std::span<uint32_t> inks) {
             if (IsSparse(colors[0] >> 16) && IsSparse(colors[0] >> 8 & 0xFF)) icc_.Convert(colors, inks);
@@ -176,7 +176,7 @@ class BuiltFromIcc : public testing::Test {
     const std::filesystem::path path_ = scratch_.Path() / "built.zvp";
 };
 
-// Colours whose components are a multiple of `step` from `first` on.
+// Returns the colors whose components are `first` and every `step` from there.
 std::vector<uint32_t> Lattice(int first, int step) {
     std::vector<uint32_t> colors;
     for (int red = first; red < 256; red += step) {
@@ -198,8 +198,8 @@ TEST_F(BuiltFromIcc, Version5AnswersAsLittleCmsAtTheGrid) {
     }
 }
 
-// An interpolated amount lies between those of its cell's corners, so that it can't be further from Little
-// CMS's answer than that answer is from the furthest corner.
+// An interpolated amount is between those of its cell's corners, so it can't be further from Little CMS's
+// answer than that answer is from the furthest corner.
 TEST_F(BuiltFromIcc, Version5StaysBetweenTheCornersOfEachCell) {
     Build(5);
     const std::vector<uint32_t> colors = Lattice(7, 16);
@@ -219,15 +219,15 @@ TEST_F(BuiltFromIcc, Version5StaysBetweenTheCornersOfEachCell) {
                 least = std::min(least, amount);
                 most = std::max(most, amount);
             }
-            // Rounding down may take one more.
+            // Rounding down may take off one.
             ASSERT_GE(InkAmount(inks, ink) + 1, least) << std::hex << color;
             ASSERT_LE(InkAmount(inks, ink), most) << std::hex << color;
         }
     }
 }
 
-// The figures of docs/colour-profiles.md.
-TEST_F(BuiltFromIcc, Version5InterpolatesWithinTheErrorThatIsDocumented) {
+// docs/color-profiles.md shows these figures.
+TEST_F(BuiltFromIcc, Version5InterpolatesWithinTheDocumentedError) {
     Build(5);
     const struct {
         PrintVariant variant;

@@ -1,4 +1,4 @@
-// ICC profiles of the machine: a printer's and a screen's, from Debian's libgs-common.
+// ICC profiles of a printer and a screen, installed by Debian's libgs-common.
 #pragma once
 
 namespace orvex::tools::profile {

@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "tools/orvexprofile/ink.h"
 #include "tools/orvexprofile/ink_statistics.h"
+#include "tools/orvexprofile/ink_totals.h"
 
 namespace orvex::tools::profile {
 

@@ -46,7 +46,7 @@ struct Setting {
     const char* section;
     const char* key;
     const char* shipped;  // the value that is set; null when the key is commented out
-    const char* comment;  // the value behind the semicolon
+    const char* comment;  // the value after the semicolon
 };
 
 constexpr Setting kSettings[] = {
@@ -79,7 +79,7 @@ TEST_F(ShippedInstallation, SetsEachKeyToItsDefaultOrNotAtAll) {
     }
 }
 
-TEST_F(ShippedInstallation, ReadsEveryKeyOnceItsSemicolonIsTakenAway) {
+TEST_F(ShippedInstallation, ReadsEveryKeyOnceItsSemicolonIsRemoved) {
     std::string text = Settings();
     for (const Setting& setting : kSettings) {
         if (setting.comment == nullptr) continue;
@@ -105,7 +105,7 @@ TEST(InstalledTexts, AreShortLinesThatEndInCrLf) {
     }
 }
 
-// What the driver adds from a media.inf, as its log tells it: "Add name width length units".
+// Returns the labels that the driver adds from a media.inf, as it logs them: "Add name width length units".
 std::vector<std::string> ImportedLabels(const std::filesystem::path& folder) {
     LogCapture log(1);
     EXPECT_EQ(ImportMediaFile(nullptr, AsWchar(WindowsPath(folder))), 1);
@@ -149,7 +149,7 @@ TEST(InstalledLabels, AreNamedByTheirSizeAndFitThePrinter) {
     }
 }
 
-TEST(InstalledLabels, HaveNamesOfTheirOwnAndIncludeTheSuggestedDefault) {
+TEST(InstalledLabels, HaveDistinctNamesAndIncludeTheSuggestedDefault) {
     std::vector<std::string> labels = ImportedLabels(kInstallation);
     EXPECT_THAT(labels, testing::Contains("Label 100 x 150 mm 100 150 0"));
     std::sort(labels.begin(), labels.end());

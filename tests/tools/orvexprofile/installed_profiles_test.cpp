@@ -1,4 +1,5 @@
-// What a printing person may expect of the profiles that are installed, asked of the driver's own look-up.
+// The qualities that a printer's user expects of the installed profiles, verified through the driver's
+// look-up.
 #include <gmock/gmock.h>
 
 #include <algorithm>
@@ -6,8 +7,8 @@
 
 #include "tests/tools/orvexprofile/profile_samples.h"
 #include "tools/orvexprofile/driver_colors.h"
-#include "tools/orvexprofile/ink.h"
 #include "tools/orvexprofile/ink_statistics.h"
+#include "tools/orvexprofile/ink_totals.h"
 #include "tools/orvexprofile/recipe.h"
 
 namespace orvex::tools::profile {
@@ -75,7 +76,7 @@ TEST_P(InstalledProfiles, PrintBlackWithAllOfTheBlackInkAndSomeColor) {
 TEST_P(InstalledProfiles, KeepAllInksTogetherWithinTheirLimit) {
     for (PrintVariant variant : kBothVariants) {
         Load(variant);
-        // At 600 dpi each amount is half of one within the limit, rounded up at most.
+        // At 600 dpi each amount is half of one within the limit, and may be rounded up.
         const double limit = GetParam().limit * 255 / 100;
         const double most = variant == PrintVariant::kAt600 ? limit / 2 + 2 : limit;
         uint32_t largest = 0;
@@ -86,7 +87,7 @@ TEST_P(InstalledProfiles, KeepAllInksTogetherWithinTheirLimit) {
     }
 }
 
-// The lightness, 0 to 100, of a grey of that density: what the eye sees of a difference in ink.
+// Returns the lightness, 0 to 100, of a gray of that density: the measure by which the eye sees ink.
 double Lightness(double density) {
     return 116 * std::cbrt(std::pow(10, -density)) - 16;
 }
@@ -98,7 +99,7 @@ TEST_P(InstalledProfiles, PrintGraysWithoutAHue) {
         const auto printed = model.PrintedDensity(LookupColor(component * kGray));
         const auto [least, most] = std::minmax_element(printed.begin(), printed.end());
         EXPECT_LE(Lightness(*least) - Lightness(*most), 1) << component;
-        // Highlights are a little lighter than the picture, as the recipes hold small amounts back.
+        // Highlights are a little lighter than the picture, as the recipes reduce small amounts.
         const double tolerance = component < 192 ? 1.5 : 2.75;
         EXPECT_NEAR(Lightness(printed[1]), Lightness(model.WantedDensity(component)), tolerance) << component;
     }
@@ -114,7 +115,7 @@ TEST_P(InstalledProfiles, PrintGrayRampsWithoutWavesOrSteps) {
         const double lightness = Lightness(model.PrintedDensity(inks)[1]);
         EXPECT_GE(black, blackBefore) << component;
         EXPECT_LE(black - blackBefore, 4u) << component;
-        // Amounts are rounded down: one of them may fall back a step.
+        // Amounts are rounded down, so one of them may drop by a step.
         EXPECT_LE(lightness, lightnessBefore + 0.35) << component;
         EXPECT_GE(lightness, lightnessBefore - 1.5) << component;
         blackBefore = black;
@@ -172,7 +173,7 @@ TEST_P(InstalledProfiles, KeepNearlyWhitePaperClean) {
 INSTANTIATE_TEST_SUITE_P(All, InstalledProfiles, testing::Values(kNeutral, kCoated),
                          [](const auto& instance) { return std::string(instance.param.file); });
 
-TEST(InstalledProfiles, AreTheOnesThatAreTested) {
+TEST(InstalledProfiles, AreAllTested) {
     std::vector<std::string> files;
     for (const auto& entry :
          std::filesystem::directory_iterator(std::filesystem::path(ORVEX_INSTALLATION) / "profiles")) {

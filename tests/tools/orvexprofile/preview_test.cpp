@@ -6,7 +6,6 @@
 #include "tools/common/png_file.h"
 #include "tools/orvexprofile/chart.h"
 #include "tools/orvexprofile/driver_colors.h"
-#include "tools/orvexprofile/ink.h"
 #include "tools/orvexprofile/ink_preview.h"
 #include "tools/orvexprofile/report.h"
 
@@ -85,7 +84,7 @@ class Charts : public testing::Test {
     Picture chart_;
 };
 
-TEST_F(Charts, RunRampsFromWhiteOverThePrimaryToBlack) {
+TEST_F(Charts, DrawRampsFromWhiteOverThePrimaryToBlack) {
     for (int ramp = 0; ramp < static_cast<int>(kChartRamps.size()); ++ramp) {
         SCOPED_TRACE(kChartRamps[static_cast<size_t>(ramp)].name);
         const ChartPlace place = RampPrint(ramp);
@@ -119,13 +118,13 @@ TEST_F(Charts, SliceTheCubeAcrossRed) {
     EXPECT_EQ(PixelAt(chart_, last.x, last.y), Shown(kRedInks)) << "red";
     EXPECT_EQ(PixelAt(chart_, last.x + last.width - 1, last.y), Shown(PackInks(0, 0, 255, 0))) << "magenta";
     EXPECT_EQ(PixelAt(chart_, last.x, last.y + last.height - 1), Shown(PackInks(0, 0, 0, 255))) << "yellow";
-    // Red takes two full inks of four.
+    // Red takes two full inks out of four.
     EXPECT_THAT(PixelAt(chart_, total.x, total.y), ElementsAre(128, 128, 128));
     EXPECT_THAT(PixelAt(chart_, total.x + total.width - 1, total.y + total.height - 1),
                 ElementsAre(255, 255, 255));
 }
 
-TEST_F(Charts, HoldEverythingWithoutOverlap) {
+TEST_F(Charts, HaveNoPartsThatOverlap) {
     std::vector<ChartPlace> places;
     for (int ramp = 0; ramp < static_cast<int>(kChartRamps.size()); ++ramp) {
         places.push_back(RampPrint(ramp));
@@ -148,7 +147,7 @@ TEST_F(Charts, HoldEverythingWithoutOverlap) {
     }
 }
 
-TEST_F(Charts, WriteTheTitleWithoutWhatIsNotAscii) {
+TEST_F(Charts, WriteOnlyTheAsciiCharactersOfTheTitle) {
     const Picture untitled = DrawChart("", PrintVariant::kOther);
     EXPECT_NE(chart_.samples, untitled.samples);
     EXPECT_EQ(DrawChart("\xC3\xA9Title\n", PrintVariant::kOther).samples, chart_.samples);

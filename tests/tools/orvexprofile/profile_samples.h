@@ -1,20 +1,21 @@
-// Profiles for tests: every entry is another ink value, so that one in the wrong place shows.
+// Profiles for tests. Every entry of a sample is another ink value, so that a misplaced one shows.
 #pragma once
 
 #include <filesystem>
-#include <sstream>
 #include <string>
 
-#include "tools/orvexprofile/driver_colors.h"
-#include "tools/orvexprofile/ink.h"
+#include "driver/color/ink.h"
+#include "tests/driver/profiles/profile_bytes.h"
 #include "tools/orvexprofile/profile.h"
+#include "tools/orvexprofile/profile_loading.h"
 #include "tools/orvexprofile/profile_writer.h"
 
 namespace orvex::tools::profile {
 
 constexpr PrintVariant kBothVariants[] = {PrintVariant::kAt600, PrintVariant::kOther};
 
-// An ink value that no other colour has in the same variant, and that is never the "not computed" mark.
+// Returns an ink value that no other color has in the same variant, and that is never the "not computed"
+// mark.
 inline uint32_t SampleInks(uint32_t color, bool at600) {
     return color << 8 | (at600 ? 0x11 : 0x22);
 }
@@ -35,7 +36,7 @@ inline Profile SampleProfile(int version) {
     return profile;
 }
 
-// A profile of version 5 without ink but for what a test puts in.
+// Returns a profile of version 5 without any ink.
 inline Profile PaperProfile() {
     Profile profile;
     profile.name = "Paper";
@@ -44,31 +45,9 @@ inline Profile PaperProfile() {
     return profile;
 }
 
-inline std::string ProfileBytes(const Profile& profile) {
-    std::ostringstream out;
-    WriteProfile(profile, out);
-    return out.str();
-}
-
-// `size` bytes of a number, the lowest first.
-inline std::string LittleEndianBytes(uint32_t value, int size) {
-    std::string bytes;
-    for (int i = 0; i < size; ++i) bytes.push_back(static_cast<char>(value >> (8 * i)));
-    return bytes;
-}
-
-// A profile file of version 5 put together by hand: the tags as given, paper for colours.
+// Returns the file of a profile of version 5 with these tags, and with paper for colors.
 inline std::string FileWithTags(const std::string& tags, int version = 5) {
-    const std::string data(2 * LayoutOf(5).VariantSize(), '\0');
-    const std::string area = '\0' + LittleEndianBytes(static_cast<uint32_t>(3 + tags.size()), 2) + tags;
-    const uint32_t size = static_cast<uint32_t>(12 + area.size() + data.size());
-    return "ZVC" + std::string(1, static_cast<char>(version)) + LittleEndianBytes(size, 4) +
-           LittleEndianBytes(0, 4) + area + data;
-}
-
-inline std::string Tag(int id, const std::string& data) {
-    return std::string(1, static_cast<char>(id)) + LittleEndianBytes(static_cast<uint32_t>(data.size()), 2) +
-           data;
+    return ProfileBytes(version, TagArea(tags), std::string(ColorsSize(5), '\0'));
 }
 
 }  // namespace orvex::tools::profile

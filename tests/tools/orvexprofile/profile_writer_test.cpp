@@ -4,7 +4,6 @@
 
 #include "tests/kit/scratch_folder.h"
 #include "tests/tools/orvexprofile/profile_samples.h"
-#include "tools/orvexprofile/driver_colors.h"
 
 namespace orvex::tools::profile {
 
@@ -17,49 +16,47 @@ TEST(ProfileWriter, AFileBeginsWithItsHeaderAndTags) {
     Profile profile = PaperProfile();
     profile.name = "Ab";
     profile.codes = ResolutionCodes{-1, 7};
-    const std::string bytes = ProfileBytes(profile);
-    EXPECT_EQ(bytes.substr(0, 25), "ZVC\5" + LittleEndianBytes(39304 + 25, 4) + LittleEndianBytes(0, 4) +
-                                       '\0' + LittleEndianBytes(13, 2) + '\1' + LittleEndianBytes(2, 2) +
-                                       "Ab" + '\2' + LittleEndianBytes(2, 2) + "\xFF\x07");
+    const std::string bytes = EncodeProfile(profile);
+    EXPECT_EQ(bytes.substr(0, 25), "ZVC\5" + Number32(39304 + 25) + Number32(0) + '\0' + Number16(13) + '\1' +
+                                       Number16(2) + "Ab" + '\2' + Number16(2) + "\xFF\x07");
     EXPECT_EQ(bytes.size(), 39304u + 25);
     EXPECT_EQ(FileSize(profile), bytes.size());
 }
 
-TEST(ProfileWriter, NameAndCodesCanStandAlone) {
+TEST(ProfileWriter, ANameOrCodesAloneAreEnough) {
     Profile profile = PaperProfile();
-    EXPECT_EQ(ProfileBytes(profile).substr(12, 11),
-              '\0' + LittleEndianBytes(11, 2) + '\1' + LittleEndianBytes(5, 2) + "Paper");
+    EXPECT_EQ(EncodeProfile(profile).substr(12, 11), '\0' + Number16(11) + '\1' + Number16(5) + "Paper");
     profile.name.reset();
     profile.codes = ResolutionCodes{1, 2};
-    EXPECT_EQ(ProfileBytes(profile).substr(12, 8), '\0' + LittleEndianBytes(8, 2) + Tag(2, "\1\2"));
+    EXPECT_EQ(EncodeProfile(profile).substr(12, 8), '\0' + Number16(8) + Tag(2, "\1\2"));
 }
 
 TEST(ProfileWriter, Version5StoresRedFastestAndThe600DpiVariantFirst) {
     const Profile profile = SampleProfile(5);
-    const std::string bytes = ProfileBytes(profile);
+    const std::string bytes = EncodeProfile(profile);
     const size_t data = bytes.size() - 2 * 4 * 4913;
     const auto entry = [&](size_t variant, size_t place) {
         return bytes.substr(data + 4 * (4913 * variant + place), 4);
     };
-    EXPECT_EQ(entry(0, 1), LittleEndianBytes(SampleInks(0x100000, true), 4));
-    EXPECT_EQ(entry(0, 17), LittleEndianBytes(SampleInks(0x001000, true), 4));
-    EXPECT_EQ(entry(0, 289), LittleEndianBytes(SampleInks(0x000010, true), 4));
-    EXPECT_EQ(entry(0, 16), LittleEndianBytes(SampleInks(0xFF0000, true), 4));
-    EXPECT_EQ(entry(1, 4912), LittleEndianBytes(SampleInks(0xFFFFFF, false), 4));
+    EXPECT_EQ(entry(0, 1), Number32(SampleInks(0x100000, true)));
+    EXPECT_EQ(entry(0, 17), Number32(SampleInks(0x001000, true)));
+    EXPECT_EQ(entry(0, 289), Number32(SampleInks(0x000010, true)));
+    EXPECT_EQ(entry(0, 16), Number32(SampleInks(0xFF0000, true)));
+    EXPECT_EQ(entry(1, 4912), Number32(SampleInks(0xFFFFFF, false)));
 }
 
 TEST(ProfileWriter, Version3StoresBlueFastestAndWhitesInkAt254) {
-    const std::string bytes = ProfileBytes(SampleProfile(3));
+    const std::string bytes = EncodeProfile(SampleProfile(3));
     const size_t data = bytes.size() - 0x1000000;
     const auto entry = [&](size_t place) { return bytes.substr(data + 4 * place, 4); };
-    EXPECT_EQ(entry(1), LittleEndianBytes(SampleInks(0x000002, true), 4));
-    EXPECT_EQ(entry(128), LittleEndianBytes(SampleInks(0x000200, true), 4));
-    EXPECT_EQ(entry(128 * 128 - 1), LittleEndianBytes(SampleInks(0x00FFFF, true), 4));
-    EXPECT_EQ(entry(128 * 128 * 128 + 128 * 128), LittleEndianBytes(SampleInks(0x020000, false), 4));
+    EXPECT_EQ(entry(1), Number32(SampleInks(0x000002, true)));
+    EXPECT_EQ(entry(128), Number32(SampleInks(0x000200, true)));
+    EXPECT_EQ(entry(128 * 128 - 1), Number32(SampleInks(0x00FFFF, true)));
+    EXPECT_EQ(entry(128 * 128 * 128 + 128 * 128), Number32(SampleInks(0x020000, false)));
 }
 
 TEST(ProfileWriter, Version4StoresPlanesFromYellowToBlack) {
-    const std::string bytes = ProfileBytes(SampleProfile(4));
+    const std::string bytes = EncodeProfile(SampleProfile(4));
     const size_t plane = 128 * 128 * 128, data = bytes.size() - 0x1000000;
     for (int ink = 0; ink < kInks; ++ink) {
         const size_t place = data + static_cast<size_t>(3 - ink) * plane + 128;
@@ -68,7 +65,7 @@ TEST(ProfileWriter, Version4StoresPlanesFromYellowToBlack) {
     }
 }
 
-// What is stored under a colour may stand for another: see SampledComponent.
+// Returns the color whose inks are stored under `color`, which may be another; see SampledComponent.
 uint32_t SampledColor(int version, uint32_t color) {
     if (LayoutOf(version).steps != 128) return color;
     uint32_t sampled = 0;
@@ -87,7 +84,7 @@ TEST(ProfileWriter, TheDriverReadsBackEveryEntryOfEveryVersion) {
         for (bool at600 : {true, false}) {
             SCOPED_TRACE(testing::Message()
                          << "version " << version << (at600 ? " at 600 dpi" : " otherwise"));
-            ASSERT_TRUE(LoadIntoDriver(path, at600 ? PrintVariant::kAt600 : PrintVariant::kOther));
+            LoadAccepted(path, at600 ? PrintVariant::kAt600 : PrintVariant::kOther);
             EXPECT_EQ(g_cacheKind, version);
             const int steps = LayoutOf(version).steps;
             size_t wrong = 0;
@@ -112,7 +109,7 @@ TEST(ProfileWriter, TheDriverTakesNamesOfUpTo511Characters) {
     Profile profile = PaperProfile();
     profile.name = std::string(511, 'n');
     WriteProfileFile(profile, path);
-    EXPECT_TRUE(LoadIntoDriver(path, PrintVariant::kAt600));
+    EXPECT_EQ(LoadAccepted(path, PrintVariant::kAt600).Name(), profile.name);
     profile.name = std::string(512, 'n');
     EXPECT_THAT([&] { WriteProfileFile(profile, path); },
                 ThrowsMessage<std::invalid_argument>(HasSubstr("1 to 511 characters, not 512")));
@@ -129,27 +126,28 @@ TEST(ProfileWriter, ANewNameIsPrintableAscii) {
                 ThrowsMessage<std::invalid_argument>(HasSubstr("printable ASCII")));
 }
 
-TEST(ProfileWriter, RefusesWhatTheDriverWouldNotAccept) {
+TEST(ProfileWriter, RefusesProfilesThatTheDriverWouldNotAccept) {
     Profile untagged = PaperProfile();
     untagged.name.reset();
-    EXPECT_THAT([&] { ProfileBytes(untagged); },
+    EXPECT_THAT([&] { EncodeProfile(untagged); },
                 ThrowsMessage<std::invalid_argument>(HasSubstr("at least one tag")));
 
     Profile marked = PaperProfile();
     marked.other[17] = kNotComputed;
     EXPECT_THAT(
-        [&] { ProfileBytes(marked); },
+        [&] { EncodeProfile(marked); },
         ThrowsMessage<std::invalid_argument>(HasSubstr("entry 17 of the variant for other resolutions")));
 
     Profile cut = PaperProfile();
     cut.at600.pop_back();
-    EXPECT_THAT([&] { ProfileBytes(cut); }, ThrowsMessage<std::invalid_argument>(HasSubstr(
-                                                "the variant for 600 dpi has 4912 entries instead of 4913")));
+    EXPECT_THAT([&] { EncodeProfile(cut); },
+                ThrowsMessage<std::invalid_argument>(
+                    HasSubstr("the variant for 600 dpi has 4912 entries instead of 4913")));
 
     for (int version : {0, 6}) {
         Profile unknown = PaperProfile();
         unknown.version = version;
-        EXPECT_THAT([&] { ProfileBytes(unknown); },
+        EXPECT_THAT([&] { EncodeProfile(unknown); },
                     ThrowsMessage<std::invalid_argument>(HasSubstr("versions 1 to 5, not")));
     }
 }
@@ -170,14 +168,14 @@ TEST(ProfileWriter, ReplacesAnOlderFileAsAWhole) {
     const ScratchFolder scratch;
     const std::filesystem::path path = scratch.Write("old.zvp", "old");
     WriteProfileFile(PaperProfile(), path);
-    EXPECT_EQ(ReadBytes(path), ProfileBytes(PaperProfile()));
+    EXPECT_EQ(ReadBytes(path), EncodeProfile(PaperProfile()));
     Profile broken = PaperProfile();
     broken.at600[0] = kNotComputed;
     EXPECT_THROW(WriteProfileFile(broken, path), std::invalid_argument);
-    EXPECT_EQ(ReadBytes(path), ProfileBytes(PaperProfile()));
+    EXPECT_EQ(ReadBytes(path), EncodeProfile(PaperProfile()));
 }
 
-TEST(SampledVariant, NeverHoldsTheNotComputedMark) {
+TEST(SampledVariant, NeverContainsTheNotComputedMark) {
     const InkSource full = [](std::span<const uint32_t>, std::span<uint32_t> inks) {
         for (uint32_t& value : inks) value = 0xFFFFFFFF;
     };

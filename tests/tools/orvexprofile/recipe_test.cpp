@@ -4,7 +4,7 @@
 
 #include "tests/kit/scratch_folder.h"
 #include "tests/tools/orvexprofile/sample_recipe.h"
-#include "tools/orvexprofile/ink.h"
+#include "tools/orvexprofile/ink_totals.h"
 
 namespace orvex::tools::profile {
 
@@ -35,7 +35,7 @@ TEST(Recipe, IsReadWhole) {
     EXPECT_EQ(recipe.model.inks[kYellowInk].dotGain, 18);
 }
 
-TEST(Recipe, NeedsNeitherLimitNorScaleNorCodes) {
+TEST(Recipe, NeedsNoLimitNoScaleAndNoCodes) {
     const Recipe recipe = ParseRecipe(SampleRecipe().dump());
     EXPECT_EQ(recipe.codes, std::nullopt);
     EXPECT_EQ(recipe.treatment.limit, 400);
@@ -49,7 +49,7 @@ struct WrongValue {
     const char* message;
 };
 
-TEST(Recipe, WithAWrongValueIsRefusedByItsKey) {
+TEST(Recipe, WithAWrongValueIsRefused) {
     const WrongValue wrongValues[] = {
         {"/name", 5, "\"name\": is a text, not 5"},
         {"/name", "", "1 to 511 characters"},
@@ -84,7 +84,7 @@ TEST(Recipe, WithAWrongValueIsRefusedByItsKey) {
     }
 }
 
-TEST(Recipe, WithoutAKeyIsRefusedByItsName) {
+TEST(Recipe, WithoutAKeyIsRefused) {
     for (const char* key :
          {"name", "inks", "black_density", "chroma_density", "black_start", "highlight_ease"}) {
         json recipe = SampleRecipe();
@@ -94,27 +94,27 @@ TEST(Recipe, WithoutAKeyIsRefusedByItsName) {
     }
 }
 
-TEST(Recipe, ThatIsNoJsonIsRefused) {
+TEST(Recipe, ThatIsNotJsonIsRefused) {
     EXPECT_THAT([] { ParseRecipe("{\"name\": }"); },
                 ThrowsMessage<std::invalid_argument>(HasSubstr("not JSON")));
     EXPECT_THAT([] { ParseRecipe(""); }, ThrowsMessage<std::invalid_argument>(HasSubstr("not JSON")));
     EXPECT_THAT([] { ParseRecipe("[]"); }, ThrowsMessage<std::invalid_argument>(HasSubstr("an object")));
 }
 
-TEST(Recipe, WithANumberThatNoMachineHoldsIsRefused) {
+TEST(Recipe, WithANumberThatIsTooLargeIsRefused) {
     std::string text = SampleRecipe().dump();
     EXPECT_THAT([&] { ParseRecipe(text.replace(text.size() - 1, 1, ",\"ink_limit\":1e999}")); },
                 ThrowsMessage<std::invalid_argument>(HasSubstr("a number that is too large")));
 }
 
-TEST(Recipe, NestedDeeperThanAStackHoldsIsRefused) {
+TEST(Recipe, NestedDeeperThanTheStackAllowsIsRefused) {
     constexpr size_t kDepth = 200000;
     const std::string deep = std::string(kDepth, '[') + std::string(kDepth, ']');
     EXPECT_THAT([&] { ParseRecipe("{\"name\":" + deep + "}"); },
                 ThrowsMessage<std::invalid_argument>("\"name\": is a text, not a list of 1"));
 }
 
-TEST(Recipe, IsReadFromAFileWhoseNameComesWithTheError) {
+TEST(Recipe, IsReadFromAFileThatItsErrorsName) {
     const ScratchFolder scratch;
     EXPECT_EQ(ReadRecipe(scratch.Write("good.json", SampleRecipe().dump())).name, "Sample");
     EXPECT_THAT(

@@ -1,4 +1,4 @@
-// A sound recipe, for tests to change.
+// A valid recipe for tests to change.
 #pragma once
 
 #include <nlohmann/json.hpp>

@@ -4,13 +4,13 @@
 
 #include <cmath>
 
-#include "tools/orvexprofile/ink.h"
+#include "tools/orvexprofile/ink_totals.h"
 
 namespace orvex::tools::profile {
 
 namespace {
 
-// Inks that absorb their own channel only, without gain: what they should do can be told by hand.
+// Returns inks that absorb only their own channel, without gain, so that results can be computed by hand.
 SeparationModel IdealInks() {
     SeparationModel model;
     model.inks[kBlackInk].density = {1.5, 1.5, 1.5};
@@ -34,8 +34,7 @@ TEST(Separation, GivesBlackTheWholeOfTheBlackInk) {
 TEST(Separation, FillsUpTheDarkestNeutralWithColor) {
     SeparationModel model = IdealInks();
     model.blackDensity = 1.8;
-    // A density of 0.3 more lets half of the light through: 50.1 % of it taken, of 96.8 % that the solid
-    // takes.
+    // A density of 0.3 more absorbs 50.1 % of the light; the solid ink absorbs 96.8 %.
     EXPECT_EQ(Separation(model).Inks(0), PackInks(255, 131, 131, 131));
 }
 
@@ -55,7 +54,7 @@ TEST(Separation, CoversPaperAsMuchAsTheLightAsksFor) {
     EXPECT_EQ(inks, PackInks(0, 0, 0, static_cast<uint32_t>(covered * 255 + 0.5)));
 }
 
-TEST(Separation, AsksForLessWhereDotsGain) {
+TEST(Separation, AsksForLessInkIfDotsGain) {
     SeparationModel model = IdealInks();
     model.inks[kYellowInk].dotGain = 20;
     const double without = InkAmount(Separation(IdealInks()).Inks(0xFFFFBC), kYellowInk) / 255.0;
@@ -93,7 +92,7 @@ TEST(Separation, CorrectsForWhatOtherInksAbsorb) {
     }
 }
 
-TEST(Separation, HoldsSmallAmountsBackAndLeavesLargeOnes) {
+TEST(Separation, ReducesSmallAmountsAndLeavesLargeOnes) {
     SeparationModel model = IdealInks();
     model.highlightEase = 7;
     const Separation eased(model), plain(IdealInks());
@@ -115,7 +114,7 @@ TEST(Separation, CompressesChromaSoftly) {
         EXPECT_GE(amount, before);
         before = amount;
     }
-    // A density of 1.0 takes 90 % of the light, of 96.8 % that the solid takes.
+    // A density of 1.0 absorbs 90 % of the light; the solid ink absorbs 96.8 %.
     EXPECT_EQ(before, 237u);
 }
 

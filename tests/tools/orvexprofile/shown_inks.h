@@ -1,4 +1,4 @@
-// What a preview shows for an ink value.
+// The color that a preview shows for an ink value.
 #pragma once
 
 #include <vector>
@@ -7,13 +7,13 @@
 
 namespace orvex::tools::profile {
 
-// As red, green and blue.
+// Returns it as red, green and blue.
 inline std::vector<int> Shown(uint32_t inks) {
     const Rgb color = InkModelOf(PrintVariant::kOther).OnPaper(inks);
     return {color.red, color.green, color.blue};
 }
 
-// As a pixel of a picture that was read.
+// Returns it as a pixel of a picture.
 inline uint32_t ShownPixel(uint32_t inks) {
     const Rgb color = InkModelOf(PrintVariant::kOther).OnPaper(inks);
     return ColorIndex(color.red, color.green, color.blue);

@@ -1,35 +1,37 @@
-#include "tools/orvexprofile/profile_reader.h"
+#include "tools/orvexprofile/profile_loading.h"
 
 #include <gmock/gmock.h>
 
+#include "driver/profiles/profile_file.h"
+#include "tests/driver/profiles/file_watch.h"
 #include "tests/kit/log_capture.h"
 #include "tests/kit/scratch_folder.h"
 #include "tests/tools/orvexprofile/profile_samples.h"
-#include "tools/orvexprofile/driver_colors.h"
 
 namespace orvex::tools::profile {
 
 namespace {
 
-// What the driver's reader itself writes into the log when it refuses a file: its last line, without the
-// level.
+// Returns the driver's words about a file that it refuses: the last line in its log, without the level.
 std::string DriversWords(const std::filesystem::path& path) {
     LogCapture log(1);
-    EXPECT_FALSE(LoadIntoDriver(path, PrintVariant::kOther));
+    char name[kProfileNameCapacity];
+    signed char code;
+    EXPECT_EQ(ReadProfile(path.string().c_str(), name, sizeof name, false, g_colorCache, &code), 0);
     const std::vector<std::string> lines = log.TakeLines();
     if (lines.empty()) return "(no line)";
-    return lines.back().substr(lines.back().find("] ") + 2 + (lines.back().starts_with("[Info]") ? 1 : 0));
+    return lines.back().substr(std::string_view("[Error] ").size());
 }
 
 struct BrokenFile {
     const char* title;
     std::string bytes;
-    std::string problem;  // behind the path, where the message has one: "%" stands for it
+    std::string problem;  // "%" is the file's path
 };
 
 std::string Resized(std::string bytes, size_t size) {
     bytes.resize(size);
-    return bytes.replace(4, 4, LittleEndianBytes(static_cast<uint32_t>(size), 4));
+    return bytes.replace(4, 4, Number32(static_cast<uint32_t>(size)));
 }
 
 std::vector<BrokenFile> BrokenFiles() {
@@ -37,8 +39,8 @@ std::vector<BrokenFile> BrokenFiles() {
     const std::string longName = FileWithTags(Tag(1, std::string(512, 'n')));
     std::string foreign = sound, sizeOff = sound, wrapping = sound;
     foreign.replace(0, 3, "PNG");
-    sizeOff.replace(4, 4, LittleEndianBytes(static_cast<uint32_t>(sound.size() + 1), 4));
-    wrapping.replace(13, 2, LittleEndianBytes(3, 2));
+    sizeOff.replace(4, 4, Number32(static_cast<uint32_t>(sound.size() + 1)));
+    wrapping.replace(13, 2, Number16(3));
     const std::string size = std::to_string(sound.size());
     return {
         {"empty", "", "error reading file % 0"},
@@ -62,7 +64,7 @@ std::vector<BrokenFile> BrokenFiles() {
     };
 }
 
-TEST(ProfileReader, GivesTheDriversOwnReasonForEveryFileThatItRefuses) {
+TEST(ProfileLoading, GivesTheDriversOwnReasonForEveryRefusedFile) {
     const ScratchFolder scratch;
     for (const BrokenFile& file : BrokenFiles()) {
         SCOPED_TRACE(file.title);
@@ -71,34 +73,53 @@ TEST(ProfileReader, GivesTheDriversOwnReasonForEveryFileThatItRefuses) {
         if (const size_t place = expected.find('%'); place != std::string::npos) {
             expected.replace(place, 1, path.string());
         }
-        const ProfileFacts facts = InspectProfile(path);
+        const ProfileFacts facts = LoadIntoDriver(path, PrintVariant::kOther);
         EXPECT_FALSE(facts.Accepted());
         EXPECT_EQ(facts.problem, expected);
         EXPECT_EQ(facts.problem, DriversWords(path));
     }
 }
 
-TEST(ProfileReader, SaysThatAFileCanNotBeOpened) {
+TEST(ProfileLoading, ThrowsTheNameAndTheReasonOfARefusedFile) {
+    const ScratchFolder scratch;
+    const std::filesystem::path path = scratch.Write("bad.zvp", FileWithTags(Tag(9, "")));
+    EXPECT_THAT([&] { LoadAccepted(path, PrintVariant::kOther); },
+                testing::ThrowsMessage<std::runtime_error>(path.string() + ": invalid profile tag 9"));
+    const std::filesystem::path cut = scratch.Write("cut.zvp", "ZVC");
+    EXPECT_THAT([&] { LoadAccepted(cut, PrintVariant::kOther); },
+                testing::ThrowsMessage<std::runtime_error>("error reading file " + cut.string() + " 3"));
+}
+
+TEST(ProfileLoading, SaysThatAFileCanNotBeOpened) {
     const ScratchFolder scratch;
     const std::filesystem::path path = scratch.Path() / "none.zvp";
-    const ProfileFacts facts = InspectProfile(path);
+    const ProfileFacts facts = LoadIntoDriver(path, PrintVariant::kOther);
     EXPECT_EQ(facts.problem, "Error: could not open file [" + path.string() + "]");
     EXPECT_EQ(facts.problem, DriversWords(path));
     EXPECT_EQ(facts.size, 0u);
 }
 
-TEST(ProfileReader, TakesAFolderForNoFile) {
+TEST(ProfileLoading, RefusesAFolder) {
     const ScratchFolder scratch;
-    const ProfileFacts facts = InspectProfile(scratch.Path());
+    const ProfileFacts facts = LoadIntoDriver(scratch.Path(), PrintVariant::kOther);
     EXPECT_EQ(facts.problem, DriversWords(scratch.Path()));
     EXPECT_EQ(facts.size, 0u);
 }
 
-TEST(ProfileReader, TakesTheLastTagOfAKind) {
+TEST(ProfileLoading, GivesTheDriversOwnReasonWhenTheColorsCanNotBeRead) {
+    const ScratchFolder scratch;
+    const std::filesystem::path path = scratch.Write("sound.zvp", FileWithTags(Tag(1, "Sound")));
+    const ImportPatch failure(nullptr, "SetFilePointerEx", reinterpret_cast<void*>(&FailToSeek));
+    EXPECT_THAT(
+        [&] { LoadAccepted(path, PrintVariant::kOther); },
+        testing::ThrowsMessage<std::runtime_error>(path.string() + ": error reading profile 0<>19652"));
+}
+
+TEST(ProfileLoading, TakesTheLastTagOfAKind) {
     const ScratchFolder scratch;
     const std::string tags = Tag(2, "\x01\x02") + Tag(1, "First") + Tag(1, "Last") + Tag(2, "\xFF\x03");
     const std::filesystem::path path = scratch.Write("tags.zvp", FileWithTags(tags));
-    const ProfileFacts facts = InspectProfile(path);
+    const ProfileFacts facts = LoadIntoDriver(path, PrintVariant::kOther);
     EXPECT_TRUE(facts.Accepted());
     EXPECT_EQ(facts.Name(), "Last");
     EXPECT_EQ(facts.Codes(), (ResolutionCodes{-1, 3}));
@@ -115,22 +136,24 @@ TEST(ProfileReader, TakesTheLastTagOfAKind) {
     EXPECT_EQ(facts.storedSize, facts.size);
 }
 
-TEST(ProfileReader, MissesNothingInAFileWithOneTag) {
+TEST(ProfileLoading, AcceptsAFileWithASingleTag) {
     const ScratchFolder scratch;
-    const ProfileFacts named = InspectProfile(scratch.Write("a.zvp", FileWithTags(Tag(1, ""))));
+    const ProfileFacts named =
+        LoadIntoDriver(scratch.Write("a.zvp", FileWithTags(Tag(1, ""))), PrintVariant::kOther);
     EXPECT_TRUE(named.Accepted());
     EXPECT_EQ(named.Name(), "");
     EXPECT_EQ(named.Codes(), std::nullopt);
-    const ProfileFacts coded = InspectProfile(scratch.Write("b.zvp", FileWithTags(Tag(2, "\x05\x06"))));
+    const ProfileFacts coded =
+        LoadIntoDriver(scratch.Write("b.zvp", FileWithTags(Tag(2, "\x05\x06"))), PrintVariant::kOther);
     EXPECT_TRUE(coded.Accepted());
     EXPECT_EQ(coded.Name(), std::nullopt);
     EXPECT_EQ(coded.Codes(), (ResolutionCodes{5, 6}));
 }
 
-TEST(ProfileReader, KeepsWhatItReadBeforeItGaveUp) {
+TEST(ProfileLoading, KeepsTheTagsThatPrecedeAProblem) {
     const ScratchFolder scratch;
-    const ProfileFacts facts =
-        InspectProfile(scratch.Write("c.zvp", FileWithTags(Tag(1, "Kept") + Tag(7, "?"))));
+    const ProfileFacts facts = LoadIntoDriver(
+        scratch.Write("c.zvp", FileWithTags(Tag(1, "Kept") + Tag(7, "?"))), PrintVariant::kOther);
     EXPECT_EQ(facts.problem, "invalid profile tag 7");
     EXPECT_EQ(facts.Name(), "Kept");
     EXPECT_EQ(facts.tags.size(), 2u);

@@ -1,10 +1,10 @@
-#include "tools/orvexprofile/whole_file.h"
+#include "tools/common/whole_file.h"
 
 #include <fstream>
 #include <sstream>
 #include <stdexcept>
 
-namespace orvex::tools::profile {
+namespace orvex::tools {
 
 std::string ReadWholeFile(const std::filesystem::path& path) {
     std::ifstream in(path, std::ios::binary);
@@ -15,4 +15,4 @@ std::string ReadWholeFile(const std::filesystem::path& path) {
     return bytes.str();
 }
 
-}  // namespace orvex::tools::profile
+}  // namespace orvex::tools

@@ -1,0 +1,82 @@
+#include "driver/profiles/profile_reader.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace orvex {
+
+namespace {
+
+uint32_t Number16(const uint8_t* bytes) {
+    return bytes[0] | uint32_t{bytes[1]} << 8;
+}
+uint32_t Number32(const uint8_t* bytes) {
+    return Number16(bytes) | Number16(bytes + 2) << 16;
+}
+
+}  // namespace
+
+ProfileProblem ReadProfileHeader(BlockReader& file, ProfileHeader* header) {
+    if (!file) return {&kFileNotOpened};
+    uint8_t bytes[kProfileHeaderSize] = {};
+    header->fileSize = file.Size();
+    // Without a size it is no regular file, and reading from it might never end.
+    const size_t came = header->fileSize < 0 ? 0 : file.Read(bytes, sizeof bytes);
+    header->markSize = std::min(came, sizeof header->mark);
+    memcpy(header->mark, bytes, header->markSize);
+    if (came < sizeof bytes) return {&kHeaderCut, {static_cast<int64_t>(came)}};
+    header->version = bytes[3];
+    header->storedSize = Number32(bytes + 4);
+    if (memcmp(bytes, kProfileMark, sizeof header->mark) != 0 || header->storedSize != header->fileSize) {
+        return {&kForeignFile, {bytes[0], bytes[1], bytes[2], header->storedSize, header->fileSize}};
+    }
+    return {};
+}
+
+TagReader::TagReader(BlockReader& file, size_t nameCapacity) : file_(file), nameCapacity_(nameCapacity) {
+    uint8_t header[kTagHeaderSize];
+    if (!ReadHeader(header, &kTagAreaCut)) return;
+    areaLength_ = Number16(header + 1);
+    remaining_ = areaLength_ - uint64_t{kTagHeaderSize};
+}
+
+bool TagReader::Next(ProfileTag* tag) {
+    if (problem_ || atEnd_) return false;
+    uint8_t header[kTagHeaderSize];
+    tag->offset = file_.Position();
+    if (!ReadHeader(header, &kTagCut)) return false;
+    tag->id = header[0];
+    tag->length = Number16(header + 1);
+    tag->taken = false;
+    tag->came = 0;
+    problem_ = ReadData(tag);
+    // Deliberate: there is always one tag, and tags that overrun their area let the count wrap below zero.
+    // The walk then goes on until a tag is wrong or the file ends.
+    remaining_ -= sizeof header + tag->came;
+    atEnd_ = remaining_ == 0;
+    return true;
+}
+
+bool TagReader::ReadHeader(uint8_t (&header)[kTagHeaderSize], const ProfileFault* cut) {
+    const size_t came = file_.Read(header, sizeof header);
+    if (came < sizeof header) problem_ = {cut, {static_cast<int64_t>(came), sizeof header}};
+    return !problem_;
+}
+
+ProfileProblem TagReader::ReadData(ProfileTag* tag) {
+    const ProfileFault* cut = &kNameCut;
+    if (tag->id == kNameTag) {
+        if (tag->length >= nameCapacity_) return {&kNameTooLong};
+    } else if (tag->id == kResolutionTag) {
+        if (tag->length != kResolutionTagSize)
+            return {&kWrongCodesLength, {static_cast<int64_t>(tag->length)}};
+        cut = &kCodesCut;
+    } else {
+        return {&kUnknownTag, {tag->id}};
+    }
+    tag->taken = true;
+    tag->came = file_.Read(tag->data, tag->length);
+    return {tag->IsWhole() ? nullptr : cut};
+}
+
+}  // namespace orvex
