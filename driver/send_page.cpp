@@ -1,9 +1,9 @@
 // DrvSendPage: takes a finished page from the graphics engine, lays it under the print head and hands its
 // rows to the print engine.
 
+#include "driver/config/page_layout_input.h"
 #include "driver/device_resolution.h"
 #include "driver/job_state.h"
-#include "driver/page_layout_input.h"
 #include "driver/raster_output.h"
 #include "driver/support/log.h"
 #include "driver/support/settings_file.h"

@@ -7,8 +7,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "driver/config/page_layout_input.h"
 #include "driver/job_state.h"
-#include "driver/page_layout_input.h"
 #include "fuzz/allocation_watch.h"
 #include "fuzz/fuzz_installation.h"
 #include "fuzz/input.h"

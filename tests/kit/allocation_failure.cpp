@@ -32,16 +32,6 @@ void* __wrap_calloc(size_t count, size_t size) {
 }
 }
 
-#ifdef _WIN32
-// The allocations of std::string and its like never fail. Natively they don't come through malloc's symbol at
-// all.
-void* operator new(size_t bytes) {
-    void* memory = __real_malloc(bytes == 0 ? 1 : bytes);
-    if (memory == nullptr) throw std::bad_alloc();
-    return memory;
-}
-#endif
-
 AllocationFailure::AllocationFailure(size_t bytes) {
     failingBytes = bytes;
     failures = 0;
@@ -56,3 +46,13 @@ int AllocationFailure::Count() const {
 }
 
 }  // namespace orvex
+
+#ifdef _WIN32
+// The allocations of std::string and its like never fail. Natively they don't come through malloc's symbol at
+// all.
+void* operator new(size_t bytes) {
+    void* memory = orvex::__real_malloc(bytes == 0 ? 1 : bytes);
+    if (memory == nullptr) throw std::bad_alloc();
+    return memory;
+}
+#endif

@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "driver/page_layout_input.h"
+#include "driver/config/page_layout_input.h"
 #include "driver/support/text.h"
 #include "tools/common/number_text.h"
 #include "tools/common/units.h"

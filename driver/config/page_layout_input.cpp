@@ -1,4 +1,4 @@
-#include "driver/page_layout_input.h"
+#include "driver/config/page_layout_input.h"
 
 namespace orvex {
 
