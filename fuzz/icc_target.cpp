@@ -15,11 +15,12 @@
 
 namespace orvex::fuzz {
 
-using namespace tools::profile;
 // ICC profiles in the profile tool: one that is taken gives every colour its inks, alone as among others, in
 // range and within the limit; one that is refused gets an error that names its file.
 
 #ifdef ORVEX_LITTLE_CMS
+
+using namespace tools::profile;
 
 namespace {
 
