@@ -59,7 +59,7 @@ class LabelArtist {
         for (int i = 0; i < 4; ++i) canvas_.Text(Px(5), Px(14 + 6 * i), Px(0.4), lines[i], kBlack);
     }
 
-    // A disc with soft edges and a slope of colour.
+    // A disc with soft edges and a slope of color.
     void Logo(int cx, int cy, int radius) {
         for (int y = -radius; y <= radius; ++y) {
             for (int x = -radius; x <= radius; ++x) {
@@ -104,7 +104,7 @@ class LabelArtist {
     Canvas canvas_;
 };
 
-// One colour component of the photo: a few long waves across the page.
+// One color component of the photo: a few long waves across the page.
 class Waves {
   public:
     Waves(int32_t width, int component) {

@@ -24,7 +24,7 @@ struct BenchPage {
     size_t Bytes() const { return pixels.size() * sizeof(uint32_t); }
 };
 
-// A size of paper, portrait, in tenths of a millimetre, at a resolution.
+// A size of paper, portrait, in tenths of a millimeter, at a resolution.
 struct PageSize {
     std::string_view name;
     int16_t widthTenthsMm;

@@ -1,4 +1,4 @@
-// What the driver is held against: Little CMS for the colours, pixman for the rotation, and the two together
+// What the driver is held against: Little CMS for the colors, pixman for the rotation, and the two together
 // as the obvious program.
 #pragma once
 
@@ -12,7 +12,7 @@
 
 namespace orvex::bench {
 
-// A device link with the 17-point grid that is in the colour cache at its making, from BGRA to KCMY of 8
+// A device link with the 17-point grid that is in the color cache at its making, from BGRA to KCMY of 8
 // bits.
 class LittleCms {
   public:

@@ -23,12 +23,12 @@ struct BenchSetting {
 void MeasurePages(Bench& bench, const BenchSetting& setting);
 // Row conversion by itself.
 void MeasureRowConversion(Bench& bench, const BenchSetting& setting);
-// Loading profiles and the generic conversion; all colours interpolated.
+// Loading profiles and the generic conversion; all colors interpolated.
 void MeasureProfiles(Bench& bench, const BenchSetting& setting);
 // The thumbnail's scaling, and what the log costs while it is off.
 void MeasureExtras(Bench& bench, const BenchSetting& setting);
 
-// Puts the profile into the colour cache anew, at 600 dpi; nothing is interpolated yet.
+// Puts the profile into the color cache anew, at 600 dpi; nothing is interpolated yet.
 void LoadFresh(const BenchSetting& setting);
 
 }  // namespace orvex::bench

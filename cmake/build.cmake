@@ -19,8 +19,8 @@ else()
 endif()
 
 # orvex_small_frames(TARGET): fails the build when a function of the target takes more than 16 KiB of stack at once.
-# Processes with small stacks load printer drivers. The frames of the product count, and those of optimised native code
-# are much the same; sanitizers surround every variable with memory of their own, and unoptimised code gives every
+# Processes with small stacks load printer drivers. The frames of the product count, and those of optimized native code
+# are much the same; sanitizers surround every variable with memory of their own, and unoptimized code gives every
 # temporary a place of its own.
 function(orvex_small_frames target)
     if(NOT ORVEX_SANITIZE AND NOT ORVEX_COVERAGE)
@@ -35,7 +35,7 @@ function(orvex_driver_library target)
     target_compile_options(${target} PRIVATE -fno-exceptions -fno-rtti)
     orvex_small_frames(${target})
     if(ORVEX_COVERAGE)
-        # Unoptimised, so that every line of the source is one of the program's.
+        # Unoptimized, so that every line of the source is one of the program's.
         target_compile_options(${target} PRIVATE -O0 --coverage)
         target_link_options(${target} INTERFACE --coverage)
     endif()

@@ -8,7 +8,7 @@ namespace orvex::fuzz {
 
 namespace {
 
-// Each ink depends on the colour's largest component and on the one that the ink takes away: black on the
+// Each ink depends on the color's largest component and on the one that the ink takes away: black on the
 // former alone, yellow on the former and on blue, as all others on theirs.
 struct PairTable {
     explicit PairTable(int percent) {

@@ -1,4 +1,4 @@
-// The plain definition of a colour cache without a profile, fast enough to go over all of it often. Compiled
+// The plain definition of a color cache without a profile, fast enough to go over all of it often. Compiled
 // without sanitizers, which watch the driver and not its measure.
 #pragma once
 

@@ -15,7 +15,7 @@
 
 namespace orvex::fuzz {
 
-// ICC profiles in the profile tool: one that is taken gives every colour its inks, alone as among others, in
+// ICC profiles in the profile tool: one that is taken gives every color its inks, alone as among others, in
 // range and within the limit; one that is refused gets an error that names its file.
 
 #ifdef ORVEX_LITTLE_CMS

@@ -1,4 +1,4 @@
-// Colour profile files out of fuzzed inputs: what the driver's reader and the profile tool are both given.
+// Color profile files out of fuzzed inputs: what the driver's reader and the profile tool are both given.
 #pragma once
 
 #include <cstddef>
@@ -13,7 +13,7 @@ namespace orvex::fuzz {
 
 struct ProfileInput {
     SparseFile file;
-    // Whether it is worth much time, as one input in kRare is, whatever else it holds: the colours of
+    // Whether it is worth much time, as one input in kRare is, whatever else it holds: the colors of
     // versions 1 to 4, of 16 and 128 MiB, are only there then.
     bool rare;
 };
@@ -21,7 +21,7 @@ struct ProfileInput {
 constexpr uint32_t kRare = 200;
 
 // Takes all of the input. Its first byte chooses: its own bytes as the file; or its tags behind a fitting
-// header, followed by colours that are cut short, or by the version's own number of them. Those are zeros,
+// header, followed by colors that are cut short, or by the version's own number of them. Those are zeros,
 // but for the input's last bytes, which stand in each eighth of them.
 ProfileInput TakeProfile(std::span<const uint8_t> input);
 

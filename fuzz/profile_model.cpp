@@ -18,7 +18,7 @@ uint32_t Number(std::string_view bytes) {
     return value;
 }
 
-// Where a byte of a variant's colours stands in the cache.
+// Where a byte of a variant's colors stands in the cache.
 struct CachePlace {
     uint32_t entry;
     int shift;
@@ -69,7 +69,7 @@ bool IsAll(const uint32_t* entries, size_t count, uint32_t value) {
     return entries[0] == value && memcmp(entries, entries + 1, (count - 1) * sizeof *entries) == 0;
 }
 
-// The all-even colours are the file's zeros, all others wait for their computation.
+// The all-even colors are the file's zeros, all others wait for their computation.
 bool IsHalfGrid(const uint32_t* cache) {
     uint32_t even[256];
     for (uint32_t blue = 0; blue < 256; ++blue) even[blue] = blue % 2 == 0 ? 0 : kNotComputed;

@@ -1,5 +1,5 @@
-// The plain definition of a profile: its head, walked over the file's beginning in memory, and the colour
-// cache that its colours make.
+// The plain definition of a profile: its head, walked over the file's beginning in memory, and the color
+// cache that its colors make.
 #pragma once
 
 #include <cstddef>
@@ -25,14 +25,14 @@ inline TagWalk WalkTags(std::string_view file, size_t nameSize, bool at600Dpi) {
     return WalkTags(file, file.size(), nameSize, at600Dpi);
 }
 
-// Whether the version is known and has exactly that many bytes of colours, in both variants.
+// Whether the version is known and has exactly that many bytes of colors, in both variants.
 bool HoldsColors(uint8_t version, uint64_t colorBytes);
-// The same of a file in memory, whose colours begin there.
+// The same of a file in memory, whose colors begin there.
 inline bool HoldsColors(std::string_view file, size_t colorsAt) {
     return HoldsColors(static_cast<uint8_t>(file[3]), file.size() - colorsAt);
 }
 
-// Requires that the colour cache is what a file of that version, whose colours begin there, makes of it: each
+// Requires that the color cache is what a file of that version, whose colors begin there, makes of it: each
 // of its 2^24 entries. The cache is worth nothing afterwards.
 void CheckCache(const SparseFile& file, uint8_t version, size_t colorsAt, bool at600Dpi);
 

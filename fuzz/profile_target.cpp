@@ -1,5 +1,5 @@
-// Colour profile files: the loader and the catalogue read the tags alike, as the plain definition has them; a
-// profile that is taken fills the whole cache as its colours say, one that is refused leaves the generic
+// Color profile files: the loader and the catalogue read the tags alike, as the plain definition has them; a
+// profile that is taken fills the whole cache as its colors say, one that is refused leaves the generic
 // conversion in all of it.
 
 #include "driver/color/color_cache.h"
@@ -25,7 +25,7 @@ constexpr size_t kLoaderName = 512;
 constexpr size_t kCatalogueName = 100;
 constexpr uint64_t kBeginning = 65536;  // more than the tags of any input take
 
-// What is read out of a profile apart from its colours.
+// What is read out of a profile apart from its colors.
 struct ReadHead {
     std::vector<char> name = std::vector<char>(kLoaderName, '\0');
     signed char code = 99;
@@ -118,7 +118,7 @@ Seeds ProfileSeeds() {
         ProfileSeed(kProfileWhole + 5, tags, length, "\xFF\xFF\xFF\xFF\1\2\3"),
         kProfileRaw + std::string("ZVC\1", 4) + Number32(15) + "????" + TagArea(""),
     };
-    // Through the loader: every version's colours, of both resolutions, and refusals.
+    // Through the loader: every version's colors, of both resolutions, and refusals.
     for (int version = 1; version <= 5; ++version) {
         const std::string name = NameTag(std::string(static_cast<size_t>(version), 'n'));
         const uint32_t where = version == 2 ? 16777209 : 1000;  // the end of each plane

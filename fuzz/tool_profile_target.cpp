@@ -1,4 +1,4 @@
-// Colour profile files in the profile tool: it judges every file as the plain definition does, and so as the
+// Color profile files in the profile tool: it judges every file as the plain definition does, and so as the
 // driver; a profile that is converted to its own version and written again reads the same; a refusal names
 // the file.
 
@@ -93,7 +93,7 @@ void FuzzToolProfile(std::span<const uint8_t> input) {
 Seeds ToolProfileSeeds() {
     const std::string tags = NameTag("Paper") + ResolutionTag(3, 6);
     const std::string unnamed = ResolutionTag('\x80', 0) + NameTag(std::string("zero\0inside", 11));
-    // The driver's mark in entries of colours with a component of 255.
+    // The driver's mark in entries of colors with a component of 255.
     const std::string marked =
         std::string(3, '\xFF') + std::string(2, '\0') + std::string(7, '\xFF') + "\1\2\3";
     return {

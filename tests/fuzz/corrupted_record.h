@@ -97,7 +97,7 @@ inline const std::vector<Field>& AllFields() {
 }
 
 // The ends of every range and of every integer, and the versions of public layouts, each with its
-// neighbours.
+// neighbors.
 inline std::vector<int64_t> BoundaryValues() {
     std::set<int64_t> values;
     for (const int64_t edge :

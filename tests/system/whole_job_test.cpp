@@ -16,7 +16,7 @@ using testing::ElementsAre;
 
 namespace {
 
-// Colours that every version holds: even components, and at the grid of version 5.
+// Colors that every version holds: even components, and at the grid of version 5.
 constexpr uint32_t kColors[] = {0x000000, 0x102030, 0xF0E0D0, 0x808080,
                                 0xA01000, 0x00F0E0, 0x40C080, 0xE000E0};
 constexpr int32_t kStripe = 16;  // pixels of each colour in the first scan lines
@@ -31,7 +31,7 @@ class WholeJob : public DriverTest {
         return mode;
     }
 
-    // Prints pages that begin with a stripe of each colour, on white, and reads the print file.
+    // Prints pages that begin with a stripe of each color, on white, and reads the print file.
     tools::view::PrintFile Print(const DeviceMode& mode, size_t pages = 1) {
         JobPlan plan;
         const std::vector<uint8_t> bytes = Bytes(mode);
@@ -49,7 +49,7 @@ class WholeJob : public DriverTest {
         return tools::view::ParsePrintFile({spooled.begin(), spooled.end()});
     }
 
-    // The ink of each colour in a landscape page's second row, which no first-row marker touches.
+    // The ink of each color in a landscape page's second row, which no first-row marker touches.
     static std::vector<uint32_t> StripeInks(const tools::view::PrintFile& file, size_t page = 0) {
         const std::vector<uint32_t> row = tools::view::ReadRows(file.pages.at(page)).at(1);
         std::vector<uint32_t> inks;
@@ -146,7 +146,7 @@ TEST_F(WholeJob, CarriesAThumbnailThatAnotherDecoderReads) {
     ASSERT_EQ(picture.width, kHeightPx / 4);  // the longer side, halved until it is at most 200
     ASSERT_EQ(picture.height, kWidthPx / 4);
     for (size_t i = 0; i < std::size(kColors); ++i) {
-        // In the middle of each stripe a block holds one colour; blue comes first in memory.
+        // In the middle of each stripe a block holds one color; blue comes first in memory.
         const size_t at = (size_t{2} * static_cast<size_t>(picture.width) + i * kStripe / 4 + 2) * 4;
         const uint32_t color = kColors[i];
         EXPECT_THAT(std::vector<uint32_t>(picture.rgba.begin() + static_cast<ptrdiff_t>(at),

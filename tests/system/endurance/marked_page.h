@@ -1,4 +1,4 @@
-// A large page, white but for marks whose colours tell their place: a frame around it, and one mark inside
+// A large page, white but for marks whose colors tell their place: a frame around it, and one mark inside
 // each scan line.
 #pragma once
 

@@ -34,7 +34,7 @@ std::string BytesOf(std::u16string_view text) {
     return {reinterpret_cast<const char*>(text.data()), text.size() * sizeof(char16_t)};
 }
 
-// The second label of the list, other than the printer's own first one, and every stage of the colours.
+// The second label of the list, other than the printer's own first one, and every stage of the colors.
 DeviceMode WithSettings(DeviceMode mode) {
     mode.pub.dmPaperSize = 259;
     mode.priv.dmPaperSize = 258;
@@ -43,7 +43,7 @@ DeviceMode WithSettings(DeviceMode mode) {
     return mode;
 }
 
-// The first page, of which a thumbnail is made, has few colours. The others have all of a profile's grid, and
+// The first page, of which a thumbnail is made, has few colors. The others have all of a profile's grid, and
 // some between them.
 uint32_t PageColor(int32_t pixel, size_t page) {
     if (page == 1)

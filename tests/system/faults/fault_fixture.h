@@ -1,5 +1,5 @@
 // A job of three pages, small but with everything a job can have: labels imported and looked up, a profile,
-// colour adjustment, a job header with a thumbnail, and a device that is reset after the first page. It is
+// color adjustment, a job header with a thumbnail, and a device that is reset after the first page. It is
 // driven hook by hook as a graphics engine does, stopping where a hook refuses, and all the driver's calls
 // are watched.
 #pragma once

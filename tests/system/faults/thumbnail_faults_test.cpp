@@ -22,7 +22,7 @@ namespace {
 
 constexpr int32_t kWidth = 20, kHeight = 13;  // more pixels than a palette holds
 
-// The encoder writes a picture of few colours with a palette, and one of many without.
+// The encoder writes a picture of few colors with a palette, and one of many without.
 std::vector<uint32_t> Pixels(uint32_t colors) {
     std::vector<uint32_t> pixels;
     for (uint32_t i = 0; i < kWidth * kHeight; ++i) pixels.push_back(i % colors * 40503u & 0xFFFFFF);

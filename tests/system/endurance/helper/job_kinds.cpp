@@ -61,7 +61,7 @@ std::unique_ptr<Device> Enable(DriverSession& session, const DeviceMode& mode) {
     return device;
 }
 
-// Blots of many colours on white, others on each page.
+// Blots of many colors on white, others on each page.
 void Draw(SURFOBJ& surface, size_t page) {
     std::mt19937 random(static_cast<uint32_t>(page));
     const auto below = [&random](LONG limit) {
