@@ -1,14 +1,13 @@
-#include "fuzz/profile_model.h"
+#include "tests/plain/profile.h"
 
 #include <algorithm>
 #include <cstring>
 #include <map>
 
 #include "driver/color/color_cache.h"
-#include "fuzz/target.h"
 #include "tests/driver/profiles/profile_bytes.h"
 
-namespace orvex::fuzz {
+namespace orvex::plain {
 
 namespace {
 
@@ -18,7 +17,7 @@ uint32_t Number(std::string_view bytes) {
     return value;
 }
 
-// Where a byte of a variant's colors stands in the cache.
+// The place in the cache of a byte of a variant's colors.
 struct CachePlace {
     uint32_t entry;
     int shift;
@@ -50,7 +49,7 @@ CachePlace PlaceOf(uint8_t version, uint32_t at) {
     }
 }
 
-// The entries that are not zero in the file.
+// Returns the entries that the file gives a value other than zero.
 std::map<uint32_t, uint32_t> GivenEntries(const SparseFile& file, uint8_t version, uint64_t variantAt) {
     const uint64_t variantEnd = variantAt + ColorsSize(version) / 2;
     std::map<uint32_t, uint32_t> given;
@@ -69,7 +68,7 @@ bool IsAll(const uint32_t* entries, size_t count, uint32_t value) {
     return entries[0] == value && memcmp(entries, entries + 1, (count - 1) * sizeof *entries) == 0;
 }
 
-// The all-even colors are the file's zeros, all others wait for their computation.
+// Returns whether the all-even colors are zeros and no other color is computed yet.
 bool IsHalfGrid(const uint32_t* cache) {
     uint32_t even[256];
     for (uint32_t blue = 0; blue < 256; ++blue) even[blue] = blue % 2 == 0 ? 0 : kNotComputed;
@@ -88,7 +87,7 @@ TagWalk WalkTags(std::string_view beginning, uint64_t size, size_t nameSize, boo
     TagWalk walk;
     if (size < 15 || !beginning.starts_with("ZVC") || Number(beginning.substr(4, 4)) != size) return walk;
     size_t at = 15;
-    int64_t left = int64_t{Number(beginning.substr(13, 2))} - 3;  // what overruns it never comes to 0 again
+    int64_t left = int64_t{Number(beginning.substr(13, 2))} - 3;  // an overrun never reaches 0 again
     do {
         if (beginning.size() - at < 3) return walk;
         const char id = beginning[at];
@@ -98,7 +97,7 @@ TagWalk WalkTags(std::string_view beginning, uint64_t size, size_t nameSize, boo
         if (id == 1 ? length >= nameSize : length != 2) return walk;
         const std::string_view data = beginning.substr(at, length);
         if (id == 1) walk.name = data.substr(0, data.find('\0'));
-        // A code out of a tag that is cut short counts; what is missing of it is 0.
+        // A tag that is cut short still sets the code; its missing bytes are 0.
         if (id == 2) walk.code = static_cast<signed char>(data.size() > at600Dpi ? data[at600Dpi] : 0);
         if (data.size() < length) return walk;
         at += length;
@@ -114,21 +113,20 @@ bool HoldsColors(uint8_t version, uint64_t colorBytes) {
     return version >= 1 && version <= 5 && colorBytes == kSizes[version - 1];
 }
 
-void CheckCache(const SparseFile& file, uint8_t version, size_t colorsAt, bool at600Dpi) {
+bool IsCacheOf(const SparseFile& file, uint8_t version, size_t colorsAt, bool at600Dpi, uint32_t* cache) {
     const uint64_t variantAt = colorsAt + (at600Dpi ? 0 : ColorsSize(version) / 2);
-    // With what the file gives taken out, one comparison goes over all that is left.
+    // Once the given entries are reset, one comparison covers the whole cache.
     for (const auto& [entry, inks] : GivenEntries(file, version, variantAt)) {
-        REQUIRE(g_colorCache[entry] == inks);
-        g_colorCache[entry] = 0;
+        if (cache[entry] != inks) return false;
+        cache[entry] = 0;
     }
-    if (version == 5) {
-        for (uint32_t point = 0; point < kGridPoints; ++point) {
-            REQUIRE(g_colorCache[GridPoint(point)] == 0);
-            g_colorCache[GridPoint(point)] = kNotComputed;
-        }
+    if (version == 4) return IsHalfGrid(cache);
+    if (version != 5) return IsAll(cache, kCacheEntries, 0);
+    for (uint32_t point = 0; point < kGridPoints; ++point) {
+        if (cache[GridPoint(point)] != 0) return false;
+        cache[GridPoint(point)] = kNotComputed;
     }
-    REQUIRE(version == 4 ? IsHalfGrid(g_colorCache)
-                         : IsAll(g_colorCache, kCacheEntries, version == 5 ? kNotComputed : 0));
+    return IsAll(cache, kCacheEntries, kNotComputed);
 }
 
-}  // namespace orvex::fuzz
+}  // namespace orvex::plain

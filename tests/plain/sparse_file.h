@@ -1,4 +1,4 @@
-// A file of zeros with some bytes among them, which may be far larger than what a fuzzed input can hold.
+// A file of zeros with some bytes among them, as large as a color profile needs to be.
 #pragma once
 
 #include <cstdint>
@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-namespace orvex::fuzz {
+namespace orvex::plain {
 
 struct SparseFile {
     struct Run {
@@ -16,10 +16,10 @@ struct SparseFile {
     uint64_t size = 0;
     std::vector<Run> runs;  // within the size
 
-    // Its first bytes, `most` at most.
+    // Returns its first bytes, up to `most`.
     std::string Beginning(uint64_t most) const;
-    // Writes it in place of what is there. The zeros cost nothing where the file system can leave them out.
+    // Replaces the file at `path`. The zeros are left as holes, so that a file of 128 MiB is written fast.
     void Write(const std::filesystem::path& path) const;
 };
 
-}  // namespace orvex::fuzz
+}  // namespace orvex::plain

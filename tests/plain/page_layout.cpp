@@ -1,9 +1,9 @@
-#include "fuzz/page_model.h"
+#include "tests/plain/page_layout.h"
 
 #include <algorithm>
 #include <cstdlib>
 
-namespace orvex::fuzz {
+namespace orvex::plain {
 
 namespace {
 
@@ -16,7 +16,7 @@ int64_t HeadWidth(int16_t dpi) {
 }
 
 // Alignment 0 lies at the far end, 2 at the near end, any other between.
-void PlaceFill(const PageLayoutInput& input, PlainLayout& out) {
+void PlaceFill(const PageLayoutInput& input, Layout& out) {
     const int64_t fill = To32(HeadWidth(input.dpi) - out.rows);
     const int64_t half = static_cast<uint32_t>(fill) / 2;
     const int64_t offset = out.phOffsetPx;
@@ -40,7 +40,7 @@ void PlaceFill(const PageLayoutInput& input, PlainLayout& out) {
     }
 }
 
-void PlaceBlock(const PageLayoutInput& input, int64_t unit, PlainLayout& out) {
+void PlaceBlock(const PageLayoutInput& input, int64_t unit, Layout& out) {
     const int64_t offset = out.phOffsetPx;
     out.headRows = out.rows;
     if (input.alignment == 0) {
@@ -59,8 +59,8 @@ void PlaceBlock(const PageLayoutInput& input, int64_t unit, PlainLayout& out) {
 
 }  // namespace
 
-PlainLayout ComputePlainLayout(const PageLayoutInput& input) {
-    PlainLayout out = {};
+Layout ComputeLayout(const PageLayoutInput& input) {
+    Layout out = {};
     const int64_t unit = 7200 / input.dpi;
     const bool purges = input.purgeBar > 0;
     out.phOffsetPx = To32((int64_t{input.phHOffset} * input.dpi + 127) / -254);
@@ -77,4 +77,4 @@ PlainLayout ComputePlainLayout(const PageLayoutInput& input) {
     return out;
 }
 
-}  // namespace orvex::fuzz
+}  // namespace orvex::plain

@@ -1,9 +1,9 @@
-#include "fuzz/sparse_file.h"
+#include "tests/plain/sparse_file.h"
 
 #include <algorithm>
 #include <fstream>
 
-namespace orvex::fuzz {
+namespace orvex::plain {
 
 std::string SparseFile::Beginning(uint64_t most) const {
     std::string beginning(static_cast<size_t>(std::min(size, most)), '\0');
@@ -26,4 +26,4 @@ void SparseFile::Write(const std::filesystem::path& path) const {
     std::filesystem::resize_file(path, size);
 }
 
-}  // namespace orvex::fuzz
+}  // namespace orvex::plain
