@@ -28,7 +28,7 @@ bool Bench::Wants(const std::string& title) const {
 
 void Bench::Hold(const Contest& contest) {
     if (!Wants(contest.title)) return;
-    const ContestResult result = ::Hold(contest, options_.repetitions);
+    const ContestResult result = bench::Hold(contest, options_.repetitions);
     std::fprintf(stderr, "%-60s %8.2f\n", contest.title.c_str(), result.Ratio());
     for (ContestResult& earlier : results_) {
         if (earlier.title == result.title) return earlier.Add(result);

@@ -47,7 +47,8 @@ class PageConversion {
         for (int32_t y = 0; y < page_.height; ++y) {
             ConvertOne(y, settings);
             for (int32_t x = 0; x < page_.width; ++x) {
-                if (inks_[static_cast<size_t>(x)] != plain::Print(inks[Row(y)[x]], static_cast<size_t>(x), PlainOptions(settings, kDpi))) {
+                if (inks_[static_cast<size_t>(x)] !=
+                    plain::Print(inks[Row(y)[x]], static_cast<size_t>(x), PlainOptions(settings, kDpi))) {
                     throw CheckFailure("row conversion is wrong in row " + std::to_string(y));
                 }
             }

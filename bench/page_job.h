@@ -23,7 +23,7 @@ struct PageSettings {
 };
 
 // Returns an engine that accepts every call and does nothing.
-tools::PrintEngine IdleEngine();
+PrintEngine IdleEngine();
 
 // Called for each row that the idle engine gets, with the row's number from 0 and its pixels.
 using RowObserver = std::function<void(int32_t row, const uint32_t* pixels)>;

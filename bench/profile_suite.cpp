@@ -90,7 +90,7 @@ void MeasureInterpolation(Bench& bench, const BenchSetting& setting, std::vector
     std::iota(colors.begin(), colors.end(), 0u);
     const auto convertAll = [&] {
         for (size_t first = 0; first < kCacheEntries; first += kRow) {
-            ConvertRow(inks.data(), colors.data() + first, kRow, 1, 0, 1, kColor);
+            ConvertRow(inks.data(), colors.data() + first, kRow, 1, 0, 1, kColorModeColor);
         }
     };
     bench.Hold({kTitle,

@@ -2,6 +2,7 @@
 
 #include <stdexcept>
 
+#include "driver/color/color_cache.h"
 #include "driver/color/ink_grid.h"
 
 namespace orvex::bench {

@@ -31,9 +31,9 @@ double Median(std::vector<double> seconds) {
 void MeasurePage(BenchDriver& driver, const std::vector<uint32_t>& inks, PageArt art, bool landscape) {
     const BenchPage page = DrawPage(art, kA4At600, landscape);
     std::vector<uint32_t> copy(page.pixels.size());
-    PageJob job(driver, page, kA4At600, {{.landscape = landscape}});
+    PageJob job(driver, page, kA4At600, {{landscape, false, false}});
     const auto memcpyPage = [&] { memcpy(copy.data(), page.pixels.data(), page.Bytes()); };
-    CheckPage(job, page, {{.landscape = landscape}}, kA4At600.dpi, inks);
+    CheckPage(job, page, {{landscape, false, false}}, kA4At600.dpi, inks);
     memcpyPage();
     std::vector<double> ours, theirs;
     for (int i = 0; i < kRepetitions; ++i) {

@@ -1,6 +1,6 @@
-// A caller's device mode: it is taken or refused as the plain definition does, and the merged record is valid in
-// every field and equal to that definition's. The caller's record gets the printer's profile and label if it
-// lacks them and is not changed otherwise. Nothing past the end that it declares is read or written.
+// A caller's device mode: it is taken or refused as the plain definition does, and the merged record is valid
+// in every field and equal to that definition's. The caller's record gets the printer's profile and label if
+// it lacks them and is not changed otherwise. Nothing past the end that it declares is read or written.
 
 #include <algorithm>
 #include <cstring>

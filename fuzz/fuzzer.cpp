@@ -1,4 +1,5 @@
-// libFuzzer's entry point. ORVEX_FUZZ_TARGET names the target, since libFuzzer takes all arguments as its own.
+// libFuzzer's entry point. ORVEX_FUZZ_TARGET names the target, since libFuzzer takes all arguments as its
+// own.
 
 #include <cstdio>
 #include <cstdlib>

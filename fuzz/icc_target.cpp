@@ -15,8 +15,8 @@
 
 namespace orvex::fuzz {
 
-// ICC profiles in the profile tool: one that is taken gives a color the same inks alone and among others, within
-// the limit. One that is refused gets an error that names its file.
+// ICC profiles in the profile tool: one that is taken gives a color the same inks alone and among others,
+// within the limit. One that is refused gets an error that names its file.
 
 #ifdef ORVEX_LITTLE_CMS
 

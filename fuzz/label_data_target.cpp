@@ -1,6 +1,6 @@
-// Labels in the printer's data: whatever the data contains, the driver reads the list that the plain definition
-// finds. Whatever keys the spooler returns, every label is well-formed, the next number is larger than all
-// others, and a device mode is validated against the list.
+// Labels in the printer's data: whatever the data contains, the driver reads the list that the plain
+// definition finds. Whatever keys the spooler returns, every label is well-formed, the next number is larger
+// than all others, and a device mode is validated against the list.
 
 #include <algorithm>
 #include <cstdlib>

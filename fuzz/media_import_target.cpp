@@ -1,5 +1,5 @@
-// media.inf: whatever the file contains, the printer then has the labels that the plain definition finds in it,
-// numbered without a gap. A second import changes nothing.
+// media.inf: whatever the file contains, the printer then has the labels that the plain definition finds in
+// it, numbered without a gap. A second import changes nothing.
 
 #include <algorithm>
 #include <climits>

@@ -110,8 +110,9 @@ struct EngineCheck {
         return Answer();
     }
 
-    // Requires that the page has allocated the row for the engine and the band that the bitmap is read through:
-    // 64 columns of a portrait page or a scan line of a landscape one, each in an odd number of cache lines.
+    // Requires that the page has allocated the row for the engine and the band that the bitmap is read
+    // through: 64 columns of a portrait page or a scan line of a landscape one, each in an odd number of
+    // cache lines.
     void CheckMemory() const {
         const size_t bandRows = mode.pub.dmOrientation == DMORIENT_LANDSCAPE ? 1 : kBandColumns;
         const auto pitch = static_cast<size_t>(((layout.imageWidth + 15) / 16 | 1) * 16);
@@ -261,9 +262,10 @@ void FuzzPage(std::span<const uint8_t> input) {
 }
 
 Seeds PageSeeds() {
-    // The bytes of a seed: page number, flags, alignment, purge bar, dots, gap, frequency, offset, color mode,
-    // two lengths, offset and alignment of the second layout; whether a call is refused and which; kind of the
-    // color table and its missing points; width, height, format, direction, padding and pixels of the bitmap.
+    // The bytes of a seed: page number, flags, alignment, purge bar, dots, gap, frequency, offset, color
+    // mode, two lengths, offset and alignment of the second layout; whether a call is refused and which; kind
+    // of the color table and its missing points; width, height, format, direction, padding and pixels of the
+    // bitmap.
     Seeds seeds;
     for (char flags = 0; flags < 64; flags = static_cast<char>(flags + 7)) {
         std::string seed{0, flags, static_cast<char>(flags % 3), static_cast<char>(flags % 4), 1, 0, 1};

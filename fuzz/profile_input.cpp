@@ -18,7 +18,8 @@ bool IsRare(std::span<const uint8_t> input) {
 }
 
 // Puts the bytes into each eighth of the colors, each byte one larger than in the eighth before.
-void PutIntoColors(plain::SparseFile& file, uint64_t begin, uint64_t size, std::string bytes, uint32_t where) {
+void PutIntoColors(plain::SparseFile& file, uint64_t begin, uint64_t size, std::string bytes,
+                   uint32_t where) {
     const uint64_t part = size / kParts;
     bytes.resize(static_cast<size_t>(std::min<uint64_t>(bytes.size(), part)));
     const uint64_t offset = where % (part - bytes.size() + 1);

@@ -1,5 +1,6 @@
-// Color profile files: the loader and the catalogue read the tags as the plain definition does. A profile that
-// is taken fills the whole cache with its colors; one that is refused leaves the generic conversion in it.
+// Color profile files: the loader and the catalogue read the tags as the plain definition does. A profile
+// that is taken fills the whole cache with its colors; one that is refused leaves the generic conversion in
+// it.
 
 #include <cstring>
 

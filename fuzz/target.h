@@ -1,5 +1,5 @@
-// Fuzzed functions. Each takes any bytes, drives one part of the system with them and ends the program through
-// REQUIRE when an invariant is broken. libFuzzer runs them, and the tests run them over their seeds.
+// Fuzzed functions. Each takes any bytes, drives one part of the system with them and ends the program
+// through REQUIRE when an invariant is broken. libFuzzer runs them, and the tests run them over their seeds.
 #pragma once
 
 #include <cstdint>
