@@ -14,12 +14,12 @@
 #include <vector>
 
 #include "platform/windows.h"
-#include "tools/host/patch_set.h"
+#include "tools/host/import_patch.h"
 #include "tools/host/printer_data.h"
 
 namespace orvex::tools {
 
-class Spooler {
+class Spooler : public ImportService<Spooler> {
   public:
     // Takes the bytes of one WritePrinter call; returns false to make it fail.
     using Sink = std::function<bool(std::string_view bytes)>;
@@ -33,12 +33,6 @@ class Spooler {
     };
 
     static constexpr int kEveryCall = 0;
-
-    // Throws std::logic_error if there already is a spooler.
-    Spooler();
-    ~Spooler();
-    Spooler(const Spooler&) = delete;
-    Spooler& operator=(const Spooler&) = delete;
 
     // Serves the spooler calls of `module`, null for this program, as long as the spooler lives. Several
     // modules can be attached.
@@ -65,7 +59,7 @@ class Spooler {
     int Calls(const std::string& function) const;
 
   private:
-    friend struct SpoolerReplacements;
+    struct Replacements;
 
     struct OpenPrinter {
         Printer* printer;
@@ -93,7 +87,6 @@ class Spooler {
     size_t handlesGiven_ = 0;
     std::vector<std::string> misuses_;
     std::map<std::string, Function> functions_;
-    PatchSet patches_;
 };
 
 }  // namespace orvex::tools
