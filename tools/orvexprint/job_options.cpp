@@ -47,6 +47,10 @@ CLI::Option* Add(CLI::App& app, const char* name, const char* type, const char* 
     return app.add_option(name)->description(help)->type_name(type)->group(group)->take_last();
 }
 
+void AddFlag(CLI::App& app, const char* name, const char* group, const char* help) {
+    app.add_flag(name)->description(help)->group(group);
+}
+
 void AddSetting(CLI::App& app, const Setting& setting) {
     const std::string help = std::string(setting.help) + " (" + RangeText(setting) + ")";
     if (setting.IsSwitch()) {
@@ -63,26 +67,16 @@ void AddPageOptions(CLI::App& app) {
         ->expected(1, -1)
         ->allow_extra_args()
         ->group(kPages);
-    app.add_flag("--test-page")
-        ->description("print the built-in self-test page instead of files")
-        ->group(kPages);
+    AddFlag(app, "--test-page", kPages, "print the built-in self-test page instead of files");
     Add(app, "--size", "WxH", kPages,
         "width and length of the label, in mm or in (" + PaperText(kLeastPaper) + " to " +
             PaperText(kMostPaper) + ")");
     Add(app, "--label", "NAME", kPages, "a label of the printer's list instead; see --list");
-    app.add_flag("--landscape")
-        ->description("turn the page: the label's length runs across it")
-        ->group(kPages);
-    app.add_flag("--portrait")
-        ->description("turn the page back if a loaded device mode is landscape")
-        ->group(kPages);
-    app.add_flag("--fit")
-        ->description("scale each page to the largest size that the label holds")
-        ->group(kPages);
-    app.add_flag("--smooth")
-        ->description(
-            "blend the pixels of enlarged pages, for photographs; bars and text are sharper without it")
-        ->group(kPages);
+    AddFlag(app, "--landscape", kPages, "turn the page: the label's length runs across it");
+    AddFlag(app, "--portrait", kPages, "turn the page back if a loaded device mode is landscape");
+    AddFlag(app, "--fit", kPages, "scale each page to the largest size that the label holds");
+    AddFlag(app, "--smooth", kPages,
+            "blend the pixels of enlarged pages, for photographs; bars and text are sharper without it");
     Add(app, "--image-dpi", "N", kPages,
         "resolution of pages that state none (10 to 10000 dpi; default: the job's)");
 }
@@ -90,10 +84,8 @@ void AddPageOptions(CLI::App& app) {
 void AddOutputOptions(CLI::App& app) {
     Add(app, "-o,--output", "FILE", kOutput, "the print file; it appears when it is complete");
     Add(app, "--title", "NAME", kOutput, "name of the job (default: the name of the first page)");
-    app.add_flag("--dry-run")
-        ->description("show the settings and the page's place, and print nothing")
-        ->group(kOutput);
-    app.add_flag("--list")->description("list the printer's labels and colour profiles")->group(kOutput);
+    AddFlag(app, "--dry-run", kOutput, "show the settings and the page's place, and print nothing");
+    AddFlag(app, "--list", kOutput, "list the printer's labels and colour profiles");
     Add(app, "--load-devmode", "FILE", kOutput, "start from the settings of a device mode file (916 bytes)");
     Add(app, "--save-devmode", "FILE", kOutput, "write the job's settings to such a file");
 }
@@ -190,19 +182,12 @@ void CheckTask(const JobOptions& options) {
     if (options.output.empty()) throw OptionError("no output: name a file with -o FILE");
 }
 
-class PrintHelpFormat : public HelpFormat {
-  public:
-    std::string make_usage(const CLI::App*, std::string name) const override {
-        return "Usage: " + name + " [options] -o FILE PAGE.png...\n";
-    }
-};
-
 }  // namespace
 
 std::optional<JobOptions> ParseJobOptions(const std::vector<std::string>& arguments, std::ostream& help) {
     CLI::App app(kDescription, "orvexprint");
     app.allow_windows_style_options(false);  // a name may begin with a slash
-    app.formatter(std::make_shared<PrintHelpFormat>());
+    app.formatter(std::make_shared<HelpFormat>("[options] -o FILE PAGE.png..."));
     app.footer(kExamples);
     app.set_help_flag();
 

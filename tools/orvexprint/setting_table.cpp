@@ -5,7 +5,6 @@
 
 #include "driver/config/device_mode_fields.h"
 #include "tools/common/number_text.h"
-#include "tools/common/units.h"
 
 namespace orvex::tools::print {
 

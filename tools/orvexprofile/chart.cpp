@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "driver/color/color_cache.h"
-#include "tools/common/letters.h"
+#include "tools/common/canvas.h"
 #include "tools/orvexprofile/ink_preview.h"
-#include "tools/orvexprofile/ink_totals.h"
+#include "tools/orvexprofile/ink_treatment.h"
 
 namespace orvex::tools::profile {
 

@@ -1,7 +1,6 @@
 #include "tools/orvexprofile/conversion.h"
 
-#include "tools/orvexprofile/driver_colors.h"
-#include "tools/orvexprofile/profile_loading.h"
+#include "tools/orvexprofile/loaded_profile.h"
 
 namespace orvex::tools::profile {
 
@@ -20,7 +19,7 @@ Variant StoredEntries(int version) {
 Profile ConvertProfile(const std::filesystem::path& path, int version) {
     Profile profile;
     profile.version = version;
-    for (PrintVariant variant : {PrintVariant::kAt600, PrintVariant::kOther}) {
+    for (PrintVariant variant : kBothVariants) {
         const ProfileFacts facts = LoadAccepted(path, variant);
         profile.name = facts.Name();
         profile.codes = facts.Codes();

@@ -1,12 +1,11 @@
 // orvexprofile info FILE: shows what a profile contains, and whether the driver accepts it.
 #include <memory>
 
+#include "tools/common/number_text.h"
 #include "tools/common/printable_text.h"
 #include "tools/orvexprofile/commands.h"
-#include "tools/orvexprofile/driver_colors.h"
 #include "tools/orvexprofile/ink_statistics.h"
-#include "tools/orvexprofile/profile_loading.h"
-#include "tools/orvexprofile/report.h"
+#include "tools/orvexprofile/loaded_profile.h"
 
 namespace orvex::tools::profile {
 

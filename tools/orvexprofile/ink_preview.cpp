@@ -1,7 +1,7 @@
 #include "tools/orvexprofile/ink_preview.h"
 
 #include "driver/color/color_cache.h"
-#include "tools/common/units.h"
+#include "tools/common/number_text.h"
 
 namespace orvex::tools::profile {
 

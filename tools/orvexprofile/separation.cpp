@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "tools/orvexprofile/ink_totals.h"
+#include "tools/orvexprofile/ink_treatment.h"
 
 namespace orvex::tools::profile {
 
@@ -21,24 +21,6 @@ int MainChannel(int ink) {
     return ink == kBlackInk ? 0 : ink - kCyanInk;
 }
 
-using Matrix = std::array<std::array<double, kChannels>, kChannels>;
-
-// Inverts a matrix by cofactors. It is not singular, since a recipe whose inks can't be told apart is
-// refused.
-Matrix Inverse(const Matrix& m) {
-    const auto cofactor = [&m](int row, int column) {
-        const int r1 = (row + 1) % 3, r2 = (row + 2) % 3, c1 = (column + 1) % 3, c2 = (column + 2) % 3;
-        return m[r1][c1] * m[r2][c2] - m[r1][c2] * m[r2][c1];
-    };
-    const double determinant = m[0][0] * cofactor(0, 0) + m[0][1] * cofactor(0, 1) + m[0][2] * cofactor(0, 2);
-    Matrix inverse;
-    for (int row = 0; row < kChannels; ++row) {
-        for (int column = 0; column < kChannels; ++column)
-            inverse[row][column] = cofactor(column, row) / determinant;
-    }
-    return inverse;
-}
-
 // Returns a mean that is close to the least of the densities, yet has no kink where they are equal: the
 // driver interpolates grays from corners beside the gray axis, and a kink there would show as waves in every
 // gray ramp.
@@ -51,6 +33,9 @@ double NeutralDensity(const std::array<double, kChannels>& densities) {
     return std::pow(sum / kChannels, -1.0 / 3);
 }
 
+using Matrix = std::array<std::array<double, kChannels>, kChannels>;
+
+// Returns the densities of cyan, magenta and yellow by channel.
 Matrix InkDensities(const SeparationModel& model) {
     Matrix densities;
     for (int channel = 0; channel < kChannels; ++channel) {
@@ -61,11 +46,35 @@ Matrix InkDensities(const SeparationModel& model) {
     return densities;
 }
 
+double Cofactor(const Matrix& m, int row, int column) {
+    const int r1 = (row + 1) % 3, r2 = (row + 2) % 3, c1 = (column + 1) % 3, c2 = (column + 2) % 3;
+    return m[r1][c1] * m[r2][c2] - m[r1][c2] * m[r2][c1];
+}
+
+double Determinant(const Matrix& m) {
+    return m[0][0] * Cofactor(m, 0, 0) + m[0][1] * Cofactor(m, 0, 1) + m[0][2] * Cofactor(m, 0, 2);
+}
+
+// Inverts a matrix by cofactors. It is not singular, since a recipe whose inks can't be told apart is
+// refused.
+Matrix Inverse(const Matrix& m) {
+    Matrix inverse;
+    for (int row = 0; row < kChannels; ++row) {
+        for (int column = 0; column < kChannels; ++column)
+            inverse[row][column] = Cofactor(m, column, row) / Determinant(m);
+    }
+    return inverse;
+}
+
 double Solid(const SolidInk& ink, int channel) {
     return ink.density[static_cast<size_t>(channel)];
 }
 
 }  // namespace
+
+double ColorInkDeterminant(const SeparationModel& model) {
+    return Determinant(InkDensities(model));
+}
 
 Separation::Separation(const SeparationModel& model) : model_(model), masking_(Inverse(InkDensities(model))) {
     const double black = std::pow(10, -model.blackDensity);

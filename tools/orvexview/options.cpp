@@ -1,7 +1,6 @@
 #include "tools/orvexview/options.h"
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
 #include <map>
 #include <memory>
 
@@ -33,18 +32,6 @@ constexpr const char* kExamples =
     "Exit status: 0 when all went well; 1 when the file is not sound, a picture can't be written or sizes "
     "differ from\n"
     "the picture to verify; other values for a wrong command line.";
-
-// Removes a check's own text from the help.
-CLI::Validator Unnamed(CLI::Validator check) {
-    return check.description("");
-}
-
-class ViewHelpFormat : public HelpFormat {
-  public:
-    std::string make_usage(const CLI::App*, std::string name) const override {
-        return "Usage: " + name + " [options] FILE\n";
-    }
-};
 
 void AddOutputOptions(CLI::App& app, Options& options) {
     app.add_option("FILE", options.file, "The print file")->required()->type_name("");
@@ -94,17 +81,16 @@ void AddViewOptions(CLI::App& app, Options& options) {
 
 }  // namespace
 
-std::optional<Options> ReadOptions(std::vector<std::string> arguments, int& status) {
+std::optional<Options> ReadOptions(const std::vector<std::string>& arguments, int& status) {
     Options options;
     CLI::App app(kDescription, "orvexview");
     app.allow_windows_style_options(false);  // a file name may begin with a slash
-    app.formatter(std::make_shared<ViewHelpFormat>());
+    app.formatter(std::make_shared<HelpFormat>("[options] FILE"));
     app.footer(kExamples);
     AddOutputOptions(app, options);
     AddViewOptions(app, options);
     try {
-        std::reverse(arguments.begin(), arguments.end());  // the order that CLI11 expects
-        app.parse(std::move(arguments));
+        app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
     } catch (const CLI::ParseError& error) {
         status = app.exit(error);
         return std::nullopt;

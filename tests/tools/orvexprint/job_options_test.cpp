@@ -4,6 +4,7 @@
 
 #include <sstream>
 
+#include "tests/tools/common/thrown_text.h"
 #include "tools/common/wide_text.h"
 
 namespace orvex::tools::print {
@@ -20,12 +21,7 @@ JobOptions Parse(const std::vector<std::string>& arguments) {
 }
 
 std::string OptionsComplaint(const std::vector<std::string>& arguments) {
-    try {
-        Parse(arguments);
-        return {};
-    } catch (const OptionError& error) {
-        return error.what();
-    }
+    return ThrownText<OptionError>([&] { Parse(arguments); });
 }
 
 // Returns the settings as "option value".

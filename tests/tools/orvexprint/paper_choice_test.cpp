@@ -4,6 +4,7 @@
 
 #include <cstring>
 
+#include "tests/tools/common/thrown_text.h"
 #include "tools/common/wide_text.h"
 #include "tools/orvexprint/setting_table.h"
 
@@ -14,12 +15,7 @@ using testing::HasSubstr;
 namespace {
 
 std::string Complaint(std::string_view text) {
-    try {
-        ParsePaperSize(text);
-        return {};
-    } catch (const OptionError& error) {
-        return error.what();
-    }
+    return ThrownText<OptionError>([&] { ParsePaperSize(text); });
 }
 
 LabelSize Label(const char* name, const char* width, const char* length, uint32_t units, uint16_t number) {
@@ -110,13 +106,8 @@ TEST(PaperChoice, SetsALabelOfTheList) {
 
 TEST(PaperChoice, NamesAllLabelsIfThereIsNoSuchLabel) {
     DeviceMode mode = {};
-    const auto complaint = [&](const std::vector<LabelSize>& labels) -> std::string {
-        try {
-            ChooseLabel(mode, "Nothing", labels);
-            return {};
-        } catch (const OptionError& error) {
-            return error.what();
-        }
+    const auto complaint = [&](const std::vector<LabelSize>& labels) {
+        return ThrownText<OptionError>([&] { ChooseLabel(mode, "Nothing", labels); });
     };
     EXPECT_EQ(complaint({Label("Small", "50", "25.4", 0, 258), Label("Big", "4", "6", 1, 259)}),
               "--label: \"Nothing\" is not allowed; it takes \"Small\", \"Big\"");

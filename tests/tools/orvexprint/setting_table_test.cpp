@@ -5,6 +5,8 @@
 #include <set>
 #include <string>
 
+#include "tests/tools/common/thrown_text.h"
+
 namespace orvex::tools::print {
 
 using testing::HasSubstr;
@@ -17,12 +19,7 @@ int Parse(const char* option, std::string_view text) {
 
 // Returns the option's error for a value; empty if it accepts the value.
 std::string Complaint(const char* option, std::string_view text) {
-    try {
-        Parse(option, text);
-        return {};
-    } catch (const OptionError& error) {
-        return error.what();
-    }
+    return ThrownText<OptionError>([&] { Parse(option, text); });
 }
 
 int Written(const char* option, int value) {

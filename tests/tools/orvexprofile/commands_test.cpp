@@ -8,8 +8,8 @@
 #include "tests/tools/orvexprofile/profile_samples.h"
 #include "tests/tools/orvexprofile/shown_inks.h"
 #include "tools/common/png_file.h"
-#include "tools/orvexprofile/driver_colors.h"
-#include "tools/orvexprofile/ink_totals.h"
+#include "tools/orvexprofile/ink_treatment.h"
+#include "tools/orvexprofile/loaded_profile.h"
 #endif
 
 namespace orvex::tools::profile {

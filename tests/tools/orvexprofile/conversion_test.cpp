@@ -6,8 +6,8 @@
 
 #include "tests/kit/scratch_folder.h"
 #include "tests/tools/orvexprofile/profile_samples.h"
-#include "tools/orvexprofile/driver_colors.h"
 #include "tools/orvexprofile/ink_treatment.h"
+#include "tools/orvexprofile/loaded_profile.h"
 
 namespace orvex::tools::profile {
 

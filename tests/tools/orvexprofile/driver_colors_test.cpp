@@ -1,4 +1,4 @@
-#include "tools/orvexprofile/driver_colors.h"
+#include "tools/orvexprofile/loaded_profile.h"
 
 #include <gmock/gmock.h>
 

@@ -9,9 +9,9 @@
 #include "tests/kit/scratch_folder.h"
 #include "tests/tools/orvexprofile/icc_samples.h"
 #include "tests/tools/orvexprofile/profile_samples.h"
-#include "tools/orvexprofile/driver_colors.h"
 #include "tools/orvexprofile/ink_statistics.h"
 #include "tools/orvexprofile/ink_treatment.h"
+#include "tools/orvexprofile/loaded_profile.h"
 #endif
 
 namespace orvex::tools::profile {
@@ -98,8 +98,8 @@ TEST(IccProfile, IsRefusedUnlessItIsACmykPrinters) {
         return [path] { IccProfile(path, RenderingIntent::kPerceptual, false); };
     };
     EXPECT_THAT(open(scratch.Path() / "none.icc"),
-                ThrowsMessage<std::runtime_error>(HasSubstr("can't read")));
-    EXPECT_THAT(open(scratch.Path()), ThrowsMessage<std::runtime_error>(HasSubstr("can't read")));
+                ThrowsMessage<std::runtime_error>(HasSubstr("none.icc can't be opened")));
+    EXPECT_THAT(open(scratch.Path()), ThrowsMessage<std::runtime_error>(HasSubstr("is a folder")));
     EXPECT_THAT(open(scratch.Write("text.icc", "no profile at all")),
                 ThrowsMessage<std::runtime_error>(HasSubstr("not an ICC profile")));
     EXPECT_THAT(open(kScreenIcc),

@@ -1,4 +1,4 @@
-#include "tools/orvexprofile/profile_loading.h"
+#include "tools/orvexprofile/loaded_profile.h"
 
 #include <gmock/gmock.h>
 
@@ -23,59 +23,44 @@ std::string DriversWords(const std::filesystem::path& path) {
     return lines.back().substr(std::string_view("[Error] ").size());
 }
 
-struct BrokenFile {
-    const char* title;
-    std::string bytes;
-    std::string problem;  // "%" is the file's path
-};
-
 std::string Resized(std::string bytes, size_t size) {
     bytes.resize(size);
     return bytes.replace(4, 4, Number32(static_cast<uint32_t>(size)));
 }
 
-std::vector<BrokenFile> BrokenFiles() {
+TEST(ProfileLoading, GivesTheDriversOwnReasonForEveryRefusedFile) {
     const std::string sound = FileWithTags(Tag(1, "Sound"));
-    const std::string longName = FileWithTags(Tag(1, std::string(512, 'n')));
     std::string foreign = sound, sizeOff = sound, wrapping = sound;
     foreign.replace(0, 3, "PNG");
     sizeOff.replace(4, 4, Number32(static_cast<uint32_t>(sound.size() + 1)));
     wrapping.replace(13, 2, Number16(3));
-    const std::string size = std::to_string(sound.size());
-    return {
-        {"empty", "", "error reading file % 0"},
-        {"11 bytes", sound.substr(0, 11), "error reading file % 11"},
-        {"another mark", foreign, "invalid profile file % PNG " + size + "<>" + size},
-        {"a size off by one", sizeOff,
-         "invalid profile file % ZVC " + std::to_string(sound.size() + 1) + "<>" + size},
-        {"no tag area", Resized(sound, 14), "error reading tag header 2<>3"},
-        {"no tag", Resized(sound, 16), "error reading tag 1<>3"},
-        {"a cut name", Resized(sound, 20), "error reading profile name"},
-        {"a name of 512", longName, "not enough space to store profile name"},
-        {"three codes", FileWithTags(Tag(2, "abc")), "invalid hpres length 3"},
-        {"cut codes", Resized(FileWithTags(Tag(2, "ab")), 19), "error reading hpres"},
-        {"an unknown tag", FileWithTags(Tag(1, "x") + Tag(9, "")), "invalid profile tag 9"},
-        {"an area too short for its tags", wrapping, "invalid profile tag 0"},
-        {"a byte too many", Resized(sound, sound.size() + 1), "invalid file size 39305<>39304"},
-        {"version 6", FileWithTags(Tag(1, "x"), 6), "non supported profile version"},
-        {"version 0", FileWithTags(Tag(1, "x"), 0), "non supported profile version"},
-        {"version 3 of the size of 5", FileWithTags(Tag(1, "x"), 3), "invalid file size 39304<>16777216"},
-        {"version 1 of the size of 5", FileWithTags(Tag(1, "x"), 1), "invalid file size 39304<>134217728"},
+    const struct {
+        const char* title;
+        std::string bytes;
+    } brokenFiles[] = {
+        {"empty", ""},
+        {"11 bytes", sound.substr(0, 11)},
+        {"another mark", foreign},
+        {"a size off by one", sizeOff},
+        {"no tag area", Resized(sound, 14)},
+        {"no tag", Resized(sound, 16)},
+        {"a cut name", Resized(sound, 20)},
+        {"a name of 512", FileWithTags(Tag(1, std::string(512, 'n')))},
+        {"three codes", FileWithTags(Tag(2, "abc"))},
+        {"cut codes", Resized(FileWithTags(Tag(2, "ab")), 19)},
+        {"an unknown tag", FileWithTags(Tag(1, "x") + Tag(9, ""))},
+        {"an area too short for its tags", wrapping},
+        {"a byte too many", Resized(sound, sound.size() + 1)},
+        {"version 6", FileWithTags(Tag(1, "x"), 6)},
+        {"version 0", FileWithTags(Tag(1, "x"), 0)},
+        {"version 3 of the size of 5", FileWithTags(Tag(1, "x"), 3)},
     };
-}
-
-TEST(ProfileLoading, GivesTheDriversOwnReasonForEveryRefusedFile) {
     const ScratchFolder scratch;
-    for (const BrokenFile& file : BrokenFiles()) {
+    for (const auto& file : brokenFiles) {
         SCOPED_TRACE(file.title);
         const std::filesystem::path path = scratch.Write("broken.zvp", file.bytes);
-        std::string expected = file.problem;
-        if (const size_t place = expected.find('%'); place != std::string::npos) {
-            expected.replace(place, 1, path.string());
-        }
         const ProfileFacts facts = LoadIntoDriver(path, PrintVariant::kOther);
         EXPECT_FALSE(facts.Accepted());
-        EXPECT_EQ(facts.problem, expected);
         EXPECT_EQ(facts.problem, DriversWords(path));
     }
 }

@@ -6,13 +6,11 @@
 
 #include "driver/color/ink.h"
 #include "tests/driver/profiles/profile_bytes.h"
+#include "tools/orvexprofile/loaded_profile.h"
 #include "tools/orvexprofile/profile.h"
-#include "tools/orvexprofile/profile_loading.h"
 #include "tools/orvexprofile/profile_writer.h"
 
 namespace orvex::tools::profile {
-
-constexpr PrintVariant kBothVariants[] = {PrintVariant::kAt600, PrintVariant::kOther};
 
 // Returns an ink value that no other color has in the same variant, and that is never the "not computed"
 // mark.

@@ -4,7 +4,7 @@
 
 #include <cmath>
 
-#include "tools/orvexprofile/ink_totals.h"
+#include "tools/orvexprofile/ink_treatment.h"
 
 namespace orvex::tools::profile {
 

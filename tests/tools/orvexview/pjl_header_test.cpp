@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tests/tools/common/thrown_text.h"
 #include "tests/tools/orvexview/made_files.h"
 
 namespace orvex::tools::view {
@@ -29,12 +30,7 @@ PjlHeader ReadLines(const std::string& lines) {
 std::string HeaderErrorOf(const std::string& text) {
     const std::vector<uint8_t> bytes = AsBytes(text);
     ByteReader reader(bytes);
-    try {
-        ReadPjlHeader(reader);
-    } catch (const PrintFileError& error) {
-        return error.what();
-    }
-    return "none";
+    return ThrownText<PrintFileError>([&] { ReadPjlHeader(reader); });
 }
 
 std::string ErrorOfLines(const std::string& lines) {

@@ -7,6 +7,8 @@
 #include <sstream>
 
 #include "tests/kit/scratch_folder.h"
+#include "tests/tools/common/made_picture.h"
+#include "tests/tools/common/thrown_text.h"
 #include "tests/tools/orvexview/made_files.h"
 #include "tools/common/png_file.h"
 #include "tools/common/wide_text.h"
@@ -42,12 +44,7 @@ class ViewingTest : public testing::Test {
     }
 
     std::string Complaint() {
-        try {
-            Show();
-        } catch (const std::exception& error) {
-            return error.what();
-        }
-        return "none";
+        return ThrownText([this] { Show(); });
     }
 
     // Returns the names of all files except the print file.
@@ -61,8 +58,7 @@ class ViewingTest : public testing::Test {
     }
 
     std::vector<uint32_t> Pixels(const std::string& name) const {
-        const RasterImage image = LoadPng(PathFromUtf8(Name(name)));
-        return {image.pixels.get(), image.pixels.get() + size_t{image.width} * image.height};
+        return PixelsOf(LoadPng(PathFromUtf8(Name(name))));
     }
 
     ScratchFolder folder_;
@@ -120,7 +116,7 @@ TEST_F(ViewingTest, SaysThatTheHeaderLacksTheOrientation) {
 }
 
 TEST_F(ViewingTest, ShowsPurgeBarFillAndOffsetsWithTheirLengths) {
-    Rows rows(3510, std::vector<uint32_t>(100 + 5 + 11 * 10));
+    const Rows rows(3510 - 2 * 24, std::vector<uint32_t>(100 + 5 + 11 * 10));  // 2.0 mm are 24 rows
     const std::string lines = SettingLines({{"ORIGX", 100},
                                             {"ORIGY", 3000},
                                             {"FULLWIDTH", 1},
@@ -130,14 +126,9 @@ TEST_F(ViewingTest, ShowsPurgeBarFillAndOffsetsWithTheirLengths) {
                                             {"PURGEGAP", 10},
                                             {"ALIGN", 1},
                                             {"PHOFFSET", 20}});
-    rows.resize(3510 - 2 * 24);  // an offset of 2.0 mm is 24 rows
     EngineOutput output;
     const uint64_t job = output.StartJob(kMode300Dpi);
-    HPCRLIB_PageStart(job, 24 * 215 + 2400, 86616);
-    HPCRLIB_RasterBlockStart(job, 0, 0, 215, 3510);
-    for (const auto& row : rows) HPCRLIB_RasterRow(job, row.data());
-    HPCRLIB_RasterBlockEnd(job);
-    HPCRLIB_PageEnd(job);
+    PrintPage(job, rows, 0, 3510);
     HPCRLIB_JobEnd(job);
     WriteBytes(PathFromUtf8(options_.file), WithLines(output.File(), lines));
     options_.pictures = false;
@@ -248,7 +239,7 @@ TEST_F(ViewingTest, QuotesTheFirstBytesOfAFileThatIsNotAPrintFile) {
 }
 
 TEST_F(ViewingTest, SaysThatTheFileIsMissing) {
-    EXPECT_THAT(Complaint(), HasSubstr("can't open the file"));
+    EXPECT_THAT(Complaint(), HasSubstr("tiquette.prn can't be opened"));
 }
 
 }  // namespace orvex::tools::view

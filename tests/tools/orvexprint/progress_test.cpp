@@ -1,10 +1,10 @@
-#include "tools/common/progress.h"
+#include "tools/orvexprint/progress.h"
 
 #include <gtest/gtest.h>
 
 #include <sstream>
 
-namespace orvex::tools {
+namespace orvex::tools::print {
 
 TEST(Progress, ShowsEachPercentOnceAndClearsItsLine) {
     std::ostringstream out;
@@ -29,4 +29,4 @@ TEST(Progress, IsSilentWithoutATerminal) {
     EXPECT_EQ(out.str(), "");
 }
 
-}  // namespace orvex::tools
+}  // namespace orvex::tools::print

@@ -1,4 +1,4 @@
-#include "tools/common/output_file.h"
+#include "tools/common/whole_file.h"
 
 #include <gtest/gtest.h>
 
@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "tests/kit/scratch_folder.h"
+#include "tests/tools/common/thrown_text.h"
 #include "tools/common/wide_text.h"
 
 namespace orvex::tools {
@@ -19,6 +20,24 @@ size_t FilesIn(const fs::path& folder) {
 }
 
 }  // namespace
+
+TEST(WholeFile, IsReadByteByByte) {
+    const ScratchFolder scratch;
+    std::string bytes(3'000'000, 'x');
+    bytes[2'000'000] = '\0';
+    EXPECT_EQ(ReadWholeText(scratch.Write("large.bin", bytes)), bytes);
+    EXPECT_TRUE(ReadWholeFile(scratch.Write("empty.bin", "")).empty());
+}
+
+TEST(WholeFile, IsRefusedIfItIsAFolderOrMissingOrTooLarge) {
+    const ScratchFolder scratch;
+    const fs::path missing = scratch.Path() / "missing", file = scratch.Write("three.bin", "abc");
+    EXPECT_EQ(ThrownText([&] { ReadWholeFile(scratch.Path()); }),
+              Utf8FromPath(scratch.Path()) + " is a folder");
+    EXPECT_EQ(ThrownText([&] { ReadWholeFile(missing); }), Utf8FromPath(missing) + " can't be opened");
+    EXPECT_EQ(ThrownText([&] { ReadWholeFile(file, 2); }), Utf8FromPath(file) + " is too large");
+    EXPECT_EQ(ReadWholeFile(file, 3).size(), 3u);
+}
 
 TEST(OutputFile, AppearsWhenItIsComplete) {
     const ScratchFolder scratch;
