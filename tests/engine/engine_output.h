@@ -41,13 +41,13 @@ struct EngineOutput {
     }
 };
 
-// Starts a page with room for a block of that size at its top.
-inline uint32_t StartFittingPage(uint64_t job, uint32_t rowWidth, uint32_t rows, uint32_t unit = 12) {
-    return HPCRLIB_PageStart(job, unit * rowWidth + 2400, unit * rows + 2400);
+// Starts a page at 600 dpi with room for a block of that size at its top.
+inline uint32_t StartFittingPage(uint64_t job, uint32_t rowWidth, uint32_t rows) {
+    return HPCRLIB_PageStart(job, 12 * rowWidth + 2400, 12 * rows + 2400);
 }
 
-// Prints one page of these rows, all of one width, and returns whether every call succeeded. As many rows as
-// there are are announced, unless `announced` says otherwise.
+// Prints one page of these rows, all of one width, and returns whether every call succeeded. Announces
+// `announced` rows; 0 stands for the number that it prints.
 inline bool PrintPage(uint64_t job, const Rows& rows, uint32_t top = 0, size_t announced = 0) {
     const auto count = static_cast<uint32_t>(announced != 0 ? announced : rows.size());
     const auto width = static_cast<uint32_t>(rows[0].size());
@@ -84,14 +84,14 @@ inline uint32_t Checksum(const std::string& bytes) {
 }
 
 // Return a record with a correct checksum, whatever its payload.
-inline std::string Record(char type, const std::string& payload) {
+inline std::string MakeRecord(char type, const std::string& payload) {
     const std::string record = type + Number(static_cast<uint32_t>(payload.size())) + payload;
     return record + Number(Checksum(record));
 }
-inline std::string Record(char type, std::initializer_list<uint32_t> numbers) {
+inline std::string MakeRecord(char type, std::initializer_list<uint32_t> numbers) {
     std::string payload;
     for (const uint32_t number : numbers) payload += Number(number);
-    return Record(type, payload);
+    return MakeRecord(type, payload);
 }
 
 }  // namespace orvex

@@ -33,7 +33,7 @@ Rows Noise(uint32_t rows, uint32_t width) {
 
 }  // namespace
 
-TEST(PrintStream, OfASmallJobHasTheseChunks) {
+TEST(PrintStream, HasTheseChunksForASmallJob) {
     const EngineOutput output = PrintJob({{{1, 1, 1}, {1, 1, 1}}});
     const std::string row = "\x43\x01\x00\x00\x00\x03"s;
     const std::vector<std::string> expected = {
@@ -42,11 +42,11 @@ TEST(PrintStream, OfASmallJobHasTheseChunks) {
         "@PJL COMMENT \"Stand-in print stream 1. Made for inspection and tests; a printer does not read "
         "it.\"\n"
         "@PJL ENTER LANGUAGE=STANDIN\n",
-        Record('J', {1, 1}) + "\x1B*o0M" + Record('P', {1, 2472, 86616}),
-        Record('B', {0, 3, 2}),
-        Record('R', row) + Record('b', {2}),
-        Record('p', {1}),
-        Record('j', {1}) + "\x1B%-12345X",
+        MakeRecord('J', {1, 1}) + "\x1B*o0M" + MakeRecord('P', {1, 2472, 86616}),
+        MakeRecord('B', {0, 3, 2}),
+        MakeRecord('R', row) + MakeRecord('b', {2}),
+        MakeRecord('p', {1}),
+        MakeRecord('j', {1}) + "\x1B%-12345X",
     };
     EXPECT_EQ(output.chunks, expected);
 }
@@ -54,9 +54,9 @@ TEST(PrintStream, OfASmallJobHasTheseChunks) {
 TEST(PrintStream, HasOneOpeningForAllPages) {
     const EngineOutput output = PrintJob({{{1}}, {{2}}});
     ASSERT_EQ(output.chunks.size(), 11u);
-    EXPECT_EQ(output.chunks[6], "\x1B*o0M" + Record('P', {2, 2424, 86616}));
-    EXPECT_EQ(output.chunks[9], Record('p', {2}));
-    EXPECT_EQ(output.chunks[10], Record('j', {2}) + "\x1B%-12345X");
+    EXPECT_EQ(output.chunks[6], "\x1B*o0M" + MakeRecord('P', {2, 2424, 86616}));
+    EXPECT_EQ(output.chunks[9], MakeRecord('p', {2}));
+    EXPECT_EQ(output.chunks[10], MakeRecord('j', {2}) + "\x1B%-12345X");
 }
 
 TEST(PrintStream, HasAResolutionCommandFor600DpiAndOneForAnyOther) {
@@ -72,14 +72,6 @@ TEST(PrintStream, HasOneChunkThatLooksLikeFraming) {
     EXPECT_GT(output.chunks[0].size(), 6u);
     EXPECT_EQ(FirstAndLastThree(output.chunks[0]), 0);
     EXPECT_NE(FirstAndLastThree(output.chunks[1]), 0);
-}
-
-TEST(PrintStream, IsEmptyBeforeTheFirstPage) {
-    EngineOutput output;
-    const uint64_t job = output.StartJob();
-    EXPECT_TRUE(output.chunks.empty());
-    EXPECT_EQ(HPCRLIB_JobEnd(job), 1u);
-    EXPECT_TRUE(output.chunks.empty());
 }
 
 TEST(PrintStream, HasEachRowsRecordAsSoonAsItHas32Kib) {
@@ -108,15 +100,15 @@ TEST(PrintStream, HasNoEmptyRecordAfterAFullOne) {
     const EngineOutput output = PrintJob({Noise(1, kWidth)});
     ASSERT_EQ(output.chunks.size(), 8u);
     EXPECT_EQ(output.chunks[4].size(), 32u * 1024 + 1 + 9);
-    EXPECT_EQ(output.chunks[5], Record('b', {1}));
+    EXPECT_EQ(output.chunks[5], MakeRecord('b', {1}));
 }
 
 TEST(PrintStream, HasTheFirstRowOfEveryBlockEncodedAgainstNoInk) {
     const EngineOutput output = PrintJob({{{5, 5}}, {{5, 5}}, {{0, 0}}});
     const std::string literals = "\x82\x05\x00\x00\x00\x05\x00\x00\x00"s;
-    EXPECT_EQ(output.chunks[4], Record('R', literals) + Record('b', {1}));
-    EXPECT_EQ(output.chunks[8], Record('R', literals) + Record('b', {1}));
-    EXPECT_EQ(output.chunks[12], Record('R', "\x02") + Record('b', {1}));
+    EXPECT_EQ(output.chunks[4], MakeRecord('R', literals) + MakeRecord('b', {1}));
+    EXPECT_EQ(output.chunks[8], MakeRecord('R', literals) + MakeRecord('b', {1}));
+    EXPECT_EQ(output.chunks[12], MakeRecord('R', "\x02") + MakeRecord('b', {1}));
 }
 
 TEST(PrintStream, HasAdler32Checksums) {

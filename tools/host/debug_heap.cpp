@@ -74,7 +74,6 @@ std::vector<std::span<const uint8_t>> DebugHeap::LiveBlocks() const {
 }
 
 void* DebugHeap::Allocate(const char* function, size_t bytes, bool zeroed) {
-    ++allocations_;
     if (refuses_ && refuses_(function, bytes)) return nullptr;
     Block block = {bytes, nullptr};
     void* memory = nullptr;

@@ -24,7 +24,7 @@ namespace orvex::tools {
 
 class DebugHeap : public ImportService<DebugHeap> {
   public:
-    // Called before every allocation; returns whether to refuse it.
+    // Function that is called before every allocation and returns whether to refuse it.
     using Refusal = std::function<bool(const char* function, size_t bytes)>;
 
     // Serves all further allocations of `module`. Its earlier blocks are freed as before. On Windows the
@@ -33,9 +33,8 @@ class DebugHeap : public ImportService<DebugHeap> {
 
     void OnAllocate(Refusal refuses) { refuses_ = std::move(refuses); }
 
-    size_t Allocations() const { return allocations_; }
     std::vector<std::span<const uint8_t>> LiveBlocks() const;
-    // Blocks that were freed twice, or whose preceding bytes were overwritten, in words.
+    // Returns in words which blocks were freed twice, or had their preceding bytes overwritten.
     const std::vector<std::string>& Misuses() const { return misuses_; }
 
   private:
@@ -52,7 +51,6 @@ class DebugHeap : public ImportService<DebugHeap> {
     bool Free(void* memory);
 
     Refusal refuses_;
-    size_t allocations_ = 0;
     std::map<const void*, Block> live_;
     std::deque<std::unique_ptr<GuardedMemory>> freed_;  // the most recent ones, inaccessible
     std::vector<std::string> misuses_;

@@ -66,7 +66,7 @@ class GraphicsEngine : public ImportService<GraphicsEngine> {
 
     uint32_t Calls(GraphicsService service) const { return services_[static_cast<size_t>(service)].calls; }
     const std::vector<Erasure>& Erasures() const { return erasures_; }
-    // Calls with arguments that no graphics engine would accept, in words.
+    // Returns in words which calls had arguments that no graphics engine would accept.
     const std::vector<std::string>& Complaints() const { return complaints_; }
 
   private:

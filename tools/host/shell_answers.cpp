@@ -39,9 +39,8 @@ struct ShellAnswers::Replacements {
     // folder.
     static BOOL WINAPI Append(LPWSTR path, LPCWSTR more) {
         if (AsView(path) == current->folder_) {
-            for (size_t i = 0; i < std::size(kInstallationNames); ++i) {
-                if (AsView(more) == kInstallationNames[i])
-                    return static_cast<int>(i) + 1 != current->failingAppend_;
+            for (const std::u16string_view name : kInstallationNames) {
+                if (AsView(more) == name) return TRUE;
             }
         }
         return current->patches_.Original("PathAppendW", &Append)(path, more);

@@ -22,10 +22,8 @@ class ShellAnswers : public ImportService<ShellAnswers> {
     // Sets the abbreviated name of the system's language, such as "DEU"; empty: the machine's own.
     void SetLanguage(std::optional<std::string> abbreviation);
 
-    // Make the query for the folder fail with an error code, or the appending of the first or second of the
-    // two names that follow it; 0 ends the failing.
+    // Makes the query for the folder fail with an error code; 0 ends the failing.
     void FailFolder(DWORD code) { folderError_ = code; }
-    void FailAppend(int nth) { failingAppend_ = nth; }
 
   private:
     struct Replacements;
@@ -33,7 +31,6 @@ class ShellAnswers : public ImportService<ShellAnswers> {
     std::u16string folder_;
     std::optional<std::u16string> language_;
     DWORD folderError_ = 0;
-    int failingAppend_ = 0;
 };
 
 }  // namespace orvex::tools

@@ -207,12 +207,7 @@ bool Spooler::Close(HANDLE handle) {
 
 void Spooler::FailCall(const std::string& function, int nth, DWORD code) {
     Function& failing = functions_[function];
-    if (nth == kEveryCall) {
-        failing.failsAlways = true;
-        failing.alwaysCode = code;
-    } else {
-        failing.failures[failing.calls + nth] = code;
-    }
+    failing.failures[failing.calls + nth] = code;
 }
 
 int Spooler::Calls(const std::string& function) const {
@@ -224,8 +219,8 @@ bool Spooler::Fails(const char* name, DWORD* code) {
     Function& function = functions_[name];
     ++function.calls;
     const auto failure = function.failures.find(function.calls);
-    if (failure == function.failures.end() && !function.failsAlways) return false;
-    *code = failure != function.failures.end() ? failure->second : function.alwaysCode;
+    if (failure == function.failures.end()) return false;
+    *code = failure->second;
     return true;
 }
 

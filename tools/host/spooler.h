@@ -21,7 +21,7 @@ namespace orvex::tools {
 
 class Spooler : public ImportService<Spooler> {
   public:
-    // Takes the bytes of one WritePrinter call; returns false to make it fail.
+    // Receiver of the bytes of one WritePrinter call; returns false to make the call fail.
     using Sink = std::function<bool(std::string_view bytes)>;
 
     struct Printer {
@@ -31,8 +31,6 @@ class Spooler : public ImportService<Spooler> {
         Sink sink;  // if empty, the bytes are collected in `written`
         std::string written;
     };
-
-    static constexpr int kEveryCall = 0;
 
     // Serves the spooler calls of `module`, null for this program, as long as the spooler lives. Several
     // modules can be attached.
@@ -48,11 +46,11 @@ class Spooler : public ImportService<Spooler> {
 
     size_t OpenHandles() const { return open_.size(); }
 
-    // Wrong uses of handles, one sentence each: handles closed before, or never given out.
+    // Returns the wrong uses of handles, one sentence each: of handles closed before, or never given out.
     const std::vector<std::string>& Misuses() const { return misuses_; }
 
-    // Makes the `nth` further call of a function fail with `code`; 1 is the next one, and kEveryCall all of
-    // them. A failing call has no other effect.
+    // Makes the `nth` further call of a function fail with `code`; 1 is the next one. A failing call has no
+    // other effect.
     void FailCall(const std::string& function, int nth, DWORD code);
 
     // Returns the number of calls of a function so far; of CloseHandle only those with the spooler's handles.
@@ -67,8 +65,6 @@ class Spooler : public ImportService<Spooler> {
     };
     struct Function {
         int calls = 0;
-        bool failsAlways = false;
-        DWORD alwaysCode = 0;
         std::map<int, DWORD> failures;  // error code by number of the call
     };
 

@@ -109,10 +109,6 @@ std::optional<std::string> Given(const CLI::App& app, const char* option) {
     return found->results().back();
 }
 
-bool IsGiven(const CLI::App& app, const char* option) {
-    return app.get_option(option)->count() > 0;
-}
-
 fs::path GivenPath(const CLI::App& app, const char* option) {
     const auto text = Given(app, option);
     if (text && text->empty()) throw OptionError(std::string(option) + " needs a name");
@@ -162,12 +158,12 @@ void ReadSettings(const CLI::App& app, JobOptions& options) {
         const bool bare = setting.IsSwitch() && *text == "true";
         options.settings.emplace_back(&setting, bare ? 1 : ParseSetting(setting, *text));
     }
-    if (IsGiven(app, "--landscape") && IsGiven(app, "--portrait")) {
+    if (app.count("--landscape") > 0 && app.count("--portrait") > 0) {
         throw OptionError("--landscape and --portrait: give one of them");
     }
     const Setting& orientation = FindSetting("--orientation");
-    if (IsGiven(app, "--landscape")) options.settings.emplace_back(&orientation, DMORIENT_LANDSCAPE);
-    if (IsGiven(app, "--portrait")) options.settings.emplace_back(&orientation, DMORIENT_PORTRAIT);
+    if (app.count("--landscape") > 0) options.settings.emplace_back(&orientation, DMORIENT_LANDSCAPE);
+    if (app.count("--portrait") > 0) options.settings.emplace_back(&orientation, DMORIENT_PORTRAIT);
 }
 
 // Checks that there are pages and an output if the command line asks to print.
@@ -206,11 +202,11 @@ std::optional<JobOptions> ParseJobOptions(const std::vector<std::string>& argume
         throw OptionError(std::string(error.what()) + "; --help shows what there is");
     }
     JobOptions options;
-    options.testPage = IsGiven(app, "--test-page");
-    options.fit = IsGiven(app, "--fit");
-    options.smooth = IsGiven(app, "--smooth");
-    options.dryRun = IsGiven(app, "--dry-run");
-    options.list = IsGiven(app, "--list");
+    options.testPage = app.count("--test-page") > 0;
+    options.fit = app.count("--fit") > 0;
+    options.smooth = app.count("--smooth") > 0;
+    options.dryRun = app.count("--dry-run") > 0;
+    options.list = app.count("--list") > 0;
     ReadPaths(app, options);
     ReadWords(app, options);
     ReadSettings(app, options);

@@ -8,12 +8,7 @@
 
 namespace orvex::tools::profile {
 
-// The exit status of a command that does not fail.
-struct CommandResult {
-    int status = 0;
-};
-
-void AddInfoCommand(CLI::App& app, std::ostream& out, CommandResult& result);
+void AddInfoCommand(CLI::App& app, std::ostream& out);
 void AddBuildCommand(CLI::App& app, std::ostream& out);
 void AddConvertCommand(CLI::App& app, std::ostream& out);
 void AddApplyCommand(CLI::App& app, std::ostream& out);

@@ -87,12 +87,14 @@ bool Inspect(std::ostream& out, const std::string& path) {
 
 }  // namespace
 
-void AddInfoCommand(CLI::App& app, std::ostream& out, CommandResult& result) {
+void AddInfoCommand(CLI::App& app, std::ostream& out) {
     CLI::App* command = app.add_subcommand(
         "info", "Shows what a profile holds, and whether the driver accepts it (exit status 1 when not)");
     const auto path = std::make_shared<std::string>();
     command->add_option("FILE", *path, "The profile")->required()->type_name("");
-    command->callback([&out, &result, path] { result.status = Inspect(out, *path) ? 0 : 1; });
+    command->callback([&out, path] {
+        if (!Inspect(out, *path)) throw CLI::RuntimeError(1);  // ends the program with this status
+    });
 }
 
 }  // namespace orvex::tools::profile

@@ -25,8 +25,7 @@ int RunProfileTool(const std::vector<std::string>& arguments, std::ostream& out,
     CLI::App app("Makes, converts and shows colour profiles (*.zvp)", "orvexprofile");
     app.require_subcommand(1);
     app.formatter(std::make_shared<HelpFormat>());
-    CommandResult result;
-    AddInfoCommand(app, out, result);
+    AddInfoCommand(app, out);
     AddBuildCommand(app, out);
     AddConvertCommand(app, out);
     AddApplyCommand(app, out);
@@ -40,7 +39,7 @@ int RunProfileTool(const std::vector<std::string>& arguments, std::ostream& out,
         err << "orvexprofile: " << error.what() << '\n';
         return 1;
     }
-    return result.status;
+    return 0;
 }
 
 }  // namespace orvex::tools::profile

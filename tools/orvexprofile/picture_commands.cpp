@@ -8,10 +8,9 @@
 
 #include "tools/common/help_format.h"
 #include "tools/common/png_file.h"
-#include "tools/orvexprofile/chart.h"
 #include "tools/orvexprofile/commands.h"
-#include "tools/orvexprofile/ink_preview.h"
 #include "tools/orvexprofile/loaded_profile.h"
+#include "tools/orvexprofile/print_pictures.h"
 
 namespace orvex::tools::profile {
 
@@ -100,8 +99,7 @@ void AddApplyCommand(CLI::App& app, std::ostream& out) {
     command
         ->add_option("OUT", options->outputs,
                      "The composite to write; the inks' pictures stand beside it as OUT-K.png, OUT-C.png, "
-                     "OUT-M.png and "
-                     "OUT-Y.png, unless named too, in this order")
+                     "OUT-M.png and OUT-Y.png, unless named too, in this order")
         ->required()
         ->type_name("");
     command

@@ -120,10 +120,9 @@ void AddTagOptions(CLI::App& command, BuildOptions& options) {
                     "The profile's name, 1 to 511 ASCII characters (default: the file's name)")
         ->type_name("TEXT");
     command
-        .add_option(
-            "--resolution-codes", options.codes,
-            "The engine's codes for other resolutions and for 600 dpi, each -128 to 127 (default: the "
-            "driver's own)")
+        .add_option("--resolution-codes", options.codes,
+                    "The engine's codes for other resolutions and for 600 dpi, each -128 to 127 (default: "
+                    "the driver's own)")
         ->type_name("OTHER,600");
 }
 

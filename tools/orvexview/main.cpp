@@ -2,7 +2,7 @@
 #include <exception>
 #include <iostream>
 
-#include "tools/common/utf8_arguments.h"
+#include "tools/common/wide_text.h"
 #include "tools/orvexview/options.h"
 #include "tools/orvexview/print_file.h"
 #include "tools/orvexview/viewing.h"

@@ -39,12 +39,10 @@ void AddOutputOptions(CLI::App& app, Options& options) {
                    "Beginning of the pictures' names; default: FILE without its extension")
         ->type_name("PREFIX");
     app.add_flag("--inks", options.inks, "One grey picture per ink as well: PREFIX-pageN-K.png, -C, -M, -Y");
-    app.add_flag(
-        "--layout", options.layout,
-        "PREFIX-pageN-layout.png as well: the whole print head as a grey band with a tick every 10 mm, "
-        "the page in its place on it; fill rows are bluish, the purge bar is yellowish. The head's first row "
-        "is at "
-        "the right of a portrait page, at the top of a landscape one");
+    app.add_flag("--layout", options.layout,
+                 "PREFIX-pageN-layout.png as well: the whole print head as a grey band with a tick every 10 "
+                 "mm, the page in its place on it; fill rows are bluish, the purge bar is yellowish. The "
+                 "head's first row is at the right of a portrait page, at the top of a landscape one");
     app.add_flag_callback(
            "--no-pictures", [&options] { options.pictures = false; }, "Writes no pictures of pages")
         ->excludes("--inks")

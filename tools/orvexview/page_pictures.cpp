@@ -72,12 +72,7 @@ BlockArea WholeBlock(const PrintedPage& page) {
 Picture DrawComposite(const PrintFile& file, const PrintedPage& page, const BlockArea& area, uint32_t scale) {
     const InkModel model(file.dpi);
     return DrawRows(page, area, scale, 3, [&](std::span<const uint32_t> inkValues, uint8_t* out) {
-        for (const uint32_t value : inkValues) {
-            const Rgb color = model.OnPaper(value);
-            *out++ = color.red;
-            *out++ = color.green;
-            *out++ = color.blue;
-        }
+        for (size_t i = 0; i < inkValues.size(); ++i) StoreColor(out + 3 * i, model.OnPaper(inkValues[i]));
     });
 }
 

@@ -57,8 +57,8 @@ void TakeOpening(ByteReader& reader) {
                                    sizeof print_stream::kFramingChunk);
     if (start.starts_with(framing)) {
         throw PrintFileError(reader.Offset(),
-                             "the engine's framing chunk, which the driver should have dropped; "
-                             "expected the universal exit ESC%-12345X");
+                             "the engine's framing chunk, which the driver should have dropped; expected the "
+                             "universal exit ESC%-12345X");
     }
     if (!start.starts_with(kUniversalExit)) {
         throw PrintFileError(reader.Offset(), "\"" + PrintableText(start.substr(0, 12)) +

@@ -48,8 +48,7 @@ TEST(PaperSize, IsLimitedToWhatThePrinterPrints) {
     }
     EXPECT_EQ(Complaint("10x10mm"),
               "--size: \"10x10mm\" is not allowed; it takes WIDTHxLENGTH in mm or in, from 25.4 x 25.4 mm to "
-              "297.0 x "
-              "901.7 mm, such as 100x150mm or 4x6in");
+              "297.0 x 901.7 mm, such as 100x150mm or 4x6in");
 }
 
 TEST(PaperSize, IsRefusedIfItIsNotASize) {

@@ -7,7 +7,6 @@
 #include <cstdio>
 
 #include "tests/kit/scratch_folder.h"
-#include "tests/tools/orvexprofile/icc_samples.h"
 #include "tests/tools/orvexprofile/profile_samples.h"
 #include "tools/orvexprofile/ink_statistics.h"
 #include "tools/orvexprofile/ink_treatment.h"
@@ -106,7 +105,7 @@ TEST(IccProfile, IsRefusedUnlessItIsACmykPrinters) {
                 ThrowsMessage<std::runtime_error>(HasSubstr("not the profile of a CMYK printer")));
 }
 
-TEST(IccProfile, WithoutTheTablesOfAPrinterIsRefused) {
+TEST(IccProfile, IsRefusedWithoutTheTablesOfAPrinter) {
     std::string bytes = ReadBytes(kPrinterIcc);
     for (char table : {'0', '1', '2'}) {
         const size_t place = bytes.find(std::string("B2A") + table);
@@ -141,7 +140,7 @@ std::vector<uint32_t> Sparse(uint32_t step, uint32_t end) {
     return colors;
 }
 
-// Builds a profile from the printer's ICC profile and compares the answers of both.
+// A profile built from the printer's ICC profile, whose answers are compared with those of Little CMS.
 class BuiltFromIcc : public testing::Test {
   protected:
     void Build(int version) {

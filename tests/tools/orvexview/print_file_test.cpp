@@ -20,30 +20,26 @@ std::string ErrorOf(std::string_view bytes) {
     return ThrownText<PrintFileError>([&] { ParsePrintFile(AsBytes(bytes)); });
 }
 
-const std::string& Opening() {
-    static const std::string opening(print_stream::kPjlOpening);
-    return opening;
-}
-
 std::string Offset(size_t offset) {
     return "offset " + std::to_string(offset) + ": ";
 }
 
+const std::string kOpening(print_stream::kPjlOpening);
 const std::string kResolution = "\x1B*o0M";
-const std::string kJobStart = Record('J', {1, 1});
-const std::string kPageStart = Record('P', {1, 5000, 6000});
-const std::string kBlockStart = Record('B', {0, 3, 2});
-const std::string kRows = Record('R', "\x03\x03");  // two rows like the one above
-const std::string kBlockEnd = Record('b', {2});
-const std::string kPageEnd = Record('p', {1});
-const std::string kJobEnd = Record('j', {1});
+const std::string kJobStart = MakeRecord('J', {1, 1});
+const std::string kPageStart = MakeRecord('P', {1, 5000, 6000});
+const std::string kBlockStart = MakeRecord('B', {0, 3, 2});
+const std::string kRows = MakeRecord('R', "\x03\x03");  // two rows like the one above
+const std::string kBlockEnd = MakeRecord('b', {2});
+const std::string kPageEnd = MakeRecord('p', {1});
+const std::string kJobEnd = MakeRecord('j', {1});
 const std::string kExit = "\x1B%-12345X";
 
 // Returns the error of a file whose records are `before` and `record`, without its offset, which must be
 // `within` bytes into `record`.
 std::string ErrorIn(const std::string& before, const std::string& record, size_t within) {
-    const std::string error = ErrorOf(Opening() + before + record);
-    const std::string offset = Offset(Opening().size() + before.size() + within);
+    const std::string error = ErrorOf(kOpening + before + record);
+    const std::string offset = Offset(kOpening.size() + before.size() + within);
     EXPECT_EQ(error.substr(0, offset.size()), offset) << error;
     return error.substr(std::min(offset.size(), error.size()));
 }
@@ -112,14 +108,14 @@ TEST(PrintFile, ReadsFromAFile) {
 }
 
 TEST(PrintFile, AJobMadeByHandIsSound) {
-    EXPECT_EQ(ErrorOf(Opening() + kBeforeRows + kRows + kBlockEnd + kPageEnd + kJobEnd + kExit), "");
+    EXPECT_EQ(ErrorOf(kOpening + kBeforeRows + kRows + kBlockEnd + kPageEnd + kJobEnd + kExit), "");
 }
 
 TEST(PrintFile, NamesTheExpectedRecord) {
     EXPECT_EQ(ErrorIn("", kPageStart, 0), "page start; expected job start");
     EXPECT_EQ(ErrorIn(kJobStart, kPageStart, 0),
               "page start; expected a resolution command ESC*o, a number from -128 to 127, M");
-    const std::string noPages = Record('j', {0}) + kExit;
+    const std::string noPages = MakeRecord('j', {0}) + kExit;
     EXPECT_EQ(ErrorIn(kJobStart, noPages, 0),
               "job end; expected a resolution command ESC*o, a number from -128 to 127, M");
     EXPECT_EQ(ErrorIn(kJobStart + kResolution, kBlockStart, 0), "block start; expected page start");
@@ -127,30 +123,34 @@ TEST(PrintFile, NamesTheExpectedRecord) {
     EXPECT_EQ(ErrorIn(kBeforeRows, kBlockEnd, 0), "block end; expected rows");
     EXPECT_EQ(ErrorIn(kBeforeRows + kRows, kPageEnd, 0), "page end; expected block end");
     EXPECT_EQ(ErrorIn(kBeforeRows + kRows + kBlockEnd, kBlockStart, 0), "block start; expected page end");
-    EXPECT_EQ(ErrorIn(kBeforeRows + kRows, Record('x', "1234"), 0), "record type 120; expected block end");
+    EXPECT_EQ(ErrorIn(kBeforeRows + kRows, MakeRecord('x', "1234"), 0),
+              "record type 120; expected block end");
 }
 
 TEST(PrintFile, ChecksEveryNumber) {
-    EXPECT_EQ(ErrorIn("", Record('J', {2, 1}), 5), "stream version 2; expected 1");
-    EXPECT_EQ(ErrorIn("", Record('J', {1, 3}), 9), "resolution mode 3; expected 0 to 2");
+    EXPECT_EQ(ErrorIn("", MakeRecord('J', {2, 1}), 5), "stream version 2; expected 1");
+    EXPECT_EQ(ErrorIn("", MakeRecord('J', {1, 3}), 9), "resolution mode 3; expected 0 to 2");
     const std::string beforePage = kJobStart + kResolution;
-    EXPECT_EQ(ErrorIn(beforePage, Record('P', {2, 1, 1}), 5), "page number 2; expected 1");
-    EXPECT_EQ(ErrorIn(beforePage, Record('P', {1, 0, 1}), 9), "page width 0; expected 1 to 4294967295");
-    EXPECT_EQ(ErrorIn(beforePage, Record('P', {1, 1, 0}), 13), "page length 0; expected 1 to 4294967295");
+    EXPECT_EQ(ErrorIn(beforePage, MakeRecord('P', {2, 1, 1}), 5), "page number 2; expected 1");
+    EXPECT_EQ(ErrorIn(beforePage, MakeRecord('P', {1, 0, 1}), 9), "page width 0; expected 1 to 4294967295");
+    EXPECT_EQ(ErrorIn(beforePage, MakeRecord('P', {1, 1, 0}), 13), "page length 0; expected 1 to 4294967295");
     const std::string beforeBlock = beforePage + kPageStart;
-    EXPECT_EQ(ErrorIn(beforeBlock, Record('B', {16385, 3, 2}), 5), "block top 16385; expected 0 to 16384");
-    EXPECT_EQ(ErrorIn(beforeBlock, Record('B', {0, 0, 2}), 9), "row width 0; expected 1 to 32768");
-    EXPECT_EQ(ErrorIn(beforeBlock, Record('B', {0, 32769, 2}), 9), "row width 32769; expected 1 to 32768");
-    EXPECT_EQ(ErrorIn(beforeBlock, Record('B', {0, 3, 16385}), 13), "row count 16385; expected 1 to 16384");
+    EXPECT_EQ(ErrorIn(beforeBlock, MakeRecord('B', {16385, 3, 2}), 5),
+              "block top 16385; expected 0 to 16384");
+    EXPECT_EQ(ErrorIn(beforeBlock, MakeRecord('B', {0, 0, 2}), 9), "row width 0; expected 1 to 32768");
+    EXPECT_EQ(ErrorIn(beforeBlock, MakeRecord('B', {0, 32769, 2}), 9),
+              "row width 32769; expected 1 to 32768");
+    EXPECT_EQ(ErrorIn(beforeBlock, MakeRecord('B', {0, 3, 16385}), 13),
+              "row count 16385; expected 1 to 16384");
     const std::string beforeEnd = kBeforeRows + kRows;
-    EXPECT_EQ(ErrorIn(beforeEnd, Record('b', {3}), 5), "number of rows handed over 3; expected 2");
-    EXPECT_EQ(ErrorIn(beforeEnd + kBlockEnd, Record('p', {2}), 5), "page number 2; expected 1");
-    EXPECT_EQ(ErrorIn(beforeEnd + kBlockEnd + kPageEnd, Record('j', {0}), 5), "page count 0; expected 1");
+    EXPECT_EQ(ErrorIn(beforeEnd, MakeRecord('b', {3}), 5), "number of rows handed over 3; expected 2");
+    EXPECT_EQ(ErrorIn(beforeEnd + kBlockEnd, MakeRecord('p', {2}), 5), "page number 2; expected 1");
+    EXPECT_EQ(ErrorIn(beforeEnd + kBlockEnd + kPageEnd, MakeRecord('j', {0}), 5), "page count 0; expected 1");
 }
 
 TEST(PrintFile, ChecksTheSizeOfEveryRecord) {
-    EXPECT_EQ(ErrorIn("", Record('J', std::string(9, 'x')), 1), "size of job start 9; expected 8");
-    EXPECT_EQ(ErrorIn(kBeforeRows, Record('R', ""), 1), "size of rows 0; expected 1 to 32785");
+    EXPECT_EQ(ErrorIn("", MakeRecord('J', std::string(9, 'x')), 1), "size of job start 9; expected 8");
+    EXPECT_EQ(ErrorIn(kBeforeRows, MakeRecord('R', ""), 1), "size of rows 0; expected 1 to 32785");
     EXPECT_EQ(ErrorIn(kBeforeRows, "R\xFF\xFF\xFF\xFF"s, 1), "size of rows 4294967295; expected 1 to 32785");
 }
 
@@ -173,7 +173,7 @@ TEST(PrintFile, ChecksTheResolutionCommand) {
 
 TEST(PrintFile, ChecksTheCodeOfEveryRow) {
     const auto errorOfRows = [](const std::string& code, size_t within) {
-        return ErrorIn(kBeforeRows, Record('R', code), 5 + within);
+        return ErrorIn(kBeforeRows, MakeRecord('R', code), 5 + within);
     };
     EXPECT_EQ(errorOfRows("\x02", 1), "row 0 of page 1: the record ends within a row");
     EXPECT_EQ(errorOfRows("\x03\x04", 1), "row 1 of page 1: the command does not fit into the row");
@@ -190,8 +190,8 @@ TEST(PrintFile, ChecksTheCodeOfEveryRow) {
 }
 
 TEST(PrintFile, ABlockHasNoMoreRowsThanTheLargestOffsetAllows) {
-    const std::string rows = Record('R', std::string(2 + 4724, '\x03'));
-    EXPECT_EQ(ErrorIn(kBeforeRows, Record('R', std::string(2 + 4724 + 1, '\x03')), 5 + 2 + 4724),
+    const std::string rows = MakeRecord('R', std::string(2 + 4724, '\x03'));
+    EXPECT_EQ(ErrorIn(kBeforeRows, MakeRecord('R', std::string(2 + 4724 + 1, '\x03')), 5 + 2 + 4724),
               "row 4727 of a block of at most 4726");
     EXPECT_EQ(ErrorIn(kBeforeRows + rows, kRows, 5), "row 4727 of a block of at most 4726");
 }
@@ -232,48 +232,6 @@ TEST(PrintFile, EveryChangedByteOfTheRecordsIsAnError) {
             bytes[at] = static_cast<char>(bytes[at] ^ change);
             if (at == number && bytes[at] >= '0' && bytes[at] <= '9') continue;
             ASSERT_NE(ErrorOf(bytes), "") << "byte " << at << " xor " << change;
-        }
-    }
-}
-
-TEST(PrintFile, RandomDamageEndsInAnErrorOrInSoundPages) {
-    std::mt19937 random(99);
-    const std::string sound = MakeFile({kSmallPage, kSmallPage}, "@PJL SET COPIES=3\n@PJL JOB NAME=\"x\"\n");
-    for (int round = 0; round < 20'000; ++round) {
-        std::string bytes = sound;
-        for (size_t changes = 1 + random() % 4; changes > 0; --changes) {
-            const size_t at = random() % bytes.size();
-            switch (random() % 3) {
-                case 0:
-                    bytes[at] = static_cast<char>(random());
-                    break;
-                case 1:
-                    bytes.erase(at, random() % 8);
-                    break;
-                default:
-                    bytes.insert(at, bytes.substr(random() % bytes.size(), random() % 20));
-            }
-        }
-        try {
-            const PrintFile file = ParsePrintFile(AsBytes(bytes));
-            for (const PrintedPage& page : file.pages) ASSERT_EQ(ReadRows(page).size(), page.rows);
-        } catch (const PrintFileError&) {
-        }
-    }
-}
-
-// Correct checksums let the row code reach the decoder.
-TEST(PrintFile, RandomRowCodeEndsInAnErrorOrInSoundPages) {
-    std::mt19937 random(17);
-    for (int round = 0; round < 5'000; ++round) {
-        std::string code(1 + random() % 40, '\0');
-        for (char& each : code)
-            each = random() % 3 ? static_cast<char>(random() % 4) : static_cast<char>(random());
-        const std::string bytes =
-            Opening() + kBeforeRows + Record('R', code) + kBlockEnd + kPageEnd + kJobEnd + kExit;
-        try {
-            ASSERT_EQ(ReadRows(ParsePrintFile(AsBytes(bytes)).pages[0]).size(), 2u);
-        } catch (const PrintFileError&) {
         }
     }
 }

@@ -1,12 +1,8 @@
 #include <gmock/gmock.h>
 
-#include "tests/kit/scratch_folder.h"
 #include "tests/tools/orvexprofile/profile_samples.h"
-#include "tests/tools/orvexprofile/shown_inks.h"
-#include "tools/common/png_file.h"
-#include "tools/orvexprofile/chart.h"
-#include "tools/orvexprofile/ink_preview.h"
 #include "tools/orvexprofile/loaded_profile.h"
+#include "tools/orvexprofile/print_pictures.h"
 
 namespace orvex::tools::profile {
 
@@ -57,20 +53,6 @@ TEST(PrintedPicture, KeepsTheDensityOfThePicture) {
     EXPECT_DOUBLE_EQ(PrintPicture(image, PrintVariant::kOther).pixelsPerInch, 96);
     image.density = PixelDensity{10000, 10000};
     EXPECT_DOUBLE_EQ(PrintPicture(image, PrintVariant::kOther).pixelsPerInch, 254);
-}
-
-TEST(PrintedPicture, IsSavedAsAPngThatReadsBack) {
-    const ScratchFolder scratch;
-    LoadGenericIntoDriver(PrintVariant::kOther);
-    const InkPictures print = PrintPicture(ThreePixels(), PrintVariant::kOther);
-    SavePng(print.composite, 254, scratch.Path() / "a.png");
-    SavePng(print.inks[kMagentaInk], 254, scratch.Path() / "m.png");
-    const RasterImage composite = LoadPng(scratch.Path() / "a.png"),
-                      magenta = LoadPng(scratch.Path() / "m.png");
-    EXPECT_EQ(composite.Row(0)[1], ShownPixel(kRedInks));
-    EXPECT_EQ(magenta.Row(0)[0], 0xFFFFFFu);
-    EXPECT_EQ(magenta.Row(0)[1], 0x000000u);
-    EXPECT_THROW(SavePng(print.composite, 96, scratch.Path() / "none" / "a.png"), std::runtime_error);
 }
 
 class Charts : public testing::Test {
