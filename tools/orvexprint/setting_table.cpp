@@ -1,5 +1,6 @@
 #include "tools/orvexprint/setting_table.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 
@@ -124,10 +125,8 @@ std::optional<double> NumberInUnit(const Setting& setting, std::string_view text
 }
 
 bool Takes(const Setting& setting, int value) {
-    for (const int16_t each : setting.numbers) {
-        if (each == value) return true;
-    }
-    return setting.numbers.empty() && value >= setting.least && value <= setting.most;
+    if (setting.numbers.empty()) return value >= setting.least && value <= setting.most;
+    return std::find(setting.numbers.begin(), setting.numbers.end(), value) != setting.numbers.end();
 }
 
 }  // namespace

@@ -12,14 +12,8 @@ namespace orvex::tools::profile {
 namespace {
 
 std::string TagKind(const TagFacts& tag) {
-    switch (tag.id) {
-        case kNameTag:
-            return "name";
-        case kResolutionTag:
-            return "resolution codes";
-        default:
-            return "unknown kind " + std::to_string(tag.id);
-    }
+    if (tag.id == kNameTag) return "name";
+    return tag.id == kResolutionTag ? "resolution codes" : "unknown kind " + std::to_string(tag.id);
 }
 
 void ReportTags(std::ostream& out, const ProfileFacts& facts) {

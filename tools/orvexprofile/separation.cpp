@@ -66,10 +66,6 @@ Matrix Inverse(const Matrix& m) {
     return inverse;
 }
 
-double Solid(const SolidInk& ink, int channel) {
-    return ink.density[static_cast<size_t>(channel)];
-}
-
 }  // namespace
 
 double ColorInkDeterminant(const SeparationModel& model) {
@@ -88,7 +84,7 @@ Separation::Separation(const SeparationModel& model) : model_(model), masking_(I
 double Separation::BlackShare(double neutral) const {
     const double position = (neutral - model_.blackStart) / (model_.blackDensity - model_.blackStart);
     const double within = std::clamp(position, 0.0, 1.0);
-    return Solid(model_.inks[kBlackInk], 0) * within * within;
+    return model_.inks[kBlackInk].density[0] * within * within;
 }
 
 double Separation::CompressedChroma(double density) const {
@@ -99,7 +95,7 @@ double Separation::CompressedChroma(double density) const {
 // Dots of the amount a cover a + 4ga(1 - a), where g is the gain at one half. The density fraction of a
 // coverage follows from the light that paper and solid ink reflect.
 double Separation::AmountFor(int ink, double fraction) const {
-    const double solid = Solid(model_.inks[ink], MainChannel(ink));
+    const double solid = model_.inks[ink].density[MainChannel(ink)];
     const double covered = (1 - std::pow(10, -fraction * solid)) / (1 - std::pow(10, -solid));
     const double gain = 4 * model_.inks[ink].dotGain / 100;
     if (gain == 0) return covered;
@@ -107,7 +103,7 @@ double Separation::AmountFor(int ink, double fraction) const {
 }
 
 double Separation::FractionOf(int ink, double amount) const {
-    const double solid = Solid(model_.inks[ink], MainChannel(ink));
+    const double solid = model_.inks[ink].density[MainChannel(ink)];
     const double gain = 4 * model_.inks[ink].dotGain / 100;
     const double covered = amount + gain * amount * (1 - amount);
     return -std::log10(1 - covered * (1 - std::pow(10, -solid))) / solid;
@@ -127,7 +123,7 @@ uint32_t Separation::Inks(uint32_t color) const {
     const double black = std::min(BlackShare(NeutralDensity(wanted)), neutral);
     for (double& density : wanted) density = neutral - black + CompressedChroma(density - neutral);
 
-    std::array<double, kInks> fractions = {black / Solid(model_.inks[kBlackInk], 0)};
+    std::array<double, kInks> fractions = {black / model_.inks[kBlackInk].density[0]};
     for (int ink = kCyanInk; ink <= kYellowInk; ++ink) {
         for (int channel = 0; channel < kChannels; ++channel) {
             fractions[ink] += masking_[ink - kCyanInk][channel] * wanted[channel];
@@ -147,7 +143,7 @@ std::array<double, kChannels> Separation::PrintedDensity(uint32_t inks) const {
     for (int ink = 0; ink < kInks; ++ink) {
         const double fraction = FractionOf(ink, InkAmount(inks, ink) / kFullAmount);
         for (int channel = 0; channel < kChannels; ++channel) {
-            printed[channel] += fraction * Solid(model_.inks[ink], channel);
+            printed[channel] += fraction * model_.inks[ink].density[channel];
         }
     }
     return printed;
