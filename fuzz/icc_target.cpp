@@ -9,7 +9,6 @@
 #include "fuzz/input.h"
 #include "fuzz/target.h"
 #include "tools/orvexprofile/icc_profile.h"
-#include "tools/orvexprofile/ink_totals.h"
 #include "tools/orvexprofile/ink_treatment.h"
 #endif
 

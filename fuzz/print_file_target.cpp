@@ -6,7 +6,6 @@
 #include "fuzz/target.h"
 #include "tests/tools/orvexview/made_files.h"
 #include "tools/orvexview/base64_decoder.h"
-#include "tools/orvexview/layout_picture.h"
 #include "tools/orvexview/page_pictures.h"
 #include "tools/orvexview/print_file.h"
 #include "tools/orvexview/report.h"

@@ -8,7 +8,7 @@
 #include "fuzz/input.h"
 #include "fuzz/target.h"
 #include "tests/plain/profile.h"
-#include "tools/orvexprofile/ink_totals.h"
+#include "tools/orvexprofile/ink_treatment.h"
 #include "tools/orvexprofile/profile_writer.h"
 #include "tools/orvexprofile/recipe.h"
 

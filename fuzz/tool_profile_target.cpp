@@ -11,8 +11,7 @@
 #include "tests/driver/profiles/profile_bytes.h"
 #include "tests/plain/profile.h"
 #include "tools/orvexprofile/conversion.h"
-#include "tools/orvexprofile/driver_colors.h"
-#include "tools/orvexprofile/profile_loading.h"
+#include "tools/orvexprofile/loaded_profile.h"
 #include "tools/orvexprofile/profile_writer.h"
 
 namespace orvex::fuzz {

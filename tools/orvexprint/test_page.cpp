@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "tools/common/units.h"
+#include "tools/common/number_text.h"
 #include "tools/orvexprint/barcode.h"
 
 namespace orvex::tools::print {

@@ -1,20 +1,14 @@
 #include <gmock/gmock.h>
 
-#include "tests/kit/scratch_folder.h"
 #include "tests/tools/orvexprofile/profile_samples.h"
-#include "tests/tools/orvexprofile/shown_inks.h"
-#include "tools/common/png_file.h"
-#include "tools/orvexprofile/chart.h"
-#include "tools/orvexprofile/driver_colors.h"
-#include "tools/orvexprofile/ink_preview.h"
-#include "tools/orvexprofile/report.h"
+#include "tools/orvexprofile/loaded_profile.h"
+#include "tools/orvexprofile/print_pictures.h"
 
 namespace orvex::tools::profile {
 
 namespace {
 
 using testing::ElementsAre;
-using testing::HasSubstr;
 using testing::Not;
 
 std::vector<int> PixelAt(const Picture& picture, uint32_t x, uint32_t y) {
@@ -59,20 +53,6 @@ TEST(PrintedPicture, KeepsTheDensityOfThePicture) {
     EXPECT_DOUBLE_EQ(PrintPicture(image, PrintVariant::kOther).pixelsPerInch, 96);
     image.density = PixelDensity{10000, 10000};
     EXPECT_DOUBLE_EQ(PrintPicture(image, PrintVariant::kOther).pixelsPerInch, 254);
-}
-
-TEST(PrintedPicture, IsSavedAsAPngThatReadsBack) {
-    const ScratchFolder scratch;
-    LoadGenericIntoDriver(PrintVariant::kOther);
-    const InkPictures print = PrintPicture(ThreePixels(), PrintVariant::kOther);
-    SavePng(print.composite, 254, scratch.Path() / "a.png");
-    SavePng(print.inks[kMagentaInk], 254, scratch.Path() / "m.png");
-    const RasterImage composite = LoadPng(scratch.Path() / "a.png"),
-                      magenta = LoadPng(scratch.Path() / "m.png");
-    EXPECT_EQ(composite.Row(0)[1], ShownPixel(kRedInks));
-    EXPECT_EQ(magenta.Row(0)[0], 0xFFFFFFu);
-    EXPECT_EQ(magenta.Row(0)[1], 0x000000u);
-    EXPECT_THROW(SavePng(print.composite, 96, scratch.Path() / "none" / "a.png"), std::runtime_error);
 }
 
 class Charts : public testing::Test {
@@ -151,42 +131,6 @@ TEST_F(Charts, WriteOnlyTheAsciiCharactersOfTheTitle) {
     const Picture untitled = DrawChart("", PrintVariant::kOther);
     EXPECT_NE(chart_.samples, untitled.samples);
     EXPECT_EQ(DrawChart("\xC3\xA9Title\n", PrintVariant::kOther).samples, chart_.samples);
-}
-
-TEST(Reports, GroupNumbersByThousands) {
-    EXPECT_EQ(GroupedNumber(0), "0");
-    EXPECT_EQ(GroupedNumber(999), "999");
-    EXPECT_EQ(GroupedNumber(1000), "1,000");
-    EXPECT_EQ(GroupedNumber(134217728), "134,217,728");
-    EXPECT_EQ(FixedNumber(1.26, 1), "1.3");
-    EXPECT_EQ(FixedNumber(3, 3), "3.000");
-}
-
-TEST(Reports, ShowWhatIsWrongWithAVariant) {
-    Variant variant(4913, 0);
-    variant[3] = kNotComputed;
-    variant.back() = PackInks(1, 0, 2, 0);
-    std::ostringstream out;
-    ReportStatistics(out, "inks", MeasureInks(5, variant));
-    EXPECT_THAT(out.str(), HasSubstr("largest total 1020 (400.0 %) at #000030"));
-    EXPECT_THAT(out.str(), HasSubstr("white gets ink: K 1 C 0 M 2 Y 0"));
-    EXPECT_THAT(out.str(), HasSubstr("taken by the driver as not computed (all four inks full): 1"));
-}
-
-TEST(Reports, ShowDifferencesOnlyWhereThereAreAny) {
-    std::ostringstream out;
-    const uint32_t a[] = {PackInks(9, 0, 0, 0), 0}, b[] = {PackInks(5, 0, 0, 0), 0};
-    ReportDifference(out, "Loss", CompareInks(a, b));
-    EXPECT_EQ(out.str(),
-              "  Loss: 1 of 2 colours differ\n"
-              "       largest     mean\n"
-              "    K        4    2.000\n"
-              "    C        0    0.000\n"
-              "    M        0    0.000\n"
-              "    Y        0    0.000\n");
-    out.str("");
-    ReportDifference(out, "Loss", CompareInks(a, a));
-    EXPECT_EQ(out.str(), "  Loss: 0 of 2 colours differ\n");
 }
 
 }  // namespace

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <ostream>
 
-namespace orvex::tools {
+namespace orvex::tools::print {
 
 class Progress {
   public:
@@ -28,4 +28,4 @@ class Progress {
     size_t width_ = 0;  // characters of the line on the terminal
 };
 
-}  // namespace orvex::tools
+}  // namespace orvex::tools::print

@@ -1,9 +1,9 @@
-#include "tools/common/progress.h"
+#include "tools/orvexprint/progress.h"
 
 #include <algorithm>
 #include <string>
 
-namespace orvex::tools {
+namespace orvex::tools::print {
 
 void Progress::Show(uint64_t page, uint64_t done, uint64_t rows) {
     if (!shown_) return;
@@ -24,4 +24,4 @@ void Progress::Clear() {
     width_ = 0;
 }
 
-}  // namespace orvex::tools
+}  // namespace orvex::tools::print

@@ -1,10 +1,10 @@
-#include "tools/common/progress.h"
+#include "tools/orvexprint/progress.h"
 
 #include <gtest/gtest.h>
 
 #include <sstream>
 
-namespace orvex::tools {
+namespace orvex::tools::print {
 
 TEST(Progress, ShowsEachPercentOnceAndClearsItsLine) {
     std::ostringstream out;
@@ -20,13 +20,4 @@ TEST(Progress, ShowsEachPercentOnceAndClearsItsLine) {
               "\rpage 1 of 12: 0 %\rpage 1 of 12: 1 %\rpage 12 of 12: 100 %\r                    \r");
 }
 
-TEST(Progress, IsSilentWithoutATerminal) {
-    std::ostringstream out;
-    {
-        Progress progress(out, false, 3);
-        progress.Show(1, 500, 1000);
-    }
-    EXPECT_EQ(out.str(), "");
-}
-
-}  // namespace orvex::tools
+}  // namespace orvex::tools::print

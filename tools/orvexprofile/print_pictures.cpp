@@ -1,4 +1,4 @@
-#include "tools/orvexprofile/chart.h"
+#include "tools/orvexprofile/print_pictures.h"
 
 #include <algorithm>
 #include <cmath>
@@ -7,13 +7,15 @@
 #include <vector>
 
 #include "driver/color/color_cache.h"
-#include "tools/common/letters.h"
-#include "tools/orvexprofile/ink_preview.h"
-#include "tools/orvexprofile/ink_totals.h"
+#include "tools/common/canvas.h"
+#include "tools/common/number_text.h"
+#include "tools/orvexprofile/ink_treatment.h"
 
 namespace orvex::tools::profile {
 
 namespace {
+
+constexpr double kUsualPixelsPerInch = 96;  // of a picture that states none
 
 constexpr uint32_t kMargin = 16;
 constexpr uint32_t kGap = 8;
@@ -105,6 +107,27 @@ void DrawSlice(Picture& picture, int slice, const InkModel& model) {
 }
 
 }  // namespace
+
+InkModel InkModelOf(PrintVariant variant) {
+    return InkModel(variant == PrintVariant::kAt600 ? 600 : 300);
+}
+
+InkPictures PrintPicture(const RasterImage& picture, PrintVariant variant) {
+    const InkModel model = InkModelOf(variant);
+    InkPictures print;
+    print.composite = Picture(picture.width, picture.height, 3);
+    for (Picture& ink : print.inks) ink = Picture(picture.width, picture.height, 1);
+    print.pixelsPerInch = picture.density ? picture.density->x * kMetersPerInch : kUsualPixelsPerInch;
+    const size_t pixels = size_t{picture.width} * picture.height;
+    for (size_t i = 0; i < pixels; ++i) {
+        const uint32_t inks = LookupColor(picture.pixels[i]);
+        StoreColor(&print.composite.samples[3 * i], model.OnPaper(inks));
+        for (int ink = 0; ink < kInks; ++ink) {
+            print.inks[static_cast<size_t>(ink)].samples[i] = model.Gray(inks, ink);
+        }
+    }
+    return print;
+}
 
 ChartPlace RampPrint(int ramp) {
     const uint32_t row = static_cast<uint32_t>(ramp) / 2, column = static_cast<uint32_t>(ramp) % 2;

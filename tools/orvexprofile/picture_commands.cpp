@@ -1,15 +1,32 @@
-// orvexprofile apply IN.png OUT.png...: shows a picture as the driver would print it.
+// The commands that draw:
+// orvexprofile apply IN.png OUT.png... shows a picture as the driver would print it;
+// orvexprofile chart FILE draws a whole profile.
 #include <array>
+#include <map>
 #include <memory>
+#include <stdexcept>
 
+#include "tools/common/help_format.h"
 #include "tools/common/png_file.h"
 #include "tools/orvexprofile/commands.h"
-#include "tools/orvexprofile/ink_preview.h"
-#include "tools/orvexprofile/profile_loading.h"
+#include "tools/orvexprofile/loaded_profile.h"
+#include "tools/orvexprofile/print_pictures.h"
 
 namespace orvex::tools::profile {
 
 namespace {
+
+// Adds --variant, which says which of the profile's two variants a picture shows.
+void AddVariantOption(CLI::App& command, PrintVariant& variant) {
+    const std::map<std::string, PrintVariant> variants = {{"600", PrintVariant::kAt600},
+                                                          {"other", PrintVariant::kOther}};
+    command
+        .add_option_function<std::string>(
+            "--variant", [&variant, variants](const std::string& name) { variant = variants.at(name); },
+            "The variant of the profile: for 600 dpi, or for other resolutions (default)")
+        ->type_name("600|other")
+        ->check(Unnamed(CLI::IsMember(variants)));
+}
 
 struct ApplyOptions {
     std::string picture;
@@ -55,6 +72,24 @@ void Apply(const ApplyOptions& options, std::ostream& out) {
     out << '\n';
 }
 
+constexpr double kPixelsPerInch = 96;
+
+struct ChartOptions {
+    std::string profile;
+    std::string output;
+    PrintVariant variant = PrintVariant::kOther;
+};
+
+void Chart(const ChartOptions& options, std::ostream& out) {
+    const std::filesystem::path profile = options.profile;
+    const ProfileFacts facts = LoadAccepted(profile, options.variant);
+    const std::string title = profile.filename().string() + "  \"" + facts.Name().value_or("") +
+                              "\"  version " + std::to_string(facts.version) + "  " + NameOf(options.variant);
+    const std::string output = options.output.empty() ? profile.stem().string() + ".png" : options.output;
+    SavePng(DrawChart(title, options.variant), kPixelsPerInch, output);
+    out << "Wrote " << output << '\n';
+}
+
 }  // namespace
 
 void AddApplyCommand(CLI::App& app, std::ostream& out) {
@@ -64,8 +99,7 @@ void AddApplyCommand(CLI::App& app, std::ostream& out) {
     command
         ->add_option("OUT", options->outputs,
                      "The composite to write; the inks' pictures stand beside it as OUT-K.png, OUT-C.png, "
-                     "OUT-M.png and "
-                     "OUT-Y.png, unless named too, in this order")
+                     "OUT-M.png and OUT-Y.png, unless named too, in this order")
         ->required()
         ->type_name("");
     command
@@ -74,6 +108,20 @@ void AddApplyCommand(CLI::App& app, std::ostream& out) {
         ->type_name("FILE");
     AddVariantOption(*command, options->variant);
     command->callback([&out, options] { Apply(*options, out); });
+}
+
+void AddChartCommand(CLI::App& app, std::ostream& out) {
+    CLI::App* command = app.add_subcommand("chart",
+                                           "Draws a profile: ramps of primaries and grey with the curves of "
+                                           "their inks, slices of the colour cube");
+    const auto options = std::make_shared<ChartOptions>();
+    command->add_option("FILE", options->profile, "The profile")->required()->type_name("");
+    command
+        ->add_option("-o,--output", options->output,
+                     "The PNG file to write (default: the profile's name, in the current folder)")
+        ->type_name("FILE");
+    AddVariantOption(*command, options->variant);
+    command->callback([&out, options] { Chart(*options, out); });
 }
 
 }  // namespace orvex::tools::profile

@@ -1,15 +1,32 @@
-// A picture of a whole profile: ramps of the primaries and of gray with the curves of their inks, and slices
-// of the color cube, each as it prints and with the ink that it takes.
+// Pictures of what the driver prints through the loaded profile: a picture as it prints, with the place of
+// each ink, and a chart of the whole profile.
+//
+// The chart has ramps of the primaries and of gray with the curves of their inks, and slices of the color
+// cube, each as it prints and with the ink that it takes.
 #pragma once
 
 #include <array>
 #include <cstdint>
 #include <string_view>
 
+#include "driver/color/ink.h"
+#include "tools/common/ink_model.h"
 #include "tools/common/picture.h"
 #include "tools/orvexprofile/profile.h"
 
 namespace orvex::tools::profile {
+
+// Returns the model by which a preview shows a variant: full ink is 255, and half of that at 600 dpi.
+InkModel InkModelOf(PrintVariant variant);
+
+struct InkPictures {
+    Picture composite;                // in color, on white paper
+    std::array<Picture, kInks> inks;  // K, C, M, Y, in gray: white without ink, black for full ink
+    double pixelsPerInch = 0;
+};
+
+// Prints the picture through the loaded profile.
+InkPictures PrintPicture(const RasterImage& picture, PrintVariant variant);
 
 struct ChartPlace {
     uint32_t x;
