@@ -5,7 +5,7 @@
 #include <iostream>
 
 #include "driver/device_instance.h"
-#include "tests/driver/driver_fixture.h"
+#include "tests/kit/driver_fixture.h"
 #include "tests/kit/picture.h"
 #include "tests/system/endurance/marked_page.h"
 #include "tests/system/endurance/process_figures.h"

@@ -1,7 +1,7 @@
 // A page printed while somebody else holds the log's mutex.
 
 #include "driver/support/handle.h"
-#include "tests/driver/driver_fixture.h"
+#include "tests/kit/driver_fixture.h"
 #include "tests/system/endurance/mutex_holder.h"
 
 namespace orvex {

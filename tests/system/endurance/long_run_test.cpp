@@ -6,9 +6,9 @@
 #include <chrono>
 #include <iostream>
 
+#include "tests/kit/heap_watch.h"
 #include "tests/kit/log_capture.h"
 #include "tests/kit/scratch_folder.h"
-#include "tests/system/endurance/driver_memory.h"
 #include "tests/system/endurance/helper/job_kinds.h"
 #include "tests/system/endurance/other_process.h"
 #include "tests/system/endurance/process_figures.h"
@@ -66,7 +66,7 @@ TEST_F(LongRun, NeitherGrowsNorChangesWhatItPrints) {
     const size_t kinds = JobKinds().size();
     const size_t warm = 2 * kinds;
     DriverSession session(JobSession(installation_.Path()));
-    const DriverMemory memory(session.Driver());
+    const HeapWatch heap(session.Driver().Module());
     std::vector<std::string> firsts;
     std::vector<JobRecord> records;
     records.reserve(kJobs);
@@ -83,7 +83,7 @@ TEST_F(LongRun, NeitherGrowsNorChangesWhatItPrints) {
         }
         log.reset();
         std::string().swap(bytes);
-        records.push_back({MeasureProcess(), memory.LiveBytes(), elapsed.count() / kPagesAJob});
+        records.push_back({MeasureProcess(), heap.LiveBytes(), elapsed.count() / kPagesAJob});
     }
 
     const JobRecord& early = records[warm - 1];

@@ -31,7 +31,7 @@ TEST(SameWork, IsDoneForLateJobsAsForEarlyOnes) {
     const ScratchFolder installation;
     InstallJobProfiles(installation.Path());
     DriverSession session(JobSession(installation.Path()));
-    DebugHeap heap(session.Driver().Module());
+    HeapWatch heap(session.Driver().Module());
     CallWatch watch(session.Driver().Module(), heap);
 
     std::vector<std::vector<std::string>> early;

@@ -34,7 +34,7 @@ CallWatch::Aside::~Aside() {
     --currentWatch->aside_;
 }
 
-CallWatch::CallWatch(HMODULE module, DebugHeap& heap) : heap_(heap) {
+CallWatch::CallWatch(HMODULE module, HeapWatch& heap) : heap_(heap) {
     currentWatch = this;
     patches_.push_back(
         std::make_unique<ImportPatch>(module, "GetTickCount", reinterpret_cast<void*>(&StandingClock)));

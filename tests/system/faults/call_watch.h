@@ -16,7 +16,7 @@
 #include <vector>
 
 #include "platform/windows.h"
-#include "tools/host/debug_heap.h"
+#include "tests/kit/heap_watch.h"
 #include "tools/host/import_patch.h"
 
 namespace orvex {
@@ -60,7 +60,7 @@ DWORD LastErrorOf(const WatchedCall& call);
 
 class CallWatch {
   public:
-    CallWatch(HMODULE module, DebugHeap& heap);
+    CallWatch(HMODULE module, HeapWatch& heap);
     ~CallWatch();
     CallWatch(const CallWatch&) = delete;
     CallWatch& operator=(const CallWatch&) = delete;
@@ -98,7 +98,7 @@ class CallWatch {
     int aside_ = 0;
     std::map<HANDLE, std::string> open_;
     std::vector<std::unique_ptr<ImportPatch>> patches_;
-    DebugHeap& heap_;
+    HeapWatch& heap_;
 };
 
 // The living watch; null when there is none.

@@ -81,14 +81,6 @@ std::vector<std::string> MessagesIn(const std::vector<std::string>& lines) {
 
 }  // namespace
 
-std::vector<std::string> JobRecord::Refusals() const {
-    std::vector<std::string> hooks;
-    for (const HookAnswer& answer : answers) {
-        if (!answer.accepted) hooks.push_back(answer.hook);
-    }
-    return hooks;
-}
-
 FaultTest::FaultTest() : directory_(fs::current_path()) {
     SetInputs(JobInputs::kAll);
     installation.Write("profilenames.inf", BytesOf(kProfileNames));
@@ -116,18 +108,19 @@ void FaultTest::Reload() {
     misuses_ = complaints_ = 0;
 }
 
-std::string FaultTest::LogFileName() {
-    return Session().Driver().LogPath().filename().string();
-}
-
 bool FaultTest::Hook(const std::string& name, const std::function<bool()>& call) {
-    const std::string place = name + " " + std::to_string(++hookCalls_[name]);
-    watch_->Enter(place);
+    HookRecord hook;
+    hook.name = name + " " + std::to_string(++hookCalls_[name]);
+    Printer().written.clear();
+    watch_->Enter(hook.name);
     SetLastError(ERROR_SUCCESS);
-    const bool accepted = call();
-    record_.answers.push_back({place, accepted, GetLastError()});
+    hook.accepted = call();
+    hook.lastError = GetLastError();
     watch_->Leave();
-    return accepted;
+    hook.output = Printer().written;
+    hook.log = MessagesIn(LogLines());
+    record_.hooks.push_back(hook);
+    return hook.accepted;
 }
 
 std::unique_ptr<Device> FaultTest::MakeDevice() {
@@ -170,13 +163,14 @@ void FaultTest::PrintPages(std::unique_ptr<Device>* device) {
         if (page == 2) *device = ResetDevice(std::move(*device));
         if (!Hook("DrvStartPage", [&] { return Session().StartPage(**device); })) return;
         DrawPage(*(*device)->Surface(), page);
-        Hook("DrvSendPage", [&] { return Session().SendPage(**device); });
+        const bool skipped = static_cast<int>(inputs_) ==
+                             static_cast<int>(JobInputs::kNoFirstPage) - 1 + static_cast<int>(page);
+        Hook("DrvSendPage", [&] { return skipped || Session().SendPage(**device); });
     }
 }
 
 JobRecord FaultTest::Run(size_t failingCall) {
     Printer().data = {};
-    Printer().written.clear();
     LogLines();
     record_ = {};
     hookCalls_.clear();
@@ -189,8 +183,6 @@ JobRecord FaultTest::Run(size_t failingCall) {
         }
         CloseDevice(std::move(device));
     }
-    record_.written = Printer().written;
-    record_.log = MessagesIn(LogLines());
     record_.calls = watch_->TakeCalls();
     return std::move(record_);
 }
@@ -214,6 +206,7 @@ std::vector<std::string> FaultTest::LeftBehind() {
         left.push_back("another current directory");
         fs::current_path(directory_);
     }
+    watch_->CloseHandles();
     return left;
 }
 

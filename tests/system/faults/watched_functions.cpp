@@ -48,8 +48,10 @@ std::string Subject(UINT codePage) {
     return std::to_string(codePage);
 }
 
-// A line of the job header by its variable, anything else as data.
+// Returns the variable of a line of the job header, "thumbnail" for the text of a PNG file, "data" for the
+// rest.
 std::string WrittenSubject(std::string_view bytes) {
+    if (bytes.starts_with("iVBOR")) return "thumbnail";
     if (bytes.starts_with("@PJL JOB NAME=")) return "JOB NAME";
     if (!bytes.starts_with("@PJL SET ")) return bytes == "\"\n" ? "closing quote" : "data";
     bytes.remove_prefix(sizeof "@PJL SET " - 1);

@@ -17,7 +17,7 @@ namespace {
 const std::vector<std::set<std::string>> kUnwatched = {
     // can't fail
     {"GetCurrentThreadId", "GetLastError", "GetSystemTime", "GetTickCount", "SetLastError"},
-    // the heap, whose allocations fail all the same: a DebugHeap stands in their place
+    // the heap, whose allocations fail all the same: a HeapWatch stands in their place
     {"LocalAlloc", "LocalFree", "calloc", "free", "malloc", "realloc"},
 #ifdef _WIN32
     // plain work on texts and memory

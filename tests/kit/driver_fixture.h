@@ -10,10 +10,10 @@
 #include <vector>
 
 #include "driver/config/device_mode.h"
-#include "tests/driver/recording_engine.h"
+#include "tests/kit/heap_watch.h"
 #include "tests/kit/log_capture.h"
+#include "tests/kit/recording_engine.h"
 #include "tests/kit/scratch_folder.h"
-#include "tools/host/debug_heap.h"
 #include "tools/host/driver_session.h"
 
 namespace orvex {
@@ -54,7 +54,7 @@ class DriverTest : public testing::Test {
     static PDEV& InstanceOf(const Device& device) { return *reinterpret_cast<PDEV*>(device.Instance()); }
 
     // Returns the heap of the driver's allocations.
-    DebugHeap& Heap() { return *heap_; }
+    HeapWatch& Heap() { return *heap_; }
     // Describes the blocks that the driver has not freed, except the two paths of the log, which it keeps.
     std::vector<std::string> LeftOnHeap() const;
 
@@ -72,7 +72,7 @@ class DriverTest : public testing::Test {
     void Unload();
 
     std::optional<DriverSession> session_;
-    std::optional<DebugHeap> heap_;
+    std::optional<HeapWatch> heap_;
     std::optional<LogCapture> log_;
 };
 

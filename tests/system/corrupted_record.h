@@ -10,7 +10,7 @@
 
 #include "driver/config/device_mode.h"
 
-namespace orvex::fuzz {
+namespace orvex {
 
 struct Field {
     size_t offset;
@@ -162,4 +162,4 @@ inline constexpr size_t kExtras[] = {0,   1,   3,   4,   5,   32,  33,  95,   96
                                      136, 137, 138, 139, 144, 159, 160, 161,  162,  479,
                                      679, 680, 694, 695, 696, 697, 699, 1000, 4096, 65535};
 
-}  // namespace orvex::fuzz
+}  // namespace orvex

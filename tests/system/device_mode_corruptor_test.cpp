@@ -14,13 +14,13 @@
 #include <vector>
 
 #include "driver/device_instance.h"
-#include "tests/fuzz/corrupted_record.h"
 #include "tests/kit/scratch_folder.h"
 #include "tests/plain/device_mode.h"
 #include "tests/plain/device_mode_rules.h"
+#include "tests/system/corrupted_record.h"
 #include "tools/host/driver_session.h"
 
-namespace orvex::fuzz {
+namespace orvex {
 
 using namespace tools;
 namespace {
@@ -295,4 +295,4 @@ TEST_F(DeviceModeCorruptor, MixesBoundaryValuesSizesAndNoiseAtRandom) {
     EXPECT_GT(refused_, kRandomRecords / 10);
 }
 
-}  // namespace orvex::fuzz
+}  // namespace orvex
