@@ -1,7 +1,9 @@
 #include "tests/system/faults/documented_answers.h"
 
 #include <algorithm>
+#include <iterator>
 #include <regex>
+#include <tuple>
 
 namespace orvex {
 
@@ -72,34 +74,27 @@ constexpr CallText kMessages[] = {
 };
 
 // Messages that some failures log, or that follow from one.
-constexpr const char* kOtherMessages[] = {
+constexpr char kOtherMessages[] =
     // out of memory, or no installation folder
-    "[Error] Error: could get app path",
-    "[Error] GetPrinterName: malloc failed",
-    "[Error] Could not read label list from registry: 0x8",
-    "[Error] Error: could not allocate rows of 300 pixels",
+    "[Error] Error: could get app path|[Error] GetPrinterName: malloc failed|"
+    "[Error] Could not read label list from registry: 0x8|[Error] Error: could not allocate rows of 300 pixels|"
     // labels that are not imported, imported later or read again
-    "[Error] Could not * label list * registry: 0x5",
-    "[Error] Could not find label list in registry: 0x2",
-    "[Error] Error adding label to registry!",
-    "[Error] Could not read label *: 0x2",
-    "[Error] Add Small 25.4 28 0",
-    "[Error] Add Strip 25.4 25.4 0",
-    "[Info]  dwPageWidth 300<-254",
-    "[Info]  dwPageLength 400<-254",
+    "[Error] Could not * label list * registry: 0x5|[Error] Could not find label list in registry: 0x2|"
+    "[Error] Error adding label to registry!|[Error] Could not read label *: 0x2|"
+    "[Error] Add Small 25.4 28 0|[Error] Add Strip 25.4 25.4 0|"
+    "[Info]  dwPageWidth 300<-254|[Info]  dwPageLength 400<-254|"
     // a profile whose name can't be converted
-    "[Info]  read_profile 0 48 *",
-    "[Error] error reading profile *!",
+    "[Info]  read_profile 0 48 *|[Error] error reading profile *!|"
     // no thumbnail
-    "[Info]  failed to alloc thumbnail bytes",
-    "[Info]  pngencode 83",
-    "[Info]  failed to generate png",
-    "[Info]  failed to generate base64 png",
-    "[Info]  Clearing thumbnail as not used!",
+    "[Info]  failed to alloc thumbnail bytes|[Info]  pngencode 83|[Info]  failed to generate png|"
+    "[Info]  failed to generate base64 png|[Info]  Clearing thumbnail as not used!|"
     // a page that is not finished: the next one brings the job header, or the engine refuses all that follows
-    "[Error] Error: page * res missed!!!!!!!!!!!!!!!!!!!",
-    "[Info]  [UI]:Show_Chunked=:1",
-};
+    "[Error] Error: page * res missed!!!!!!!!!!!!!!!!!!!|[Info]  [UI]:Show_Chunked=:1";
+
+// The messages with which a page or a job ends early.
+constexpr char kStops[] =
+    "[Error] Error: could not start a *|[Error] Error: could not send raster row *|"
+    "[Error] Error: could not end *|[Error] Error: could not allocate rows of 300 pixels";
 
 // Calls that belong to an input, by the hook that reads it.
 struct InputCalls {
@@ -142,26 +137,26 @@ std::string HookOf(const WatchedCall& call) {
     return call.place.substr(0, call.place.find('/'));
 }
 
-// Returns the label, or for a write to the printer the engine's call that it is part of.
-std::string SpeakerOf(const WatchedCall& call) {
-    const size_t entry = call.place.find('/');
-    return call.function == "WritePrinter" && entry != std::string::npos ? call.place.substr(entry + 1)
-                                                                         : call.Label();
-}
-
 // Returns the patterns of the message that the failure always logs; null if there is none.
 const char* MessageOf(const WatchedCall& call) {
     if (Matches(call.Label(), kUncheckedWrites)) return nullptr;
-    const auto row = std::find_if(std::begin(kMessages), std::end(kMessages),
-                                  [&](const CallText& each) { return Matches(SpeakerOf(call), each.calls); });
-    return row == std::end(kMessages) ? nullptr : row->text;
+    const std::string speaker =
+        call.function == "WritePrinter" ? call.place.substr(call.place.find('/') + 1) : call.Label();
+    for (const CallText& row : kMessages) {
+        if (Matches(speaker, row.calls)) return row.text;
+    }
+    return nullptr;
+}
+
+bool AnyMatches(const Lines& lines, std::string_view pattern) {
+    return std::any_of(lines.begin(), lines.end(),
+                       [&](const std::string& line) { return Matches(line, pattern); });
 }
 
 bool IsDocumented(const std::string& line) {
-    return std::any_of(std::begin(kMessages), std::end(kMessages),
-                       [&](const CallText& row) { return Matches(line, row.text); }) ||
-           std::any_of(std::begin(kOtherMessages), std::end(kOtherMessages),
-                       [&](const char* each) { return Matches(line, each); });
+    return Matches(line, kOtherMessages) ||
+           std::any_of(std::begin(kMessages), std::end(kMessages),
+                       [&](const CallText& row) { return Matches(line, row.text); });
 }
 
 // Returns the lines of a log that the other one lacks.
@@ -179,140 +174,107 @@ std::string WithoutNames(const std::string& text) {
     return std::regex_replace(text, kNames, "$1");
 }
 
+// Returns the lines that differ from each of the others in more than a name.
+Lines WithoutCut(Lines lines, const Lines& others) {
+    std::erase_if(lines, [&](const std::string& line) {
+        return std::any_of(others.begin(), others.end(), [&](const std::string& other) {
+            return WithoutNames(line) == WithoutNames(other);
+        });
+    });
+    return lines;
+}
+
 const HookRecord* Find(const JobRecord& job, const std::string& hook) {
     const auto found = std::find_if(job.hooks.begin(), job.hooks.end(),
                                     [&](const HookRecord& each) { return each.name == hook; });
     return found == job.hooks.end() ? nullptr : &*found;
 }
 
-// One job with a failing call, compared with a job of the inputs that it may fall back on.
-class Comparison {
-  public:
-    Comparison(const JobRecord& job, size_t failing, const CleanJobs& clean, JobInputs fallback)
-        : job_(job),
-          call_(job.calls[failing]),
-          clean_(clean),
-          usual_(clean.at(JobInputs::kAll)),
-          fallback_(clean.at(fallback)),
-          fallsBack_(fallback != JobInputs::kAll) {
-        for (size_t i = 0; i < failing; ++i) {
+// The failing call, and what its hook had done before.
+struct Failure {
+    Failure(const JobRecord& job, size_t number) : call(job.calls[number]), label(call.Label()) {
+        for (size_t i = 0; i < number; ++i) {
             const WatchedCall& before = job.calls[i];
-            if (HookOf(before) != HookOf(call_)) continue;
-            if (before.function == "WritePrinter") bytesBefore_ += before.bytes;
-            if (before.Label() == "WriteFile orvexgdi.txt") ++linesBefore_;
+            if (HookOf(before) != HookOf(call)) continue;
+            if (before.function == "WritePrinter") bytesBefore += before.bytes;
+            if (before.Label() == "WriteFile orvexgdi.txt") ++linesBefore;
         }
     }
 
-    Lines BrokenRules() {
-        bool failed = false;
-        for (const HookRecord& hook : job_.hooks) {
-            const HookRecord* usual = Find(usual_, hook.name);
-            const HookRecord* fallback = Find(fallback_, hook.name);
-            Require(usual != nullptr && fallback != nullptr, hook, "is not called otherwise");
-            if (!broken_.empty()) return broken_;
-            const bool failsHere = hook.name == HookOf(call_);
-            failed = failed || failsHere;
-            if (!failed) {
-                Require(hook.SameAs(*usual), hook, "differs before the call");
-                continue;
-            }
-            came_ = Without(Without(hook.log, usual->log), fallback->log);
-            gone_ = Without(usual->log, Without(usual->log, fallback->log));
-            gone_ = Without(gone_, hook.log);
-            if (failsHere) CheckFailingHook(hook, *usual);
-            Require(failsHere || hook.accepted, hook, "refuses");
-            CheckOutput(hook, *usual, *fallback, failsHere);
-            CheckLog(hook, failsHere);
-        }
-        Require(failed, job_.hooks.back(), "is the last hook: the one with the call is missing");
-        return broken_;
-    }
-
-  private:
-    void Require(bool rule, const HookRecord& hook, const std::string& text) {
-        if (!rule) broken_.push_back(hook.name + " " + text);
-    }
-
-    bool Complains() const {
-        return std::any_of(came_.begin(), came_.end(),
-                           [](const std::string& line) { return line.starts_with("[Error]"); });
-    }
-
-    void CheckFailingHook(const HookRecord& hook, const HookRecord& usual) {
-        const std::string label = call_.Label();
-        const size_t lines = std::min(linesBefore_, hook.log.size());
-        Require(lines == linesBefore_ &&
-                    std::equal(hook.log.begin(), hook.log.begin() + static_cast<ptrdiff_t>(lines),
-                               usual.log.begin()),
-                hook, "logs something else before the call");
-        const bool onTheWay = hook.name == "DrvStartDoc 1" && Matches(label, kWayToEngine) && Complains();
-        Require(hook.accepted ? !Matches(label, kSetUp) : Matches(label, kSetUp) || onTheWay, hook,
-                hook.accepted ? "succeeds without what it sets up" : "refuses");
-        const DWORD code = LastErrorOf(call_);
-        Require(hook.accepted || code == 0 || hook.lastError == code, hook, "leaves another last error");
-        if (const char* message = MessageOf(call_)) {
-            Require(std::any_of(hook.log.begin() + static_cast<ptrdiff_t>(lines), hook.log.end(),
-                                [&](const std::string& line) { return Matches(line, message); }),
-                    hook, std::string("does not log \"") + message + "\"");
-        }
-    }
-
-    void CheckOutput(const HookRecord& hook, const HookRecord& usual, const HookRecord& fallback,
-                     bool failsHere) {
-        if (hook.output == fallback.output || hook.output == usual.output) return;
-        if (Matches(call_.Label(), kCutsText) && WithoutNames(hook.output) == WithoutNames(fallback.output))
-            return;
-        if (failsHere && Matches(call_.Label(), kUncheckedWrites)) {
-            Require(hook.output == std::string(usual.output).erase(bytesBefore_, call_.bytes), hook,
-                    "lacks more than the write that failed");
-        } else if (Complains() || !hook.accepted) {
-            Require(hook.output == usual.output.substr(0, failsHere ? bytesBefore_ : 0), hook,
-                    "prints on in spite of its error");
-        } else {
-            Require(false, hook,
-                    "prints " + std::to_string(hook.output.size()) + " other bytes, not " +
-                        std::to_string(usual.output.size()));
-        }
-    }
-
-    // Leaves out the lines that differ from one of the others only in a name.
-    static void EraseCut(Lines& lines, const Lines& others) {
-        std::erase_if(lines, [&](const std::string& line) {
-            return std::any_of(others.begin(), others.end(), [&](const std::string& other) {
-                return WithoutNames(line) == WithoutNames(other);
-            });
-        });
-    }
-
-    void CheckLog(const HookRecord& hook, bool failsHere) {
-        const std::string label = call_.Label();
-        if (Matches(label, kCutsText)) {
-            const Lines came = came_;
-            EraseCut(came_, gone_);
-            EraseCut(gone_, came);
-        }
-        if (failsHere && Matches(label, kLosesText) && came_.size() == 1 && gone_.size() == 1) return;
-        for (const std::string& line : came_) Require(IsDocumented(line), hook, "logs \"" + line + "\"");
-        if (gone_.empty() || !hook.accepted || Complains()) return;
-        const bool mayLose =
-            (failsHere && Matches(label, kLosesMessage) && gone_.size() == 1) || (failsHere && fallsBack_) ||
-            (failsHere && !came_.empty()) ||
-            (failsHere && hook.name.starts_with("DrvEnablePDEV") && Matches(label, kListsProfiles)) ||
-            Matches(label, kLosesSwitch);
-        Require(mayLose, hook, "does not log \"" + gone_.front() + "\"");
-    }
-
-    const JobRecord& job_;
-    const WatchedCall& call_;
-    const CleanJobs& clean_;
-    const JobRecord& usual_;
-    const JobRecord& fallback_;
-    const bool fallsBack_;
-    size_t bytesBefore_ = 0;  // printed by the hook when the call came
-    size_t linesBefore_ = 0;  // logged by it
-    Lines came_, gone_;       // in the log of the hook that is being checked
-    Lines broken_;
+    const WatchedCall& call;
+    std::string label;
+    size_t bytesBefore = 0;
+    ptrdiff_t linesBefore = 0;
 };
+
+// Returns the rule that a hook breaks which ends after the failure, in words; empty if it breaks none.
+// `fallback` is the hook in the job of fewer inputs, or `usual` itself.
+std::string BrokenRule(const Failure& failure, const HookRecord& hook, const HookRecord& usual,
+                       const HookRecord& fallback) {
+    const std::string& label = failure.label;
+    const bool fails = hook.name == HookOf(failure.call);
+    Lines came = Without(Without(hook.log, usual.log), fallback.log);
+    Lines gone = Without(Without(usual.log, Without(usual.log, fallback.log)), hook.log);
+    if (Matches(label, kCutsText))
+        std::tie(came, gone) = std::pair(WithoutCut(came, gone), WithoutCut(gone, came));
+
+    const bool needed = fails && Matches(label, kSetUp);
+    const bool onTheWay =
+        fails && hook.name == "DrvStartDoc 1" && Matches(label, kWayToEngine) && !came.empty();
+    if (hook.accepted && needed) return "succeeds without what it sets up";
+    if (!hook.accepted && !needed && !onTheWay) return "refuses";
+    const DWORD code = LastErrorOf(failure.call);
+    if (!hook.accepted && code != 0 && hook.lastError != code) return "leaves another last error";
+
+    const bool stops = !hook.accepted || AnyMatches(came, kStops);
+    std::string output = usual.output;
+    if (fails && Matches(label, kUncheckedWrites))
+        output.erase(failure.bytesBefore, failure.call.bytes);
+    else if (stops)
+        output.resize(fails ? failure.bytesBefore : 0);
+    if (hook.output != output && hook.output != usual.output && hook.output != fallback.output &&
+        !(Matches(label, kCutsText) && WithoutNames(hook.output) == WithoutNames(fallback.output)))
+        return "prints other bytes";
+
+    const char* message = fails ? MessageOf(failure.call) : nullptr;
+    if (message != nullptr && !AnyMatches(hook.log, message)) return std::string("does not log ") + message;
+    if (fails && Matches(label, kLosesText) && came.size() == 1 && gone.size() == 1) return "";
+    for (const std::string& line : came) {
+        if (!IsDocumented(line)) return "logs " + line;
+    }
+    const bool mayLose = stops || Matches(label, kLosesSwitch) || (fails && !came.empty()) ||
+                         (fails && &fallback != &usual) ||
+                         (fails && Matches(label, kLosesMessage) && gone.size() == 1) ||
+                         (fails && Matches(hook.name, "DrvEnablePDEV *") && Matches(label, kListsProfiles));
+    return gone.empty() || mayLose ? "" : "does not log " + gone.front();
+}
+
+// Returns the rules that the hooks of a job break, held against a job in which nothing fails and one of fewer
+// inputs.
+Lines BrokenRules(const JobRecord& job, size_t failing, const JobRecord& usualJob,
+                  const JobRecord& fallbackJob) {
+    const Failure failure(job, failing);
+    Lines broken;
+    bool failed = false;
+    for (const HookRecord& hook : job.hooks) {
+        const HookRecord* usual = Find(usualJob, hook.name);
+        const HookRecord* fallback = Find(fallbackJob, hook.name);
+        if (usual == nullptr || fallback == nullptr) return {hook.name + " is called only here"};
+        std::string rule;
+        const bool fails = hook.name == HookOf(failure.call);
+        const ptrdiff_t lines = fails ? failure.linesBefore : std::ssize(hook.log);
+        failed = failed || fails;
+        if (!failed && !hook.SameAs(*usual))
+            rule = "differs before the call";
+        else if (fails && !std::equal(usual->log.begin(), usual->log.begin() + lines, hook.log.begin(),
+                                      hook.log.begin() + std::min(lines, std::ssize(hook.log))))
+            rule = "logs something else before the call";
+        else if (failed)
+            rule = BrokenRule(failure, hook, *usual, *fallback);
+        if (!rule.empty()) broken.push_back(hook.name + " " + rule);
+    }
+    return broken;
+}
 
 }  // namespace
 
@@ -324,14 +286,15 @@ bool Matches(std::string_view text, std::string_view pattern) {
 }
 
 std::vector<std::string> BrokenRules(const JobRecord& job, size_t failing, const CleanJobs& clean) {
-    const Lines broken = Comparison(job, failing, clean, JobInputs::kAll).BrokenRules();
-    if (broken.empty()) return {};
+    const JobRecord& usual = clean.at(JobInputs::kAll);
+    const Lines broken = BrokenRules(job, failing, usual, usual);
     const WatchedCall& call = job.calls[failing];
-    for (const InputCalls& each : kInputCalls) {
-        if (!Matches(call.place, each.place) || !Matches(call.Label(), each.calls)) continue;
-        if (Comparison(job, failing, clean, each.without).BrokenRules().empty()) return {};
-    }
-    return broken;
+    const bool fallsBack =
+        std::any_of(std::begin(kInputCalls), std::end(kInputCalls), [&](const InputCalls& each) {
+            return Matches(call.place, each.place) && Matches(call.Label(), each.calls) &&
+                   BrokenRules(job, failing, usual, clean.at(each.without)).empty();
+        });
+    return fallsBack ? Lines() : broken;
 }
 
 std::vector<std::string> DocumentedLeftovers(const WatchedCall& failed) {
