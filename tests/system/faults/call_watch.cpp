@@ -4,7 +4,6 @@
 
 namespace orvex {
 
-using namespace tools;
 namespace {
 
 CallWatch* currentWatch = nullptr;

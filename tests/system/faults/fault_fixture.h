@@ -1,7 +1,6 @@
-// A job of three pages, small but with everything a job can have: labels imported and looked up, a profile,
-// color adjustment, a job header with a thumbnail, and a device that is reset after the first page. It is
-// driven hook by hook as a graphics engine does, stopping where a hook refuses, and all the driver's calls
-// are watched.
+// A small job of three pages with everything a job can have: labels to import and to look up, a profile,
+// color adjustment, a job header with a thumbnail, and a device reset after the first page. It calls hook by
+// hook as a graphics engine does, stops where a hook refuses, and watches all calls of the driver.
 #pragma once
 
 #include <functional>
@@ -14,8 +13,8 @@
 
 namespace orvex {
 
-// What the job is printed from. A failure often has the driver print as if one input were missing, and then
-// the job must equal one that is printed without that input.
+// The inputs of the job. A failure often has the driver print as if one of them were missing, and then the
+// job must equal one that is printed without that input.
 enum class JobInputs {
     kAll,
     kNoThumbnail,   // settings.inf asks for none
@@ -28,8 +27,8 @@ enum class JobInputs {
     kNoFirstPage,   // DrvSendPage is not called for it
     kNoSecondPage,
     kNoThirdPage,
+    kCount,
 };
-inline constexpr int kInputChoices = 11;
 
 // One hook of a job: its answer, what the printer got from it, and what it logged.
 struct HookRecord {

@@ -48,7 +48,7 @@ class Sweep : public FaultTest {
 Sweep::Sweep() {
     Run();  // what a process does only once
     usual_ = Run();
-    for (int inputs = kInputChoices - 1; inputs >= 0; --inputs) {
+    for (int inputs = static_cast<int>(JobInputs::kCount); inputs-- > 0;) {
         SetInputs(JobInputs{inputs});
         clean_[JobInputs{inputs}] = Run();
     }
@@ -137,5 +137,29 @@ TEST_P(JobFaults, AreAnsweredAsDocumentedAndLeaveNothingBehind) {
 
 INSTANTIATE_TEST_SUITE_P(Of, JobFaults, testing::ValuesIn(FunctionsOfTheJob()),
                          [](const auto& function) { return function.param; });
+
+#ifdef _WIN32
+// Natively the driver is part of the program, which has settled the path long before.
+TEST_F(FaultTest, LosesNoMoreThanLinesWhileTheLogsPathIsSettled) {
+    Reload();
+    const JobRecord usual = Run();
+    const std::string path = "malloc " + std::to_string(Session().Driver().LogName().size() + 1);
+    std::vector<std::string> failed;
+    for (size_t i = 0; i < usual.calls.size(); ++i) {
+        if (!Matches(usual.calls[i].Label(), "GetModuleFileNameA|" + path)) continue;
+        Reload();
+        const JobRecord job = Run(i);
+        failed.push_back(job.calls.at(i).function);
+        for (size_t h = 0; h < usual.hooks.size(); ++h) {
+            EXPECT_TRUE(job.hooks.at(h).accepted && job.hooks[h].output == usual.hooks[h].output);
+            EXPECT_THAT(job.hooks[h].log, testing::IsSubsetOf(usual.hooks[h].log));
+        }
+        EXPECT_THAT(LeftBehind(), IsEmpty());
+        EXPECT_TRUE(Run().SameAs(usual));
+    }
+    // The path of the file with the log's switch comes first, then the log's own.
+    EXPECT_THAT(failed, testing::ElementsAre("GetModuleFileNameA", "malloc", "GetModuleFileNameA", "malloc"));
+}
+#endif
 
 }  // namespace orvex

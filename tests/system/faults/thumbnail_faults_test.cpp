@@ -1,22 +1,17 @@
+// Makes a thumbnail with every single allocation failing. On Windows the encoder is out of reach inside the
+// driver, and only the job's own faults cover it.
 #ifndef _WIN32
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <memory>
 #include <string>
 #include <vector>
 
 #include "driver/thumbnail.h"
 #include "tests/kit/heap_watch.h"
 #include "tests/kit/picture.h"
-#endif
 
 namespace orvex {
-
-using namespace tools;
-// The making of a thumbnail with every single allocation failing. On Windows the encoder is out of reach
-// inside the driver, and only the allocations that the jobs choose fail.
-#ifndef _WIN32
 
 namespace {
 
@@ -60,6 +55,5 @@ TEST(ThumbnailFaults, LeaveNoBrokenPictureAndNothingBehind) {
     }
 }
 
-#endif
-
 }  // namespace orvex
+#endif

@@ -1,4 +1,4 @@
-// The functions that a CallWatch sees, one row each, and what stands in their place.
+// The table of the functions that a CallWatch sees, and their replacements.
 
 #include <algorithm>
 #include <string_view>
@@ -12,10 +12,9 @@
 
 namespace orvex {
 
-using namespace tools;
 namespace {
 
-// A function's name as a template's argument.
+// A function's name as a template argument.
 template <size_t N>
 struct Name {
     constexpr Name(const char (&name)[N]) { std::copy_n(name, N, text); }
@@ -34,7 +33,7 @@ std::string BaseName(const std::string& path) {
     return path.substr(path.find_last_of("\\/") + 1);
 }
 
-// What a call is about, from the argument that says so.
+// Return what a call is about, from the argument that tells it.
 std::string Subject(const char* text) {
     return text == nullptr ? "" : BaseName(text);
 }
@@ -69,7 +68,7 @@ Result ResultOf(uint64_t bits) {
     }
 }
 
-// Hands out what stands in the place of an entry point of the print engine's library.
+// Returns the replacement of an entry point of the print engine's library.
 FARPROC Watched(const char* name, FARPROC entryPoint) {
     WatchedFunction* function = Find(name);
     if (entryPoint == nullptr || function == nullptr || !function->isEntryPoint) return entryPoint;
@@ -78,13 +77,13 @@ FARPROC Watched(const char* name, FARPROC entryPoint) {
 }
 
 template <Name kName, int kSubject, bool kEntryPoint, typename Function>
-struct Stand;
+struct Replacement;
 
-// The system's functions and the engine's are called alike.
+// The functions of the system and of the engine have the same calling convention.
 #define CALLED HPCRLIB_CALL
 
 template <Name kName, int kSubject, bool kEntryPoint, typename Result, typename... Arguments>
-struct Stand<kName, kSubject, kEntryPoint, Result CALLED(Arguments...)> {
+struct Replacement<kName, kSubject, kEntryPoint, Result CALLED(Arguments...)> {
     static WatchedFunction& Row() {
         static WatchedFunction& row = *Find(kName);
         return row;
@@ -107,7 +106,8 @@ struct Stand<kName, kSubject, kEntryPoint, Result CALLED(Arguments...)> {
         return 0;
     }
 
-    // Only the host reads UTF-8; natively it shares the driver's functions.
+    // Returns whether the host makes the call: only the host reads UTF-8, and natively it shares the driver's
+    // functions.
     static bool IsHosts(const std::string& subject) {
         return std::string_view(kName) == "MultiByteToWideChar" && subject == std::to_string(CP_UTF8);
     }
@@ -132,7 +132,7 @@ struct Stand<kName, kSubject, kEntryPoint, Result CALLED(Arguments...)> {
     static Result CallOn(const WatchedFunction& row, Arguments... arguments) {
         const auto original = reinterpret_cast<Result(CALLED*)(Arguments...)>(row.original);
         if constexpr (kEntryPoint) {
-            // The engine calls the driver's output callback.
+            // The engine calls the driver's output callback, whose calls belong to this place.
             CurrentWatch()->Enter(kName);
             const Result came = original(arguments...);
             CurrentWatch()->Leave();
@@ -161,7 +161,7 @@ template <Name kName, int kSubject, bool kEntryPoint, typename Function>
 WatchedFunction Row(uint64_t failure, DWORD lastError, HandleEffect effect, FailingCall failing) {
     return {kName.text, failure,
             lastError,  effect,
-            failing,    reinterpret_cast<void*>(&Stand<kName, kSubject, kEntryPoint, Function>::Call),
+            failing,    reinterpret_cast<void*>(&Replacement<kName, kSubject, kEntryPoint, Function>::Call),
             kEntryPoint};
 }
 
@@ -172,7 +172,7 @@ constexpr auto kCloses = HandleEffect::kCloses;
 constexpr auto kNot = FailingCall::kDoesNothing;
 constexpr auto kDone = FailingCall::kDoesItsWork;
 
-// The number is that of the argument that tells what the call is about.
+// `subject` is the number of the argument that tells what the call is about.
 #define IMPORT(function, subject, ...) Row<#function, subject, false, decltype(function)>(__VA_ARGS__)
 #define ENTRY_POINT(function, ...) Row<#function, kNoSubject, true, decltype(function)>(__VA_ARGS__)
 
