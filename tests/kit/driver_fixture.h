@@ -1,5 +1,5 @@
-// The built driver with a recording print engine, a spooler, a heap and an installation folder of the test's
-// own, driven hook by hook. The test fails if the driver leaves a block on that heap when it is unloaded.
+// The built driver with a recording print engine, a spooler, a watched heap and a test's own installation
+// folder, called hook by hook. The test fails if the driver leaves a block on the heap when it is unloaded.
 #pragma once
 
 #include <gmock/gmock.h>
@@ -36,8 +36,8 @@ class DriverTest : public testing::Test {
 
     static std::vector<uint8_t> Bytes(const DeviceMode& mode);
 
-    // Returns the driver, which the first call loads with `engine` or the library that `source` names, and
-    // with the log at `mask`.
+    // Returns the driver. The first call loads it with `engine` or the library that `source` names, and with
+    // the log at `mask`.
     DriverSession& Session() { return Session(engine.Entries()); }
     DriverSession& Session(EngineSource source);
     uint32_t mask = 1;  // errors and information; 3 adds the trace lines

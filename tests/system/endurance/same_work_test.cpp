@@ -1,4 +1,4 @@
-// Late jobs of a process cost what early ones do: the driver makes the same calls, and allocates the same
+// Late jobs of a process cost what early ones do: the driver makes the same calls and allocates the same
 // blocks, in the same order.
 
 #include <gmock/gmock.h>
@@ -15,9 +15,9 @@ namespace orvex {
 using namespace tools;
 namespace {
 
-constexpr int kRounds = 8;  // the first does what a process does once
+constexpr int kRounds = 8;  // the first includes what a process does only once
 
-// What a job cost, call by call.
+// Returns what a job cost, call by call.
 std::vector<std::string> Labels(const std::vector<WatchedCall>& calls) {
     std::vector<std::string> labels;
     for (const WatchedCall& call : calls)
@@ -27,7 +27,7 @@ std::vector<std::string> Labels(const std::vector<WatchedCall>& calls) {
 
 }  // namespace
 
-TEST(SameWork, IsDoneForLateJobsAsForEarlyOnes) {
+TEST(SameWork, IsDoneForLateJobsAndEarlyOnes) {
     const ScratchFolder installation;
     InstallJobProfiles(installation.Path());
     DriverSession session(JobSession(installation.Path()));
