@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <iterator>
-#include <regex>
 #include <tuple>
 
 namespace orvex {
@@ -168,10 +167,19 @@ Lines Without(Lines lines, Lines other) {
     return left;
 }
 
-// Empties the texts that may be cut: names in the job header, and what ends a message in brackets.
-std::string WithoutNames(const std::string& text) {
-    static const std::regex kNames(R"re((JOB NAME=|PROFILE=)"[^"]*|\[[^\]]*\]$)re");
-    return std::regex_replace(text, kNames, "$1");
+// Empties the texts that may be cut: the last one in brackets of a log message, the names in a job header.
+std::string WithoutNames(std::string text) {
+    if (text.starts_with('[')) {
+        const size_t last = text.rfind('[');
+        return last == 0 ? text : text.substr(0, last);
+    }
+    for (const std::string_view opening : {"JOB NAME=\"", "PROFILE=\""}) {
+        const size_t name = text.find(opening);
+        if (name == std::string::npos) continue;
+        const size_t start = name + opening.size();
+        text.erase(start, text.find('"', start) - start);
+    }
+    return text;
 }
 
 // Returns the lines that differ from each of the others in more than a name.
