@@ -44,16 +44,12 @@ TEST(SameWork, IsDoneForLateJobsAndEarlyOnes) {
             watch.Leave();
             std::vector<std::string> labels = Labels(watch.TakeCalls());
             calls += labels.size();
-            if (round == 1) {
-                early.push_back(std::move(labels));
-            } else if (round > 1) {
-                const auto other =
-                    std::mismatch(labels.begin(), labels.end(), early[kind].begin(), early[kind].end());
-                ASSERT_TRUE(labels == early[kind])
-                    << JobKinds()[kind].name << " in round " << round << ", " << labels.size()
-                    << " calls, first " << early[kind].size() << "; another one is "
-                    << (other.first == labels.end() ? "missing" : *other.first);
-            }
+            if (round == 1) early.push_back(std::move(labels));
+            if (round <= 1) continue;
+            const auto other =
+                std::mismatch(labels.begin(), labels.end(), early[kind].begin(), early[kind].end());
+            ASSERT_TRUE(labels == early[kind]) << JobKinds()[kind].name << " in round " << round << ", call "
+                                               << other.first - labels.begin() << " of " << labels.size();
         }
     }
     EXPECT_EQ(watch.OpenHandles().size(), 0u);

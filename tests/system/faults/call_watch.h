@@ -21,20 +21,16 @@ namespace orvex {
 
 using namespace tools;
 
-// The effect of a call on the handles that the driver has open.
-enum class HandleEffect { kNone, kOpens, kCloses };
-
-// Whether a failing call does its work nevertheless. A function that gives something back does: otherwise the
-// failure itself, not the driver, would leave it behind.
-enum class FailingCall { kDoesNothing, kDoesItsWork };
+// The effect of a call on what the driver holds. A call that closes or gives back does its work even when it
+// fails: otherwise the failure itself, not the driver, would leave something behind.
+enum class CallEffect { kNone, kOpens, kCloses, kGivesBack };
 
 // A function that the driver calls, and how it fails.
 struct WatchedFunction {
     const char* name;
     uint64_t failure;  // the result of a failing call
     DWORD lastError;   // set by a failing call; 0 leaves it alone
-    HandleEffect effect;
-    FailingCall failing;
+    CallEffect effect;
     void* replacement;
     bool isEntryPoint;         // of the print engine's library; the others are imports
     void* original = nullptr;  // set while a watch exists
@@ -56,6 +52,9 @@ struct WatchedCall {
 
 // Returns the last error that a failure of the call leaves; 0 if it leaves none.
 DWORD LastErrorOf(const WatchedCall& call);
+
+// Returns the existing watch; null if there is none.
+class CallWatch* CurrentWatch();
 
 class CallWatch {
   public:
@@ -80,13 +79,13 @@ class CallWatch {
     // While it exists, calls do not count: those that a called function makes in turn.
     class Aside {
       public:
-        Aside();
-        ~Aside();
+        Aside() { ++CurrentWatch()->aside_; }
+        ~Aside() { --CurrentWatch()->aside_; }
     };
 
     // The following serve the replacements of the watched functions. Take() returns whether the call fails.
     bool Take(std::string_view function, const std::string& subject, size_t bytes = 0);
-    void NoteHandle(HandleEffect effect, HANDLE handle, const std::string& subject);
+    void NoteHandle(CallEffect effect, HANDLE handle, const std::string& subject);
     std::string NameOf(HANDLE handle) const;
 
   private:
@@ -98,8 +97,5 @@ class CallWatch {
     std::vector<std::unique_ptr<ImportPatch>> patches_;
     HeapWatch& heap_;
 };
-
-// Returns the existing watch; null if there is none.
-CallWatch* CurrentWatch();
 
 }  // namespace orvex

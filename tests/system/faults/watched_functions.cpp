@@ -84,11 +84,6 @@ struct Replacement;
 
 template <Name kName, int kSubject, bool kEntryPoint, typename Result, typename... Arguments>
 struct Replacement<kName, kSubject, kEntryPoint, Result CALLED(Arguments...)> {
-    static WatchedFunction& Row() {
-        static WatchedFunction& row = *Find(kName);
-        return row;
-    }
-
     static std::string SubjectOf([[maybe_unused]] std::tuple<Arguments...> arguments) {
         const CallWatch::Aside aside;
         if constexpr (std::string_view(kName) == "WritePrinter") {
@@ -101,11 +96,6 @@ struct Replacement<kName, kSubject, kEntryPoint, Result CALLED(Arguments...)> {
         return {};
     }
 
-    static size_t BytesOf([[maybe_unused]] std::tuple<Arguments...> arguments) {
-        if constexpr (std::string_view(kName) == "WritePrinter") return std::get<2>(arguments);
-        return 0;
-    }
-
     // Returns whether the host makes the call: only the host reads UTF-8, and natively it shares the driver's
     // functions.
     static bool IsHosts(const std::string& subject) {
@@ -113,11 +103,14 @@ struct Replacement<kName, kSubject, kEntryPoint, Result CALLED(Arguments...)> {
     }
 
     static Result CALLED Call(Arguments... arguments) {
-        const WatchedFunction& row = Row();
+        static const WatchedFunction& row = *Find(kName);
         const std::string subject = SubjectOf({arguments...});
-        const bool fails = !IsHosts(subject) && CurrentWatch()->Take(kName, subject, BytesOf({arguments...}));
+        size_t bytes = 0;
+        if constexpr (std::string_view(kName) == "WritePrinter")
+            bytes = std::get<2>(std::tuple(arguments...));
+        const bool fails = !IsHosts(subject) && CurrentWatch()->Take(kName, subject, bytes);
         Result result = ResultOf<Result>(row.failure);
-        if (!fails || row.failing == FailingCall::kDoesItsWork) {
+        if (!fails || row.effect == CallEffect::kCloses || row.effect == CallEffect::kGivesBack) {
             const Result came = CallOn(row, arguments...);
             NoteHandle(row.effect, came, subject, arguments...);
             if (!fails) result = came;
@@ -143,34 +136,28 @@ struct Replacement<kName, kSubject, kEntryPoint, Result CALLED(Arguments...)> {
         }
     }
 
-    static void NoteHandle(HandleEffect effect, Result result, const std::string& subject,
+    static void NoteHandle(CallEffect effect, Result result, const std::string& subject,
                            Arguments... arguments) {
-        if (effect == HandleEffect::kNone) return;
+        if (effect != CallEffect::kOpens && effect != CallEffect::kCloses) return;
         if constexpr (std::is_same_v<Result, HANDLE>) {
             CurrentWatch()->NoteHandle(effect, result, subject);
-        } else if constexpr (sizeof...(Arguments) > 0) {
-            using First = std::tuple_element_t<0, std::tuple<Arguments...>>;
-            if constexpr (std::is_same_v<First, HANDLE>) {
-                CurrentWatch()->NoteHandle(effect, std::get<0>(std::tuple(arguments...)), subject);
-            }
+        } else if constexpr (std::is_same_v<std::tuple_element_t<0, std::tuple<Arguments...>>, HANDLE>) {
+            CurrentWatch()->NoteHandle(effect, std::get<0>(std::tuple(arguments...)), subject);
         }
     }
 };
 
 template <Name kName, int kSubject, bool kEntryPoint, typename Function>
-WatchedFunction Row(uint64_t failure, DWORD lastError, HandleEffect effect, FailingCall failing) {
-    return {kName.text, failure,
-            lastError,  effect,
-            failing,    reinterpret_cast<void*>(&Replacement<kName, kSubject, kEntryPoint, Function>::Call),
-            kEntryPoint};
+WatchedFunction Row(uint64_t failure, DWORD lastError, CallEffect effect) {
+    const auto replacement = &Replacement<kName, kSubject, kEntryPoint, Function>::Call;
+    return {kName.text, failure, lastError, effect, reinterpret_cast<void*>(replacement), kEntryPoint};
 }
 
 const uint64_t kInvalid = reinterpret_cast<uintptr_t>(INVALID_HANDLE_VALUE);
-constexpr auto kPlain = HandleEffect::kNone;
-constexpr auto kOpens = HandleEffect::kOpens;
-constexpr auto kCloses = HandleEffect::kCloses;
-constexpr auto kNot = FailingCall::kDoesNothing;
-constexpr auto kDone = FailingCall::kDoesItsWork;
+constexpr auto kNone = CallEffect::kNone;
+constexpr auto kOpens = CallEffect::kOpens;
+constexpr auto kCloses = CallEffect::kCloses;
+constexpr auto kGivesBack = CallEffect::kGivesBack;
 
 // `subject` is the number of the argument that tells what the call is about.
 #define IMPORT(function, subject, ...) Row<#function, subject, false, decltype(function)>(__VA_ARGS__)
@@ -182,58 +169,58 @@ constexpr auto kDone = FailingCall::kDoesItsWork;
 std::vector<WatchedFunction>& WatchedFunctions() {
     static std::vector<WatchedFunction> functions = {
         // files
-        IMPORT(CreateFileA,       0, kInvalid, ERROR_ACCESS_DENIED, kOpens, kNot),
-        IMPORT(CreateFileW,       0, kInvalid, ERROR_SHARING_VIOLATION, kOpens, kNot),
-        IMPORT(ReadFile,          0, FALSE, ERROR_READ_FAULT, kPlain, kNot),
-        IMPORT(WriteFile,         0, FALSE, ERROR_DISK_FULL, kPlain, kNot),
-        IMPORT(SetFilePointerEx,  0, FALSE, ERROR_SEEK, kPlain, kNot),
-        IMPORT(GetFileSizeEx,     0, FALSE, ERROR_INVALID_FUNCTION, kPlain, kNot),
-        IMPORT(CloseHandle,       0, FALSE, ERROR_INVALID_HANDLE, kCloses, kDone),
-        IMPORT(MoveFileA,         0, FALSE, ERROR_ACCESS_DENIED, kPlain, kNot),
-        IMPORT(DeleteFileA,       0, FALSE, ERROR_ACCESS_DENIED, kPlain, kNot),
-        IMPORT(PathFileExistsA,   0, FALSE, ERROR_FILE_NOT_FOUND, kPlain, kNot),
-        IMPORT(FindFirstFileW,    0, kInvalid, ERROR_PATH_NOT_FOUND, kOpens, kNot),
-        IMPORT(FindNextFileW,     0, FALSE, ERROR_NO_MORE_FILES, kPlain, kNot),
-        IMPORT(FindClose,         0, FALSE, ERROR_INVALID_HANDLE, kCloses, kDone),
+        IMPORT(CreateFileA,       0, kInvalid, ERROR_ACCESS_DENIED, kOpens),
+        IMPORT(CreateFileW,       0, kInvalid, ERROR_SHARING_VIOLATION, kOpens),
+        IMPORT(ReadFile,          0, FALSE, ERROR_READ_FAULT, kNone),
+        IMPORT(WriteFile,         0, FALSE, ERROR_DISK_FULL, kNone),
+        IMPORT(SetFilePointerEx,  0, FALSE, ERROR_SEEK, kNone),
+        IMPORT(GetFileSizeEx,     0, FALSE, ERROR_INVALID_FUNCTION, kNone),
+        IMPORT(CloseHandle,       0, FALSE, ERROR_INVALID_HANDLE, kCloses),
+        IMPORT(MoveFileA,         0, FALSE, ERROR_ACCESS_DENIED, kNone),
+        IMPORT(DeleteFileA,       0, FALSE, ERROR_ACCESS_DENIED, kNone),
+        IMPORT(PathFileExistsA,   0, FALSE, ERROR_FILE_NOT_FOUND, kNone),
+        IMPORT(FindFirstFileW,    0, kInvalid, ERROR_PATH_NOT_FOUND, kOpens),
+        IMPORT(FindNextFileW,     0, FALSE, ERROR_NO_MORE_FILES, kNone),
+        IMPORT(FindClose,         0, FALSE, ERROR_INVALID_HANDLE, kCloses),
         // folders
-        IMPORT(SHGetSpecialFolderPathW, kNoSubject, FALSE, ERROR_ACCESS_DENIED, kPlain, kNot),
-        IMPORT(PathAppendW,             1, FALSE, 0, kPlain, kNot),
-        IMPORT(GetCurrentDirectoryW,    kNoSubject, 0, ERROR_NOT_ENOUGH_MEMORY, kPlain, kNot),
-        IMPORT(SetCurrentDirectoryW,    0, FALSE, ERROR_ACCESS_DENIED, kPlain, kNot),
-        IMPORT(GetModuleFileNameA,      kNoSubject, 0, ERROR_MOD_NOT_FOUND, kPlain, kNot),
+        IMPORT(SHGetSpecialFolderPathW, kNoSubject, FALSE, ERROR_ACCESS_DENIED, kNone),
+        IMPORT(PathAppendW,             1, FALSE, 0, kNone),
+        IMPORT(GetCurrentDirectoryW,    kNoSubject, 0, ERROR_NOT_ENOUGH_MEMORY, kNone),
+        IMPORT(SetCurrentDirectoryW,    0, FALSE, ERROR_ACCESS_DENIED, kNone),
+        IMPORT(GetModuleFileNameA,      kNoSubject, 0, ERROR_MOD_NOT_FOUND, kNone),
         // the log's mutex
-        IMPORT(CreateMutexA,        2, 0, ERROR_ACCESS_DENIED, kOpens, kNot),
-        IMPORT(WaitForSingleObject, 0, WAIT_TIMEOUT, 0, kPlain, kNot),
-        IMPORT(ReleaseMutex,        0, FALSE, ERROR_NOT_OWNER, kPlain, kDone),
+        IMPORT(CreateMutexA,        2, 0, ERROR_ACCESS_DENIED, kOpens),
+        IMPORT(WaitForSingleObject, 0, WAIT_TIMEOUT, 0, kNone),
+        IMPORT(ReleaseMutex,        0, FALSE, ERROR_NOT_OWNER, kGivesBack),
         // texts
-        IMPORT(GetLocaleInfoW,      kNoSubject, 0, ERROR_INVALID_PARAMETER, kPlain, kNot),
-        IMPORT(WideCharToMultiByte, 0, 0, ERROR_INVALID_PARAMETER, kPlain, kNot),
-        IMPORT(MultiByteToWideChar, 0, 0, ERROR_INVALID_PARAMETER, kPlain, kNot),
+        IMPORT(GetLocaleInfoW,      kNoSubject, 0, ERROR_INVALID_PARAMETER, kNone),
+        IMPORT(WideCharToMultiByte, 0, 0, ERROR_INVALID_PARAMETER, kNone),
+        IMPORT(MultiByteToWideChar, 0, 0, ERROR_INVALID_PARAMETER, kNone),
         // the spooler
-        IMPORT(GetPrinterDriverW, kNoSubject, FALSE, ERROR_INVALID_HANDLE, kPlain, kNot),
-        IMPORT(GetPrinterW,       kNoSubject, FALSE, ERROR_INVALID_HANDLE, kPlain, kNot),
-        IMPORT(OpenPrinterW,      kNoSubject, FALSE, ERROR_ACCESS_DENIED, kPlain, kNot),
-        IMPORT(EnumPrinterKeyW,   kNoSubject, ERROR_ACCESS_DENIED, 0, kPlain, kNot),
-        IMPORT(GetPrinterDataExA, kNoSubject, ERROR_ACCESS_DENIED, 0, kPlain, kNot),
-        IMPORT(SetPrinterDataExA, kNoSubject, ERROR_ACCESS_DENIED, 0, kPlain, kNot),
-        IMPORT(WritePrinter,      kNoSubject, FALSE, ERROR_WRITE_FAULT, kPlain, kNot),
+        IMPORT(GetPrinterDriverW, kNoSubject, FALSE, ERROR_INVALID_HANDLE, kNone),
+        IMPORT(GetPrinterW,       kNoSubject, FALSE, ERROR_INVALID_HANDLE, kNone),
+        IMPORT(OpenPrinterW,      kNoSubject, FALSE, ERROR_ACCESS_DENIED, kNone),
+        IMPORT(EnumPrinterKeyW,   kNoSubject, ERROR_ACCESS_DENIED, 0, kNone),
+        IMPORT(GetPrinterDataExA, kNoSubject, ERROR_ACCESS_DENIED, 0, kNone),
+        IMPORT(SetPrinterDataExA, kNoSubject, ERROR_ACCESS_DENIED, 0, kNone),
+        IMPORT(WritePrinter,      kNoSubject, FALSE, ERROR_WRITE_FAULT, kNone),
         // the graphics engine
-        IMPORT(EngCreateBitmap,     kNoSubject, 0, ERROR_NOT_ENOUGH_MEMORY, kPlain, kNot),
-        IMPORT(EngAssociateSurface, kNoSubject, FALSE, ERROR_INVALID_PARAMETER, kPlain, kNot),
-        IMPORT(EngDeleteSurface,    kNoSubject, FALSE, ERROR_INVALID_PARAMETER, kPlain, kDone),
-        IMPORT(EngEraseSurface,     kNoSubject, FALSE, ERROR_INVALID_PARAMETER, kPlain, kNot),
-        IMPORT(EngCreatePalette,    kNoSubject, 0, ERROR_NOT_ENOUGH_MEMORY, kPlain, kNot),
+        IMPORT(EngCreateBitmap,     kNoSubject, 0, ERROR_NOT_ENOUGH_MEMORY, kNone),
+        IMPORT(EngAssociateSurface, kNoSubject, FALSE, ERROR_INVALID_PARAMETER, kNone),
+        IMPORT(EngDeleteSurface,    kNoSubject, FALSE, ERROR_INVALID_PARAMETER, kGivesBack),
+        IMPORT(EngEraseSurface,     kNoSubject, FALSE, ERROR_INVALID_PARAMETER, kNone),
+        IMPORT(EngCreatePalette,    kNoSubject, 0, ERROR_NOT_ENOUGH_MEMORY, kNone),
         // the print engine's library
-        IMPORT(LoadLibraryW,   0, 0, ERROR_MOD_NOT_FOUND, kPlain, kNot),
-        IMPORT(GetProcAddress, 1, 0, ERROR_PROC_NOT_FOUND, kPlain, kNot),
-        IMPORT(FreeLibrary,    kNoSubject, FALSE, ERROR_INVALID_HANDLE, kPlain, kDone),
-        ENTRY_POINT(HPCRLIB_JobStart,         0, 0, kPlain, kNot),
-        ENTRY_POINT(HPCRLIB_JobEnd,           0, 0, kPlain, kDone),
-        ENTRY_POINT(HPCRLIB_PageStart,        0, 0, kPlain, kNot),
-        ENTRY_POINT(HPCRLIB_PageEnd,          0, 0, kPlain, kNot),
-        ENTRY_POINT(HPCRLIB_RasterBlockStart, 0, 0, kPlain, kNot),
-        ENTRY_POINT(HPCRLIB_RasterRow,        0, 0, kPlain, kNot),
-        ENTRY_POINT(HPCRLIB_RasterBlockEnd,   0, 0, kPlain, kNot),
+        IMPORT(LoadLibraryW,   0, 0, ERROR_MOD_NOT_FOUND, kNone),
+        IMPORT(GetProcAddress, 1, 0, ERROR_PROC_NOT_FOUND, kNone),
+        IMPORT(FreeLibrary,    kNoSubject, FALSE, ERROR_INVALID_HANDLE, kGivesBack),
+        ENTRY_POINT(HPCRLIB_JobStart,         0, 0, kNone),
+        ENTRY_POINT(HPCRLIB_JobEnd,           0, 0, kGivesBack),
+        ENTRY_POINT(HPCRLIB_PageStart,        0, 0, kNone),
+        ENTRY_POINT(HPCRLIB_PageEnd,          0, 0, kNone),
+        ENTRY_POINT(HPCRLIB_RasterBlockStart, 0, 0, kNone),
+        ENTRY_POINT(HPCRLIB_RasterRow,        0, 0, kNone),
+        ENTRY_POINT(HPCRLIB_RasterBlockEnd,   0, 0, kNone),
     };
     return functions;
 }
