@@ -9,11 +9,11 @@
 
 #include "driver/config/page_layout_input.h"
 #include "driver/job_state.h"
-#include "fuzz/allocation_watch.h"
 #include "fuzz/fuzz_installation.h"
 #include "fuzz/input.h"
 #include "fuzz/page_input.h"
 #include "fuzz/target.h"
+#include "tests/kit/heap_watch.h"
 #include "tests/plain/device_mode.h"
 #include "tests/plain/device_mode_rules.h"
 #include "tests/plain/page_layout.h"
@@ -71,6 +71,7 @@ struct EngineCheck {
     const PageArt& page;
     const DeviceMode& mode;
     const plain::Layout& layout;
+    const HeapWatch& heap;
     int64_t refused = -1;  // the number of the call to refuse
     int64_t calls = 0;
     int64_t rows = 0;
@@ -96,8 +97,8 @@ struct EngineCheck {
         REQUIRE(top == static_cast<uint32_t>(layout.topOff));
         REQUIRE(rowWidth == static_cast<uint32_t>(layout.rowWidth));
         REQUIRE(headRows == static_cast<uint32_t>(layout.headRows));
-        REQUIRE(AllocationWatch::Live().empty());
-        blocksBefore = AllocationWatch::Taken();
+        REQUIRE(heap.LiveSizes().empty());
+        blocksBefore = heap.Allocations();
         WritePurgeDots();
         return Answer();
     }
@@ -119,7 +120,7 @@ struct EngineCheck {
         std::vector<size_t> pageBlocks = {size_t{4} * static_cast<size_t>(layout.rowWidth),
                                           bandRows * pitch * 4};
         std::sort(pageBlocks.begin(), pageBlocks.end());
-        REQUIRE(AllocationWatch::Live() == pageBlocks);
+        REQUIRE(heap.LiveSizes() == pageBlocks);
     }
 
     void WritePurgeDots() {
@@ -155,7 +156,7 @@ struct EngineCheck {
     uint32_t Row(const uint32_t* row) {
         REQUIRE(calls == 2 + rows && rows < Rows());
         if (rows == 0) CheckMemory();
-        REQUIRE(AllocationWatch::Taken() == blocksBefore + 2);  // no row allocates another block
+        REQUIRE(heap.Allocations() == blocksBefore + 2);  // no row allocates another block
         const int64_t imageRow = rows - TopRows();
         if (imageRow >= 0 && imageRow < layout.rows) {
             ExpectImage(static_cast<int32_t>(imageRow));
@@ -171,10 +172,9 @@ struct EngineCheck {
 EngineCheck* currentCheck = nullptr;
 constexpr uint64_t kJob = 0x1122334455667788;
 
-// Passes one of the engine's calls to the check, whose own allocations are not counted.
+// Passes one of the engine's calls to the check.
 template <typename Call>
 uint32_t InJob(uint64_t job, Call call) {
-    const AllocationWatchPause pause;
     REQUIRE(job == kJob);
     return call(*currentCheck);
 }
@@ -233,12 +233,12 @@ void CheckPage(FuzzInput& input, const DeviceMode& mode, bool refuses, uint32_t 
     SURFOBJ surface = page.Surface();
     surface.dhpdev = reinterpret_cast<DHPDEV>(&pdev);
 
-    EngineCheck check{colors, page, mode, layout};
+    const HeapWatch heap;
+    EngineCheck check{colors, page, mode, layout, heap};
     if (refuses) check.refused = refused % check.Calls();
     const RunningJob job(check);
-    const AllocationWatch watch;
     REQUIRE(DrvSendPage(&surface));
-    REQUIRE(AllocationWatch::Live().empty());
+    REQUIRE(heap.LiveSizes().empty());
     REQUIRE(check.calls == (refuses ? check.refused + 1 : check.Calls()));
     REQUIRE(pdev.pageCount == 1);
     REQUIRE(colors.TablesAgree());

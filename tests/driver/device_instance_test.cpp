@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "tests/driver/driver_fixture.h"
+#include "tests/kit/driver_fixture.h"
 
 namespace orvex {
 

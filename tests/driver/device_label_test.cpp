@@ -1,7 +1,7 @@
 // The size of a page whose label the caller chose by its number in the printer's list.
 
 #include "driver/device_instance.h"
-#include "tests/driver/driver_fixture.h"
+#include "tests/kit/driver_fixture.h"
 
 namespace orvex {
 

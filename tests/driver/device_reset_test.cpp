@@ -1,7 +1,7 @@
 // A device that is created anew with other settings, during a job or outside one.
 
 #include "driver/device_instance.h"
-#include "tests/driver/driver_fixture.h"
+#include "tests/kit/driver_fixture.h"
 
 namespace orvex {
 

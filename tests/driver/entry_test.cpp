@@ -1,5 +1,5 @@
 #include "driver/support/module.h"
-#include "tests/driver/driver_fixture.h"
+#include "tests/kit/driver_fixture.h"
 
 namespace orvex {
 

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "driver/device_instance.h"
-#include "tests/driver/driver_fixture.h"
 #include "tests/driver/plain_header.h"
+#include "tests/kit/driver_fixture.h"
 
 namespace orvex {
 

@@ -1,7 +1,7 @@
 // The pages of a job: their start, their numbers and their white paper.
 
 #include "driver/device_instance.h"
-#include "tests/driver/driver_fixture.h"
+#include "tests/kit/driver_fixture.h"
 
 namespace orvex {
 

@@ -3,8 +3,8 @@
 
 #include "driver/device_instance.h"
 #include "driver/job_state.h"
-#include "tests/driver/driver_fixture.h"
 #include "tests/driver/plain_header.h"
+#include "tests/kit/driver_fixture.h"
 
 namespace orvex {
 

@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <utility>
 
-#include "tests/driver/driver_fixture.h"
 #include "tests/driver/profiles/profile_bytes.h"
+#include "tests/kit/driver_fixture.h"
 #include "tests/plain/page_order.h"
 #include "tests/plain/plain_rows.h"
 

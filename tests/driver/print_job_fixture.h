@@ -3,7 +3,7 @@
 
 #include <filesystem>
 
-#include "tests/driver/driver_fixture.h"
+#include "tests/kit/driver_fixture.h"
 
 namespace orvex {
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "driver/device_instance.h"
-#include "tests/driver/driver_fixture.h"
+#include "tests/kit/driver_fixture.h"
 
 namespace orvex {
 

@@ -1,7 +1,7 @@
 // The page bitmap of a device.
 
 #include "driver/device_instance.h"
-#include "tests/driver/driver_fixture.h"
+#include "tests/kit/driver_fixture.h"
 
 namespace orvex {
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/driver/driver_fixture.h"
+#include "tests/kit/driver_fixture.h"
 #include "tests/kit/picture.h"
 #include "tests/plain/plain_reduction.h"
 

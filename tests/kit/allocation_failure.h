@@ -1,21 +1,23 @@
-// Makes memory run short. A test program that links orvex_allocation_failure allocates through here.
+// Refuses allocations of one size.
 #pragma once
 
-#include <cstddef>
+#include "tests/kit/heap_watch.h"
 
 namespace orvex {
 
-// While it lives, every malloc and calloc of exactly `bytes` bytes by the code linked into this program
-// fails.
+// While it lives, every allocation of exactly `bytes` bytes by the code linked into this program fails.
 class AllocationFailure {
   public:
-    explicit AllocationFailure(size_t bytes);
-    ~AllocationFailure();
-    AllocationFailure(const AllocationFailure&) = delete;
-    AllocationFailure& operator=(const AllocationFailure&) = delete;
+    explicit AllocationFailure(size_t bytes) {
+        heap_.OnAllocate([this, bytes](const char*, size_t asked) { return asked == bytes && ++count_ > 0; });
+    }
 
-    // How many allocations have failed so far.
-    int Count() const;
+    // Returns how many allocations have failed so far.
+    int Count() const { return count_; }
+
+  private:
+    int count_ = 0;
+    HeapWatch heap_;
 };
 
 }  // namespace orvex

@@ -1,4 +1,4 @@
-// An installation folder of a test's own, in place of the machine's.
+// A test's own installation folder, in place of the machine's.
 #pragma once
 
 #include <string_view>
@@ -11,13 +11,13 @@ namespace orvex {
 using namespace tools;
 class InstallationFixture {
   public:
-    // `module` is the one whose question for the folder is answered: null for this program's own code.
+    // Answers the question for the folder that `module` asks; null is the program itself.
     explicit InstallationFixture(HMODULE module = nullptr);
     ~InstallationFixture();
     InstallationFixture(const InstallationFixture&) = delete;
     InstallationFixture& operator=(const InstallationFixture&) = delete;
 
-    // The installation folder itself. It exists.
+    // Returns the installation folder, which exists.
     const std::filesystem::path& Folder() const { return folder_; }
     // Writes a file below the installation folder.
     void Write(const std::filesystem::path& name, std::string_view bytes) const;

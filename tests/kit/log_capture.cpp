@@ -23,7 +23,7 @@ fs::path MachinePath(const char* windowsPath) {
 #endif
 }
 
-// "[time] [TID: n] rest" without its first two fields.
+// Returns "[time] [TID: n] rest" without its first two fields.
 std::string WithoutStamp(const std::string& line) {
     const size_t thread = line.find("] [TID: ");
     const size_t rest = thread == std::string::npos ? thread : line.find("] ", thread + 8);

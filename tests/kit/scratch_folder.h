@@ -1,4 +1,4 @@
-// A folder of a test's own, removed with all that is in it.
+// A test's own folder, removed with all its contents.
 #pragma once
 
 #include <filesystem>
@@ -15,14 +15,14 @@ class ScratchFolder {
     ScratchFolder& operator=(const ScratchFolder&) = delete;
 
     const std::filesystem::path& Path() const { return path_; }
-    // Writes a file below the folder, its folders included, and returns its path.
+    // Writes a file below the folder, creating its folders, and returns its path.
     std::filesystem::path Write(const std::filesystem::path& name, std::string_view bytes) const;
 
   private:
     std::filesystem::path path_;
 };
 
-// The whole file as bytes; empty when it can't be read.
+// Returns the whole file; empty if it can't be read.
 std::string ReadBytes(const std::filesystem::path& path);
 void WriteBytes(const std::filesystem::path& path, std::string_view bytes);
 

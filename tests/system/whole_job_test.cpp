@@ -3,9 +3,9 @@
 #include <cstring>
 
 #include "driver/support/text.h"
-#include "tests/driver/driver_fixture.h"
 #include "tests/driver/profiles/large_profile.h"
 #include "tests/driver/profiles/profile_bytes.h"
+#include "tests/kit/driver_fixture.h"
 #include "tests/kit/picture.h"
 #include "tools/orvexview/print_file.h"
 
@@ -16,10 +16,10 @@ using testing::ElementsAre;
 
 namespace {
 
-// Colors that every version holds: even components, and at the grid of version 5.
+// Colors that profiles of every version hold: even components, at grid points of version 5.
 constexpr uint32_t kColors[] = {0x000000, 0x102030, 0xF0E0D0, 0x808080,
                                 0xA01000, 0x00F0E0, 0x40C080, 0xE000E0};
-constexpr int32_t kStripe = 16;  // pixels of each colour in the first scan lines
+constexpr int32_t kStripe = 16;  // pixels of each color in the first scan lines
 
 class WholeJob : public DriverTest {
   protected:
@@ -49,7 +49,7 @@ class WholeJob : public DriverTest {
         return tools::view::ParsePrintFile({spooled.begin(), spooled.end()});
     }
 
-    // The ink of each color in a landscape page's second row, which no first-row marker touches.
+    // Returns the ink of each color in a landscape page's second row, which has no first-row marker.
     static std::vector<uint32_t> StripeInks(const tools::view::PrintFile& file, size_t page = 0) {
         const std::vector<uint32_t> row = tools::view::ReadRows(file.pages.at(page)).at(1);
         std::vector<uint32_t> inks;
@@ -146,7 +146,7 @@ TEST_F(WholeJob, CarriesAThumbnailThatAnotherDecoderReads) {
     ASSERT_EQ(picture.width, kHeightPx / 4);  // the longer side, halved until it is at most 200
     ASSERT_EQ(picture.height, kWidthPx / 4);
     for (size_t i = 0; i < std::size(kColors); ++i) {
-        // In the middle of each stripe a block holds one color; blue comes first in memory.
+        // A block in the middle of a stripe has one color; blue comes first in memory.
         const size_t at = (size_t{2} * static_cast<size_t>(picture.width) + i * kStripe / 4 + 2) * 4;
         const uint32_t color = kColors[i];
         EXPECT_THAT(std::vector<uint32_t>(picture.rgba.begin() + static_cast<ptrdiff_t>(at),
@@ -163,14 +163,6 @@ TEST_F(WholeJob, PrintsManyPagesAlike) {
                   Expected([](uint32_t color) { return ProfileColor(color, false); }));
         EXPECT_EQ(file.pages[page].resolutionCode, 3);
     }
-}
-
-TEST_F(WholeJob, LeavesNothingBehindInAnyDevice) {
-    Print(Mode());
-    EXPECT_EQ(Session().Graphics().LiveSurfaces(), 0u);
-    EXPECT_EQ(Session().Graphics().LivePalettes(), 0u);
-    EXPECT_FALSE(Session().Engine().Bound());
-    EXPECT_THAT(PrintSpooler().Misuses(), testing::IsEmpty());
 }
 
 }  // namespace orvex

@@ -72,13 +72,12 @@ TEST(ParseDecimal, ALongTextIsRefusedWhenOutOfMemory) {
 }
 
 TEST(ParseDecimal, NeedsNoMemoryForAShortText) {
-    const AllocationFailure memory(sizeof "12.75");
-    EXPECT_EQ(Parsed("12.75"), 12.75);
-    EXPECT_EQ(memory.Count(), 0);
-    const std::string longest = "0." + std::string(61, '3');
-    const AllocationFailure more(longest.size() + 1);
-    EXPECT_NEAR(Parsed(longest.c_str()), 1.0 / 3, 1e-15);
-    EXPECT_EQ(more.Count(), 0);
+    for (const auto& [text, number] :
+         {std::pair(std::string("12.75"), 12.75), {"0." + std::string(61, '3'), 1.0 / 3}}) {
+        const AllocationFailure memory(text.size() + 1);
+        EXPECT_NEAR(Parsed(text.c_str()), number, 1e-15);
+        EXPECT_EQ(memory.Count(), 0);
+    }
 }
 
 TEST(ParseDecimal, DoesNotDependOnTheLocale) {

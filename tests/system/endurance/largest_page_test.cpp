@@ -5,7 +5,7 @@
 #include <iostream>
 
 #include "driver/device_instance.h"
-#include "tests/driver/driver_fixture.h"
+#include "tests/kit/driver_fixture.h"
 #include "tests/kit/picture.h"
 #include "tests/system/endurance/marked_page.h"
 #include "tests/system/endurance/process_figures.h"
@@ -20,19 +20,19 @@ constexpr int16_t kLongestTenthsMm = 9017;
 constexpr int32_t kAcrossPx = 7016;
 constexpr int32_t kAlongPx = 21300;
 
-// A page takes an output row and an input row, of which a portrait page has a band of 64, and small change:
-// what the rows of the band stand apart, and names.
+// A page allocates an output row and an input row, or a band of 64 when it is portrait, and little more: the
+// padding of the band's rows, and names.
 constexpr size_t kRowBytes = size_t{kAlongPx} * 4;
 constexpr size_t kSmallChange = 12 * 1024;
 constexpr size_t MostAllocated(bool landscape) {
     return (landscape ? 1 + 1 : 64 + 1) * kRowBytes + kSmallChange;
 }
 
-// What the process may grow by beyond that: the sanitizers keep a shadow of the heap, and the system may hand
-// out pages of 2 MiB.
+// Growth of the process beyond that: the sanitizers keep a shadow of the heap, and the system may use pages
+// of 2 MiB.
 constexpr size_t kBeyond = 2560 * 1024;
 
-// Of the thumbnail of the landscape page, which is halved until it is at most 800 pixels wide.
+// The thumbnail of the landscape page, which is halved until it is at most 800 pixels wide.
 constexpr int32_t kThumbnailPart = 32;
 constexpr int32_t kThumbnailWidth = kAlongPx / kThumbnailPart;
 constexpr int32_t kThumbnailHeight = kAcrossPx / kThumbnailPart;
@@ -45,17 +45,17 @@ struct PageTurn {
 };
 constexpr PageTurn kTurns[] = {{false, false}, {false, true}, {true, false}, {true, true}};
 
-// Where each row of a page reads its pixels.
+// The pixels of a page that a row prints.
 struct RowPlace {
-    bool alongLine;  // the row is a scan line, else a column
-    int32_t index;   // of the line or column
+    bool alongLine;  // a scan line, not a column
+    int32_t index;   // the number of the line or column
     bool backwards;
 };
 
-// What a page took while it was sent.
+// Memory of a page while it was sent.
 struct PageMemory {
-    size_t allocated;  // by the driver, all in all
-    size_t grown;      // by the process, at the most
+    size_t allocated;  // the sum of the driver's allocations
+    size_t grown;      // the largest growth of the process
 };
 
 class LargestPage : public DriverTest {
@@ -72,26 +72,27 @@ class LargestPage : public DriverTest {
     static RowPlace PlaceOf(bool landscape, PageTurn turn, int32_t row) {
         const int32_t last = kAcrossPx - 1;
         if (landscape) return {true, turn.rotate180 ? last - row : row, turn.rotate180 != turn.mirrorImage};
-        // Rotated and mirrored, the page is shifted by a column.
+        // A rotated and mirrored page is shifted by a column.
         const int32_t column = turn.rotate180 ? (turn.mirrorImage ? last + 1 - row : row)
                                               : (turn.mirrorImage ? row : last - row);
         return {false, column, turn.rotate180};
     }
 
-    // The inks of a row. Their memory serves row after row, so that the test adds nothing to the page's.
+    // The inks of one row after another. They share their memory, so that the test adds nothing to the
+    // page's.
     class ExpectedRow {
       public:
         explicit ExpectedRow(const MarkedPage& page) : page_(page) {}
 
         const std::vector<uint32_t>& Inks(RowPlace place) {
             Clear();
-            // The column behind the last one continues into the next scan line's first pixel.
-            const bool behindLast = !place.alongLine && place.index == page_.width;
-            const int32_t index = behindLast ? 0 : place.index;
+            // The column after the last one continues into the next scan line's first pixel.
+            const bool afterLast = !place.alongLine && place.index == page_.width;
+            const int32_t index = afterLast ? 0 : place.index;
             place.alongLine ? page_.MarksOfLine(index, marks_) : page_.MarksOfColumn(index, marks_);
             for (const int32_t mark : marks_) {
                 const uint32_t color = place.alongLine ? page_.Color(mark, index) : page_.Color(index, mark);
-                const int32_t at = behindLast ? mark - 1 : mark;
+                const int32_t at = afterLast ? mark - 1 : mark;
                 if (at >= 0) Set(place.backwards ? kAlongPx - 1 - at : at, ProfileColor(color, true));
             }
             if (inks_[0] == 0 && first_) Set(0, 2);  // the first-row marker
@@ -116,8 +117,8 @@ class LargestPage : public DriverTest {
         std::vector<int32_t> set_ = std::vector<int32_t>(static_cast<size_t>(kAlongPx));
     };
 
-    // Sends the page once more, turned as asked, and checks every row of it. The settings are changed in the
-    // instance itself, so that one bitmap serves all turns.
+    // Sends the page in another turn and checks each of its rows. Changes the settings of the instance
+    // itself, so that one bitmap serves all turns.
     PageMemory Send(Device& device, const MarkedPage& page, bool landscape, PageTurn turn) {
         PrivateDevMode& settings = reinterpret_cast<PDEV*>(device.Instance())->devmode.priv;
         settings.rotate180 = turn.rotate180;
@@ -173,11 +174,11 @@ class LargestPage : public DriverTest {
                   << " KiB and adds " << most.grown / 1024 << " KiB\n";
     }
 
-    // The picture of the landscape page, each pixel the average of a part of it.
+    // Returns the picture of the landscape page, in which each pixel is the average of a part of the page.
     static std::vector<uint8_t> ExpectedThumbnail(const MarkedPage& page) {
         constexpr size_t kPixels = size_t{kThumbnailWidth} * kThumbnailHeight;
         constexpr uint32_t kPartPixels = kThumbnailPart * kThumbnailPart;
-        std::vector<uint32_t> sums(kPixels * 4, 255 * kPartPixels);  // of white
+        std::vector<uint32_t> sums(kPixels * 4, 255 * kPartPixels);  // white
         std::vector<int32_t> marks;
         for (int32_t y = 0; y < kThumbnailHeight * kThumbnailPart; ++y) {
             page.MarksOfLine(y, marks);
@@ -199,7 +200,7 @@ class LargestPage : public DriverTest {
 
 }  // namespace
 
-TEST_F(LargestPage, PrintsEachPortraitRowInEveryTurnWithinTheMemoryOfItsBand) {
+TEST_F(LargestPage, PrintsEachPortraitRowInEveryTurnWithinTheMemoryOfABand) {
     SendInEveryTurn(false);
 }
 
@@ -207,7 +208,7 @@ TEST_F(LargestPage, PrintsEachLandscapeRowInEveryTurnWithinTheMemoryOfARow) {
     SendInEveryTurn(true);
 }
 
-TEST_F(LargestPage, CarriesAThumbnailOfAllOfIt) {
+TEST_F(LargestPage, CarriesAThumbnailOfTheWholePage) {
     installation.Write("settings.inf", "[Driver]\nAdd_Thumb=1\n");
     const std::unique_ptr<Device> device = StartPage(LargestMode(true));
     const MarkedPage page(kAlongPx, kAcrossPx);

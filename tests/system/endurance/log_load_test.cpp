@@ -23,16 +23,16 @@ namespace {
 
 constexpr int kBackups = 9;
 constexpr int kRotations = kBackups + 3;
-constexpr uint32_t kLinesARotation = 200;  // that the log takes at least between two rotations
+constexpr uint32_t kLinesARotation = 200;  // the fewest lines between two rotations
 
-// The writers of all processes, and the threads of each of them that write at once.
+// The processes, and the concurrent writers of each.
 #ifdef _WIN32
 constexpr uint32_t kProcesses = 4, kWritersEach = 4;
 #else
 constexpr uint32_t kProcesses = 1, kWritersEach = 8;  // a named mutex of platform/posix is one process's own
 #endif
 
-// Each process numbers its writers from another hundred on.
+// Return the number of a process's first writer, and a writer's process. Each process has a hundred numbers.
 constexpr uint32_t FirstWriterOf(uint32_t process) {
     return kFirstWriter + 100 * process;
 }
@@ -40,7 +40,7 @@ constexpr uint32_t ProcessOf(uint32_t writer) {
     return (writer - kFirstWriter) / 100;
 }
 
-// The processes that have had a turn.
+// Returns the processes that have had a turn.
 std::set<uint32_t> ProcessesIn(const TurnBook& book) {
     std::set<uint32_t> processes;
     const uint32_t taken = std::min<uint32_t>(book.taken, TurnBook::kMaxTurns);
@@ -50,7 +50,7 @@ std::set<uint32_t> ProcessesIn(const TurnBook& book) {
     return processes;
 }
 
-// Runs the writers, in other processes where there can be such, until it goes.
+// Runs the writers until it is destroyed, in other processes where these can share a mutex.
 class Writers {
   public:
     Writers(const DriverLibrary& driver, TurnBook& book, const std::string& bookName) : book_(book) {
@@ -84,7 +84,7 @@ class Writers {
     std::thread thread_;
 };
 
-// Waits for what other threads or processes do; false when they never do it.
+// Waits for other threads or processes; returns false if the condition never becomes true.
 template <typename Condition>
 bool Becomes(Condition condition) {
     for (int i = 0; i < 20000; ++i) {
@@ -106,7 +106,7 @@ class RotatingLog {
         return fs::path(log_).replace_extension(std::to_string(number) + ".txt");
     }
 
-    // Lets the writers rotate the log; false when none of them does.
+    // Has the writers rotate the log; returns false if none of them does.
     bool Rotate() const {
         GrowPastLimit(log_);
         return Becomes([this] {
@@ -123,14 +123,14 @@ class RotatingLog {
     fs::path log_;
 };
 
-// The place of the first difference, so that a failure does not print every line.
+// Returns the place of the first difference, so that a failure does not print every line.
 size_t FirstDifference(const std::vector<Turn>& a, const std::vector<Turn>& b) {
     return static_cast<size_t>(std::mismatch(a.begin(), a.end(), b.begin(), b.end()).first - a.begin());
 }
 
 }  // namespace
 
-TEST(LogUnderLoad, LosesNoLineThatGotItsTurnAndMixesNoneWhileTheLogRotates) {
+TEST(LogUnderLoad, LosesAndMixesNoLineThatGotTheMutexWhileTheLogRotates) {
     const DriverLibrary driver(DefaultDriverFile());
     const LogCapture capture(driver.LogPath(), 1);
     const RotatingLog log(driver.LogPath());
@@ -151,7 +151,7 @@ TEST(LogUnderLoad, LosesNoLineThatGotItsTurnAndMixesNoneWhileTheLogRotates) {
     }
     generations.push_back(ReadGrownLog(driver.LogPath()));
 
-    // Every line that was wanted waited for the mutex, and every one that got it stands in the log, in order.
+    // Each attempted line waited for the mutex, and each one that got it is in the log, in order.
     ASSERT_LE(book->taken, TurnBook::kMaxTurns);
     EXPECT_EQ(book->attempted, book->taken + book->refused);
     std::vector<Turn> written;
@@ -171,7 +171,7 @@ TEST(LogUnderLoad, LosesNoLineThatGotItsTurnAndMixesNoneWhileTheLogRotates) {
         EXPECT_GT(turn.number, last[turn.writer]) << "writer " << turn.writer;
         last[turn.writer] = turn.number;
     }
-    // And there are lines of every process.
+    // There are lines of every process.
     std::set<uint32_t> processes;
     for (const auto& [writer, number] : last) processes.insert(ProcessOf(writer));
     EXPECT_EQ(processes.size(), kProcesses);

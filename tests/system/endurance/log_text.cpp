@@ -11,23 +11,22 @@
 
 namespace orvex {
 
-using namespace tools;
 namespace fs = std::filesystem;
 
 namespace {
 
 constexpr uint32_t kShortLine = 64;  // longer than the numbers of any line, shorter than a long one
 
-// The line's time, thread and level give way: "[...] [TID: n] [Info]  text". Empty when they are not there.
+// Returns the text of a line "[time] [TID: n] [Info]  text"; empty for any other line.
 std::string TextOf(const std::string& line) {
-    int year, month, day, hour, minute, second, millisecond, behind = 0;
+    int year, month, day, hour, minute, second, millisecond, end = 0;
     unsigned thread;
     if (sscanf(line.c_str(), "[%4d-%2d-%2d %2d:%2d:%2d.%3d] [TID: %u] [Info]%n", &year, &month, &day, &hour,
-               &minute, &second, &millisecond, &thread, &behind) != 8 ||
-        line.compare(static_cast<size_t>(behind), 2, "  ") != 0) {
+               &minute, &second, &millisecond, &thread, &end) != 8 ||
+        line.compare(static_cast<size_t>(end), 2, "  ") != 0) {
         return {};
     }
-    return line.substr(static_cast<size_t>(behind) + 2);
+    return line.substr(static_cast<size_t>(end) + 2);
 }
 
 bool ReadTurn(const std::string& text, Turn& turn) {
@@ -42,9 +41,10 @@ bool ReadTurn(const std::string& text, Turn& turn) {
 }  // namespace
 
 void GrowPastLimit(const fs::path& log) {
-    // One byte is written far behind the end. Setting the file's size could cut off a line of that moment.
+    // One byte is written far past the end. Setting the file's size could cut off a line written at that
+    // moment.
 #ifdef _WIN32
-    // Whoever rotates the log meanwhile must not be hindered.
+    // The writers must be able to rotate the log meanwhile.
     const OwnedHandle file(CreateFileW(log.c_str(), GENERIC_WRITE,
                                        FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
                                        OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));

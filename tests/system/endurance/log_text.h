@@ -12,13 +12,13 @@ namespace orvex {
 
 constexpr uintmax_t kMaxLogBytes = 104857600;
 
-// Makes the log one byte longer than it may be, with a hole, while others write to it.
+// Makes the log one byte longer than its limit, with a hole, while others write to it.
 void GrowPastLimit(const std::filesystem::path& log);
 
-// All that a log says, without the hole of a grown one.
+// Returns the text of a log, without the hole of a grown one.
 std::string ReadGrownLog(const std::filesystem::path& log);
 
-// The writers' lines, in order. Whatever else stands there, broken lines among them, goes to `strangers`.
+// Returns the writers' lines, in order. All other lines, and broken ones, go to `strangers`.
 std::vector<Turn> ReadTurns(std::string_view text, std::vector<std::string>& strangers);
 
 }  // namespace orvex

@@ -6,9 +6,9 @@
 #include <chrono>
 #include <iostream>
 
+#include "tests/kit/heap_watch.h"
 #include "tests/kit/log_capture.h"
 #include "tests/kit/scratch_folder.h"
-#include "tests/system/endurance/driver_memory.h"
 #include "tests/system/endurance/helper/job_kinds.h"
 #include "tests/system/endurance/other_process.h"
 #include "tests/system/endurance/process_figures.h"
@@ -20,8 +20,8 @@ namespace {
 
 constexpr size_t kJobs = 100;
 constexpr size_t kLoads = 5;
-constexpr size_t kLoggedJobs = 9;          // every such job writes its log
-constexpr size_t kPrivateSlack = 1 << 20;  // what the system's own heaps may come to
+constexpr size_t kLoggedJobs = 9;          // every ninth job logs
+constexpr size_t kPrivateSlack = 1 << 20;  // growth of the system's own heaps
 
 struct JobRecord {
     ProcessFigures process;
@@ -37,7 +37,7 @@ class LongRun : public testing::Test {
         return PrintJob(session, installation_.Path(), kind);
     }
 
-    // The same out of a process that has printed nothing before.
+    // Prints the job in a process that has printed nothing before.
     std::string PrintInFreshProcess(size_t kind) const {
         const std::filesystem::path file = installation_.Path() / "fresh.prn";
         OtherProcess process({"print", std::to_string(kind), installation_.Path().string(), file.string()});
@@ -45,7 +45,7 @@ class LongRun : public testing::Test {
         return ReadBytes(file);
     }
 
-    // The mean of a page's time over the jobs of a kind in one half of the run.
+    // Returns the mean time of a page over the jobs of a kind in one half of the run.
     static double PageMs(const std::vector<JobRecord>& records, size_t kind, size_t first, size_t end) {
         double sum = 0;
         size_t count = 0;
@@ -66,7 +66,7 @@ TEST_F(LongRun, NeitherGrowsNorChangesWhatItPrints) {
     const size_t kinds = JobKinds().size();
     const size_t warm = 2 * kinds;
     DriverSession session(JobSession(installation_.Path()));
-    const DriverMemory memory(session.Driver());
+    const HeapWatch heap(session.Driver().Module());
     std::vector<std::string> firsts;
     std::vector<JobRecord> records;
     records.reserve(kJobs);
@@ -83,7 +83,7 @@ TEST_F(LongRun, NeitherGrowsNorChangesWhatItPrints) {
         }
         log.reset();
         std::string().swap(bytes);
-        records.push_back({MeasureProcess(), memory.LiveBytes(), elapsed.count() / kPagesAJob});
+        records.push_back({MeasureProcess(), heap.LiveBytes(), elapsed.count() / kPagesAJob});
     }
 
     const JobRecord& early = records[warm - 1];
@@ -126,9 +126,9 @@ TEST_F(LongRun, PrintsAsAFreshProcessDoes) {
     }
 }
 
-TEST_F(LongRun, LeavesNoHandleWhereTheDriverIsLoadedAndUnloadedAgainAndAgain) {
+TEST_F(LongRun, LeavesNoHandleWhenTheDriverIsLoadedAndUnloadedAgainAndAgain) {
 #ifdef _WIN32
-    LoadLibraryW(L"winspool.drv");  // Wine's own leaves a handle behind each time that it is unloaded
+    LoadLibraryW(L"winspool.drv");  // Wine's own leaves a handle each time it is unloaded
 #endif
     size_t early = 0;
     for (size_t load = 0; load < 2 * kLoads; ++load) {

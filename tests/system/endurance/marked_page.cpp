@@ -10,10 +10,10 @@ namespace orvex {
 namespace {
 
 constexpr uint32_t kWhite = 0xFFFFFF;
-constexpr int64_t kStep = 37;  // from the mark of a scan line to that of the next
+constexpr int64_t kStep = 37;  // pixels from the mark of a scan line to that of the next
 
-// A color of the profiles' grid that is never white. Neighbors, and places whose offsets differ by a power
-// of two, have others.
+// Returns a color of the profiles' grid, never white. Neighbors and places whose offsets differ by a power of
+// two differ in color.
 uint32_t MarkColor(int32_t x, int32_t y) {
     const uint32_t number = plain::Scramble(static_cast<uint32_t>(x) << 16 ^ static_cast<uint32_t>(y), 1);
     return number & 0xF0F0F0;

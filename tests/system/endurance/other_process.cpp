@@ -10,12 +10,12 @@
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
-#include <csignal>
 #endif
 
 namespace orvex {
 
 using namespace tools;
+
 #ifdef _WIN32
 
 OtherProcess::OtherProcess(const std::vector<std::string>& arguments) {
@@ -48,11 +48,6 @@ int OtherProcess::Wait() {
     return exitCode_;
 }
 
-void OtherProcess::Kill() {
-    TerminateProcess(process_, 1);
-    Wait();
-}
-
 #else
 
 OtherProcess::OtherProcess(const std::vector<std::string>& arguments) {
@@ -78,11 +73,6 @@ int OtherProcess::Wait() {
         ended_ = true;
     }
     return exitCode_;
-}
-
-void OtherProcess::Kill() {
-    kill(process_, SIGKILL);
-    Wait();
 }
 
 #endif

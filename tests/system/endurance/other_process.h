@@ -1,4 +1,4 @@
-// The helper program that stands beside the tests, run as a process of its own.
+// The helper program beside the tests, run as a process of its own.
 #pragma once
 
 #include <string>
@@ -8,16 +8,15 @@ namespace orvex {
 
 class OtherProcess {
   public:
-    // Throws std::runtime_error when it can't be started.
+    // Throws std::runtime_error if it can't be started.
     explicit OtherProcess(const std::vector<std::string>& arguments);
     // Waits for its end.
     ~OtherProcess();
     OtherProcess(const OtherProcess&) = delete;
     OtherProcess& operator=(const OtherProcess&) = delete;
 
-    // Waits for its end; its exit code, or -1 when it ended by a signal.
+    // Waits for its end; returns its exit code, or -1 if a signal ended it.
     int Wait();
-    void Kill();
 
   private:
 #ifdef _WIN32

@@ -20,12 +20,11 @@
 
 namespace orvex {
 
-using namespace tools;
 #ifdef _WIN32
 
 namespace {
 
-constexpr int kExtendedHandles = 64;  // of NtQuerySystemInformation: every handle of the system
+constexpr int kExtendedHandles = 64;  // asks NtQuerySystemInformation for all handles of the system
 constexpr LONG kTooShort = static_cast<LONG>(0xC0000004);
 
 struct SystemHandle {
@@ -44,7 +43,7 @@ struct SystemHandles {
     SystemHandle handles[1];
 };
 
-// GetProcessHandleCount counts none under Wine.
+// Counts the handles one by one, since GetProcessHandleCount returns 0 under Wine.
 size_t CountHandles() {
     using Query = LONG(NTAPI*)(int, void*, ULONG, ULONG*);
     static const auto query = reinterpret_cast<Query>(
@@ -78,7 +77,7 @@ void ForgetPeak() {}
 
 namespace {
 
-// A line of this process' status, which is in KiB, in bytes.
+// Returns a figure of this process's status in bytes; the status has it in KiB.
 size_t StatusBytes(const std::string& key) {
     std::ifstream status("/proc/self/status");
     for (std::string word; status >> word;) {

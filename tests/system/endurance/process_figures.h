@@ -1,4 +1,4 @@
-// What this process holds of the machine: memory and handles.
+// Memory and handles of this process.
 #pragma once
 
 #include <cstddef>
@@ -8,13 +8,13 @@ namespace orvex {
 struct ProcessFigures {
     size_t residentBytes;
     size_t peakResidentBytes;  // since the start, or since the peak was last forgotten
-    size_t privateBytes;       // written memory that is the process' own
-    size_t handles;            // natively open file descriptors and handles of posix/
+    size_t privateBytes;       // written memory that no other process shares
+    size_t handles;            // natively open file descriptors and handles of platform/posix
 };
 
 ProcessFigures MeasureProcess();
 
-// Lets the peak begin anew; does nothing where the system can't.
+// Resets the peak; does nothing where the system can't.
 void ForgetPeak();
 
 }  // namespace orvex

@@ -1,4 +1,4 @@
-// Late jobs of a process cost what early ones do: the driver makes the same calls, and allocates the same
+// Late jobs of a process cost what early ones do: the driver makes the same calls and allocates the same
 // blocks, in the same order.
 
 #include <gmock/gmock.h>
@@ -15,9 +15,9 @@ namespace orvex {
 using namespace tools;
 namespace {
 
-constexpr int kRounds = 8;  // the first does what a process does once
+constexpr int kRounds = 8;  // the first includes what a process does only once
 
-// What a job cost, call by call.
+// Returns what a job cost, call by call.
 std::vector<std::string> Labels(const std::vector<WatchedCall>& calls) {
     std::vector<std::string> labels;
     for (const WatchedCall& call : calls)
@@ -27,11 +27,11 @@ std::vector<std::string> Labels(const std::vector<WatchedCall>& calls) {
 
 }  // namespace
 
-TEST(SameWork, IsDoneForLateJobsAsForEarlyOnes) {
+TEST(SameWork, IsDoneForLateJobsAndEarlyOnes) {
     const ScratchFolder installation;
     InstallJobProfiles(installation.Path());
     DriverSession session(JobSession(installation.Path()));
-    DebugHeap heap(session.Driver().Module());
+    HeapWatch heap(session.Driver().Module());
     CallWatch watch(session.Driver().Module(), heap);
 
     std::vector<std::vector<std::string>> early;
@@ -44,16 +44,12 @@ TEST(SameWork, IsDoneForLateJobsAsForEarlyOnes) {
             watch.Leave();
             std::vector<std::string> labels = Labels(watch.TakeCalls());
             calls += labels.size();
-            if (round == 1) {
-                early.push_back(std::move(labels));
-            } else if (round > 1) {
-                const auto other =
-                    std::mismatch(labels.begin(), labels.end(), early[kind].begin(), early[kind].end());
-                ASSERT_TRUE(labels == early[kind])
-                    << JobKinds()[kind].name << " in round " << round << ", " << labels.size()
-                    << " calls, first " << early[kind].size() << "; another one is "
-                    << (other.first == labels.end() ? "missing" : *other.first);
-            }
+            if (round == 1) early.push_back(std::move(labels));
+            if (round <= 1) continue;
+            const auto other =
+                std::mismatch(labels.begin(), labels.end(), early[kind].begin(), early[kind].end());
+            ASSERT_TRUE(labels == early[kind]) << JobKinds()[kind].name << " in round " << round << ", call "
+                                               << other.first - labels.begin() << " of " << labels.size();
         }
     }
     EXPECT_EQ(watch.OpenHandles().size(), 0u);

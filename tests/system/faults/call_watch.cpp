@@ -4,12 +4,11 @@
 
 namespace orvex {
 
-using namespace tools;
 namespace {
 
 CallWatch* currentWatch = nullptr;
 
-DWORD WINAPI StandingClock() {
+DWORD WINAPI StoppedClock() {
     return 1000;
 }
 
@@ -26,18 +25,10 @@ CallWatch* CurrentWatch() {
     return currentWatch;
 }
 
-CallWatch::Aside::Aside() {
-    ++currentWatch->aside_;
-}
-
-CallWatch::Aside::~Aside() {
-    --currentWatch->aside_;
-}
-
-CallWatch::CallWatch(HMODULE module, DebugHeap& heap) : heap_(heap) {
+CallWatch::CallWatch(HMODULE module, HeapWatch& heap) : heap_(heap) {
     currentWatch = this;
     patches_.push_back(
-        std::make_unique<ImportPatch>(module, "GetTickCount", reinterpret_cast<void*>(&StandingClock)));
+        std::make_unique<ImportPatch>(module, "GetTickCount", reinterpret_cast<void*>(&StoppedClock)));
     for (WatchedFunction& function : WatchedFunctions()) {
         if (function.isEntryPoint) continue;  // comes with GetProcAddress
         patches_.push_back(std::make_unique<ImportPatch>(module, function.name, function.replacement));
@@ -90,8 +81,8 @@ bool CallWatch::Take(std::string_view function, const std::string& subject, size
     return calls_.size() - 1 == failing_;
 }
 
-void CallWatch::NoteHandle(HandleEffect effect, HANDLE handle, const std::string& subject) {
-    if (effect == HandleEffect::kCloses) {
+void CallWatch::NoteHandle(CallEffect effect, HANDLE handle, const std::string& subject) {
+    if (effect == CallEffect::kCloses) {
         open_.erase(handle);
     } else if (handle != nullptr && handle != INVALID_HANDLE_VALUE) {
         open_[handle] = subject;

@@ -2,313 +2,127 @@
 
 #include <algorithm>
 #include <iterator>
-#include <map>
-#include <set>
-#include <utility>
+#include <tuple>
 
 namespace orvex {
 
 namespace {
 
-constexpr const char* kNone = nullptr;
+// Patterns of calls, as WatchedCall::Label() names them.
+#define MEMORY "malloc *|calloc *|realloc *|"
+#define FOLDER "SHGetSpecialFolderPathW|PathAppendW Quorvane|PathAppendW Orvex Series|"
 
-using Messages = std::vector<const char*>;
+// Calls that a hook must have to set up a device, its page bitmap or a job.
+constexpr char kSetUp[] =
+    "LocalAlloc *|EngCreatePalette|EngCreateBitmap|EngAssociateSurface|LoadLibraryW *|GetProcAddress "
+    "*|HPCRLIB_JobStart";
+// Calls on the way to the print engine's library, without which there is no job.
+constexpr char kWayToEngine[] = MEMORY FOLDER;
 
-Messages operator+(Messages first, const Messages& second) {
-    first.insert(first.end(), second.begin(), second.end());
-    return first;
-}
+// Deliberate: these lines of the job header are written without a check.
+constexpr char kUncheckedWrites[] =
+    "WritePrinter JOB NAME|WritePrinter PROFILE|WritePrinter QRV_THUMBNAIL|WritePrinter thumbnail";
 
-// A job that prints as ever, but logs otherwise.
-Outcome Changed(const Messages& changes) {
-    return {Prints::kAll, Logs::kChanges, changes};
-}
+// Calls without which the log has no message, no text in it, or no switch. They change nothing else.
+constexpr char kLosesMessage[] =
+    "CreateMutexA orvexgdi.txt|WaitForSingleObject orvexgdi.txt|CreateFileA orvexgdi.txt|WriteFile "
+    "orvexgdi.txt";
+constexpr char kLosesText[] = "WideCharToMultiByte 65001|GetLocaleInfoW";
+constexpr char kLosesSwitch[] = "CreateFileA orvexgdi.dat|ReadFile orvexgdi.dat";
 
-// A job that prints as from other inputs.
-Outcome Like(JobInputs inputs, const Messages& changes = {}, const char* cut = nullptr) {
-    return {Prints::kAll, Logs::kChanges, changes, inputs, cut};
-}
+// Calls that list the profiles or look for their other names: what can't be listed is left out without a
+// word.
+constexpr char kListsProfiles[] = MEMORY FOLDER
+    "PathAppendW *.zvp|FindFirstFileW *|FindNextFileW *|CreateFileW profilenames.inf|ReadFile "
+    "profilenames.inf|"
+    "SetFilePointerEx profilenames.inf|* *.zvp|GetPrinterW|WideCharToMultiByte 0";
+
+// Deliberate: a text ends before its first character that can't be converted.
+constexpr char kCutsText[] = "WideCharToMultiByte 0";
+
+struct CallText {
+    const char* calls;
+    const char* text;
+};
 
 // clang-format off
-const Outcome kUnchanged = {Prints::kAll, Logs::kAll};
-
-// The log and its switch.
-const Outcome kMessageLost = {Prints::kAll, Logs::kNotThis};
-const Outcome kTextLost = {Prints::kAll, Logs::kNotItsText};
-const Outcome kSilent = {Prints::kAll, Logs::kNotUntilSwitch};
-
-// Jobs that end early, or go on in their first device.
-const Outcome kNoJob = {Prints::kUntilThen, Logs::kUntilThen};
-const Outcome kNoEnd = {Prints::kUntilThen, Logs::kAll};
-const Outcome kNoNewDevice = {Prints::kAll, Logs::kNotUntilPage};
-
-// A page that is not finished. The print engine refuses everything behind it; a page that it knows nothing of
-// is only missing, and the next one brings the job header.
-const Messages kNotStarted = {
-    "- [Info]  [UI]:Show_Chunked=:1",
-    "+ [Info]  Clearing thumbnail as not used!",
+// The message that the failure of a call always logs. A failing write speaks for the engine's call that it is part of.
+constexpr CallText kMessages[] = {
+    {"calloc 916",              "[Info]  failed to alloc pdm"},
+    {"GetPrinterW",             "[Error] GetPrinterName: GetPrinter failed: 0x6"},
+    {"OpenPrinterW",            "[Error] OpenPrinterWithAccess: error 5 (983052)|[Error] OpenPrinterWithAccess: error 5 (-2147483648)"},
+    {"GetPrinterDataExA *",     "[Error] Could not read label *: 0x5"},
+    {"SetPrinterDataExA *",     "[Error] Could not set label *: 0x5"},
+    {"CreateFileW media.inf",   "[Error] failed to open media.inf"},
+    {"ReadFile media.inf",      "[Error] media.inf empty"},
+    {"CreateFileW settings.inf", "[Error] failed to open settings.inf"},
+    {"CreateFileA *.zvp",       "[Info]  Error: could not open file [*]|[Error] Error: could not open file [profiles\\*]"},
+    {"GetFileSizeEx *.zvp",     "[Info]  error reading file * 0|[Error] error reading file * 0"},
+    {"ReadFile *.zvp",          "[Info]  error reading file * 0|[Error] error reading file * 0|[Error] error reading profile *<>19652"},
+    {"SetFilePointerEx *.zvp",  "[Error] error reading profile 0<>19652"},
+    {"EngCreateBitmap",         "[Error] Could not create surface."},
+    {"LoadLibraryW *",          "[Error] Error: could not load hpcrlib.DLL"},
+    {"GetProcAddress *",        "[Error] Error: could not get \"*\" address"},
+    {"HPCRLIB_JobStart",        "[Error] Error: could not start a job"},
+    {"HPCRLIB_PageStart",       "[Error] Error: could not start a page"},
+    {"HPCRLIB_RasterBlockStart", "[Error] Error: could not start a raster block"},
+    {"HPCRLIB_RasterRow",       "[Error] Error: could not send raster row *"},
+    {"HPCRLIB_RasterBlockEnd",  "[Error] Error: could not end a raster block"},
+    {"HPCRLIB_PageEnd",         "[Error] Error: could not end the page"},
+    {"HPCRLIB_JobEnd",          "[Error] Error: could not end the job 0 *"},
 };
-const Messages kNotFinished = {
-    "- [Info]  RasterBlockStart: 0, 0, 300, 300",
-    "- [Info]  Start render loop 90000 pixels rot=0 mir=0 luti=5 [Faults]",
-    "- [Info]  ln32: 1200 1200",
-    "- [Info]  Finished sending page",
-    "+ [Error] Error: page * res missed!!!!!!!!!!!!!!!!!!!",
+
+// Messages that some failures log, or that follow from one.
+constexpr char kOtherMessages[] =
+    // out of memory, or no installation folder
+    "[Error] Error: could get app path|[Error] GetPrinterName: malloc failed|"
+    "[Error] Could not read label list from registry: 0x8|[Error] Error: could not allocate rows of 300 pixels|"
+    // labels that are not imported, imported later or read again
+    "[Error] Could not * label list * registry: 0x5|[Error] Could not find label list in registry: 0x2|"
+    "[Error] Error adding label to registry!|[Error] Could not read label *: 0x2|"
+    "[Error] Add Small 25.4 28 0|[Error] Add Strip 25.4 25.4 0|"
+    "[Info]  dwPageWidth 300<-254|[Info]  dwPageLength 400<-254|"
+    // a profile whose name can't be converted
+    "[Info]  read_profile 0 48 *|[Error] error reading profile *!|"
+    // no thumbnail
+    "[Info]  failed to alloc thumbnail bytes|[Info]  pngencode 83|[Info]  failed to generate png|"
+    "[Info]  failed to generate base64 png|[Info]  Clearing thumbnail as not used!|"
+    // a page that is not finished: the next one brings the job header, or the engine refuses all that follows
+    "[Error] Error: page * res missed!!!!!!!!!!!!!!!!!!!|[Info]  [UI]:Show_Chunked=:1";
+
+// The messages with which a page or a job ends early.
+constexpr char kStops[] =
+    "[Error] Error: could not start a *|[Error] Error: could not send raster row *|"
+    "[Error] Error: could not end *|[Error] Error: could not allocate rows of 300 pixels";
+
+// Calls that belong to an input, by the hook that reads it.
+struct InputCalls {
+    const char* place;
+    const char* calls;
+    JobInputs without;
 };
-const Messages kNothingMore = {
-    "+ [Error] Error: could not start a page",
-    "+ [Error] Error: could not end the job 0 *",
+constexpr InputCalls kInputCalls[] = {
+    {"DrvEnablePDEV 1",     "calloc 916", JobInputs::kNoFirstMode},
+    {"DrvEnablePDEV 2",     "calloc 916", JobInputs::kNoSecondMode},
+    {"DrvEnablePDEV 1",     MEMORY FOLDER "* media.inf|EnumPrinterKeyW|GetPrinterW|OpenPrinterW|SetPrinterDataExA *", JobInputs::kNoLabels},
+    {"DrvStartDoc 1",       MEMORY FOLDER "* test.zvp|WideCharToMultiByte 0|MultiByteToWideChar 0|SetCurrentDirectoryW *", JobInputs::kNoProfile},
+    {"DrvStartDoc 1",       "* test.zvp", JobInputs::kNoColors},
+    {"DrvSendPage 1",       MEMORY FOLDER "* settings.inf", JobInputs::kNoThumbnail},
+    {"DrvSendPage 1",       "HPCRLIB_PageStart", JobInputs::kNoFirstPage},
+    {"DrvSendPage 2",       "HPCRLIB_PageStart", JobInputs::kNoSecondPage},
+    {"DrvSendPage 3",       "HPCRLIB_PageStart", JobInputs::kNoThirdPage},
+    {"*/HPCRLIB_PageStart", MEMORY FOLDER "* settings.inf", JobInputs::kNoChunkPages},
 };
-const Outcome kPageLeftOut = {Prints::kAllButPage, Logs::kChanges, kNotStarted + kNotFinished + Messages{
-    "+ [Info]  [UI]:Show_Chunked=:1",
-}};
-const Outcome kPageBroken = {Prints::kUntilThen, Logs::kChanges, kNotStarted + kNotFinished + kNothingMore};
-const Outcome kNoRows = {Prints::kUntilThen, Logs::kChanges, kNotFinished + kNothingMore + Messages{
-    "+ [Error] Error: could not allocate rows of 300 pixels",
-}};
-const Outcome kWriteLeftOut = {Prints::kAllButThat, Logs::kAll};
 
-// Values that settings.inf does not give, and a thumbnail that can't be made.
-const Outcome kNoThumbnail = Like(JobInputs::kNoThumbnail);
-const Outcome kNoChunkPages = Like(JobInputs::kNoChunkPages);
-const Outcome kThumbnailFails = Like(JobInputs::kNoThumbnail, {
-    "+ [Info]  failed to alloc thumbnail bytes",
-    "+ [Info]  pngencode 83",
-    "+ [Info]  failed to generate png",
-    "+ [Info]  failed to generate base64 png",
-});
-
-// A profile that the catalogue lists without its other name, can't read, does not list, or does not find.
-const Messages kNameLess = {
-    "- [Error] QRV_GetProfileFieldW [test.zvp] [Test paper]",
-};
-const Messages kReadLess = {
-    "- [Info]  Profile version:5",
-    "- [Info]  Profile name:*",
-};
-const Messages kListLess = kReadLess + Messages{
-    "- [Error] GetQRVProfileName [*.zvp] [*.zvp]",
-};
-const Outcome kNotNamed = Changed(kNameLess);
-const Outcome kNotRead = Changed(kReadLess);
-const Outcome kNotListed = Changed(kListLess + kNameLess + Messages{
-    "- [Info]  GetLocaleInfo lang:ENU",
-});
-const Outcome kNotFound = Changed(kListLess + Messages{
-    "+ [Error] GetQRVProfileName [*.zvp] [\\*]",
-    "+ [Info]  Error: could not open file [\\*]",
-});
-
-// The generic conversion instead of the job's profile.
-const Outcome kNoProfile = Like(JobInputs::kNoProfile);
-const Outcome kNoColors = Like(JobInputs::kNoColors);
-const Outcome kNoSuchProfile = Like(JobInputs::kNoProfile, {
-    "- [Info]  load_profile [profiles\\test.zvp]",
-    "+ [Info]  load_profile [profiles\\*]",
-    "+ [Error] Error: could not open file [profiles\\*]",
-    "+ [Info]  read_profile 0 48 *",
-    "+ [Error] error reading profile *!",
-}, "PROFILE");
-
-// A job without a name, or with a part of it.
-const Outcome kTitleCut = Like(JobInputs::kAll, {
-    "- [Info]  Start render loop 90000 pixels rot=0 mir=0 luti=5 [Faults]",
-    "+ [Info]  Start render loop 90000 pixels rot=0 mir=0 luti=5 [*]",
-}, "JOB NAME");
-
-// Labels that are not imported. The second device imports them, but the job keeps its page size.
-const Outcome kNoLabels = Like(JobInputs::kNoLabels, {
-    "+ [Error] Add Small 25.4 28 0",
-    "+ [Error] Add Strip 25.4 25.4 0",
-    "+ [Error] Could not find label list in registry: 0x2",
-    "+ [Info]  dwPageWidth 300<-254",
-    "+ [Info]  dwPageLength 400<-254",
-});
-const Messages kLabelLess = {
-    "+ [Error] Error adding label to registry!",
-    "+ [Error] Could not read label *: 0x2",
-};
-const Outcome kLabelNotAdded = Like(JobInputs::kNoLabels, kLabelLess + Messages{
-    "+ [Error] Add Strip 25.4 25.4 0",
-    "+ [Error] Could not find label list in registry: 0x2",
-});
-const Outcome kOtherLabelBroken = Changed(kLabelLess);
-const Outcome kLabelsReadAgain = Changed({
-    "+ [Error] Add Strip 25.4 25.4 0",
-});
-
-// A device with the printer's defaults.
-const Outcome kFirstDefault = Like(JobInputs::kNoFirstMode);
-const Outcome kSecondDefault = Like(JobInputs::kNoSecondMode);
-
-// What leads to a file in the installation folder.
-#define FOLDER "calloc 520|SHGetSpecialFolderPathW|PathAppendW Quorvane|PathAppendW Orvex Series"
-
-const DocumentedAnswer kAnswers[] = {
-    // the log and its switch
-    {"CreateMutexA orvexgdi.txt",        "", "", "", kNone, kMessageLost},
-    {"WaitForSingleObject orvexgdi.txt", "", "", "", kNone, kMessageLost},
-    {"CreateFileA orvexgdi.txt",         "", "", "", kNone, kMessageLost, "", Leaves::kMutex},
-    {"WriteFile orvexgdi.txt",           "", "", "", kNone, kMessageLost},
-    {"GetFileSizeEx orvexgdi.txt",       "", "", "", kNone, kUnchanged},
-    {"CreateFileA orvexgdi.dat",         "", "", "", kNone, kSilent},
-    {"ReadFile orvexgdi.dat",            "", "", "", kNone, kSilent},
-    {"WideCharToMultiByte 65001",        "", "", "", kNone, kTextLost},
-
-    // the name of the printer's driver, which is asked for and not used
-    {"GetPrinterDriverW", "", "", "", kNone, kUnchanged},
-    {"malloc *",          "", "GetPrinterDriverW", "GetPrinterDriverW", kNone, kUnchanged},
-    {"malloc 26",         "", "GetPrinterDriverW", "", kNone, kUnchanged},
-
-    // settings.inf; what it does not give has its default
-    {FOLDER "|malloc *",              "DrvSendPage 1", "GetPrinterDriverW", "CreateFileW settings.inf", kNone, kNoThumbnail, "[Error] failed to open settings.inf"},
-    {"CreateFileW settings.inf",      "DrvSendPage 1", "GetPrinterDriverW", "", kNone, kNoThumbnail, "[Error] failed to open settings.inf"},
-    {"ReadFile settings.inf|SetFilePointerEx settings.inf", "DrvSendPage 1", "settings.inf 1", "", kNone, kNoThumbnail},
-    {FOLDER "|malloc *",              "*HPCRLIB_PageStart", "", "CreateFileW settings.inf", kNone, kNoChunkPages, "[Error] failed to open settings.inf"},
-    {"CreateFileW settings.inf",      "*HPCRLIB_PageStart", "", "", kNone, kNoChunkPages, "[Error] failed to open settings.inf"},
-    {"ReadFile settings.inf|SetFilePointerEx settings.inf", "*HPCRLIB_PageStart", "", "", kNone, kNoChunkPages},
-    {FOLDER "|malloc *",              "", "", "CreateFileW settings.inf", kNone, kUnchanged, "[Error] failed to open settings.inf"},
-    {"CreateFileW settings.inf",      "", "", "", kNone, kUnchanged, "[Error] failed to open settings.inf"},
-    {"ReadFile settings.inf|SetFilePointerEx settings.inf", "", "", "", kNone, kUnchanged},
-
-    // the labels to import
-    {FOLDER,                  "DrvEnablePDEV 1", "ReadFile orvexgdi.dat", "EnumPrinterKeyW", kNone, kNoLabels, "[Error] Error: could get app path"},
-    {FOLDER,                  "DrvEnablePDEV 2", "ReadFile orvexgdi.dat", "EnumPrinterKeyW", kNone, kUnchanged, "[Error] Error: could get app path"},
-    {"malloc *",              "", "", "CreateFileW media.inf", kNone, kNoLabels, "[Error] failed to open media.inf"},
-    {"CreateFileW media.inf", "", "", "", kNone, kNoLabels, "[Error] failed to open media.inf"},
-    {"ReadFile media.inf",    "", "", "", kNone, kNoLabels, "[Error] media.inf empty"},
-
-    // importing them; the job asks for the second
-    {"EnumPrinterKeyW",           "DrvEnablePDEV 1", "ReadFile orvexgdi.dat", "", kNone, kUnchanged},
-    {"EnumPrinterKeyW",           "DrvEnablePDEV 2", "ReadFile orvexgdi.dat", "", kNone, kLabelsReadAgain, "[Error] Add Small 25.4 28 0"},
-    {"EnumPrinterKeyW",           "", "media.inf 1", "", kNone, kLabelNotAdded, "[Error] Could not * label list * registry: 0x5"},
-    {"calloc *",                  "", "media.inf 1", "EnumPrinterKeyW", kNone, kLabelNotAdded, "[Error] Could not read label list from registry: 0x8"},
-    {"GetPrinterW",               "", "media.inf 1", "", kNone, kLabelNotAdded, "[Error] GetPrinterName: GetPrinter failed: 0x6"},
-    {"malloc *",                  "", "media.inf 1", "GetPrinterW|OpenPrinterW", kNone, kLabelNotAdded, "[Error] GetPrinterName: malloc failed"},
-    {"OpenPrinterW",              "", "media.inf 1", "", kNone, kLabelNotAdded, "[Error] OpenPrinterWithAccess: error 5 (983052)"},
-    {"SetPrinterDataExA * version", "", "", "", kNone, kLabelNotAdded, "[Error] Could not set label {}: 0x5"},
-    {"SetPrinterDataExA 258 *",   "", "", "", kNone, kOtherLabelBroken, "[Error] Could not set label {}: 0x5"},
-    {"SetPrinterDataExA 259 *",   "", "", "", kNone, kLabelNotAdded, "[Error] Could not set label {}: 0x5"},
-
-    // the catalogue of profiles; the job names its own
-    {"GetPrinterW",            "", "GetPrinterDataExA 259 units", "GetPrinterW", kNone, kNotListed, "[Error] GetPrinterName: GetPrinter failed: 0x6"},
-    {"malloc *",               "", "GetPrinterDataExA 259 units, GetPrinterW", "GetPrinterW", kNone, kNotListed, "[Error] GetPrinterName: malloc failed"},
-    {"GetPrinterW",            "", "", "PathAppendW *.zvp", kNone, kNotListed, "[Error] GetPrinterName: GetPrinter failed: 0x6"},
-    {"malloc *",               "", "GetPrinterW", "PathAppendW *.zvp", kNone, kNotListed, "[Error] GetPrinterName: malloc failed"},
-    {FOLDER,                   "", "", "PathAppendW *", kNone, kNotListed, "[Error] Error: could get app path"},
-    {"PathAppendW *",          "", "", "FindFirstFileW*", kNone, kNotListed},
-    {"FindFirstFileW *",       "", "", "", kNone, kNotListed},
-    {"FindNextFileW *",        "", "", "", kNone, kNotListed},
-    {"calloc *",               "", "FindNextFileW*", "FindFirstFileW*", kNone, kNotListed},
-    {"calloc *",               "", "* profilenames.inf", "", kNone, kUnchanged},
-    {"malloc *",               "", "* settings.inf", "EnumPrinterKeyW", kNone, kUnchanged},
-    {"CreateFileA *.zvp",      "DrvEnablePDEV*", "", "", kNone, kNotRead, "[Info]  Error: could not open file [*{}]"},
-    {"GetFileSizeEx *.zvp",    "DrvEnablePDEV*", "", "", kNone, kNotRead, "[Info]  error reading file *{} 0"},
-    {"ReadFile *.zvp",         "DrvEnablePDEV*", "", "", kNone, kNotRead, "[Info]  error reading file *{} 0"},
-    {"WideCharToMultiByte 0",  "DrvEnablePDEV*", "", "", kNone, kNotFound},
-    {"MultiByteToWideChar 0",  "DrvEnablePDEV*", "", "", kNone, kUnchanged},
-    {"GetLocaleInfoW",         "", "", "", kNone, kTextLost},
-    {FOLDER "|malloc *",       "", "", "CreateFileW profilenames.inf", kNone, kNotNamed},
-    {"CreateFileW profilenames.inf", "", "", "", kNone, kNotNamed},
-    {"ReadFile profilenames.inf|SetFilePointerEx profilenames.inf", "", "", "", kNone, kNotNamed},
-
-    // looking the labels up; what can't be read is as it was
-    {"GetPrinterW",         "", "", "", kNone, kUnchanged, "[Error] GetPrinterName: GetPrinter failed: 0x6"},
-    {"malloc *",            "", "GetPrinterW", "", kNone, kUnchanged, "[Error] GetPrinterName: malloc failed"},
-    {"OpenPrinterW",        "", "", "", kNone, kUnchanged, "[Error] OpenPrinterWithAccess: error 5 (-2147483648)"},
-    {"EnumPrinterKeyW",     "", "", "", kNone, kUnchanged, "[Error] Could not * label list * registry: 0x5"},
-    {"calloc *",            "", "EnumPrinterKeyW", "EnumPrinterKeyW", kNone, kUnchanged, "[Error] Could not read label list from registry: 0x8"},
-    {"GetPrinterDataExA *", "", "", "", kNone, kUnchanged, "[Error] Could not read label {}: 0x5"},
-
-    // the job's profile; whatever fails leads to the generic conversion
-    {"WideCharToMultiByte 0",     "DrvStartDoc 1", "HPCRLIB_JobStart", "", kNone, kNoSuchProfile},
-    {"MultiByteToWideChar 0",     "DrvStartDoc 1", "", "", kNone, kNoProfile, "[Error] Error: could not open file [profiles\\test.zvp]"},
-    {"CreateFileA test.zvp",      "DrvStartDoc 1", "", "", kNone, kNoProfile, "[Error] Error: could not open file [profiles\\test.zvp]"},
-    {"GetFileSizeEx test.zvp",    "DrvStartDoc 1", "", "", kNone, kNoProfile, "[Error] error reading file profiles\\test.zvp 0"},
-    {"ReadFile test.zvp",         "DrvStartDoc 1", "GetFileSizeEx*", "", kNone, kNoProfile, "[Error] error reading file profiles\\test.zvp 0"},
-    {"ReadFile test.zvp",         "DrvStartDoc 1", "SetFilePointerEx test.zvp", "", kNone, kNoColors, "[Error] error reading profile 0<>19652"},
-    {"ReadFile test.zvp",         "DrvStartDoc 1", "", "ReadFile*", kNone, kNoColors, "[Error] error reading profile 8192<>19652"},
-    {"ReadFile test.zvp",         "DrvStartDoc 1", "", "", kNone, kNoColors, "[Error] error reading profile 16384<>19652"},
-    {"SetFilePointerEx test.zvp", "DrvStartDoc 1", "", "", kNone, kNoColors, "[Error] error reading profile 0<>19652"},
-
-    // the device; without the first there is no job, without the second it goes on in the first
-    {"LocalAlloc *",        "DrvEnablePDEV 1", "", "", "DrvEnablePDEV 1", kNoJob},
-    {"LocalAlloc *",        "DrvEnablePDEV 2", "", "", "DrvEnablePDEV 2", kNoNewDevice},
-    {"calloc 916",          "DrvEnablePDEV 1", "", "", kNone, kFirstDefault, "[Info]  failed to alloc pdm"},
-    {"calloc 916",          "DrvEnablePDEV 2", "", "", kNone, kSecondDefault, "[Info]  failed to alloc pdm"},
-    {"EngCreatePalette",    "DrvEnablePDEV 1", "", "", "DrvEnablePDEV 1", kNoJob},
-    {"EngCreatePalette",    "DrvEnablePDEV 2", "", "", "DrvEnablePDEV 2", kNoNewDevice},
-    {"EngCreateBitmap",     "DrvEnableSurface 1", "", "", "DrvEnableSurface 1", kNoJob, "[Error] Could not create surface."},
-    {"EngCreateBitmap",     "DrvEnableSurface 2", "", "", "DrvEnableSurface 2", kNoNewDevice, "[Error] Could not create surface."},
-    {"EngAssociateSurface", "DrvEnableSurface 1", "", "", "DrvEnableSurface 1", kNoJob},
-    {"EngAssociateSurface", "DrvEnableSurface 2", "", "", "DrvEnableSurface 2", kNoNewDevice},
-    {"EngDeleteSurface",    "", "", "", kNone, kUnchanged},
-    {"EngEraseSurface",     "", "", "", kNone, kUnchanged},
-
-    // the print engine's library
-    {"WideCharToMultiByte 0",  "DrvStartDoc 1", "EngEraseSurface", "GetCurrentDirectoryW", kNone, kTitleCut},
-    {FOLDER,                   "DrvStartDoc 1", "", "GetCurrentDirectoryW", "DrvStartDoc 1", kNoJob, "[Error] Error: could get app path"},
-    {"GetCurrentDirectoryW",   "DrvStartDoc 1", "", "", kNone, kUnchanged, "", Leaves::kDirectory},
-    {"SetCurrentDirectoryW *", "DrvStartDoc 1", "", "", kNone, kNoProfile},  // no refusal; the profile's path is relative
-    {"SetCurrentDirectoryW *", "DrvEndDoc 1", "", "", kNone, kUnchanged, "", Leaves::kDirectory},
-    {"LoadLibraryW *",         "", "", "", "DrvStartDoc 1", kNoJob, "[Error] Error: could not load hpcrlib.DLL"},
-    {"GetProcAddress *",       "", "", "", "DrvStartDoc 1", kNoJob, "[Error] Error: could not get \"{}\" address"},
-    {"FreeLibrary",            "", "", "", kNone, kUnchanged},
-
-    // its job and its pages
-    {"HPCRLIB_JobStart",         "", "", "", "DrvStartDoc 1", kNoJob, "[Error] Error: could not start a job"},
-    {"*alloc *",                 "DrvSendPage 1", "* settings.inf", "HPCRLIB_PageStart", kNone, kThumbnailFails},
-    {"HPCRLIB_PageStart",        "", "", "", kNone, kPageLeftOut, "[Error] Error: could not start a page"},
-    {"HPCRLIB_RasterBlockStart", "", "", "", kNone, kPageBroken, "[Error] Error: could not start a raster block"},
-    {"malloc *|calloc *",        "DrvSendPage*", "WritePrinter data", "HPCRLIB_RasterRow", kNone, kNoRows},
-    {"HPCRLIB_RasterRow",        "", "", "", kNone, kPageBroken, "[Error] Error: could not send raster row *"},
-    {"HPCRLIB_RasterBlockEnd",   "", "", "", kNone, kPageBroken, "[Error] Error: could not end a raster block"},
-    {"HPCRLIB_PageEnd",          "", "", "", kNone, kPageBroken, "[Error] Error: could not end the page"},
-    {"HPCRLIB_JobEnd",           "", "", "", kNone, kUnchanged, "[Error] Error: could not end the job 0 *"},
-
-    // the way to the spooler; the job's name, the profile's, and the thumbnail up to its end are not checked
-    {"WritePrinter JOB NAME|WritePrinter PROFILE|WritePrinter QRV_THUMBNAIL", "", "", "", kNone, kWriteLeftOut},
-    {"WritePrinter data", "", "WritePrinter QRV_THUMBNAIL", "", kNone, kWriteLeftOut},
-    {"WritePrinter *", "*HPCRLIB_PageStart",        "", "", kNone, kPageBroken, "[Error] Error: could not start a page"},
-    {"WritePrinter *", "*HPCRLIB_RasterBlockStart", "", "", kNone, kPageBroken, "[Error] Error: could not start a raster block"},
-    {"WritePrinter *", "*HPCRLIB_RasterRow",        "", "", kNone, kPageBroken, "[Error] Error: could not send raster row *"},
-    {"WritePrinter *", "*HPCRLIB_RasterBlockEnd",   "", "", kNone, kPageBroken, "[Error] Error: could not end a raster block"},
-    {"WritePrinter *", "*HPCRLIB_PageEnd",          "", "", kNone, kPageBroken, "[Error] Error: could not end the page"},
-    {"WritePrinter *", "*HPCRLIB_JobEnd",           "", "", kNone, kNoEnd, "[Error] Error: could not end the job 0 *"},
-
-    // what is given back is given back
-    {"CloseHandle*", "", "", "", kNone, kUnchanged},
-    {"FindClose*",   "", "", "", kNone, kUnchanged},
+// Deliberate: a log that can't be opened keeps its mutex, and a directory that is not known can't be restored.
+constexpr CallText kLeftovers[] = {
+    {"CreateFileA orvexgdi.txt",                       "open: orvexgdi.txt"},
+    {"DrvStartDoc 1 GetCurrentDirectoryW",             "another current directory"},
+    {"DrvEndDoc 1 SetCurrentDirectoryW *",             "another current directory"},
 };
 // clang-format on
 
-// Calls that tell where in the job another one stands: not the log's, nor those that lead up to them.
-bool IsLandmark(const WatchedCall& call) {
-    static const char* const kOthers[] = {"* orvexgdi.txt",
-                                          "malloc*",
-                                          "calloc*",
-                                          "realloc*",
-                                          "LocalAlloc*",
-                                          "WideCharToMultiByte*",
-                                          "MultiByteToWideChar*",
-                                          "CloseHandle*",
-                                          "FindClose*",
-                                          "SHGetSpecialFolderPathW",
-                                          "PathAppendW Quorvane",
-                                          "PathAppendW Orvex Series"};
-    const std::string label = call.Label();
-    return std::none_of(std::begin(kOthers), std::end(kOthers),
-                        [&](const char* pattern) { return Matches(label, pattern); });
-}
-
-std::vector<std::string> Alternatives(std::string_view pattern) {
-    std::vector<std::string> alternatives;
-    for (size_t end; (end = pattern.find('|')) != pattern.npos; pattern.remove_prefix(end + 1)) {
-        alternatives.emplace_back(pattern.substr(0, end));
-    }
-    alternatives.emplace_back(pattern);
-    return alternatives;
-}
+using Lines = std::vector<std::string>;
 
 bool MatchesOne(std::string_view text, std::string_view pattern) {
     if (pattern.empty()) return text.empty();
@@ -318,85 +132,185 @@ bool MatchesOne(std::string_view text, std::string_view pattern) {
     return !text.empty() && text[0] == pattern[0] && MatchesOne(text.substr(1), pattern.substr(1));
 }
 
-bool Fits(std::string_view text, const char* pattern) {
-    return *pattern == '\0' || Matches(text, pattern);
+std::string HookOf(const WatchedCall& call) {
+    return call.place.substr(0, call.place.find('/'));
 }
 
-bool Fits(const PlacedCall& call, const DocumentedAnswer& answer) {
-    return Matches(call.call.Label(), answer.call) && Fits(call.call.place, answer.place) &&
-           (Fits(call.before, answer.before) || Matches(call.lastTwo, answer.before) ||
-            Matches(call.file, answer.before)) &&
-           Fits(call.after, answer.after);
+// Returns the patterns of the message that the failure always logs; null if there is none.
+const char* MessageOf(const WatchedCall& call) {
+    if (Matches(call.Label(), kUncheckedWrites)) return nullptr;
+    const std::string speaker =
+        call.function == "WritePrinter" ? call.place.substr(call.place.find('/') + 1) : call.Label();
+    for (const CallText& row : kMessages) {
+        if (Matches(speaker, row.calls)) return row.text;
+    }
+    return nullptr;
 }
 
-// Notes of each call the file last opened in its hook.
-void NoteFiles(std::vector<PlacedCall>& calls) {
-    std::string hook, file;
-    std::map<std::string, int> opened;
-    for (PlacedCall& placed : calls) {
-        const WatchedCall& call = placed.call;
-        const std::string of = call.place.substr(0, call.place.find('/'));
-        if (std::exchange(hook, of) != of) {
-            file.clear();
-            opened.clear();
-        }
-        placed.file = file;
-        if (call.function == "CreateFileW" || (call.function == "CreateFileA" && IsLandmark(call))) {
-            file = call.subject + " " + std::to_string(++opened[call.subject]);
+bool AnyMatches(const Lines& lines, std::string_view pattern) {
+    return std::any_of(lines.begin(), lines.end(),
+                       [&](const std::string& line) { return Matches(line, pattern); });
+}
+
+bool IsDocumented(const std::string& line) {
+    return Matches(line, kOtherMessages) ||
+           std::any_of(std::begin(kMessages), std::end(kMessages),
+                       [&](const CallText& row) { return Matches(line, row.text); });
+}
+
+// Returns the lines of a log that the other one lacks.
+Lines Without(Lines lines, Lines other) {
+    std::sort(lines.begin(), lines.end());
+    std::sort(other.begin(), other.end());
+    Lines left;
+    std::set_difference(lines.begin(), lines.end(), other.begin(), other.end(), std::back_inserter(left));
+    return left;
+}
+
+// Empties the texts that may be cut: the last one in brackets of a log message, the names in a job header.
+std::string WithoutNames(std::string text) {
+    if (text.starts_with('[')) {
+        const size_t last = text.rfind('[');
+        return last == 0 ? text : text.substr(0, last);
+    }
+    for (const std::string_view opening : {"JOB NAME=\"", "PROFILE=\""}) {
+        const size_t name = text.find(opening);
+        if (name == std::string::npos) continue;
+        const size_t start = name + opening.size();
+        text.erase(start, text.find('"', start) - start);
+    }
+    return text;
+}
+
+// Returns the lines that differ from each of the others in more than a name.
+Lines WithoutCut(Lines lines, const Lines& others) {
+    std::erase_if(lines, [&](const std::string& line) {
+        return std::any_of(others.begin(), others.end(), [&](const std::string& other) {
+            return WithoutNames(line) == WithoutNames(other);
+        });
+    });
+    return lines;
+}
+
+const HookRecord* Find(const JobRecord& job, const std::string& hook) {
+    const auto found = std::find_if(job.hooks.begin(), job.hooks.end(),
+                                    [&](const HookRecord& each) { return each.name == hook; });
+    return found == job.hooks.end() ? nullptr : &*found;
+}
+
+// The failing call, and what its hook had done before.
+struct Failure {
+    Failure(const JobRecord& job, size_t number) : call(job.calls[number]), label(call.Label()) {
+        for (size_t i = 0; i < number; ++i) {
+            const WatchedCall& before = job.calls[i];
+            if (HookOf(before) != HookOf(call)) continue;
+            if (before.function == "WritePrinter") bytesBefore += before.bytes;
+            if (before.Label() == "WriteFile orvexgdi.txt") ++linesBefore;
         }
     }
+
+    const WatchedCall& call;
+    std::string label;
+    size_t bytesBefore = 0;
+    ptrdiff_t linesBefore = 0;
+};
+
+// Returns the rule that a hook breaks which ends after the failure, in words; empty if it breaks none.
+// `fallback` is the hook in the job of fewer inputs, or `usual` itself.
+std::string BrokenRule(const Failure& failure, const HookRecord& hook, const HookRecord& usual,
+                       const HookRecord& fallback) {
+    const std::string& label = failure.label;
+    const bool fails = hook.name == HookOf(failure.call);
+    Lines came = Without(Without(hook.log, usual.log), fallback.log);
+    Lines gone = Without(Without(usual.log, Without(usual.log, fallback.log)), hook.log);
+    if (Matches(label, kCutsText))
+        std::tie(came, gone) = std::pair(WithoutCut(came, gone), WithoutCut(gone, came));
+
+    const bool needed = fails && Matches(label, kSetUp);
+    const bool onTheWay =
+        fails && hook.name == "DrvStartDoc 1" && Matches(label, kWayToEngine) && !came.empty();
+    if (hook.accepted && needed) return "succeeds without what it sets up";
+    if (!hook.accepted && !needed && !onTheWay) return "refuses";
+    const DWORD code = LastErrorOf(failure.call);
+    if (!hook.accepted && code != 0 && hook.lastError != code) return "leaves another last error";
+
+    const bool stops = !hook.accepted || AnyMatches(came, kStops);
+    std::string output = usual.output;
+    if (fails && Matches(label, kUncheckedWrites))
+        output.erase(failure.bytesBefore, failure.call.bytes);
+    else if (stops)
+        output.resize(fails ? failure.bytesBefore : 0);
+    if (hook.output != output && hook.output != usual.output && hook.output != fallback.output &&
+        !(Matches(label, kCutsText) && WithoutNames(hook.output) == WithoutNames(fallback.output)))
+        return "prints other bytes";
+
+    const char* message = fails ? MessageOf(failure.call) : nullptr;
+    if (message != nullptr && !AnyMatches(hook.log, message)) return std::string("does not log ") + message;
+    if (fails && Matches(label, kLosesText) && came.size() == 1 && gone.size() == 1) return "";
+    for (const std::string& line : came) {
+        if (!IsDocumented(line)) return "logs " + line;
+    }
+    const bool mayLose = stops || Matches(label, kLosesSwitch) || (fails && !came.empty()) ||
+                         (fails && &fallback != &usual) ||
+                         (fails && Matches(label, kLosesMessage) && gone.size() == 1) ||
+                         (fails && Matches(hook.name, "DrvEnablePDEV *") && Matches(label, kListsProfiles));
+    return gone.empty() || mayLose ? "" : "does not log " + gone.front();
+}
+
+// Returns the rules that the hooks of a job break, held against a job in which nothing fails and one of fewer
+// inputs.
+Lines BrokenRules(const JobRecord& job, size_t failing, const JobRecord& usualJob,
+                  const JobRecord& fallbackJob) {
+    const Failure failure(job, failing);
+    Lines broken;
+    bool failed = false;
+    for (const HookRecord& hook : job.hooks) {
+        const HookRecord* usual = Find(usualJob, hook.name);
+        const HookRecord* fallback = Find(fallbackJob, hook.name);
+        if (usual == nullptr || fallback == nullptr) return {hook.name + " is called only here"};
+        std::string rule;
+        const bool fails = hook.name == HookOf(failure.call);
+        const ptrdiff_t lines = fails ? failure.linesBefore : std::ssize(hook.log);
+        failed = failed || fails;
+        if (!failed && !hook.SameAs(*usual))
+            rule = "differs before the call";
+        else if (fails && !std::equal(usual->log.begin(), usual->log.begin() + lines, hook.log.begin(),
+                                      hook.log.begin() + std::min(lines, std::ssize(hook.log))))
+            rule = "logs something else before the call";
+        else if (failed)
+            rule = BrokenRule(failure, hook, *usual, *fallback);
+        if (!rule.empty()) broken.push_back(hook.name + " " + rule);
+    }
+    return broken;
 }
 
 }  // namespace
 
 bool Matches(std::string_view text, std::string_view pattern) {
-    const std::vector<std::string> alternatives = Alternatives(pattern);
-    return std::any_of(alternatives.begin(), alternatives.end(),
-                       [&](const std::string& each) { return MatchesOne(text, each); });
+    for (size_t end; (end = pattern.find('|')) != pattern.npos; pattern.remove_prefix(end + 1)) {
+        if (MatchesOne(text, pattern.substr(0, end))) return true;
+    }
+    return MatchesOne(text, pattern);
 }
 
-std::vector<PlacedCall> PlaceCalls(const std::vector<WatchedCall>& calls) {
-    std::vector<PlacedCall> placed;
-    std::string before, lastTwo;
-    for (const WatchedCall& call : calls) {
-        placed.push_back({placed.size(), call, before, "", lastTwo, ""});
-        if (IsLandmark(call)) {
-            lastTwo = before + ", " + call.Label();
-            before = call.Label();
-        }
-    }
-    std::string after;
-    for (auto each = placed.rbegin(); each != placed.rend(); ++each) {
-        each->after = after;
-        if (IsLandmark(each->call)) after = each->call.Label();
-    }
-    NoteFiles(placed);
-    return placed;
-}
-
-const DocumentedAnswer* FindAnswer(const PlacedCall& call) {
-    const auto found = std::find_if(std::begin(kAnswers), std::end(kAnswers),
-                                    [&](const DocumentedAnswer& answer) { return Fits(call, answer); });
-    return found == std::end(kAnswers) ? nullptr : found;
-}
-
-std::vector<std::string> UnusedAnswers(const std::vector<PlacedCall>& calls) {
-    std::set<std::pair<const DocumentedAnswer*, std::string>> unused;
-    for (const DocumentedAnswer& answer : kAnswers) {
-        for (const std::string& call : Alternatives(answer.call)) unused.insert({&answer, call});
-    }
-    for (const PlacedCall& call : calls) {
-        const DocumentedAnswer* answer = FindAnswer(call);
-        std::erase_if(unused, [&](const auto& each) {
-            return each.first == answer && Matches(call.call.Label(), each.second);
+std::vector<std::string> BrokenRules(const JobRecord& job, size_t failing, const CleanJobs& clean) {
+    const JobRecord& usual = clean.at(JobInputs::kAll);
+    const Lines broken = BrokenRules(job, failing, usual, usual);
+    const WatchedCall& call = job.calls[failing];
+    const bool fallsBack =
+        std::any_of(std::begin(kInputCalls), std::end(kInputCalls), [&](const InputCalls& each) {
+            return Matches(call.place, each.place) && Matches(call.Label(), each.calls) &&
+                   BrokenRules(job, failing, usual, clean.at(each.without)).empty();
         });
+    return fallsBack ? Lines() : broken;
+}
+
+std::vector<std::string> DocumentedLeftovers(const WatchedCall& failed) {
+    for (const CallText& row : kLeftovers) {
+        if (Matches(failed.Label(), row.calls) || Matches(failed.place + " " + failed.Label(), row.calls))
+            return {row.text};
     }
-    std::vector<std::string> names;
-    for (const auto& [answer, call] : unused) {
-        names.push_back(call + " in " + answer->place + " behind " + answer->before + ", before " +
-                        answer->after);
-    }
-    return names;
+    return {};
 }
 
 }  // namespace orvex

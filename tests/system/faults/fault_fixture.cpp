@@ -7,13 +7,14 @@
 
 namespace orvex {
 
-using namespace tools;
 namespace fs = std::filesystem;
 
 namespace {
 
 constexpr size_t kPages = 3;
-constexpr int32_t kColorsBetween = 500;  // of the page, that no profile holds
+constexpr JobInputs kWithoutPage[kPages] = {JobInputs::kNoFirstPage, JobInputs::kNoSecondPage,
+                                            JobInputs::kNoThirdPage};
+constexpr int32_t kColorsBetween = 500;  // colors of a page between those of the profile
 
 std::string Settings(JobInputs inputs) {
     const auto flag = [inputs](JobInputs without) { return inputs == without ? "0" : "1"; };
@@ -34,7 +35,7 @@ std::string BytesOf(std::u16string_view text) {
     return {reinterpret_cast<const char*>(text.data()), text.size() * sizeof(char16_t)};
 }
 
-// The second label of the list, other than the printer's own first one, and every stage of the colors.
+// Chooses the second label of the list, since the printer's own is the first, and every stage of the colors.
 DeviceMode WithSettings(DeviceMode mode) {
     mode.pub.dmPaperSize = 259;
     mode.priv.dmPaperSize = 258;
@@ -43,8 +44,8 @@ DeviceMode WithSettings(DeviceMode mode) {
     return mode;
 }
 
-// The first page, of which a thumbnail is made, has few colors. The others have all of a profile's grid, and
-// some between them.
+// The first page, of which a thumbnail is made, has few colors. The others have all colors of the profile's
+// grid and some between them.
 uint32_t PageColor(int32_t pixel, size_t page) {
     if (page == 1)
         return pixel / 1000 % 4 == 0 ? 0x102030u * static_cast<uint32_t>(pixel / 4000 % 5) : kColorBits;
@@ -62,8 +63,8 @@ void DrawPage(SURFOBJ& surface, size_t page) {
     for (int32_t pixel = 0; pixel < pixels; ++pixel) *next++ = PageColor(pixel, page);
 }
 
-// A message that holds a line end goes on in the next line. The two instances in "pdev: old<-new" lie
-// elsewhere in each run.
+// Joins the lines of a message that holds a line end, and drops the two addresses in "pdev: old<-new", which
+// differ from run to run.
 std::vector<std::string> MessagesIn(const std::vector<std::string>& lines) {
     constexpr std::string_view kTakeover = "[Info]  pdev: ";
     std::vector<std::string> messages;
@@ -80,14 +81,6 @@ std::vector<std::string> MessagesIn(const std::vector<std::string>& lines) {
 }
 
 }  // namespace
-
-std::vector<std::string> JobRecord::Refusals() const {
-    std::vector<std::string> hooks;
-    for (const HookAnswer& answer : answers) {
-        if (!answer.accepted) hooks.push_back(answer.hook);
-    }
-    return hooks;
-}
 
 FaultTest::FaultTest() : directory_(fs::current_path()) {
     SetInputs(JobInputs::kAll);
@@ -116,18 +109,19 @@ void FaultTest::Reload() {
     misuses_ = complaints_ = 0;
 }
 
-std::string FaultTest::LogFileName() {
-    return Session().Driver().LogPath().filename().string();
-}
-
 bool FaultTest::Hook(const std::string& name, const std::function<bool()>& call) {
-    const std::string place = name + " " + std::to_string(++hookCalls_[name]);
-    watch_->Enter(place);
+    HookRecord hook;
+    hook.name = name + " " + std::to_string(++hookCalls_[name]);
+    Printer().written.clear();
+    watch_->Enter(hook.name);
     SetLastError(ERROR_SUCCESS);
-    const bool accepted = call();
-    record_.answers.push_back({place, accepted, GetLastError()});
+    hook.accepted = call();
+    hook.lastError = GetLastError();
     watch_->Leave();
-    return accepted;
+    hook.output = Printer().written;
+    hook.log = MessagesIn(LogLines());
+    record_.hooks.push_back(hook);
+    return hook.accepted;
 }
 
 std::unique_ptr<Device> FaultTest::MakeDevice() {
@@ -153,7 +147,7 @@ void FaultTest::CloseDevice(std::unique_ptr<Device> device) {
     Hook("DrvDisablePDEV", [&] { return Session().DisablePdev(*device), true; });
 }
 
-// The job goes on in the old device when the new one can't be made.
+// Continues the job in the old device if the new one can't be made.
 std::unique_ptr<Device> FaultTest::ResetDevice(std::unique_ptr<Device> old) {
     std::unique_ptr<Device> fresh = MakeDevice();
     if (fresh == nullptr) return old;
@@ -170,13 +164,13 @@ void FaultTest::PrintPages(std::unique_ptr<Device>* device) {
         if (page == 2) *device = ResetDevice(std::move(*device));
         if (!Hook("DrvStartPage", [&] { return Session().StartPage(**device); })) return;
         DrawPage(*(*device)->Surface(), page);
-        Hook("DrvSendPage", [&] { return Session().SendPage(**device); });
+        const bool skipped = inputs_ == kWithoutPage[page - 1];
+        Hook("DrvSendPage", [&] { return skipped || Session().SendPage(**device); });
     }
 }
 
 JobRecord FaultTest::Run(size_t failingCall) {
     Printer().data = {};
-    Printer().written.clear();
     LogLines();
     record_ = {};
     hookCalls_.clear();
@@ -189,8 +183,6 @@ JobRecord FaultTest::Run(size_t failingCall) {
         }
         CloseDevice(std::move(device));
     }
-    record_.written = Printer().written;
-    record_.log = MessagesIn(LogLines());
     record_.calls = watch_->TakeCalls();
     return std::move(record_);
 }
@@ -201,7 +193,7 @@ std::vector<std::string> FaultTest::LeftBehind() {
     const auto count = [&left](size_t number, const char* what) {
         if (number > 0) left.push_back(std::to_string(number) + " " + what);
     };
-    count(PrintSpooler().OpenHandles() - 1, "printer handles");  // the job's own stays
+    count(PrintSpooler().OpenHandles() - 1, "printer handles");  // the job's own stays open
     const auto countNew = [&count](size_t number, size_t& told, const char* what) {
         count(number - std::exchange(told, number), what);
     };
@@ -214,6 +206,7 @@ std::vector<std::string> FaultTest::LeftBehind() {
         left.push_back("another current directory");
         fs::current_path(directory_);
     }
+    watch_->CloseHandles();
     return left;
 }
 

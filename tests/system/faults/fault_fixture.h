@@ -1,7 +1,6 @@
-// A job of three pages, small but with everything a job can have: labels imported and looked up, a profile,
-// color adjustment, a job header with a thumbnail, and a device that is reset after the first page. It is
-// driven hook by hook as a graphics engine does, stopping where a hook refuses, and all the driver's calls
-// are watched.
+// A small job of three pages with everything a job can have: labels to import and to look up, a profile,
+// color adjustment, a job header with a thumbnail, and a device reset after the first page. It calls hook by
+// hook as a graphics engine does, stops where a hook refuses, and watches all calls of the driver.
 #pragma once
 
 #include <functional>
@@ -9,52 +8,70 @@
 #include <string>
 #include <vector>
 
-#include "tests/driver/driver_fixture.h"
+#include "tests/kit/driver_fixture.h"
 #include "tests/system/faults/call_watch.h"
-#include "tests/system/faults/job_inputs.h"
 
 namespace orvex {
 
-using namespace tools;
-// How a hook of the job answered.
-struct HookAnswer {
-    std::string hook;  // with its number in the job: "DrvSendPage 2"
-    bool accepted;
-    DWORD lastError;  // 0 was there before
+// The inputs of the job. A failure often has the driver print as if one of them were missing, and then the
+// job must equal one that is printed without that input.
+enum class JobInputs {
+    kAll,
+    kNoThumbnail,   // settings.inf asks for none
+    kNoChunkPages,  // settings.inf does not show them
+    kNoLabels,      // no media.inf
+    kNoProfile,     // no file of the name in the device mode
+    kNoColors,      // that file ends where its colors should begin
+    kNoFirstMode,   // the first device is enabled without a device mode
+    kNoSecondMode,  // the same for the second, which DrvResetPDEV gets
+    kNoFirstPage,   // DrvSendPage is not called for it
+    kNoSecondPage,
+    kNoThirdPage,
+    kCount,
 };
 
-// What a job left behind.
+// One hook of a job: its answer, what the printer got from it, and what it logged.
+struct HookRecord {
+    std::string name;  // with its number in the job: "DrvSendPage 2"
+    bool accepted = true;
+    DWORD lastError = 0;  // 0 before the hook
+    std::string output;
+    std::vector<std::string> log;  // message by message, without what differs from run to run
+
+    bool SameAs(const HookRecord& other) const {
+        return accepted == other.accepted && output == other.output && log == other.log;
+    }
+};
+
 struct JobRecord {
-    std::vector<HookAnswer> answers;
-    std::string written;
-    std::vector<std::string> log;  // message by message; what differs from run to run is taken out
+    std::vector<HookRecord> hooks;
     std::vector<WatchedCall> calls;
 
-    // The hooks that refused.
-    std::vector<std::string> Refusals() const;
+    bool SameAs(const JobRecord& other) const {
+        return std::equal(hooks.begin(), hooks.end(), other.hooks.begin(), other.hooks.end(),
+                          [](const HookRecord& a, const HookRecord& b) { return a.SameAs(b); });
+    }
 };
 
 class FaultTest : public DriverTest {
   protected:
     FaultTest();
 
-    // Loads the driver anew, so that it does again what a process does only once. Natively the driver is a
-    // part of the program, and has done it.
+    // Loads the driver again, so that it repeats what it does once in a process. Natively the driver is part
+    // of the program and has done it.
     void Reload();
 
-    // What the next jobs are printed from.
+    // Chooses what the next jobs are printed from.
     void SetInputs(JobInputs inputs);
 
     // Prints the job on a printer without data. The call of that number fails.
     JobRecord Run(size_t failingCall = CallWatch::kNone);
 
-    // Whatever the driver should have given back but did not, in words: memory, handles, surfaces, the print
-    // engine's library, the current directory.
+    // Describes whatever the driver should have given back but did not: memory, handles, surfaces, the print
+    // engine's library, the current directory. Gives the last two back.
     std::vector<std::string> LeftBehind();
 
     CallWatch& Watch() { return *watch_; }
-    // The name of the log's file, which calls for it have as their subject.
-    std::string LogFileName();
 
   private:
     bool Hook(const std::string& name, const std::function<bool()>& call);
@@ -65,7 +82,7 @@ class FaultTest : public DriverTest {
 
     JobInputs inputs_ = JobInputs::kAll;
     std::filesystem::path directory_;  // before any job
-    size_t misuses_ = 0;               // told already
+    size_t misuses_ = 0;               // already reported
     size_t complaints_ = 0;
     std::optional<CallWatch> watch_;
     JobRecord record_;

@@ -1,14 +1,12 @@
-// A log that has grown too long, moved out of the way with one call after another failing.
+// Rotation of a log that is too long, with one failing call after another.
 
 #include <algorithm>
 #include <fstream>
 
-#include "tests/system/faults/fault_fixture.h"
+#include "tests/system/faults/documented_answers.h"
 
 namespace orvex {
 
-using namespace tools;
-using testing::AnyOf;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -39,7 +37,7 @@ class LogRotationFaults : public FaultTest {
         for (int i = 1; i <= kBackups; ++i) fs::remove(Backup(i), ignored);
     }
 
-    // A log past its limit, and all of the backups, each with its number in it.
+    // Makes a log past its limit and all backups, each with its number in it.
     void FillUp() const {
         RemoveLogs();
         std::ofstream(log_).close();
@@ -56,7 +54,7 @@ class LogRotationFaults : public FaultTest {
         return contents;
     }
 
-    // A hook that does nothing but log two lines. The call of that number fails.
+    // Calls a hook that only logs two lines. The call of that number fails.
     std::vector<WatchedCall> LogLinesOfAHook(size_t failing = CallWatch::kNone) {
         FillUp();
         Watch().Begin(failing);
@@ -84,12 +82,7 @@ TEST_F(LogRotationFaults, LoseLinesButNoBackupAndLeaveNothingBehind) {
         ASSERT_GT(made.size(), failing);
         EXPECT_EQ(made[failing].Label(), calls[failing].Label());
         for (int i = 1; i < kBackups; ++i) EXPECT_THAT(BackupContents(), Contains(std::to_string(i)));
-        // A log that can't be opened deliberately keeps its mutex.
-        EXPECT_THAT(LeftBehind(), AnyOf(IsEmpty(), ElementsAre("open: " + LogFileName())));
-        if (calls[failing].function != "CreateFileA") {
-            EXPECT_THAT(Watch().OpenHandles(), IsEmpty());
-        }
-        Watch().CloseHandles();
+        EXPECT_EQ(LeftBehind(), DocumentedLeftovers(calls[failing]));
         RemoveLogs();
         Session().Hooks().completePdev(nullptr, nullptr);
         EXPECT_THAT(LogLines(), ElementsAre("[Trace] <DrvCompletePDEV>", "[Trace] </DrvCompletePDEV>"));

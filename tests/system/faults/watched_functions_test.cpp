@@ -1,4 +1,4 @@
-// That nothing which can fail goes unwatched.
+// Checks that no call that can fail goes unwatched.
 
 #include <algorithm>
 #include <set>
@@ -8,26 +8,24 @@
 
 namespace orvex {
 
-using namespace tools;
 using testing::IsEmpty;
 
 namespace {
 
-// Functions that the driver imports and that are not watched, by the reason.
+// Functions that the driver imports and that are not watched, grouped by the reason.
 const std::vector<std::set<std::string>> kUnwatched = {
-    // can't fail
+    // functions that can't fail
     {"GetCurrentThreadId", "GetLastError", "GetSystemTime", "GetTickCount", "SetLastError"},
-    // the heap, whose allocations fail all the same: a DebugHeap stands in their place
+    // the heap: a HeapWatch makes its allocations fail
     {"LocalAlloc", "LocalFree", "calloc", "free", "malloc", "realloc"},
 #ifdef _WIN32
-    // plain work on texts and memory
+    // functions on texts and memory
     {"atof", "islower", "isspace", "isupper", "memchr", "memcmp", "memcpy", "memmove", "memset", "strchr",
      "strcspn", "strlen", "strrchr", "strtol", "wcslen"},
-    // what the C runtime formats numbers and texts with: it looks up the locale, and locks what has no
-    // failure
+    // number formatting in the C runtime: locale look-ups and locks that can't fail
     {"IsDBCSLeadByteEx", "___lc_codepage_func", "___mb_cur_max_func", "_errno", "_lock", "_unlock",
      "localeconv", "strerror"},
-    // the C and C++ runtimes while the driver is loaded and unloaded, and on their way to end the process
+    // the C and C++ runtimes while the driver is loaded and unloaded, and when they end the process
     {"DeleteCriticalSection", "EnterCriticalSection", "InitializeCriticalSection", "LeaveCriticalSection",
      "Sleep", "TlsGetValue", "__setusermatherr", "_amsg_exit", "_initterm", "_setjmp", "fputc", "longjmp"},
 #endif

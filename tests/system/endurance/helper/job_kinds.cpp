@@ -19,7 +19,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr int16_t kSmallestSide = 254;  // tenths of a millimetre
+constexpr int16_t kSmallestSide = 254;  // tenths of a millimeter
 constexpr int32_t kBlots = 60;
 constexpr int32_t kBlotPx = 16;
 
@@ -61,7 +61,7 @@ std::unique_ptr<Device> Enable(DriverSession& session, const DeviceMode& mode) {
     return device;
 }
 
-// Blots of many colors on white, others on each page.
+// Draws blots of many colors on white, different ones on each page.
 void Draw(SURFOBJ& surface, size_t page) {
     std::mt19937 random(static_cast<uint32_t>(page));
     const auto below = [&random](LONG limit) {
@@ -87,7 +87,7 @@ void PrintPages(DriverSession& session, Device& device, size_t first, size_t end
     }
 }
 
-// The new device takes the job over with its pages the other way up; their size stays.
+// Passes the job to a new device that prints its pages the other way up, in the same size.
 std::unique_ptr<Device> Reset(DriverSession& session, Device& old, const JobKind& kind) {
     DeviceMode mode = ModeOf(kind);
     mode.priv.rotate180 = !kind.turned;

@@ -14,14 +14,14 @@ namespace orvex {
 using namespace tools;
 namespace {
 
-constexpr DWORD kMutexWaitMs = 100;  // of the log; other waits are the thread library's own
+constexpr DWORD kMutexWaitMs = 100;  // the log's; other waits are the thread library's own
 constexpr uint32_t kLinesABurst = 12;
 constexpr size_t kLongText = 2500;
 
 TurnBook* openBook = nullptr;
 thread_local const Turn* present = nullptr;  // the line that this thread writes
 
-// Keeps the book of the waits for the log's mutex.
+// Enters the waits for the log's mutex into the book.
 class TurnWatch {
   public:
     TurnWatch(const DriverLibrary& driver, TurnBook& book) {
@@ -50,7 +50,7 @@ bool IsLong(Turn turn) {
     return turn.number % 2 == 1;
 }
 
-// The driver's own line about a field that a reset changes.
+// Has the driver log its own line about a field that a reset changes.
 void WriteThroughTheDriver(const DriverHooks& hooks, Turn turn) {
     PDEV old = {};
     old.signature = old.signatureTail = kPdevSignature;

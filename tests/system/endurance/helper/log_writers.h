@@ -1,4 +1,4 @@
-// Writers that fill the driver's log together, and the text of their lines.
+// Writers that fill the driver's log concurrently, and the text of their lines.
 #pragma once
 
 #include <cstdint>
@@ -10,17 +10,17 @@
 namespace orvex {
 
 using namespace tools;
-// Writers are numbered from here on. No line's number gets here: the driver has nothing to say of a field
-// that a reset leaves as it is, so a writer must never write the line that has its own number.
+// The first writer's number, larger than any line's: the driver logs nothing for a field that a reset leaves
+// unchanged, so no line may have the number of its writer.
 constexpr uint32_t kFirstWriter = 1'000'000'000;
 
-// What a writer's line says behind its time, thread and level. Every other one is too long for one write to
-// the file.
+// Returns the text of a line after time, thread and level. Every second line is too long for one write to the
+// file.
 std::string WriterText(Turn turn);
 
-// Lets `writers` writers, numbered from `firstWriter` on, write lines to the driver's log until the book says
-// stop. Each writes in bursts of some lines on threads of their own, since a thread that keeps on writing
-// keeps the mutex. Another thread rereads the log's switch all the time, as job starts do.
+// Has `writers` writers, numbered from `firstWriter`, write lines to the driver's log until the book says
+// stop. Each burst of lines has a thread of its own, since a thread that goes on writing keeps the mutex.
+// Another thread rereads the log's switch continually, as starting jobs do.
 void WriteUntilStopped(const DriverLibrary& driver, TurnBook& book, uint32_t firstWriter, uint32_t writers);
 
 }  // namespace orvex

@@ -1,10 +1,9 @@
-// The program endurance_helper: what the endurance tests need other processes for.
+// The program endurance_helper: work of the endurance tests that needs other processes.
 //
 //   endurance_helper print KIND INSTALLATION FILE  prints a job of that kind into a file
 //   endurance_helper write-log BOOK FIRST COUNT    writes to the driver's log until the book says stop
-//   endurance_helper hold-mutex NAME               holds a mutex until its release is asked for
 //
-// The latter two only on Windows: natively a named mutex is one process' own.
+// The latter exists only on Windows: natively a named mutex belongs to one process.
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -12,7 +11,6 @@
 
 #include "tests/system/endurance/helper/job_kinds.h"
 #include "tests/system/endurance/helper/log_writers.h"
-#include "tests/system/endurance/helper/mutex_owner.h"
 
 using namespace orvex;
 using namespace orvex::tools;
@@ -26,10 +24,6 @@ int WriteLog(char** values) {
     WriteUntilStopped(driver, *book, static_cast<uint32_t>(atoi(values[1])),
                       static_cast<uint32_t>(atoi(values[2])));
     return EXIT_SUCCESS;
-}
-
-int HoldMutex(char** values) {
-    return OwnMutexUntilReleased(values[0]) ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 #endif
 
@@ -53,7 +47,6 @@ constexpr Command kCommands[] = {
     {"print", 3, Print},
 #ifdef _WIN32
     {"write-log", 3, WriteLog},
-    {"hold-mutex", 1, HoldMutex},
 #endif
 };
 

@@ -1,4 +1,4 @@
-// Who took the log's mutex, in order, over all processes that write: what the log is held against.
+// The order in which writers of all processes took the log's mutex: the oracle for the log's lines.
 #pragma once
 
 #include <atomic>
@@ -18,14 +18,14 @@ struct Turn {
 struct TurnBook {
     static constexpr uint32_t kMaxTurns = 1 << 18;
 
-    std::atomic<uint32_t> stop;       // the writers end when it is set
-    std::atomic<uint32_t> attempted;  // lines that writers wanted to write
-    std::atomic<uint32_t> refused;    // waits for the mutex that did not make the writer its owner
-    std::atomic<uint32_t> taken;      // those that did
-    Turn turns[kMaxTurns];            // of the latter, in order: the mutex itself guards them
+    std::atomic<uint32_t> stop;       // set to end the writers
+    std::atomic<uint32_t> attempted;  // lines that writers tried to write
+    std::atomic<uint32_t> refused;    // waits for the mutex that failed
+    std::atomic<uint32_t> taken;      // waits that succeeded
+    Turn turns[kMaxTurns];            // those, in order; the mutex itself guards them
 };
 
-// A book that begins empty. On Windows all processes that name it share it.
+// A book that starts empty. On Windows all processes that open that name share it.
 class SharedTurnBook {
   public:
     explicit SharedTurnBook(const std::string& name);

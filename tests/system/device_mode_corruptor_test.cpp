@@ -1,8 +1,8 @@
 // Corrupted device modes through DrvEnablePDEV: every boundary value in every field, every flag of the public
-// fields, sizes that are wrong in both directions, texts without an end, records that end where the memory
-// ends. Whatever comes in is taken or refused as its size and version say, the instance's own device mode is
-// what the plain definition makes of it, valid in every field if the record was taken, and the caller's
-// record is written only where it gets the printer's profile and label.
+// fields, sizes that are wrong in both directions, unterminated texts, records that end where the memory
+// ends. A record is taken or refused as its size and version say. The instance's device mode equals the plain
+// definition's, valid in every field if the record was taken, and the caller's record changes only where it
+// gets the printer's profile and label.
 
 #include <gtest/gtest.h>
 
@@ -14,13 +14,13 @@
 #include <vector>
 
 #include "driver/device_instance.h"
-#include "tests/fuzz/corrupted_record.h"
 #include "tests/kit/scratch_folder.h"
 #include "tests/plain/device_mode.h"
 #include "tests/plain/device_mode_rules.h"
+#include "tests/system/corrupted_record.h"
 #include "tools/host/driver_session.h"
 
-namespace orvex::fuzz {
+namespace orvex {
 
 using namespace tools;
 namespace {
@@ -53,8 +53,8 @@ class DeviceModeCorruptor : public testing::Test {
         defaults_ = reinterpret_cast<const PDEV*>(device->Instance())->devmode;
     }
 
-    // Hands the record in, in memory that ends where it ends, and holds everything that came of it against
-    // the plain definition.
+    // Enables a device with the record, in memory that ends with it, and compares the result with the plain
+    // definition.
     void Submit(const Record& record) {
         const bool taken = plain::IsTaken(record);
         ++(taken ? taken_ : refused_);
@@ -62,7 +62,7 @@ class DeviceModeCorruptor : public testing::Test {
         ASSERT_NE(device->Instance(), nullptr);
         const auto* pdev = reinterpret_cast<const PDEV*>(device->Instance());
         instance_ = pdev->devmode;
-        // A refused record leaves the instance as it is without one.
+        // A refused record leaves the instance as if there were none.
         const DeviceMode expected = plain::Merged(defaults_, record, kLabels);
         ASSERT_EQ(plain::FirstDifference(instance_, expected), sizeof instance_);
         const char* broken = taken ? plain::BrokenRule(instance_) : nullptr;
@@ -108,7 +108,7 @@ class DeviceModeCorruptor : public testing::Test {
     std::optional<DriverSession> session_;
 };
 
-// A printer on which a label and a profile are chosen, which records without them get.
+// A printer with a chosen label and profile, which records without them get.
 class DeviceModeCorruptorWithChoices : public DeviceModeCorruptor {
   protected:
     DeviceModeCorruptorWithChoices() {
@@ -131,7 +131,7 @@ TEST_F(DeviceModeCorruptor, PutsEveryBoundaryValueIntoEveryField) {
             ASSERT_NO_FATAL_FAILURE(Submit(record)) << "offset " << field.offset << " value " << value;
             if (Get(Bytes(instance_), field) == Get(record, field)) arrived.insert(Get(record, field));
         }
-        // Two values, so that one of them is not what the instance has anyway.
+        // One of two values is not the one that the instance has anyway.
         if (number < std::size(kTakenFields)) {
             EXPECT_GE(arrived.size(), 2u) << "offset " << field.offset;
         } else if (field.offset != kFlags.offset) {
@@ -145,7 +145,7 @@ TEST_F(DeviceModeCorruptor, SetsAndClearsEveryFlagOfThePublicFields) {
     struct Case {
         DWORD flags;
         Field field;
-        int64_t value;  // valid, and not what any record has by itself
+        int64_t value;  // a valid value that no record has by itself
     };
     const Case cases[] = {
         {DM_ORIENTATION, PUBLIC(dmOrientation), 2},
@@ -183,7 +183,7 @@ TEST_F(DeviceModeCorruptor, SetsAndClearsEveryFlagOfThePublicFields) {
             Put(record, kFlags, flags);
             ASSERT_NO_FATAL_FAILURE(Submit(record)) << "flags " << flags;
             for (const Case& each : cases) {
-                // A form that is not named on its own is the custom size's.
+                // A form without a name of its own is named after the custom size.
                 if (each.field.offset == offsetof(DEVMODEW, dmFormName) && (flags & DM_FORMNAME) == 0)
                     continue;
                 const bool arrived = Get(Bytes(instance_), each.field) == each.value;
@@ -245,7 +245,7 @@ TEST_F(DeviceModeCorruptor, LeavesEveryTextWithoutAnEnd) {
 TEST_F(DeviceModeCorruptorWithChoices, GivesARecordThePrintersProfileAndLabelAsFarAsItReaches) {
     ASSERT_EQ(defaults_.priv.dmPaperSize, 300);
     ASSERT_EQ(defaults_.priv.colorProfile[0], L'p');
-    // The public part ends around the paper's number, length and width, and where it may.
+    // The public part ends around the paper's number, length and width, and at valid places.
     for (const size_t size : {71, 72, 79, 81, 83, 84, 188, 213, 220, 221}) {
         for (const size_t extra : kExtras) {
             ASSERT_NO_FATAL_FAILURE(Submit(Resized(plain_, size, extra))) << size << " + " << extra;
@@ -295,4 +295,4 @@ TEST_F(DeviceModeCorruptor, MixesBoundaryValuesSizesAndNoiseAtRandom) {
     EXPECT_GT(refused_, kRandomRecords / 10);
 }
 
-}  // namespace orvex::fuzz
+}  // namespace orvex

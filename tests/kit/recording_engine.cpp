@@ -1,4 +1,4 @@
-#include "tests/driver/recording_engine.h"
+#include "tests/kit/recording_engine.h"
 
 #include <sstream>
 

@@ -1,5 +1,5 @@
-// The built driver with a recording print engine, a spooler, a heap and an installation folder of the test's
-// own, driven hook by hook. The test fails if the driver leaves a block on that heap when it is unloaded.
+// The built driver with a recording print engine, a spooler, a watched heap and a test's own installation
+// folder, called hook by hook. The test fails if the driver leaves a block on the heap when it is unloaded.
 #pragma once
 
 #include <gmock/gmock.h>
@@ -10,10 +10,10 @@
 #include <vector>
 
 #include "driver/config/device_mode.h"
-#include "tests/driver/recording_engine.h"
+#include "tests/kit/heap_watch.h"
 #include "tests/kit/log_capture.h"
+#include "tests/kit/recording_engine.h"
 #include "tests/kit/scratch_folder.h"
-#include "tools/host/debug_heap.h"
 #include "tools/host/driver_session.h"
 
 namespace orvex {
@@ -36,8 +36,8 @@ class DriverTest : public testing::Test {
 
     static std::vector<uint8_t> Bytes(const DeviceMode& mode);
 
-    // Returns the driver, which the first call loads with `engine` or the library that `source` names, and
-    // with the log at `mask`.
+    // Returns the driver. The first call loads it with `engine` or the library that `source` names, and with
+    // the log at `mask`.
     DriverSession& Session() { return Session(engine.Entries()); }
     DriverSession& Session(EngineSource source);
     uint32_t mask = 1;  // errors and information; 3 adds the trace lines
@@ -54,7 +54,7 @@ class DriverTest : public testing::Test {
     static PDEV& InstanceOf(const Device& device) { return *reinterpret_cast<PDEV*>(device.Instance()); }
 
     // Returns the heap of the driver's allocations.
-    DebugHeap& Heap() { return *heap_; }
+    HeapWatch& Heap() { return *heap_; }
     // Describes the blocks that the driver has not freed, except the two paths of the log, which it keeps.
     std::vector<std::string> LeftOnHeap() const;
 
@@ -72,7 +72,7 @@ class DriverTest : public testing::Test {
     void Unload();
 
     std::optional<DriverSession> session_;
-    std::optional<DebugHeap> heap_;
+    std::optional<HeapWatch> heap_;
     std::optional<LogCapture> log_;
 };
 

@@ -1,4 +1,4 @@
-#include "tools/host/debug_heap.h"
+#include "tests/kit/heap_watch.h"
 
 #include <gmock/gmock.h>
 
@@ -6,17 +6,19 @@
 #include "tests/kit/scratch_folder.h"
 #include "tools/host/driver_session.h"
 
-namespace orvex::tools {
+namespace orvex {
 
 using testing::Contains;
 using testing::IsEmpty;
 
 namespace {
 
-// A session whose driver allocates from a debug heap.
-class DebugHeapTest : public testing::Test {
+// A session whose driver allocates from a watched heap.
+class HeapWatchTest : public testing::Test {
   protected:
-    DebugHeapTest() : session({.installation = installation.Path()}), heap(session.Driver().Module()) {}
+    HeapWatchTest()
+        : session({.installation = installation.Path()}),
+          heap(session.Driver().Module(), HeapWatch::Blocks::kGuarded) {}
 
     size_t LiveBlocks(size_t bytes) const {
         size_t count = 0;
@@ -26,7 +28,7 @@ class DebugHeapTest : public testing::Test {
 
     ScratchFolder installation;
     DriverSession session;
-    DebugHeap heap;
+    HeapWatch heap;
     std::vector<std::pair<std::string, size_t>> asked;
 };
 
@@ -34,7 +36,7 @@ constexpr size_t kInstanceBytes = sizeof(PDEV);
 
 }  // namespace
 
-TEST_F(DebugHeapTest, KnowsTheBlocksOfTheDriver) {
+TEST_F(HeapWatchTest, KnowsTheBlocksOfTheDriver) {
     {
         const auto device = session.EnablePdev({});
         ASSERT_NE(device->Instance(), nullptr);
@@ -44,7 +46,7 @@ TEST_F(DebugHeapTest, KnowsTheBlocksOfTheDriver) {
     EXPECT_THAT(heap.Misuses(), IsEmpty());
 }
 
-TEST_F(DebugHeapTest, RefusesChosenAllocations) {
+TEST_F(HeapWatchTest, RefusesChosenAllocations) {
     heap.OnAllocate([&](const char* function, size_t bytes) {
         asked.emplace_back(function, bytes);
         return bytes == kInstanceBytes;
@@ -59,7 +61,7 @@ TEST_F(DebugHeapTest, RefusesChosenAllocations) {
 }
 
 #ifdef _WIN32
-TEST_F(DebugHeapTest, EndsEachBlockAtAGuardPage) {
+TEST_F(HeapWatchTest, EndsEachBlockAtAGuardPage) {
     const auto device = session.EnablePdev({});
     const auto* instance = reinterpret_cast<const uint8_t*>(device->Instance());
     MEMORY_BASIC_INFORMATION page;
@@ -71,4 +73,4 @@ TEST_F(DebugHeapTest, EndsEachBlockAtAGuardPage) {
 }
 #endif
 
-}  // namespace orvex::tools
+}  // namespace orvex

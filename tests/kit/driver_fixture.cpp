@@ -1,4 +1,4 @@
-#include "tests/driver/driver_fixture.h"
+#include "tests/kit/driver_fixture.h"
 
 #include <cstring>
 
@@ -39,7 +39,7 @@ DriverSession& DriverTest::Session(EngineSource source) {
         setup.installation = installation.Path();
         setup.engine = std::move(source);
         session_.emplace(setup);
-        heap_.emplace(session_->Driver().Module());
+        heap_.emplace(session_->Driver().Module(), HeapWatch::Blocks::kGuarded);
         log_.emplace(session_->Driver().LogPath(), mask);
     }
     return *session_;

@@ -1,4 +1,4 @@
-// Device modes to corrupt: their fields, the values worth putting into them, and records that end anywhere.
+// Building blocks of corrupted device modes: their fields, values for them, and records that end anywhere.
 #pragma once
 
 #include <algorithm>
@@ -10,7 +10,7 @@
 
 #include "driver/config/device_mode.h"
 
-namespace orvex::fuzz {
+namespace orvex {
 
 struct Field {
     size_t offset;
@@ -23,63 +23,27 @@ struct Field {
     { offsetof(DeviceMode, priv) + offsetof(PrivateDevMode, field), sizeof(PrivateDevMode::field) }
 
 // Fields in which a valid value arrives in the instance.
+// clang-format off
 inline constexpr Field kTakenFields[] = {
-    PUBLIC(dmOrientation),
-    PUBLIC(dmPaperSize),
-    PUBLIC(dmPaperLength),
-    PUBLIC(dmPaperWidth),
-    PUBLIC(dmCopies),
-    PUBLIC(dmDefaultSource),
-    PUBLIC(dmPrintQuality),
-    PUBLIC(dmColor),
-    PUBLIC(dmTTOption),
-    PUBLIC(dmCollate),
-    PUBLIC(dmNup),
-    PUBLIC(dmICMMethod),
-    PUBLIC(dmICMIntent),
-    PUBLIC(dmMediaType),
-    PUBLIC(dmDitherType),
-    PRIVATE(colorAdjust),
-    PRIVATE(printSetting),
-    PRIVATE(rotate180),
-    PRIVATE(mirrorImage),
-    PRIVATE(jobCapture),
-    PRIVATE(noPrint),
-    PRIVATE(stitched),
-    PRIVATE(usePrivateCopies),
-    PRIVATE(copies),
-    PRIVATE(chunksize),
-    PRIVATE(chunkActive),
-    PRIVATE(alignment),
-    PRIVATE(feedSide),
-    PRIVATE(overspray),
-    PRIVATE(kws),
-    PRIVATE(kws_fullwidth),
-    PRIVATE(purgeBar),
-    PRIVATE(purgeDots),
-    PRIVATE(purgeGap),
-    PRIVATE(purgeFreq),
-    PRIVATE(dmPaperSize),
-    PRIVATE(units),
-    PRIVATE(phHOffset),
-    PRIVATE(phVOffset),
-    PRIVATE(colorMode),
-    PRIVATE(adj_brightness),
-    PRIVATE(adj_colortone),
-    PRIVATE(adj_saturation),
-    PRIVATE(adj_cyan),
-    PRIVATE(adj_magenta),
-    PRIVATE(adj_yellow),
-    PRIVATE(adj_black),
-};
+    PUBLIC(dmOrientation), PUBLIC(dmPaperSize), PUBLIC(dmPaperLength), PUBLIC(dmPaperWidth),
+    PUBLIC(dmCopies), PUBLIC(dmDefaultSource), PUBLIC(dmPrintQuality), PUBLIC(dmColor), PUBLIC(dmTTOption),
+    PUBLIC(dmCollate), PUBLIC(dmNup), PUBLIC(dmICMMethod), PUBLIC(dmICMIntent), PUBLIC(dmMediaType),
+    PUBLIC(dmDitherType), PRIVATE(colorAdjust), PRIVATE(printSetting), PRIVATE(rotate180),
+    PRIVATE(mirrorImage), PRIVATE(jobCapture), PRIVATE(noPrint), PRIVATE(stitched),
+    PRIVATE(usePrivateCopies), PRIVATE(copies), PRIVATE(chunksize), PRIVATE(chunkActive),
+    PRIVATE(alignment), PRIVATE(feedSide), PRIVATE(overspray), PRIVATE(kws), PRIVATE(kws_fullwidth),
+    PRIVATE(purgeBar), PRIVATE(purgeDots), PRIVATE(purgeGap), PRIVATE(purgeFreq), PRIVATE(dmPaperSize),
+    PRIVATE(units), PRIVATE(phHOffset), PRIVATE(phVOffset), PRIVATE(colorMode), PRIVATE(adj_brightness),
+    PRIVATE(adj_colortone), PRIVATE(adj_saturation), PRIVATE(adj_cyan), PRIVATE(adj_magenta),
+    PRIVATE(adj_yellow), PRIVATE(adj_black)};
+// clang-format on
 
-// Fields of which nothing arrives: the printer's own values stand, or ones that follow from other fields.
+// Fields that do not arrive: the instance has the printer's own value, or one that follows from other fields.
 inline constexpr Field kOwnFields[] = {
     PUBLIC(dmSpecVersion),  PUBLIC(dmDriverVersion),    PUBLIC(dmScale),      PUBLIC(dmDuplex),
     PUBLIC(dmYResolution),  PUBLIC(dmLogPixels),        PUBLIC(dmBitsPerPel), PUBLIC(dmPelsWidth),
     PUBLIC(dmPelsHeight),   PUBLIC(dmDisplayFrequency), PUBLIC(dmReserved1),  PUBLIC(dmReserved2),
-    PUBLIC(dmPanningWidth), PUBLIC(dmPanningHeight),    PRIVATE(signature),
-};
+    PUBLIC(dmPanningWidth), PUBLIC(dmPanningHeight),    PRIVATE(signature)};
 
 inline constexpr Field kVersion = PUBLIC(dmSpecVersion), kSize = PUBLIC(dmSize),
                        kExtra = PUBLIC(dmDriverExtra), kFlags = PUBLIC(dmFields),
@@ -96,7 +60,7 @@ inline const std::vector<Field>& AllFields() {
     return fields;
 }
 
-// The ends of every range and of every integer, and the versions of public layouts, each with its
+// Returns the ends of every range and of every integer, and the versions of public layouts, each with its
 // neighbors.
 inline std::vector<int64_t> BoundaryValues() {
     std::set<int64_t> values;
@@ -138,7 +102,7 @@ inline std::span<const uint8_t> Bytes(const DeviceMode& mode) {
     return {reinterpret_cast<const uint8_t*>(&mode), sizeof mode};
 }
 
-// A record that declares these sizes and ends there, with the private part where it then belongs.
+// Returns a record that declares these sizes and ends there, with the private part where it then belongs.
 inline Record Resized(const Record& whole, size_t publicSize, size_t extra) {
     constexpr size_t kHeader = 72;
     const bool hasPrivate = publicSize >= kHeader;
@@ -154,7 +118,7 @@ inline Record Resized(const Record& whole, size_t publicSize, size_t extra) {
     return record;
 }
 
-// Sizes of the public and of the private part, around those that records have and where their fields end.
+// Sizes of the public and the private part: around the sizes of real records and the ends of fields.
 inline constexpr size_t kSizes[] = {0,   1,   65,  66,  67,  68,  70,   71,   72,   73,  76,
                                     79,  80,  81,  83,  84,  100, 187,  188,  189,  211, 212,
                                     213, 219, 220, 221, 300, 916, 4095, 4096, 65535};
@@ -162,4 +126,4 @@ inline constexpr size_t kExtras[] = {0,   1,   3,   4,   5,   32,  33,  95,   96
                                      136, 137, 138, 139, 144, 159, 160, 161,  162,  479,
                                      679, 680, 694, 695, 696, 697, 699, 1000, 4096, 65535};
 
-}  // namespace orvex::fuzz
+}  // namespace orvex
