@@ -20,8 +20,8 @@ namespace {
 
 constexpr size_t kJobs = 100;
 constexpr size_t kLoads = 5;
-constexpr size_t kLoggedJobs = 9;          // every such job writes its log
-constexpr size_t kPrivateSlack = 1 << 20;  // what the system's own heaps may come to
+constexpr size_t kLoggedJobs = 9;  // every such job writes its log
+[[maybe_unused]] constexpr size_t kPrivateSlack = 1 << 20;  // growth that the system's own heaps may cause
 
 struct JobRecord {
     ProcessFigures process;

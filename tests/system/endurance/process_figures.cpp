@@ -20,7 +20,6 @@
 
 namespace orvex {
 
-using namespace tools;
 #ifdef _WIN32
 
 namespace {
