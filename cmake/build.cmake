@@ -25,7 +25,7 @@ endif()
 # are much the same; sanitizers surround every variable with memory of their own, and unoptimized code gives every
 # temporary a place of its own.
 function(orvex_small_frames target)
-    if(NOT ORVEX_SANITIZE AND NOT ORVEX_COVERAGE)
+    if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND NOT ORVEX_SANITIZE AND NOT ORVEX_COVERAGE)
         target_compile_options(${target} PRIVATE -Werror=frame-larger-than=16384)
     endif()
 endfunction()
