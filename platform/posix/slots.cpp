@@ -15,7 +15,7 @@ Slot*& FirstSlot() {
 
 }  // namespace
 
-Slot::Slot(const char* name, void* target) : name(name), target(target), next(FirstSlot()) {
+Slot::Slot(const char* slotName, void* slotTarget) : name(slotName), target(slotTarget), next(FirstSlot()) {
     FirstSlot() = this;
 }
 
