@@ -14,7 +14,7 @@ std::vector<cmsUInt16Number> GridTable() {
     InkGrid grid;
     CopyGridOut(g_colorCache, &grid);
     std::vector<cmsUInt16Number> table;
-    table.reserve(4 * kGridPoints);
+    table.reserve(size_t{4} * kGridPoints);
     for (const uint32_t ink : grid.inks) {
         for (const int shift : {8, 16, 24, 0}) {
             table.push_back(static_cast<cmsUInt16Number>((ink >> shift & 0xFF) * 257));

@@ -65,7 +65,7 @@ Machine ThisMachine() {
             ORVEX_BENCH_FLAGS,
             "SSE2",
             Format("%ld KiB, %ld KiB, %ld MiB", sysconf(_SC_LEVEL1_DCACHE_SIZE) / 1024,
-                   sysconf(_SC_LEVEL2_CACHE_SIZE) / 1024, sysconf(_SC_LEVEL3_CACHE_SIZE) / (1024 * 1024)),
+                   sysconf(_SC_LEVEL2_CACHE_SIZE) / 1024, sysconf(_SC_LEVEL3_CACHE_SIZE) / 1024 / 1024),
             Format("Little CMS %d.%d, pixman %s", cmsGetEncodedCMMversion() / 1000,
                    cmsGetEncodedCMMversion() % 1000 / 10, pixman_version_string())};
 }

@@ -13,7 +13,9 @@ else()
     # UTF-16 text in both builds: every C++ source of the native build, GoogleTest included, agrees on a 2-byte wchar_t.
     add_compile_options(-fshort-wchar)
     if(ORVEX_SANITIZE)
-        add_compile_options(-fsanitize=${ORVEX_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+        # The driver has no run-time type information, by which the check of indirect calls tells functions apart.
+        add_compile_options(-fsanitize=${ORVEX_SANITIZE} -fno-sanitize=function -fno-sanitize-recover=all
+                            -fno-omit-frame-pointer)
         add_link_options(-fsanitize=${ORVEX_SANITIZE})
     endif()
 endif()
@@ -23,7 +25,7 @@ endif()
 # are much the same; sanitizers surround every variable with memory of their own, and unoptimized code gives every
 # temporary a place of its own.
 function(orvex_small_frames target)
-    if(NOT ORVEX_SANITIZE AND NOT ORVEX_COVERAGE)
+    if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND NOT ORVEX_SANITIZE AND NOT ORVEX_COVERAGE)
         target_compile_options(${target} PRIVATE -Werror=frame-larger-than=16384)
     endif()
 endfunction()
@@ -48,34 +50,12 @@ function(orvex_room name)
     target_link_libraries(orvex_${name} PUBLIC ${ARGN})
 endfunction()
 
-# Most of a build's time goes into the tests, and into what large headers of others make of a file. These need to be
-# compiled fast, not to run fast.
-set(ORVEX_COMPILED_FAST -O0)
-
-# orvex_compile_fast(SOURCE...): sources of this folder that include CLI11 or nlohmann's JSON.
-function(orvex_compile_fast)
-    set_source_files_properties(${ARGN} PROPERTIES COMPILE_OPTIONS "${ORVEX_COMPILED_FAST}" SKIP_PRECOMPILE_HEADERS ON)
-endfunction()
-
-# orvex_compile_together(TARGET): the sources of a target some at a time. Else each compiles again what all of them use of
-# templates and inline functions, and the linker sorts it out. Names in their unnamed namespaces must differ, then. What
-# reads the sources one by one sets ORVEX_EACH_SOURCE.
-option(ORVEX_EACH_SOURCE "Compile every source by itself" OFF)
-function(orvex_compile_together target)
-    if(ORVEX_EACH_SOURCE)
-        return()
-    endif()
-    set_target_properties(${target} PROPERTIES UNITY_BUILD ON)
-    if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-        # A source that is included is no header, whatever its unnamed namespaces look like.
-        target_compile_options(${target} PRIVATE -Wno-subobject-linkage)
-    endif()
-endfunction()
-
-# UBSan is for what is tested; in the tests it would cost a third of their compilation.
-set(ORVEX_TEST_OPTIONS ${ORVEX_COMPILED_FAST})
-if(ORVEX_SANITIZE MATCHES undefined)
-    list(APPEND ORVEX_TEST_OPTIONS -fno-sanitize=undefined)
+# Tests are most of what is compiled, and their own code needs no speed and no watching: it is barely optimized, and the
+# sanitizers are left to what it tests, except for AddressSanitizer, whose checks of containers all sources share.
+# Measured on two cores, uncached: 
+set(ORVEX_TEST_OPTIONS -O0)
+if(ORVEX_SANITIZE)
+    list(APPEND ORVEX_TEST_OPTIONS -fno-sanitize=undefined,fuzzer-no-link)
 endif()
 
 # Most tests call the system more than they calculate, and under Wine do so beside its server. These would only be in its
@@ -91,7 +71,6 @@ function(orvex_test folder)
     target_link_libraries(${room}_tests PRIVATE ${ARGN} orvex_testing)
     target_compile_options(${room}_tests PRIVATE ${ORVEX_TEST_OPTIONS})
     target_precompile_headers(${room}_tests REUSE_FROM orvex_testing)
-    orvex_compile_together(${room}_tests)
     add_dependencies(${room}_tests hpcrlib)
     if(WIN32 AND orvex_host IN_LIST ARGN)
         add_dependencies(${room}_tests orvexgdi)

@@ -55,6 +55,8 @@ class File final : public KernelObject {
         close(descriptor);
         return nullptr;
     }
+    File(const File&) = delete;
+    File& operator=(const File&) = delete;
     ~File() override {
         const std::lock_guard lock(mutex);
         openFiles.erase(this);
@@ -231,7 +233,8 @@ WIN32_FUNCTION(HANDLE, FindFirstFileW, (LPCWSTR pattern, LPWIN32_FIND_DATAW data
     }
     auto* search = new FileSearch;
     while (const dirent* entry = readdir(directory)) {
-        if (fnmatch(name.c_str(), entry->d_name, FNM_CASEFOLD) == 0) search->names.push_back(entry->d_name);
+        if (fnmatch(name.c_str(), entry->d_name, FNM_CASEFOLD) == 0)
+            search->names.emplace_back(entry->d_name);
     }
     closedir(directory);
     std::sort(search->names.begin(), search->names.end());

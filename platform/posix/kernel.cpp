@@ -80,7 +80,7 @@ WIN32_FUNCTION(BOOL, SetCurrentDirectoryW, (LPCWSTR path), (path)) {
 WIN32_FUNCTION(DWORD, GetModuleFileNameA, (HMODULE module, LPSTR buffer, DWORD capacity),
                (module, buffer, capacity)) {
     (void)module;
-    static constexpr std::string_view kModule = "c:\\windows\\system32\\orvexgdi.dll";
+    static constexpr std::string_view kModule = R"(c:\windows\system32\orvexgdi.dll)";
     const DWORD length = CopyOut(buffer, capacity, kModule);
     if (length <= capacity && length != kModule.size()) SetLastError(ERROR_INSUFFICIENT_BUFFER);
     return length;

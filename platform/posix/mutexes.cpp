@@ -35,6 +35,9 @@ class NamedMutex : public std::enable_shared_from_this<NamedMutex> {
 // The mutexes that a thread owns, which its end abandons.
 class OwnedMutexes {
   public:
+    OwnedMutexes() = default;
+    OwnedMutexes(const OwnedMutexes&) = delete;
+    OwnedMutexes& operator=(const OwnedMutexes&) = delete;
     ~OwnedMutexes() {
         for (const auto& each : mutexes_) {
             if (const auto mutex = each.lock()) mutex->Abandon();

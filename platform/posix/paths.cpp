@@ -19,6 +19,8 @@ struct ScratchDrive {
         path = mkdtemp(pattern.data());
         owned = true;
     }
+    ScratchDrive(const ScratchDrive&) = delete;
+    ScratchDrive& operator=(const ScratchDrive&) = delete;
     ~ScratchDrive() {
         std::error_code ignored;
         if (owned) std::filesystem::remove_all(path, ignored);

@@ -14,7 +14,7 @@ namespace orvex::posix {
 
 // The place of a function's address. Slots live as long as the program and are found by name.
 struct Slot {
-    Slot(const char* function, void* target);
+    Slot(const char* slotName, void* slotTarget);
 
     const char* name;
     void* target;

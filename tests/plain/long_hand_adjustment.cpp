@@ -57,6 +57,8 @@ uint32_t InterpolatedInk(const std::vector<uint32_t>& grid, int blue, int green,
                InterpolatedByte(grid, blue, green, red, 2), InterpolatedByte(grid, blue, green, red, 3));
 }
 
+// The names are the symbols of the color spaces.
+// NOLINTBEGIN(readability-identifier-naming)
 std::vector<uint32_t> AdjustedGrid(const std::vector<uint32_t>& grid, const Adjustment& v,
                                    const AdjustmentScales& s) {
     const double ca = -48.1 / sqrt(-48.1 * -48.1 + -14.1 * -14.1),
@@ -108,5 +110,6 @@ std::vector<uint32_t> AdjustedGrid(const std::vector<uint32_t>& grid, const Adju
     adjusted.back() = grid.back();
     return adjusted;
 }
+// NOLINTEND(readability-identifier-naming)
 
 }  // namespace orvex::plain

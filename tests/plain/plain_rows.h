@@ -47,6 +47,7 @@ inline uint32_t Lookup(uint32_t pixel, int32_t kind, uint32_t* table) {
 inline std::vector<uint32_t> PrintRow(const std::vector<uint32_t>& pixels, RowOptions options, int32_t kind,
                                       uint32_t* table) {
     std::vector<uint32_t> printed;
+    printed.reserve(pixels.size());
     for (const uint32_t pixel : pixels) {
         printed.push_back(Print(Lookup(pixel, kind, table), printed.size(), options));
     }

@@ -32,7 +32,7 @@ HANDLE WINAPI FailSecondSearch(LPCWSTR pattern, LPWIN32_FIND_DATAW data) {
 
 class DefaultDevMode : public PrinterTest {
   protected:
-    DeviceMode Setup(const WCHAR* name = L"Etikett 1") {
+    DeviceMode SetUpDefaults(const WCHAR* name = L"Etikett 1") {
         DeviceMode record;
         memset(static_cast<void*>(&record), 0xAA, sizeof record);
         EXPECT_TRUE(SetupDefaultDevMode(&record, name, handle_));
@@ -102,20 +102,20 @@ class DefaultProfile : public DefaultDevMode {
 
 TEST_F(DefaultDevMode, EveryByteWithoutAnInstallationIsTheBuiltInDefault) {
     DeviceMode expected = DefaultDeviceMode();
-    EXPECT_TRUE(SameRecord(Setup(nullptr), expected)) << "without a name";
+    EXPECT_TRUE(SameRecord(SetUpDefaults(nullptr), expected)) << "without a name";
     CopyText(expected.pub.dmDeviceName, FieldText(L"Etikett 1"));
-    EXPECT_TRUE(SameRecord(Setup(), expected));
+    EXPECT_TRUE(SameRecord(SetUpDefaults(), expected));
 }
 
 TEST_F(DefaultDevMode, APrintersNameIsCutToItsField) {
     const HeapArray<WCHAR> name = AllocateArray<WCHAR>(32);
     std::fill(name.get(), name.get() + 32, L'n');
-    EXPECT_EQ(Text(Setup(name.get()).pub.dmDeviceName), std::u16string(31, u'n'))
+    EXPECT_EQ(Text(SetUpDefaults(name.get()).pub.dmDeviceName), std::u16string(31, u'n'))
         << "and is read no further than its field is long";
 }
 
 TEST_F(DefaultDevMode, ItsStepsAreTraced) {
-    Setup();
+    SetUpDefaults();
     const std::vector<std::string> lines = LinesOutside("AssignDefaultColorProfile");
     EXPECT_THAT(lines, ElementsAre("[Trace] <SetupDefaultDevMode>", StartsWith("[Trace] get app path "),
                                    "[Error] failed to open media.inf", "[Error] failed to open settings.inf",
@@ -126,7 +126,7 @@ TEST_F(DefaultDevMode, ItsStepsAreTraced) {
 
 TEST_F(DefaultDevMode, AnUnknownInstallationFolderIsLoggedWithoutItsNot) {
     const ImportPatch shell(nullptr, "SHGetSpecialFolderPathW", reinterpret_cast<void*>(&NoFolder));
-    EXPECT_TRUE(SameRecord(Setup(nullptr), DefaultDeviceMode()));
+    EXPECT_TRUE(SameRecord(SetUpDefaults(nullptr), DefaultDeviceMode()));
     EXPECT_THAT(LinesOutside("AssignDefaultColorProfile"),
                 ElementsAre("[Trace] <SetupDefaultDevMode>", "[Error] Error: could get app path",
                             "[Error] failed to open settings.inf", "[Trace] colorProfile:[]",
@@ -135,11 +135,11 @@ TEST_F(DefaultDevMode, AnUnknownInstallationFolderIsLoggedWithoutItsNot) {
 
 TEST_F(DefaultDevMode, AChangedLogMaskTakesEffectBeforeTheFirstLine) {
     WriteBytes(LogControlFile(), "0");
-    Setup();
+    SetUpDefaults();
     EXPECT_EQ(logMask, 0u);
     EXPECT_THAT(log_.TakeLines(), IsEmpty());
     WriteBytes(LogControlFile(), "2");
-    Setup();
+    SetUpDefaults();
     EXPECT_EQ(log_.TakeLines()[0], "[Trace] <SetupDefaultDevMode>");
 }
 
@@ -156,14 +156,14 @@ TEST_F(DefaultDevMode, ADefaultLabelBringsBothHalvesInLine) {
            "500",
            6);  // the end of the built-in size remains
     memcpy(expected.priv.length_string, "6\0.000", 7);
-    EXPECT_TRUE(SameRecord(Setup(nullptr), expected));
+    EXPECT_TRUE(SameRecord(SetUpDefaults(nullptr), expected));
     EXPECT_THAT(log_.TakeLines(), testing::Contains("[Trace] set pdm paper 300 1016 1524"));
 }
 
 TEST_F(DefaultDevMode, ADefaultLabelWithTheBuiltInNumberLeavesThePublicSize) {
     AddLabel(257, "Versand", "4", "6", 1);
     installation_.WriteSettings("[UI]\r\nDefault_Media=Versand\r\n");
-    const DeviceMode record = Setup();
+    const DeviceMode record = SetUpDefaults();
     EXPECT_STREQ(record.priv.width_string, "4");
     EXPECT_EQ(record.pub.dmPaperSize, 257);
     EXPECT_EQ(record.pub.dmPaperWidth, 2794);
@@ -173,7 +173,7 @@ TEST_F(DefaultDevMode, ADefaultLabelWithTheBuiltInNumberLeavesThePublicSize) {
 TEST_F(DefaultDevMode, LabelTextsThatAreNoNumbersAreSizesOfZero) {
     AddLabel(258, "Versand", "wide", "1e3", 0);
     installation_.WriteSettings("[UI]\r\nDefault_Media=Versand\r\n");
-    const DeviceMode record = Setup();
+    const DeviceMode record = SetUpDefaults();
     EXPECT_EQ(record.pub.dmPaperSize, 258);
     EXPECT_EQ(record.pub.dmPaperWidth, 0);
     EXPECT_EQ(record.pub.dmPaperLength, 0);
@@ -183,7 +183,7 @@ TEST_F(DefaultDevMode, TheFirstSetUpImportsTheLabelsThatItMayChooseFrom) {
     installation_.Write("media.inf",
                         "[Media]\r\n\"Klein\",\"50\",\"25.4\",0\r\n\"Versand\",\"4\",\"6\",1\r\n");
     installation_.WriteSettings("[UI]\r\nDefault_Media=Versand\r\n");
-    const DeviceMode record = Setup();
+    const DeviceMode record = SetUpDefaults();
     EXPECT_EQ(record.pub.dmPaperSize, 259);
     EXPECT_EQ(record.priv.dmPaperSize, 259);
     EXPECT_EQ(record.pub.dmPaperWidth, 1016);
@@ -307,7 +307,7 @@ TEST_F(DefaultProfile, StaysAsItIsWhenTheCatalogueFails) {
 
 TEST_F(DefaultProfile, IsPartOfTheDefaultRecord) {
     installation_.WriteSettings("[UI]\r\nDefault_Profile=b.zvp\r\n");
-    EXPECT_EQ(Text(Setup().priv.colorProfile), u"b.zvp");
+    EXPECT_EQ(Text(SetUpDefaults().priv.colorProfile), u"b.zvp");
     EXPECT_THAT(log_.TakeLines(), testing::Contains("[Trace] colorProfile:[b.zvp]"));
 }
 

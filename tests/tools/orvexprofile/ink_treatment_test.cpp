@@ -4,6 +4,7 @@
 
 #include <sstream>
 
+#include "driver/color/color_cache.h"
 #include "tools/orvexprofile/ink_statistics.h"
 
 namespace orvex::tools::profile {
