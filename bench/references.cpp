@@ -2,7 +2,7 @@
 
 #include <stdexcept>
 
-#include "driver/color/ink_grid.h"
+#include "driver/color/color_adjustment.h"
 
 namespace orvex::bench {
 

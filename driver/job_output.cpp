@@ -2,9 +2,9 @@
 
 #include <cstdio>
 
+#include "driver/config/spooler.h"
 #include "driver/job_state.h"
 #include "driver/pjl_header.h"
-#include "driver/printer_output.h"
 #include "driver/support/log.h"
 
 namespace orvex {

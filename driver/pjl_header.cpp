@@ -4,8 +4,8 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "driver/config/spooler.h"
 #include "driver/job_state.h"
-#include "driver/printer_output.h"
 #include "driver/support/settings_file.h"
 
 namespace orvex {

@@ -1,16 +1,18 @@
 // The hooks of a job: DrvStartDoc starts it, DrvStartPage starts each page, DrvEndDoc ends it.
 
+#include <algorithm>
 #include <cstdio>
+#include <iterator>
 
-#include "driver/adjustment.h"
-#include "driver/config/device_mode_dump.h"
-#include "driver/device_resolution.h"
+#include "driver/color/color_adjustment.h"
+#include "driver/config/device_mode_fields.h"
+#include "driver/device_capabilities.h"
 #include "driver/job_output.h"
 #include "driver/job_state.h"
 #include "driver/print_engine.h"
 #include "driver/profiles/profile_file.h"
 #include "driver/support/log.h"
-#include "driver/support/text.h"
+#include "driver/support/settings_file.h"
 
 namespace orvex {
 
@@ -31,10 +33,6 @@ void ContinueJob(PDEV* pdev) {
     g_pCurrentPdev = pdev;
 }
 
-int32_t ResolutionMode(int16_t dpi) {
-    return dpi == 600 ? kResolution600 : kResolution300;
-}
-
 bool StartEngineJob(PDEV* pdev, const SURFOBJ* surface, int32_t resolutionMode) {
     g_pCurrentPdev = pdev;
     g_cxSurface = static_cast<uint32_t>(surface->sizlBitmap.cx);
@@ -52,7 +50,7 @@ void LoadJobProfile(const PrivateDevMode& settings, int32_t resolutionMode) {
     char name[kMaxNarrowName] = {};
     char path[sizeof ORVEX_PROFILES_FOLDER + kMaxNarrowName];
     const WideView profile = FieldText(settings.colorProfile);
-    if (profile.size == 0) {
+    if (profile.empty()) {
         LogInfo("Load deafult profile");
     } else {
         NarrowText(name, sizeof name, profile);
@@ -60,8 +58,20 @@ void LoadJobProfile(const PrivateDevMode& settings, int32_t resolutionMode) {
         snprintf(path, sizeof path, ORVEX_PROFILES_FOLDER "%s", name);
     }
     g_nProfileKind =
-        zvc_load_profile(profile.size == 0 ? nullptr : path, resolutionMode, &g_cHpres, name, sizeof name);
+        zvc_load_profile(profile.empty() ? nullptr : path, resolutionMode, &g_cHpres, name, sizeof name);
     CopyText(g_szProfileName, FieldText(name));
+}
+
+AdjustmentScales ScalesOfSettings() {
+    const AdjustmentScales absent;
+    const auto scale = [](const char* key, double value) { return LookupNumber("[Color]", key, value); };
+    return {.tone = scale("tone_scale=", absent.tone),
+            .saturation = scale("saturation_scale=", absent.saturation),
+            .brightness = scale("brightness_scale=", absent.brightness),
+            .black = scale("black_scale=", absent.black),
+            .yellow = scale("yellow_scale=", absent.yellow),
+            .cyan = scale("cyan_scale=", absent.cyan),
+            .magenta = scale("magenta_scale=", absent.magenta)};
 }
 
 void AdjustJobColors(const PrivateDevMode& settings) {
@@ -69,12 +79,14 @@ void AdjustJobColors(const PrivateDevMode& settings) {
         settings.adj_brightness, settings.adj_saturation, settings.adj_colortone, settings.adj_cyan,
         settings.adj_magenta,    settings.adj_yellow,     settings.adj_black,
     };
-    bool adjusted = false;
-    for (const int32_t value : values) adjusted |= value != 0;
-    if (!adjusted) return;
+    if (std::all_of(std::begin(values), std::end(values), [](int32_t value) { return value == 0; })) return;
     LogError("ca t:%d,b:%d,s:%d,C:%d,M:%d,Y:%d,K:%d\n", values[kTone], values[kBrightness],
              values[kSaturation], values[kCyan], values[kMagenta], values[kYellow], values[kBlack]);
-    ApplyAdjustment(values);
+    const AdjustmentScales scales = ScalesOfSettings();
+    const ColorMovement by = MovementOf(values, scales);
+    LogError("ca %lf,%lf,%lf,%lf,%lf,%lf,%lf\n", by.tone, by.brightness, by.saturation, by.cyan, by.black,
+             by.yellow, by.magenta);
+    AdjustColors(values, scales);
 }
 
 bool StartNewJob(PDEV* pdev, const SURFOBJ* surface, const WCHAR* documentName) {
@@ -85,7 +97,7 @@ bool StartNewJob(PDEV* pdev, const SURFOBJ* surface, const WCHAR* documentName) 
     NarrowText(g_szJobName, sizeof g_szJobName, {documentName, TextLength(documentName)});
 
     if (!BindPrintEngine()) return false;
-    const int32_t resolutionMode = ResolutionMode(GetDeviceResolution(pdev));
+    const int32_t resolutionMode = GetDeviceResolution(pdev) == 600 ? kResolution600 : kResolution300;
     if (!StartEngineJob(pdev, surface, resolutionMode)) return false;
     ResetJobOutput();
     LoadJobProfile(pdev->devmode.priv, resolutionMode);

@@ -1,8 +1,7 @@
 // DrvSendPage: takes a finished page from the graphics engine, lays it under the print head and hands its
 // rows to the print engine.
 
-#include "driver/config/page_layout_input.h"
-#include "driver/device_resolution.h"
+#include "driver/device_capabilities.h"
 #include "driver/job_state.h"
 #include "driver/raster_output.h"
 #include "driver/support/log.h"
@@ -18,13 +17,9 @@ namespace {
 constexpr signed char kHpres600 = 0;
 constexpr signed char kHpresOther = -1;
 
-// The print engine's command that switches the resolution.
-constexpr char kSwitchTo600[] = "\x1B*o0M";
-constexpr char kSwitchToOther[] = "\x1B*o-1M";
-
 void BeginFirstPage(const PDEV& pdev, const SURFOBJ& surface, const PageLayout& layout) {
     const PrivateDevMode& settings = pdev.devmode.priv;
-    g_stageMaxima = {};
+    ResetStageMaxima();
     LogInfo("surfobj dpi:%d sizlBitmap:%dx%d cjBits:%d lDelta:%d bform:%d", layout.dpi, surface.sizlBitmap.cx,
             surface.sizlBitmap.cy, surface.cjBits, surface.lDelta, surface.iBitmapFormat);
     LogInfo(
@@ -50,27 +45,22 @@ void LogPrintHeadOffset(const PageLayout& layout) {
     if (layout.phOffsetPx == 0) return;
     LogInfo("phOffset:%d topOff:%d fullTopFillPx:%d fullBottomFillPx:%d", layout.phOffsetPx,
             layout.aligned.topOff, layout.aligned.fullTop, layout.aligned.fullBottom);
+    const int32_t offset = layout.phOffsetPx, amount = layout.offsetAmount, topOff = layout.placed.topOff;
     switch (layout.offsetEffect) {
         case OffsetEffect::kNone:
-            break;
+            return;
         case OffsetEffect::kRightAligned:
-            LogInfo("phOffset: ar=%d topOff=%d", layout.phOffsetPx, layout.placed.topOff);
-            break;
+            return LogInfo("phOffset: ar=%d topOff=%d", offset, topOff);
         case OffsetEffect::kLeftAligned:
-            LogInfo("phOffset: al=%d topOff=%d", layout.phOffsetPx, layout.placed.topOff);
-            break;
+            return LogInfo("phOffset: al=%d topOff=%d", offset, topOff);
         case OffsetEffect::kCentered:
-            LogInfo("phOffset: ph=%d c=%d", layout.offsetAmount, layout.phOffsetPx);
-            break;
+            return LogInfo("phOffset: ph=%d c=%d", amount, offset);
         case OffsetEffect::kFullRightAligned:
-            LogInfo("phOffset: fw ar=%d", layout.offsetAmount);
-            break;
+            return LogInfo("phOffset: fw ar=%d", amount);
         case OffsetEffect::kFullLeftAligned:
-            LogInfo("phOffset: fw al=%d", layout.offsetAmount);
-            break;
+            return LogInfo("phOffset: fw al=%d", amount);
         case OffsetEffect::kFullCentered:
-            LogInfo("phOffset: fw c=%d", layout.offsetAmount);
-            break;
+            return LogInfo("phOffset: fw c=%d", amount);
     }
 }
 
@@ -103,9 +93,8 @@ void RequestResolution(bool is600) {
         return;
     }
     if (g_resolutionSwitch.queued) LogError("Error: page %d res missed!!!!!!!!!!!!!!!!!!!", g_nPage);
-    g_resolutionSwitch = {is600 ? kSwitchTo600 : kSwitchToOther,
-                          static_cast<uint32_t>(is600 ? sizeof kSwitchTo600 - 1 : sizeof kSwitchToOther - 1),
-                          true, true};
+    const std::string_view command = is600 ? kResolutionCommand600Dpi : kResolutionCommandOther;
+    g_resolutionSwitch = {command.data(), static_cast<uint32_t>(command.size()), true, true};
 }
 
 // Returns whether a call of the engine succeeded. A refusal is logged and ends the page.

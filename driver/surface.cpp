@@ -1,8 +1,8 @@
 // The hooks of the page bitmap. The graphics engine manages one 32-bpp bitmap, as large as the page, for each
 // device instance, and nobody else draws into it.
 
+#include "driver/device_capabilities.h"
 #include "driver/device_instance.h"
-#include "driver/device_resolution.h"
 #include "driver/support/log.h"
 
 namespace orvex {

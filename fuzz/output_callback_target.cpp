@@ -20,8 +20,6 @@ using namespace tools;
 namespace {
 
 constexpr std::string_view kComment = "@PJL COMMENT";
-constexpr char kSwitchTo600[] = "\x1B*o0M";
-constexpr char kSwitchToOther[] = "\x1B*o-1M";
 constexpr char kThumbnail[] = "dGh1bWI=";
 
 struct Choices {
@@ -33,7 +31,9 @@ struct Choices {
     bool SwitchPending() const { return flags & 4; }
     bool SwitchQueued() const { return flags & 8; }
     bool Thumbnail() const { return flags & 16; }
-    const char* Switch() const { return flags & 32 ? kSwitchTo600 : kSwitchToOther; }
+    std::string_view Switch() const {
+        return flags & 32 ? kResolutionCommand600Dpi : kResolutionCommandOther;
+    }
 
     uint8_t flags;
     signed char resolutionCode;
@@ -44,7 +44,7 @@ void SetUpJob(const Choices& choices) {
     g_bFirstChunk = choices.FirstChunk();
     g_cHpres = choices.resolutionCode;
     g_uMaxWriteCost = 0;
-    g_resolutionSwitch = {choices.Switch(), static_cast<uint32_t>(strlen(choices.Switch())),
+    g_resolutionSwitch = {choices.Switch().data(), static_cast<uint32_t>(choices.Switch().size()),
                           choices.SwitchPending(), choices.SwitchQueued()};
     CopyText(g_szJobName, "a \"job\"\n%s");
     CopyText(g_szProfileName, "Paper");

@@ -3,6 +3,8 @@
 
 #include <cstdint>
 
+#include "driver/color/ink.h"
+
 namespace orvex {
 
 // The seven values, -100 to 100 each, in the order that AdjustColors takes them.
@@ -25,5 +27,17 @@ ColorMovement MovementOf(const int32_t (&values)[kAdjustmentValues], const Adjus
 // Reshapes the 17-point grid of the color cache, clears every other entry and makes the cache one of kGrid.
 // Runs after the profile has been loaded, when a value is not 0.
 void AdjustColors(const int32_t (&values)[kAdjustmentValues], const AdjustmentScales& scales);
+
+// The grid points of a color table by themselves.
+struct InkGrid {
+    InkValue inks[kGridPoints];  // by GridIndex
+};
+
+// Copies the grid out of a table, with the entries as they are stored.
+void CopyGridOut(const InkValue* table, InkGrid* grid);
+
+// Returns the ink value of a color between the grid points, linear along blue, green and red. Components
+// outside 0 to 255 count as the nearer of the two. The flag has no effect.
+InkValue GridLookup(const InkGrid& grid, int blue, int green, int red, bool flag);
 
 }  // namespace orvex

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "driver/color/color_table.h"
+#include "driver/color/ink.h"
 
 namespace orvex {
 

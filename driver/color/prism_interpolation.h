@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "driver/color/color_table.h"
+#include "driver/color/ink.h"
 
 namespace orvex {
 

@@ -3,10 +3,16 @@
 
 #include <cstdint>
 
-#include "driver/color/color_mode.h"
 #include "driver/color/ink.h"
 
 namespace orvex {
+
+// What a job prints with. Any other value prints in color.
+enum ColorMode : int32_t {
+    kColorModeColor = 0,
+    kColorModeCompositeGray = 1,  // grays made of C, M and Y, without black ink
+    kColorModeBlackGray = 2,      // grays made of K alone
+};
 
 // Converts `count` pixels of `source` through the color cache into `destination`, which may be the same
 // buffer. With `kws` non-zero, pixels without ink get the blank-pixel pattern, which starts anew with each

@@ -5,14 +5,24 @@
 
 namespace orvex {
 
-namespace {
-
-constexpr size_t kHeaderSize = offsetof(DEVMODEW, dmFields);  // through dmDriverExtra
-
-}  // namespace
+PageLayoutInput LayoutInput(const DeviceMode& mode, int16_t dpi, int32_t width, int32_t height) {
+    const PrivateDevMode& settings = mode.priv;
+    return {.bitmapWidth = width,
+            .bitmapHeight = height,
+            .dpi = dpi,
+            .landscape = mode.pub.dmOrientation == DMORIENT_LANDSCAPE,
+            .kws = settings.kws != 0,
+            .kwsFullWidth = settings.kws_fullwidth != 0,
+            .alignment = settings.alignment,
+            .purgeBar = settings.purgeBar,
+            .purgeDots = static_cast<uint16_t>(settings.purgeDots),
+            .purgeGap = static_cast<uint16_t>(settings.purgeGap),
+            .phHOffset = settings.phHOffset};
+}
 
 size_t PrivateSize(const DEVMODEW* record) {
-    return record->dmSize < kHeaderSize ? 0 : record->dmDriverExtra;
+    constexpr size_t kThroughDriverExtra = offsetof(DEVMODEW, dmFields);
+    return record->dmSize < kThroughDriverExtra ? 0 : record->dmDriverExtra;
 }
 
 const void* PrivatePart(const DEVMODEW* record) {

@@ -6,8 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "driver/color/color_mode.h"
-#include "driver/render/alignment.h"
+#include "driver/render/page_layout.h"
 #include "platform/windows.h"
 
 namespace orvex {
@@ -46,7 +45,7 @@ struct PrivateDevMode {
     int16_t copies;
     int16_t chunksize;  // pages
     int32_t chunkActive;
-    int16_t alignment;  // under the print head
+    int16_t alignment;  // an Alignment
     uint8_t reserved110[2];
     int32_t feedSide;
     int16_t overspray;
@@ -65,7 +64,7 @@ struct PrivateDevMode {
     WCHAR colorProfile[kMaxProfileName];  // file name in the profiles folder; empty: none chosen
     int16_t phHOffset;                    // print-head offset across, tenths of a millimeter
     int16_t phVOffset;                    // print-head offset along, tenths of a millimeter
-    int32_t colorMode;
+    int32_t colorMode;                    // a ColorMode
     int8_t adj_brightness;
     int8_t adj_colortone;
     int8_t adj_saturation;
@@ -98,6 +97,9 @@ struct DeviceMode {
 
 static_assert(sizeof(DeviceMode) == 916);
 static_assert(offsetof(DeviceMode, priv) == 220);
+
+// Returns what the layout of a page takes from the settings and from its bitmap of `width` x `height` pixels.
+PageLayoutInput LayoutInput(const DeviceMode& mode, int16_t dpi, int32_t width, int32_t height);
 
 // The functions below take records from outside. Such a record has at least the bytes through dmDriverExtra
 // and ends at its own dmSize + dmDriverExtra; its private part begins at its dmSize. A record whose dmSize

@@ -2,10 +2,9 @@
 
 #include <cstring>
 
-#include "driver/config/decimal_text.h"
 #include "driver/config/label_length.h"
 #include "driver/config/media_import.h"
-#include "driver/config/spooler_queries.h"
+#include "driver/config/spooler.h"
 #include "driver/profiles/profile_catalogue.h"
 #include "driver/support/installation.h"
 #include "driver/support/log.h"
@@ -19,8 +18,6 @@ namespace {
 constexpr DWORD kDefaultFields = DM_ORIENTATION | DM_PAPERSIZE | DM_COPIES | DM_DEFAULTSOURCE |
                                  DM_PRINTQUALITY | DM_COLOR | DM_TTOPTION | DM_COLLATE | DM_FORMNAME;
 static_assert(kDefaultFields == 0x0001CF03);
-
-constexpr size_t kSettingCapacity = 254;  // of a value in settings.inf, terminator included
 
 // Reads a value of "[UI]" without the white space around it. Returns false when it is not there.
 bool ReadSetting(const char* key, char (&value)[kSettingCapacity]) {
@@ -54,7 +51,7 @@ void SetPublicDefaults(DEVMODEW* pub) {
     pub->dmCollate = DMCOLLATE_FALSE;
     pub->dmPrintQuality = kDefaultResolution;
     pub->dmYResolution = kDefaultResolution;
-    CopyText(pub->dmFormName, FieldText(L"Custom"));
+    CopyText(pub->dmFormName, L"Custom");
     pub->dmPaperSize = kPaperDefault;
     // Deliberate: 11 inches wide and 8.5 long. The private texts say the opposite until a label is chosen.
     pub->dmPaperLength = kDefaultPaperLength;
@@ -89,10 +86,9 @@ const WCHAR* FindWantedProfile(const WCHAR* names) {
     const HeapArray<WCHAR> wanted = DuplicateWidened(setting);
     if (!wanted) return nullptr;
     LogTrace("def Profile:[%S]", wanted.get());
-    const WideView wantedText = {wanted.get(), TextLength(wanted.get())};
     for (const WCHAR* name = names; *name != 0; name += TextLength(name) + 1) {
         LogTrace("[%S] <> [%S]", wanted.get(), name);
-        if (SameText(wantedText, {name, TextLength(name)})) return name;
+        if (WideView(wanted.get()) == name) return name;
     }
     return nullptr;
 }
@@ -152,7 +148,7 @@ BOOL AssignDefaultColorProfile(HANDLE printer, WCHAR (&profile)[kMaxProfileName]
     const WCHAR* names = fileNames ? fileNames.get() : L"";
     const WCHAR* chosen = FindWantedProfile(names);
     if (chosen == nullptr) chosen = names;
-    if (*chosen != 0) CopyText(profile, {chosen, TextLength(chosen)});
+    if (*chosen != 0) CopyText(profile, chosen);
     return TRUE;
 }
 

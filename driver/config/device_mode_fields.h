@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <type_traits>
 
+#include "driver/color/row_conversion.h"
 #include "driver/config/device_mode.h"
 
 namespace orvex {
@@ -143,10 +144,14 @@ inline constexpr DeviceModeField kPrivateFields[] = {
 #undef PUBLIC_FIELD
 #undef PRIVATE_FIELD
 
-// Returns the number in a field of that type.
-int64_t ReadNumber(const DeviceMode& record, const DeviceModeField& field);
-
 // Replaces the number in a field that must not have it. Texts and unsigned numbers may have any value.
 void ForceValid(DeviceMode* record, const DeviceModeField& field);
+
+// Writes the whole record to the diagnostic log, at Trace; a record whose dmSize is not 220 gives one line at
+// Info, a null record none.
+void DumpDevMode(const DEVMODEW* record);
+
+// Writes the caption and then the record.
+void DumpDevMode(const char* caption, const DEVMODEW* record);
 
 }  // namespace orvex

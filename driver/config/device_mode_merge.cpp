@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "driver/config/device_mode_dump.h"
+#include "driver/config/device_mode_fields.h"
 #include "driver/config/device_mode_validation.h"
 #include "driver/support/heap.h"
 #include "driver/support/log.h"
@@ -60,15 +60,10 @@ constexpr FlaggedField kFlaggedFields[] = {
     FLAGGED(DM_DITHERTYPE, dmDitherType),
 };
 
-void DumpWithCaption(const char* caption, const DEVMODEW* record) {
-    LogTrace(caption);
-    DumpDevMode(record);
-}
-
 void DumpPair(const char* firstCaption, const DEVMODEW* first, const char* secondCaption,
               const DEVMODEW* second) {
-    DumpWithCaption(firstCaption, first);
-    DumpWithCaption(secondCaption, second);
+    DumpDevMode(firstCaption, first);
+    DumpDevMode(secondCaption, second);
 }
 
 void TraceProfile(const char* format, const PrivateDevMode& priv) {

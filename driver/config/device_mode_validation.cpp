@@ -2,7 +2,6 @@
 
 #include <iterator>
 
-#include "driver/config/device_mode_dump.h"
 #include "driver/config/device_mode_fields.h"
 #include "driver/config/label_length.h"
 #include "driver/config/label_sizes.h"
@@ -21,8 +20,8 @@ void TakeListedLabel(DeviceMode* record, HANDLE printer) {
     if (label == nullptr) return;
     SetPaperSize(&record->pub, FieldText(label->width), FieldText(label->length), label->units);
     WCHAR formName[sizeof(LabelSize::name)];
-    const size_t length = WidenText(formName, std::size(formName), FieldText(label->name));
-    CopyText(record->pub.dmFormName, {formName, length});
+    WidenText(formName, std::size(formName), FieldText(label->name));
+    CopyText(record->pub.dmFormName, formName);
     CopyText(record->priv.labelName, FieldText(label->name));
 }
 
@@ -30,23 +29,20 @@ void TakeListedLabel(DeviceMode* record, HANDLE printer) {
 
 void ValidateDevmode(DeviceMode* record, HANDLE printer) {
     const TraceScope trace("ValidateDevmode");
-    LogTrace("pdm (before ValidateForm):");
-    DumpDevMode(&record->pub);
+    DumpDevMode("pdm (before ValidateForm):", &record->pub);
     ValidateForm(record, printer);
-    LogTrace("pdm (After ValidateForm):");
-    DumpDevMode(&record->pub);
+    DumpDevMode("pdm (After ValidateForm):", &record->pub);
     for (const DeviceModeField& field : kPublicFields) ForceValid(record, field);
     for (const DeviceModeField& field : kPrivateFields) ForceValid(record, field);
     record->pub.dmYResolution = record->pub.dmPrintQuality;
-    LogTrace("pdm:");
-    DumpDevMode(&record->pub);
+    DumpDevMode("pdm:", &record->pub);
 }
 
 void ValidateForm(DeviceMode* record, HANDLE printer) {
     const TraceScope trace("ValidateForm");
     DEVMODEW& pub = record->pub;
     if (pub.dmPaperSize < kPaperDefault) {
-        CopyText(pub.dmFormName, FieldText(L"Custom"));
+        CopyText(pub.dmFormName, L"Custom");
         pub.dmPaperSize = kPaperCustom;
     } else if (pub.dmPaperSize != record->priv.dmPaperSize) {
         TakeListedLabel(record, printer);

@@ -5,7 +5,7 @@
 #include <cstring>
 
 #include "driver/config/device_mode.h"
-#include "driver/config/spooler_queries.h"
+#include "driver/config/spooler.h"
 #include "driver/support/handle.h"
 #include "driver/support/log.h"
 #include "driver/support/text.h"
@@ -17,19 +17,14 @@ namespace {
 constexpr WCHAR kListKey[] = L"Label Sizes";
 constexpr DWORD kLayoutVersion = 1;
 
-// The key of one label's data, a narrow name.
-struct LabelKey {
-    explicit LabelKey(uint16_t number) { snprintf(text, sizeof text, "Label Sizes\\%d", number); }
-    char text[32];
-};
-
 // The printer, opened once more to read or write one label. CloseHandle releases it.
 class LabelData {
   public:
     LabelData(HANDLE printer, DWORD access, uint16_t number)
         : printer_(OpenPrinterWithAccess(printer, access)),
-          openError_(printer_ ? DWORD{ERROR_SUCCESS} : LastFailure()),
-          key_(number) {}
+          openError_(printer_ ? DWORD{ERROR_SUCCESS} : LastFailure()) {
+        snprintf(key_, sizeof key_, "Label Sizes\\%d", number);
+    }
 
     // Returns 0, or why the printer could not be opened.
     DWORD OpenError() const { return openError_; }
@@ -37,8 +32,8 @@ class LabelData {
     DWORD Read(const char* value, DWORD expectedType, void* data, DWORD size) const {
         DWORD type = REG_NONE;
         DWORD needed = 0;
-        DWORD code = GetPrinterDataExA(printer_.Get(), key_.text, value, &type, static_cast<BYTE*>(data),
-                                       size, &needed);
+        DWORD code =
+            GetPrinterDataExA(printer_.Get(), key_, value, &type, static_cast<BYTE*>(data), size, &needed);
         if (code == ERROR_SUCCESS && type != expectedType) code = kErrorLabelType;
         if (code != ERROR_SUCCESS) LogError("Could not read label %s: 0x%x", value, code);
         return code;
@@ -56,7 +51,7 @@ class LabelData {
         // The spooler takes a pointer to non-const bytes, but only reads them.
         BYTE* bytes = static_cast<BYTE*>(const_cast<void*>(data));
         const DWORD code =
-            SetPrinterDataExA(printer_.Get(), key_.text, value, type, bytes, static_cast<DWORD>(size));
+            SetPrinterDataExA(printer_.Get(), key_, value, type, bytes, static_cast<DWORD>(size));
         if (code != ERROR_SUCCESS) LogError("Could not set label %s: 0x%x", value, code);
         return code;
     }
@@ -72,7 +67,7 @@ class LabelData {
   private:
     OwnedHandle printer_;
     DWORD openError_;
-    LabelKey key_;
+    char key_[32];  // of the label's data
 };
 
 // The numbers of the printer's labels, as its sub-keys name them.

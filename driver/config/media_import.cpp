@@ -83,10 +83,8 @@ std::string_view ReadMediaFile(const WCHAR* folder, char (&buffer)[kMaxFileBytes
         LogError("failed to open media.inf");
         return {};
     }
-    DWORD read = 0;
-    if (!ReadFile(file.Get(), buffer, sizeof buffer, &read, nullptr) || read == 0) {
-        LogError("media.inf empty");
-    }
+    const DWORD read = file.Read(buffer, sizeof buffer);
+    if (read == 0) LogError("media.inf empty");
     return {buffer, TextLength(buffer, read)};
 }
 

@@ -1,8 +1,7 @@
 #include "driver/profiles/profile_catalogue.h"
 
-#include "driver/profiles/display_name.h"
 #include "driver/profiles/profile_file.h"
-#include "driver/profiles/profile_language.h"
+#include "driver/profiles/profile_names.h"
 #include "driver/support/installation.h"
 #include "driver/support/log.h"
 #include "driver/support/text.h"
@@ -36,7 +35,7 @@ class FileSearch {
 // Returns the characters that a list of all matching files needs, without its end.
 size_t MeasureNames(const WCHAR* pattern) {
     size_t characters = 0;
-    for (FileSearch search(pattern); search.Found(); search.Next()) characters += search.Name().size + 1;
+    for (FileSearch search(pattern); search.Found(); search.Next()) characters += search.Name().size() + 1;
     return characters;
 }
 
@@ -47,20 +46,19 @@ bool CollectNames(const WCHAR* pattern, WCHAR* list, size_t room) {
     if (!search.Opened()) return false;
     for (; search.Found(); search.Next()) {
         const WideView name = search.Name();
-        if (name.size + 1 > room) continue;
+        if (name.size() + 1 > room) continue;
         CopyText(list, room, name);
         LogTrace("findfile: %S", name);
-        list += name.size + 1;
-        room -= name.size + 1;
+        list += name.size() + 1;
+        room -= name.size() + 1;
     }
     return true;
 }
 
 ScanResult Scan(const WCHAR* folder, HeapArray<WCHAR>* fileNames) {
     WCHAR pattern[MAX_PATH];
-    const size_t length = TextLength(folder);
-    if (length >= MAX_PATH) return kNoSearchPath;
-    CopyText(pattern, {folder, length});
+    if (TextLength(folder) >= MAX_PATH) return kNoSearchPath;
+    CopyText(pattern, folder);
     if (!PathAppendW(pattern, L"" ORVEX_PROFILES_FOLDER "*.zvp")) return kNoSearchPath;
     const size_t characters = MeasureNames(pattern);
     if (characters == 0) return kScanned;

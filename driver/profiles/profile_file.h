@@ -13,7 +13,13 @@ namespace orvex {
 enum ResolutionSelector : int32_t { kResolution300 = 0, kResolution600 = 1, kResolutionOther = 2 };
 
 // 1 while a profile or the generic conversion is in place, 0 during a load and before the first one.
-extern int32_t g_profileLoaded;
+inline int32_t g_profileLoaded = 0;
+
+// Returns whether `name`, in the narrow code page, can only be a file of the folder that it is looked up in:
+// it has no separator and no colon, is neither empty nor "..", is short enough for a path, and is not the
+// name of a device, such as NUL or COM1, in any case and with any extension. Opening a device could block the
+// spooler, or drive the port.
+bool IsBareFileName(const char* name);
 
 // Where the tags' data goes. A later tag replaces an earlier one of its kind.
 struct TagTargets {

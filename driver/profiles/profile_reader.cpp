@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 
 namespace orvex {
 
@@ -15,6 +16,20 @@ uint32_t Number32(const uint8_t* bytes) {
 }
 
 }  // namespace
+
+ProfileMessage MessageOf(const ProfileProblem& problem, const char* path) {
+    ProfileMessage message = {problem.fault->message, {}};
+    LogArgument* argument = message.arguments;
+    if (problem.fault->namesFile) *argument++ = path;
+    for (const int64_t number : problem.numbers) *argument++ = number;
+    return message;
+}
+
+void LogProfileProblem(const ProfileProblem& problem, const char* path, LogLevel level) {
+    if (!problem || !(logMask & kLogMaskErrors)) return;  // that bit asks for both levels
+    const ProfileMessage message = MessageOf(problem, path);
+    WriteLogLine(level, message.format, message.arguments, std::size(message.arguments));
+}
 
 ProfileProblem ReadProfileHeader(BlockReader& file, ProfileHeader* header) {
     if (!file) return {&kFileNotOpened};

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "driver/support/lengths.h"
+
 namespace orvex {
 
 namespace {
@@ -9,7 +11,6 @@ namespace {
 constexpr int32_t kUnitsPerInch = 7200;
 constexpr int32_t kPageMarginUnits = 2400;  // a third of an inch
 constexpr int32_t kFullPageUnits = 86616;   // 12.03 inches
-constexpr double kMmPerInch = 25.4;
 
 // Wraps a sum or product, formed in 64 bits, to 32.
 int32_t Wrap(int64_t value) {
@@ -17,7 +18,6 @@ int32_t Wrap(int64_t value) {
 }
 
 int32_t PrintHeadOffsetPx(int16_t tenthsMm, int16_t dpi) {
-    constexpr int32_t kTenthsMmPerInch = 254;
     return (tenthsMm * dpi + kTenthsMmPerInch / 2) / -kTenthsMmPerInch;
 }
 

@@ -18,6 +18,13 @@ class OwnedHandle {
     explicit operator bool() const { return handle_ != nullptr && handle_ != INVALID_HANDLE_VALUE; }
     HANDLE Get() const { return handle_; }
 
+    // Reads up to `size` bytes of the file, in one call. Returns how many came: none at the end or on
+    // failure.
+    DWORD Read(void* buffer, DWORD size) const {
+        DWORD came = 0;
+        return ReadFile(handle_, buffer, size, &came, nullptr) ? came : 0;
+    }
+
   private:
     HANDLE handle_;
 };

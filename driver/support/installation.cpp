@@ -37,14 +37,14 @@ HeapArray<WCHAR> GetInstallationFolder() {
 
 HANDLE OpenInstallationFile(const WCHAR* folder, const WCHAR* name) {
     if (folder == nullptr) return INVALID_HANDLE_VALUE;
-    const WideView parts[] = {{folder, TextLength(folder)}, {L"\\", 1}, {name, TextLength(name)}};
-    const size_t capacity = parts[0].size + parts[1].size + parts[2].size + 1;
+    const WideView parts[] = {folder, L"\\", name};
+    const size_t capacity = parts[0].size() + parts[1].size() + parts[2].size() + 1;
     const HeapArray<WCHAR> path = AllocateArray<WCHAR>(capacity);
     if (!path) return INVALID_HANDLE_VALUE;
     size_t length = 0;
     for (const WideView& part : parts) {
         CopyText(path.get() + length, capacity - length, part);
-        length += part.size;
+        length += part.size();
     }
     return CreateFileW(path.get(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
                        FILE_ATTRIBUTE_NORMAL, nullptr);

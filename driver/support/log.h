@@ -17,7 +17,7 @@ constexpr uint32_t kLogMaskErrors = 1;  // lines of the levels Error and Info
 constexpr uint32_t kLogMaskTrace = 2;   // lines of the level Trace
 
 // The lines that are wanted. Call sites test it before they call the writer; the writer does not look at it.
-extern std::atomic<uint32_t> logMask;
+inline std::atomic<uint32_t> logMask = 0;
 
 // Sets logMask to the low 32 bits of the decimal integer in the control file; to 0 when there is no such file
 // or no integer in it.

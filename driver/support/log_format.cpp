@@ -59,31 +59,31 @@ void AppendBlanks(TextSink& sink, size_t count) {
     }
 }
 
-void AppendText(TextSink& sink, const Conversion& conversion, std::string_view text) {
+void AppendCharacters(TextSink& sink, std::string_view text) {
+    sink.Append(text);
+}
+
+// Writes wide text as UTF-8 in pieces. A lone surrogate becomes the replacement character.
+void AppendCharacters(TextSink& sink, WideView text) {
+    while (!text.empty()) {
+        size_t units = std::min<size_t>(text.size(), 64);
+        if (units < text.size() && IS_HIGH_SURROGATE(text[units - 1])) --units;
+        char piece[64 * 3];
+        const int bytes = WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(units), piece,
+                                              static_cast<int>(sizeof piece), nullptr, nullptr);
+        sink.Append({piece, static_cast<size_t>(std::max(bytes, 0))});
+        text.remove_prefix(units);
+    }
+}
+
+// Writes a narrow or wide text in its field.
+template <typename View>
+void AppendText(TextSink& sink, const Conversion& conversion, View text) {
     if (conversion.precision >= 0) text = text.substr(0, static_cast<size_t>(conversion.precision));
     const size_t width = static_cast<size_t>(conversion.width);
     const size_t blanks = width > text.size() ? width - text.size() : 0;
     if (!conversion.leftAligned) AppendBlanks(sink, blanks);
-    sink.Append(text);
-    if (conversion.leftAligned) AppendBlanks(sink, blanks);
-}
-
-// Writes wide text as UTF-8 in pieces. A lone surrogate becomes the replacement character.
-void AppendWideText(TextSink& sink, const Conversion& conversion, WideView text) {
-    if (conversion.precision >= 0) text.size = std::min(text.size, static_cast<size_t>(conversion.precision));
-    const size_t width = static_cast<size_t>(conversion.width);
-    const size_t blanks = width > text.size ? width - text.size : 0;
-    if (!conversion.leftAligned) AppendBlanks(sink, blanks);
-    while (text.size > 0) {
-        size_t units = std::min<size_t>(text.size, 64);
-        if (units < text.size && IS_HIGH_SURROGATE(text.data[units - 1])) --units;
-        char piece[64 * 3];
-        const int bytes = WideCharToMultiByte(CP_UTF8, 0, text.data, static_cast<int>(units), piece,
-                                              static_cast<int>(sizeof piece), nullptr, nullptr);
-        sink.Append({piece, static_cast<size_t>(std::max(bytes, 0))});
-        text.data += units;
-        text.size -= units;
-    }
+    AppendCharacters(sink, text);
     if (conversion.leftAligned) AppendBlanks(sink, blanks);
 }
 
@@ -128,20 +128,20 @@ void AppendArgument(TextSink& sink, const Conversion& conversion, const LogArgum
         case 'c': {
             if (argument.kind != Kind::kInteger) break;
             const char character = static_cast<char>(argument.integer);
-            return AppendText(sink, conversion, {&character, 1});
+            return AppendText(sink, conversion, std::string_view(&character, 1));
         }
         case 'p': {
             if (argument.kind != Kind::kInteger) break;
             char piece[17];
             snprintf(piece, sizeof piece, "%016llX", static_cast<unsigned long long>(argument.integer));
-            return AppendText(sink, conversion, piece);
+            return AppendText(sink, conversion, std::string_view(piece));
         }
         case 's':
             if (argument.kind != Kind::kText) break;
             return AppendText(sink, conversion, argument.text);
         case 'S':
             if (argument.kind != Kind::kWideText) break;
-            return AppendWideText(sink, conversion, argument.wideText);
+            return AppendText(sink, conversion, argument.wideText);
         case 'e':
         case 'f':
         case 'g':

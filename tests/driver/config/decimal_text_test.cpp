@@ -1,4 +1,4 @@
-#include "driver/config/decimal_text.h"
+#include "driver/config/label_length.h"
 
 #include <gtest/gtest.h>
 
@@ -59,9 +59,11 @@ TEST(ParseDecimal, OnlyDigitsAndAPointMayFollowADigit) {
 }
 
 TEST(ParseDecimal, NullTextsAndNullNumbersHaveCodesOfTheirOwn) {
-    EXPECT_EQ(Refused(nullptr), 0x20010008u);
+    double out = kUntouched;
+    EXPECT_EQ(ParseDecimal({}, &out), 0x20010008u);
+    EXPECT_EQ(out, kUntouched);
     EXPECT_EQ(ParseDecimal("1", nullptr), 0x2001000Fu);
-    EXPECT_EQ(ParseDecimal(static_cast<const char*>(nullptr), nullptr), 0x20010008u);
+    EXPECT_EQ(ParseDecimal({}, nullptr), 0x20010008u);
 }
 
 TEST(ParseDecimal, ALongTextIsRefusedWhenOutOfMemory) {

@@ -1,5 +1,5 @@
 #include "driver/config/device_mode.h"
-#include "driver/config/device_mode_dump.h"
+#include "driver/config/device_mode_fields.h"
 
 #include <gmock/gmock.h>
 

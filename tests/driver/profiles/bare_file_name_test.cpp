@@ -1,4 +1,4 @@
-#include "driver/profiles/bare_file_name.h"
+#include "driver/profiles/profile_file.h"
 
 #include <gtest/gtest.h>
 

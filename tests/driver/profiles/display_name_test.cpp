@@ -1,4 +1,4 @@
-#include "driver/profiles/display_name.h"
+#include "driver/profiles/profile_names.h"
 
 #include "tests/driver/profiles/catalogue_fixture.h"
 #include "tests/kit/allocation_failure.h"

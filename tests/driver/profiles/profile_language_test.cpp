@@ -1,4 +1,4 @@
-#include "driver/profiles/profile_language.h"
+#include "driver/profiles/profile_names.h"
 
 #include <gmock/gmock.h>
 

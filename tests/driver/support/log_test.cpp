@@ -7,7 +7,7 @@
 #include <sstream>
 #include <thread>
 
-#include "driver/support/log_path.h"
+#include "driver/support/log_files.h"
 #include "tests/driver/support/log_files.h"
 #include "tests/driver/support/open_watch.h"
 #include "tests/kit/scratch_folder.h"
