@@ -1,5 +1,4 @@
-// The state of the running job. One job renders at a time in a process, on the thread that calls the hooks,
-// so nothing here is locked.
+// The state of the running job. One job renders at a time, on the thread that calls the hooks: no locks.
 #pragma once
 
 #include <cstdint>
@@ -63,8 +62,7 @@ inline void ResetJobPages() {
 }
 
 // Resets what the output callback and the header depend on, once the print engine has started the new job.
-// Deliberate: output of the engine inside HPCRLIB_JobStart still meets the flags and the resolution code of
-// the job before.
+// Deliberate: the engine's output inside HPCRLIB_JobStart still meets what the job before has left.
 inline void ResetJobOutput() {
     g_bFirstChunk = true;
     g_bHeaderPending = true;

@@ -1,16 +1,17 @@
-// The hooks of a job: DrvStartDoc starts it, DrvStartPage starts each page, DrvEndDoc ends it.
+// The hooks of a job, which DrvStartDoc starts and DrvEndDoc ends, with the print engine bound in between.
 
 #include <algorithm>
 #include <cstdio>
 #include <iterator>
 
 #include "driver/color/color_adjustment.h"
-#include "driver/config/device_mode_fields.h"
+#include "driver/config/device_mode.h"
 #include "driver/device_capabilities.h"
 #include "driver/job_output.h"
 #include "driver/job_state.h"
-#include "driver/print_engine.h"
 #include "driver/profiles/profile_file.h"
+#include "driver/support/handle.h"
+#include "driver/support/installation.h"
 #include "driver/support/log.h"
 #include "driver/support/settings_file.h"
 
@@ -18,9 +19,75 @@ namespace orvex {
 
 namespace {
 
-constexpr ULONG kPaperWhite = 0xFFFFFF;
+void RestoreDirectory() {
+    if (g_wszSavedDirectory[0] != 0) SetCurrentDirectoryW(g_wszSavedDirectory);
+}
+
+// Makes `folder` current and loads the library, which the system then finds there. Deliberate: a folder that
+// can't be entered does not fail the job, since the system may find the library in another place that it
+// searches. Only administrators may be able to write to those places.
+HMODULE LoadFrom(const WCHAR* folder) {
+    const DWORD length = GetCurrentDirectoryW(MAX_PATH, g_wszSavedDirectory);
+    if (length == 0 || length >= MAX_PATH) g_wszSavedDirectory[0] = 0;  // unknown, so it can't be restored
+    SetCurrentDirectoryW(folder);
+    const HMODULE library = LoadLibraryW(L"hpcrlib.dll");
+    if (library == nullptr) {
+        const PreservedLastError lastError;
+        RestoreDirectory();
+    }
+    return library;
+}
+
+// Unloads the library and restores the current directory. Does nothing while no library is bound.
+void UnbindPrintEngine() {
+    if (g_hHpcrlib == nullptr) return;
+    FreeLibrary(g_hHpcrlib);
+    g_hHpcrlib = nullptr;
+    g_engine = {};
+    RestoreDirectory();
+}
+
+bool ResolveEntryPoints() {
+    for (const PrintEngineExport& entry : kPrintEngineExports) {
+        const FARPROC function = GetProcAddress(g_hHpcrlib, entry.name);
+        if (function == nullptr) {
+            LogError("Error: could not get \"%s\" address", entry.name);
+            return false;
+        }
+        *entry.In(g_engine) = reinterpret_cast<void*>(function);
+    }
+    return true;
+}
+
+// Makes the installation folder the current directory until the job ends, loads the print engine's library
+// and resolves its entry points. On failure the reason is logged, nothing stays loaded, the current directory
+// is what it was, and the last error is that of the call that failed.
+bool BindPrintEngine() {
+    const HeapArray<WCHAR> folder = FindInstallationFolder();
+    if (!folder) return false;
+    g_hHpcrlib = LoadFrom(folder.get());
+    if (g_hHpcrlib == nullptr) {
+        LogError("Error: could not load hpcrlib.DLL");
+        return false;
+    }
+    if (ResolveEntryPoints()) return true;
+    const PreservedLastError lastError;
+    UnbindPrintEngine();
+    return false;
+}
+
+// Ends the print engine's job and unbinds the library. Does nothing while no library is bound.
+void EndEngineJob() {
+    if (g_hHpcrlib == nullptr) return;
+    const uint32_t result = g_engine.HPCRLIB_JobEnd(g_hJob);
+    if (result != kEngineSuccess) LogError("Error: could not end the job %x %x", result, g_hJob);
+    UnbindPrintEngine();
+    g_hJob = 0;
+    g_pCurrentPdev = nullptr;
+}
 
 void ErasePage(SURFOBJ* surface) {
+    constexpr ULONG kPaperWhite = 0xFFFFFF;
     RECTL page = {0, 0, surface->sizlBitmap.cx, surface->sizlBitmap.cy};
     EngEraseSurface(surface, &page, kPaperWhite);
 }

@@ -7,7 +7,6 @@
 
 #include "driver/job_output.h"
 #include "driver/job_state.h"
-#include "driver/pjl_header.h"
 #include "driver/support/text.h"
 #include "fuzz/fuzz_installation.h"
 #include "fuzz/fuzz_printer.h"

@@ -3,8 +3,8 @@
 // conversion in all of it.
 
 #include "driver/color/color_cache.h"
+#include "driver/profiles/profile_catalogue.h"
 #include "driver/profiles/profile_file.h"
-#include "driver/profiles/profile_names.h"
 #include "driver/support/installation.h"
 #include "driver/support/text.h"
 #include "fuzz/fuzz_installation.h"

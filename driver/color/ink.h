@@ -1,6 +1,5 @@
-// The ink value of a pixel, the unit of color tables, raster rows, profiles and previews; and the shape of a
-// color table: one ink value for each of the 2^24 colors that a pixel can have, with a grid of 17 x 17 x 17
-// of them.
+// The ink value of a pixel, and color tables: an ink value for each of the 2^24 colors that a pixel can have,
+// with a grid of 17 x 17 x 17 of them.
 #pragma once
 
 #include <array>

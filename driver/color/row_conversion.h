@@ -15,9 +15,8 @@ enum ColorMode : int32_t {
 };
 
 // Converts `count` pixels of `source` through the color cache into `destination`, which may be the same
-// buffer. With `kws` non-zero, pixels without ink get the blank-pixel pattern, which starts anew with each
-// call: the light one when `lightPattern` is non-zero, else the heavy one. `reserved` is not used. Always
-// returns 0.
+// buffer. With `kws`, pixels without ink get the blank-pixel pattern, which starts anew with each call: the
+// light one if `lightPattern` is set, else the heavy one. `reserved` is not used. Returns 0.
 int32_t ConvertRow(InkValue* destination, const uint32_t* source, uint32_t count, uint32_t reserved,
                    int32_t kws, uint32_t lightPattern, uint32_t colorMode);
 

@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "driver/config/label_length.h"
+#include "driver/config/label_sizes.h"
 #include "driver/config/media_import.h"
 #include "driver/config/spooler.h"
 #include "driver/profiles/profile_catalogue.h"
@@ -24,16 +24,6 @@ bool ReadSetting(const char* key, char (&value)[kSettingCapacity]) {
     if (LookupString("[UI]", key, value, sizeof value) == 0) return false;
     TrimWhitespace(value);
     return true;
-}
-
-void ImportInstalledMedia(HANDLE printer) {
-    const HeapArray<WCHAR> folder = GetInstallationFolder();
-    if (!folder) {
-        LogError("Error: could get app path");
-        return;
-    }
-    LogTrace("get app path %S", folder.get());
-    ImportMediaFile(printer, folder.get());
 }
 
 void SetPublicDefaults(DEVMODEW* pub) {
@@ -78,8 +68,7 @@ void TakeDefaultLabel(DeviceMode* record) {
     LogTrace("set pdm paper %d %d %d", pub.dmPaperSize, pub.dmPaperWidth, pub.dmPaperLength);
 }
 
-// Returns the entry of `names` that settings.inf asks for; null when it asks for none or for one that is not
-// there.
+// Returns the entry of `names` that settings.inf asks for; null when there is none.
 const WCHAR* FindWantedProfile(const WCHAR* names) {
     char setting[kSettingCapacity];
     if (!ReadSetting("Default_Profile=", setting)) return nullptr;
@@ -99,7 +88,10 @@ BOOL SetupDefaultDevMode(DeviceMode* record, const WCHAR* printerName, HANDLE pr
     LoadLogMask();
     const TraceScope trace("SetupDefaultDevMode");
     *record = {};
-    ImportInstalledMedia(printer);
+    if (const HeapArray<WCHAR> folder = FindInstallationFolder()) {
+        LogTrace("get app path %S", folder.get());
+        ImportMediaFile(printer, folder.get());
+    }
     DEVMODEW& pub = record->pub;
     PrivateDevMode& priv = record->priv;
     if (printerName != nullptr)

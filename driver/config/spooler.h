@@ -8,8 +8,7 @@
 
 namespace orvex {
 
-// Returns the printer's name; null, with the last error set, when the spooler fails or the process is out of
-// memory.
+// Returns the printer's name; null, with the last error set, on a failure of the spooler or out of memory.
 HeapArray<WCHAR> GetPrinterName(HANDLE printer);
 
 // Returns the name of the printer's driver, or null.

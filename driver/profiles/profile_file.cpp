@@ -27,8 +27,8 @@ bool MatchesCharacter(WCHAR wanted, WCHAR c) {
     return c == wanted || (isLetter && c == wanted - L'A' + L'a');
 }
 
-// Tells whether the system opens a device under this name. The system looks at the text before the first dot,
-// without the blanks at its end.
+// Returns whether the system opens a device of this name. It looks before the first dot and skips blanks
+// there.
 bool IsDeviceName(WideView name) {
     name = name.substr(0, name.find(L'.'));
     name = name.substr(0, name.find_last_not_of(L' ') + 1);
@@ -37,7 +37,7 @@ bool IsDeviceName(WideView name) {
     });
 }
 
-// Tells whether a path into the profiles folder leads out of it again, or further in. Applications name the
+// Returns whether a path into the profiles folder leads out of it again, or further in. Applications name the
 // profile of a job, so such a path is not opened.
 bool LeavesProfilesFolder(const char* path) {
     constexpr std::string_view kProfilesFolder = ORVEX_PROFILES_FOLDER;

@@ -1,29 +1,9 @@
 #include "driver/support/installation.h"
 
-#include "driver/support/text.h"
+#include "driver/support/log.h"
 #include "platform/shell.h"
 
 namespace orvex {
-
-namespace {
-
-constexpr const WCHAR* kFolders[] = {L"Quorvane", L"Orvex Series"};
-
-// Writes the installation folder's path into `path` of MAX_PATH characters. Returns FALSE on failure, with
-// the last error set.
-BOOL BuildInstallationPath(WCHAR* path) {
-    if (!SHGetSpecialFolderPathW(nullptr, path, CSIDL_COMMON_APPDATA, FALSE)) return FALSE;
-    for (const WCHAR* folder : kFolders) {
-        if (!PathAppendW(path, folder)) {
-            SetLastError(kErrorPathAppend);
-            return FALSE;
-        }
-    }
-    SetLastError(ERROR_SUCCESS);
-    return TRUE;
-}
-
-}  // namespace
 
 HeapArray<WCHAR> GetInstallationFolder() {
     HeapArray<WCHAR> path = AllocateZeroedArray<WCHAR>(MAX_PATH);
@@ -31,7 +11,19 @@ HeapArray<WCHAR> GetInstallationFolder() {
         SetLastError(kErrorPathAllocation);
         return nullptr;
     }
-    if (!BuildInstallationPath(path.get())) return nullptr;
+    if (!SHGetSpecialFolderPathW(nullptr, path.get(), CSIDL_COMMON_APPDATA, FALSE)) return nullptr;
+    for (const WCHAR* folder : {L"Quorvane", L"Orvex Series"}) {
+        if (PathAppendW(path.get(), folder)) continue;
+        SetLastError(kErrorPathAppend);
+        return nullptr;
+    }
+    SetLastError(ERROR_SUCCESS);
+    return path;
+}
+
+HeapArray<WCHAR> FindInstallationFolder() {
+    HeapArray<WCHAR> path = GetInstallationFolder();
+    if (!path) LogError("Error: could get app path");
     return path;
 }
 

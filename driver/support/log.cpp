@@ -8,7 +8,6 @@
 #include <string_view>
 
 #include "driver/support/handle.h"
-#include "driver/support/last_error.h"
 #include "driver/support/log_files.h"
 
 namespace orvex {
@@ -20,8 +19,7 @@ constexpr DWORD kMutexWaitMs = 100;
 constexpr LONGLONG kMaxLogBytes = 0x6400000;
 constexpr std::string_view kLevelTags[] = {"[Error] ", "[Info]  ", "[Trace] "};
 
-// Returns the low 32 bits of the decimal integer in the control file, 0 without one. An integer past 64 bits,
-// of either sign, sets every bit.
+// Returns the low 32 bits of the number in the control file, all of them set for one past 64 bits.
 uint32_t ReadLogMask() {
     const char* path = ControlFilePath();
     if (path == nullptr) return 0;
@@ -30,8 +28,7 @@ uint32_t ReadLogMask() {
     if (!file) return 0;
     char text[64] = {};
     file.Read(text, sizeof text - 1);
-    // The Windows runtime's sscanf allocates, and writes through a null pointer when it is out of memory; its
-    // strtol stops at 31 bits.
+    // The Windows runtime's sscanf crashes when it is out of memory; its strtol stops at 31 bits.
     return static_cast<uint32_t>(strtoull(text, nullptr, 10));
 }
 

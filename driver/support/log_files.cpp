@@ -18,8 +18,7 @@ constexpr size_t kExtensionLetters = 3;
 // A path that is worked out on first use and lives as long as the process.
 using KeptPath = std::atomic<char*>;
 
-// Returns the log's path with another extension. Of threads that work it out at the same time, the first
-// one's is kept.
+// Returns the log's path with another extension. Of threads that work it out together, one's is kept.
 const char* Kept(KeptPath& kept, const char* extension) {
     if (const char* path = kept) return path;
     HeapArray<char> path = GetLogPath();

@@ -10,8 +10,7 @@ namespace orvex {
 // Returns a new copy of the log's path; null when the module has no usable file name.
 HeapArray<char> GetLogPath();
 
-// Return the path of the log and of the control file; null when there is none. The paths are worked out on
-// first use and then never change.
+// Return the path of the log and of the control file, worked out on first use; null when there is none.
 const char* LogPath();
 const char* ControlFilePath();
 

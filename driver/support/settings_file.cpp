@@ -19,8 +19,7 @@ class LineReader {
     // Reads the next line with its line end (CR, LF or CR LF); the text ends before a zero byte. Returns
     // false at the end of the file or when it can't be read. The text is valid until the next call.
     //
-    // Deliberate: a line longer than the buffer comes in pieces, and the byte after each full piece is
-    // skipped.
+    // Deliberate: a line longer than the buffer comes in pieces, and the byte after each of them is skipped.
     bool Next(std::string_view* line) {
         const DWORD read = file_.Read(buffer_, kPieceBytes);
         if (read == 0) return false;

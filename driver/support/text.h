@@ -56,16 +56,14 @@ View After(View text, size_t count) {
 void TrimWhitespace(char* text);
 
 // Converts wide text to the narrow code page, cut at a whole character so that it fits into `capacity` bytes
-// with its terminator. A character that the code page lacks becomes its default character. Returns the length
-// in bytes.
+// with its terminator. A character that the code page lacks becomes its default one. Returns the length.
 size_t NarrowText(char* destination, size_t capacity, WideView source);
 
 // Converts text of the narrow code page to wide text, cut so that it fits into `capacity` characters with its
 // terminator. Returns the length in characters.
 size_t WidenText(WCHAR* destination, size_t capacity, std::string_view source);
 
-// Return a copy on the heap, terminated, and for narrow text widened; null when `text` is null or the process
-// is out of memory.
+// Return a copy on the heap, narrow text widened; null when `text` is null or the process is out of memory.
 HeapArray<WCHAR> DuplicateText(const WCHAR* text);
 HeapArray<WCHAR> DuplicateWidened(const char* text);
 

@@ -8,7 +8,6 @@
 #include <memory>
 #include <vector>
 
-#include "driver/color/lab_color.h"
 #include "tests/driver/color/cache_filling.h"
 #include "tests/plain/long_hand_adjustment.h"
 #include "tests/plain/plain_colors.h"

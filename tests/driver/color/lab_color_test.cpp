@@ -1,4 +1,4 @@
-#include "driver/color/lab_color.h"
+#include "driver/color/color_adjustment.h"
 
 #include <gtest/gtest.h>
 

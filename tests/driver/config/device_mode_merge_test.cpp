@@ -1,6 +1,5 @@
 #include "driver/config/device_mode_merge.h"
 
-#include "driver/config/device_mode_validation.h"
 #include "driver/support/text.h"
 #include "tests/driver/config/foreign_dev_mode.h"
 #include "tests/driver/config/printer_test.h"

@@ -1,4 +1,4 @@
-#include "driver/config/device_mode_validation.h"
+#include "driver/config/device_mode_merge.h"
 
 #include "driver/support/text.h"
 #include "tests/driver/config/foreign_dev_mode.h"

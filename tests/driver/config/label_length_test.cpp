@@ -1,4 +1,4 @@
-#include "driver/config/label_length.h"
+#include "driver/config/label_sizes.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include <functional>
 
-#include "driver/profiles/block_reader.h"
+#include "driver/profiles/profile_reader.h"
 #include "tests/driver/profiles/profile_fixture.h"
 
 namespace orvex {

@@ -1,4 +1,4 @@
-#include "driver/profiles/profile_names.h"
+#include "driver/profiles/profile_catalogue.h"
 
 #include "tests/driver/profiles/catalogue_fixture.h"
 #include "tests/kit/allocation_failure.h"

@@ -1,4 +1,4 @@
-#include "driver/profiles/profile_names.h"
+#include "driver/profiles/profile_catalogue.h"
 
 #include <gmock/gmock.h>
 
