@@ -13,14 +13,8 @@ namespace orvex {
 
 namespace {
 
-constexpr int32_t kUnchunkedPages = 10000;
-
 int32_t ChunkPages(const DeviceMode& mode) {
-    return mode.priv.chunkActive != 0 ? mode.priv.chunksize : kUnchunkedPages;
-}
-
-bool ShowsChunks() {
-    return LookupFlag("[UI]", "Show_Chunked=") != 0;
+    return mode.priv.chunkActive != 0 ? mode.priv.chunksize : 10000;
 }
 
 struct HeaderLine {
@@ -48,7 +42,7 @@ const HeaderLine kHeaderLines[] = {
     {"@PJL SET STITCHED=%d\n", [](const DeviceMode& mode) { return mode.priv.stitched; }},
     {"@PJL SET PHOFFSET=%d\n", [](const DeviceMode& mode) -> int32_t { return mode.priv.phHOffset; }},
     {"@PJL SET TOFOFFSET=%d\n", [](const DeviceMode& mode) -> int32_t { return mode.priv.phVOffset; }},
-    {"@PJL SET CHUNKPAGES=%d\n", ChunkPages, ShowsChunks},
+    {"@PJL SET CHUNKPAGES=%d\n", ChunkPages, [] { return LookupFlag("[UI]", "Show_Chunked=") != 0; }},
     {"@PJL SET HPRES=%d\n", [](const DeviceMode&) -> int32_t { return g_cHpres; }},
 };
 

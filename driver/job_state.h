@@ -69,7 +69,7 @@ inline void ResetJobOutput() {
     g_cHpres = kHpresUnset;
 }
 
-// Resets what the pages of the job are compared with, on the first of them.
+// Resets the durations that a job's pages are compared with, on its first page.
 inline void ResetStageMaxima() {
     g_stageMaxima = {};
 }

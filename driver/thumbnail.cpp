@@ -11,9 +11,6 @@ namespace orvex {
 
 namespace {
 
-constexpr double kDefaultMaxWidth = 800;
-constexpr double kDefaultMaxHeight = 600;
-
 void EncodePng(const uint32_t* pixels, int32_t width, int32_t height, char** text, size_t* length) {
     uint8_t* bytes = nullptr;
     size_t size = 0;
@@ -39,8 +36,8 @@ void EncodePng(const uint32_t* pixels, int32_t width, int32_t height, char** tex
 int32_t BuildPageThumbnail(const uint32_t* pixels, int32_t width, int32_t height, char** text,
                            size_t* length) {
     LogInfo("add page thumb %dx%d", width, height);
-    const double maxWidth = LookupNumber("[Driver]", "thumb_max_width=", kDefaultMaxWidth);
-    const double maxHeight = LookupNumber("[Driver]", "thumb_max_height=", kDefaultMaxHeight);
+    const double maxWidth = LookupNumber("[Driver]", "thumb_max_width=", 800);
+    const double maxHeight = LookupNumber("[Driver]", "thumb_max_height=", 600);
     const int32_t scale = ThumbnailScale(width, height, maxWidth, maxHeight);
     const int32_t scaledWidth = width >> scale;
     const int32_t scaledHeight = height >> scale;

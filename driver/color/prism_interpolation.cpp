@@ -65,8 +65,9 @@ __m128i Widened(__m128i pair) {
     return _mm_unpacklo_epi8(pair, _mm_setzero_si128());
 }
 
-// Mixes the corners of a square, each a widened pair of ink values at the lower and the upper red. Whole
-// weights that add up to 16 twice take a byte to 16 bits, so nothing is lost before the truncation.
+// Mixes the corners of a square, each a widened pair of ink values at the lower and the upper red. The
+// weights of a step are whole numbers that add up to 16; two steps take a byte to 16 bits at most, so nothing
+// is lost before the truncation.
 InkValue Mix(__m128i lower, __m128i third, __m128i upper, const SquareShares& shares, uint32_t redFraction) {
     __m128i pair = Weighted(lower, shares.lower);
     pair = _mm_add_epi16(pair, Weighted(third, shares.third));

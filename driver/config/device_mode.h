@@ -126,18 +126,14 @@ struct DeviceModeField {
 };
 
 template <typename T>
-constexpr FieldType FieldTypeOf() {
-    if constexpr (std::is_array_v<T>) {
-        return sizeof(std::remove_extent_t<T>) == 1 ? FieldType::kText : FieldType::kWideText;
-    } else {
-        return std::is_signed_v<T> ? FieldType::kSigned : FieldType::kUnsigned;
-    }
-}
+constexpr FieldType kFieldTypeOf =
+    !std::is_array_v<T> ? (std::is_signed_v<T> ? FieldType::kSigned : FieldType::kUnsigned)
+                        : (sizeof(std::remove_extent_t<T>) == 1 ? FieldType::kText : FieldType::kWideText);
 
 template <typename T>
 constexpr DeviceModeField Field(const char* name, size_t offset, const char* format,
                                 ValidValues values = {}) {
-    return {name, offset, sizeof(T), FieldTypeOf<T>(), format, values};
+    return {name, offset, sizeof(T), kFieldTypeOf<T>, format, values};
 }
 
 #define PUBLIC_FIELD(field, ...) \
@@ -229,10 +225,8 @@ PageLayoutInput LayoutInput(const DeviceMode& mode, int16_t dpi, int32_t width, 
 // and ends at its own dmSize + dmDriverExtra; its private part begins at its dmSize. A record whose dmSize
 // does not cover dmDriverExtra has no private part.
 
-// Returns the bytes of the record's private part.
+// Return the bytes of the record's private part, and the part, which may have any alignment.
 size_t PrivateSize(const DEVMODEW* record);
-
-// Returns the record's private part: PrivateSize() bytes, at any alignment.
 const void* PrivatePart(const DEVMODEW* record);
 
 // Copies the record into the driver's own layout. What lies past its end reads as zero or empty.
@@ -244,10 +238,8 @@ void StoreDevMode(DEVMODEW* record, const DeviceMode& values);
 // Replaces the number in a field that must not have it. Texts and unsigned numbers may have any value.
 void ForceValid(DeviceMode* record, const DeviceModeField& field);
 
-// Writes the whole record to the log, at Trace; one line at Info if its dmSize is not 220, nothing for null.
+// Write the record to the log, at Trace; one line at Info if its dmSize is not 220, nothing for null.
 void DumpDevMode(const DEVMODEW* record);
-
-// Writes the caption and then the record.
 void DumpDevMode(const char* caption, const DEVMODEW* record);
 
 }  // namespace orvex

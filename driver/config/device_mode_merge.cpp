@@ -82,7 +82,7 @@ bool KeepLabel(const DeviceMode& printers, DeviceMode* source) {
     return true;
 }
 
-// Copies the printer's profile and label into a source that names none. Deliberate: it is the caller's own.
+// Copies the printer's profile and label into a source that names none. Deliberate: into the caller's own.
 void KeepPrintersChoices(const DeviceMode& printers, DEVMODEW* source) {
     DeviceMode values = LoadDevMode(source);
     TraceProfile("pdmDest profile [%S] %d", printers.priv);

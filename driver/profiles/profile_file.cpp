@@ -27,8 +27,8 @@ bool MatchesCharacter(WCHAR wanted, WCHAR c) {
     return c == wanted || (isLetter && c == wanted - L'A' + L'a');
 }
 
-// Returns whether the system opens a device of this name. It looks before the first dot and skips blanks
-// there.
+// Returns whether the system opens a device under this name. The system looks at the text before the first
+// dot, without the blanks at its end.
 bool IsDeviceName(WideView name) {
     name = name.substr(0, name.find(L'.'));
     name = name.substr(0, name.find_last_not_of(L' ') + 1);

@@ -35,8 +35,7 @@ class RowSink {
     ~RowSink() = default;
 };
 
-// Hands out a page's rows: fill rows, image rows with the purge bar, fill rows. It owns the row that is
-// handed out, and the buffer that the bitmap is read through.
+// Hands out a page's rows: fill rows, image rows with the purge bar, fill rows. It owns their memory.
 class RasterLoop {
   public:
     // No side of the bitmap may be negative. The layout is used until the rows have been sent.

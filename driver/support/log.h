@@ -22,8 +22,7 @@ inline std::atomic<uint32_t> logMask = 0;
 // Sets logMask to the low 32 bits of the decimal integer in the control file; to 0 without one.
 void LoadLogMask();
 
-// Appends one line to the log: time, thread, level and the formatted message. Any failure loses the line and
-// is reported to nobody. A level beyond Trace writes no tag.
+// Appends one line to the log. Any failure loses the line silently. A level beyond Trace writes no tag.
 void WriteLogLine(LogLevel level, const char* format, const LogArgument* arguments, size_t count);
 
 template <typename... Arguments>

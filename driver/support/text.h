@@ -59,8 +59,8 @@ void TrimWhitespace(char* text);
 // with its terminator. A character that the code page lacks becomes its default one. Returns the length.
 size_t NarrowText(char* destination, size_t capacity, WideView source);
 
-// Converts text of the narrow code page to wide text, cut so that it fits into `capacity` characters with its
-// terminator. Returns the length in characters.
+// Converts text of the narrow code page to wide text, cut so that it fits with its terminator. Returns the
+// length.
 size_t WidenText(WCHAR* destination, size_t capacity, std::string_view source);
 
 // Return a copy on the heap, narrow text widened; null when `text` is null or the process is out of memory.

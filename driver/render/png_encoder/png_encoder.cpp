@@ -25,15 +25,12 @@ constexpr unsigned kOutOfMemory = 83;
 // LodePNG does not come through every allocation that fails, so none returns when it fails: the picture is
 // given up on the spot, and all blocks that LodePNG holds are freed.
 jmp_buf givenUp;
-struct BlockList {
+struct {
     void** blocks;
-    size_t count;
-    size_t capacity;
-};
-BlockList held = {};
+    size_t count, capacity;
+} held = {};
 
-// Makes room for one more block.
-void Reserve() {
+void MakeRoom() {
     if (held.count < held.capacity) return;
     const size_t capacity = held.capacity == 0 ? 256 : 2 * held.capacity;
     void* larger = realloc(held.blocks, capacity * sizeof *held.blocks);
@@ -57,7 +54,7 @@ void ForgetBlocks() {
 
 // NOLINTBEGIN(readability-inconsistent-declaration-parameter-name): LodePNG's names are not ours
 void* lodepng_malloc(size_t size) {
-    Reserve();
+    MakeRoom();
     void* memory = malloc(size == 0 ? 1 : size);
     if (memory == nullptr) longjmp(givenUp, 1);
     return held.blocks[held.count++] = memory;
