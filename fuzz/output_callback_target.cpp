@@ -77,7 +77,7 @@ std::string Expected(const std::vector<std::string>& chunks, const Choices& choi
     bool first = choices.FirstChunk();
     bool headerPending = choices.HeaderPending();
     bool patchPending = choices.SwitchPending() && choices.SwitchQueued();
-    const std::string command = choices.Switch();
+    const std::string_view command = choices.Switch();
     for (std::string chunk : chunks) {
         if (first && IsFraming(chunk)) continue;
         first = false;
