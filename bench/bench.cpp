@@ -10,7 +10,7 @@ namespace orvex::bench {
 
 namespace {
 
-// A line of this process' status, in KiB: "VmRSS:", "VmHWM:".
+// Returns a value of this process' status in KiB, such as "VmRSS:".
 double StatusKib(const std::string& key) {
     std::ifstream status("/proc/self/status");
     for (std::string word; status >> word;) {
@@ -28,7 +28,7 @@ bool Bench::Wants(const std::string& title) const {
 
 void Bench::Hold(const Contest& contest) {
     if (!Wants(contest.title)) return;
-    const ContestResult result = ::Hold(contest, options_.repetitions);
+    const ContestResult result = bench::Hold(contest, options_.repetitions);
     std::fprintf(stderr, "%-60s %8.2f\n", contest.title.c_str(), result.Ratio());
     for (ContestResult& earlier : results_) {
         if (earlier.title == result.title) return earlier.Add(result);
@@ -43,7 +43,7 @@ void Bench::Note(const std::string& line) {
 void Bench::NotePeak(const std::string& title, const std::function<void()>& run) {
     if (!Wants(title)) return;
     malloc_trim(0);
-    std::ofstream("/proc/self/clear_refs") << "5";  // the high-water mark starts anew
+    std::ofstream("/proc/self/clear_refs") << "5";  // resets the high-water mark
     const double before = StatusKib("VmRSS:");
     run();
     const double grown = (StatusKib("VmHWM:") - before) / 1024;

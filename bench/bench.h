@@ -1,4 +1,4 @@
-// One run of the benchmark: which rows are wanted, and what came of them.
+// One run of the benchmark: the wanted rows and their results.
 #pragma once
 
 #include <functional>
@@ -11,10 +11,10 @@ namespace orvex::bench {
 
 struct BenchOptions {
     int repetitions = 20;
-    std::string filter;  // only rows whose title holds this text; empty: all
+    std::string filter;  // only rows whose title contains this text
 };
 
-// The memory that one run of something needed beyond what was there before.
+// The memory that a run needed beyond what the process had before.
 struct PeakMemory {
     std::string title;
     double mebibytes;
@@ -24,13 +24,13 @@ class Bench {
   public:
     explicit Bench(const BenchOptions& options) : options_(options) {}
 
-    // Whether a row of that title is to be measured: ask before making expensive things for it.
+    // Returns whether a row is to be measured. Ask before making expensive inputs for it.
     bool Wants(const std::string& title) const;
-    // Measures a row that is wanted. Another run of the same title joins the first.
+    // Measures a row if it is wanted. Runs of the same title add up.
     void Hold(const Contest& contest);
-    // Measures the peak memory of a run, when it is wanted.
+    // Measures the peak memory of a run if it is wanted.
     void NotePeak(const std::string& title, const std::function<void()>& run);
-    // A fact to print below the table.
+    // Adds a fact to print below the table.
     void Note(const std::string& line);
 
     const std::vector<ContestResult>& Results() const { return results_; }

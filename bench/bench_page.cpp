@@ -10,8 +10,9 @@
 
 namespace orvex::bench {
 
-using namespace tools::print;
 using namespace tools;
+using namespace tools::print;
+
 namespace {
 
 constexpr uint32_t kColorCount = 1u << 24;
@@ -21,7 +22,7 @@ uint32_t Pack(double red, double green, double blue) {
     return byte(red) << 16 | byte(green) << 8 | byte(blue);
 }
 
-// Random bits out of a counter.
+// Returns random bits for a counter.
 uint32_t Scramble(uint64_t counter) {
     uint64_t x = (counter + 1) * 0x9E3779B97F4A7C15u;
     x = (x ^ x >> 30) * 0xBF58476D1CE4E5B9u;
@@ -29,7 +30,7 @@ uint32_t Scramble(uint64_t counter) {
     return static_cast<uint32_t>(x >> 32);
 }
 
-// Lengths of the label are written for a page 100 mm wide and grow with it.
+// Draws the label. Its lengths are for a page 100 mm wide and scale with the page.
 class LabelArtist {
   public:
     explicit LabelArtist(BenchPage& page)
@@ -59,7 +60,7 @@ class LabelArtist {
         for (int i = 0; i < 4; ++i) canvas_.Text(Px(5), Px(14 + 6 * i), Px(0.4), lines[i], kBlack);
     }
 
-    // A disc with soft edges and a slope of color.
+    // Draws a disc with soft edges and a color gradient.
     void Logo(int cx, int cy, int radius) {
         for (int y = -radius; y <= radius; ++y) {
             for (int x = -radius; x <= radius; ++x) {
@@ -89,7 +90,7 @@ class LabelArtist {
     void SmallPrint(int y) {
         const int dot = std::max(Px(0.2), 1);
         for (int line = 0; y + kTextLineDots * dot < page_.height - Px(12); ++line) {
-            // A paragraph of six lines, and then the room of six.
+            // Paragraphs of six lines alternate with six empty lines.
             if (line % 12 < 6) {
                 canvas_.Text(Px(5), y, dot,
                              "Store dry and cool. Batch 2024-" + std::to_string(1000 + line) +
@@ -104,7 +105,7 @@ class LabelArtist {
     Canvas canvas_;
 };
 
-// One color component of the photo: a few long waves across the page.
+// One color component of the photo: a sum of a few long waves.
 class Waves {
   public:
     Waves(int32_t width, int component) {

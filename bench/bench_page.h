@@ -1,4 +1,4 @@
-// The pages that are measured: made by rule, so that every run and every machine measures the same pixels.
+// The pages that are measured. They are computed, so that every run and machine measures the same pixels.
 #pragma once
 
 #include <cstdint>
@@ -9,8 +9,8 @@ namespace orvex::bench {
 
 enum class PageArt {
     kLabel,  // text, lines, a barcode, flat areas, a logo, much white
-    kPhoto,  // smooth, with very many distinct colours
-    kNoise,  // random colours, the worst that can come
+    kPhoto,  // smooth, with very many distinct colors
+    kNoise,  // random colors, the worst case
 };
 
 std::string_view NameOf(PageArt art);
@@ -22,9 +22,12 @@ struct BenchPage {
     std::vector<uint32_t> pixels;
 
     size_t Bytes() const { return pixels.size() * sizeof(uint32_t); }
+    uint32_t Pixel(int32_t x, int32_t y) const {
+        return pixels[static_cast<size_t>(y) * static_cast<size_t>(width) + static_cast<size_t>(x)];
+    }
 };
 
-// A size of paper, portrait, in tenths of a millimeter, at a resolution.
+// A portrait paper size at a resolution.
 struct PageSize {
     std::string_view name;
     int16_t widthTenthsMm;
@@ -36,7 +39,7 @@ inline constexpr PageSize kA4At600 = {"A4 600 dpi", 2100, 2970, 600};
 inline constexpr PageSize kA4At300 = {"A4 300 dpi", 2100, 2970, 300};
 inline constexpr PageSize kRollLabel = {"100x150 mm 600 dpi", 1000, 1500, 600};
 
-// A page as the graphics engine would have drawn it, upright or lying.
+// Returns a page as the graphics engine draws it for either orientation.
 BenchPage DrawPage(PageArt art, const PageSize& size, bool landscape);
 
 size_t DistinctColors(const BenchPage& page);

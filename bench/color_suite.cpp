@@ -2,7 +2,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "bench/plain_answers.h"
+#include "bench/page_checks.h"
 #include "bench/references.h"
 #include "bench/suites.h"
 #include "driver/color/color_cache.h"
@@ -14,11 +14,11 @@ namespace orvex::bench {
 namespace {
 
 constexpr int16_t kDpi = 600;
-constexpr uint32_t kLookAhead = 128;  // pixels that bare look-ups ask for in advance
+constexpr uint32_t kLookAhead = 128;  // pixels by which bare look-ups prefetch
 constexpr uint32_t kColorBits = 0xFFFFFF;
-constexpr double kSameWork = 2;  // amounts, of 255, by which two interpolations of one grid may differ
+constexpr double kSameWork = 2;  // mean difference, of 255, of two interpolations of one grid
 
-// A page converted row by row into one row of inks, as the row loop does it.
+// Converts a page row by row into one row of inks, as the row loop does.
 class PageConversion {
   public:
     explicit PageConversion(const BenchPage& page) : page_(page), inks_(static_cast<size_t>(page.width)) {}
@@ -30,8 +30,7 @@ class PageConversion {
         for (int32_t y = 0; y < page_.height; ++y) colors.Convert(Row(y), inks_.data(), Width());
     }
 
-    // Fetches the same entries of the cache and does nothing else: as fast as this machine's memory gives
-    // them.
+    // Only fetches the same cache entries, at the speed of this machine's memory.
     void BareLookUps() {
         for (int32_t y = 0; y < page_.height; ++y) {
             const uint32_t* row = Row(y);
@@ -48,13 +47,14 @@ class PageConversion {
         for (int32_t y = 0; y < page_.height; ++y) {
             ConvertOne(y, settings);
             for (int32_t x = 0; x < page_.width; ++x) {
-                if (inks_[static_cast<size_t>(x)] != PlainPrinted(inks[Row(y)[x]], x, settings, kDpi)) {
+                if (inks_[static_cast<size_t>(x)] !=
+                    plain::Print(inks[Row(y)[x]], static_cast<size_t>(x), PlainOptions(settings, kDpi))) {
                     throw CheckFailure("row conversion is wrong in row " + std::to_string(y));
                 }
             }
         }
     }
-    // The mean difference of Little CMS' amounts from ours. A large one would mean that it does other work.
+    // Returns the mean difference of Little CMS' ink amounts from ours. A large one means different work.
     double MeanDifference(const LittleCms& colors, const std::vector<uint32_t>& inks) {
         uint64_t sum = 0;
         for (int32_t y = 0; y < page_.height; ++y) {
@@ -96,8 +96,8 @@ void AgainstLittleCms(Bench& bench, const BenchSetting& setting, PageArt art, do
     const auto check = [&] {
         conversion.Check({}, setting.inks);
         const double difference = conversion.MeanDifference(colors, setting.inks);
-        if (difference > kSameWork) throw CheckFailure("Little CMS gives other colours");
-        bench.Note(name + " page: " + std::to_string(DistinctColors(page)) + " colours in " +
+        if (difference > kSameWork) throw CheckFailure("Little CMS gives other colors");
+        bench.Note(name + " page: " + std::to_string(DistinctColors(page)) + " colors in " +
                    std::to_string(page.pixels.size()) + " pixels; Little CMS differs by " +
                    std::to_string(difference) + " of 255 in the mean");
     };
@@ -112,7 +112,7 @@ void AgainstLittleCms(Bench& bench, const BenchSetting& setting, PageArt art, do
                 check});
 }
 
-// Whatever a page costs beyond these is ours; the rest is the machine's.
+// Measures against bare look-ups: what a page costs beyond them is the driver's part.
 void AgainstBareLookUps(Bench& bench, const BenchSetting& setting, PageArt art) {
     const std::string title = "row conversion, " + std::string(NameOf(art)) + ", bare look-ups";
     if (!bench.Wants(title)) return;
@@ -132,10 +132,10 @@ void AgainstPlainColor(Bench& bench, const BenchSetting& setting) {
         const char* title;
         PageSettings settings;
     } ways[] = {
-        {"row conversion, label, composite grey", {.colorMode = kColorModeCompositeGray}},
-        {"row conversion, label, black-only grey", {.colorMode = kColorModeBlackGray}},
+        {"row conversion, label, composite gray", {.colorMode = kColorModeCompositeGray}},
+        {"row conversion, label, black-only gray", {.colorMode = kColorModeBlackGray}},
         {"row conversion, label, kws", {.kws = true}},
-        {"row conversion, label, kws and composite grey",
+        {"row conversion, label, kws and composite gray",
          {.kws = true, .colorMode = kColorModeCompositeGray}},
     };
     BenchPage page;
@@ -146,7 +146,7 @@ void AgainstPlainColor(Bench& bench, const BenchSetting& setting) {
         PageConversion conversion(page);
         bench.Hold({way.title,
                     {"ConvertRow", [&] { conversion.Ours(way.settings); }},
-                    {"plain colour", [&] { conversion.Ours({}); }},
+                    {"plain color", [&] { conversion.Ours({}); }},
                     AimKind::kAtMost,
                     1.5,
                     [&] { conversion.Check(way.settings, setting.inks); }});

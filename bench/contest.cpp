@@ -9,7 +9,7 @@ namespace orvex::bench {
 
 namespace {
 
-// Times one run of a contender in each of the library's iterations.
+// Times one run of a contender per iteration of the library.
 void Time(benchmark::State& state, const Contender& contender) {
     for (auto _ : state) {
         if (contender.prepare) contender.prepare();
@@ -21,7 +21,7 @@ void Time(benchmark::State& state, const Contender& contender) {
     }
 }
 
-// Collects every single time and prints nothing.
+// Collects the times and prints nothing.
 class Collector : public benchmark::BenchmarkReporter {
   public:
     Collector(Timing& ours, Timing& theirs) : ours_(ours), theirs_(theirs) {}

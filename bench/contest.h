@@ -10,7 +10,7 @@ namespace orvex::bench {
 
 double MedianOf(std::vector<double> values);
 
-// Seconds of repeated runs, in the order they were taken.
+// Seconds of repeated runs, in order.
 struct Timing {
     std::vector<double> seconds;
 
@@ -18,7 +18,7 @@ struct Timing {
     double Minimum() const;
 };
 
-// What is timed. `prepare`, where there is one, puts things back before each run and is not timed.
+// A side of a contest. `prepare`, if there is one, restores the initial state before each run, untimed.
 struct Contender {
     std::string name;
     std::function<void()> run;
@@ -35,8 +35,8 @@ struct Contest {
     Contender ours;
     Contender reference;
     AimKind kind;
-    double aim;  // 0: none, the row is for information
-    // Throws CheckFailure when our answer is not the plain definition's.
+    double aim;  // 0: no aim
+    // Throws CheckFailure if our answer differs from the plain definition's.
     std::function<void()> check;
 };
 
@@ -47,12 +47,12 @@ struct ContestResult {
     double aim;
     Timing ours;
     Timing theirs;
-    std::vector<double> ratios;  // of the medians, one for each run of the whole benchmark
+    std::vector<double> ratios;  // of the medians, one for each run of the benchmark
 
-    // The median of the ratios, as the kind says.
+    // Returns the median of the ratios.
     double Ratio() const;
     bool Met() const;
-    // Takes another run of the same contest in.
+    // Adds the times of another run of the same contest.
     void Add(const ContestResult& other);
 };
 
@@ -61,7 +61,7 @@ class CheckFailure : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-// Checks, runs both once to warm up, then times each `repetitions` times, one after the other by turns.
+// Checks the answer, warms both sides up, then times each of them `repetitions` times in random order.
 ContestResult Hold(const Contest& contest, int repetitions);
 
 }  // namespace orvex::bench

@@ -37,7 +37,7 @@ void MeasureThumbnail(Bench& bench) {
                 }});
 }
 
-// How often a page comes to a log call: the lines of its log with everything on.
+// Returns the number of log lines of a page with everything on, which is its number of log calls.
 size_t LogLinesOf(PageJob& job) {
     LogCapture log;
     job.Send();
@@ -48,7 +48,7 @@ void MeasureSilentLog(Bench& bench, const BenchSetting& setting) {
     constexpr char kTitle[] = "log call sites of a page, log off, against the page";
     if (!bench.Wants(kTitle)) return;
     const BenchPage page = DrawPage(PageArt::kLabel, kRollLabel, true);
-    PageJob job(setting.driver, page, kRollLabel, {.landscape = true});
+    PageJob job(setting.driver, page, kRollLabel, {{true, false, false}});
     const size_t lines = LogLinesOf(job);
     bench.Note("log lines of a page with everything on: " + std::to_string(lines));
     bench.Hold({kTitle,

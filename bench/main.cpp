@@ -4,20 +4,19 @@
 #include <CLI/CLI.hpp>
 #include <iostream>
 
-#include "bench/plain_answers.h"
+#include "bench/page_checks.h"
 #include "bench/report.h"
 #include "bench/suites.h"
 #include "driver/profiles/profile_file.h"
 
 using namespace orvex;
-using namespace orvex::tools;
 using namespace orvex::bench;
 
 namespace {
 
 constexpr char kProfile[] = "neutral.zvp";
 
-// The library's own settings: single runs of all contenders in random order.
+// Makes the library run the contenders in random order.
 void SetUpLibrary() {
     char program[] = "orvexbench", interleaving[] = "--benchmark_enable_random_interleaving=true";
     char* arguments[] = {program, interleaving, nullptr};
@@ -32,18 +31,18 @@ int main(int count, char** values) {
     int runs = 1;
     std::filesystem::path json;
     CLI::App app("Times the driver against memcpy, memset, Little CMS and pixman.");
-    app.add_option("--filter", options.filter, "Only rows whose title holds this text");
-    app.add_option("--repetitions", options.repetitions, "Times that each side of a row is timed in a run")
+    app.add_option("--filter", options.filter, "Only rows whose title contains this text");
+    app.add_option("--repetitions", options.repetitions, "Timings of each side of a row in a run")
         ->check(CLI::Range(1, 1000))
         ->capture_default_str();
-    app.add_option("--runs", runs, "Runs of the whole; the table shows the medians of their ratios")
+    app.add_option("--runs", runs, "Runs of the benchmark; the table shows the medians of their ratios")
         ->check(CLI::Range(1, 100))
         ->capture_default_str();
     app.add_option("--json", json, "File for the results");
     CLI11_PARSE(app, count, values);
     try {
         SetUpLibrary();
-        const std::filesystem::path installation = ProgramFolder() / "install";
+        const std::filesystem::path installation = tools::ProgramFolder() / "install";
         const std::filesystem::path profile = installation / "profiles" / kProfile;
         BenchDriver driver(installation, kProfile);
         const BenchSetting setting = {driver, profile, PlainInks(profile, kResolution600),

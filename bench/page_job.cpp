@@ -3,11 +3,13 @@
 #include <cstring>
 #include <vector>
 
+#include "tests/plain/device_mode.h"
 #include "tools/host/driver_library.h"
 
 namespace orvex::bench {
 
 using namespace tools;
+
 namespace {
 
 constexpr uint64_t kJob = 1;
@@ -67,27 +69,14 @@ BenchDriver::BenchDriver(const std::filesystem::path& installation, const std::s
     : profile_(profile), session_(SetupFor(installation)) {}
 
 DeviceMode BenchDriver::Mode(const PageSize& size, const PageSettings& settings) const {
-    DeviceMode mode = {};
-    mode.pub.dmSpecVersion = mode.pub.dmDriverVersion = kDevModeVersion;
-    mode.pub.dmSize = sizeof mode.pub;
-    mode.pub.dmDriverExtra = sizeof mode.priv;
-    mode.pub.dmFields = DM_ORIENTATION | DM_PAPERSIZE | DM_PAPERLENGTH | DM_PAPERWIDTH | DM_COPIES |
-                        DM_PRINTQUALITY | DM_COLLATE | DM_FORMNAME;
-    mode.pub.dmOrientation = settings.landscape ? DMORIENT_LANDSCAPE : DMORIENT_PORTRAIT;
+    DeviceMode mode = plain::ValidDeviceMode();
+    mode.pub.dmOrientation = settings.order.landscape ? DMORIENT_LANDSCAPE : DMORIENT_PORTRAIT;
     mode.pub.dmPaperSize = kPaperCustom;
     mode.pub.dmPaperWidth = size.widthTenthsMm;
     mode.pub.dmPaperLength = size.heightTenthsMm;
     mode.pub.dmPrintQuality = size.dpi;
-    mode.pub.dmCopies = 1;
-    mode.priv.signature = kPrivateSignature;
-    mode.priv.copies = 1;
-    mode.priv.chunksize = 500;
-    mode.priv.alignment = kAlignCenter;
-    mode.priv.purgeDots = 1;
-    mode.priv.purgeGap = 5;
-    mode.priv.dmPaperSize = kPaperDefault;
-    mode.priv.rotate180 = settings.rotate180;
-    mode.priv.mirrorImage = settings.mirrorImage;
+    mode.priv.rotate180 = settings.order.rotate180;
+    mode.priv.mirrorImage = settings.order.mirrorImage;
     mode.priv.kws = settings.kws;
     mode.priv.colorMode = settings.colorMode;
     for (size_t i = 0; i < profile_.size(); ++i) {
@@ -125,13 +114,9 @@ PageJob::~PageJob() {
     driver_.Session().Hooks().endDoc(&surface_, 0);
 }
 
-void PageJob::Send() {
-    Require(driver_.Session().Hooks().sendPage(&surface_), "DrvSendPage");
-}
-
 void PageJob::Send(RowObserver observer) {
     rowObserver = std::move(observer);
-    Send();
+    Require(driver_.Session().Hooks().sendPage(&surface_), "DrvSendPage");
     rowObserver = nullptr;
 }
 

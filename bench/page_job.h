@@ -1,4 +1,4 @@
-// A job of the driver with a print engine that does nothing: what DrvSendPage itself costs.
+// Jobs of the driver with a print engine that does nothing, to time DrvSendPage by itself.
 #pragma once
 
 #include <cstdint>
@@ -9,57 +9,54 @@
 
 #include "bench/bench_page.h"
 #include "driver/config/device_mode.h"
+#include "tests/plain/page_order.h"
+#include "tests/plain/plain_rows.h"
 #include "tools/host/driver_session.h"
 
 namespace orvex::bench {
 
-using namespace tools;
-// How a page lies, and the settings that change what is done with its pixels.
+// The settings that change how pixels are read and printed.
 struct PageSettings {
-    bool landscape = false;
-    bool rotate180 = false;
-    bool mirrorImage = false;
+    RowOrder order = {};
     bool kws = false;
     int32_t colorMode = kColorModeColor;
 };
 
-// The engine that takes everything and does nothing.
+// Returns an engine that accepts every call and does nothing.
 PrintEngine IdleEngine();
 
-// Sees each row that the idle engine gets, while one is set: the row's number from 0 and its pixels.
+// Called for each row that the idle engine gets, with the row's number from 0 and its pixels.
 using RowObserver = std::function<void(int32_t row, const uint32_t* pixels)>;
 
-// The driver loaded, with the installation's profile for every job. One at a time in a process.
+// The loaded driver, with one profile for all jobs. A process can have one at a time.
 class BenchDriver {
   public:
-    // `profile` is a file's name in the installation's folder of profiles.
+    // `profile` is a file name in the installation's profiles folder.
     BenchDriver(const std::filesystem::path& installation, const std::string& profile);
 
-    DriverSession& Session() { return session_; }
+    tools::DriverSession& Session() { return session_; }
     DeviceMode Mode(const PageSize& size, const PageSettings& settings) const;
 
   private:
     std::string profile_;
-    DriverSession session_;
+    tools::DriverSession session_;
 };
 
-// A begun job whose page is `page`, in the caller's memory, sent as often as wanted.
+// A started job that sends `page` any number of times. The page stays the caller's.
 class PageJob {
   public:
-    // Throws DriverError when a hook refuses.
+    // Throws DriverError if a hook refuses.
     PageJob(BenchDriver& driver, const BenchPage& page, const PageSize& size, const PageSettings& settings);
     ~PageJob();
     PageJob(const PageJob&) = delete;
     PageJob& operator=(const PageJob&) = delete;
 
-    // One call of DrvSendPage.
-    void Send();
-    // The same with the rows shown.
-    void Send(RowObserver observer);
+    // Calls DrvSendPage once. Throws DriverError if it refuses.
+    void Send(RowObserver observer = nullptr);
 
   private:
     BenchDriver& driver_;
-    std::unique_ptr<Device> device_;
+    std::unique_ptr<tools::Device> device_;
     SURFOBJ surface_ = {};
 };
 

@@ -1,7 +1,7 @@
 #include <cstring>
 #include <memory>
 
-#include "bench/plain_answers.h"
+#include "bench/page_checks.h"
 #include "bench/references.h"
 #include "bench/suites.h"
 
@@ -9,55 +9,55 @@ namespace orvex::bench {
 
 namespace {
 
-// A way for a page to lie, and its aims in copies of the bitmap.
-struct Lie {
+// An order of rows and its aims, as multiples of a memcpy of the bitmap.
+struct Order {
     const char* name;
-    PageSettings settings;
-    double labelAim, photoAim, noiseAim;  // 0: none is set
+    PageSettings settings;                // landscape, rotate180, mirrorImage
+    double labelAim, photoAim, noiseAim;  // 0: no aim
 };
 
-constexpr Lie kLies[] = {
-    {"landscape", {.landscape = true}, 1.3, 4, 20},
-    {"landscape mirrored", {.landscape = true, .mirrorImage = true}, 2, 0, 0},
-    {"landscape rotated", {.landscape = true, .rotate180 = true}, 2, 0, 0},
-    {"landscape rotated mirrored", {.landscape = true, .rotate180 = true, .mirrorImage = true}, 2, 0, 0},
+constexpr Order kOrders[] = {
+    {"landscape", {{true, false, false}}, 1.3, 4, 20},
+    {"landscape mirrored", {{true, false, true}}, 2, 0, 0},
+    {"landscape rotated", {{true, true, false}}, 2, 0, 0},
+    {"landscape rotated mirrored", {{true, true, true}}, 2, 0, 0},
     {"portrait", {}, 2, 5, 23},
-    {"portrait mirrored", {.mirrorImage = true}, 2, 0, 0},
-    {"portrait rotated", {.rotate180 = true}, 2, 0, 0},
-    {"portrait rotated mirrored", {.rotate180 = true, .mirrorImage = true}, 2, 0, 0},
+    {"portrait mirrored", {{false, false, true}}, 2, 0, 0},
+    {"portrait rotated", {{false, true, false}}, 2, 0, 0},
+    {"portrait rotated mirrored", {{false, true, true}}, 2, 0, 0},
 };
 
 constexpr PageArt kArts[] = {PageArt::kLabel, PageArt::kPhoto, PageArt::kNoise};
 
-double AimFor(const Lie& lie, PageArt art) {
-    return art == PageArt::kLabel ? lie.labelAim : art == PageArt::kPhoto ? lie.photoAim : lie.noiseAim;
+double AimFor(const Order& order, PageArt art) {
+    return art == PageArt::kLabel ? order.labelAim : art == PageArt::kPhoto ? order.photoAim : order.noiseAim;
 }
 
-std::string Title(const PageSize& size, PageArt art, const char* lie) {
-    return "page, " + std::string(size.name) + ", " + std::string(NameOf(art)) + ", " + lie;
+std::string Title(const PageSize& size, PageArt art, const char* order) {
+    return "page, " + std::string(size.name) + ", " + std::string(NameOf(art)) + ", " + order;
 }
 
 const std::vector<uint32_t>& InksAt(const BenchSetting& setting, int16_t dpi) {
     return dpi == 600 ? setting.inks : setting.inks300;
 }
 
-void MeasureLie(Bench& bench, const BenchSetting& setting, const BenchPage& page, const PageSize& size,
-                PageArt art, const Lie& lie) {
-    const std::string title = Title(size, art, lie.name);
+void MeasureOrder(Bench& bench, const BenchSetting& setting, const BenchPage& page, const PageSize& size,
+                  PageArt art, const Order& order) {
+    const std::string title = Title(size, art, order.name);
     if (!bench.Wants(title)) return;
-    PageJob job(setting.driver, page, size, lie.settings);
+    PageJob job(setting.driver, page, size, order.settings);
     std::vector<uint32_t> copy(page.pixels.size());
     bench.Hold({title,
                 {"DrvSendPage", [&] { job.Send(); }},
                 {"memcpy", [&] { memcpy(copy.data(), page.pixels.data(), page.Bytes()); }},
                 AimKind::kAtMost,
-                size.dpi == kA4At600.dpi && size.name == kA4At600.name ? AimFor(lie, art) : 0,
-                [&] { CheckPage(job, page, lie.settings, size.dpi, InksAt(setting, size.dpi)); }});
+                size.dpi == kA4At600.dpi && size.name == kA4At600.name ? AimFor(order, art) : 0,
+                [&] { CheckPage(job, page, order.settings, size.dpi, InksAt(setting, size.dpi)); }});
     bench.NotePeak(title, [&] { job.Send(); });
 }
 
-// The obvious program: turn the whole page, convert it row by row, hand the rows to an engine that does
-// nothing.
+// Measures against the obvious program: it turns the whole page, converts it row by row and hands the rows to
+// an engine that does nothing.
 void MeasureObviousProgram(Bench& bench, const BenchSetting& setting, PageArt art, double aim) {
     const std::string title = "obvious program, A4 600 dpi, " + std::string(NameOf(art)) + ", portrait";
     if (!bench.Wants(title)) return;
@@ -72,7 +72,7 @@ void MeasureObviousProgram(Bench& bench, const BenchSetting& setting, PageArt ar
         rotation.Rotate();
         for (int32_t y = 0; y < rotation.Rows(); ++y) {
             for (int32_t x = 0; x < rotation.Width(); ++x) {
-                if ((rotation.Row(y)[x] & 0xFFFFFF) != PlainPixel(page, {}, y, x)) {
+                if ((rotation.Row(y)[x] & 0xFFFFFF) != plain::PagePixel(page, {}, y, x)) {
                     throw CheckFailure("pixman turns the page another way");
                 }
             }
@@ -100,14 +100,15 @@ void MeasurePages(Bench& bench, const BenchSetting& setting) {
         for (const PageArt art : kArts) {
             for (const bool landscape : {true, false}) {
                 BenchPage page;
-                for (const Lie& lie : kLies) {
-                    const bool plain = !lie.settings.rotate180 && !lie.settings.mirrorImage;
-                    // Every way to lie is measured with the one page that has aims for all of them.
-                    if (!plain && (art != PageArt::kLabel || size.name != kA4At600.name)) continue;
-                    if (lie.settings.landscape != landscape) continue;
-                    if (!bench.Wants(Title(size, art, lie.name))) continue;
+                for (const Order& order : kOrders) {
+                    const RowOrder& rows = order.settings.order;
+                    const bool turned = rows.rotate180 || rows.mirrorImage;
+                    // Only one page has aims for all orders.
+                    if (turned && (art != PageArt::kLabel || size.name != kA4At600.name)) continue;
+                    if (rows.landscape != landscape) continue;
+                    if (!bench.Wants(Title(size, art, order.name))) continue;
                     if (page.pixels.empty()) page = DrawPage(art, size, landscape);
-                    MeasureLie(bench, setting, page, size, art, lie);
+                    MeasureOrder(bench, setting, page, size, art, order);
                 }
             }
         }

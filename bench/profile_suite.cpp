@@ -1,7 +1,7 @@
 #include <cstring>
 #include <numeric>
 
-#include "bench/plain_answers.h"
+#include "bench/page_checks.h"
 #include "bench/suites.h"
 #include "driver/color/color_cache.h"
 #include "driver/color/generic_conversion.h"
@@ -15,10 +15,11 @@
 namespace orvex::bench {
 
 using namespace tools::profile;
+
 namespace {
 
 constexpr size_t kTableBytes = kCacheEntries * sizeof(uint32_t);
-constexpr uint32_t kRow = 4096;  // colours converted at once
+constexpr uint32_t kRow = 4096;  // colors converted at once
 
 Contender Memset(std::vector<uint32_t>& table) {
     return {"memset 64 MiB", [&] { memset(table.data(), 0xFF, kTableBytes); }};
@@ -31,7 +32,7 @@ int32_t Load(const std::filesystem::path& path) {
 }
 
 void MeasureGeneric(Bench& bench, std::vector<uint32_t>& table) {
-    bench.Hold({"generic conversion of all colours",
+    bench.Hold({"generic conversion of all colors",
                 {"FillWithGenericConversion", [] { FillWithGenericConversion(g_colorCache, kHalfInk); }},
                 Memset(table),
                 AimKind::kAtMost,
@@ -83,13 +84,13 @@ void MeasureLoads(Bench& bench, const BenchSetting& setting, std::vector<uint32_
 }
 
 void MeasureInterpolation(Bench& bench, const BenchSetting& setting, std::vector<uint32_t>& table) {
-    constexpr char kTitle[] = "interpolation of all colours";
+    constexpr char kTitle[] = "interpolation of all colors";
     if (!bench.Wants(kTitle)) return;
     std::vector<uint32_t> colors(kCacheEntries), inks(kRow);
     std::iota(colors.begin(), colors.end(), 0u);
     const auto convertAll = [&] {
         for (size_t first = 0; first < kCacheEntries; first += kRow) {
-            ConvertRow(inks.data(), colors.data() + first, kRow, 1, 0, 1, kColor);
+            ConvertRow(inks.data(), colors.data() + first, kRow, 1, 0, 1, kColorModeColor);
         }
     };
     bench.Hold({kTitle,

@@ -3,12 +3,13 @@
 #include <stdexcept>
 
 #include "driver/color/color_adjustment.h"
+#include "driver/color/color_cache.h"
 
 namespace orvex::bench {
 
 namespace {
 
-// The grid as a table of 16-bit values in Little CMS' order: red slowest, then C, M, Y, K of each point.
+// Returns the grid as 16-bit values in Little CMS' order: red slowest, then C, M, Y, K of each point.
 std::vector<cmsUInt16Number> GridTable() {
     InkGrid grid;
     CopyGridOut(g_colorCache, &grid);
@@ -35,12 +36,12 @@ LittleCms::LittleCms() {
     cmsSetColorSpace(link, cmsSigRgbData);
     cmsSetPCS(link, cmsSigCmykData);
     cmsWriteTag(link, cmsSigAToB0Tag, pipeline);
-    // It would put a finer grid in the place of this one, of 33 points, which takes it longer.
+    // Little CMS would resample the grid to 33 points, which are slower.
     transform_ = cmsCreateTransform(link, TYPE_BGRA_8, nullptr, TYPE_KCMY_8, INTENT_PERCEPTUAL,
                                     cmsFLAGS_GRIDPOINTS(kGridSteps));
     cmsCloseProfile(link);
     cmsPipelineFree(pipeline);
-    if (transform_ == nullptr) throw std::runtime_error("Little CMS makes no transform of the grid");
+    if (transform_ == nullptr) throw std::runtime_error("Little CMS cannot make a transform from the grid");
 }
 
 LittleCms::~LittleCms() {
@@ -52,7 +53,7 @@ PixmanRotation::PixmanRotation(const BenchPage& page)
     source_ = pixman_image_create_bits(PIXMAN_x8r8g8b8, page.width, page.height,
                                        const_cast<uint32_t*>(page.pixels.data()), page.width * 4);
     target_ = pixman_image_create_bits(PIXMAN_x8r8g8b8, width_, rows_, turned_.data(), width_ * 4);
-    // From a place of the turned page to that of the page: x = page width - y, y = x.
+    // Maps a place of the turned page to the page: x = page width - y, y = x.
     pixman_transform_t turn;
     pixman_transform_init_identity(&turn);
     turn.matrix[0][0] = turn.matrix[1][1] = 0;

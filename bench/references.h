@@ -1,5 +1,5 @@
-// What the driver is held against: Little CMS for the colors, pixman for the rotation, and the two together
-// as the obvious program.
+// What the driver is compared with: Little CMS for the colors, pixman for the rotation, and both as the
+// obvious program.
 #pragma once
 
 #include <lcms2.h>
@@ -12,8 +12,7 @@
 
 namespace orvex::bench {
 
-// A device link with the 17-point grid that is in the color cache at its making, from BGRA to KCMY of 8
-// bits.
+// A device link from BGRA to KCMY, 8 bits each, through the 17-point grid in the color cache.
 class LittleCms {
   public:
     LittleCms();
@@ -29,7 +28,7 @@ class LittleCms {
     cmsHTRANSFORM transform_;
 };
 
-// The page turned so that its rows are those of a portrait page: the columns from the last one on.
+// A page turned so that its rows are a portrait page's columns, the last one first.
 class PixmanRotation {
   public:
     explicit PixmanRotation(const BenchPage& page);

@@ -25,7 +25,7 @@ std::string Format(const char* format, ...) {
     return text;
 }
 
-// The rest of the first line of a file that begins with `key`; an empty key takes the first line.
+// Returns the value of the first line of a file that begins with `key`, or its first line for an empty key.
 std::string LineOf(const char* file, const std::string& key) {
     std::ifstream in(file);
     for (std::string line; std::getline(in, line);) {
@@ -71,13 +71,13 @@ Machine ThisMachine() {
 }
 
 void PrintReport(const Machine& machine, const Bench& bench, std::ostream& out) {
-    out << "processor  " << machine.processor << ", " << machine.processors << " of them\n"
+    out << "processor  " << machine.processor << ", " << machine.processors << " processors\n"
         << "system     " << machine.system << ", large pages " << machine.largePages << '\n'
         << "compiler   " << machine.compiler << "\nflags      " << machine.flags << '\n'
         << "kernels    " << machine.kernels << "\ncaches     " << machine.caches << "\nreferences "
         << machine.references << "\n\n"
-        << "Times in ms, median / minimum; the ratio is that of a run's medians, of several runs the median "
-           "of theirs.\n\n"
+        << "Times in ms, median / minimum. The ratio is that of the medians of a run; for several runs, the "
+           "median of their ratios.\n\n"
         << Format("%-58s %21s %21s  %-22s %8s  %-16s\n", "what", "ours", "reference", "", "ratio", "aim");
     for (const ContestResult& result : bench.Results()) {
         out << Format("%-58s %10.3f /%9.3f %10.3f /%9.3f  %-22s %8.3f  %-16s %s\n", result.title.c_str(),
@@ -85,7 +85,7 @@ void PrintReport(const Machine& machine, const Bench& bench, std::ostream& out) 
                       result.theirs.Minimum() * 1e3, result.reference.c_str(), result.Ratio(),
                       AimOf(result).c_str(), Verdict(result));
     }
-    if (!bench.Peaks().empty()) out << "\nPeak memory beyond bitmap and colour cache, MiB\n";
+    if (!bench.Peaks().empty()) out << "\nPeak memory beyond bitmap and color cache, MiB\n";
     for (const PeakMemory& peak : bench.Peaks()) {
         out << Format("%-58s %10.2f\n", peak.title.c_str(), peak.mebibytes);
     }

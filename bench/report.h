@@ -1,4 +1,4 @@
-// Showing what was measured: the table for people, JSON for programs.
+// Reports of what was measured: a table for people, JSON for programs.
 #pragma once
 
 #include <filesystem>
@@ -9,17 +9,17 @@
 
 namespace orvex::bench {
 
-// On what was measured.
+// The machine, compiler and libraries of a run.
 struct Machine {
     std::string processor;
     unsigned processors;
     std::string system;
-    std::string largePages;  // the system's setting for those that nobody asks for
+    std::string largePages;  // the system's transparent huge pages
     std::string compiler;
     std::string flags;
-    std::string kernels;     // which of the driver's loops ran
+    std::string kernels;     // instruction set of the driver's loops
     std::string caches;      // the processor's
-    std::string references;  // the libraries held against
+    std::string references;  // versions of the libraries that are compared with
 };
 
 Machine ThisMachine();

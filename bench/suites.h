@@ -1,5 +1,5 @@
-// The rows of the table, by what they measure. Each suite makes what it needs, checks and measures the rows
-// that the bench wants.
+// The suites of the benchmark. Each makes its inputs, checks the answers and measures the rows that the bench
+// wants.
 #pragma once
 
 #include <filesystem>
@@ -10,25 +10,24 @@
 
 namespace orvex::bench {
 
-using namespace tools;
-// What the suites share.
+// Inputs of all suites.
 struct BenchSetting {
     BenchDriver& driver;
-    std::filesystem::path profile;  // of version 5; what the driver's jobs print through
-    std::vector<uint32_t> inks;     // of all colours through it at 600 dpi, plainly computed
-    std::vector<uint32_t> inks300;  // the same at 300 dpi
+    std::filesystem::path profile;  // the profile of all jobs, of version 5
+    std::vector<uint32_t> inks;     // plain inks of all colors at 600 dpi
+    std::vector<uint32_t> inks300;  // at 300 dpi
 };
 
-// Whole calls of DrvSendPage with an engine that does nothing.
+// Measures calls of DrvSendPage with an engine that does nothing.
 void MeasurePages(Bench& bench, const BenchSetting& setting);
-// Row conversion by itself.
+// Measures row conversion by itself.
 void MeasureRowConversion(Bench& bench, const BenchSetting& setting);
-// Loading profiles and the generic conversion; all colors interpolated.
+// Measures loads of profiles, the generic conversion and the interpolation of all colors.
 void MeasureProfiles(Bench& bench, const BenchSetting& setting);
-// The thumbnail's scaling, and what the log costs while it is off.
+// Measures the thumbnail's scaling and the cost of the log while it is off.
 void MeasureExtras(Bench& bench, const BenchSetting& setting);
 
-// Puts the profile into the color cache anew, at 600 dpi; nothing is interpolated yet.
+// Reloads the profile at 600 dpi, so that no color is interpolated yet.
 void LoadFresh(const BenchSetting& setting);
 
 }  // namespace orvex::bench

@@ -1,4 +1,4 @@
-// Times whole pages through the built DLL: whether it is as fast as the native build.
+// Times whole pages through the built DLL, to compare with the native build.
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -7,10 +7,9 @@
 #include <functional>
 #include <vector>
 
-#include "bench/plain_answers.h"
+#include "bench/page_checks.h"
 
 using namespace orvex;
-using namespace orvex::tools;
 using namespace orvex::bench;
 
 namespace {
@@ -32,9 +31,9 @@ double Median(std::vector<double> seconds) {
 void MeasurePage(BenchDriver& driver, const std::vector<uint32_t>& inks, PageArt art, bool landscape) {
     const BenchPage page = DrawPage(art, kA4At600, landscape);
     std::vector<uint32_t> copy(page.pixels.size());
-    PageJob job(driver, page, kA4At600, {.landscape = landscape});
+    PageJob job(driver, page, kA4At600, {{landscape, false, false}});
     const auto memcpyPage = [&] { memcpy(copy.data(), page.pixels.data(), page.Bytes()); };
-    CheckPage(job, page, {.landscape = landscape}, kA4At600.dpi, inks);
+    CheckPage(job, page, {{landscape, false, false}}, kA4At600.dpi, inks);
     memcpyPage();
     std::vector<double> ours, theirs;
     for (int i = 0; i < kRepetitions; ++i) {
@@ -51,7 +50,7 @@ void MeasurePage(BenchDriver& driver, const std::vector<uint32_t>& inks, PageArt
 
 int main() {
     try {
-        const std::filesystem::path installation = ProgramFolder() / "install";
+        const std::filesystem::path installation = tools::ProgramFolder() / "install";
         const std::vector<uint32_t> inks = PlainInks(installation / "profiles" / kProfile, kResolution600);
         BenchDriver driver(installation, kProfile);
         std::printf("compiler   GNU %s\n\n", __VERSION__);

@@ -1,7 +1,6 @@
-// A caller's device mode: it is taken or refused as the plain definition has it, and the merged record is
-// that definition's and valid in every field; the caller's own record gets the printer's profile and label
-// when it lacks them and is not written otherwise, and nothing outside of what the record declares is
-// touched.
+// A caller's device mode: it is taken or refused as the plain definition does, and the merged record is valid
+// in every field and equal to that definition's. The caller's record gets the printer's profile and label if
+// it lacks them and is not changed otherwise. Nothing past the end that it declares is read or written.
 
 #include <algorithm>
 #include <cstring>
@@ -18,7 +17,7 @@ namespace orvex::fuzz {
 using namespace tools;
 namespace {
 
-constexpr size_t kLeastBytes = 72;  // what every record has
+constexpr size_t kLeastBytes = 72;  // size of the smallest record
 
 DeviceMode PrintersDefaults(uint8_t choice) {
     DeviceMode record = plain::ValidDeviceMode();
@@ -34,7 +33,7 @@ DeviceMode PrintersDefaults(uint8_t choice) {
 
 constexpr plain::ListedLabel kLabels[] = {{258, "Shipping", 1016, 1524}, {300, "Wine", 900, -10}};
 
-// The record that the input is, in a block that ends where the record says that it ends.
+// Returns the input as a record, in a block that ends where the record says that it ends.
 std::vector<uint8_t> RecordOf(std::span<const uint8_t> bytes) {
     DEVMODEW head = {};
     if (!bytes.empty()) memcpy(&head, bytes.data(), std::min(bytes.size(), kLeastBytes));
@@ -65,7 +64,7 @@ void FuzzDeviceModeMerge(std::span<const uint8_t> input) {
     REQUIRE(plain::BrokenRule(record) == nullptr);
     REQUIRE(block == plain::GivenBack(printers, given));
 
-    // Merging what came out into itself changes nothing more.
+    // Merging the result into itself changes nothing.
     DeviceMode again = record;
     DeviceMode copy = record;
     REQUIRE(MergeDevMode(&again, &copy.pub, printer.Handle()));

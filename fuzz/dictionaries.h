@@ -1,4 +1,4 @@
-// Words of the fuzzed formats, in libFuzzer's form: one quoted word a line.
+// Dictionaries of the fuzzed formats in libFuzzer's form: one quoted word a line.
 #pragma once
 
 #include <string_view>

@@ -1,4 +1,4 @@
-// The installation folder that fuzzed files are put into; one for the whole program.
+// Returns the installation folder for fuzzed files, which the whole program shares.
 #pragma once
 
 #include "tests/kit/installation_fixture.h"

@@ -1,4 +1,4 @@
-// A printer whose data is fuzzed, in a spooler of its own.
+// A printer with fuzzed data, in a spooler of its own.
 #pragma once
 
 #include "fuzz/target.h"
@@ -11,7 +11,7 @@ class FuzzPrinter {
   public:
     FuzzPrinter() { spooler_.Attach(); }
 
-    // Whatever came in: the driver has closed what it opened, and only that.
+    // Requires that the driver closed the handles that it opened, and no others.
     ~FuzzPrinter() {
         REQUIRE(spooler_.OpenHandles() == 1);
         REQUIRE(spooler_.Misuses().empty());
@@ -23,7 +23,7 @@ class FuzzPrinter {
     PrinterData& Data() { return printer_.data; }
     std::string& Written() { return printer_.written; }
 
-    // Puts a label into the printer's data.
+    // Adds a label to the printer's data.
     void AddLabel(int number, const char* name, const char* width, const char* length, uint32_t units) {
         const std::string key = "Label Sizes\\" + std::to_string(number);
         Data().SetNumber(key, "version", 1);

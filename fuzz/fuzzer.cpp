@@ -1,5 +1,5 @@
-// libFuzzer's entry. The target's name comes from the environment, since libFuzzer's own arguments are the
-// corpus.
+// libFuzzer's entry point. ORVEX_FUZZ_TARGET names the target, since libFuzzer takes all arguments as its
+// own.
 
 #include <cstdio>
 #include <cstdlib>

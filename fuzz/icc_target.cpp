@@ -9,14 +9,13 @@
 #include "fuzz/input.h"
 #include "fuzz/target.h"
 #include "tools/orvexprofile/icc_profile.h"
-#include "tools/orvexprofile/ink_totals.h"
 #include "tools/orvexprofile/ink_treatment.h"
 #endif
 
 namespace orvex::fuzz {
 
-// ICC profiles in the profile tool: one that is taken gives every color its inks, alone as among others, in
-// range and within the limit; one that is refused gets an error that names its file.
+// ICC profiles in the profile tool: one that is taken gives a color the same inks alone and among others,
+// within the limit. One that is refused gets an error that names its file.
 
 #ifdef ORVEX_LITTLE_CMS
 
@@ -44,7 +43,7 @@ void CheckInks(const IccProfile& icc) {
     }
 }
 
-// A printer's profile with a small table for each intent, and a description.
+// Returns a printer's profile with a small table for each intent and a description.
 std::string PrintersProfile(cmsColorSpaceSignature space, double version) {
     constexpr cmsTagSignature kTables[] = {cmsSigBToA0Tag, cmsSigBToA1Tag, cmsSigBToA2Tag};
     const cmsHPROFILE profile = cmsCreateProfilePlaceholder(nullptr);

@@ -1,4 +1,4 @@
-// Takes choices and bytes off the front of a fuzzed input. Past its end everything is 0 or empty.
+// Reads choices and bytes from the front of a fuzzed input. Past its end everything is 0 or empty.
 #pragma once
 
 #include <algorithm>
@@ -20,7 +20,7 @@ class FuzzInput {
     }
     bool Flag() { return (Byte() & 1) != 0; }
 
-    // A little-endian number of that type.
+    // Reads a little-endian number.
     template <typename T>
     T Number() {
         uint64_t value = 0;
@@ -28,7 +28,7 @@ class FuzzInput {
         return static_cast<T>(value);
     }
 
-    // The next bytes, as many of them as there are.
+    // Takes up to `size` bytes.
     std::span<const uint8_t> Take(size_t size) {
         const std::span<const uint8_t> taken = rest_.first(std::min(size, rest_.size()));
         rest_ = rest_.subspan(taken.size());

@@ -1,6 +1,6 @@
-// Labels in the printer's data: whatever the data holds, the list that is read is the one that the plain
-// definition finds; whatever keys the spooler names, it is whole, a next number lies above all others, and a
-// device mode is given valid sizes by it.
+// Labels in the printer's data: whatever the data contains, the driver reads the list that the plain
+// definition finds. Whatever keys the spooler returns, every label is well-formed, the next number is larger
+// than all others, and a device mode is validated against the list.
 
 #include <algorithm>
 #include <cstdlib>
@@ -23,7 +23,7 @@ namespace {
 
 constexpr const char* kValues[] = {"version", "name", "width", "length", "units"};
 
-// The spooler's answer to the question for keys, when the input makes it up.
+// The keys that the spooler returns when the input invents them.
 std::string madeUpKeys;
 uint32_t madeUpSize = 0;
 
@@ -34,7 +34,7 @@ DWORD WINAPI AnswerKeys(HANDLE, LPCWSTR, LPWSTR keys, DWORD size, LPDWORD needed
     return ERROR_SUCCESS;
 }
 
-// A key of the label list, mostly one that a number names.
+// Returns the name of a key of the label list, most often a number.
 std::string KeyName(FuzzInput& choices) {
     if (choices.Flag()) return std::to_string(choices.Number<uint16_t>());
     std::string name(choices.TakeText(choices.Byte() % 12));
@@ -57,13 +57,13 @@ void AddFuzzedLabel(FuzzInput& choices, PrinterData& data) {
         } else if (how < 0xC0) {
             data.SetText(key, kValues[i], choices.TakeText(how % 70));
         } else {
-            // Of any type and length, with or without a terminator.
+            // A value of any type and length, with or without a terminator.
             data.Set(key, kValues[i], {choices.Byte() % 12u, std::string(choices.TakeText(how % 64))});
         }
     }
 }
 
-// A label as the plain definition has it, out of the printer's data.
+// A label that the plain definition finds in the printer's data.
 struct ExpectedLabel {
     uint16_t number;
     std::string name, width, length;
@@ -76,7 +76,7 @@ uint16_t NumberOfKey(const std::string& name) {
     return number > UINT16_MAX ? uint16_t{0} : static_cast<uint16_t>(number);
 }
 
-// The bytes of a value of that type that are no more than fit.
+// Returns the bytes of a value if it has that type and at most `most` bytes.
 std::optional<std::string> Value(const PrinterData& data, const std::string& key, const char* name,
                                  DWORD type, size_t most) {
     const PrinterValue* value = data.Find(key, name);
@@ -92,7 +92,7 @@ std::optional<uint32_t> NumberValue(const PrinterData& data, const std::string& 
     return number;
 }
 
-// Up to its first zero character, or cut so that it ends within its field.
+// Returns a text up to its first zero character, cut to leave room for a terminator in its field.
 std::optional<std::string> TextValue(const PrinterData& data, const std::string& key, const char* name,
                                      size_t field) {
     const std::optional<std::string> bytes = Value(data, key, name, REG_SZ, field);
@@ -190,7 +190,7 @@ Seeds LabelDataSeeds() {
         for (const int value : values) text += static_cast<char>(value);
         return text;
     };
-    // Label 258: all values there, of the expected types; then a validation that asks for it.
+    // Label 258 with all values of the expected types, and a validation that asks for it.
     const std::string label = bytes({1, 2, 1, 0, 0, 4}) + "Wine" + bytes({5}) + "100.5" + bytes({2}) + "-1" +
                               bytes({0x80, 0, 0, 0, 0});
     return {
@@ -199,7 +199,7 @@ Seeds LabelDataSeeds() {
         bytes({0, 128, 1, 1, 2, 1, 0, 0, 0xC8, 1}) + "Wine two" + bytes({0xC3, 3, 1, 2, 3, 0xFF, 1}),
         bytes({3, 128, 20, 0, 20}) + std::string("2\0005\0008\0\0\0003\0000\0000\0\0\0", 16),
         bytes({3, 128, 0xFF, 0xFF, 2, 0x39, 0}),
-        // Half a character, behind it no end.
+        // Half a character and no terminator.
         bytes({3, 128, 1, 0, 1, 0x32, 0}),
         bytes({3, 128, 5, 0, 5, 0x32, 0, 0x35, 0, 0x38, 0}),
     };

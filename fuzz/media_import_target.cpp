@@ -1,5 +1,5 @@
-// media.inf: whatever the file holds, the printer has the labels afterwards that the plain definition of the
-// file finds, under numbers without a gap; a second import leaves them alone.
+// media.inf: whatever the file contains, the printer then has the labels that the plain definition finds in
+// it, numbered without a gap. A second import changes nothing.
 
 #include <algorithm>
 #include <climits>
@@ -28,7 +28,7 @@ struct MediaLine {
     uint32_t units;
 };
 
-// The part of `line` in the next pair of quotes, when only blanks, tabs and commas stand before it.
+// Takes the text in the next pair of quotes if only blanks, tabs and commas precede it.
 std::optional<std::string> TakeQuoted(std::string& line, size_t most) {
     const size_t open = line.find_first_not_of(" \t,");
     if (open == std::string::npos || line[open] != '"') return std::nullopt;
@@ -47,7 +47,7 @@ std::optional<MediaLine> ReadLine(std::string line) {
     return MediaLine{*name, *width, *length, static_cast<uint32_t>(units)};
 }
 
-// The labels that a file adds to an empty list.
+// Returns the labels that a file adds to an empty list.
 std::vector<MediaLine> Expected(std::string_view file) {
     std::string text(file.substr(0, kBytesThatCount));
     text.resize(std::min(text.find('\0'), text.size()));
@@ -98,8 +98,8 @@ void FuzzMediaImport(std::span<const uint8_t> input) {
 Seeds MediaImportSeeds() {
     std::string many = "[Media]\n";
     for (int i = 0; i < 30; ++i) many += "\"x\" \"4\" \"6\" 1\n";
-    // Labels around the last byte that counts, which lies within a number of one, at a line's end, or in
-    // front of it.
+    // Labels around the last byte that is read, which is in the number of one, at the end of a line or before
+    // it.
     const auto around = [](size_t inFront) {
         const std::string labels = "[Media]\n\"Wine\" \"4\" \"6\" 10\n";
         std::string file(kBytesThatCount + inFront - labels.size(), ';');

@@ -1,6 +1,6 @@
-// The engine's output on its way to the spooler: for any chunking, what is written is what came in, without
-// leading framing, with the job header before the first comment line and one resolution command's value
-// replaced.
+// The engine's output on its way to the spooler: however it is cut into chunks, it is written as it comes,
+// without leading framing, with the job header before the first comment line and with the value of one
+// resolution command replaced.
 
 #include <cstdlib>
 #include <cstring>
@@ -52,7 +52,7 @@ void SetUpJob(const Choices& choices) {
     g_cbThumbnail = strlen(kThumbnail);
 }
 
-// The chunks of the rest of the input: a length before each; the rest is the last one.
+// Splits the rest of the input into chunks, each after its length; length 255 takes all that is left.
 std::vector<std::string> ChunksOf(FuzzInput& input) {
     std::vector<std::string> chunks;
     while (!input.Empty()) {
@@ -70,7 +70,7 @@ bool IsFraming(std::string_view chunk) {
     return sum == 0;
 }
 
-// What has to arrive at the printer.
+// Returns the bytes that must reach the printer.
 std::string Expected(const std::vector<std::string>& chunks, const Choices& choices,
                      const std::string& header) {
     std::string out;

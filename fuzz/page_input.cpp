@@ -14,7 +14,7 @@ uint32_t plainTable[kCacheEntries];
 
 constexpr uint32_t kWhite = 0xFFFFFF;
 
-// The kinds of table. Whole ones come first, for inputs that say nothing about it.
+// The kinds of table, a whole one first, for inputs too short to select one.
 constexpr int32_t kKinds[] = {kEntries, kGrid, kHalfGridPlanes, kGrid, kHalfGridEntries, kPlanes};
 
 uint32_t InkOf(uint32_t color) {
@@ -30,7 +30,7 @@ void Store(uint32_t color, uint32_t ink) {
     g_colorCache[color] = plainTable[color] = ink;
 }
 
-// Fills the grid once: other tables store nothing else in its points, but for white, which each table stores.
+// Fills the grid once: no other table changes its points, except white, which each table stores.
 void StoreGrid() {
     static const bool stored = [] {
         for (int point = 0; point < kGridPoints; ++point) {
@@ -43,7 +43,7 @@ void StoreGrid() {
     (void)stored;
 }
 
-// One in two sides of a bitmap is short, so that it is soon drawn; the others reach beyond two bands.
+// Returns the length of a side: half of them are short, to be drawn fast, and others exceed two bands.
 int32_t Side(uint8_t choice) {
     constexpr int32_t kBandColumns = 64;
     const int32_t side = choice < 128 ? 1 + choice % 40 : choice - 115;
@@ -51,7 +51,7 @@ int32_t Side(uint8_t choice) {
     return side;
 }
 
-// How many pixels a pixel of the input covers along one side, so that rows and blocks repeat.
+// Numbers of pixels that a pixel of the input covers along a side, so that rows and blocks repeat.
 constexpr int32_t kCovered[] = {1, 2, 3, 8, 9, 16, 17, 40};
 
 }  // namespace
@@ -61,7 +61,7 @@ PageColors::PageColors(FuzzInput& input) : kind_(kKinds[input.Byte() % std::size
     StoreGrid();
     if (kind_ == kEntries || kind_ == kPlanes) {
         for (uint32_t value = 0; value < 256; ++value) {
-            // What is missing in a whole table is the sentinel itself, for good.
+            // A missing entry of a whole table stays missing, since nothing computes it.
             const uint32_t color = WholeTableColor(value);
             Store(color, value % 8 == 7 && missing >> value / 8 & 1 ? kNotComputed : InkOf(color));
         }

@@ -1,4 +1,4 @@
-// Pages out of fuzzed inputs: the colors that they can have, and their bitmaps.
+// Pages made from fuzzed inputs: their colors and bitmaps.
 #pragma once
 
 #include <cstddef>
@@ -11,17 +11,17 @@
 
 namespace orvex::fuzz {
 
-// The colors of a page and its color table: the driver's, and one for plain look-ups. A table that is filled
-// in part has missing points, so that the order of the look-ups decides about inks.
+// The colors of a page, and two equal color tables: the driver's and one for plain look-ups. A table can have
+// missing points, so that inks depend on the order of the look-ups.
 class PageColors {
   public:
     explicit PageColors(FuzzInput& input);
 
-    // Returns one of the colors. A whole table has 256 of them, and white; the others have 64.
+    // Returns one of the page's colors: of 256 and white in a whole table, of 64 in any other.
     uint32_t Color(uint8_t value) const;
-    // Looks a color up in the plain table.
+    // Looks a color up in the plain table and stores its ink there.
     uint32_t PlainInk(uint32_t color) const;
-    // Returns whether the driver's table is what the plain look-ups made of the other one.
+    // Returns whether the driver's look-ups changed its table as the plain ones changed the other.
     bool TablesAgree() const;
 
   private:
@@ -29,8 +29,8 @@ class PageColors {
     plain::Neighborhood around_;
 };
 
-// A page bitmap, in a block that ends where its last pixel ends. Pixels that the input does not give are
-// unlike their neighbors, or all alike.
+// A page bitmap in a block that ends with its last pixel. Pixels for which the input has no byte differ from
+// their neighbors or are all alike.
 struct PageArt {
     PageArt(FuzzInput& input, const PageColors& colors);
 

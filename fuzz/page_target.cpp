@@ -1,8 +1,8 @@
-// Layout and rows of a page: any geometry is laid out without an overflow and as the plain definition has it;
-// page and raster block are announced so; the engine gets as many rows as follow from it, and each, fill rows
-// and purge bar too, holds what the plain definition has there, whose look-ups go pixel by pixel through a
-// color table that may have missing points; a call that it refuses is the last one. A page takes two blocks
-// of memory, of the documented sizes, and keeps none.
+// Layout and rows of a page: any geometry is laid out as the plain definition does, without an overflow, and
+// page and raster block are announced accordingly. The engine gets every row, fill rows and purge bar
+// included, as the plain definition computes it, pixel by pixel through a color table that may have missing
+// points. A call that the engine refuses is the last one. A page allocates two blocks of the documented sizes
+// and frees them.
 
 #include <algorithm>
 #include <cstring>
@@ -13,10 +13,10 @@
 #include "fuzz/fuzz_installation.h"
 #include "fuzz/input.h"
 #include "fuzz/page_input.h"
-#include "fuzz/page_model.h"
 #include "fuzz/target.h"
 #include "tests/plain/device_mode.h"
 #include "tests/plain/device_mode_rules.h"
+#include "tests/plain/page_layout.h"
 #include "tests/plain/page_order.h"
 
 namespace orvex::fuzz {
@@ -53,33 +53,32 @@ DeviceMode ModeOf(FuzzInput& input) {
 
 void CheckLayout(const PageLayoutInput& input) {
     const PageLayout layout = ComputePageLayout(input);
-    const PlainLayout plain = ComputePlainLayout(input);
-    REQUIRE(layout.phOffsetPx == plain.phOffsetPx);
-    REQUIRE(layout.fullWidth == plain.fullWidth);
-    REQUIRE(layout.imageWidth == plain.imageWidth && layout.rowWidth == plain.rowWidth);
-    REQUIRE(layout.rows == plain.rows && layout.headRows == plain.headRows);
-    REQUIRE(layout.purgeLead == plain.purgeLead && layout.purgeLen == plain.purgeLen);
-    REQUIRE(layout.pageWUnits == plain.pageW && layout.pageHUnits == plain.pageH);
-    REQUIRE(layout.pageLengthUnits == plain.pageLength);
-    REQUIRE(layout.placed.topOff == plain.topOff);
-    REQUIRE(layout.placed.fullTop == plain.fullTop && layout.placed.fullBottom == plain.fullBottom);
+    const plain::Layout expected = plain::ComputeLayout(input);
+    REQUIRE(layout.phOffsetPx == expected.phOffsetPx);
+    REQUIRE(layout.fullWidth == expected.fullWidth);
+    REQUIRE(layout.imageWidth == expected.imageWidth && layout.rowWidth == expected.rowWidth);
+    REQUIRE(layout.rows == expected.rows && layout.headRows == expected.headRows);
+    REQUIRE(layout.purgeLead == expected.purgeLead && layout.purgeLen == expected.purgeLen);
+    REQUIRE(layout.pageWUnits == expected.pageW && layout.pageHUnits == expected.pageH);
+    REQUIRE(layout.pageLengthUnits == expected.pageLength);
+    REQUIRE(layout.placed.topOff == expected.topOff);
+    REQUIRE(layout.placed.fullTop == expected.fullTop && layout.placed.fullBottom == expected.fullBottom);
 }
 
-// Takes a page in the engine's place and holds what it gets against the plain definition; refuses one call,
-// or none.
+// The print engine, which compares a page with the plain definition and refuses at most one call.
 struct EngineCheck {
     const PageColors& colors;
     const PageArt& page;
     const DeviceMode& mode;
-    const PlainLayout& layout;
+    const plain::Layout& layout;
     int64_t refused = -1;  // the number of the call to refuse
     int64_t calls = 0;
     int64_t rows = 0;
-    size_t blocksBefore = 0;  // that the page had taken when its rows began
+    size_t blocksBefore = 0;  // allocations of the page before its rows
     std::vector<uint32_t> expected = std::vector<uint32_t>(static_cast<size_t>(layout.rowWidth));
 
     bool At600Dpi() const { return mode.pub.dmPrintQuality == 600; }
-    // A fill of fewer rows than none is none.
+    // A fill can have a negative number of rows, of which none is sent.
     int64_t TopRows() const { return std::max(layout.fullTop, 0); }
     int64_t Rows() const { return TopRows() + layout.rows + std::max(layout.fullBottom, 0); }
     int64_t Calls() const { return Rows() + 4; }
@@ -111,8 +110,9 @@ struct EngineCheck {
         return Answer();
     }
 
-    // The row for the engine, and the band that the bitmap is read through: 64 columns of a portrait page or
-    // a scan line of a landscape one, each in an odd number of cache lines.
+    // Requires that the page has allocated the row for the engine and the band that the bitmap is read
+    // through: 64 columns of a portrait page or a scan line of a landscape one, each in an odd number of
+    // cache lines.
     void CheckMemory() const {
         const size_t bandRows = mode.pub.dmOrientation == DMORIENT_LANDSCAPE ? 1 : kBandColumns;
         const auto pitch = static_cast<size_t>(((layout.imageWidth + 15) / 16 | 1) * 16);
@@ -133,7 +133,7 @@ struct EngineCheck {
         }
     }
     uint32_t* ImageArea() { return expected.data() + (layout.purgeLead != 0 ? layout.purgeLen : 0); }
-    // In front of the image, without a pattern, the row stays as it is.
+    // Without a pattern, fill rows before the image leave the row as it is.
     void ExpectFill(bool inFront) {
         for (int32_t i = 0; i < layout.imageWidth; ++i) {
             const uint32_t amount = At600Dpi() ? 2 : 4;
@@ -143,7 +143,6 @@ struct EngineCheck {
                 ImageArea()[i] = 0;
         }
     }
-    // Every pixel is looked up by itself, one after the other.
     void ExpectImage(int32_t row) {
         const plain::RowOptions options{mode.priv.kws, At600Dpi(),
                                         static_cast<uint32_t>(mode.priv.colorMode)};
@@ -156,12 +155,12 @@ struct EngineCheck {
     uint32_t Row(const uint32_t* row) {
         REQUIRE(calls == 2 + rows && rows < Rows());
         if (rows == 0) CheckMemory();
-        REQUIRE(AllocationWatch::Taken() == blocksBefore + 2);  // all rows share what the first one has
+        REQUIRE(AllocationWatch::Taken() == blocksBefore + 2);  // no row allocates another block
         const int64_t imageRow = rows - TopRows();
         if (imageRow >= 0 && imageRow < layout.rows) {
             ExpectImage(static_cast<int32_t>(imageRow));
         } else if (rows == 0 || imageRow == layout.rows) {
-            ExpectFill(imageRow < 0);  // for all fill rows on this side
+            ExpectFill(imageRow < 0);  // once for all fill rows on this side
         }
         REQUIRE(memcmp(row, expected.data(), expected.size() * sizeof *row) == 0);
         ++rows;
@@ -172,7 +171,7 @@ struct EngineCheck {
 EngineCheck* currentCheck = nullptr;
 constexpr uint64_t kJob = 0x1122334455667788;
 
-// One of the engine's calls, in the job that it belongs to. What the check takes is not the driver's.
+// Passes one of the engine's calls to the check, whose own allocations are not counted.
 template <typename Call>
 uint32_t InJob(uint64_t job, Call call) {
     const AllocationWatchPause pause;
@@ -198,7 +197,7 @@ uint32_t HPCRLIB_CALL EndPage(uint64_t job) {
     return InJob(job, [](EngineCheck& check) { return check.PageEnd(); });
 }
 
-// The job that the page belongs to, for as long as it takes to send it.
+// The page's job, while the page is sent.
 struct RunningJob {
     explicit RunningJob(EngineCheck& check) {
         currentCheck = &check;
@@ -220,13 +219,13 @@ struct RunningJob {
     RunningJob& operator=(const RunningJob&) = delete;
 };
 
-// Sends a page of which the engine refuses the call of the given number, counted round, or none.
+// Sends a page. If `refuses`, the engine refuses call number `refused`, modulo the number of calls.
 void CheckPage(FuzzInput& input, const DeviceMode& mode, bool refuses, uint32_t refused) {
     const PageColors colors(input);
     PageArt page(input, colors);
-    const PlainLayout layout =
-        ComputePlainLayout(LayoutInput(mode, mode.pub.dmPrintQuality, page.width, page.height));
-    // Without settings there is no thumbnail; a first page asks for it.
+    const plain::Layout layout =
+        plain::ComputeLayout(LayoutInput(mode, mode.pub.dmPrintQuality, page.width, page.height));
+    // Without settings a first page makes no thumbnail.
     if (g_nPage == 1) FuzzInstallation().WriteSettings("");
     PDEV pdev = {};
     pdev.signature = pdev.signatureTail = kPdevSignature;
@@ -263,9 +262,10 @@ void FuzzPage(std::span<const uint8_t> input) {
 }
 
 Seeds PageSeeds() {
-    // Page number, flags, alignment, purge bar, dots, gap, frequency, offset, color mode, two lengths, offset
-    // and alignment of the second layout; whether a call is refused, and its number; kind of the color table
-    // and what it lacks; then width, height, format, direction, padding and pixels of the bitmap.
+    // The bytes of a seed: page number, flags, alignment, purge bar, dots, gap, frequency, offset, color
+    // mode, two lengths, offset and alignment of the second layout; whether a call is refused and which; kind
+    // of the color table and its missing points; width, height, format, direction, padding and pixels of the
+    // bitmap.
     Seeds seeds;
     for (char flags = 0; flags < 64; flags = static_cast<char>(flags + 7)) {
         std::string seed{0, flags, static_cast<char>(flags % 3), static_cast<char>(flags % 4), 1, 0, 1};
@@ -276,14 +276,14 @@ Seeds PageSeeds() {
         for (int i = 0; i < 300; ++i) seed += static_cast<char>(i * 5);
         seeds.push_back(seed);
     }
-    // A page of two bands and a part of a third, in each order that columns are read in.
+    // A page of two bands and part of a third, in each order of columns.
     for (const char flags : {0, 4, 8, 12}) {
         std::string seed(30, '\0');
         seed[1] = flags;
         seeds.push_back(seed + "\xFF\xC5");
     }
-    // Squares of 9 pixels of a color between two missing grid points, and in their middle one of the points,
-    // which its look-up fills; in every order of rows.
+    // Squares of 9 pixels of a color between two missing grid points, with one of the points in the middle,
+    // whose look-up fills it; in every order of rows.
     for (const char flags : {0, 1, 4, 5, 8, 9, 12, 13}) {
         std::string seed(25, '\0');
         seed[1] = flags;

@@ -1,12 +1,11 @@
-// Print files in the viewer: a file is refused at a place within it, or every page has the rows that it says
-// it has, its image lies within them, and it is described and drawn.
+// Print files in the viewer: a file is refused at an offset within it, or every page has as many rows as it
+// claims, with its image within them, and can be described and drawn.
 
 #include "engine/print_stream.h"
 #include "fuzz/input.h"
 #include "fuzz/target.h"
 #include "tests/tools/orvexview/made_files.h"
 #include "tools/orvexview/base64_decoder.h"
-#include "tools/orvexview/layout_picture.h"
 #include "tools/orvexview/page_pictures.h"
 #include "tools/orvexview/print_file.h"
 #include "tools/orvexview/report.h"
@@ -16,7 +15,7 @@ namespace orvex::fuzz {
 using namespace tools::view;
 namespace {
 
-// The file of an input: its own bytes, or PJL lines and records, whose checksums are made right.
+// Returns the file for an input: its own bytes, or PJL lines and records with correct checksums.
 std::string FileOf(FuzzInput& input) {
     if (input.Flag()) return std::string(input.RestAsText());
     const uint8_t lines = input.Byte();
@@ -36,8 +35,8 @@ std::string FileOf(FuzzInput& input) {
 
 constexpr uint64_t kSmallPage = 4096;  // pixels of a page that is drawn
 
-// The image lies within its block, and the pictures have the sizes that follow; what they hold is checked by
-// the sanitizers only.
+// Requires that the image lies within its block and that the pictures have the resulting sizes. Only the
+// sanitizers check their contents.
 void CheckViews(const tools::view::PrintFile& file, const tools::view::PrintedPage& page,
                 const tools::view::PagePlacement& placement) {
     const tools::view::BlockArea area = tools::view::ImageArea(placement);
@@ -58,7 +57,7 @@ void CheckViews(const tools::view::PrintFile& file, const tools::view::PrintedPa
             200 + 2 * tools::view::kLayoutMargin + 1);
 }
 
-// The tables and pictures of a file that was taken.
+// Makes the tables and pictures of a file that was taken.
 void CheckViews(const tools::view::PrintFile& file) {
     std::vector<tools::view::PagePlacement> placements;
     for (const tools::view::PrintedPage& page : file.pages) {
@@ -86,7 +85,7 @@ void CheckPage(const tools::view::PrintedPage& page) {
     REQUIRE(rows == page.rows);
 }
 
-// The records of a print file in the form of an input.
+// Returns the input for the records of a print file.
 std::string SeedOf(std::string_view file, std::string_view lines) {
     std::string seed = std::string(1, '\0') + static_cast<char>(lines.size()) + std::string(lines);
     file.remove_prefix(print_stream::kPjlOpening.size());

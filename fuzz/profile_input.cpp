@@ -9,7 +9,7 @@ namespace orvex::fuzz {
 
 namespace {
 
-constexpr uint64_t kParts = 8;  // of the colours; a plane of either variant is one
+constexpr uint64_t kParts = 8;  // of the colors, each of them a plane of a variant in planar versions
 
 bool IsRare(std::span<const uint8_t> input) {
     uint32_t sum = 0;
@@ -17,8 +17,9 @@ bool IsRare(std::span<const uint8_t> input) {
     return (sum ^ sum >> 16) % kRare == 0;
 }
 
-// Puts the bytes into each eighth of the colours that begin at `begin`, each time one more than the last.
-void PutIntoColors(SparseFile& file, uint64_t begin, uint64_t size, std::string bytes, uint32_t where) {
+// Puts the bytes into each eighth of the colors, each byte one larger than in the eighth before.
+void PutIntoColors(plain::SparseFile& file, uint64_t begin, uint64_t size, std::string bytes,
+                   uint32_t where) {
     const uint64_t part = size / kParts;
     bytes.resize(static_cast<size_t>(std::min<uint64_t>(bytes.size(), part)));
     const uint64_t offset = where % (part - bytes.size() + 1);
@@ -32,7 +33,7 @@ void PutIntoColors(SparseFile& file, uint64_t begin, uint64_t size, std::string 
 
 ProfileInput TakeProfile(std::span<const uint8_t> input) {
     ProfileInput profile = {{}, IsRare(input)};
-    SparseFile& file = profile.file;
+    plain::SparseFile& file = profile.file;
     FuzzInput choices(input);
     const uint8_t choice = choices.Byte();
     if (choice & 0x80) {

@@ -1,4 +1,4 @@
-// Color profile files out of fuzzed inputs: what the driver's reader and the profile tool are both given.
+// Color profile files made from fuzzed inputs, for the driver's reader and for the profile tool.
 #pragma once
 
 #include <cstddef>
@@ -6,35 +6,35 @@
 #include <span>
 #include <string>
 
-#include "fuzz/sparse_file.h"
 #include "fuzz/target.h"
+#include "tests/plain/sparse_file.h"
 
 namespace orvex::fuzz {
 
 struct ProfileInput {
-    SparseFile file;
-    // Whether it is worth much time, as one input in kRare is, whatever else it holds: the colors of
-    // versions 1 to 4, of 16 and 128 MiB, are only there then.
+    plain::SparseFile file;
+    // One input in kRare may take long, whatever it holds: only then does it have all colors of versions 1 to
+    // 4, which are 16 or 128 MiB, and only then is it loaded and not just read.
     bool rare;
 };
 
 constexpr uint32_t kRare = 200;
 
-// Takes all of the input. Its first byte chooses: its own bytes as the file; or its tags behind a fitting
-// header, followed by colors that are cut short, or by the version's own number of them. Those are zeros,
-// but for the input's last bytes, which stand in each eighth of them.
+// Consumes the whole input. Its first byte selects its own bytes as the file, or its tags after a matching
+// header, followed by colors that are cut short or by as many as the version has. Those are zeros with the
+// input's last bytes in each eighth of them.
 ProfileInput TakeProfile(std::span<const uint8_t> input);
 
-// How the first byte of an input chooses; the version is added.
+// Values of an input's first byte; the version is added to the first two.
 constexpr char kProfileCut = 0, kProfileWhole = 8;
 constexpr char kProfileRaw = '\x80';
 
-// The input of a profile with these tags, of the area length that its header claims, and bytes that stand
-// among its colours, `where` bytes behind the beginning of each eighth.
+// Returns the input for a profile with these tags, an area of `areaLength` according to its header, and
+// `colors`, `where` bytes after the beginning of each eighth of its colors.
 std::string ProfileSeed(int choice, const std::string& tags, size_t areaLength,
                         const std::string& colors = "", uint32_t where = 0);
 
-// The input with bytes appended that make it a rare one.
+// Returns the input with bytes appended that make it a rare one.
 std::string RareSeed(const std::string& seed);
 
 }  // namespace orvex::fuzz

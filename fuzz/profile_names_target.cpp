@@ -1,4 +1,4 @@
-// profilenames.inf: a look-up finds what the plain definition of the file finds, whatever the file holds.
+// profilenames.inf: whatever the file contains, a look-up finds what the plain definition finds.
 
 #include <cstring>
 
@@ -21,7 +21,7 @@ constexpr WCHAR kSection[] = L"[DEU]";
 constexpr WCHAR kFile[] = L"a.zvp";
 constexpr size_t kNameCapacities[] = {0, 1, 2, 7, 100, 512};
 
-// The file's characters behind its mark; a half character at the end is none.
+// Returns the characters after the byte-order mark, without half a character at the end.
 std::u16string CharactersOf(std::string_view file) {
     file.remove_prefix(std::min<size_t>(2, file.size()));
     std::u16string characters(file.size() / 2, u'\0');
@@ -29,7 +29,7 @@ std::u16string CharactersOf(std::string_view file) {
     return characters;
 }
 
-// Its lines without their line ends, each up to its first zero character.
+// Returns the lines without their line ends, each cut at its first zero character.
 std::vector<std::u16string> LinesOf(std::u16string_view text) {
     std::vector<std::u16string> lines;
     while (!text.empty()) {

@@ -1,6 +1,8 @@
-// Color profile files: the loader and the catalogue read the tags alike, as the plain definition has them; a
-// profile that is taken fills the whole cache as its colors say, one that is refused leaves the generic
-// conversion in all of it.
+// Color profile files: the loader and the catalogue read the tags as the plain definition does. A profile
+// that is taken fills the whole cache with its colors; one that is refused leaves the generic conversion in
+// it.
+
+#include <cstring>
 
 #include "driver/color/color_cache.h"
 #include "driver/profiles/profile_catalogue.h"
@@ -8,12 +10,12 @@
 #include "driver/support/installation.h"
 #include "driver/support/text.h"
 #include "fuzz/fuzz_installation.h"
-#include "fuzz/generic_cache.h"
 #include "fuzz/profile_input.h"
-#include "fuzz/profile_model.h"
 #include "fuzz/target.h"
 #include "tests/driver/profiles/file_watch.h"
 #include "tests/driver/profiles/profile_bytes.h"
+#include "tests/plain/plain_tables.h"
+#include "tests/plain/profile.h"
 
 namespace orvex::fuzz {
 
@@ -25,34 +27,36 @@ constexpr size_t kLoaderName = 512;
 constexpr size_t kCatalogueName = 100;
 constexpr uint64_t kBeginning = 65536;  // more than the tags of any input take
 
-// What is read out of a profile apart from its colors.
+// What the driver reads from a profile besides its colors.
 struct ReadHead {
     std::vector<char> name = std::vector<char>(kLoaderName, '\0');
     signed char code = 99;
 };
 
-// Leaves something in each row of blues that no profile has there, so that what is not filled shows.
+// Writes a poison value into each row of blues, so that an entry that is not filled shows.
 void SpoilCache() {
     constexpr uint32_t kStep = 251;
     for (uint32_t color = 0; color < kCacheEntries; color += kStep) g_colorCache[color] = 0x5A5A5A5A;
 }
 
-// Through the loader, which always fills the cache.
+// Loads through zvc_load_profile, which always fills the cache.
 void CheckLoad(const std::string& path, int32_t resolution, int32_t version, ReadHead& head) {
     const int32_t kind =
         zvc_load_profile(path.c_str(), resolution, &head.code, head.name.data(), head.name.size());
     REQUIRE(kind == (version == 0 ? kEntries : version));
     REQUIRE(kind == g_cacheKind && g_profileLoaded == 1);
-    REQUIRE(version != 0 || IsGenericCache(g_colorCache, resolution == kResolution600 ? 50 : 100));
+    if (version != 0) return;
+    const plain::Table& generic = plain::GenericTable(resolution == kResolution600 ? 50 : 100);
+    REQUIRE(memcmp(g_colorCache, generic.data(), sizeof g_colorCache) == 0);
 }
 
-// Through the reader alone: a refusal then costs no filling of the cache.
+// Reads without the loader, so that a refused file does not cost a generic conversion.
 void CheckRead(const std::string& path, int32_t resolution, int32_t version, ReadHead& head) {
     REQUIRE(ReadProfile(path.c_str(), head.name.data(), head.name.size(), resolution == kResolution600,
                         g_colorCache, &head.code) == version);
 }
 
-// The name that the catalogue shows, as narrow text.
+// Returns the name that the catalogue shows, as narrow text.
 std::string CatalogueName() {
     const HeapArray<WCHAR> folder = GetInstallationFolder();
     HeapArray<WCHAR> names;
@@ -64,7 +68,7 @@ std::string CatalogueName() {
     return narrow;
 }
 
-// Through the code page and back: a name may hold bytes that are no characters.
+// Returns a name after its way through the code page and back: it may hold bytes that are no characters.
 std::string AsShown(const std::string& name) {
     WCHAR wide[512];
     char narrow[512];
@@ -76,9 +80,8 @@ std::string AsShown(const std::string& name) {
 
 void FuzzProfile(std::span<const uint8_t> input) {
     const ProfileInput profile = TakeProfile(input);
-    const SparseFile& file = profile.file;
+    const plain::SparseFile& file = profile.file;
     const std::string beginning = file.Beginning(kBeginning);
-    // The job's resolution: 600 dpi for every other size, one of the others for the rest.
     constexpr int32_t kAskedResolutions[] = {kResolution600, kResolution300, kResolution600,
                                              kResolutionOther};
     const int32_t resolution = kAskedResolutions[file.size % 4];
@@ -88,18 +91,20 @@ void FuzzProfile(std::span<const uint8_t> input) {
     file.Write(path);
     const FileWatch watch;
 
-    const TagWalk loaders = WalkTags(beginning, file.size, kLoaderName, at600Dpi);
+    const plain::TagWalk loaders = plain::WalkTags(beginning, file.size, kLoaderName, at600Dpi);
     const auto stated = static_cast<uint8_t>(loaders.accepted ? beginning[3] : 0);
-    const uint8_t version = HoldsColors(stated, file.size - loaders.colorsAt) ? stated : uint8_t{0};
+    const uint8_t version = plain::HoldsColors(stated, file.size - loaders.colorsAt) ? stated : uint8_t{0};
     if (profile.rare || version != 0) SpoilCache();
     ReadHead head;
     (profile.rare ? CheckLoad : CheckRead)(path, resolution, version, head);
     REQUIRE(head.code == loaders.code);
     REQUIRE(std::string_view(head.name.data()) == loaders.name);
     REQUIRE(watch.Open() == 0);
-    if (version != 0) CheckCache(file, version, loaders.colorsAt, at600Dpi);
+    if (version != 0) {
+        REQUIRE(plain::IsCacheOf(file, version, loaders.colorsAt, at600Dpi, g_colorCache));
+    }
 
-    const TagWalk catalogues = WalkTags(beginning, file.size, kCatalogueName, false);
+    const plain::TagWalk catalogues = plain::WalkTags(beginning, file.size, kCatalogueName, false);
     const std::string shown = CatalogueName();
     REQUIRE(shown == AsShown(catalogues.name.empty() ? "fuzz.zvp" : catalogues.name));
     REQUIRE(!loaders.accepted || !catalogues.accepted || loaders.name == catalogues.name);
@@ -118,7 +123,7 @@ Seeds ProfileSeeds() {
         ProfileSeed(kProfileWhole + 5, tags, length, "\xFF\xFF\xFF\xFF\1\2\3"),
         kProfileRaw + std::string("ZVC\1", 4) + Number32(15) + "????" + TagArea(""),
     };
-    // Through the loader: every version's colors, of both resolutions, and refusals.
+    // Inputs for the loader: the colors of every version at both resolutions, and refused files.
     for (int version = 1; version <= 5; ++version) {
         const std::string name = NameTag(std::string(static_cast<size_t>(version), 'n'));
         const uint32_t where = version == 2 ? 16777209 : 1000;  // the end of each plane

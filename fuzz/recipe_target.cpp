@@ -1,14 +1,14 @@
-// Recipes: one that is taken mixes into a profile that the driver reads, without more ink than its limit and
-// without the mark of an entry that is not computed; one that is refused gets an error that names its file.
+// Recipes: one that is taken makes a profile that the driver reads, with no more ink than its limit and no
+// entry that equals kNotComputed. One that is refused gets an error that names its file.
 
 #include <stdexcept>
 
 #include "driver/color/color_cache.h"
 #include "fuzz/fuzz_installation.h"
 #include "fuzz/input.h"
-#include "fuzz/profile_model.h"
 #include "fuzz/target.h"
-#include "tools/orvexprofile/ink_totals.h"
+#include "tests/plain/profile.h"
+#include "tools/orvexprofile/ink_treatment.h"
 #include "tools/orvexprofile/profile_writer.h"
 #include "tools/orvexprofile/recipe.h"
 
@@ -17,7 +17,7 @@ namespace orvex::fuzz {
 using namespace tools::profile;
 namespace {
 
-// Inks of a limited and scaled variant: each amount is rounded on its own.
+// Requires that a variant stays within its limit, but for the rounding of each amount.
 void CheckVariant(const Variant& variant, double limit, double scale) {
     const double most = limit * kFullAmount / 100 * scale / 100 + kInks / 2.0;
     for (const uint32_t inks : variant) {
@@ -34,9 +34,9 @@ void CheckMixed(const Recipe& recipe) {
     CheckVariant(profile.other, treatment.limit, treatment.scaleOther);
 
     const std::string file = EncodeProfile(profile);
-    const TagWalk walk = WalkTags(file, kLongestName + 1, true);
+    const plain::TagWalk walk = plain::WalkTags(file, kLongestName + 1, true);
     REQUIRE(file.size() == FileSize(profile));
-    REQUIRE(walk.accepted && HoldsColors(file, walk.colorsAt));
+    REQUIRE(walk.accepted && plain::HoldsColors(file, walk.colorsAt));
     REQUIRE(walk.name == recipe.name);
     REQUIRE(walk.code == recipe.codes.value_or(ResolutionCodes()).at600);
 }

@@ -1,5 +1,5 @@
-// The stand-in engine's row code: every row decodes to itself and is no longer than announced; any code
-// decodes to a row or a complaint, without a look behind its end.
+// The stand-in engine's row code: every row decodes to itself and its code is no longer than the announced
+// maximum. Any code decodes to a row or is refused, without a read past its end.
 
 #include <string_view>
 
@@ -16,7 +16,7 @@ namespace {
 
 constexpr uint32_t kMaxWidth = 600;
 
-// Rows with runs and repeated pixels, as bytes: 0 to 15 an ink value, others that many times the last one.
+// Reads a row: a byte from 0 to 15 is an ink value, any other repeats the last pixel that many times.
 std::vector<uint32_t> TakeRow(FuzzInput& input, uint32_t width) {
     std::vector<uint32_t> row;
     while (row.size() < width) {
@@ -60,7 +60,7 @@ void FuzzRowCode(std::span<const uint8_t> input) {
     const char* complaint = DecodeRow(rest, row);
     REQUIRE(rest.size() <= exact.size());
     REQUIRE(rest.data() + rest.size() == exact.data() + exact.size());
-    // What decodes, encodes again to something that decodes the same.
+    // A row that was decoded survives another round trip.
     if (complaint == nullptr) CheckRoundTrip(above, row);
 }
 

@@ -1,4 +1,4 @@
-// settings.inf: a look-up finds what the plain definition of the file finds, whatever the file holds.
+// settings.inf: whatever the file contains, a look-up finds what the plain definition finds.
 
 #include <bit>
 #include <cstdlib>
@@ -15,7 +15,7 @@ namespace orvex::fuzz {
 using namespace tools;
 namespace {
 
-constexpr size_t kPieceBytes = 253;  // a longer line comes in pieces, the byte behind each of which is lost
+constexpr size_t kPieceBytes = 253;  // longer lines are read in pieces, and the byte after each piece is lost
 
 struct Key {
     const char* section;
@@ -24,7 +24,7 @@ struct Key {
 constexpr Key kKeys[] = {{"[UI]", "Language="}, {"[Driver]", "Add_Thumb="}, {"[Color]", ""}};
 constexpr size_t kValueCapacities[] = {0, 1, 2, 7, 254, 1000};
 
-// The file's lines with their line ends, each up to its first zero byte.
+// Returns the lines with their line ends, each cut at its first zero byte.
 std::vector<std::string> LinesOf(std::string_view file) {
     std::vector<std::string> lines;
     while (!file.empty()) {
@@ -41,7 +41,7 @@ std::vector<std::string> LinesOf(std::string_view file) {
     return lines;
 }
 
-// What a look-up has to find: the first value that fits, else the last one, cut.
+// Returns the first value that fits or, if none does, the last one, cut.
 std::string Expected(std::string_view file, const Key& wanted, size_t capacity) {
     std::string found;
     bool inSection = false;

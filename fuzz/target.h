@@ -1,5 +1,5 @@
-// A fuzzed function of the system: it takes any bytes and breaks an invariant's REQUIRE when the system does
-// not hold it. The same functions run under libFuzzer and, over their seeds, in the tests.
+// Fuzzed functions. Each takes any bytes, drives one part of the system with them and ends the program
+// through REQUIRE when an invariant is broken. libFuzzer runs them, and the tests run them over their seeds.
 #pragma once
 
 #include <cstdint>
@@ -15,15 +15,15 @@ struct FuzzTarget {
     const char* name;
     void (*run)(std::span<const uint8_t> input);
     Seeds (*seeds)();        // small inputs that reach deep
-    const char* dictionary;  // words of the format, a libFuzzer dictionary's lines; null for none
+    const char* dictionary;  // words of the format as lines of a libFuzzer dictionary, or null
 };
 
 std::span<const FuzzTarget> FuzzTargets();
 
-// Null for an unknown name.
+// Returns null for an unknown name.
 const FuzzTarget* FindFuzzTarget(std::string_view name);
 
-// Little CMS, which reads ICC profiles, is there natively only.
+// Little CMS, which reads ICC profiles, is linked natively only.
 #ifdef ORVEX_LITTLE_CMS
 #define ICC_FUZZ_TARGET(ROW) ROW(icc, Icc)
 #else
@@ -35,14 +35,14 @@ const FuzzTarget* FindFuzzTarget(std::string_view name);
     ROW(profile_names, ProfileNames)     /* look-ups in profilenames.inf */       \
     ROW(media_import, MediaImport)       /* media.inf into the printer's data */  \
     ROW(label_data, LabelData)           /* labels out of the printer's data */   \
-    ROW(profile, Profile)                /* colour profile files */               \
+    ROW(profile, Profile)                /* color profile files */                \
     ROW(device_mode, DeviceModeMerge)    /* a caller's device mode */             \
     ROW(output_callback, OutputCallback) /* the engine's output to the spooler */ \
     ROW(page, Page)                      /* layout and rows of a page */          \
     ROW(row_code, RowCode)               /* the stand-in engine's rows */         \
     ROW(print_file, PrintFile)           /* print files in the viewer */          \
-    ROW(tool_profile, ToolProfile)       /* colour profiles in their tool */      \
-    ROW(recipe, Recipe)                  /* recipes of colour profiles */         \
+    ROW(tool_profile, ToolProfile)       /* color profiles in their tool */       \
+    ROW(recipe, Recipe)                  /* recipes of color profiles */          \
     ICC_FUZZ_TARGET(ROW)                 /* ICC profiles of printers */
 
 #define DECLARE_FUZZ_TARGET(name, function)              \
@@ -51,7 +51,7 @@ const FuzzTarget* FindFuzzTarget(std::string_view name);
 FUZZ_TARGETS(DECLARE_FUZZ_TARGET)
 #undef DECLARE_FUZZ_TARGET
 
-// Ends the program with a message when an invariant does not hold.
+// Prints the condition and its place and aborts if the condition is false.
 #define REQUIRE(condition) ((condition) ? void() : InvariantBroken(#condition, __FILE__, __LINE__))
 [[noreturn]] void InvariantBroken(const char* condition, const char* file, int line);
 

@@ -1,18 +1,17 @@
-// Color profile files in the profile tool: it judges every file as the plain definition does, and so as the
-// driver; a profile that is converted to its own version and written again reads the same; a refusal names
-// the file.
+// Color profile files in the profile tool: it judges every file as the plain definition, and so the driver,
+// does. A profile that is converted to its own version and written again reads the same. A refusal names the
+// file.
 
 #include <algorithm>
 #include <stdexcept>
 
 #include "fuzz/fuzz_installation.h"
 #include "fuzz/profile_input.h"
-#include "fuzz/profile_model.h"
 #include "fuzz/target.h"
 #include "tests/driver/profiles/profile_bytes.h"
+#include "tests/plain/profile.h"
 #include "tools/orvexprofile/conversion.h"
-#include "tools/orvexprofile/driver_colors.h"
-#include "tools/orvexprofile/profile_loading.h"
+#include "tools/orvexprofile/loaded_profile.h"
 #include "tools/orvexprofile/profile_writer.h"
 
 namespace orvex::fuzz {
@@ -27,14 +26,14 @@ std::string BeforeZero(const std::string& text) {
     return text.substr(0, text.find('\0'));
 }
 
-// What was read of a file that is refused, too, lies within it.
+// Requires that all tags lie within the file, those of a refused file too.
 void CheckTags(const ProfileFacts& facts, std::string_view file) {
     REQUIRE(facts.size == file.size());
     for (const TagFacts& tag : facts.tags) {
         REQUIRE(tag.data.size() <= tag.length);
         REQUIRE(file.substr(tag.offset + kTagHeaderSize, tag.data.size()) == tag.data);
     }
-    REQUIRE(BeforeZero(facts.Name().value_or("")) == WalkTags(file, kLongestName + 1, true).name);
+    REQUIRE(BeforeZero(facts.Name().value_or("")) == plain::WalkTags(file, kLongestName + 1, true).name);
 }
 
 Variant Loaded(const std::filesystem::path& path, PrintVariant variant) {
@@ -70,15 +69,15 @@ void CheckRefusal(const std::filesystem::path& path) {
 
 void FuzzToolProfile(std::span<const uint8_t> input) {
     const ProfileInput profile = TakeProfile(input);
-    if (profile.file.size > kMostBytes) return;  // millions of entries, one by one
+    if (profile.file.size > kMostBytes) return;  // comparing millions of entries takes too long
     const std::string file = profile.file.Beginning(kMostBytes);
     FuzzInstallation().Write("profiles/fuzz.zvp", file);
     const std::filesystem::path path = FuzzInstallation().Folder() / "profiles" / "fuzz.zvp";
 
-    const TagWalk at600 = WalkTags(file, kLongestName + 1, true);
-    const TagWalk other = WalkTags(file, kLongestName + 1, false);
+    const plain::TagWalk at600 = plain::WalkTags(file, kLongestName + 1, true);
+    const plain::TagWalk other = plain::WalkTags(file, kLongestName + 1, false);
     const ProfileFacts facts = LoadIntoDriver(path, PrintVariant::kOther);
-    REQUIRE(facts.Accepted() == (at600.accepted && HoldsColors(file, at600.colorsAt)));
+    REQUIRE(facts.Accepted() == (at600.accepted && plain::HoldsColors(file, at600.colorsAt)));
     CheckTags(facts, file);
     if (!facts.Accepted()) {
         CheckRefusal(path);
@@ -93,7 +92,7 @@ void FuzzToolProfile(std::span<const uint8_t> input) {
 Seeds ToolProfileSeeds() {
     const std::string tags = NameTag("Paper") + ResolutionTag(3, 6);
     const std::string unnamed = ResolutionTag('\x80', 0) + NameTag(std::string("zero\0inside", 11));
-    // The driver's mark in entries of colors with a component of 255.
+    // Entries that equal kNotComputed, in colors with a component of 255.
     const std::string marked =
         std::string(3, '\xFF') + std::string(2, '\0') + std::string(7, '\xFF') + "\1\2\3";
     return {

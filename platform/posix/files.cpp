@@ -22,8 +22,8 @@ namespace orvex::posix {
 
 namespace {
 
-// How a file is open: the uses of the handle, and the uses for which others may open the file meanwhile, both
-// as FILE_SHARE_... bits.
+// The way in which a file is open: the uses of the handle, and the uses for which others may open the file
+// meanwhile, both as FILE_SHARE_... bits.
 struct FileUse {
     dev_t device;
     ino_t inode;

@@ -7,7 +7,7 @@
 
 namespace orvex::posix {
 
-// What a handle refers to; closing the handle deletes it.
+// Object that a handle refers to; closing the handle deletes it.
 class KernelObject {
   public:
     virtual ~KernelObject() = default;
@@ -19,8 +19,8 @@ HANDLE OpenHandle(KernelObject* object);
 // Returns the object of a handle; null for a closed or foreign one.
 KernelObject* FindObject(HANDLE handle);
 
-// Takes the object away from its handle, which is closed by that; the caller owns it. Null for a closed or
-// foreign handle.
+// Takes the object away from its handle, which is closed by that; the caller owns it. Returns null for a
+// closed or foreign handle.
 KernelObject* ForgetHandle(HANDLE handle);
 
 // Counts the open handles, so that a test can see a leak.

@@ -1,4 +1,4 @@
-// Wide text of Windows and UTF-8. What is no valid text becomes replacement characters.
+// Wide text of Windows and UTF-8. Invalid text becomes replacement characters.
 #pragma once
 
 #include <string>

@@ -37,53 +37,48 @@ void ExpectRoundTrip(const Row& above, const Row& row) {
     ASSERT_EQ(Decode(above, Encode(above, row)), row);
 }
 
-uint8_t AboveBy(uint8_t count) {
-    return count;
-}
-uint8_t RunOf(uint8_t count) {
-    return static_cast<uint8_t>(0x40 | count);
-}
-uint8_t LiteralsOf(uint8_t count) {
-    return static_cast<uint8_t>(0x80 | count);
-}
+// The commands; a count from 1 to 63 is added to them.
+constexpr uint8_t kAbove = 0x00;
+constexpr uint8_t kRun = 0x40;
+constexpr uint8_t kLiterals = 0x80;
 
 }  // namespace
 
 TEST(RowEncoder, MakesOneCommandOfAnUnchangedRow) {
     const Row row = {1, 2, 3, 4, 5};
-    EXPECT_EQ(Encode(row, row), Bytes({AboveBy(5)}));
+    EXPECT_EQ(Encode(row, row), Bytes({kAbove + 5}));
 }
 
 TEST(RowEncoder, MakesOneRunOfARowOfOneInkValue) {
-    EXPECT_EQ(Encode(Row(9, 0), Row(9, 0x44332211)), Bytes({RunOf(9), 0x11, 0x22, 0x33, 0x44}));
+    EXPECT_EQ(Encode(Row(9, 0), Row(9, 0x44332211)), Bytes({kRun + 9, 0x11, 0x22, 0x33, 0x44}));
 }
 
 TEST(RowEncoder, MakesLiteralsOfNewPixels) {
-    EXPECT_EQ(Encode({0, 0}, {0x04030201, 0x08070605}), Bytes({LiteralsOf(2), 1, 2, 3, 4, 5, 6, 7, 8}));
+    EXPECT_EQ(Encode({0, 0}, {0x04030201, 0x08070605}), Bytes({kLiterals + 2, 1, 2, 3, 4, 5, 6, 7, 8}));
 }
 
 TEST(RowEncoder, PutsCountsUpTo63InTheCommandAndLongerOnesAfterIt) {
-    EXPECT_EQ(Encode(Row(63, 7), Row(63, 7)), Bytes({AboveBy(63)}));
-    EXPECT_EQ(Encode(Row(64, 7), Row(64, 7)), Bytes({AboveBy(0), 64, 0, 0, 0}));
-    EXPECT_EQ(Encode(Row(32768, 0), Row(32768, 1)), Bytes({RunOf(0), 0, 0x80, 0, 0, 1, 0, 0, 0}));
+    EXPECT_EQ(Encode(Row(63, 7), Row(63, 7)), Bytes({kAbove + 63}));
+    EXPECT_EQ(Encode(Row(64, 7), Row(64, 7)), Bytes({kAbove + 0, 64, 0, 0, 0}));
+    EXPECT_EQ(Encode(Row(32768, 0), Row(32768, 1)), Bytes({kRun + 0, 0, 0x80, 0, 0, 1, 0, 0, 0}));
 }
 
 TEST(RowEncoder, TakesTheLongerOfAboveAndRun) {
     const Row above = {5, 5, 5, 9, 9};
-    EXPECT_EQ(Encode(above, Row({5, 5, 5, 5, 5})), Bytes({RunOf(5), 5, 0, 0, 0}));
-    EXPECT_EQ(Encode(above, Row({5, 5, 5, 9, 9})), Bytes({AboveBy(5)}));
+    EXPECT_EQ(Encode(above, Row({5, 5, 5, 5, 5})), Bytes({kRun + 5, 5, 0, 0, 0}));
+    EXPECT_EQ(Encode(above, Row({5, 5, 5, 9, 9})), Bytes({kAbove + 5}));
 }
 
 TEST(RowEncoder, KeepsAMatchOfOnePixelAndARunOfTwoAsLiterals) {
     EXPECT_EQ(Encode({0, 7, 0, 0}, {1, 7, 3, 3}),
-              Bytes({LiteralsOf(4), 1, 0, 0, 0, 7, 0, 0, 0, 3, 0, 0, 0, 3, 0, 0, 0}));
+              Bytes({kLiterals + 4, 1, 0, 0, 0, 7, 0, 0, 0, 3, 0, 0, 0, 3, 0, 0, 0}));
 }
 
 TEST(RowEncoder, PutsOneCommandAfterTheOther) {
     const Row above = {0, 0, 0, 0, 0, 8, 9};
     const Row row = {1, 6, 6, 6, 2, 8, 9};
-    EXPECT_EQ(Encode(above, row), Bytes({LiteralsOf(1), 1, 0, 0, 0, RunOf(3), 6, 0, 0, 0, LiteralsOf(1), 2, 0,
-                                         0, 0, AboveBy(2)}));
+    EXPECT_EQ(Encode(above, row), Bytes({kLiterals + 1, 1, 0, 0, 0, kRun + 3, 6, 0, 0, 0, kLiterals + 1, 2, 0,
+                                         0, 0, kAbove + 2}));
 }
 
 TEST(RowEncoder, NeedsTheLargestSizeForARowOfDifferentPixels) {
@@ -130,7 +125,7 @@ TEST(RowEncoder, IsReversibleForRandomRows) {
     std::mt19937 random(20240521);
     for (int round = 0; round < 3000; ++round) {
         const uint32_t width = 1 + random() % 400;
-        const uint32_t values = 1 + random() % 5;  // few, so that there are matches and runs
+        const uint32_t values = round % 10 ? 1 + random() % 5 : UINT32_MAX;  // few make matches and runs
         const uint32_t stay = random() % 100;
         Row above(width);
         Row row(width);
@@ -139,17 +134,6 @@ TEST(RowEncoder, IsReversibleForRandomRows) {
             row[i] = i > 0 && random() % 100 < stay ? row[i - 1] : random() % values * 0x01010101u;
             if (random() % 100 < stay) row[i] = above[i];
         }
-        ExpectRoundTrip(above, row);
-    }
-}
-
-TEST(RowEncoder, IsReversibleForRandomBits) {
-    std::mt19937 random(7);
-    for (int round = 0; round < 300; ++round) {
-        Row above(1 + random() % 300);
-        Row row(above.size());
-        for (uint32_t& pixel : above) pixel = static_cast<uint32_t>(random());
-        for (uint32_t& pixel : row) pixel = static_cast<uint32_t>(random());
         ExpectRoundTrip(above, row);
     }
 }

@@ -1,8 +1,8 @@
-"""The small edits that the mutation run applies to the driver's sources, one at a time.
+"""The edits by which the mutation run changes the driver's sources, one at a time.
 
-A source is taken apart into tokens, without its comments and preprocessor lines. Nothing here knows C++ beyond that and
-the repository's own formatting, which puts blanks around binary operators and nowhere else: an edit that makes no sense
-does not compile and is not counted.
+A source is split into tokens without its comments and preprocessor lines. This code knows no C++ beyond that and the
+formatting, which puts spaces around binary operators only. An edit that makes no sense does not compile and does not
+count.
 """
 import re
 from dataclasses import dataclass
@@ -31,7 +31,7 @@ UNSPACED = {"++", "--"}
 
 WORDS = {"true": "false", "false": "true", "TRUE": "FALSE", "FALSE": "TRUE", "min": "max", "max": "min"}
 
-# Taken for each other wherever a name has them as a part.
+# Parts of names that are exchanged for each other.
 PARTS = {
     "red": "green", "green": "blue", "blue": "red",
     "black": "cyan", "cyan": "magenta", "magenta": "yellow", "yellow": "cyan",
@@ -40,16 +40,16 @@ PARTS = {
     "source": "destination", "destination": "source", "old": "fresh", "fresh": "old",
 }
 
-# No edit is made from such a word to the end of its statement.
+# Words that protect the rest of their statement from edits.
 UNTOUCHED = {"static_assert", "using", "template", "friend", "requires", "operator"}
 
-# Statements that begin with these are no expressions.
+# First words of statements that are not expressions.
 NO_EXPRESSION = {
     "return", "if", "else", "for", "while", "do", "switch", "case", "default", "break", "continue", "using", "typedef",
     "static_assert", "namespace", "struct", "class", "enum", "union", "template", "extern", "constexpr", "static",
     "public", "private", "protected", "virtual", "explicit", "inline", "friend", "goto",
 }
-SCOPES = {"TraceScope", "StageTimer", "LastErrorKept", "OwnedHandle"}  # objects that act by being there
+SCOPES = {"TraceScope", "StageTimer", "LastErrorKept", "OwnedHandle"}  # objects that act by their lifetime
 
 TABLE_ROW = re.compile(r"^[ ]+(?:\{.*\}|[A-Z]\w*\(.*\)),$", re.MULTILINE)
 
@@ -79,7 +79,7 @@ def tokens_of(source):
 
 
 def pairs_of(tokens):
-    """Where each bracket's partner stands, by position in `tokens`."""
+    """Returns the positions of the brackets' partners in `tokens`."""
     pairs, open_ones = {}, []
     for i, token in enumerate(tokens):
         if token.text in ("(", "{", "["):
@@ -91,7 +91,7 @@ def pairs_of(tokens):
 
 
 def statement_end(tokens, pairs, i):
-    """The position of the semicolon that ends what begins at `i`, or None."""
+    """Returns the position of the semicolon that ends the statement at `i`, or None."""
     while i < len(tokens):
         text = tokens[i].text
         if text == ";":
@@ -108,14 +108,14 @@ def begins_statement(tokens, pairs, i):
     before = tokens[i - 1].text
     if before == ")":
         return tokens[pairs.get(i - 1, 0) - 1].text in ("if", "for", "while", "constexpr")
-    if before == ";":  # not one of a for's head
+    if before == ";":  # but not in the head of a for
         return not any(tokens[j].text == "(" and j < i < pairs.get(j, 0) for j in range(max(0, i - 80), i)
                        if tokens[j - 1].text == "for")
     return before in ("{", "}", "else", ":")
 
 
 def ends_early(tokens, pairs, i, end):
-    """Whether the return at `i` is the end of an if."""
+    """Returns whether the return at `i` ends an if."""
     before = i - 1
     if tokens[end + 1].text == "}" and tokens[before].text != ")":
         before = pairs.get(end + 1, 0) - 1
@@ -133,7 +133,7 @@ def next_character(text):
 
 
 def next_number(text):
-    """A whole number and one; any other, and a hundredth of it."""
+    """Returns an integer plus 1, or any other number plus a hundredth of it."""
     match = re.fullmatch(r"(0[xX][\da-fA-F']+|[\d']+)([uUlLzZ]*)", text)
     if match:
         digits = match.group(1).replace("'", "")
@@ -164,7 +164,7 @@ def sign_edits(source, tokens, i):
         return
     if token.text in UNSPACED:
         if tokens[i - 1].text in (";", ",") and "\n" not in source[tokens[i - 1].end:token.begin]:
-            return  # in a for's head, where it would only hang
+            return  # in the head of a for, where it would only hang
     elif not is_spaced(source, token):
         return
     yield Edit(token.begin, token.end, SIGNS[token.text], "operator")
@@ -188,7 +188,7 @@ def condition_edits(tokens, pairs, i):
         return
     operators = signs_outside_brackets(tokens, pairs, opening + 1, pairs[opening])
     if not operators & {"&&", "||"} and (operators & {"==", "!="} or tokens[opening + 1].text == "!"):
-        return  # another edit does the same
+        return  # another edit has the same effect
     begin, end = tokens[opening].end, tokens[pairs[opening]].begin
     yield Edit(begin, begin, "!(", "condition"), Edit(end, end, ")", "condition")
 
@@ -217,7 +217,7 @@ def statement_edits(tokens, pairs, i):
 
 
 def edits_of(source):
-    """Every edit, as a tuple of replacements that belong together, in the order of the source."""
+    """Returns all edits in the order of the source, each as a tuple of replacements."""
     tokens = tokens_of(source)
     pairs = pairs_of(tokens)
     found = []

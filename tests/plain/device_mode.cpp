@@ -24,13 +24,13 @@ constexpr FlaggedField kFlaggedFields[] = {
     {0x100, 86, 2},       // copies
     {0x200, 88, 2},       // source
     {0x400, 90, 2},       // print quality
-    {0x800, 92, 2},       // colour
+    {0x800, 92, 2},       // color
     {0x1000, 94, 2},      // duplex
     {0x2000, 96, 2},      // vertical resolution
     {0x4000, 98, 2},      // fonts
     {0x8000, 100, 2},     // collation
     {0x10000, 102, 64},   // form name
-    {0x800000, 188, 4},   // colour management: method
+    {0x800000, 188, 4},   // color management: method
     {0x1000000, 192, 4},  // and intent
     {0x2000000, 196, 4},  // media
     {0x4000000, 200, 4},  // dithering

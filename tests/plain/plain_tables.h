@@ -1,5 +1,4 @@
-// Plain definitions of whole color tables. Compiled without sanitizers, which would slow them down to no
-// purpose.
+// Plain definitions of whole color tables, compiled without sanitizers to be fast.
 #pragma once
 
 #include <cstdint>

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
+#include <vector>
 
 namespace orvex::tools {
 
@@ -11,6 +12,17 @@ constexpr uint32_t kWhite = 0xFFFFFF;
 constexpr uint32_t kBlack = 0x000000;
 
 constexpr int kTextLineDots = 12;  // from one line of text to the next; letters are about 7 dots high
+
+// A rectangle in dots that is part of a letter, from the top left corner of its line of text.
+struct LetterStroke {
+    int x;
+    int y;
+    int width;
+    int height;
+};
+
+// Returns the rectangles that make up a line of printable ASCII text.
+std::vector<LetterStroke> LetterStrokes(std::string_view text);
 
 class Canvas {
   public:

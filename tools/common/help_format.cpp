@@ -11,6 +11,13 @@ constexpr size_t kLineWidth = 100;
 
 }  // namespace
 
+std::string HelpFormat::make_usage(const CLI::App* app, std::string name) const {
+    if (!usage_.empty()) return "Usage: " + name + " " + usage_ + "\n";
+    // The list of positional arguments begins with a blank line of its own.
+    const auto positional = [](const CLI::Option* option) { return option->get_positional(); };
+    return Formatter::make_usage(app, name) + (app->get_options(positional).empty() ? "\n" : "");
+}
+
 // Separates groups by one blank line.
 std::string HelpFormat::make_group(std::string group, bool isPositional,
                                    std::vector<const CLI::Option*> options) const {
@@ -40,6 +47,10 @@ std::string HelpFormat::make_option(const CLI::Option* option, bool isPositional
         fresh = false;
     }
     return out + line + "\n";
+}
+
+CLI::Validator Unnamed(CLI::Validator check) {
+    return check.description("");
 }
 
 }  // namespace orvex::tools

@@ -22,6 +22,20 @@ std::string DecimalText(double value, int digits) {
     return std::string(text, end);
 }
 
+std::string GroupedNumber(uint64_t number) {
+    std::string text = std::to_string(number);
+    for (size_t place = text.size(); place > 3; place -= 3) text.insert(place - 3, ",");
+    return text;
+}
+
+std::string MmText(double length, double lengthPerInch) {
+    return DecimalText(length * kMmPerInch / lengthPerInch, 1);
+}
+
+std::string SizeText(uint64_t width, uint64_t height) {
+    return std::to_string(width) + " x " + std::to_string(height);
+}
+
 std::optional<double> ParseNumber(std::string_view text) {
     text = WithoutPlus(text);
     if (text.empty() || text.size() > kMaxNumberLength) return std::nullopt;

@@ -1,7 +1,5 @@
 #include "tools/common/picture.h"
 
-#include <algorithm>
-
 namespace orvex::tools {
 
 uint32_t ScaleToFit(uint32_t pixels, uint32_t limit) {
@@ -58,10 +56,7 @@ void FillRectangle(Picture& picture, int64_t left, int64_t top, int64_t width, i
     const int64_t bottom = std::min<int64_t>(top + height, picture.height);
     for (int64_t y = std::max<int64_t>(top, 0); y < bottom; ++y) {
         for (int64_t x = std::max<int64_t>(left, 0); x < right; ++x) {
-            uint8_t* pixel = picture.At(static_cast<uint32_t>(x), static_cast<uint32_t>(y));
-            pixel[0] = color.red;
-            pixel[1] = color.green;
-            pixel[2] = color.blue;
+            StoreColor(picture.At(static_cast<uint32_t>(x), static_cast<uint32_t>(y)), color);
         }
     }
 }

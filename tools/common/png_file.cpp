@@ -2,17 +2,15 @@
 
 #include <lodepng.h>
 
-#include <algorithm>
 #include <cmath>
 #include <cstring>
-#include <fstream>
 #include <new>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
-#include "tools/common/output_file.h"
-#include "tools/common/units.h"
+#include "tools/common/number_text.h"
+#include "tools/common/whole_file.h"
 #include "tools/common/wide_text.h"
 
 namespace orvex::tools {
@@ -24,7 +22,7 @@ namespace {
 // The largest label is 297 mm wide and 902 mm long: 150 million pixels at 600 dpi.
 constexpr uint64_t kMaxPixels = 160'000'000;
 constexpr uint64_t kMaxRawBytes = uint64_t{1} << 30;
-constexpr uint64_t kMaxFileBytes = uint64_t{1} << 30;
+constexpr size_t kMaxFileBytes = size_t{1} << 30;
 constexpr unsigned kWrongSignature = 28;  // LodePNG's code for a file that is not a PNG at all
 constexpr unsigned kUnitMeter = 1;        // of pHYs
 constexpr uint32_t kBytesPerPixel = 4;
@@ -80,20 +78,6 @@ void FlattenInPlace(uint8_t* bytes, size_t pixels) {
     }
 }
 
-std::vector<uint8_t> ReadFile(const fs::path& path) {
-    std::error_code failure;
-    if (fs::is_directory(path, failure)) throw PageError("is a folder");
-    std::ifstream file(path, std::ios::binary | std::ios::ate);
-    if (!file) throw PageError("can't be opened");
-    const auto size = static_cast<uint64_t>(std::max<std::streamoff>(file.tellg(), 0));
-    if (size > kMaxFileBytes) throw PageError("is too large for a page");
-    std::vector<uint8_t> bytes(static_cast<size_t>(size));
-    file.seekg(0);
-    file.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(size));
-    if (!file) throw PageError("can't be read");
-    return bytes;
-}
-
 }  // namespace
 
 RasterImage DecodePng(std::span<const uint8_t> file) {
@@ -118,7 +102,7 @@ RasterImage DecodePng(std::span<const uint8_t> file) {
 
 RasterImage LoadPng(const fs::path& path) {
     try {
-        return DecodePng(ReadFile(path));
+        return DecodePng(ReadWholeFile(path, kMaxFileBytes));
     } catch (const PageError& error) {
         throw PageError(Utf8FromPath(path) + " " + error.what());
     } catch (const std::bad_alloc&) {

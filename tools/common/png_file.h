@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "tools/common/picture.h"
-#include "tools/common/raster_image.h"
 
 namespace orvex::tools {
 
@@ -17,7 +16,8 @@ namespace orvex::tools {
 // taken for them.
 RasterImage DecodePng(std::span<const uint8_t> file);
 
-// Decodes a PNG file; messages begin with its name.
+// Decodes a PNG file. Throws PageError, or std::runtime_error if the file can't be read; messages begin with
+// its name.
 RasterImage LoadPng(const std::filesystem::path& path);
 
 // Encodes a picture as a PNG file that states its resolution. Throws std::runtime_error.

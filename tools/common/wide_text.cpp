@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <climits>
 
-#ifndef _WIN32
+#ifdef _WIN32
+#include "platform/shell.h"
+#else
 #include "platform/posix/paths.h"
 #endif
 
@@ -75,6 +77,15 @@ std::u16string WindowsPath(const fs::path& path) {
 fs::path MachinePath(std::string_view windowsPath) {
     return PathFromUtf8(windowsPath);
 }
+std::vector<std::string> Utf8Arguments(int, char**) {
+    SetConsoleOutputCP(CP_UTF8);
+    std::vector<std::string> texts;
+    int wideCount = 0;
+    WCHAR** wide = CommandLineToArgvW(GetCommandLineW(), &wideCount);
+    for (int i = 1; i < wideCount; ++i) texts.push_back(Utf8(wide[i]));
+    LocalFree(wide);
+    return texts;
+}
 
 #else
 
@@ -89,6 +100,9 @@ std::u16string WindowsPath(const fs::path& path) {
 }
 fs::path MachinePath(std::string_view windowsPath) {
     return posix::PosixPath(std::string(windowsPath).c_str());
+}
+std::vector<std::string> Utf8Arguments(int count, char** arguments) {
+    return {arguments + 1, arguments + count};
 }
 
 #endif

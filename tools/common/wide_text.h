@@ -1,9 +1,11 @@
-// Text and paths, converted between the tools' UTF-8 and the wide and narrow texts of Windows.
+// Texts, paths and a program's arguments, converted between the tools' UTF-8 and the wide and narrow texts of
+// Windows.
 #pragma once
 
 #include <filesystem>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/windows.h"
 
@@ -35,5 +37,9 @@ std::string Utf8FromPath(const std::filesystem::path& path);
 // build, where drive C is a folder.
 std::u16string WindowsPath(const std::filesystem::path& path);
 std::filesystem::path MachinePath(std::string_view windowsPath);
+
+// Returns a program's arguments without its name. On Windows those of main() lack the characters that the
+// code page lacks, so they are taken from the command line; the console is also told that output is UTF-8.
+std::vector<std::string> Utf8Arguments(int count, char** arguments);
 
 }  // namespace orvex::tools

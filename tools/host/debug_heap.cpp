@@ -10,8 +10,6 @@ namespace orvex::tools {
 
 namespace {
 
-DebugHeap* current = nullptr;
-
 // The content of a fresh block.
 constexpr uint8_t kFresh = 0xCD;
 
@@ -27,7 +25,7 @@ constexpr bool kGuarded =
 
 }  // namespace
 
-struct HeapReplacements {
+struct DebugHeap::Replacements {
     static void* Malloc(size_t bytes) { return current->Allocate("malloc", bytes, false); }
     static void* Calloc(size_t count, size_t size) {
         if (size != 0 && count > SIZE_MAX / size) return nullptr;
@@ -57,19 +55,14 @@ struct HeapReplacements {
 };
 
 DebugHeap::DebugHeap(HMODULE module) {
-    current = this;
-    patches_.Attach(module, {{"malloc", &HeapReplacements::Malloc},
-                             {"calloc", &HeapReplacements::Calloc},
-                             {"realloc", &HeapReplacements::Realloc},
-                             {"free", &HeapReplacements::Free},
-                             {"LocalAlloc", &HeapReplacements::LocalAlloc},
-                             {"LocalFree", &HeapReplacements::LocalFree}});
-    if (patches_.Original("malloc", &HeapReplacements::Malloc) == nullptr)
+    patches_.Attach(module, {{"malloc", &Replacements::Malloc},
+                             {"calloc", &Replacements::Calloc},
+                             {"realloc", &Replacements::Realloc},
+                             {"free", &Replacements::Free},
+                             {"LocalAlloc", &Replacements::LocalAlloc},
+                             {"LocalFree", &Replacements::LocalFree}});
+    if (patches_.Original("malloc", &Replacements::Malloc) == nullptr)
         throw std::logic_error("the module's heap is out of reach; natively it takes orvex_posix_heap");
-}
-
-DebugHeap::~DebugHeap() {
-    current = nullptr;
 }
 
 std::vector<std::span<const uint8_t>> DebugHeap::LiveBlocks() const {
@@ -81,7 +74,6 @@ std::vector<std::span<const uint8_t>> DebugHeap::LiveBlocks() const {
 }
 
 void* DebugHeap::Allocate(const char* function, size_t bytes, bool zeroed) {
-    ++allocations_;
     if (refuses_ && refuses_(function, bytes)) return nullptr;
     Block block = {bytes, nullptr};
     void* memory = nullptr;
@@ -93,7 +85,7 @@ void* DebugHeap::Allocate(const char* function, size_t bytes, bool zeroed) {
         }
         memory = block.memory->Data();
     } else {
-        memory = HeapReplacements::OriginalMalloc(bytes);
+        memory = Replacements::OriginalMalloc(bytes);
     }
     if (memory == nullptr) return nullptr;
     memset(memory, zeroed ? 0 : kFresh, bytes);
@@ -105,7 +97,7 @@ void* DebugHeap::Reallocate(void* memory, size_t bytes) {
     void* moved = Allocate("realloc", bytes, false);
     if (moved == nullptr || memory == nullptr) return moved;
     memcpy(moved, memory, std::min(bytes, live_.at(memory).bytes));
-    HeapReplacements::Free(memory);
+    Replacements::Free(memory);
     return moved;
 }
 
@@ -127,15 +119,11 @@ bool DebugHeap::Free(void* memory) {
         misuses_.push_back("something was written in front of a block of " + std::to_string(block.bytes) +
                            " bytes");
     }
-    PutAside(std::move(block.memory));
+    block.memory->Close();
+    freed_.push_back(std::move(block.memory));
+    if (freed_.size() > kKeptAside) freed_.pop_front();
     live_.erase(found);
     return true;
-}
-
-void DebugHeap::PutAside(std::unique_ptr<GuardedMemory> memory) {
-    memory->Close();
-    freed_.push_back(std::move(memory));
-    if (freed_.size() > kKeptAside) freed_.pop_front();
 }
 
 }  // namespace orvex::tools

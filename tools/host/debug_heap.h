@@ -4,8 +4,6 @@
 // On Windows each block ends at a guard page, starts out filled with a pattern, and stays inaccessible for a
 // long time after it is freed. Natively the blocks are the C library's own, which the sanitizers guard; the
 // program must be linked with orvex_posix_heap.
-//
-// Only one debug heap may exist at a time in a process.
 #pragma once
 
 #include <cstddef>
@@ -20,31 +18,27 @@
 
 #include "platform/windows.h"
 #include "tools/host/guarded_memory.h"
-#include "tools/host/patch_set.h"
+#include "tools/host/import_patch.h"
 
 namespace orvex::tools {
 
-class DebugHeap {
+class DebugHeap : public ImportService<DebugHeap> {
   public:
-    // Called before every allocation; returns whether to refuse it.
+    // Function that is called before every allocation and returns whether to refuse it.
     using Refusal = std::function<bool(const char* function, size_t bytes)>;
 
     // Serves all further allocations of `module`. Its earlier blocks are freed as before. On Windows the
     // heap's destruction frees all of its blocks, so the module must no longer use them.
     explicit DebugHeap(HMODULE module);
-    ~DebugHeap();
-    DebugHeap(const DebugHeap&) = delete;
-    DebugHeap& operator=(const DebugHeap&) = delete;
 
     void OnAllocate(Refusal refuses) { refuses_ = std::move(refuses); }
 
-    size_t Allocations() const { return allocations_; }
     std::vector<std::span<const uint8_t>> LiveBlocks() const;
-    // Blocks that were freed twice, or whose preceding bytes were overwritten, in words.
+    // Returns in words which blocks were freed twice, or had their preceding bytes overwritten.
     const std::vector<std::string>& Misuses() const { return misuses_; }
 
   private:
-    friend struct HeapReplacements;
+    struct Replacements;
 
     struct Block {
         size_t bytes;
@@ -55,15 +49,11 @@ class DebugHeap {
     void* Reallocate(void* memory, size_t bytes);
     // Returns false if the block is not of this heap, and was not freed.
     bool Free(void* memory);
-    // Keeps a freed block inaccessible for a while.
-    void PutAside(std::unique_ptr<GuardedMemory> memory);
 
     Refusal refuses_;
-    size_t allocations_ = 0;
     std::map<const void*, Block> live_;
     std::deque<std::unique_ptr<GuardedMemory>> freed_;  // the most recent ones, inaccessible
     std::vector<std::string> misuses_;
-    PatchSet patches_;
 };
 
 }  // namespace orvex::tools

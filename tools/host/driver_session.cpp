@@ -19,14 +19,6 @@ constexpr size_t kRecordAlignment = 1;
 constexpr size_t kRecordAlignment = alignof(DEVMODEW);
 #endif
 
-constexpr char kDeviceNote[] = "the driver refused the device (DrvEnablePDEV)";
-constexpr char kSurfaceNote[] = "the driver made no page bitmap (DrvEnableSurface)";
-constexpr char kStartDocNote[] = "the driver refused the job (DrvStartDoc)";
-constexpr char kStartPageNote[] = "the driver refused the page (DrvStartPage)";
-constexpr char kSendPageNote[] = "the driver did not send the page (DrvSendPage)";
-constexpr char kOverwriteNote[] = "the driver wrote around a record that it was given";
-constexpr char kEndDocNote[] = "the driver did not end the job (DrvEndDoc)";
-
 }  // namespace
 
 Device::~Device() {
@@ -138,15 +130,16 @@ bool DriverSession::ResetPdev(Device& old, Device& fresh) {
 
 JobOutcome DriverSession::RunJob(const JobPlan& plan) {
     const std::unique_ptr<Device> device = EnablePdev(plan.deviceMode);
-    if (device->Instance() == nullptr) return {.failure = kDeviceNote};
+    if (device->Instance() == nullptr) return {.failure = "the driver refused the device (DrvEnablePDEV)"};
     CompletePdev(*device);
-    if (!EnableSurface(*device)) return {.failure = kSurfaceNote};
+    if (!EnableSurface(*device)) return {.failure = "the driver made no page bitmap (DrvEnableSurface)"};
     const uint64_t refusals = engine_.Books().refusalCount;
     JobOutcome outcome = RunDocument(*device, plan);
     const bool intact = device->Intact();
     DisableSurface(*device);
     DisablePdev(*device);
-    if (outcome.Printed()) outcome.failure = intact ? Trouble(refusals) : kOverwriteNote;
+    if (outcome.Printed())
+        outcome.failure = intact ? Trouble(refusals) : "the driver wrote around a record that it was given";
     return outcome;
 }
 
@@ -159,15 +152,15 @@ JobOutcome DriverSession::RunDocument(Device& device, const JobPlan& plan) {
         return !outcome.failure.empty();
     };
     // If the driver accepted the job and only the host saw a failure, the driver must end it.
-    if (failed(StartDoc(device, plan.title, plan.jobId), kStartDocNote)) {
+    if (failed(StartDoc(device, plan.title, plan.jobId), "the driver refused the job (DrvStartDoc)")) {
         if (engine_.Bound()) EndDoc(device, ED_ABORTDOC);
         return outcome;
     }
     try {
         for (size_t page = 0; page < plan.pages; ++page) {
-            if (failed(StartPage(device), kStartPageNote)) break;
+            if (failed(StartPage(device), "the driver refused the page (DrvStartPage)")) break;
             if (plan.draw) plan.draw(page, *device.Surface());
-            if (failed(SendPage(device), kSendPageNote)) break;
+            if (failed(SendPage(device), "the driver did not send the page (DrvSendPage)")) break;
             ++outcome.pagesPrinted;
         }
     } catch (...) {
@@ -177,7 +170,7 @@ JobOutcome DriverSession::RunDocument(Device& device, const JobPlan& plan) {
     const std::string pageFailure = outcome.failure;
     const bool ended = EndDoc(device, pageFailure.empty() ? 0 : ED_ABORTDOC);
     if (pageFailure.empty()) {
-        failed(ended, kEndDocNote);
+        failed(ended, "the driver did not end the job (DrvEndDoc)");
     } else {
         outcome.failure = pageFailure;
     }

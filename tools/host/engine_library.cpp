@@ -1,7 +1,8 @@
 #include "tools/host/engine_library.h"
 
 #include <cstring>
-#include <string_view>
+
+#include <strings.h>
 
 #include "tools/common/wide_text.h"
 
@@ -11,23 +12,9 @@ namespace fs = std::filesystem;
 
 namespace {
 
-EngineLibrary* current = nullptr;
-
-constexpr std::u16string_view kLibraryName = u"hpcrlib.dll";
+constexpr char kLibraryName[] = "hpcrlib.dll";
 constexpr size_t kMaxRefusals = 16;
 constexpr size_t kMaxPages = 100000;
-
-char16_t LowerAscii(char16_t c) {
-    return c >= u'A' && c <= u'Z' ? static_cast<char16_t>(c + 32) : c;
-}
-
-bool IsEngineLibrary(std::u16string_view name) {
-    if (name.size() != kLibraryName.size()) return false;
-    for (size_t i = 0; i < name.size(); ++i) {
-        if (LowerAscii(name[i]) != kLibraryName[i]) return false;
-    }
-    return true;
-}
 
 std::string Numbered(const char* call, uint64_t number) {
     return call + std::string(" ") + std::to_string(number);
@@ -36,7 +23,7 @@ std::string Numbered(const char* call, uint64_t number) {
 }  // namespace
 
 // The functions that the driver calls in place of the engine's.
-struct EngineThunks {
+struct EngineLibrary::Thunks {
     static PrintEngine& Entries() { return current->entries_; }
     static EngineBooks& Books() { return current->books_; }
     static EnginePage* CurrentPage() { return Books().pages.empty() ? nullptr : &Books().pages.back(); }
@@ -107,25 +94,21 @@ struct EngineThunks {
     }
 };
 
-namespace {
-
-PrintEngine thunks = {
-    .HPCRLIB_JobStart = &EngineThunks::JobStart,
-    .HPCRLIB_JobEnd = &EngineThunks::JobEnd,
-    .HPCRLIB_PageStart = &EngineThunks::PageStart,
-    .HPCRLIB_RasterBlockStart = &EngineThunks::BlockStart,
-    .HPCRLIB_RasterRow = &EngineThunks::Row,
-    .HPCRLIB_RasterBlockEnd = &EngineThunks::BlockEnd,
-    .HPCRLIB_PageEnd = &EngineThunks::PageEnd,
-};
-
-}  // namespace
-
 // The loader's functions as the driver imports them.
-struct LoaderReplacements {
+struct EngineLibrary::LoaderReplacements {
+    inline static PrintEngine thunks = {
+        .HPCRLIB_JobStart = &Thunks::JobStart,
+        .HPCRLIB_JobEnd = &Thunks::JobEnd,
+        .HPCRLIB_PageStart = &Thunks::PageStart,
+        .HPCRLIB_RasterBlockStart = &Thunks::BlockStart,
+        .HPCRLIB_RasterRow = &Thunks::Row,
+        .HPCRLIB_RasterBlockEnd = &Thunks::BlockEnd,
+        .HPCRLIB_PageEnd = &Thunks::PageEnd,
+    };
+
     static HMODULE WINAPI Load(LPCWSTR name) {
         const auto original = current->patches_.Original("LoadLibraryW", &Load);
-        if (!IsEngineLibrary(AsView(name))) return original(name);
+        if (strcasecmp(Utf8(name).c_str(), kLibraryName) != 0) return original(name);
         if (current->loadingFails_) {
             SetLastError(ERROR_MOD_NOT_FOUND);
         } else if (const auto* file = std::get_if<fs::path>(&current->source_)) {
@@ -180,14 +163,6 @@ struct LoaderReplacements {
         return std::holds_alternative<PrintEngine>(current->source_) ? TRUE : original(module);
     }
 };
-
-EngineLibrary::EngineLibrary(EngineSource source) : source_(std::move(source)) {
-    current = this;
-}
-
-EngineLibrary::~EngineLibrary() {
-    current = nullptr;
-}
 
 void EngineLibrary::Attach(HMODULE module) {
     patches_.Attach(module, {{"LoadLibraryW", &LoaderReplacements::Load},

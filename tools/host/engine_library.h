@@ -1,8 +1,6 @@
 // The print engine's library as the driver binds it. The driver's request for hpcrlib.dll is answered with a
 // file that the host chooses, or with a test's own functions. Either way the driver gets thunks that pass on
 // every call and record it, because the driver itself only logs what the engine refuses.
-//
-// Only one engine library may exist at a time in a process.
 #pragma once
 
 #include <cstdint>
@@ -14,7 +12,7 @@
 
 #include "engine/hpcrlib.h"
 #include "platform/windows.h"
-#include "tools/host/patch_set.h"
+#include "tools/host/import_patch.h"
 
 namespace orvex::tools {
 
@@ -47,12 +45,9 @@ struct EngineBooks {
     uint64_t refusalCount = 0;
 };
 
-class EngineLibrary {
+class EngineLibrary : public ImportService<EngineLibrary> {
   public:
-    explicit EngineLibrary(EngineSource source);
-    ~EngineLibrary();
-    EngineLibrary(const EngineLibrary&) = delete;
-    EngineLibrary& operator=(const EngineLibrary&) = delete;
+    explicit EngineLibrary(EngineSource source) : source_(std::move(source)) {}
 
     void Attach(HMODULE module);
 
@@ -68,8 +63,8 @@ class EngineLibrary {
     }
 
   private:
-    friend struct EngineThunks;
-    friend struct LoaderReplacements;
+    struct Thunks;
+    struct LoaderReplacements;
 
     void Refused(std::string complaint);
 
@@ -79,7 +74,6 @@ class EngineLibrary {
     bool loadingFails_ = false;
     EngineBooks books_;
     std::function<void(const EnginePage&, uint64_t)> onRow_;
-    PatchSet patches_;
 };
 
 }  // namespace orvex::tools

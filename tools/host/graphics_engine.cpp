@@ -7,8 +7,6 @@ namespace orvex::tools {
 
 namespace {
 
-GraphicsEngine* current = nullptr;
-
 constexpr LONG kMaxExtentPx = 1 << 20;
 constexpr size_t kBytesPerPixel = 4;
 constexpr size_t kMaxRecords = 10000;  // erasures and complaints kept
@@ -16,7 +14,7 @@ constexpr size_t kMaxRecords = 10000;  // erasures and complaints kept
 }  // namespace
 
 // The graphics engine's functions as a driver imports them.
-struct GraphicsReplacements {
+struct GraphicsEngine::Replacements {
     static HBITMAP APIENTRY CreateBitmap(SIZEL size, LONG stride, ULONG format, ULONG flags, PVOID bits) {
         if (current->Fails(GraphicsService::kCreateBitmap)) return nullptr;
         if (size.cx <= 0 || size.cy <= 0 || size.cx > kMaxExtentPx || size.cy > kMaxExtentPx ||
@@ -114,20 +112,12 @@ struct GraphicsReplacements {
     }
 };
 
-GraphicsEngine::GraphicsEngine() {
-    current = this;
-}
-
-GraphicsEngine::~GraphicsEngine() {
-    current = nullptr;
-}
-
 void GraphicsEngine::Attach(HMODULE module) {
-    patches_.Attach(module, {{"EngCreateBitmap", &GraphicsReplacements::CreateBitmap},
-                             {"EngAssociateSurface", &GraphicsReplacements::AssociateSurface},
-                             {"EngDeleteSurface", &GraphicsReplacements::DeleteSurface},
-                             {"EngEraseSurface", &GraphicsReplacements::EraseSurface},
-                             {"EngCreatePalette", &GraphicsReplacements::CreatePalette}});
+    patches_.Attach(module, {{"EngCreateBitmap", &Replacements::CreateBitmap},
+                             {"EngAssociateSurface", &Replacements::AssociateSurface},
+                             {"EngDeleteSurface", &Replacements::DeleteSurface},
+                             {"EngEraseSurface", &Replacements::EraseSurface},
+                             {"EngCreatePalette", &Replacements::CreatePalette}});
 }
 
 HDEV GraphicsEngine::AddDevice() {

@@ -1,7 +1,5 @@
 // The part of the graphics engine that a printer driver calls: surfaces and palettes. The bits of a surface
 // and the SURFOBJ that hooks receive are in guarded memory.
-//
-// Only one graphics engine may exist at a time in a process.
 #pragma once
 
 #include <cstdint>
@@ -12,7 +10,7 @@
 
 #include "platform/windows.h"
 #include "tools/host/guarded_memory.h"
-#include "tools/host/patch_set.h"
+#include "tools/host/import_patch.h"
 
 namespace orvex::tools {
 
@@ -45,13 +43,8 @@ struct Erasure {
     ULONG color;
 };
 
-class GraphicsEngine {
+class GraphicsEngine : public ImportService<GraphicsEngine> {
   public:
-    GraphicsEngine();
-    ~GraphicsEngine();
-    GraphicsEngine(const GraphicsEngine&) = delete;
-    GraphicsEngine& operator=(const GraphicsEngine&) = delete;
-
     // Serves the functions of the graphics engine that `module` imports.
     void Attach(HMODULE module);
 
@@ -73,11 +66,11 @@ class GraphicsEngine {
 
     uint32_t Calls(GraphicsService service) const { return services_[static_cast<size_t>(service)].calls; }
     const std::vector<Erasure>& Erasures() const { return erasures_; }
-    // Calls with arguments that no graphics engine would accept, in words.
+    // Returns in words which calls had arguments that no graphics engine would accept.
     const std::vector<std::string>& Complaints() const { return complaints_; }
 
   private:
-    friend struct GraphicsReplacements;
+    struct Replacements;
 
     struct Service {
         uint32_t calls = 0;
@@ -96,7 +89,6 @@ class GraphicsEngine {
     std::vector<std::string> complaints_;
     Service services_[kGraphicsServices];
     uintptr_t nextHandle_ = 0x1000;
-    PatchSet patches_;
 };
 
 }  // namespace orvex::tools

@@ -1,12 +1,13 @@
 #include "tools/host/printer_data.h"
 
+#include <strings.h>
+
 #include <algorithm>
-#include <fstream>
-#include <iterator>
+#include <cstring>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
-#include "tools/common/output_file.h"
+#include "tools/common/whole_file.h"
 #include "tools/common/wide_text.h"
 
 namespace orvex::tools {
@@ -16,26 +17,13 @@ using nlohmann::json;
 
 namespace {
 
-char Small(char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-bool Precedes(std::string_view a, std::string_view b) {
-    const auto before = [](char x, char y) {
-        return static_cast<unsigned char>(Small(x)) < static_cast<unsigned char>(Small(y));
-    };
-    return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(), before);
-}
-
-bool SameName(std::string_view a, std::string_view b) {
-    return !Precedes(a, b) && !Precedes(b, a);
-}
-
 // Returns the part of `path` after `key` and its backslash; empty if `path` is not below `key`.
-std::string_view Below(std::string_view path, std::string_view key) {
+std::string_view Below(std::string_view path, const std::string& key) {
     if (key.empty()) return path;
-    if (path.size() <= key.size() || path[key.size()] != '\\' || !SameName(path.substr(0, key.size()), key))
+    if (path.size() <= key.size() || path[key.size()] != '\\' ||
+        strncasecmp(path.data(), key.c_str(), key.size()) != 0) {
         return {};
+    }
     return path.substr(key.size() + 1);
 }
 
@@ -66,15 +54,12 @@ std::string BytesFromHex(std::string_view hex) {
 }
 
 std::string DwordBytes(uint32_t number) {
-    std::string bytes;
-    for (int shift = 0; shift < 32; shift += 8) bytes += static_cast<char>(number >> shift);
-    return bytes;
+    return {reinterpret_cast<const char*>(&number), sizeof number};
 }
 
 uint32_t DwordOf(std::string_view bytes) {
     uint32_t number = 0;
-    for (int i = 3; i >= 0; --i)
-        number = number << 8 | static_cast<unsigned char>(bytes[static_cast<size_t>(i)]);
+    memcpy(&number, bytes.data(), sizeof number);
     return number;
 }
 
@@ -106,14 +91,10 @@ PrinterValue ValueFromJson(const json& value) {
     return {NumberFromJson(value.at("type")), BytesFromHex(value.at("hex").get<std::string>())};
 }
 
-std::runtime_error FileError(const char* what, const fs::path& path, const std::string& why = {}) {
-    return std::runtime_error(what + Utf8FromPath(path) + (why.empty() ? "" : ": " + why));
-}
-
 }  // namespace
 
 bool PrinterData::NameOrder::operator()(const std::string& a, const std::string& b) const {
-    return Precedes(a, b);
+    return strcasecmp(a.c_str(), b.c_str()) < 0;
 }
 
 void PrinterData::Set(const std::string& key, const std::string& value, PrinterValue content) {
@@ -147,7 +128,10 @@ std::vector<std::string> PrinterData::SubKeys(const std::string& key) const {
         if (!name.empty()) names.emplace_back(name);
     }
     std::sort(names.begin(), names.end(), NameOrder());
-    names.erase(std::unique(names.begin(), names.end(), &SameName), names.end());
+    const auto same = [](const std::string& a, const std::string& b) {
+        return strcasecmp(a.c_str(), b.c_str()) == 0;
+    };
+    names.erase(std::unique(names.begin(), names.end(), same), names.end());
     return names;
 }
 
@@ -180,21 +164,15 @@ PrinterData PrinterData::FromJson(std::string_view text) {
 }
 
 void PrinterData::Save(const fs::path& path) const {
-    try {
-        WriteWholeFile(path, ToJson());
-    } catch (const std::runtime_error& error) {
-        throw std::runtime_error(std::string("cannot write printer data: ") + error.what());
-    }
+    WriteWholeFile(path, ToJson());
 }
 
 PrinterData PrinterData::Load(const fs::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    if (!file) throw FileError("cannot read printer data from ", path);
-    const std::string text{std::istreambuf_iterator<char>(file), {}};
+    const std::string text = ReadWholeText(path);
     try {
         return FromJson(text);
     } catch (const std::runtime_error& error) {
-        throw FileError("there is no printer data in ", path, error.what());
+        throw std::runtime_error("there is no printer data in " + Utf8FromPath(path) + ": " + error.what());
     }
 }
 

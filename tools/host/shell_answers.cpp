@@ -13,8 +13,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-ShellAnswers* current = nullptr;
-
 // The two names that the driver appends to the common application data folder.
 constexpr std::u16string_view kInstallationNames[] = {u"Quorvane", u"Orvex Series"};
 
@@ -23,7 +21,7 @@ constexpr size_t kRoomAfterFolder = 64;
 
 }  // namespace
 
-struct ShellReplacements {
+struct ShellAnswers::Replacements {
     static BOOL WINAPI SpecialFolder(HWND window, LPWSTR path, int folder, BOOL create) {
         if (folder != CSIDL_COMMON_APPDATA) {
             const auto original = current->patches_.Original("SHGetSpecialFolderPathW", &SpecialFolder);
@@ -41,9 +39,8 @@ struct ShellReplacements {
     // folder.
     static BOOL WINAPI Append(LPWSTR path, LPCWSTR more) {
         if (AsView(path) == current->folder_) {
-            for (size_t i = 0; i < std::size(kInstallationNames); ++i) {
-                if (AsView(more) == kInstallationNames[i])
-                    return static_cast<int>(i) + 1 != current->failingAppend_;
+            for (const std::u16string_view name : kInstallationNames) {
+                if (AsView(more) == name) return TRUE;
             }
         }
         return current->patches_.Original("PathAppendW", &Append)(path, more);
@@ -72,17 +69,12 @@ ShellAnswers::ShellAnswers(const fs::path& installation) {
         throw std::runtime_error("the path of the installation folder is too long for the driver: " +
                                  Utf8FromPath(installation));
     }
-    current = this;
-}
-
-ShellAnswers::~ShellAnswers() {
-    current = nullptr;
 }
 
 void ShellAnswers::Attach(HMODULE module) {
-    patches_.Attach(module, {{"SHGetSpecialFolderPathW", &ShellReplacements::SpecialFolder},
-                             {"PathAppendW", &ShellReplacements::Append},
-                             {"GetLocaleInfoW", &ShellReplacements::LocaleInfo}});
+    patches_.Attach(module, {{"SHGetSpecialFolderPathW", &Replacements::SpecialFolder},
+                             {"PathAppendW", &Replacements::Append},
+                             {"GetLocaleInfoW", &Replacements::LocaleInfo}});
 }
 
 void ShellAnswers::SetLanguage(std::optional<std::string> abbreviation) {

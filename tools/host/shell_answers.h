@@ -1,7 +1,5 @@
 // The shell's and the system's answers to the driver, so that the host chooses the installation folder and
 // the language, and those of the machine stay untouched.
-//
-// Only one set of answers may exist at a time in a process.
 #pragma once
 
 #include <filesystem>
@@ -9,37 +7,30 @@
 #include <string>
 
 #include "platform/windows.h"
-#include "tools/host/patch_set.h"
+#include "tools/host/import_patch.h"
 
 namespace orvex::tools {
 
-class ShellAnswers {
+class ShellAnswers : public ImportService<ShellAnswers> {
   public:
     // `installation` is the folder itself, whatever its name. Throws std::runtime_error if its path is too
     // long for the driver.
     explicit ShellAnswers(const std::filesystem::path& installation);
-    ~ShellAnswers();
-    ShellAnswers(const ShellAnswers&) = delete;
-    ShellAnswers& operator=(const ShellAnswers&) = delete;
 
     void Attach(HMODULE module);
 
     // Sets the abbreviated name of the system's language, such as "DEU"; empty: the machine's own.
     void SetLanguage(std::optional<std::string> abbreviation);
 
-    // Make the query for the folder fail with an error code, or the appending of the first or second of the
-    // two names that follow it; 0 ends the failing.
+    // Makes the query for the folder fail with an error code; 0 ends the failing.
     void FailFolder(DWORD code) { folderError_ = code; }
-    void FailAppend(int nth) { failingAppend_ = nth; }
 
   private:
-    friend struct ShellReplacements;
+    struct Replacements;
 
     std::u16string folder_;
     std::optional<std::u16string> language_;
     DWORD folderError_ = 0;
-    int failingAppend_ = 0;
-    PatchSet patches_;
 };
 
 }  // namespace orvex::tools

@@ -1,16 +1,12 @@
 #include "tools/host/spooler.h"
 
-#include <cstdio>
 #include <cstring>
-#include <stdexcept>
 
 #include "tools/common/wide_text.h"
 
 namespace orvex::tools {
 
 namespace {
-
-Spooler* current = nullptr;
 
 // Range of the handles, which no kernel object has. Each is given out once.
 constexpr uintptr_t kFirstHandle = 0x5F000000;
@@ -65,13 +61,13 @@ DWORD AnswerBytes(std::string_view bytes, void* buffer, DWORD size, LPDWORD need
 
 }  // namespace
 
-struct SpoolerReplacements {
+struct Spooler::Replacements {
     static BOOL WINAPI Write(HANDLE handle, LPVOID bytes, DWORD size, LPDWORD written) {
         DWORD code = ERROR_INVALID_HANDLE;
         *written = 0;
-        const Spooler::OpenPrinter* open = current->Enter("WritePrinter", handle, &code);
+        const OpenPrinter* open = current->Enter("WritePrinter", handle, &code);
         if (open == nullptr) return Refuse(code);
-        Spooler::Printer& printer = *open->printer;
+        Printer& printer = *open->printer;
         const std::string_view taken(static_cast<const char*>(bytes), size);
         if (!printer.sink) {
             printer.written += taken;
@@ -95,7 +91,7 @@ struct SpoolerReplacements {
     static BOOL WINAPI Get(HANDLE handle, DWORD level, LPBYTE buffer, DWORD size, LPDWORD needed) {
         DWORD code = ERROR_INVALID_HANDLE;
         *needed = 0;
-        const Spooler::OpenPrinter* open = current->Enter("GetPrinterW", handle, &code);
+        const OpenPrinter* open = current->Enter("GetPrinterW", handle, &code);
         if (open == nullptr) return Refuse(code);
         if (level != 2) return Refuse(ERROR_INVALID_LEVEL);
         using Info = PRINTER_INFO_2W;
@@ -117,7 +113,7 @@ struct SpoolerReplacements {
                                  LPDWORD needed) {
         DWORD code = ERROR_INVALID_HANDLE;
         *needed = 0;
-        const Spooler::OpenPrinter* open = current->Enter("GetPrinterDriverW", handle, &code);
+        const OpenPrinter* open = current->Enter("GetPrinterDriverW", handle, &code);
         if (open == nullptr) return Refuse(code);
         if (level != 3) return Refuse(ERROR_INVALID_LEVEL);
         using Info = DRIVER_INFO_3W;
@@ -138,7 +134,7 @@ struct SpoolerReplacements {
     static DWORD WINAPI EnumKey(HANDLE handle, LPCWSTR key, LPWSTR subKeys, DWORD size, LPDWORD needed) {
         DWORD code = ERROR_INVALID_HANDLE;
         *needed = 0;
-        const Spooler::OpenPrinter* open = current->Enter("EnumPrinterKeyW", handle, &code);
+        const OpenPrinter* open = current->Enter("EnumPrinterKeyW", handle, &code);
         if (open == nullptr) return code;
         const PrinterData& data = open->printer->data;
         const std::string path = NarrowFromUtf8(Utf8(key));
@@ -154,7 +150,7 @@ struct SpoolerReplacements {
                                 DWORD size, LPDWORD needed) {
         DWORD code = ERROR_INVALID_HANDLE;
         *needed = 0;
-        const Spooler::OpenPrinter* open = current->Enter("GetPrinterDataExA", handle, &code);
+        const OpenPrinter* open = current->Enter("GetPrinterDataExA", handle, &code);
         if (open == nullptr) return code;
         const PrinterValue* value = open->printer->data.Find(key, name);
         if (value == nullptr) return ERROR_FILE_NOT_FOUND;
@@ -165,7 +161,7 @@ struct SpoolerReplacements {
     static DWORD WINAPI SetData(HANDLE handle, LPCSTR key, LPCSTR name, DWORD type, LPBYTE bytes,
                                 DWORD size) {
         DWORD code = ERROR_INVALID_HANDLE;
-        const Spooler::OpenPrinter* open = current->Enter("SetPrinterDataExA", handle, &code);
+        const OpenPrinter* open = current->Enter("SetPrinterDataExA", handle, &code);
         if (open == nullptr) return code;
         if ((open->access & kMayAdminister) == 0) return ERROR_ACCESS_DENIED;
         open->printer->data.Set(key, name, {type, std::string(reinterpret_cast<const char*>(bytes), size)});
@@ -180,24 +176,15 @@ struct SpoolerReplacements {
     }
 };
 
-Spooler::Spooler() {
-    if (current != nullptr) throw std::logic_error("there already is a spooler");
-    current = this;
-}
-
-Spooler::~Spooler() {
-    current = nullptr;
-}
-
 void Spooler::Attach(HMODULE module) {
-    patches_.Attach(module, {{"WritePrinter", &SpoolerReplacements::Write},
-                             {"OpenPrinterW", &SpoolerReplacements::Open},
-                             {"GetPrinterW", &SpoolerReplacements::Get},
-                             {"GetPrinterDriverW", &SpoolerReplacements::GetDriver},
-                             {"EnumPrinterKeyW", &SpoolerReplacements::EnumKey},
-                             {"GetPrinterDataExA", &SpoolerReplacements::GetData},
-                             {"SetPrinterDataExA", &SpoolerReplacements::SetData},
-                             {"CloseHandle", &SpoolerReplacements::Close}});
+    patches_.Attach(module, {{"WritePrinter", &Replacements::Write},
+                             {"OpenPrinterW", &Replacements::Open},
+                             {"GetPrinterW", &Replacements::Get},
+                             {"GetPrinterDriverW", &Replacements::GetDriver},
+                             {"EnumPrinterKeyW", &Replacements::EnumKey},
+                             {"GetPrinterDataExA", &Replacements::GetData},
+                             {"SetPrinterDataExA", &Replacements::SetData},
+                             {"CloseHandle", &Replacements::Close}});
 }
 
 Spooler::Printer& Spooler::AddPrinter(std::string name, std::string driverName) {
@@ -220,12 +207,7 @@ bool Spooler::Close(HANDLE handle) {
 
 void Spooler::FailCall(const std::string& function, int nth, DWORD code) {
     Function& failing = functions_[function];
-    if (nth == kEveryCall) {
-        failing.failsAlways = true;
-        failing.alwaysCode = code;
-    } else {
-        failing.failures[failing.calls + nth] = code;
-    }
+    failing.failures[failing.calls + nth] = code;
 }
 
 int Spooler::Calls(const std::string& function) const {
@@ -237,8 +219,8 @@ bool Spooler::Fails(const char* name, DWORD* code) {
     Function& function = functions_[name];
     ++function.calls;
     const auto failure = function.failures.find(function.calls);
-    if (failure == function.failures.end() && !function.failsAlways) return false;
-    *code = failure != function.failures.end() ? failure->second : function.alwaysCode;
+    if (failure == function.failures.end()) return false;
+    *code = failure->second;
     return true;
 }
 
@@ -249,10 +231,8 @@ const Spooler::OpenPrinter* Spooler::Enter(const char* function, HANDLE handle, 
 const Spooler::OpenPrinter* Spooler::Find(HANDLE handle, const char* function) {
     const auto found = open_.find(handle);
     if (found != open_.end()) return &found->second;
-    char sentence[128];
-    snprintf(sentence, sizeof sentence, "%s: %s", function,
-             IsOurs(handle) ? "the printer handle is closed already" : "this is no printer handle");
-    misuses_.emplace_back(sentence);
+    misuses_.push_back(function + std::string(IsOurs(handle) ? ": the printer handle is closed already"
+                                                             : ": this is no printer handle"));
     return nullptr;
 }
 

@@ -14,14 +14,14 @@
 #include <vector>
 
 #include "platform/windows.h"
-#include "tools/host/patch_set.h"
+#include "tools/host/import_patch.h"
 #include "tools/host/printer_data.h"
 
 namespace orvex::tools {
 
-class Spooler {
+class Spooler : public ImportService<Spooler> {
   public:
-    // Takes the bytes of one WritePrinter call; returns false to make it fail.
+    // Receiver of the bytes of one WritePrinter call; returns false to make the call fail.
     using Sink = std::function<bool(std::string_view bytes)>;
 
     struct Printer {
@@ -31,14 +31,6 @@ class Spooler {
         Sink sink;  // if empty, the bytes are collected in `written`
         std::string written;
     };
-
-    static constexpr int kEveryCall = 0;
-
-    // Throws std::logic_error if there already is a spooler.
-    Spooler();
-    ~Spooler();
-    Spooler(const Spooler&) = delete;
-    Spooler& operator=(const Spooler&) = delete;
 
     // Serves the spooler calls of `module`, null for this program, as long as the spooler lives. Several
     // modules can be attached.
@@ -54,18 +46,18 @@ class Spooler {
 
     size_t OpenHandles() const { return open_.size(); }
 
-    // Wrong uses of handles, one sentence each: handles closed before, or never given out.
+    // Returns the wrong uses of handles, one sentence each: of handles closed before, or never given out.
     const std::vector<std::string>& Misuses() const { return misuses_; }
 
-    // Makes the `nth` further call of a function fail with `code`; 1 is the next one, and kEveryCall all of
-    // them. A failing call has no other effect.
+    // Makes the `nth` further call of a function fail with `code`; 1 is the next one. A failing call has no
+    // other effect.
     void FailCall(const std::string& function, int nth, DWORD code);
 
     // Returns the number of calls of a function so far; of CloseHandle only those with the spooler's handles.
     int Calls(const std::string& function) const;
 
   private:
-    friend struct SpoolerReplacements;
+    struct Replacements;
 
     struct OpenPrinter {
         Printer* printer;
@@ -73,8 +65,6 @@ class Spooler {
     };
     struct Function {
         int calls = 0;
-        bool failsAlways = false;
-        DWORD alwaysCode = 0;
         std::map<int, DWORD> failures;  // error code by number of the call
     };
 
@@ -93,7 +83,6 @@ class Spooler {
     size_t handlesGiven_ = 0;
     std::vector<std::string> misuses_;
     std::map<std::string, Function> functions_;
-    PatchSet patches_;
 };
 
 }  // namespace orvex::tools

@@ -47,6 +47,10 @@ CLI::Option* Add(CLI::App& app, const char* name, const char* type, const char* 
     return app.add_option(name)->description(help)->type_name(type)->group(group)->take_last();
 }
 
+void AddFlag(CLI::App& app, const char* name, const char* group, const char* help) {
+    app.add_flag(name)->description(help)->group(group);
+}
+
 void AddSetting(CLI::App& app, const Setting& setting) {
     const std::string help = std::string(setting.help) + " (" + RangeText(setting) + ")";
     if (setting.IsSwitch()) {
@@ -63,26 +67,16 @@ void AddPageOptions(CLI::App& app) {
         ->expected(1, -1)
         ->allow_extra_args()
         ->group(kPages);
-    app.add_flag("--test-page")
-        ->description("print the built-in self-test page instead of files")
-        ->group(kPages);
+    AddFlag(app, "--test-page", kPages, "print the built-in self-test page instead of files");
     Add(app, "--size", "WxH", kPages,
         "width and length of the label, in mm or in (" + PaperText(kLeastPaper) + " to " +
             PaperText(kMostPaper) + ")");
     Add(app, "--label", "NAME", kPages, "a label of the printer's list instead; see --list");
-    app.add_flag("--landscape")
-        ->description("turn the page: the label's length runs across it")
-        ->group(kPages);
-    app.add_flag("--portrait")
-        ->description("turn the page back if a loaded device mode is landscape")
-        ->group(kPages);
-    app.add_flag("--fit")
-        ->description("scale each page to the largest size that the label holds")
-        ->group(kPages);
-    app.add_flag("--smooth")
-        ->description(
-            "blend the pixels of enlarged pages, for photographs; bars and text are sharper without it")
-        ->group(kPages);
+    AddFlag(app, "--landscape", kPages, "turn the page: the label's length runs across it");
+    AddFlag(app, "--portrait", kPages, "turn the page back if a loaded device mode is landscape");
+    AddFlag(app, "--fit", kPages, "scale each page to the largest size that the label holds");
+    AddFlag(app, "--smooth", kPages,
+            "blend the pixels of enlarged pages, for photographs; bars and text are sharper without it");
     Add(app, "--image-dpi", "N", kPages,
         "resolution of pages that state none (10 to 10000 dpi; default: the job's)");
 }
@@ -90,10 +84,8 @@ void AddPageOptions(CLI::App& app) {
 void AddOutputOptions(CLI::App& app) {
     Add(app, "-o,--output", "FILE", kOutput, "the print file; it appears when it is complete");
     Add(app, "--title", "NAME", kOutput, "name of the job (default: the name of the first page)");
-    app.add_flag("--dry-run")
-        ->description("show the settings and the page's place, and print nothing")
-        ->group(kOutput);
-    app.add_flag("--list")->description("list the printer's labels and colour profiles")->group(kOutput);
+    AddFlag(app, "--dry-run", kOutput, "show the settings and the page's place, and print nothing");
+    AddFlag(app, "--list", kOutput, "list the printer's labels and colour profiles");
     Add(app, "--load-devmode", "FILE", kOutput, "start from the settings of a device mode file (916 bytes)");
     Add(app, "--save-devmode", "FILE", kOutput, "write the job's settings to such a file");
 }
@@ -115,10 +107,6 @@ std::optional<std::string> Given(const CLI::App& app, const char* option) {
     const CLI::Option* const found = app.get_option(option);
     if (found->count() == 0) return std::nullopt;
     return found->results().back();
-}
-
-bool IsGiven(const CLI::App& app, const char* option) {
-    return app.get_option(option)->count() > 0;
 }
 
 fs::path GivenPath(const CLI::App& app, const char* option) {
@@ -170,12 +158,12 @@ void ReadSettings(const CLI::App& app, JobOptions& options) {
         const bool bare = setting.IsSwitch() && *text == "true";
         options.settings.emplace_back(&setting, bare ? 1 : ParseSetting(setting, *text));
     }
-    if (IsGiven(app, "--landscape") && IsGiven(app, "--portrait")) {
+    if (app.count("--landscape") > 0 && app.count("--portrait") > 0) {
         throw OptionError("--landscape and --portrait: give one of them");
     }
     const Setting& orientation = FindSetting("--orientation");
-    if (IsGiven(app, "--landscape")) options.settings.emplace_back(&orientation, DMORIENT_LANDSCAPE);
-    if (IsGiven(app, "--portrait")) options.settings.emplace_back(&orientation, DMORIENT_PORTRAIT);
+    if (app.count("--landscape") > 0) options.settings.emplace_back(&orientation, DMORIENT_LANDSCAPE);
+    if (app.count("--portrait") > 0) options.settings.emplace_back(&orientation, DMORIENT_PORTRAIT);
 }
 
 // Checks that there are pages and an output if the command line asks to print.
@@ -190,19 +178,12 @@ void CheckTask(const JobOptions& options) {
     if (options.output.empty()) throw OptionError("no output: name a file with -o FILE");
 }
 
-class PrintHelpFormat : public HelpFormat {
-  public:
-    std::string make_usage(const CLI::App*, std::string name) const override {
-        return "Usage: " + name + " [options] -o FILE PAGE.png...\n";
-    }
-};
-
 }  // namespace
 
 std::optional<JobOptions> ParseJobOptions(const std::vector<std::string>& arguments, std::ostream& help) {
     CLI::App app(kDescription, "orvexprint");
     app.allow_windows_style_options(false);  // a name may begin with a slash
-    app.formatter(std::make_shared<PrintHelpFormat>());
+    app.formatter(std::make_shared<HelpFormat>("[options] -o FILE PAGE.png..."));
     app.footer(kExamples);
     app.set_help_flag();
 
@@ -221,11 +202,11 @@ std::optional<JobOptions> ParseJobOptions(const std::vector<std::string>& argume
         throw OptionError(std::string(error.what()) + "; --help shows what there is");
     }
     JobOptions options;
-    options.testPage = IsGiven(app, "--test-page");
-    options.fit = IsGiven(app, "--fit");
-    options.smooth = IsGiven(app, "--smooth");
-    options.dryRun = IsGiven(app, "--dry-run");
-    options.list = IsGiven(app, "--list");
+    options.testPage = app.count("--test-page") > 0;
+    options.fit = app.count("--fit") > 0;
+    options.smooth = app.count("--smooth") > 0;
+    options.dryRun = app.count("--dry-run") > 0;
+    options.list = app.count("--list") > 0;
     ReadPaths(app, options);
     ReadWords(app, options);
     ReadSettings(app, options);

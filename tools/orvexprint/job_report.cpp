@@ -5,7 +5,6 @@
 #include "driver/config/device_mode.h"
 #include "driver/support/text.h"
 #include "tools/common/number_text.h"
-#include "tools/common/units.h"
 #include "tools/common/wide_text.h"
 #include "tools/orvexprint/setting_table.h"
 
@@ -26,11 +25,11 @@ void Line(std::ostream& out, const std::string& name, const std::string& value) 
 }
 
 std::string Pixels(int32_t pixels, int dpi) {
-    return std::to_string(pixels) + " pixels (" + DecimalText(pixels * kMmPerInch / dpi, 1) + " mm)";
+    return std::to_string(pixels) + " pixels (" + MmText(pixels, dpi) + " mm)";
 }
 
 std::string Units(int32_t units) {
-    return std::to_string(units) + " units (" + DecimalText(units / kUnitsPerInch * kMmPerInch, 1) + " mm)";
+    return std::to_string(units) + " units (" + MmText(units / kUnitsPerInch, 1) + " mm)";
 }
 
 std::string ProfileOf(const DeviceMode& mode) {

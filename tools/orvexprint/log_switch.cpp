@@ -1,10 +1,8 @@
 #include "tools/orvexprint/log_switch.h"
 
-#include <fstream>
-#include <iterator>
 #include <stdexcept>
 
-#include "tools/common/output_file.h"
+#include "tools/common/whole_file.h"
 
 namespace orvex::tools::print {
 
@@ -13,9 +11,7 @@ namespace fs = std::filesystem;
 LogSwitch::LogSwitch(fs::path control, int mask) : control_(std::move(control)) {
     std::error_code failure;
     fs::create_directories(control_.parent_path(), failure);
-    std::ifstream earlier(control_, std::ios::binary);
-    if (earlier) before_.emplace(std::istreambuf_iterator<char>(earlier), std::istreambuf_iterator<char>());
-    earlier.close();
+    if (fs::exists(control_, failure)) before_ = ReadWholeText(control_);
     try {
         WriteWholeFile(control_, std::to_string(mask));
     } catch (const std::runtime_error& error) {

@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <iostream>
 
-#include "tools/common/utf8_arguments.h"
+#include "tools/common/wide_text.h"
 #include "tools/orvexprint/orvexprint.h"
 
 #ifdef _WIN32

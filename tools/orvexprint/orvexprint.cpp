@@ -5,9 +5,8 @@
 #include <stdexcept>
 
 #include "tools/common/number_text.h"
-#include "tools/common/output_file.h"
 #include "tools/common/png_file.h"
-#include "tools/common/progress.h"
+#include "tools/common/whole_file.h"
 #include "tools/common/wide_text.h"
 #include "tools/host/driver_session.h"
 #include "tools/orvexprint/job_options.h"
@@ -15,6 +14,7 @@
 #include "tools/orvexprint/log_switch.h"
 #include "tools/orvexprint/page_placement.h"
 #include "tools/orvexprint/printer_settings.h"
+#include "tools/orvexprint/progress.h"
 #include "tools/orvexprint/test_page.h"
 
 namespace orvex::tools::print {

@@ -5,7 +5,6 @@
 #include <string>
 
 #include "tools/common/number_text.h"
-#include "tools/common/units.h"
 
 namespace orvex::tools::print {
 
@@ -19,12 +18,8 @@ double DevicePixels(uint32_t pixels, double perMeter, uint32_t dpi) {
     return pixels / perMeter * (dpi / kMetersPerInch);
 }
 
-std::string Millimeters(double devicePixels, uint32_t dpi) {
-    return DecimalText(devicePixels * kMmPerInch / dpi, 1);
-}
-
-std::string SizeText(double width, double height, uint32_t dpi) {
-    return Millimeters(width, dpi) + " x " + Millimeters(height, dpi) + " mm";
+std::string RealSize(double width, double height, uint32_t dpi) {
+    return MmText(width, dpi) + " x " + MmText(height, dpi) + " mm";
 }
 
 uint32_t Rounded(double pixels, uint32_t most) {
@@ -43,13 +38,12 @@ PagePlace FindPlace(const RasterImage& image, const PagePlacing& placing) {
         width *= scale;
         height *= scale;
     } else if (width > placing.pageWidth + kSparePx || height > placing.pageHeight + kSparePx) {
-        throw PageError("measures " + SizeText(width, height, placing.dpi) +
+        throw PageError("measures " + RealSize(width, height, placing.dpi) +
                         " and is larger than the label of " +
-                        SizeText(placing.pageWidth, placing.pageHeight, placing.dpi) + "; --fit scales it");
+                        RealSize(placing.pageWidth, placing.pageHeight, placing.dpi) + "; --fit scales it");
     } else if (width < 0.5 || height < 0.5) {
-        throw PageError("is smaller than a pixel of the printer: " + std::to_string(image.width) + " x " +
-                        std::to_string(image.height) + " pixels at " +
-                        DecimalText(density.x * kMetersPerInch, 0) + " x " +
+        throw PageError("is smaller than a pixel of the printer: " + SizeText(image.width, image.height) +
+                        " pixels at " + DecimalText(density.x * kMetersPerInch, 0) + " x " +
                         DecimalText(density.y * kMetersPerInch, 0) + " dpi; --fit scales it");
     }
     PagePlace place;

@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "tools/common/raster_image.h"
+#include "tools/common/picture.h"
 #include "tools/orvexprint/resample.h"
 
 namespace orvex::tools::print {

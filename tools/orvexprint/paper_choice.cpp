@@ -17,11 +17,6 @@ constexpr double kTenthsPerMm = 10;
 constexpr double kTenthsPerInch = 254;
 constexpr uint32_t kPaperFields = DM_PAPERSIZE | DM_PAPERLENGTH | DM_PAPERWIDTH | DM_FORMNAME;
 
-std::string PaperRange() {
-    return "WIDTHxLENGTH in mm or in, from " + PaperText(kLeastPaper) + " to " + PaperText(kMostPaper) +
-           ", such as 100x150mm or 4x6in";
-}
-
 std::string_view CutSuffix(std::string_view text, std::string_view suffix) {
     text.remove_suffix(suffix.size());
     while (text.ends_with(' ')) text.remove_suffix(1);
@@ -48,20 +43,15 @@ PaperSize ParsePaperSize(std::string_view text) {
         numbers = CutSuffix(text, "in");
         perUnit = kTenthsPerInch;
     }
-    const size_t cross = numbers.find('x');
-    std::optional<double> width;
-    std::optional<double> length;
-    if (cross != std::string_view::npos) {
-        width = ParseNumber(numbers.substr(0, cross));
-        length = ParseNumber(numbers.substr(cross + 1));
-    }
-    if (!width || !length || !(*width > 0 && *width < 1e5 && *length > 0 && *length < 1e5)) {
-        throw WrongValue("--size", text, PaperRange());
-    }
-    const PaperSize size = {Tenths(*width, perUnit), Tenths(*length, perUnit)};
+    const size_t cross = std::min(numbers.find('x'), numbers.size());
+    const std::optional<double> width = ParseNumber(numbers.substr(0, cross));
+    const std::optional<double> length = ParseNumber(numbers.substr(std::min(cross + 1, numbers.size())));
+    const PaperSize size = {Tenths(width.value_or(0), perUnit), Tenths(length.value_or(0), perUnit)};
     if (size.width < kLeastPaper.width || size.width > kMostPaper.width || size.length < kLeastPaper.length ||
         size.length > kMostPaper.length) {
-        throw WrongValue("--size", text, PaperRange());
+        throw WrongValue("--size", text,
+                         "WIDTHxLENGTH in mm or in, from " + PaperText(kLeastPaper) + " to " +
+                             PaperText(kMostPaper) + ", such as 100x150mm or 4x6in");
     }
     return size;
 }

@@ -1,14 +1,13 @@
 #include "tools/orvexprint/printer_settings.h"
 
 #include <cstring>
-#include <fstream>
-#include <iterator>
 #include <stdexcept>
 
 #include "driver/config/device_mode_defaults.h"
 #include "driver/config/device_mode_merge.h"
 #include "driver/profiles/profile_catalogue.h"
 #include "driver/support/text.h"
+#include "tools/common/whole_file.h"
 #include "tools/common/wide_text.h"
 
 namespace orvex::tools::print {
@@ -83,12 +82,9 @@ DeviceMode PrinterSettings::Effective(const DeviceMode& requested) const {
 }
 
 DeviceMode LoadDeviceMode(const fs::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    if (!file) throw std::runtime_error("the device mode " + Utf8FromPath(path) + " can't be opened");
+    const std::vector<uint8_t> bytes = ReadWholeFile(path);
     DeviceMode mode;
-    std::vector<char> bytes(sizeof mode + 1);
-    file.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    if (file.gcount() != sizeof mode) {
+    if (bytes.size() != sizeof mode) {
         throw std::runtime_error(Utf8FromPath(path) + " is no device mode: it does not have 916 bytes");
     }
     memcpy(&mode, bytes.data(), sizeof mode);

@@ -24,8 +24,6 @@ class PrinterSettings {
     // Reading the defaults imports the installation's labels into a printer that has none.
     explicit PrinterSettings(DriverSession& session);
 
-    // Returns the printer's default device mode.
-    const DeviceMode& Defaults() const { return defaults_; }
     const std::vector<LabelSize>& Labels() const { return labels_; }
     std::vector<InstalledProfile> Profiles() const;
 

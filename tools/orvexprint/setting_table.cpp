@@ -1,11 +1,11 @@
 #include "tools/orvexprint/setting_table.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 
 #include "driver/config/device_mode.h"
 #include "tools/common/number_text.h"
-#include "tools/common/units.h"
 
 namespace orvex::tools::print {
 
@@ -125,10 +125,8 @@ std::optional<double> NumberInUnit(const Setting& setting, std::string_view text
 }
 
 bool Takes(const Setting& setting, int value) {
-    for (const int16_t each : setting.numbers) {
-        if (each == value) return true;
-    }
-    return setting.numbers.empty() && value >= setting.least && value <= setting.most;
+    if (setting.numbers.empty()) return value >= setting.least && value <= setting.most;
+    return std::find(setting.numbers.begin(), setting.numbers.end(), value) != setting.numbers.end();
 }
 
 }  // namespace

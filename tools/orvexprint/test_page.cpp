@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "tools/common/units.h"
+#include "tools/common/number_text.h"
 #include "tools/orvexprint/barcode.h"
 
 namespace orvex::tools::print {
@@ -169,7 +169,8 @@ Columns LayColumns(const Sheet& sheet, double top, const std::vector<NamedValue>
     const double height = sheet.HeightMm() - kGapMm - top;
     const double width = sheet.WidthMm() - kRulerMm - kGapMm;
     columns.lines = std::max(static_cast<int>(height / sheet.TextLineMm()), 0);
-    columns.pairs = std::max(static_cast<int>(width / (columns.names + columns.values)), 1);
+    const double pair = columns.names + columns.values;
+    columns.pairs = pair > 0 ? std::max(static_cast<int>(width / pair), 1) : 1;
     return columns;
 }
 

@@ -1,7 +1,6 @@
 #include "tools/orvexprofile/conversion.h"
 
-#include "tools/orvexprofile/driver_colors.h"
-#include "tools/orvexprofile/profile_loading.h"
+#include "tools/orvexprofile/loaded_profile.h"
 
 namespace orvex::tools::profile {
 
@@ -20,7 +19,7 @@ Variant StoredEntries(int version) {
 Profile ConvertProfile(const std::filesystem::path& path, int version) {
     Profile profile;
     profile.version = version;
-    for (PrintVariant variant : {PrintVariant::kAt600, PrintVariant::kOther}) {
+    for (PrintVariant variant : kBothVariants) {
         const ProfileFacts facts = LoadAccepted(path, variant);
         profile.name = facts.Name();
         profile.codes = facts.Codes();
@@ -46,18 +45,15 @@ std::string_view VersionLoss(int version) {
     switch (version) {
         case 3:
             return "Version 3 holds every second value of each component. The driver prints all other "
-                   "colours without "
-                   "ink: 7 of 8, and all with a component of 255, pure red, green and blue among them.";
+                   "colours without ink: 7 of 8, and all with a component of 255, pure red, green and blue "
+                   "among them.";
         case 4:
             return "Version 4 holds every second value of each component. The driver prints the other "
-                   "colours through "
-                   "its built-in conversion and with red and blue exchanged, those with a component of 255 "
-                   "too: only "
-                   "colours with even components, and greys, keep their hue.";
+                   "colours through its built-in conversion and with red and blue exchanged, those with a "
+                   "component of 255 too: only colours with even components, and greys, keep their hue.";
         case 5:
             return "Version 5 holds 17 values of each component. The driver interpolates between them; finer "
-                   "detail "
-                   "is lost.";
+                   "detail is lost.";
         default:
             return "";
     }

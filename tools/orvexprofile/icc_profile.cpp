@@ -32,19 +32,6 @@ void KeepMessage(cmsContext context, cmsUInt32Number, const char* text) {
     *static_cast<std::string*>(cmsGetContextUserData(context)) = text;
 }
 
-cmsUInt32Number IntentCode(RenderingIntent intent) {
-    switch (intent) {
-        case RenderingIntent::kPerceptual:
-            return INTENT_PERCEPTUAL;
-        case RenderingIntent::kRelativeColorimetric:
-            return INTENT_RELATIVE_COLORIMETRIC;
-        case RenderingIntent::kSaturation:
-            return INTENT_SATURATION;
-        default:
-            return INTENT_ABSOLUTE_COLORIMETRIC;
-    }
-}
-
 }  // namespace
 
 // Handles of Little CMS. They are closed from the last to the first: the context after everything in it.
@@ -62,7 +49,7 @@ struct IccProfile::Handles {
 
 IccProfile::IccProfile(const std::filesystem::path& path, RenderingIntent intent, bool blackPointCompensation)
     : handles_(std::make_unique<Handles>()) {
-    const std::string bytes = ReadWholeFile(path);
+    const std::vector<uint8_t> bytes = ReadWholeFile(path);
     handles_->context.reset(cmsCreateContext(nullptr, &handles_->message));
     const cmsContext context = handles_->context.get();
     if (context == nullptr) handles_->Fail(path, "Little CMS can't start");
@@ -77,7 +64,7 @@ IccProfile::IccProfile(const std::filesystem::path& path, RenderingIntent intent
     handles_->screen.reset(cmsCreate_sRGBProfileTHR(context));
     const cmsUInt32Number flags = kExact | (blackPointCompensation ? cmsFLAGS_BLACKPOINTCOMPENSATION : 0);
     handles_->transform.reset(cmsCreateTransformTHR(context, handles_->screen.get(), kPixels, printer,
-                                                    kInkValues, IntentCode(intent), flags));
+                                                    kInkValues, static_cast<cmsUInt32Number>(intent), flags));
     if (handles_->transform == nullptr) handles_->Fail(path, "no conversion from sRGB with this intent");
 }
 

@@ -11,7 +11,13 @@
 
 namespace orvex::tools::profile {
 
-enum class RenderingIntent { kPerceptual, kRelativeColorimetric, kSaturation, kAbsoluteColorimetric };
+// Numbered as in ICC profiles.
+enum class RenderingIntent : uint32_t {
+    kPerceptual,
+    kRelativeColorimetric,
+    kSaturation,
+    kAbsoluteColorimetric
+};
 
 // A conversion from sRGB colors to the inks of a CMYK printer. Each color is computed on its own, without a
 // table in between.

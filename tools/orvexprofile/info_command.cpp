@@ -1,26 +1,19 @@
 // orvexprofile info FILE: shows what a profile contains, and whether the driver accepts it.
 #include <memory>
 
+#include "tools/common/number_text.h"
 #include "tools/common/printable_text.h"
 #include "tools/orvexprofile/commands.h"
-#include "tools/orvexprofile/driver_colors.h"
 #include "tools/orvexprofile/ink_statistics.h"
-#include "tools/orvexprofile/profile_loading.h"
-#include "tools/orvexprofile/report.h"
+#include "tools/orvexprofile/loaded_profile.h"
 
 namespace orvex::tools::profile {
 
 namespace {
 
 std::string TagKind(const TagFacts& tag) {
-    switch (tag.id) {
-        case kNameTag:
-            return "name";
-        case kResolutionTag:
-            return "resolution codes";
-        default:
-            return "unknown kind " + std::to_string(tag.id);
-    }
+    if (tag.id == kNameTag) return "name";
+    return tag.id == kResolutionTag ? "resolution codes" : "unknown kind " + std::to_string(tag.id);
 }
 
 void ReportTags(std::ostream& out, const ProfileFacts& facts) {
@@ -88,12 +81,14 @@ bool Inspect(std::ostream& out, const std::string& path) {
 
 }  // namespace
 
-void AddInfoCommand(CLI::App& app, std::ostream& out, CommandResult& result) {
+void AddInfoCommand(CLI::App& app, std::ostream& out) {
     CLI::App* command = app.add_subcommand(
         "info", "Shows what a profile holds, and whether the driver accepts it (exit status 1 when not)");
     const auto path = std::make_shared<std::string>();
     command->add_option("FILE", *path, "The profile")->required()->type_name("");
-    command->callback([&out, &result, path] { result.status = Inspect(out, *path) ? 0 : 1; });
+    command->callback([&out, path] {
+        if (!Inspect(out, *path)) throw CLI::RuntimeError(1);  // ends the program with this status
+    });
 }
 
 }  // namespace orvex::tools::profile

@@ -1,11 +1,14 @@
-// Figures of many ink values: the inks that a profile uses, and the difference between two answers.
+// Figures of many ink values, measured and shown: the inks that a profile uses, and the difference between
+// two answers.
 #pragma once
 
 #include <array>
 #include <cstdint>
+#include <ostream>
 #include <span>
+#include <string_view>
 
-#include "tools/orvexprofile/ink_totals.h"
+#include "tools/orvexprofile/ink_treatment.h"
 #include "tools/orvexprofile/profile.h"
 
 namespace orvex::tools::profile {
@@ -38,5 +41,12 @@ struct InkDifference {
 
 // Compares two lists of ink values of the same length.
 InkDifference CompareInks(std::span<const uint32_t> expected, std::span<const uint32_t> found);
+
+// Writes a line for each ink with its least, most and mean amount, one for the largest total, and one for
+// each thing that is wrong.
+void ReportStatistics(std::ostream& out, std::string_view title, const InkStatistics& statistics);
+
+// Writes a line for each ink with the largest and the mean difference.
+void ReportDifference(std::ostream& out, std::string_view title, const InkDifference& difference);
 
 }  // namespace orvex::tools::profile

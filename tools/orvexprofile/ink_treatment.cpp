@@ -4,8 +4,6 @@
 #include <cmath>
 #include <utility>
 
-#include "tools/orvexprofile/ink_totals.h"
-
 namespace orvex::tools::profile {
 
 uint32_t LimitInk(uint32_t inks, double limitPercent) {

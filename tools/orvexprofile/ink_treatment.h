@@ -7,6 +7,14 @@
 
 namespace orvex::tools::profile {
 
+constexpr double kFullAmount = 255;  // 100 percent
+
+// Returns the sum of the four amounts, 0 to 1020.
+constexpr uint32_t TotalInk(InkValue inks) {
+    return InkAmount(inks, kBlackInk) + InkAmount(inks, kCyanInk) + InkAmount(inks, kMagentaInk) +
+           InkAmount(inks, kYellowInk);
+}
+
 constexpr double kNoInkLimit = 400;  // percent: four inks, full
 constexpr double kLeastInkLimit = 100;
 constexpr double kLeastScale = 1;  // percent

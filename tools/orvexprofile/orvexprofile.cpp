@@ -1,6 +1,5 @@
 #include "tools/orvexprofile/orvexprofile.h"
 
-#include <algorithm>
 #include <memory>
 
 #include "tools/common/help_format.h"
@@ -20,38 +19,27 @@ constexpr const char* kExamples =
     "\n"
     "orvexprofile COMMAND --help tells the options of a command.";
 
-class ProfileHelpFormat : public HelpFormat {
-  public:
-    std::string make_usage(const CLI::App* app, std::string name) const override {
-        // The list of positional arguments begins with a blank line of its own.
-        const auto positional = [](const CLI::Option* option) { return option->get_positional(); };
-        return HelpFormat::make_usage(app, name) + (app->get_options(positional).empty() ? "\n" : "");
-    }
-};
-
 }  // namespace
 
-int RunProfileTool(std::vector<std::string> arguments, std::ostream& out, std::ostream& err) {
+int RunProfileTool(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err) {
     CLI::App app("Makes, converts and shows colour profiles (*.zvp)", "orvexprofile");
     app.require_subcommand(1);
-    app.formatter(std::make_shared<ProfileHelpFormat>());
-    CommandResult result;
-    AddInfoCommand(app, out, result);
+    app.formatter(std::make_shared<HelpFormat>());
+    AddInfoCommand(app, out);
     AddBuildCommand(app, out);
     AddConvertCommand(app, out);
     AddApplyCommand(app, out);
     AddChartCommand(app, out);
     app.footer(kExamples);
     try {
-        std::reverse(arguments.begin(), arguments.end());  // the order that CLI11 takes
-        app.parse(arguments);
+        app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
     } catch (const CLI::ParseError& error) {
         return app.exit(error, out, err);
     } catch (const std::exception& error) {
         err << "orvexprofile: " << error.what() << '\n';
         return 1;
     }
-    return result.status;
+    return 0;
 }
 
 }  // namespace orvex::tools::profile

@@ -14,8 +14,6 @@ constexpr VersionLayout kLayouts[] = {
     {17, false, true, "17 values of each component, whole entries"},
 };
 
-constexpr int kGridCell = 16;  // distance of two of the 17 steps
-
 }  // namespace
 
 const VersionLayout& LayoutOf(int version) {
@@ -23,19 +21,12 @@ const VersionLayout& LayoutOf(int version) {
 }
 
 uint32_t SampledComponent(int steps, int step) {
-    if (step == steps - 1) return 255;
-    return StoredComponent(steps, step);
+    return step == steps - 1 ? 255 : StoredComponent(steps, step);
 }
 
 uint32_t StoredComponent(int steps, int step) {
-    switch (steps) {
-        case 256:
-            return static_cast<uint32_t>(step);
-        case 128:
-            return static_cast<uint32_t>(2 * step);
-        default:
-            return step == steps - 1 ? 255u : static_cast<uint32_t>(kGridCell * step);
-    }
+    if (steps == kGridSteps) return GridValue(step);
+    return static_cast<uint32_t>(step) * 256 / static_cast<uint32_t>(steps);
 }
 
 InkValue AvoidMark(InkValue inks) {
@@ -52,8 +43,10 @@ Variant SwapAxes(int steps, const Variant& variant) {
     return swapped;
 }
 
-void ForEachSampledRun(int version, const std::function<void(std::span<const uint32_t>)>& visit) {
+Variant SampleVariant(int version, const InkSource& source) {
     const int steps = LayoutOf(version).steps;
+    Variant variant(LayoutOf(version).Entries());
+    std::span<uint32_t> rest = variant;
     std::vector<uint32_t> run(static_cast<size_t>(steps));
     for (int red = 0; red < steps; ++red) {
         for (int green = 0; green < steps; ++green) {
@@ -62,18 +55,10 @@ void ForEachSampledRun(int version, const std::function<void(std::span<const uin
                     ColorIndex(SampledComponent(steps, red), SampledComponent(steps, green),
                                SampledComponent(steps, blue));
             }
-            visit(run);
+            source(run, rest.first(run.size()));
+            rest = rest.subspan(run.size());
         }
     }
-}
-
-Variant SampleVariant(int version, const InkSource& source) {
-    Variant variant(LayoutOf(version).Entries());
-    std::span<uint32_t> rest = variant;
-    ForEachSampledRun(version, [&](std::span<const uint32_t> colors) {
-        source(colors, rest.first(colors.size()));
-        rest = rest.subspan(colors.size());
-    });
     for (uint32_t& inks : variant) inks = AvoidMark(inks);
     return variant;
 }

@@ -54,6 +54,12 @@ struct ResolutionCodes {
 
 // The variant for 600 dpi, or the one for all other resolutions.
 enum class PrintVariant { kAt600, kOther };
+constexpr PrintVariant kBothVariants[] = {PrintVariant::kAt600, PrintVariant::kOther};
+
+// Returns the resolutions that a variant is for, in words.
+inline std::string NameOf(PrintVariant variant) {
+    return variant == PrintVariant::kAt600 ? "600 dpi" : "other resolutions";
+}
 
 // Ink values of one variant, in the order of the colors' numbers over the version's steps: red slowest, blue
 // fastest, whatever the order in the file.
@@ -73,11 +79,8 @@ struct Profile {
 // Computes the ink value of each of `colors`.
 using InkSource = std::function<void(std::span<const uint32_t> colors, std::span<InkValue> inks)>;
 
-// Calls `visit` with the colors at which a variant of the version is sampled, in its order, a run of blues at
-// a time.
-void ForEachSampledRun(int version, const std::function<void(std::span<const uint32_t>)>& visit);
-
-// Returns the inks of all colors of a variant, none of them the driver's "not computed" mark.
+// Returns the inks of all colors of a variant, none of them the driver's "not computed" mark. Asks for a run
+// of blues at a time.
 Variant SampleVariant(int version, const InkSource& source);
 
 }  // namespace orvex::tools::profile

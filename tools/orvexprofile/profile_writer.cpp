@@ -5,46 +5,31 @@
 #include <stdexcept>
 
 #include "driver/color/ink.h"
-#include "tools/common/output_file.h"
+#include "tools/common/whole_file.h"
 
 namespace orvex::tools::profile {
 
 namespace {
 
-class LittleEndianText {
-  public:
-    LittleEndianText& Byte(uint32_t value) {
-        text_.push_back(static_cast<char>(value));
-        return *this;
-    }
-    LittleEndianText& Word(uint32_t value) { return Byte(value).Byte(value >> 8); }
-    LittleEndianText& Long(uint32_t value) { return Word(value).Word(value >> 16); }
-    LittleEndianText& Text(std::string_view text) {
-        text_ += text;
-        return *this;
-    }
-    const std::string& Bytes() const { return text_; }
+// Returns the lowest `size` bytes of a number, the lowest first.
+std::string Bytes(size_t number, int size) {
+    std::string bytes;
+    for (int i = 0; i < size; ++i) bytes += static_cast<char>(number >> (8 * i));
+    return bytes;
+}
 
-  private:
-    std::string text_;
-};
+std::string Tag(int id, const std::string& data) {
+    return Bytes(static_cast<size_t>(id), 1) + Bytes(data.size(), 2) + data;
+}
 
 std::string TagArea(const Profile& profile) {
-    LittleEndianText tags;
-    if (profile.name) {
-        tags.Byte(kNameTag).Word(static_cast<uint32_t>(profile.name->size())).Text(*profile.name);
-    }
+    std::string tags;
+    if (profile.name) tags += Tag(kNameTag, *profile.name);
     if (profile.codes) {
-        tags.Byte(kResolutionTag).Word(kResolutionTagSize);
-        tags.Byte(static_cast<uint8_t>(profile.codes->other))
-            .Byte(static_cast<uint8_t>(profile.codes->at600));
+        tags += Tag(kResolutionTag,
+                    {static_cast<char>(profile.codes->other), static_cast<char>(profile.codes->at600)});
     }
-    const std::string& bytes = tags.Bytes();
-    return LittleEndianText()
-        .Byte(0)
-        .Word(static_cast<uint32_t>(kTagHeaderSize + bytes.size()))
-        .Text(bytes)
-        .Bytes();
+    return Bytes(0, 1) + Bytes(kTagHeaderSize + tags.size(), 2) + tags;
 }
 
 // Entries are stored as they are in memory.
@@ -75,11 +60,10 @@ void CheckLength(std::string_view name, size_t least) {
     }
 }
 
-void CheckVariant(const VersionLayout& layout, const Variant& variant, const char* which) {
+void CheckVariant(const VersionLayout& layout, const Variant& variant, const std::string& which) {
     if (variant.size() != layout.Entries()) {
-        throw std::invalid_argument("the variant for " + std::string(which) + " has " +
-                                    std::to_string(variant.size()) + " entries instead of " +
-                                    std::to_string(layout.Entries()));
+        throw std::invalid_argument("the variant for " + which + " has " + std::to_string(variant.size()) +
+                                    " entries instead of " + std::to_string(layout.Entries()));
     }
     const auto mark = std::find(variant.begin(), variant.end(), kNotComputed);
     if (mark != variant.end()) {
@@ -99,8 +83,8 @@ void CheckProfile(const Profile& profile) {
             "a profile needs a name or resolution codes: the driver reads at least one tag");
     }
     if (profile.name) CheckLength(*profile.name, 0);
-    CheckVariant(LayoutOf(profile.version), profile.at600, "600 dpi");
-    CheckVariant(LayoutOf(profile.version), profile.other, "other resolutions");
+    CheckVariant(LayoutOf(profile.version), profile.at600, NameOf(PrintVariant::kAt600));
+    CheckVariant(LayoutOf(profile.version), profile.other, NameOf(PrintVariant::kOther));
 }
 
 }  // namespace
@@ -121,14 +105,11 @@ size_t FileSize(const Profile& profile) {
 
 std::string EncodeProfile(const Profile& profile) {
     CheckProfile(profile);
-    std::string file = LittleEndianText()
-                           .Text(kProfileMark)
-                           .Byte(static_cast<uint32_t>(profile.version))
-                           .Long(static_cast<uint32_t>(FileSize(profile)))
-                           .Long(0)
-                           .Text(TagArea(profile))
-                           .Bytes();
+    std::string file;
     file.reserve(FileSize(profile));
+    file += kProfileMark;
+    file += Bytes(static_cast<size_t>(profile.version), 1) + Bytes(FileSize(profile), 4) + Bytes(0, 4);
+    file += TagArea(profile);
     const VersionLayout& layout = LayoutOf(profile.version);
     AppendVariant(layout, profile.at600, file);
     AppendVariant(layout, profile.other, file);

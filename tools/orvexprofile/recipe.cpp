@@ -118,14 +118,6 @@ SeparationModel ReadModel(Section& section) {
     return model;
 }
 
-double Determinant(const SeparationModel& model) {
-    const auto& c = model.inks[kCyanInk].density;
-    const auto& m = model.inks[kMagentaInk].density;
-    const auto& y = model.inks[kYellowInk].density;
-    return c[0] * (m[1] * y[2] - m[2] * y[1]) - m[0] * (c[1] * y[2] - c[2] * y[1]) +
-           y[0] * (c[1] * m[2] - c[2] * m[1]);
-}
-
 // Verifies the rules between the numbers.
 void CheckModel(const SeparationModel& model) {
     const auto& black = model.inks[kBlackInk].density;
@@ -139,7 +131,8 @@ void CheckModel(const SeparationModel& model) {
                    "the ink absorbs too little of its own channel");
         }
     }
-    if (std::abs(Determinant(model)) < kLeastDeterminant) Refuse("inks", "C, M and Y can't be told apart");
+    if (std::abs(ColorInkDeterminant(model)) < kLeastDeterminant)
+        Refuse("inks", "C, M and Y can't be told apart");
 }
 
 std::optional<ResolutionCodes> ReadCodes(Section& section) {
@@ -188,7 +181,7 @@ Recipe ParseRecipe(std::string_view json) {
 }
 
 Recipe ReadRecipe(const std::filesystem::path& path) {
-    const std::string json = ReadWholeFile(path);
+    const std::string json = ReadWholeText(path);
     try {
         return ParseRecipe(json);
     } catch (const std::invalid_argument& error) {

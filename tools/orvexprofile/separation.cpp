@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "tools/orvexprofile/ink_totals.h"
+#include "tools/orvexprofile/ink_treatment.h"
 
 namespace orvex::tools::profile {
 
@@ -21,24 +21,6 @@ int MainChannel(int ink) {
     return ink == kBlackInk ? 0 : ink - kCyanInk;
 }
 
-using Matrix = std::array<std::array<double, kChannels>, kChannels>;
-
-// Inverts a matrix by cofactors. It is not singular, since a recipe whose inks can't be told apart is
-// refused.
-Matrix Inverse(const Matrix& m) {
-    const auto cofactor = [&m](int row, int column) {
-        const int r1 = (row + 1) % 3, r2 = (row + 2) % 3, c1 = (column + 1) % 3, c2 = (column + 2) % 3;
-        return m[r1][c1] * m[r2][c2] - m[r1][c2] * m[r2][c1];
-    };
-    const double determinant = m[0][0] * cofactor(0, 0) + m[0][1] * cofactor(0, 1) + m[0][2] * cofactor(0, 2);
-    Matrix inverse;
-    for (int row = 0; row < kChannels; ++row) {
-        for (int column = 0; column < kChannels; ++column)
-            inverse[row][column] = cofactor(column, row) / determinant;
-    }
-    return inverse;
-}
-
 // Returns a mean that is close to the least of the densities, yet has no kink where they are equal: the
 // driver interpolates grays from corners beside the gray axis, and a kink there would show as waves in every
 // gray ramp.
@@ -51,6 +33,9 @@ double NeutralDensity(const std::array<double, kChannels>& densities) {
     return std::pow(sum / kChannels, -1.0 / 3);
 }
 
+using Matrix = std::array<std::array<double, kChannels>, kChannels>;
+
+// Returns the densities of cyan, magenta and yellow by channel.
 Matrix InkDensities(const SeparationModel& model) {
     Matrix densities;
     for (int channel = 0; channel < kChannels; ++channel) {
@@ -61,11 +46,31 @@ Matrix InkDensities(const SeparationModel& model) {
     return densities;
 }
 
-double Solid(const SolidInk& ink, int channel) {
-    return ink.density[static_cast<size_t>(channel)];
+double Cofactor(const Matrix& m, int row, int column) {
+    const int r1 = (row + 1) % 3, r2 = (row + 2) % 3, c1 = (column + 1) % 3, c2 = (column + 2) % 3;
+    return m[r1][c1] * m[r2][c2] - m[r1][c2] * m[r2][c1];
+}
+
+double Determinant(const Matrix& m) {
+    return m[0][0] * Cofactor(m, 0, 0) + m[0][1] * Cofactor(m, 0, 1) + m[0][2] * Cofactor(m, 0, 2);
+}
+
+// Inverts a matrix by cofactors. It is not singular, since a recipe whose inks can't be told apart is
+// refused.
+Matrix Inverse(const Matrix& m) {
+    Matrix inverse;
+    for (int row = 0; row < kChannels; ++row) {
+        for (int column = 0; column < kChannels; ++column)
+            inverse[row][column] = Cofactor(m, column, row) / Determinant(m);
+    }
+    return inverse;
 }
 
 }  // namespace
+
+double ColorInkDeterminant(const SeparationModel& model) {
+    return Determinant(InkDensities(model));
+}
 
 Separation::Separation(const SeparationModel& model) : model_(model), masking_(Inverse(InkDensities(model))) {
     const double black = std::pow(10, -model.blackDensity);
@@ -79,7 +84,7 @@ Separation::Separation(const SeparationModel& model) : model_(model), masking_(I
 double Separation::BlackShare(double neutral) const {
     const double position = (neutral - model_.blackStart) / (model_.blackDensity - model_.blackStart);
     const double within = std::clamp(position, 0.0, 1.0);
-    return Solid(model_.inks[kBlackInk], 0) * within * within;
+    return model_.inks[kBlackInk].density[0] * within * within;
 }
 
 double Separation::CompressedChroma(double density) const {
@@ -90,7 +95,7 @@ double Separation::CompressedChroma(double density) const {
 // Dots of the amount a cover a + 4ga(1 - a), where g is the gain at one half. The density fraction of a
 // coverage follows from the light that paper and solid ink reflect.
 double Separation::AmountFor(int ink, double fraction) const {
-    const double solid = Solid(model_.inks[ink], MainChannel(ink));
+    const double solid = model_.inks[ink].density[MainChannel(ink)];
     const double covered = (1 - std::pow(10, -fraction * solid)) / (1 - std::pow(10, -solid));
     const double gain = 4 * model_.inks[ink].dotGain / 100;
     if (gain == 0) return covered;
@@ -98,7 +103,7 @@ double Separation::AmountFor(int ink, double fraction) const {
 }
 
 double Separation::FractionOf(int ink, double amount) const {
-    const double solid = Solid(model_.inks[ink], MainChannel(ink));
+    const double solid = model_.inks[ink].density[MainChannel(ink)];
     const double gain = 4 * model_.inks[ink].dotGain / 100;
     const double covered = amount + gain * amount * (1 - amount);
     return -std::log10(1 - covered * (1 - std::pow(10, -solid))) / solid;
@@ -118,7 +123,7 @@ uint32_t Separation::Inks(uint32_t color) const {
     const double black = std::min(BlackShare(NeutralDensity(wanted)), neutral);
     for (double& density : wanted) density = neutral - black + CompressedChroma(density - neutral);
 
-    std::array<double, kInks> fractions = {black / Solid(model_.inks[kBlackInk], 0)};
+    std::array<double, kInks> fractions = {black / model_.inks[kBlackInk].density[0]};
     for (int ink = kCyanInk; ink <= kYellowInk; ++ink) {
         for (int channel = 0; channel < kChannels; ++channel) {
             fractions[ink] += masking_[ink - kCyanInk][channel] * wanted[channel];
@@ -138,7 +143,7 @@ std::array<double, kChannels> Separation::PrintedDensity(uint32_t inks) const {
     for (int ink = 0; ink < kInks; ++ink) {
         const double fraction = FractionOf(ink, InkAmount(inks, ink) / kFullAmount);
         for (int channel = 0; channel < kChannels; ++channel) {
-            printed[channel] += fraction * Solid(model_.inks[ink], channel);
+            printed[channel] += fraction * model_.inks[ink].density[channel];
         }
     }
     return printed;

@@ -27,6 +27,10 @@ struct SeparationModel {
     double highlightEase = 0;      // percent; amounts of color of about this size and less are reduced
 };
 
+// Returns the determinant of the densities of cyan, magenta and yellow: close to 0 if they can't be told
+// apart.
+double ColorInkDeterminant(const SeparationModel& model);
+
 class Separation {
   public:
     explicit Separation(const SeparationModel& model);

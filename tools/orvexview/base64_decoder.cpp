@@ -1,6 +1,5 @@
 #include "tools/orvexview/base64_decoder.h"
 
-#include <array>
 #include <stdexcept>
 #include <string>
 
@@ -11,19 +10,6 @@ namespace orvex::tools::view {
 namespace {
 
 constexpr std::string_view kAlphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-constexpr uint8_t kNoDigit = 0xFF;
-
-constexpr std::array<uint8_t, 256> MakeDigits() {
-    std::array<uint8_t, 256> digits{};
-    digits.fill(kNoDigit);
-    for (size_t i = 0; i < kAlphabet.size(); ++i) {
-        digits[static_cast<uint8_t>(kAlphabet[i])] = static_cast<uint8_t>(i);
-    }
-    return digits;
-}
-
-constexpr std::array<uint8_t, 256> kDigits = MakeDigits();
-
 }  // namespace
 
 std::vector<uint8_t> DecodeBase64(std::string_view text) {
@@ -38,12 +24,12 @@ std::vector<uint8_t> DecodeBase64(std::string_view text) {
     uint32_t bits = 0;
     int bitCount = 0;
     for (size_t at = 0; at < digits.size(); ++at) {
-        const uint8_t digit = kDigits[static_cast<uint8_t>(digits[at])];
-        if (digit == kNoDigit) {
+        const size_t digit = kAlphabet.find(digits[at]);
+        if (digit == std::string_view::npos) {
             throw std::runtime_error("\"" + PrintableText(digits.substr(at, 1)) + "\" at character " +
                                      std::to_string(at) + " of base64 text; expected a base64 digit");
         }
-        bits = bits << 6 | digit;
+        bits = bits << 6 | static_cast<uint32_t>(digit);
         bitCount += 6;
         if (bitCount < 8) continue;
         bitCount -= 8;

@@ -5,7 +5,6 @@
 #include <string>
 
 #include "tools/common/picture.h"
-#include "tools/common/raster_image.h"
 
 namespace orvex::tools::view {
 

@@ -2,8 +2,9 @@
 #include <exception>
 #include <iostream>
 
-#include "tools/common/utf8_arguments.h"
+#include "tools/common/wide_text.h"
 #include "tools/orvexview/options.h"
+#include "tools/orvexview/print_file.h"
 #include "tools/orvexview/viewing.h"
 
 using namespace orvex::tools;
@@ -16,9 +17,10 @@ int main(int argc, char** argv) {
     try {
         ShowPrintFile(*options, std::cout);
         return 0;
-    } catch (const std::exception& error) {
-        std::cout.flush();
+    } catch (const PrintFileError& error) {
         std::cerr << "orvexview: " << options->file << ": " << error.what() << "\n";
-        return 1;
+    } catch (const std::exception& error) {
+        std::cerr << "orvexview: " << error.what() << "\n";
     }
+    return 1;
 }

@@ -1,7 +1,6 @@
 #include "tools/orvexview/options.h"
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
 #include <map>
 #include <memory>
 
@@ -34,30 +33,16 @@ constexpr const char* kExamples =
     "differ from\n"
     "the picture to verify; other values for a wrong command line.";
 
-// Removes a check's own text from the help.
-CLI::Validator Unnamed(CLI::Validator check) {
-    return check.description("");
-}
-
-class ViewHelpFormat : public HelpFormat {
-  public:
-    std::string make_usage(const CLI::App*, std::string name) const override {
-        return "Usage: " + name + " [options] FILE\n";
-    }
-};
-
 void AddOutputOptions(CLI::App& app, Options& options) {
     app.add_option("FILE", options.file, "The print file")->required()->type_name("");
     app.add_option("-o,--output", options.prefix,
                    "Beginning of the pictures' names; default: FILE without its extension")
         ->type_name("PREFIX");
     app.add_flag("--inks", options.inks, "One grey picture per ink as well: PREFIX-pageN-K.png, -C, -M, -Y");
-    app.add_flag(
-        "--layout", options.layout,
-        "PREFIX-pageN-layout.png as well: the whole print head as a grey band with a tick every 10 mm, "
-        "the page in its place on it; fill rows are bluish, the purge bar is yellowish. The head's first row "
-        "is at "
-        "the right of a portrait page, at the top of a landscape one");
+    app.add_flag("--layout", options.layout,
+                 "PREFIX-pageN-layout.png as well: the whole print head as a grey band with a tick every 10 "
+                 "mm, the page in its place on it; fill rows are bluish, the purge bar is yellowish. The "
+                 "head's first row is at the right of a portrait page, at the top of a landscape one");
     app.add_flag_callback(
            "--no-pictures", [&options] { options.pictures = false; }, "Writes no pictures of pages")
         ->excludes("--inks")
@@ -94,17 +79,16 @@ void AddViewOptions(CLI::App& app, Options& options) {
 
 }  // namespace
 
-std::optional<Options> ReadOptions(std::vector<std::string> arguments, int& status) {
+std::optional<Options> ReadOptions(const std::vector<std::string>& arguments, int& status) {
     Options options;
     CLI::App app(kDescription, "orvexview");
     app.allow_windows_style_options(false);  // a file name may begin with a slash
-    app.formatter(std::make_shared<ViewHelpFormat>());
+    app.formatter(std::make_shared<HelpFormat>("[options] FILE"));
     app.footer(kExamples);
     AddOutputOptions(app, options);
     AddViewOptions(app, options);
     try {
-        std::reverse(arguments.begin(), arguments.end());  // the order that CLI11 expects
-        app.parse(std::move(arguments));
+        app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
     } catch (const CLI::ParseError& error) {
         status = app.exit(error);
         return std::nullopt;

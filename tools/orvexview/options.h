@@ -29,6 +29,6 @@ inline constexpr uint32_t kMaxScale = 1000;
 
 // Parses the arguments after the program's name. If they ask for help or are wrong, prints that, sets the
 // exit `status` and returns nothing.
-std::optional<Options> ReadOptions(std::vector<std::string> arguments, int& status);
+std::optional<Options> ReadOptions(const std::vector<std::string>& arguments, int& status);
 
 }  // namespace orvex::tools::view

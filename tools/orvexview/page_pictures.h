@@ -1,4 +1,4 @@
-// Pictures of a page.
+// Pictures of a page: the image or the whole block, and the block in its place under the print head.
 #pragma once
 
 #include <cstdint>
@@ -30,5 +30,23 @@ Picture DrawInk(const PrintFile& file, const PrintedPage& page, const BlockArea&
 
 // Turns a picture as the label reads.
 Picture Upright(Picture picture, const PagePlacement& placement);
+
+// Colors of the layout picture. Fill rows and purge bar show their inks on paper of their colors.
+inline constexpr Rgb kHeadColor = {224, 224, 224};
+inline constexpr Rgb kFillPaper = {216, 232, 250};
+inline constexpr Rgb kPurgePaper = {253, 236, 205};
+inline constexpr Rgb kImageOutline = {96, 96, 96};
+inline constexpr Rgb kTickColor = {128, 128, 128};
+
+// Margin around the head and, along the row, around the block, in pixels of the picture.
+inline constexpr uint32_t kLayoutMargin = 24;
+
+// Returns the longer side of the layout without its margins, in pixels of the printer.
+uint32_t LayoutLength(const PrintedPage& page, const PagePlacement& placement);
+
+// Draws the head as a gray band with a tick every 10 mm, longer every 50 mm, and the block on it with its
+// image outlined. The picture is as sent: row 0 of the head is at the top.
+Picture DrawLayout(const PrintFile& file, const PrintedPage& page, const PagePlacement& placement,
+                   uint32_t scale);
 
 }  // namespace orvex::tools::view

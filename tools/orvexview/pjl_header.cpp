@@ -1,8 +1,7 @@
 #include "tools/orvexview/pjl_header.h"
 
-#include <charconv>
-
 #include "engine/print_stream.h"
+#include "tools/common/number_text.h"
 #include "tools/common/printable_text.h"
 
 namespace orvex::tools::view {
@@ -58,8 +57,8 @@ void TakeOpening(ByteReader& reader) {
                                    sizeof print_stream::kFramingChunk);
     if (start.starts_with(framing)) {
         throw PrintFileError(reader.Offset(),
-                             "the engine's framing chunk, which the driver should have dropped; "
-                             "expected the universal exit ESC%-12345X");
+                             "the engine's framing chunk, which the driver should have dropped; expected the "
+                             "universal exit ESC%-12345X");
     }
     if (!start.starts_with(kUniversalExit)) {
         throw PrintFileError(reader.Offset(), "\"" + PrintableText(start.substr(0, 12)) +
@@ -85,15 +84,8 @@ const std::string* PjlHeader::Find(std::string_view name) const {
 std::optional<int32_t> PjlHeader::FindNumber(std::string_view name) const {
     constexpr int32_t kLimit = 1'000'000;
     const std::string* text = Find(name);
-    const std::optional<int32_t> number = text ? ParsePjlNumber(*text) : std::nullopt;
+    const std::optional<int32_t> number = text ? ParseWhole(*text) : std::nullopt;
     return number && *number >= -kLimit && *number <= kLimit ? number : std::nullopt;
-}
-
-std::optional<int32_t> ParsePjlNumber(std::string_view text) {
-    int32_t number = 0;
-    const char* end = text.data() + text.size();
-    const auto [rest, error] = std::from_chars(text.data(), end, number);
-    return error == std::errc() && rest == end ? std::optional(number) : std::nullopt;
 }
 
 PjlHeader ReadPjlHeader(ByteReader& reader) {

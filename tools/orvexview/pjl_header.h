@@ -32,9 +32,6 @@ struct PjlHeader {
     bool operator==(const PjlHeader&) const = default;
 };
 
-// Parses the whole text as a decimal number. Returns nothing for any other text.
-std::optional<int32_t> ParsePjlNumber(std::string_view text);
-
 // Reads from the universal exit to the end of the line that enters the print engine's language. Throws
 // PrintFileError.
 PjlHeader ReadPjlHeader(ByteReader& reader);

@@ -1,11 +1,10 @@
 #include "tools/orvexview/print_file.h"
 
 #include <charconv>
-#include <fstream>
 #include <string>
-#include <system_error>
 
 #include "engine/print_stream.h"
+#include "tools/common/whole_file.h"
 #include "tools/orvexview/row_decoder.h"
 
 namespace orvex::tools::view {
@@ -210,18 +209,7 @@ PrintFile ParsePrintFile(std::vector<uint8_t> bytes) {
 }
 
 PrintFile ReadPrintFile(const std::filesystem::path& path) {
-    std::ifstream stream(path, std::ios::binary);
-    if (!stream) throw std::system_error(errno, std::generic_category(), "can't open the file");
-    constexpr size_t kPart = 1 << 20;
-    std::vector<uint8_t> bytes;
-    while (stream) {
-        const size_t size = bytes.size();
-        bytes.resize(size + kPart);
-        stream.read(reinterpret_cast<char*>(bytes.data() + size), kPart);
-        bytes.resize(size + static_cast<size_t>(stream.gcount()));
-    }
-    if (stream.bad()) throw std::system_error(errno, std::generic_category(), "can't read the file");
-    return ParsePrintFile(std::move(bytes));
+    return ParsePrintFile(ReadWholeFile(path));
 }
 
 RowReader::RowReader(const PrintedPage& page) : page_(page), row_(page.rowWidth) {}

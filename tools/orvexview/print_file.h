@@ -46,7 +46,7 @@ struct PrintFile {
 // memory only for its bytes and one row. Throws PrintFileError.
 PrintFile ParsePrintFile(std::vector<uint8_t> bytes);
 
-// Reads and parses a print file. Throws PrintFileError, and std::system_error if the file can't be read.
+// Reads and parses a print file. Throws PrintFileError, and std::runtime_error if the file can't be read.
 PrintFile ReadPrintFile(const std::filesystem::path& path);
 
 // Reader of a page's rows, exactly as the print engine got them. The print file must outlive it.

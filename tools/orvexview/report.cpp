@@ -1,13 +1,12 @@
 #include "tools/orvexview/report.h"
 
 #include <array>
+#include <optional>
 
 #include "engine/print_stream.h"
 #include "tools/common/ink_model.h"
 #include "tools/common/number_text.h"
 #include "tools/common/printable_text.h"
-#include "tools/common/units.h"
-#include "tools/orvexview/header_meanings.h"
 #include "tools/orvexview/page_pictures.h"
 #include "tools/orvexview/table.h"
 
@@ -15,17 +14,64 @@ namespace orvex::tools::view {
 
 namespace {
 
-std::string InMm(uint64_t pixels, uint32_t dpi) {
-    return DecimalText(static_cast<double>(pixels) * kMmPerInch / dpi, 1);
+enum class Kind {
+    kPlain,     // any value
+    kYesNo,     // 0 or 1
+    kChoice,    // one of the choices, counted from 0
+    kTenthsMm,  // a length in tenths of a millimeter
+};
+
+struct Meaning {
+    std::string_view name;
+    Kind kind;
+    std::string_view text;     // the setting itself
+    std::string_view choices;  // separated by '|'
+};
+
+constexpr Meaning kMeanings[] = {
+    {"COPIES", Kind::kPlain, "copies of the job", ""},
+    {"COLLATE", Kind::kYesNo, "copies in sets", ""},
+    {"ORIGX", Kind::kPlain, "width of the label in pixels, as it reads", ""},
+    {"ORIGY", Kind::kPlain, "height of the label in pixels, as it reads", ""},
+    {"JOBCAPTURE", Kind::kYesNo, "the printer keeps the job", ""},
+    {"NOPRINT", Kind::kYesNo, "the job is not printed", ""},
+    {"ALIGN", Kind::kChoice, "place under the print head", "right|centre|left"},
+    {"COLORMODE", Kind::kChoice, "colours", "all inks|grey of cyan, magenta and yellow|grey of black"},
+    {"OVERSPRAY", Kind::kPlain, "overspray, 0 to 3", ""},
+    {"FULLWIDTH", Kind::kYesNo, "nozzles are kept wet over the full width of the head", ""},
+    {"PURGEBAR", Kind::kChoice, "purge bar", "none|in front of the image|behind the image"},
+    {"PURGEDOTS", Kind::kPlain, "dots of the purge bar along the paper feed", ""},
+    {"PURGEGAP", Kind::kPlain, "gap between purge bar and image in mm", ""},
+    {"PURGEFREQ", Kind::kPlain, "pages from one purge bar to the next, 0 = on the first page only", ""},
+    {"KWS", Kind::kYesNo, "nozzles are kept wet with a faint pattern where nothing is printed", ""},
+    {"STITCHED", Kind::kYesNo, "pages follow each other without a gap", ""},
+    {"PHOFFSET", Kind::kTenthsMm, "print-head offset across the paper", ""},
+    {"TOFOFFSET", Kind::kTenthsMm, "offset along the paper feed", ""},
+    {"CHUNKPAGES", Kind::kPlain, "pages printed in one go", ""},
+    {"HPRES", Kind::kPlain, "resolution code for the engine", ""},
+    {"JOB NAME", Kind::kPlain, "name of the document", ""},
+    {"PROFILE", Kind::kPlain, "name of the colour profile", ""},
+};
+
+// Returns a choice by its number; empty if there is none.
+std::string_view Choice(std::string_view choices, int32_t number) {
+    for (; number > 0; --number) {
+        const size_t bar = choices.find('|');
+        if (bar == std::string_view::npos) return {};
+        choices.remove_prefix(bar + 1);
+    }
+    return number < 0 ? std::string_view() : choices.substr(0, choices.find('|'));
 }
 
-// Converts a length in 1/7200 inch.
-std::string UnitsInMm(uint32_t units) {
-    return InMm(units, print_stream::kUnitsPerInch);
+std::string InWords(const Meaning& meaning, int32_t number) {
+    if (meaning.kind == Kind::kTenthsMm) return DecimalText(number / 10.0, 1) + " mm";
+    const std::string_view choices = meaning.kind == Kind::kYesNo ? "no|yes" : meaning.choices;
+    const std::string_view choice = Choice(choices, number);
+    return choice.empty() ? "not a known value" : std::string(choice);
 }
 
 std::string PixelsAndMm(uint32_t pixels, uint32_t dpi) {
-    return pixels == 0 ? "none" : std::to_string(pixels) + " (" + InMm(pixels, dpi) + " mm)";
+    return pixels == 0 ? "none" : std::to_string(pixels) + " (" + MmText(pixels, dpi) + " mm)";
 }
 
 // Returns the mean amount of every ink over the image, 0 to 1.
@@ -67,7 +113,8 @@ std::string LabelText(const PrintFile& file, const PagePlacement& placement) {
     const bool portrait = placement.orientation == Orientation::kPortrait;
     const uint32_t width = portrait ? placement.imageRows : placement.imageWidth;
     const uint32_t height = portrait ? placement.imageWidth : placement.imageRows;
-    return SizeText(width, height) + " (" + InMm(width, file.dpi) + " x " + InMm(height, file.dpi) + " mm)";
+    return SizeText(width, height) + " (" + MmText(width, file.dpi) + " x " + MmText(height, file.dpi) +
+           " mm)";
 }
 
 std::string OrientationText(const PagePlacement& placement) {
@@ -112,14 +159,26 @@ void DescribePage(const PrintFile& file, const PrintedPage& page, const PagePlac
     add("purge bar", PurgeText(file, placement));
     add("top offset of the block", PixelsAndMm(page.top, file.dpi));
     add("rows of the head", HeadText(page, placement));
-    add("engine page", SizeText(page.width, page.length) + " units (" + UnitsInMm(page.width) + " x " +
-                           UnitsInMm(page.length) + " mm)");
+    constexpr uint32_t kUnits = print_stream::kUnitsPerInch;
+    add("engine page", SizeText(page.width, page.length) + " units (" + MmText(page.width, kUnits) + " x " +
+                           MmText(page.length, kUnits) + " mm)");
     add("resolution code", std::to_string(page.resolutionCode));
     add("mean ink", InkText(file, page, placement));
     add("compressed to", EncodedText(page));
 }
 
 }  // namespace
+
+std::string MeaningOf(std::string_view name, std::string_view value) {
+    for (const Meaning& meaning : kMeanings) {
+        if (meaning.name != name) continue;
+        const std::string text(meaning.text);
+        if (meaning.kind == Kind::kPlain) return text;
+        const std::optional<int32_t> number = ParseWhole(value);
+        return text + ": " + (number ? InWords(meaning, *number) : "not a number");
+    }
+    return {};
+}
 
 std::string DescribeHeader(const PrintFile& file) {
     Table table({"Setting", "Value", "Meaning"});

@@ -2,12 +2,17 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "tools/orvexview/page_placement.h"
 #include "tools/orvexview/print_file.h"
 
 namespace orvex::tools::view {
+
+// Returns the meaning of a job setting's name and value; empty if the name is unknown. States that a value is
+// out of range.
+std::string MeaningOf(std::string_view name, std::string_view value);
 
 // Returns a table of the job header's variables with their values and meanings.
 std::string DescribeHeader(const PrintFile& file);

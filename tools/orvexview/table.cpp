@@ -38,8 +38,4 @@ std::string Table::Text() const {
     return text;
 }
 
-std::string SizeText(uint64_t width, uint64_t height) {
-    return std::to_string(width) + " x " + std::to_string(height);
-}
-
 }  // namespace orvex::tools::view

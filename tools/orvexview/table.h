@@ -1,7 +1,6 @@
 // Text tables for a terminal.
 #pragma once
 
-#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -21,8 +20,5 @@ class Table {
   private:
     std::vector<std::vector<std::string>> rows_;
 };
-
-// Returns "2362 x 3543".
-std::string SizeText(uint64_t width, uint64_t height);
 
 }  // namespace orvex::tools::view

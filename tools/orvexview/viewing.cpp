@@ -4,16 +4,15 @@
 #include <ostream>
 #include <stdexcept>
 
-#include "tools/common/output_file.h"
+#include "tools/common/number_text.h"
 #include "tools/common/png_file.h"
+#include "tools/common/whole_file.h"
 #include "tools/common/wide_text.h"
 #include "tools/orvexview/base64_decoder.h"
 #include "tools/orvexview/comparison.h"
-#include "tools/orvexview/layout_picture.h"
 #include "tools/orvexview/page_pictures.h"
 #include "tools/orvexview/print_file.h"
 #include "tools/orvexview/report.h"
-#include "tools/orvexview/table.h"
 
 namespace orvex::tools::view {
 

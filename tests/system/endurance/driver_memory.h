@@ -5,7 +5,7 @@
 
 #include "tools/host/driver_library.h"
 #ifdef _WIN32
-#include "tools/host/patch_set.h"
+#include "tools/host/import_patch.h"
 #else
 #include "tools/host/debug_heap.h"
 #endif

@@ -36,36 +36,32 @@ struct PlainModel {
 
 }  // namespace
 
-TEST(InkModel, SolidInksHaveTheirColors) {
-    const InkModel model(300);
-    EXPECT_EQ(model.OnPaper(0x00000000), (Rgb{255, 255, 255}));
-    EXPECT_EQ(model.OnPaper(0x000000FF), (Rgb{28, 28, 28}));
-    EXPECT_EQ(model.OnPaper(0x0000FF00), (Rgb{44, 163, 211}));
-    EXPECT_EQ(model.OnPaper(0x00FF0000), (Rgb{216, 49, 146}));
-    EXPECT_EQ(model.OnPaper(0xFF000000), (Rgb{250, 230, 59}));
-}
-
-TEST(InkModel, InksOnTopOfEachOtherDarken) {
-    const InkModel model(300);
-    EXPECT_EQ(model.OnPaper(0xFFFF0000), (Rgb{211, 39, 0})) << "red";
-    EXPECT_EQ(model.OnPaper(0xFF00FF00), (Rgb{42, 146, 41})) << "green";
-    EXPECT_EQ(model.OnPaper(0x00FFFF00), (Rgb{27, 0, 119})) << "blue";
-    EXPECT_EQ(model.OnPaper(0xFFFFFFFF), (Rgb{0, 0, 0}));
-}
-
-TEST(InkModel, DotsGrowOnThePaper) {
-    const InkModel model(300);
-    EXPECT_EQ(model.OnPaper(0x00000033), (Rgb{216, 216, 216})) << "not 229, as without gain";
-    EXPECT_EQ(model.OnPaper(0xCC663333), (Rgb{171, 128, 62}));
-}
-
-TEST(InkModel, HalfTheInkIsFullInkAt600Dpi) {
-    const InkModel model(600);
-    EXPECT_EQ(model.OnPaper(0x0000007F), (Rgb{30, 30, 30}));
-    EXPECT_EQ(model.OnPaper(0x00000080), (Rgb{28, 28, 28}));
-    EXPECT_EQ(model.OnPaper(0x000000FF), (Rgb{28, 28, 28}));
-    EXPECT_EQ(model.OnPaper(0x00003300), (Rgb{174, 227, 243}));
-    EXPECT_EQ(InkModel(150).OnPaper(0x00003300), (Rgb{215, 242, 249}));
+TEST(InkModel, ShowsTypicalInksOnWhitePaper) {
+    const struct {
+        uint32_t dpi;
+        uint32_t inkValue;
+        Rgb color;
+    } shown[] = {
+        {300, 0x00000000, {255, 255, 255}},
+        {300, 0x000000FF, {28, 28, 28}},
+        {300, 0x0000FF00, {44, 163, 211}},
+        {300, 0x00FF0000, {216, 49, 146}},
+        {300, 0xFF000000, {250, 230, 59}},
+        {300, 0xFFFF0000, {211, 39, 0}},     // red
+        {300, 0xFF00FF00, {42, 146, 41}},    // green
+        {300, 0x00FFFF00, {27, 0, 119}},     // blue
+        {300, 0xFFFFFFFF, {0, 0, 0}},        // inks on top of each other darken
+        {300, 0x00000033, {216, 216, 216}},  // not 229: dots grow on the paper
+        {300, 0xCC663333, {171, 128, 62}},
+        {600, 0x0000007F, {30, 30, 30}},  // half the ink is full ink at 600 dpi
+        {600, 0x00000080, {28, 28, 28}},
+        {600, 0x000000FF, {28, 28, 28}},
+        {600, 0x00003300, {174, 227, 243}},
+        {150, 0x00003300, {215, 242, 249}},
+    };
+    for (const auto& each : shown) {
+        EXPECT_EQ(InkModel(each.dpi).OnPaper(each.inkValue), each.color) << std::hex << each.inkValue;
+    }
 }
 
 TEST(InkModel, FollowsItsDefinitionForAllAmounts) {

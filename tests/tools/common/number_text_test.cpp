@@ -11,6 +11,18 @@ TEST(NumberText, WritesDecimals) {
     EXPECT_EQ(DecimalText(99.6, 0), "100");
 }
 
+TEST(NumberText, GroupsByThousands) {
+    EXPECT_EQ(GroupedNumber(0), "0");
+    EXPECT_EQ(GroupedNumber(999), "999");
+    EXPECT_EQ(GroupedNumber(1000), "1,000");
+    EXPECT_EQ(GroupedNumber(134217728), "134,217,728");
+}
+
+TEST(NumberText, WritesLengthsAndSizes) {
+    EXPECT_EQ(MmText(1181, 300), "100.0");
+    EXPECT_EQ(SizeText(2362, 3543), "2362 x 3543");
+}
+
 TEST(NumberText, ReadsDecimals) {
     EXPECT_EQ(ParseNumber("2.5"), 2.5);
     EXPECT_EQ(ParseNumber("-2."), -2.0);

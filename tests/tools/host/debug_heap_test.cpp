@@ -39,7 +39,6 @@ TEST_F(DebugHeapTest, KnowsTheBlocksOfTheDriver) {
         const auto device = session.EnablePdev({});
         ASSERT_NE(device->Instance(), nullptr);
         EXPECT_EQ(LiveBlocks(kInstanceBytes), 1u);
-        EXPECT_GT(heap.Allocations(), 1u);
     }
     EXPECT_EQ(LiveBlocks(kInstanceBytes), 0u);
     EXPECT_THAT(heap.Misuses(), IsEmpty());

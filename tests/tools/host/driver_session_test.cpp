@@ -5,6 +5,7 @@
 #include <stdexcept>
 
 #include "tests/kit/scratch_folder.h"
+#include "tests/tools/common/thrown_text.h"
 #include "tests/tools/host/refusing_engine.h"
 
 namespace orvex::tools {
@@ -145,13 +146,8 @@ TEST(HookTable, IsAcceptedOnlyAsExpected) {
 
 #ifdef _WIN32
 TEST(DriverLibrary, SaysWhyAFileIsNotADriver) {
-    const auto complaint = [](const std::filesystem::path& file) -> std::string {
-        try {
-            DriverLibrary driver(file);
-            return {};
-        } catch (const DriverError& error) {
-            return error.what();
-        }
+    const auto complaint = [](const std::filesystem::path& file) {
+        return ThrownText<DriverError>([&] { DriverLibrary driver(file); });
     };
     EXPECT_EQ(complaint("no-such-driver.dll"), "the driver no-such-driver.dll can't be loaded (error 126)");
     EXPECT_EQ(complaint("kernel32.dll"), "kernel32.dll is no printer driver");

@@ -19,10 +19,19 @@ class EngineLibraryTest : public testing::Test {
   protected:
     EngineLibraryTest() { RefusingEngine::Reset(); }
 
-    template <typename Function>
-    static Function Find(HMODULE library, const char* name) {
-        return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(library, name)));
+    // Puts the engine in place of the library, and loads that as the driver does.
+    void Load(EngineSource source) {
+        engine_.emplace(std::move(source)).Attach(nullptr);
+        library_ = LoadLibraryW(L"hpcrlib.dll");
     }
+
+    template <typename Function>
+    Function Find(const char* name) const {
+        return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(library_, name)));
+    }
+
+    std::optional<EngineLibrary> engine_;
+    HMODULE library_ = nullptr;
 };
 
 }  // namespace
@@ -54,29 +63,25 @@ TEST_F(EngineLibraryTest, LeavesOtherLibrariesToTheSystem) {
 TEST_F(EngineLibraryTest, LacksTheExportsThatAreNull) {
     PrintEngine entries = kRefusingEngine;
     entries.HPCRLIB_RasterRow = nullptr;
-    EngineLibrary engine(entries);
-    engine.Attach(nullptr);
-    const HMODULE library = LoadLibraryW(L"hpcrlib.dll");
-    EXPECT_NE(GetProcAddress(library, "HPCRLIB_RasterBlockStart"), nullptr);
-    EXPECT_EQ(GetProcAddress(library, "HPCRLIB_RasterRow"), nullptr);
+    Load(entries);
+    EXPECT_NE(GetProcAddress(library_, "HPCRLIB_RasterBlockStart"), nullptr);
+    EXPECT_EQ(GetProcAddress(library_, "HPCRLIB_RasterRow"), nullptr);
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_PROC_NOT_FOUND));
-    EXPECT_THAT(engine.Books().refusals, ElementsAre("hpcrlib.dll has no HPCRLIB_RasterRow"));
-    FreeLibrary(library);
+    EXPECT_THAT(engine_->Books().refusals, ElementsAre("hpcrlib.dll has no HPCRLIB_RasterRow"));
+    FreeLibrary(library_);
 }
 
 TEST_F(EngineLibraryTest, RecordsAJob) {
-    EngineLibrary engine(kRefusingEngine);
-    engine.Attach(nullptr);
-    const HMODULE library = LoadLibraryW(L"hpcrlib.dll");
-    const auto jobStart = Find<decltype(&HPCRLIB_JobStart)>(library, "HPCRLIB_JobStart");
-    const auto pageStart = Find<decltype(&HPCRLIB_PageStart)>(library, "HPCRLIB_PageStart");
-    const auto blockStart = Find<decltype(&HPCRLIB_RasterBlockStart)>(library, "HPCRLIB_RasterBlockStart");
-    const auto row = Find<decltype(&HPCRLIB_RasterRow)>(library, "HPCRLIB_RasterRow");
-    const auto blockEnd = Find<decltype(&HPCRLIB_RasterBlockEnd)>(library, "HPCRLIB_RasterBlockEnd");
-    const auto pageEnd = Find<decltype(&HPCRLIB_PageEnd)>(library, "HPCRLIB_PageEnd");
-    const auto jobEnd = Find<decltype(&HPCRLIB_JobEnd)>(library, "HPCRLIB_JobEnd");
+    Load(kRefusingEngine);
+    const auto jobStart = Find<decltype(&HPCRLIB_JobStart)>("HPCRLIB_JobStart");
+    const auto pageStart = Find<decltype(&HPCRLIB_PageStart)>("HPCRLIB_PageStart");
+    const auto blockStart = Find<decltype(&HPCRLIB_RasterBlockStart)>("HPCRLIB_RasterBlockStart");
+    const auto row = Find<decltype(&HPCRLIB_RasterRow)>("HPCRLIB_RasterRow");
+    const auto blockEnd = Find<decltype(&HPCRLIB_RasterBlockEnd)>("HPCRLIB_RasterBlockEnd");
+    const auto pageEnd = Find<decltype(&HPCRLIB_PageEnd)>("HPCRLIB_PageEnd");
+    const auto jobEnd = Find<decltype(&HPCRLIB_JobEnd)>("HPCRLIB_JobEnd");
     std::vector<uint32_t> progress;
-    engine.OnRow([&](const EnginePage& page, uint64_t number) {
+    engine_->OnRow([&](const EnginePage& page, uint64_t number) {
         EXPECT_EQ(number, 1u);
         progress.push_back(page.rowsTaken);
     });
@@ -90,9 +95,9 @@ TEST_F(EngineLibraryTest, RecordsAJob) {
     EXPECT_EQ(blockEnd(7), 1u);
     EXPECT_EQ(pageEnd(7), 1u);
     EXPECT_EQ(jobEnd(7), 1u);
-    FreeLibrary(library);
+    FreeLibrary(library_);
 
-    const EngineBooks& books = engine.Books();
+    const EngineBooks& books = engine_->Books();
     EXPECT_EQ(books.jobsStarted, 1u);
     EXPECT_EQ(books.jobsEnded, 1u);
     EXPECT_EQ(books.pagesStarted, 1u);
@@ -111,28 +116,24 @@ TEST_F(EngineLibraryTest, RecordsAJob) {
 }
 
 TEST_F(EngineLibraryTest, RecordsAJobThatDidNotStart) {
-    EngineLibrary engine(kRefusingEngine);
-    engine.Attach(nullptr);
-    const HMODULE library = LoadLibraryW(L"hpcrlib.dll");
+    Load(kRefusingEngine);
     RefusingEngine::job = 0;
-    EXPECT_EQ(Find<decltype(&HPCRLIB_JobStart)>(library, "HPCRLIB_JobStart")(nullptr, nullptr, 0, 0), 0u);
-    FreeLibrary(library);
-    EXPECT_THAT(engine.Books().refusals, ElementsAre("HPCRLIB_JobStart started no job"));
-    EXPECT_EQ(engine.Books().jobsStarted, 0u);
+    EXPECT_EQ(Find<decltype(&HPCRLIB_JobStart)>("HPCRLIB_JobStart")(nullptr, nullptr, 0, 0), 0u);
+    FreeLibrary(library_);
+    EXPECT_THAT(engine_->Books().refusals, ElementsAre("HPCRLIB_JobStart started no job"));
+    EXPECT_EQ(engine_->Books().jobsStarted, 0u);
 }
 
 TEST_F(EngineLibraryTest, KeepsTheFirstRefusalsAndCountsTheRest) {
     PrintEngine entries = kRefusingEngine;
     entries.HPCRLIB_JobEnd = RefuseEnd;
-    EngineLibrary engine(entries);
-    engine.Attach(nullptr);
-    const HMODULE library = LoadLibraryW(L"hpcrlib.dll");
-    const auto jobEnd = Find<decltype(&HPCRLIB_JobEnd)>(library, "HPCRLIB_JobEnd");
+    Load(entries);
+    const auto jobEnd = Find<decltype(&HPCRLIB_JobEnd)>("HPCRLIB_JobEnd");
     for (int i = 0; i < 1000; ++i) EXPECT_EQ(jobEnd(7), 9u);
-    FreeLibrary(library);
-    EXPECT_EQ(engine.Books().refusals.size(), 16u);
-    EXPECT_EQ(engine.Books().refusals[0], "HPCRLIB_JobEnd was refused (9)");
-    EXPECT_EQ(engine.Books().refusalCount, 1000u);
+    FreeLibrary(library_);
+    EXPECT_EQ(engine_->Books().refusals.size(), 16u);
+    EXPECT_EQ(engine_->Books().refusals[0], "HPCRLIB_JobEnd was refused (9)");
+    EXPECT_EQ(engine_->Books().refusalCount, 1000u);
 }
 
 TEST_F(EngineLibraryTest, CanBeMadeToFailLoading) {
@@ -150,10 +151,9 @@ TEST_F(EngineLibraryTest, CanBeMadeToFailLoading) {
 }
 
 TEST_F(EngineLibraryTest, FailsIfThereIsNoSuchFile) {
-    EngineLibrary engine(std::filesystem::path("no-such-folder") / "hpcrlib.dll");
-    engine.Attach(nullptr);
-    EXPECT_EQ(LoadLibraryW(L"hpcrlib.dll"), nullptr);
-    EXPECT_FALSE(engine.Bound());
+    Load(std::filesystem::path("no-such-folder") / "hpcrlib.dll");
+    EXPECT_EQ(library_, nullptr);
+    EXPECT_FALSE(engine_->Bound());
 }
 
 }  // namespace orvex::tools

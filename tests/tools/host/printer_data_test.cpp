@@ -2,17 +2,14 @@
 
 #include <gmock/gmock.h>
 
-#include <stdexcept>
-
 #include "tests/kit/scratch_folder.h"
+#include "tests/tools/common/thrown_text.h"
 
 namespace orvex::tools {
 
-using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
-using testing::StartsWith;
 using namespace std::string_literals;
 
 namespace {
@@ -32,12 +29,7 @@ PrinterData Sample() {
 }
 
 std::string WhyNot(std::string_view json) {
-    try {
-        PrinterData::FromJson(json);
-    } catch (const std::runtime_error& error) {
-        return error.what();
-    }
-    return "";
+    return ThrownText([&] { PrinterData::FromJson(json); });
 }
 
 }  // namespace
@@ -101,22 +93,12 @@ TEST(PrinterData, IsSavedToAFile) {
 
 TEST(PrinterData, SaysWhichFileCannotBeReadOrWritten) {
     const ScratchFolder scratch;
-    const auto message = [](auto&& action) -> std::string {
-        try {
-            action();
-        } catch (const std::runtime_error& error) {
-            return error.what();
-        }
-        return "";
-    };
     const auto bad = scratch.Write("bad.json", "{");
-    EXPECT_THAT(message([&] { PrinterData::Load(bad); }), HasSubstr("bad.json: "));
-    EXPECT_THAT(message([&] { PrinterData::Load(scratch.Path() / "absent.json"); }),
-                HasSubstr("cannot read printer data from "));
-    EXPECT_THAT(message([&] { Sample().Save(scratch.Path() / "absent" / "labels.json"); }),
-                AllOf(StartsWith("cannot write printer data: "), HasSubstr("labels.json ")));
-    std::filesystem::create_directories(scratch.Path() / "folder" / "inside");
-    EXPECT_THAT(message([&] { Sample().Save(scratch.Path() / "folder"); }), HasSubstr("folder is a folder"));
+    EXPECT_THAT(ThrownText([&] { PrinterData::Load(bad); }), HasSubstr("bad.json: "));
+    EXPECT_THAT(ThrownText([&] { PrinterData::Load(scratch.Path() / "absent.json"); }),
+                HasSubstr("absent.json can't be opened"));
+    EXPECT_THAT(ThrownText([&] { Sample().Save(scratch.Path() / "absent" / "labels.json"); }),
+                HasSubstr("labels.json can't be written"));
 }
 
 }  // namespace orvex::tools

@@ -4,6 +4,7 @@
 
 #include <sstream>
 
+#include "tests/tools/common/thrown_text.h"
 #include "tools/common/wide_text.h"
 
 namespace orvex::tools::print {
@@ -19,13 +20,18 @@ JobOptions Parse(const std::vector<std::string>& arguments) {
     return ParseJobOptions(arguments, help).value();
 }
 
+// Returns the error for a wrong command line.
 std::string OptionsComplaint(const std::vector<std::string>& arguments) {
-    try {
-        Parse(arguments);
-        return {};
-    } catch (const OptionError& error) {
-        return error.what();
-    }
+    return ThrownText<OptionError>([&] { Parse(arguments); });
+}
+
+// Return the options, or the error, for arguments before an output and a page.
+JobOptions WithPage(std::vector<std::string> arguments) {
+    arguments.insert(arguments.end(), {"-o", "x", "a.png"});
+    return Parse(arguments);
+}
+std::string Complaint(const std::vector<std::string>& arguments) {
+    return ThrownText<OptionError>([&] { WithPage(arguments); });
 }
 
 // Returns the settings as "option value".
@@ -57,8 +63,8 @@ TEST(JobOptions, TakeNamesThatBeginWithASlash) {
 
 TEST(JobOptions, TakeEverySettingInItsUnit) {
     const JobOptions options =
-        Parse({"--dpi", "600", "--align=centre", "--print-head-offset", "-2.5mm", "--rotate180",
-               "--mirror=off", "--brightness", "-100", "--landscape", "-o", "x", "a.png"});
+        WithPage({"--dpi", "600", "--align=centre", "--print-head-offset", "-2.5mm", "--rotate180",
+                  "--mirror=off", "--brightness", "-100", "--landscape"});
     EXPECT_THAT(SettingsOf(options),
                 ElementsAre("--dpi 600 dpi", "--rotate180 on", "--mirror off", "--align centre",
                             "--print-head-offset -2.5 mm", "--brightness -100", "--orientation landscape"));
@@ -71,18 +77,15 @@ TEST(JobOptions, TakeNoPageForTheValueOfASwitch) {
 }
 
 TEST(JobOptions, TakeTheLastOfTwoValues) {
-    EXPECT_THAT(SettingsOf(Parse({"--dpi", "300", "--dpi", "600", "-o", "x", "a.png"})),
-                ElementsAre("--dpi 600 dpi"));
-    EXPECT_THAT(SettingsOf(Parse({"--kws", "--kws=off", "-o", "x", "a.png"})), ElementsAre("--kws off"));
+    EXPECT_THAT(SettingsOf(WithPage({"--dpi", "300", "--dpi", "600"})), ElementsAre("--dpi 600 dpi"));
+    EXPECT_THAT(SettingsOf(WithPage({"--kws", "--kws=off"})), ElementsAre("--kws off"));
 }
 
 TEST(JobOptions, TakeThePaper) {
-    EXPECT_EQ(Parse({"--size", "100x150mm", "-o", "x", "a.png"}).size, (PaperSize{1000, 1500}));
-    EXPECT_EQ(Parse({"--label", "Versand 4x6", "-o", "x", "a.png"}).label, "Versand 4x6");
-    EXPECT_EQ(OptionsComplaint({"--size", "100x150mm", "--label", "x", "-o", "x", "a.png"}),
-              "--size and --label: give one of them");
-    EXPECT_EQ(OptionsComplaint({"--landscape", "--portrait", "-o", "x", "a.png"}),
-              "--landscape and --portrait: give one of them");
+    EXPECT_EQ(WithPage({"--size", "100x150mm"}).size, (PaperSize{1000, 1500}));
+    EXPECT_EQ(WithPage({"--label", "Versand 4x6"}).label, "Versand 4x6");
+    EXPECT_EQ(Complaint({"--size", "100x150mm", "--label", "x"}), "--size and --label: give one of them");
+    EXPECT_EQ(Complaint({"--landscape", "--portrait"}), "--landscape and --portrait: give one of them");
 }
 
 TEST(JobOptions, TakeTheRest) {
@@ -103,31 +106,25 @@ TEST(JobOptions, TakeTheRest) {
     EXPECT_EQ(options.logMask, 3);
     EXPECT_EQ(options.loadMode, "l");
     EXPECT_EQ(options.saveMode, "s");
-    EXPECT_EQ(Parse({"--log", "error", "-o", "x", "a.png"}).logMask, 1);
+    EXPECT_EQ(WithPage({"--log", "error"}).logMask, 1);
 }
 
 TEST(JobOptions, NameOptionValueAndRangeOfAWrongValue) {
-    EXPECT_EQ(OptionsComplaint({"--dpi", "720", "-o", "x", "a.png"}),
-              "--dpi: \"720\" is not allowed; it takes 300 or 600 dpi");
-    EXPECT_EQ(OptionsComplaint({"--rotate180=maybe", "-o", "x", "a.png"}),
-              "--rotate180: \"maybe\" is not allowed; it takes on or off");
-    EXPECT_EQ(OptionsComplaint({"--image-dpi", "9", "-o", "x", "a.png"}),
-              "--image-dpi: \"9\" is not allowed; it takes 10 to 10000 dpi");
-    EXPECT_EQ(OptionsComplaint({"--log", "all", "-o", "x", "a.png"}),
-              "--log: \"all\" is not allowed; it takes error or trace");
-    EXPECT_EQ(OptionsComplaint({"--language", "DE", "-o", "x", "a.png"}),
+    EXPECT_EQ(Complaint({"--dpi", "720"}), "--dpi: \"720\" is not allowed; it takes 300 or 600 dpi");
+    EXPECT_EQ(Complaint({"--rotate180=maybe"}), "--rotate180: \"maybe\" is not allowed; it takes on or off");
+    EXPECT_EQ(Complaint({"--image-dpi", "9"}), "--image-dpi: \"9\" is not allowed; it takes 10 to 10000 dpi");
+    EXPECT_EQ(Complaint({"--log", "all"}), "--log: \"all\" is not allowed; it takes error or trace");
+    EXPECT_EQ(Complaint({"--language", "DE"}),
               "--language: \"DE\" is not allowed; it takes ENG, FRA, DEU, CH, ES, JPN or ENU");
-    EXPECT_THAT(OptionsComplaint({"--size", "big", "-o", "x", "a.png"}),
-                HasSubstr("--size: \"big\" is not allowed"));
-    EXPECT_THAT(OptionsComplaint({"--nonsense", "-o", "x", "a.png"}), HasSubstr("--nonsense"));
+    EXPECT_THAT(Complaint({"--size", "big"}), HasSubstr("--size: \"big\" is not allowed"));
+    EXPECT_THAT(Complaint({"--nonsense"}), HasSubstr("--nonsense"));
     EXPECT_THAT(OptionsComplaint({"-o"}), HasSubstr("--output"));
 }
 
 TEST(JobOptions, RefuseAnEmptyValue) {
-    EXPECT_THAT(OptionsComplaint({"--dpi", "", "-o", "x", "a.png"}), HasSubstr("--dpi: \"\" is not allowed"));
-    EXPECT_THAT(OptionsComplaint({"--size", "", "-o", "x", "a.png"}),
-                HasSubstr("--size: \"\" is not allowed"));
-    EXPECT_THAT(OptionsComplaint({"--log", "", "-o", "x", "a.png"}), HasSubstr("--log: \"\" is not allowed"));
+    EXPECT_THAT(Complaint({"--dpi", ""}), HasSubstr("--dpi: \"\" is not allowed"));
+    EXPECT_THAT(Complaint({"--size", ""}), HasSubstr("--size: \"\" is not allowed"));
+    EXPECT_THAT(Complaint({"--log", ""}), HasSubstr("--log: \"\" is not allowed"));
 }
 
 TEST(JobOptions, NeedPagesAndAnOutputToPrint) {

@@ -32,6 +32,16 @@ class OrvexPrintTest : public testing::Test {
         return RunPlain(arguments);
     }
 
+    void RunWell(const std::vector<std::string>& arguments) {
+        ASSERT_EQ(Run(arguments), kExitPrinted) << error;
+    }
+
+    // Prints a page of 20 mm x 10 mm on a label of 30 mm x 40 mm into "out.prn", with these options.
+    int Print(std::vector<std::string> options = {}) {
+        options.insert(options.end(), {"--size", "30x40mm", "-o", Text("out.prn"), WritePage("a.png")});
+        return Run(options);
+    }
+
     int RunPlain(const std::vector<std::string>& arguments) {
         std::ostringstream outStream;
         std::ostringstream errorStream;

@@ -43,10 +43,8 @@ std::vector<std::string> OpenScopes(const std::vector<std::string>& lines) {
 }  // namespace
 
 TEST_F(OrvexPrintTest, PrintsPagesAndReportsTheirNumber) {
-    ASSERT_EQ(Run({"--size", "30x40mm", "--copies", "3", "--title", "Two pages", "-o", Text("out.prn"),
-                   WritePage("a.png"), WritePage("b.png")}),
-              kExitPrinted)
-        << error;
+    RunWell({"--size", "30x40mm", "--copies", "3", "--title", "Two pages", "-o", Text("out.prn"),
+             WritePage("a.png"), WritePage("b.png")});
     EXPECT_EQ(error, "");
     EXPECT_THAT(out, AllOf(StartsWith(Text("out.prn") + ": 2 pages, 708 rows, " +
                                       std::to_string(OutputBytes().size()) + " bytes, "),
@@ -56,16 +54,14 @@ TEST_F(OrvexPrintTest, PrintsPagesAndReportsTheirNumber) {
 }
 
 TEST_F(OrvexPrintTest, NamesTheJobAfterItsFirstPage) {
-    ASSERT_EQ(Run({"--size", "30x40mm", "-o", Text("out.prn"), WritePage("first.png"), WritePage("b.png")}),
-              0)
-        << error;
+    RunWell({"--size", "30x40mm", "-o", Text("out.prn"), WritePage("first.png"), WritePage("b.png")});
     EXPECT_THAT(OutputBytes(), HasSubstr("@PJL JOB NAME=\"first.png\"\n"));
     EXPECT_THAT(out, HasSubstr(": 2 pages, "));
 }
 
 TEST_F(OrvexPrintTest, TakesNamesOfAnyScript) {
     const std::string output = Text("K\xC3\xA4se \xE2\x82\xAC \xE6\x97\xA5.prn");
-    ASSERT_EQ(Run({"--size", "30x40mm", "-o", output, WritePage("\xD0\xA9 \xC3\xA9.png")}), 0) << error;
+    RunWell({"--size", "30x40mm", "-o", output, WritePage("\xD0\xA9 \xC3\xA9.png")});
     EXPECT_THAT(out, StartsWith(output + ": 1 page, 354 rows, "));
     EXPECT_TRUE(fs::exists(PathFromUtf8(output)));
 }
@@ -81,8 +77,7 @@ TEST_F(OrvexPrintTest, TakesPathsThatDependOnTheCurrentFolder) {
 }
 
 TEST_F(OrvexPrintTest, PrintsTheSelfTestPage) {
-    ASSERT_EQ(Run({"--test-page", "--size", "100x150mm", "--grey", "black", "-o", Text("out.prn")}), 0)
-        << error;
+    RunWell({"--test-page", "--size", "100x150mm", "--grey", "black", "-o", Text("out.prn")});
     EXPECT_THAT(out, HasSubstr(": 1 page, 1181 rows, "));
     EXPECT_THAT(OutputBytes(),
                 AllOf(HasSubstr("@PJL JOB NAME=\"Test page\"\n"), HasSubstr("@PJL SET COLORMODE=2\n")));
@@ -94,10 +89,9 @@ TEST_F(OrvexPrintTest, WritesNothingWhenAnOptionIsWrong) {
     EXPECT_EQ(Run({"--label", "Nothing", "-o", Text("out.prn"), WritePage("a.png")}), kExitUsage);
     EXPECT_EQ(error, "orvexprint: --label: \"Nothing\" is not allowed; it takes \"Shipping\", \"Small\"\n");
     EXPECT_EQ(Run({"--profile", "none.zvp", "-o", Text("out.prn"), WritePage("a.png")}), kExitUsage);
-    EXPECT_EQ(
-        error,
-        "orvexprint: --profile: \"none.zvp\" is not allowed; it takes an installed profile, and none is "
-        "installed\n");
+    EXPECT_EQ(error,
+              "orvexprint: --profile: \"none.zvp\" is not allowed; it takes an installed profile, and none "
+              "is installed\n");
     EXPECT_TRUE(NothingWasWritten());
 }
 
@@ -128,11 +122,11 @@ TEST_F(OrvexPrintTest, LeavesAnEarlierOutputWhenTheJobFails) {
 TEST_F(OrvexPrintTest, ReportsAnEngineCallWhoseFailureTheDriverIgnores) {
     engine = kRefusingEngine;
     RefusingEngine::refusedRow = 5;
-    EXPECT_EQ(Run({"--size", "30x40mm", "-o", Text("out.prn"), WritePage("a.png")}), kExitFailed);
+    EXPECT_EQ(Print(), kExitFailed);
     EXPECT_EQ(error, "orvexprint: the job did not print: HPCRLIB_RasterRow of row 5 was refused (0)\n");
     RefusingEngine::Reset();
     RefusingEngine::jobEnd = 5;
-    EXPECT_EQ(Run({"--size", "30x40mm", "-o", Text("out.prn"), WritePage("a.png")}), kExitFailed);
+    EXPECT_EQ(Print(), kExitFailed);
     EXPECT_EQ(error, "orvexprint: the job did not print: HPCRLIB_JobEnd was refused (5)\n");
     EXPECT_TRUE(NothingWasWritten());
 }
@@ -140,11 +134,10 @@ TEST_F(OrvexPrintTest, ReportsAnEngineCallWhoseFailureTheDriverIgnores) {
 TEST_F(OrvexPrintTest, ReportsAJobThatTheDriverRefuses) {
     engine = kRefusingEngine;
     engine->HPCRLIB_PageEnd = nullptr;
-    EXPECT_EQ(Run({"--size", "30x40mm", "-o", Text("out.prn"), WritePage("a.png")}), kExitFailed);
-    EXPECT_EQ(
-        error,
-        "orvexprint: the job did not print: the driver refused the job (DrvStartDoc): hpcrlib.dll has no "
-        "HPCRLIB_PageEnd\n");
+    EXPECT_EQ(Print(), kExitFailed);
+    EXPECT_EQ(error,
+              "orvexprint: the job did not print: the driver refused the job (DrvStartDoc): hpcrlib.dll has "
+              "no HPCRLIB_PageEnd\n");
     EXPECT_TRUE(NothingWasWritten());
 }
 
@@ -174,10 +167,9 @@ TEST_F(OrvexPrintTest, ReportsMissingFilesAndFolders) {
     EXPECT_EQ(error, "orvexprint: the raster library " + Text("nowhere.dll") + " is not there\n");
     programFolder = scratch.Path();
     EXPECT_EQ(Run({"-o", Text("out.prn"), page}), kExitFailed);
-    EXPECT_EQ(
-        error,
-        "orvexprint: the job did not print: the driver refused the job (DrvStartDoc): hpcrlib.dll can't be "
-        "loaded (error 126)\n");
+    EXPECT_EQ(error,
+              "orvexprint: the job did not print: the driver refused the job (DrvStartDoc): hpcrlib.dll "
+              "can't be loaded (error 126)\n");
     EXPECT_EQ(Run({"-o", Text("nowhere/out.prn"), page}), kExitFailed);
     EXPECT_EQ(error, "orvexprint: " + Text("nowhere/out.prn") + " can't be written\n");
     EXPECT_TRUE(NothingWasWritten());
@@ -188,16 +180,14 @@ TEST_F(OrvexPrintTest, TurnsTheDriversLogOnForTheRun) {
     fs::remove(driver.LogPath());
     fs::create_directories(driver.LogControlPath().parent_path());
     WriteBytes(driver.LogControlPath(), "0 kept");
-    ASSERT_EQ(Run({"--log", "trace", "--size", "30x40mm", "-o", Text("out.prn"), WritePage("a.png")}), 0)
-        << error;
+    ASSERT_EQ(Print({"--log", "trace"}), 0) << error;
     EXPECT_EQ(error, "the driver's log: c:\\temp\\orvexgdi.txt\n");
     EXPECT_EQ(ReadBytes(driver.LogControlPath()), "0 kept");
     std::vector<std::string> lines = ReadLogLines(driver.LogPath());
     EXPECT_THAT(lines, testing::Contains("[Trace] <DrvSendPage>"));
     EXPECT_THAT(OpenScopes(lines), ElementsAre()) << "the trace is nested";
     fs::remove(driver.LogPath());
-    ASSERT_EQ(Run({"--log", "error", "--size", "30x40mm", "-o", Text("out.prn"), WritePage("a.png")}), 0)
-        << error;
+    ASSERT_EQ(Print({"--log", "error"}), 0) << error;
     lines = ReadLogLines(driver.LogPath());
     EXPECT_THAT(lines, Not(testing::Contains(StartsWith("[Trace]"))));
     EXPECT_THAT(lines, testing::Contains("[Info]  Page: 1"));
@@ -209,10 +199,10 @@ TEST_F(OrvexPrintTest, TurnsTheDriversLogOnForTheRun) {
 }
 
 TEST_F(OrvexPrintTest, ShowsProgressOnATerminalOnly) {
-    ASSERT_EQ(Run({"--size", "30x40mm", "-o", Text("out.prn"), WritePage("a.png")}), 0) << error;
+    EXPECT_EQ(Print(), 0) << error;
     EXPECT_EQ(error, "");
     terminal = true;
-    ASSERT_EQ(Run({"--size", "30x40mm", "-o", Text("out.prn"), WritePage("a.png")}), 0);
+    EXPECT_EQ(Print(), 0) << error;
     EXPECT_THAT(error, AllOf(StartsWith("\rpage 1 of 1: 0 %\rpage 1 of 1: 1 %"),
                              HasSubstr("\rpage 1 of 1: 100 %"), EndsWith(" \r")));
 }

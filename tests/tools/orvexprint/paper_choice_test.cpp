@@ -4,6 +4,7 @@
 
 #include <cstring>
 
+#include "tests/tools/common/thrown_text.h"
 #include "tools/common/wide_text.h"
 #include "tools/orvexprint/setting_table.h"
 
@@ -14,12 +15,7 @@ using testing::HasSubstr;
 namespace {
 
 std::string Complaint(std::string_view text) {
-    try {
-        ParsePaperSize(text);
-        return {};
-    } catch (const OptionError& error) {
-        return error.what();
-    }
+    return ThrownText<OptionError>([&] { ParsePaperSize(text); });
 }
 
 LabelSize Label(const char* name, const char* width, const char* length, uint32_t units, uint16_t number) {
@@ -52,8 +48,7 @@ TEST(PaperSize, IsLimitedToWhatThePrinterPrints) {
     }
     EXPECT_EQ(Complaint("10x10mm"),
               "--size: \"10x10mm\" is not allowed; it takes WIDTHxLENGTH in mm or in, from 25.4 x 25.4 mm to "
-              "297.0 x "
-              "901.7 mm, such as 100x150mm or 4x6in");
+              "297.0 x 901.7 mm, such as 100x150mm or 4x6in");
 }
 
 TEST(PaperSize, IsRefusedIfItIsNotASize) {
@@ -110,13 +105,8 @@ TEST(PaperChoice, SetsALabelOfTheList) {
 
 TEST(PaperChoice, NamesAllLabelsIfThereIsNoSuchLabel) {
     DeviceMode mode = {};
-    const auto complaint = [&](const std::vector<LabelSize>& labels) -> std::string {
-        try {
-            ChooseLabel(mode, "Nothing", labels);
-            return {};
-        } catch (const OptionError& error) {
-            return error.what();
-        }
+    const auto complaint = [&](const std::vector<LabelSize>& labels) {
+        return ThrownText<OptionError>([&] { ChooseLabel(mode, "Nothing", labels); });
     };
     EXPECT_EQ(complaint({Label("Small", "50", "25.4", 0, 258), Label("Big", "4", "6", 1, 259)}),
               "--label: \"Nothing\" is not allowed; it takes \"Small\", \"Big\"");

@@ -5,6 +5,8 @@
 #include <set>
 #include <string>
 
+#include "tests/tools/common/thrown_text.h"
+
 namespace orvex::tools::print {
 
 using testing::HasSubstr;
@@ -17,12 +19,7 @@ int Parse(const char* option, std::string_view text) {
 
 // Returns the option's error for a value; empty if it accepts the value.
 std::string Complaint(const char* option, std::string_view text) {
-    try {
-        Parse(option, text);
-        return {};
-    } catch (const OptionError& error) {
-        return error.what();
-    }
+    return ThrownText<OptionError>([&] { Parse(option, text); });
 }
 
 int Written(const char* option, int value) {
@@ -70,43 +67,28 @@ TEST(SettingTable, KeepsTheSignOfFieldsOfEverySize) {
 
 TEST(SettingTable, WritesTheRightFields) {
     DeviceMode mode = {};
-    const auto set = [&](const char* option, const char* text) {
+    const auto with = [&](const char* option, const char* text) -> const DeviceMode& {
         WriteSetting(mode, FindSetting(option), Parse(option, text));
+        return mode;
     };
-    set("--dpi", "600");
-    set("--orientation", "landscape");
-    set("--align", "left");
-    set("--print-head-offset", "-2.5mm");
-    set("--tof-offset", "0.1");
-    set("--purge-bar", "trailing");
-    set("--purge-dots", "10");
-    set("--purge-gap", "15mm");
-    set("--purge-freq", "50");
-    set("--grey", "black");
-    set("--copies", "12");
-    set("--collate", "on");
-    set("--chunk", "40");
-    set("--private-copies", "3");
-    set("--tone", "-7");
-    set("--black", "9");
-    EXPECT_EQ(mode.pub.dmPrintQuality, 600);
-    EXPECT_EQ(mode.pub.dmOrientation, 2);
-    EXPECT_EQ(mode.priv.alignment, 2);
-    EXPECT_EQ(mode.priv.phHOffset, -25);
-    EXPECT_EQ(mode.priv.phVOffset, 1);
-    EXPECT_EQ(mode.priv.purgeBar, 2);
-    EXPECT_EQ(mode.priv.purgeDots, 10);
-    EXPECT_EQ(mode.priv.purgeGap, 15);
-    EXPECT_EQ(mode.priv.purgeFreq, 50);
-    EXPECT_EQ(mode.priv.colorMode, 2);
-    EXPECT_EQ(mode.pub.dmCopies, 12);
-    EXPECT_EQ(mode.pub.dmCollate, 1);
-    EXPECT_EQ(mode.priv.chunksize, 40);
+    EXPECT_EQ(with("--dpi", "600").pub.dmPrintQuality, 600);
+    EXPECT_EQ(with("--orientation", "landscape").pub.dmOrientation, 2);
+    EXPECT_EQ(with("--align", "left").priv.alignment, 2);
+    EXPECT_EQ(with("--print-head-offset", "-2.5mm").priv.phHOffset, -25);
+    EXPECT_EQ(with("--tof-offset", "0.1").priv.phVOffset, 1);
+    EXPECT_EQ(with("--purge-bar", "trailing").priv.purgeBar, 2);
+    EXPECT_EQ(with("--purge-dots", "10").priv.purgeDots, 10);
+    EXPECT_EQ(with("--purge-gap", "15mm").priv.purgeGap, 15);
+    EXPECT_EQ(with("--purge-freq", "50").priv.purgeFreq, 50);
+    EXPECT_EQ(with("--grey", "black").priv.colorMode, 2);
+    EXPECT_EQ(with("--copies", "12").pub.dmCopies, 12);
+    EXPECT_EQ(with("--collate", "on").pub.dmCollate, 1);
+    EXPECT_EQ(with("--chunk", "40").priv.chunksize, 40);
     EXPECT_EQ(mode.priv.chunkActive, 1);
-    EXPECT_EQ(mode.priv.copies, 3);
+    EXPECT_EQ(with("--private-copies", "3").priv.copies, 3);
     EXPECT_EQ(mode.priv.usePrivateCopies, 1);
-    EXPECT_EQ(mode.priv.adj_colortone, -7);
-    EXPECT_EQ(mode.priv.adj_black, 9);
+    EXPECT_EQ(with("--tone", "-7").priv.adj_colortone, -7);
+    EXPECT_EQ(with("--black", "9").priv.adj_black, 9);
     EXPECT_EQ(mode.pub.dmFields,
               static_cast<DWORD>(DM_PRINTQUALITY | DM_ORIENTATION | DM_COPIES | DM_COLLATE));
 }

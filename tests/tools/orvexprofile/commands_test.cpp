@@ -4,12 +4,10 @@
 #include <gmock/gmock.h>
 
 #include "tests/kit/scratch_folder.h"
-#include "tests/tools/orvexprofile/icc_samples.h"
 #include "tests/tools/orvexprofile/profile_samples.h"
-#include "tests/tools/orvexprofile/shown_inks.h"
 #include "tools/common/png_file.h"
-#include "tools/orvexprofile/driver_colors.h"
-#include "tools/orvexprofile/ink_totals.h"
+#include "tools/orvexprofile/ink_treatment.h"
+#include "tools/orvexprofile/loaded_profile.h"
 #endif
 
 namespace orvex::tools::profile {
@@ -150,6 +148,12 @@ TEST_F(ProfileTool, BuildsOtherVersionsAndSaysWhatTheyLose) {
     EXPECT_EQ(LoadAccepted(Path("half.zvp"), PrintVariant::kOther).version, 3);
     EXPECT_EQ(LoadAccepted(Path("half.zvp"), PrintVariant::kOther).Name(), "half");
     EXPECT_THAT(out_, HasSubstr("without ink"));
+}
+
+// Returns the color that a preview shows for an ink value, as a pixel of a picture.
+uint32_t ShownPixel(uint32_t inks) {
+    const std::vector<int> color = Shown(inks);
+    return static_cast<uint32_t>(color[0] << 16 | color[1] << 8 | color[2]);
 }
 
 struct WrongOption {

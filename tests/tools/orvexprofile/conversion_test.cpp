@@ -6,8 +6,8 @@
 
 #include "tests/kit/scratch_folder.h"
 #include "tests/tools/orvexprofile/profile_samples.h"
-#include "tools/orvexprofile/driver_colors.h"
 #include "tools/orvexprofile/ink_treatment.h"
+#include "tools/orvexprofile/loaded_profile.h"
 
 namespace orvex::tools::profile {
 
@@ -52,9 +52,7 @@ class Conversions : public testing::Test {
     }
 
     const std::vector<uint32_t> colors_ = ColorsEvery(7);
-
-  private:
-    ScratchFolder scratch_;
+    const ScratchFolder scratch_;
 };
 
 uint32_t LargestOf(const InkDifference& difference) {
@@ -66,8 +64,7 @@ uint32_t LargestOf(const InkDifference& difference) {
 TEST_F(Conversions, KeepNameAndCodes) {
     Profile profile = SampleProfile(5);
     profile.name = "Na\xEFve";  // not ASCII: the name of an existing file is kept
-    const ScratchFolder scratch;
-    const std::filesystem::path path = scratch.Path() / "named.zvp";
+    const std::filesystem::path path = scratch_.Path() / "named.zvp";
     WriteProfileFile(profile, path);
     const Profile converted = ConvertProfile(path, 5);
     EXPECT_EQ(converted.name, profile.name);
@@ -77,9 +74,8 @@ TEST_F(Conversions, KeepNameAndCodes) {
 }
 
 // The driver computes a marked entry when it is looked up, and mixes other inks for a component of 255.
-TEST_F(Conversions, ToTheSameVersionKeepAllEntriesButMarks) {
-    const ScratchFolder scratch;
-    const std::filesystem::path path = scratch.Path() / "marked.zvp";
+TEST_F(Conversions, KeepAllEntriesButMarksWithinAVersion) {
+    const std::filesystem::path path = scratch_.Path() / "marked.zvp";
     std::string file = FileWithTags(Tag(1, "Marked"));
     const size_t lastEntry = file.size() - 4;  // white, all of whose components are 255
     file.replace(lastEntry, 4, 4, '\xFF');
@@ -91,9 +87,9 @@ TEST_F(Conversions, ToTheSameVersionKeepAllEntriesButMarks) {
     EXPECT_EQ(converted.other, expected);
 }
 
-TEST_F(Conversions, FromAGridToEveryColorAndBackLoseNothing) {
+TEST_F(Conversions, LoseNothingFromAGridToEveryColorAndBack) {
     const std::filesystem::path grid = Smooth(5), full = Converted(grid, 1);
-    for (PrintVariant variant : {PrintVariant::kAt600, PrintVariant::kOther}) {
+    for (PrintVariant variant : kBothVariants) {
         const ConversionLoss loss = Loss(grid, full, variant);
         EXPECT_EQ(loss.meant.different, 0u);
         EXPECT_EQ(loss.printed.different, 0u);
@@ -106,30 +102,24 @@ TEST_F(Conversions, FromAGridToEveryColorAndBackLoseNothing) {
     EXPECT_EQ(back.other, SmoothProfile(5).other);
 }
 
-TEST_F(Conversions, FromAFinerGridKeepTheGridAndInterpolateBetween) {
+TEST_F(Conversions, KeepTheGridOfAFinerOneAndInterpolateBetween) {
     const std::filesystem::path half = Smooth(4), grid = Converted(half, 5);
-    const InkDifference loss = Loss(half, grid).meant;
-    EXPECT_GT(loss.different, 0u);
-    EXPECT_LE(LargestOf(loss), 20u);
+    const ConversionLoss loss = Loss(half, grid);
+    EXPECT_GT(loss.meant.different, 0u);
+    EXPECT_LE(LargestOf(loss.meant), 20u);
+    EXPECT_GT(LargestOf(loss.printed), 200u) << "a half grid prints other colors than it means";
     EXPECT_EQ(MeasureLoss(half, grid, PrintVariant::kOther, ColorsEvery(128)).meant.different, 0u);
     EXPECT_THAT(VersionLoss(5), HasSubstr("17 values"));
 }
 
-TEST_F(Conversions, FromAHalfGridMeasureWhatWasMeantAndWhatWasPrinted) {
-    const std::filesystem::path half = Smooth(4), grid = Converted(half, 5);
-    const ConversionLoss loss = Loss(half, grid);
-    EXPECT_LE(LargestOf(loss.meant), 20u);
-    EXPECT_GT(LargestOf(loss.printed), 200u);
-}
-
-TEST_F(Conversions, BetweenTheHalfGridsKeepEveryEntry) {
+TEST_F(Conversions, KeepEveryEntryBetweenTheHalfGrids) {
     const Profile entries = ConvertProfile(Smooth(4), 3);
     const Profile smooth = SmoothProfile(3);
     EXPECT_EQ(entries.at600, smooth.at600);
     EXPECT_EQ(entries.other, smooth.other);
 }
 
-TEST_F(Conversions, ToVersion3LoseTheInkOfOddColors) {
+TEST_F(Conversions, LoseTheInkOfOddColorsInVersion3) {
     const std::filesystem::path grid = Smooth(5), half = Converted(grid, 3);
     const std::vector<uint32_t> odd = {0xFF0000, 0x010101, 0x102131};
     const std::vector<uint32_t> even = {0x000000, 0x102030, 0x404040};
@@ -140,7 +130,7 @@ TEST_F(Conversions, ToVersion3LoseTheInkOfOddColors) {
     EXPECT_THAT(VersionLoss(3), HasSubstr("without ink"));
 }
 
-TEST_F(Conversions, ToVersion4KeepWhiteAndEvenColorsAndSwapTheHuesOfOthers) {
+TEST_F(Conversions, KeepWhiteAndEvenColorsInVersion4AndSwapTheHuesOfOthers) {
     const std::filesystem::path grid = Smooth(5), half = Converted(grid, 4);
     LoadAccepted(grid, PrintVariant::kOther);
     const uint32_t blue = LookupColor(0x0000FF), dark = LookupColor(0x102030);
@@ -151,9 +141,8 @@ TEST_F(Conversions, ToVersion4KeepWhiteAndEvenColorsAndSwapTheHuesOfOthers) {
     EXPECT_THAT(VersionLoss(4), HasSubstr("red and blue exchanged"));
 }
 
-TEST_F(Conversions, OfARefusedFileFailWithTheReason) {
-    const ScratchFolder scratch;
-    const std::filesystem::path bad = scratch.Write("bad.zvp", "ZVC");
+TEST_F(Conversions, FailWithTheReasonWhyAFileIsRefused) {
+    const std::filesystem::path bad = scratch_.Write("bad.zvp", "ZVC");
     EXPECT_THAT([&] { ConvertProfile(bad, 5); },
                 ThrowsMessage<std::runtime_error>(HasSubstr("error reading file")));
     EXPECT_THAT([&] { MeasureLoss(bad, bad, PrintVariant::kOther, colors_); },

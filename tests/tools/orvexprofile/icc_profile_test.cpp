@@ -7,11 +7,10 @@
 #include <cstdio>
 
 #include "tests/kit/scratch_folder.h"
-#include "tests/tools/orvexprofile/icc_samples.h"
 #include "tests/tools/orvexprofile/profile_samples.h"
-#include "tools/orvexprofile/driver_colors.h"
 #include "tools/orvexprofile/ink_statistics.h"
 #include "tools/orvexprofile/ink_treatment.h"
+#include "tools/orvexprofile/loaded_profile.h"
 #endif
 
 namespace orvex::tools::profile {
@@ -98,15 +97,15 @@ TEST(IccProfile, IsRefusedUnlessItIsACmykPrinters) {
         return [path] { IccProfile(path, RenderingIntent::kPerceptual, false); };
     };
     EXPECT_THAT(open(scratch.Path() / "none.icc"),
-                ThrowsMessage<std::runtime_error>(HasSubstr("can't read")));
-    EXPECT_THAT(open(scratch.Path()), ThrowsMessage<std::runtime_error>(HasSubstr("can't read")));
+                ThrowsMessage<std::runtime_error>(HasSubstr("none.icc can't be opened")));
+    EXPECT_THAT(open(scratch.Path()), ThrowsMessage<std::runtime_error>(HasSubstr("is a folder")));
     EXPECT_THAT(open(scratch.Write("text.icc", "no profile at all")),
                 ThrowsMessage<std::runtime_error>(HasSubstr("not an ICC profile")));
     EXPECT_THAT(open(kScreenIcc),
                 ThrowsMessage<std::runtime_error>(HasSubstr("not the profile of a CMYK printer")));
 }
 
-TEST(IccProfile, WithoutTheTablesOfAPrinterIsRefused) {
+TEST(IccProfile, IsRefusedWithoutTheTablesOfAPrinter) {
     std::string bytes = ReadBytes(kPrinterIcc);
     for (char table : {'0', '1', '2'}) {
         const size_t place = bytes.find(std::string("B2A") + table);
@@ -141,7 +140,7 @@ std::vector<uint32_t> Sparse(uint32_t step, uint32_t end) {
     return colors;
 }
 
-// Builds a profile from the printer's ICC profile and compares the answers of both.
+// A profile built from the printer's ICC profile, whose answers are compared with those of Little CMS.
 class BuiltFromIcc : public testing::Test {
   protected:
     void Build(int version) {

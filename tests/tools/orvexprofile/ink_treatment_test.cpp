@@ -1,13 +1,16 @@
 #include "tools/orvexprofile/ink_treatment.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
+
+#include <sstream>
 
 #include "tools/orvexprofile/ink_statistics.h"
-#include "tools/orvexprofile/ink_totals.h"
 
 namespace orvex::tools::profile {
 
 namespace {
+
+using testing::HasSubstr;
 
 TEST(InkLimit, LeavesInksWithinItAlone) {
     EXPECT_EQ(LimitInk(PackInks(255, 100, 100, 55), 200), PackInks(255, 100, 100, 55));
@@ -112,6 +115,33 @@ TEST(InkDifference, TellsTheLargestAndTheMeanOfEachInk) {
     EXPECT_EQ(difference.inks[kYellowInk].most, 255u);
     EXPECT_DOUBLE_EQ(difference.inks[kYellowInk].mean, 63.75);
     EXPECT_EQ(CompareInks({}, {}).colors, 0u);
+}
+
+TEST(InkStatistics, ShowWhatIsWrongWithAVariant) {
+    Variant variant(4913, 0);
+    variant[3] = kNotComputed;
+    variant.back() = PackInks(1, 0, 2, 0);
+    std::ostringstream out;
+    ReportStatistics(out, "inks", MeasureInks(5, variant));
+    EXPECT_THAT(out.str(), HasSubstr("largest total 1020 (400.0 %) at #000030"));
+    EXPECT_THAT(out.str(), HasSubstr("white gets ink: K 1 C 0 M 2 Y 0"));
+    EXPECT_THAT(out.str(), HasSubstr("taken by the driver as not computed (all four inks full): 1"));
+}
+
+TEST(InkDifference, IsShownOnlyWhereThereIsAny) {
+    std::ostringstream out;
+    const uint32_t a[] = {PackInks(9, 0, 0, 0), 0}, b[] = {PackInks(5, 0, 0, 0), 0};
+    ReportDifference(out, "Loss", CompareInks(a, b));
+    EXPECT_EQ(out.str(),
+              "  Loss: 1 of 2 colours differ\n"
+              "       largest     mean\n"
+              "    K        4    2.000\n"
+              "    C        0    0.000\n"
+              "    M        0    0.000\n"
+              "    Y        0    0.000\n");
+    out.str("");
+    ReportDifference(out, "Loss", CompareInks(a, a));
+    EXPECT_EQ(out.str(), "  Loss: 0 of 2 colours differ\n");
 }
 
 }  // namespace

@@ -6,9 +6,9 @@
 #include <cmath>
 
 #include "tests/tools/orvexprofile/profile_samples.h"
-#include "tools/orvexprofile/driver_colors.h"
 #include "tools/orvexprofile/ink_statistics.h"
-#include "tools/orvexprofile/ink_totals.h"
+#include "tools/orvexprofile/ink_treatment.h"
+#include "tools/orvexprofile/loaded_profile.h"
 #include "tools/orvexprofile/recipe.h"
 
 namespace orvex::tools::profile {

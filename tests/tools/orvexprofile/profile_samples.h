@@ -1,18 +1,23 @@
-// Profiles for tests. Every entry of a sample is another ink value, so that a misplaced one shows.
+// Profiles for tests, and the colors that previews show. Every entry of a sample is another ink value, so
+// that a misplaced one shows.
 #pragma once
 
 #include <filesystem>
 #include <string>
+#include <vector>
 
 #include "driver/color/ink.h"
 #include "tests/driver/profiles/profile_bytes.h"
+#include "tools/orvexprofile/loaded_profile.h"
+#include "tools/orvexprofile/print_pictures.h"
 #include "tools/orvexprofile/profile.h"
-#include "tools/orvexprofile/profile_loading.h"
 #include "tools/orvexprofile/profile_writer.h"
 
 namespace orvex::tools::profile {
 
-constexpr PrintVariant kBothVariants[] = {PrintVariant::kAt600, PrintVariant::kOther};
+// ICC profiles of a printer and a screen, installed by Debian's libgs-common.
+constexpr char kPrinterIcc[] = "/usr/share/color/icc/ghostscript/default_cmyk.icc";
+constexpr char kScreenIcc[] = "/usr/share/color/icc/ghostscript/srgb.icc";
 
 // Returns an ink value that no other color has in the same variant, and that is never the "not computed"
 // mark.
@@ -48,6 +53,12 @@ inline Profile PaperProfile() {
 // Returns the file of a profile of version 5 with these tags, and with paper for colors.
 inline std::string FileWithTags(const std::string& tags, int version = 5) {
     return ProfileBytes(version, TagArea(tags), std::string(ColorsSize(5), '\0'));
+}
+
+// Returns the color that a preview shows for an ink value, as red, green and blue.
+inline std::vector<int> Shown(uint32_t inks) {
+    const Rgb color = InkModelOf(PrintVariant::kOther).OnPaper(inks);
+    return {color.red, color.green, color.blue};
 }
 
 }  // namespace orvex::tools::profile

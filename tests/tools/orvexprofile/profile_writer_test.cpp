@@ -152,18 +152,6 @@ TEST(ProfileWriter, RefusesProfilesThatTheDriverWouldNotAccept) {
     }
 }
 
-TEST(ProfileWriter, LeavesNoFileWhenWritingFails) {
-    const ScratchFolder scratch;
-    const std::filesystem::path missing = scratch.Path() / "missing" / "profile.zvp";
-    EXPECT_THAT([&] { WriteProfileFile(PaperProfile(), missing); },
-                ThrowsMessage<std::runtime_error>(HasSubstr("can't be written")));
-    const std::filesystem::path folder = scratch.Path() / "folder";
-    std::filesystem::create_directories(folder / "inner");
-    EXPECT_THAT([&] { WriteProfileFile(PaperProfile(), folder); },
-                ThrowsMessage<std::runtime_error>(HasSubstr("folder is a folder")));
-    EXPECT_FALSE(std::filesystem::exists(scratch.Path() / "folder.part0"));
-}
-
 TEST(ProfileWriter, ReplacesAnOlderFileAsAWhole) {
     const ScratchFolder scratch;
     const std::filesystem::path path = scratch.Write("old.zvp", "old");

@@ -4,7 +4,7 @@
 
 #include <cmath>
 
-#include "tools/orvexprofile/ink_totals.h"
+#include "tools/orvexprofile/ink_treatment.h"
 
 namespace orvex::tools::profile {
 
@@ -23,14 +23,6 @@ SeparationModel IdealInks() {
     return model;
 }
 
-TEST(Separation, GivesWhiteNoInk) {
-    EXPECT_EQ(Separation(IdealInks()).Inks(0xFFFFFF), 0u);
-}
-
-TEST(Separation, GivesBlackTheWholeOfTheBlackInk) {
-    EXPECT_EQ(Separation(IdealInks()).Inks(0), PackInks(255, 0, 0, 0));
-}
-
 TEST(Separation, FillsUpTheDarkestNeutralWithColor) {
     SeparationModel model = IdealInks();
     model.blackDensity = 1.8;
@@ -38,8 +30,10 @@ TEST(Separation, FillsUpTheDarkestNeutralWithColor) {
     EXPECT_EQ(Separation(model).Inks(0), PackInks(255, 131, 131, 131));
 }
 
-TEST(Separation, PrintsPrimariesWithTheirOwnInksOnly) {
+TEST(Separation, PrintsWhiteBlackAndPrimariesWithTheirOwnInksOnly) {
     const Separation separation(IdealInks());
+    EXPECT_EQ(separation.Inks(0xFFFFFF), 0u);
+    EXPECT_EQ(separation.Inks(0x000000), PackInks(255, 0, 0, 0));
     EXPECT_EQ(separation.Inks(0x00FFFF), PackInks(0, 255, 0, 0));
     EXPECT_EQ(separation.Inks(0xFF00FF), PackInks(0, 0, 255, 0));
     EXPECT_EQ(separation.Inks(0xFFFF00), PackInks(0, 0, 0, 255));

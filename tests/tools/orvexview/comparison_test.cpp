@@ -2,9 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <stdexcept>
-
 #include "tests/tools/common/made_picture.h"
+#include "tests/tools/common/thrown_text.h"
 
 namespace orvex::tools::view {
 
@@ -36,12 +35,8 @@ TEST(Comparison, FindsNoDifferenceBetweenEqualPictures) {
 }
 
 TEST(Comparison, RefusesPicturesOfDifferentSizes) {
-    try {
-        Compare(Picture(2, 1, 3), MakeImage(1, 2));
-        FAIL();
-    } catch (const std::runtime_error& error) {
-        EXPECT_STREQ(error.what(), "the page is 2 x 1 pixels, the picture 1 x 2; they can't be compared");
-    }
+    EXPECT_EQ(ThrownText([] { Compare(Picture(2, 1, 3), MakeImage(1, 2)); }),
+              "the page is 2 x 1 pixels, the picture 1 x 2; they can't be compared");
 }
 
 }  // namespace orvex::tools::view

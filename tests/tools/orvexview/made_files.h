@@ -5,7 +5,6 @@
 #include <string_view>
 #include <vector>
 
-#include "engine/print_stream.h"
 #include "tests/engine/engine_output.h"
 #include "tools/orvexview/print_file.h"
 
@@ -36,19 +35,6 @@ inline std::string SettingLines(const std::vector<Setting>& settings) {
 inline std::string MakeFile(const std::vector<Rows>& pages, std::string_view lines = "",
                             uint32_t mode = kMode600Dpi) {
     return WithLines(PrintJob(pages, mode).File(), lines);
-}
-
-inline std::string NumberBytes(uint32_t number) {
-    std::string bytes;
-    for (int shift = 0; shift < 32; shift += 8) bytes += static_cast<char>(number >> shift);
-    return bytes;
-}
-
-// Makes a record with a correct checksum, whatever its payload.
-inline std::string MakeRecord(char type, const std::string& payload) {
-    const std::string record = type + NumberBytes(static_cast<uint32_t>(payload.size())) + payload;
-    const auto* bytes = reinterpret_cast<const uint8_t*>(record.data());
-    return record + NumberBytes(print_stream::Adler32(bytes, record.size()));
 }
 
 }  // namespace orvex::tools::view

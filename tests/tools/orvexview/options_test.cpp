@@ -1,7 +1,6 @@
 #include "tools/orvexview/options.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace orvex::tools::view {
 

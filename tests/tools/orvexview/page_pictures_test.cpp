@@ -3,14 +3,17 @@
 #include <gtest/gtest.h>
 
 #include "tests/tools/orvexview/made_files.h"
-#include "tools/orvexview/layout_picture.h"
 
 namespace orvex::tools::view {
 
 namespace {
 
-PrintFile Print300(const Rows& rows, const std::vector<Setting>& settings) {
-    return ParsePrintFile(AsBytes(MakeFile({rows}, SettingLines(settings), kMode300Dpi)));
+PrintFile Print300(const Rows& rows, const std::vector<Setting>& settings, uint32_t top = 0) {
+    EngineOutput output;
+    const uint64_t job = output.StartJob(kMode300Dpi);
+    EXPECT_TRUE(PrintPage(job, rows, top));
+    HPCRLIB_JobEnd(job);
+    return ParsePrintFile(AsBytes(WithLines(output.File(), SettingLines(settings))));
 }
 
 Rgb PixelAt(const Picture& picture, uint32_t x, uint32_t y) {
@@ -107,12 +110,7 @@ TEST(PagePictures, PixelsAreAveraged) {
 
 // The head is 3510 rows wide at 300 dpi.
 TEST(LayoutPicture, ShowsTheBlockInItsPlaceOnTheHead) {
-    EngineOutput output;
-    const uint64_t job = output.StartJob(kMode300Dpi);
-    PrintPage(job, {{255, 0, 0, 255}, {0, 0, 0, 0}}, 3508);
-    HPCRLIB_JobEnd(job);
-    const PrintFile file =
-        ParsePrintFile(AsBytes(WithLines(output.File(), SettingLines({{"ORIGX", 4}, {"ORIGY", 2}}))));
+    const PrintFile file = Print300({{255, 0, 0, 255}, {0, 0, 0, 0}}, {{"ORIGX", 4}, {"ORIGY", 2}}, 3508);
     const PagePlacement placement = PlacePage(file, file.pages[0]);
     EXPECT_EQ(LayoutLength(file.pages[0], placement), 3510u);
     const Picture layout = DrawLayout(file, file.pages[0], placement, 1);
@@ -156,13 +154,9 @@ TEST(LayoutPicture, ShowsFillRowsAndPurgeBarOnColoredPaper) {
     const uint32_t dot = 0xFFFFFFFF;
     Rows rows(3510, {dot, 0x00000033, 0});
     rows[1755] = {0, 0x000000FF, 0};
-    EngineOutput output;
-    const uint64_t job = output.StartJob(kMode300Dpi);
-    ASSERT_TRUE(PrintPage(job, rows));
-    HPCRLIB_JobEnd(job);
     const std::vector<Setting> settings = {{"ORIGX", 2},    {"ORIGY", 2},     {"FULLWIDTH", 1}, {"KWS", 1},
                                            {"PURGEBAR", 1}, {"PURGEDOTS", 1}, {"ALIGN", 1}};
-    const PrintFile file = ParsePrintFile(AsBytes(WithLines(output.File(), SettingLines(settings))));
+    const PrintFile file = Print300(rows, settings);
     const PagePlacement placement = PlacePage(file, file.pages[0], Orientation::kLandscape);
     ASSERT_TRUE(placement.explained);
     ASSERT_EQ(placement.imageTop, 1754u);
@@ -189,12 +183,8 @@ TEST(LayoutPicture, TintsTheGapOfThePurgeBar) {
 }
 
 TEST(LayoutPicture, FitsAtAnyScale) {
-    EngineOutput output;
-    const uint64_t job = output.StartJob(kMode300Dpi);
-    PrintPage(job, Rows(11, std::vector<uint32_t>(13, 77)), 3499);
-    HPCRLIB_JobEnd(job);
     const PrintFile file =
-        ParsePrintFile(AsBytes(WithLines(output.File(), SettingLines({{"ORIGX", 11}, {"ORIGY", 13}}))));
+        Print300(Rows(11, std::vector<uint32_t>(13, 77)), {{"ORIGX", 11}, {"ORIGY", 13}}, 3499);
     const PagePlacement placement = PlacePage(file, file.pages[0]);
     for (uint32_t scale = 1; scale < 40; ++scale) {
         const Picture layout = DrawLayout(file, file.pages[0], placement, scale);

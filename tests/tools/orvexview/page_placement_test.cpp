@@ -54,11 +54,18 @@ Job FullWidthJob(int alignment, int headOffset, uint32_t rows) {
     return job;
 }
 
+// Verifies the image within its block: in pixels along the row, and in rows.
+void ExpectImage(const PagePlacement& placement, uint32_t left, uint32_t width, uint32_t top, uint32_t rows) {
+    EXPECT_EQ(placement.imageLeft, left);
+    EXPECT_EQ(placement.imageWidth, width);
+    EXPECT_EQ(placement.imageTop, top);
+    EXPECT_EQ(placement.imageRows, rows);
+}
+
 void ExpectFill(const Job& job, uint32_t top, uint32_t bottom) {
     const PagePlacement placement = job.Place();
     EXPECT_TRUE(placement.explained);
-    EXPECT_EQ(placement.imageTop, top);
-    EXPECT_EQ(placement.imageRows, 2362u);
+    ExpectImage(placement, 0, 3543, top, 2362);
     EXPECT_EQ(placement.fillBottom, bottom);
     EXPECT_EQ(placement.headTop, 0u);
 }
@@ -71,10 +78,7 @@ TEST(PagePlacement, APortraitPageHasTheLabelsHeightInARow) {
     const PagePlacement placement = job.Place();
     EXPECT_TRUE(placement.explained);
     EXPECT_EQ(placement.orientation, Orientation::kPortrait);
-    EXPECT_EQ(placement.imageLeft, 0u);
-    EXPECT_EQ(placement.imageWidth, 3543u);
-    EXPECT_EQ(placement.imageTop, 0u);
-    EXPECT_EQ(placement.imageRows, 2362u);
+    ExpectImage(placement, 0, 3543, 0, 2362);
     EXPECT_EQ(placement.purgeWidth, 0u);
     EXPECT_EQ(placement.fillBottom, 0u);
     EXPECT_EQ(placement.headRows, 7020u);
@@ -87,8 +91,7 @@ TEST(PagePlacement, ALandscapePageHasTheLabelsWidthInARow) {
     const PagePlacement placement = job.Place();
     EXPECT_TRUE(placement.explained);
     EXPECT_EQ(placement.orientation, Orientation::kLandscape);
-    EXPECT_EQ(placement.imageWidth, 1417u);
-    EXPECT_EQ(placement.imageRows, 945u);
+    ExpectImage(placement, 0, 1417, 0, 945);
     EXPECT_EQ(placement.headRows, 3510u);
 }
 
@@ -117,8 +120,7 @@ TEST(PagePlacement, ALeadingPurgeBarIsBeforeTheImage) {
     const PagePlacement placement = job.Place();
     EXPECT_TRUE(placement.explained);
     EXPECT_EQ(placement.purgeWidth, 125u);
-    EXPECT_EQ(placement.imageLeft, 125u);
-    EXPECT_EQ(placement.imageWidth, 3543u);
+    ExpectImage(placement, 125, 3543, 0, 2362);
     EXPECT_TRUE(placement.PurgeLeads());
 }
 
@@ -155,7 +157,7 @@ TEST(PagePlacement, ThePrintHeadOffsetMovesFillRows) {
     ExpectFill(FullWidthJob(2, 20, 7020), 0, 4658);
 }
 
-TEST(PagePlacement, OnACenteredLabelTheOffsetChangesBothSidesAlike) {
+TEST(PagePlacement, TheOffsetChangesBothSidesOfACenteredLabelAlike) {
     ExpectFill(FullWidthJob(1, 20, 7020 - 94), 2329 - 47, 2329 - 47);
     ExpectFill(FullWidthJob(1, -20, 7020 + 92), 2329 + 46, 2329 + 46);
     ExpectFill(FullWidthJob(1, 1000, 2362), 0, 0);
@@ -178,10 +180,7 @@ TEST(PagePlacement, APageThatTheHeaderDoesNotExplainIsItsWholeBlock) {
     const PagePlacement placement = job.Place();
     EXPECT_FALSE(placement.explained);
     EXPECT_EQ(placement.orientation, Orientation::kLandscape);
-    EXPECT_EQ(placement.imageLeft, 10u);
-    EXPECT_EQ(placement.imageWidth, 990u);
-    EXPECT_EQ(placement.imageTop, 0u);
-    EXPECT_EQ(placement.imageRows, 500u);
+    ExpectImage(placement, 10, 990, 0, 500);
     EXPECT_EQ(job.Place(Orientation::kPortrait).orientation, Orientation::kPortrait);
 }
 

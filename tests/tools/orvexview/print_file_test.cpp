@@ -5,6 +5,7 @@
 #include <random>
 
 #include "tests/kit/scratch_folder.h"
+#include "tests/tools/common/thrown_text.h"
 #include "tests/tools/orvexview/made_files.h"
 
 namespace orvex::tools::view {
@@ -16,38 +17,29 @@ namespace {
 const Rows kSmallPage = {{1, 2, 3}, {1, 2, 3}, {9, 9, 9}};
 
 std::string ErrorOf(std::string_view bytes) {
-    try {
-        ParsePrintFile(AsBytes(bytes));
-    } catch (const PrintFileError& error) {
-        return error.what();
-    }
-    return "none";
-}
-
-const std::string& Opening() {
-    static const std::string opening(print_stream::kPjlOpening);
-    return opening;
+    return ThrownText<PrintFileError>([&] { ParsePrintFile(AsBytes(bytes)); });
 }
 
 std::string Offset(size_t offset) {
     return "offset " + std::to_string(offset) + ": ";
 }
 
+const std::string kOpening(print_stream::kPjlOpening);
 const std::string kResolution = "\x1B*o0M";
-const std::string kJobStart = MakeRecord('J', NumberBytes(1) + NumberBytes(1));
-const std::string kPageStart = MakeRecord('P', NumberBytes(1) + NumberBytes(5000) + NumberBytes(6000));
-const std::string kBlockStart = MakeRecord('B', NumberBytes(0) + NumberBytes(3) + NumberBytes(2));
+const std::string kJobStart = MakeRecord('J', {1, 1});
+const std::string kPageStart = MakeRecord('P', {1, 5000, 6000});
+const std::string kBlockStart = MakeRecord('B', {0, 3, 2});
 const std::string kRows = MakeRecord('R', "\x03\x03");  // two rows like the one above
-const std::string kBlockEnd = MakeRecord('b', NumberBytes(2));
-const std::string kPageEnd = MakeRecord('p', NumberBytes(1));
-const std::string kJobEnd = MakeRecord('j', NumberBytes(1));
+const std::string kBlockEnd = MakeRecord('b', {2});
+const std::string kPageEnd = MakeRecord('p', {1});
+const std::string kJobEnd = MakeRecord('j', {1});
 const std::string kExit = "\x1B%-12345X";
 
 // Returns the error of a file whose records are `before` and `record`, without its offset, which must be
 // `within` bytes into `record`.
 std::string ErrorIn(const std::string& before, const std::string& record, size_t within) {
-    const std::string error = ErrorOf(Opening() + before + record);
-    const std::string offset = Offset(Opening().size() + before.size() + within);
+    const std::string error = ErrorOf(kOpening + before + record);
+    const std::string offset = Offset(kOpening.size() + before.size() + within);
     EXPECT_EQ(error.substr(0, offset.size()), offset) << error;
     return error.substr(std::min(offset.size(), error.size()));
 }
@@ -112,27 +104,18 @@ TEST(PrintFile, ReadsFromAFile) {
     const ScratchFolder folder;
     const auto path = folder.Write("job.prn", MakeFile({kSmallPage}));
     EXPECT_EQ(ReadRows(ReadPrintFile(path).pages[0]), kSmallPage);
-}
-
-TEST(PrintFile, AMissingFileIsAnError) {
-    const ScratchFolder folder;
-    EXPECT_THROW(ReadPrintFile(folder.Path() / "none.prn"), std::system_error);
-}
-
-TEST(PrintFile, AFolderIsNotAPrintFile) {
-    const ScratchFolder folder;
-    EXPECT_THROW(ReadPrintFile(folder.Path()), std::exception);
+    EXPECT_THROW(ReadPrintFile(folder.Path() / "none.prn"), std::runtime_error);
 }
 
 TEST(PrintFile, AJobMadeByHandIsSound) {
-    EXPECT_EQ(ErrorOf(Opening() + kBeforeRows + kRows + kBlockEnd + kPageEnd + kJobEnd + kExit), "none");
+    EXPECT_EQ(ErrorOf(kOpening + kBeforeRows + kRows + kBlockEnd + kPageEnd + kJobEnd + kExit), "");
 }
 
 TEST(PrintFile, NamesTheExpectedRecord) {
     EXPECT_EQ(ErrorIn("", kPageStart, 0), "page start; expected job start");
     EXPECT_EQ(ErrorIn(kJobStart, kPageStart, 0),
               "page start; expected a resolution command ESC*o, a number from -128 to 127, M");
-    const std::string noPages = MakeRecord('j', NumberBytes(0)) + kExit;
+    const std::string noPages = MakeRecord('j', {0}) + kExit;
     EXPECT_EQ(ErrorIn(kJobStart, noPages, 0),
               "job end; expected a resolution command ESC*o, a number from -128 to 127, M");
     EXPECT_EQ(ErrorIn(kJobStart + kResolution, kBlockStart, 0), "block start; expected page start");
@@ -145,34 +128,24 @@ TEST(PrintFile, NamesTheExpectedRecord) {
 }
 
 TEST(PrintFile, ChecksEveryNumber) {
-    const auto numbers = [](std::initializer_list<uint32_t> list) {
-        std::string bytes;
-        for (const uint32_t number : list) bytes += NumberBytes(number);
-        return bytes;
-    };
-    EXPECT_EQ(ErrorIn("", MakeRecord('J', numbers({2, 1})), 5), "stream version 2; expected 1");
-    EXPECT_EQ(ErrorIn("", MakeRecord('J', numbers({1, 3})), 9), "resolution mode 3; expected 0 to 2");
+    EXPECT_EQ(ErrorIn("", MakeRecord('J', {2, 1}), 5), "stream version 2; expected 1");
+    EXPECT_EQ(ErrorIn("", MakeRecord('J', {1, 3}), 9), "resolution mode 3; expected 0 to 2");
     const std::string beforePage = kJobStart + kResolution;
-    EXPECT_EQ(ErrorIn(beforePage, MakeRecord('P', numbers({2, 1, 1})), 5), "page number 2; expected 1");
-    EXPECT_EQ(ErrorIn(beforePage, MakeRecord('P', numbers({1, 0, 1})), 9),
-              "page width 0; expected 1 to 4294967295");
-    EXPECT_EQ(ErrorIn(beforePage, MakeRecord('P', numbers({1, 1, 0})), 13),
-              "page length 0; expected 1 to 4294967295");
+    EXPECT_EQ(ErrorIn(beforePage, MakeRecord('P', {2, 1, 1}), 5), "page number 2; expected 1");
+    EXPECT_EQ(ErrorIn(beforePage, MakeRecord('P', {1, 0, 1}), 9), "page width 0; expected 1 to 4294967295");
+    EXPECT_EQ(ErrorIn(beforePage, MakeRecord('P', {1, 1, 0}), 13), "page length 0; expected 1 to 4294967295");
     const std::string beforeBlock = beforePage + kPageStart;
-    EXPECT_EQ(ErrorIn(beforeBlock, MakeRecord('B', numbers({16385, 3, 2})), 5),
+    EXPECT_EQ(ErrorIn(beforeBlock, MakeRecord('B', {16385, 3, 2}), 5),
               "block top 16385; expected 0 to 16384");
-    EXPECT_EQ(ErrorIn(beforeBlock, MakeRecord('B', numbers({0, 0, 2})), 9),
-              "row width 0; expected 1 to 32768");
-    EXPECT_EQ(ErrorIn(beforeBlock, MakeRecord('B', numbers({0, 32769, 2})), 9),
+    EXPECT_EQ(ErrorIn(beforeBlock, MakeRecord('B', {0, 0, 2}), 9), "row width 0; expected 1 to 32768");
+    EXPECT_EQ(ErrorIn(beforeBlock, MakeRecord('B', {0, 32769, 2}), 9),
               "row width 32769; expected 1 to 32768");
-    EXPECT_EQ(ErrorIn(beforeBlock, MakeRecord('B', numbers({0, 3, 16385})), 13),
+    EXPECT_EQ(ErrorIn(beforeBlock, MakeRecord('B', {0, 3, 16385}), 13),
               "row count 16385; expected 1 to 16384");
     const std::string beforeEnd = kBeforeRows + kRows;
-    EXPECT_EQ(ErrorIn(beforeEnd, MakeRecord('b', numbers({3})), 5),
-              "number of rows handed over 3; expected 2");
-    EXPECT_EQ(ErrorIn(beforeEnd + kBlockEnd, MakeRecord('p', numbers({2})), 5), "page number 2; expected 1");
-    EXPECT_EQ(ErrorIn(beforeEnd + kBlockEnd + kPageEnd, MakeRecord('j', numbers({0})), 5),
-              "page count 0; expected 1");
+    EXPECT_EQ(ErrorIn(beforeEnd, MakeRecord('b', {3}), 5), "number of rows handed over 3; expected 2");
+    EXPECT_EQ(ErrorIn(beforeEnd + kBlockEnd, MakeRecord('p', {2}), 5), "page number 2; expected 1");
+    EXPECT_EQ(ErrorIn(beforeEnd + kBlockEnd + kPageEnd, MakeRecord('j', {0}), 5), "page count 0; expected 1");
 }
 
 TEST(PrintFile, ChecksTheSizeOfEveryRecord) {
@@ -243,7 +216,7 @@ TEST(PrintFile, NamesTheRecordInWhichTheFileEnds) {
 TEST(PrintFile, EveryTruncationIsAnError) {
     const std::string bytes = MakeFile({kSmallPage, {{7}}}, "@PJL SET COPIES=3\n@PJL JOB NAME=\"x\"\n");
     for (size_t size = 0; size < bytes.size(); ++size) {
-        EXPECT_NE(ErrorOf(std::string_view(bytes).substr(0, size)), "none") << "cut to " << size << " bytes";
+        EXPECT_NE(ErrorOf(std::string_view(bytes).substr(0, size)), "") << "cut to " << size << " bytes";
     }
 }
 
@@ -258,49 +231,7 @@ TEST(PrintFile, EveryChangedByteOfTheRecordsIsAnError) {
             std::string bytes = sound;
             bytes[at] = static_cast<char>(bytes[at] ^ change);
             if (at == number && bytes[at] >= '0' && bytes[at] <= '9') continue;
-            ASSERT_NE(ErrorOf(bytes), "none") << "byte " << at << " xor " << change;
-        }
-    }
-}
-
-TEST(PrintFile, RandomDamageEndsInAnErrorOrInSoundPages) {
-    std::mt19937 random(99);
-    const std::string sound = MakeFile({kSmallPage, kSmallPage}, "@PJL SET COPIES=3\n@PJL JOB NAME=\"x\"\n");
-    for (int round = 0; round < 20'000; ++round) {
-        std::string bytes = sound;
-        for (size_t changes = 1 + random() % 4; changes > 0; --changes) {
-            const size_t at = random() % bytes.size();
-            switch (random() % 3) {
-                case 0:
-                    bytes[at] = static_cast<char>(random());
-                    break;
-                case 1:
-                    bytes.erase(at, random() % 8);
-                    break;
-                default:
-                    bytes.insert(at, bytes.substr(random() % bytes.size(), random() % 20));
-            }
-        }
-        try {
-            const PrintFile file = ParsePrintFile(AsBytes(bytes));
-            for (const PrintedPage& page : file.pages) ASSERT_EQ(ReadRows(page).size(), page.rows);
-        } catch (const PrintFileError&) {
-        }
-    }
-}
-
-// Correct checksums let the row code reach the decoder.
-TEST(PrintFile, RandomRowCodeEndsInAnErrorOrInSoundPages) {
-    std::mt19937 random(17);
-    for (int round = 0; round < 5'000; ++round) {
-        std::string code(1 + random() % 40, '\0');
-        for (char& each : code)
-            each = random() % 3 ? static_cast<char>(random() % 4) : static_cast<char>(random());
-        const std::string bytes =
-            Opening() + kBeforeRows + MakeRecord('R', code) + kBlockEnd + kPageEnd + kJobEnd + kExit;
-        try {
-            ASSERT_EQ(ReadRows(ParsePrintFile(AsBytes(bytes)).pages[0]).size(), 2u);
-        } catch (const PrintFileError&) {
+            ASSERT_NE(ErrorOf(bytes), "") << "byte " << at << " xor " << change;
         }
     }
 }

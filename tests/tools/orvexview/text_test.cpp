@@ -1,8 +1,9 @@
 // Tables, base64 and the settings in words.
 #include <gtest/gtest.h>
 
+#include "tests/tools/common/thrown_text.h"
 #include "tools/orvexview/base64_decoder.h"
-#include "tools/orvexview/header_meanings.h"
+#include "tools/orvexview/report.h"
 #include "tools/orvexview/table.h"
 
 namespace orvex::tools::view {
@@ -17,12 +18,7 @@ std::string Decoded(std::string_view text) {
 }
 
 std::string Base64Error(std::string_view text) {
-    try {
-        DecodeBase64(text);
-    } catch (const std::runtime_error& error) {
-        return error.what();
-    }
-    return "none";
+    return ThrownText([&] { DecodeBase64(text); });
 }
 
 }  // namespace
@@ -58,10 +54,6 @@ TEST(Table, ColumnsAreAsWideAsTheirWidestCell) {
               "-----  ----------  -\n"
               "value  x           y\n"
               "\xC3\xB6\xC3\xB6\n");
-}
-
-TEST(Table, ASizeIsWidthByHeight) {
-    EXPECT_EQ(SizeText(2362, 3543), "2362 x 3543");
 }
 
 TEST(HeaderMeanings, ExplainsASettingAndItsValue) {

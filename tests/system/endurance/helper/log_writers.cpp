@@ -7,7 +7,7 @@
 #include "driver/device_instance.h"
 #include "driver/support/log.h"
 #include "driver/support/module.h"
-#include "tools/host/patch_set.h"
+#include "tools/host/import_patch.h"
 
 namespace orvex {
 

@@ -1,0 +1,17 @@
+// Plain definition of a page's place under the print head: each step is computed in 64 bits and wraps to 32.
+#pragma once
+
+#include "driver/render/page_layout.h"
+
+namespace orvex::plain {
+
+struct Layout {
+    bool fullWidth;
+    int32_t phOffsetPx, imageWidth, rowWidth, rows, headRows, purgeLen, purgeLead;
+    int32_t pageW, pageH, pageLength;  // 1/7200 inch
+    int32_t topOff, fullTop, fullBottom;
+};
+
+Layout ComputeLayout(const PageLayoutInput& input);
+
+}  // namespace orvex::plain

@@ -1,0 +1,27 @@
+#include "tools/orvexprint/progress.h"
+
+#include <algorithm>
+#include <string>
+
+namespace orvex::tools::print {
+
+void Progress::Show(uint64_t page, uint64_t done, uint64_t rows) {
+    if (!shown_) return;
+    // A page may have more rows than were announced: a print-head offset can add fill rows.
+    const uint64_t percent = rows == 0 ? 100 : std::min<uint64_t>(done * 100 / rows, 100);
+    if (page == lastPage_ && percent == lastPercent_) return;
+    lastPage_ = page;
+    lastPercent_ = percent;
+    const std::string line = "page " + std::to_string(page) + " of " + std::to_string(pages_) + ": " +
+                             std::to_string(percent) + " %";
+    out_ << '\r' << line << std::string(width_ > line.size() ? width_ - line.size() : 0, ' ') << std::flush;
+    width_ = line.size();
+}
+
+void Progress::Clear() {
+    if (width_ == 0) return;
+    out_ << '\r' << std::string(width_, ' ') << '\r' << std::flush;
+    width_ = 0;
+}
+
+}  // namespace orvex::tools::print

@@ -1,0 +1,127 @@
+// The commands that draw:
+// orvexprofile apply IN.png OUT.png... shows a picture as the driver would print it;
+// orvexprofile chart FILE draws a whole profile.
+#include <array>
+#include <map>
+#include <memory>
+#include <stdexcept>
+
+#include "tools/common/help_format.h"
+#include "tools/common/png_file.h"
+#include "tools/orvexprofile/commands.h"
+#include "tools/orvexprofile/loaded_profile.h"
+#include "tools/orvexprofile/print_pictures.h"
+
+namespace orvex::tools::profile {
+
+namespace {
+
+// Adds --variant, which says which of the profile's two variants a picture shows.
+void AddVariantOption(CLI::App& command, PrintVariant& variant) {
+    const std::map<std::string, PrintVariant> variants = {{"600", PrintVariant::kAt600},
+                                                          {"other", PrintVariant::kOther}};
+    command
+        .add_option_function<std::string>(
+            "--variant", [&variant, variants](const std::string& name) { variant = variants.at(name); },
+            "The variant of the profile: for 600 dpi, or for other resolutions (default)")
+        ->type_name("600|other")
+        ->check(Unnamed(CLI::IsMember(variants)));
+}
+
+struct ApplyOptions {
+    std::string picture;
+    std::vector<std::string> outputs;
+    std::string profile;
+    PrintVariant variant = PrintVariant::kOther;
+};
+
+// Returns the names of the composite and of the inks' pictures. If only the composite's is given, the inks'
+// are made from it.
+std::array<std::filesystem::path, 1 + kInks> OutputNames(const std::vector<std::string>& given) {
+    std::array<std::filesystem::path, 1 + kInks> names;
+    if (given.size() == names.size()) {
+        std::copy(given.begin(), given.end(), names.begin());
+        return names;
+    }
+    if (given.size() != 1) {
+        throw std::invalid_argument(
+            "apply writes one composite, or five pictures: composite, K, C, M and Y; not " +
+            std::to_string(given.size()));
+    }
+    names[0] = given[0];
+    for (size_t ink = 0; ink < kInks; ++ink) {
+        names[1 + ink] =
+            names[0].parent_path() / (names[0].stem().string() + "-" + kInkLetters[ink] + ".png");
+    }
+    return names;
+}
+
+void Apply(const ApplyOptions& options, std::ostream& out) {
+    const auto names = OutputNames(options.outputs);
+    const RasterImage picture = LoadPng(options.picture);
+    if (options.profile.empty()) {
+        LoadGenericIntoDriver(options.variant);
+    } else {
+        LoadAccepted(options.profile, options.variant);
+    }
+    const InkPictures print = PrintPicture(picture, options.variant);
+    SavePng(print.composite, print.pixelsPerInch, names[0]);
+    for (size_t ink = 0; ink < kInks; ++ink) SavePng(print.inks[ink], print.pixelsPerInch, names[1 + ink]);
+    out << "Wrote";
+    for (const auto& name : names) out << ' ' << name.string();
+    out << '\n';
+}
+
+constexpr double kPixelsPerInch = 96;
+
+struct ChartOptions {
+    std::string profile;
+    std::string output;
+    PrintVariant variant = PrintVariant::kOther;
+};
+
+void Chart(const ChartOptions& options, std::ostream& out) {
+    const std::filesystem::path profile = options.profile;
+    const ProfileFacts facts = LoadAccepted(profile, options.variant);
+    const std::string title = profile.filename().string() + "  \"" + facts.Name().value_or("") +
+                              "\"  version " + std::to_string(facts.version) + "  " + NameOf(options.variant);
+    const std::string output = options.output.empty() ? profile.stem().string() + ".png" : options.output;
+    SavePng(DrawChart(title, options.variant), kPixelsPerInch, output);
+    out << "Wrote " << output << '\n';
+}
+
+}  // namespace
+
+void AddApplyCommand(CLI::App& app, std::ostream& out) {
+    CLI::App* command = app.add_subcommand("apply", "Shows a picture as the driver would print it");
+    const auto options = std::make_shared<ApplyOptions>();
+    command->add_option("IN", options->picture, "The picture, a PNG file")->required()->type_name("");
+    command
+        ->add_option("OUT", options->outputs,
+                     "The composite to write; the inks' pictures stand beside it as OUT-K.png, OUT-C.png, "
+                     "OUT-M.png and OUT-Y.png, unless named too, in this order")
+        ->required()
+        ->type_name("");
+    command
+        ->add_option("--profile", options->profile,
+                     "The profile to print through (default: the driver's built-in conversion)")
+        ->type_name("FILE");
+    AddVariantOption(*command, options->variant);
+    command->callback([&out, options] { Apply(*options, out); });
+}
+
+void AddChartCommand(CLI::App& app, std::ostream& out) {
+    CLI::App* command = app.add_subcommand("chart",
+                                           "Draws a profile: ramps of primaries and grey with the curves of "
+                                           "their inks, slices of the colour cube");
+    const auto options = std::make_shared<ChartOptions>();
+    command->add_option("FILE", options->profile, "The profile")->required()->type_name("");
+    command
+        ->add_option("-o,--output", options->output,
+                     "The PNG file to write (default: the profile's name, in the current folder)")
+        ->type_name("FILE");
+    AddVariantOption(*command, options->variant);
+    command->callback([&out, options] { Chart(*options, out); });
+}
+
+}  // namespace orvex::tools::profile

@@ -1,0 +1,204 @@
+// The commands that write a profile:
+// orvexprofile build --icc PRINTER.icc -o FILE.zvp makes one from a printer's ICC profile;
+// orvexprofile convert IN.zvp -o OUT.zvp --version N stores the same colors in another version.
+#include <memory>
+
+#include "tools/common/help_format.h"
+#include "tools/common/number_text.h"
+#include "tools/common/printable_text.h"
+#include "tools/orvexprofile/commands.h"
+#include "tools/orvexprofile/conversion.h"
+#include "tools/orvexprofile/icc_profile.h"
+#include "tools/orvexprofile/ink_statistics.h"
+#include "tools/orvexprofile/ink_treatment.h"
+#include "tools/orvexprofile/loaded_profile.h"
+#include "tools/orvexprofile/profile_writer.h"
+
+namespace orvex::tools::profile {
+
+namespace {
+
+struct BuildOptions {
+    std::string icc;
+    std::string output;
+    int version = kLastVersion;
+    RenderingIntent intent = RenderingIntent::kPerceptual;
+    bool blackPointCompensation = false;
+    std::string name;
+    std::string codes;
+    InkTreatment treatment;
+};
+
+constexpr int kComparedStep = 5;  // between the component values at which the driver's answer is compared
+
+// Parses the text of --resolution-codes: two numbers with a comma between them.
+ResolutionCodes ParseResolutionCodes(const std::string& text) {
+    const size_t comma = text.find(',');
+    const std::optional<int> other = ParseWhole(text.substr(0, comma));
+    const std::optional<int> at600 = comma < text.size() ? ParseWhole(text.substr(comma + 1)) : std::nullopt;
+    const auto fits = [](std::optional<int> code) { return code && *code >= -128 && *code <= 127; };
+    if (!fits(other) || !fits(at600)) {
+        throw std::invalid_argument(
+            "--resolution-codes takes two numbers from -128 to 127, OTHER,600, not \"" + text + "\"");
+    }
+    return {static_cast<int8_t>(*other), static_cast<int8_t>(*at600)};
+}
+
+// Writes the profile, verifies that the driver's reader accepts both variants, and reports the file and what
+// its version can't keep.
+void WriteAcceptedProfile(const Profile& profile, const std::filesystem::path& path, std::ostream& out) {
+    WriteProfileFile(profile, path);
+    for (PrintVariant variant : kBothVariants) LoadAccepted(path, variant);
+    out << "Wrote " << path.string() << ": version " << profile.version << ", "
+        << GroupedNumber(FileSize(profile)) << " bytes, accepted by the driver\n";
+    if (profile.name && profile.name->size() > kLongestListedName) {
+        out << "The name is longer than " << kLongestListedName
+            << " characters: users see the file's name instead, unless profilenames.inf has another.\n";
+    }
+    if (const std::string_view loss = VersionLoss(profile.version); !loss.empty()) out << loss << '\n';
+}
+
+Profile BuildProfile(const BuildOptions& options, const IccProfile& icc) {
+    Profile profile;
+    profile.version = options.version;
+    profile.name =
+        options.name.empty() ? std::filesystem::path(options.output).stem().string() : options.name;
+    CheckProfileName(*profile.name);
+    if (!options.codes.empty()) profile.codes = ParseResolutionCodes(options.codes);
+    FillVariants(profile, icc.Source(), options.treatment);
+    return profile;
+}
+
+// Reports how far the driver's answers through the file are from those of the ICC profile itself.
+void ReportAccuracy(std::ostream& out, const BuildOptions& options, const IccProfile& icc,
+                    PrintVariant variant) {
+    const double scale =
+        variant == PrintVariant::kAt600 ? options.treatment.scaleAt600 : options.treatment.scaleOther;
+    const std::vector<uint32_t> colors = ColorsEvery(kComparedStep);
+    std::vector<uint32_t> wanted(colors.size());
+    Treated(icc.Source(), options.treatment.limit, scale)(colors, wanted);
+    LoadIntoDriver(options.output, variant);
+    ReportDifference(out, "Driver against ICC, " + NameOf(variant), CompareInks(wanted, PrintedInks(colors)));
+}
+
+void Build(const BuildOptions& options, std::ostream& out) {
+    const IccProfile icc(options.icc, options.intent, options.blackPointCompensation);
+    out << "From " << PrintableText(icc.Description()) << '\n';
+    WriteAcceptedProfile(BuildProfile(options, icc), options.output, out);
+    for (PrintVariant variant : kBothVariants) ReportAccuracy(out, options, icc, variant);
+}
+
+const std::map<std::string, RenderingIntent> kIntents = {
+    {"perceptual", RenderingIntent::kPerceptual},
+    {"relative", RenderingIntent::kRelativeColorimetric},
+    {"saturation", RenderingIntent::kSaturation},
+    {"absolute", RenderingIntent::kAbsoluteColorimetric}};
+
+void AddSourceOptions(CLI::App& command, const std::shared_ptr<BuildOptions>& options) {
+    command.add_option("--icc", options->icc, "The printer's ICC profile; required")
+        ->required()
+        ->type_name("FILE");
+    command.add_option("-o,--output", options->output, "The profile to write; required")
+        ->required()
+        ->type_name("FILE");
+    command.add_option("--version", options->version, "The version of the profile, 1 to 5 (default 5)")
+        ->type_name("N")
+        ->check(Unnamed(CLI::Range(kFirstVersion, kLastVersion)));
+    command
+        .add_option_function<std::string>(
+            "--intent", [options](const std::string& name) { options->intent = kIntents.at(name); },
+            "perceptual (default), relative, saturation or absolute; white stays without ink")
+        ->type_name("INTENT")
+        ->check(Unnamed(CLI::IsMember(kIntents)));
+    command.add_flag("--black-point-compensation", options->blackPointCompensation,
+                     "Maps the screen's black to the printer's");
+}
+
+void AddTagOptions(CLI::App& command, BuildOptions& options) {
+    command
+        .add_option("--name", options.name,
+                    "The profile's name, 1 to 511 ASCII characters (default: the file's name)")
+        ->type_name("TEXT");
+    command
+        .add_option("--resolution-codes", options.codes,
+                    "The engine's codes for other resolutions and for 600 dpi, each -128 to 127 (default: "
+                    "the driver's own)")
+        ->type_name("OTHER,600");
+}
+
+void AddTreatmentOptions(CLI::App& command, InkTreatment& treatment) {
+    command.add_option("--ink-limit", treatment.limit, "All inks together, 100 to 400 percent (default 400)")
+        ->type_name("PERCENT")
+        ->check(Unnamed(CLI::Range(kLeastInkLimit, kNoInkLimit)));
+    command
+        .add_option("--scale-600", treatment.scaleAt600,
+                    "Scales the variant for 600 dpi, 1 to 200 percent (default 50)")
+        ->type_name("PERCENT")
+        ->check(Unnamed(CLI::Range(kLeastScale, kLargestScale)));
+    command
+        .add_option("--scale-other", treatment.scaleOther,
+                    "Scales the variant for other resolutions, 1 to 200 percent (default 100)")
+        ->type_name("PERCENT")
+        ->check(Unnamed(CLI::Range(kLeastScale, kLargestScale)));
+}
+
+struct ConvertOptions {
+    std::string input;
+    std::string output;
+    int version = kLastVersion;
+    int step = 1;
+};
+
+// Reports the loss, and the difference to what the driver printed before if that was not what the profile
+// means.
+void ReportLoss(std::ostream& out, const ConvertOptions& options, PrintVariant variant,
+                std::span<const uint32_t> colors) {
+    const ConversionLoss loss = MeasureLoss(options.input, options.output, variant, colors);
+    ReportDifference(out, "Loss, " + NameOf(variant), loss.meant);
+    if (PrintsAsMeant(loss.fromVersion)) return;
+    ReportDifference(out, "Against what the driver printed before, " + NameOf(variant), loss.printed);
+}
+
+void Convert(const ConvertOptions& options, std::ostream& out) {
+    std::error_code ignored;
+    if (std::filesystem::equivalent(options.input, options.output, ignored)) {
+        throw std::invalid_argument("the loss can only be told when input and output are two files");
+    }
+    WriteAcceptedProfile(ConvertProfile(options.input, options.version), options.output, out);
+    const std::vector<uint32_t> colors = ColorsEvery(options.step);
+    for (PrintVariant variant : kBothVariants) ReportLoss(out, options, variant, colors);
+}
+
+}  // namespace
+
+void AddBuildCommand(CLI::App& app, std::ostream& out) {
+    CLI::App* command = app.add_subcommand("build", "Makes a profile from a printer's ICC CMYK profile");
+    const auto options = std::make_shared<BuildOptions>();
+    AddSourceOptions(*command, options);
+    AddTagOptions(*command, *options);
+    AddTreatmentOptions(*command, options->treatment);
+    command->callback([&out, options] { Build(*options, out); });
+}
+
+void AddConvertCommand(CLI::App& app, std::ostream& out) {
+    CLI::App* command =
+        app.add_subcommand("convert", "Turns a profile into one of another version, and tells the loss");
+    const auto options = std::make_shared<ConvertOptions>();
+    command->add_option("FILE", options->input, "The profile to convert")->required()->type_name("");
+    command->add_option("-o,--output", options->output, "The profile to write; required")
+        ->required()
+        ->type_name("FILE");
+    command
+        ->add_option("--version", options->version, "The version of the profile to write, 1 to 5; required")
+        ->type_name("N")
+        ->required()
+        ->check(Unnamed(CLI::Range(kFirstVersion, kLastVersion)));
+    command
+        ->add_option("--compare-every", options->step,
+                     "Compares at every so many values of each component, 1 to 85 (default 1: every colour)")
+        ->type_name("N")
+        ->check(Unnamed(CLI::Range(1, 85)));
+    command->callback([&out, options] { Convert(*options, out); });
+}
+
+}  // namespace orvex::tools::profile
