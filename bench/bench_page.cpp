@@ -4,7 +4,7 @@
 #include <cmath>
 #include <string>
 
-#include "driver/device_resolution.h"
+#include "driver/device_capabilities.h"
 #include "tools/common/canvas.h"
 #include "tools/orvexprint/barcode.h"
 

@@ -2,8 +2,8 @@
 
 #include <stdexcept>
 
+#include "driver/color/color_adjustment.h"
 #include "driver/color/color_cache.h"
-#include "driver/color/ink_grid.h"
 
 namespace orvex::bench {
 

@@ -3,10 +3,23 @@
 #include <algorithm>
 #include <cstring>
 
-#include "driver/device_resolution.h"
+#include "driver/support/lengths.h"
 #include "driver/support/log.h"
 
 namespace orvex {
+
+int16_t GetDeviceResolution(const PDEV* pdev) {
+    const TraceScope trace("GetDeviceResolution");
+    for (const int16_t resolution : kResolutions) {
+        if (pdev->devmode.pub.dmPrintQuality == resolution) return resolution;
+    }
+    return kDefaultResolution;
+}
+
+uint32_t PixelCount(int16_t dpi, uint32_t lengthTenthsMm) {
+    const auto dotsPerMeter = static_cast<int64_t>(dpi * -0.0393700787 * 1000.0);  // negative
+    return (5000u - static_cast<uint32_t>(dotsPerMeter) * lengthTenthsMm) / 10000u;
+}
 
 void FillPDevCaps(const PDEV* pdev, ULONG cjCaps, GDIINFO* pGdiInfo) {
     const TraceScope trace("FillPDevCaps");
@@ -16,8 +29,8 @@ void FillPDevCaps(const PDEV* pdev, ULONG cjCaps, GDIINFO* pGdiInfo) {
     GDIINFO caps = {};
     caps.ulVersion = 0x401;
     caps.ulTechnology = DT_RASPRINTER;
-    caps.ulHorzSize = pdev->dwPageWidth / 10;
-    caps.ulVertSize = pdev->dwPageLength / 10;
+    caps.ulHorzSize = pdev->dwPageWidth / kTenthsMmPerMm;
+    caps.ulVertSize = pdev->dwPageLength / kTenthsMmPerMm;
     caps.ulHorzRes = PixelCount(dpi, pdev->dwPageWidth);
     caps.ulVertRes = PixelCount(dpi, pdev->dwPageLength);
     caps.cBitsPixel = 24;

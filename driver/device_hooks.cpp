@@ -1,9 +1,9 @@
 // The hooks of the device instance: DrvEnablePDEV builds it, DrvCompletePDEV and DrvResetPDEV add to it,
-// DrvDisablePDEV frees it.
+// DrvDisablePDEV frees it. And those of its page bitmap: the graphics engine manages one of 32 bpp, as large
+// as the page, for each instance, and nobody else draws into it.
 
 #include "driver/config/device_mode_defaults.h"
 #include "driver/config/device_mode_merge.h"
-#include "driver/config/label_length.h"
 #include "driver/config/label_sizes.h"
 #include "driver/device_capabilities.h"
 #include "driver/device_instance.h"
@@ -20,8 +20,8 @@ struct LocalFreeDeleter {
 };
 using OwnedInstance = std::unique_ptr<PDEV, LocalFreeDeleter>;
 
-// Looks up width and length of a label that the public part names, unless the private part describes that
-// label. The last entry with the label's number wins.
+// Takes the size of a label that the public part names, unless the private part describes that label. The
+// last entry with the label's number wins.
 void TakeCustomLabelSize(PDEV* pdev) {
     DEVMODEW& pub = pdev->devmode.pub;
     if (pub.dmPaperSize < kPaperDefault || pub.dmPaperSize == pdev->devmode.priv.dmPaperSize) return;
@@ -31,7 +31,7 @@ void TakeCustomLabelSize(PDEV* pdev) {
     SetPaperSize(&pub, FieldText(label->width), FieldText(label->length), label->units);
 }
 
-BOOL FillPDevData(PDEV* pdev, DEVMODEW* pdm, const WCHAR* deviceName) {
+void FillPDevData(PDEV* pdev, DEVMODEW* pdm, const WCHAR* deviceName) {
     const TraceScope trace("FillPDevData");
     pdev->signatureTail = kPdevSignature;
     pdev->signature = kPdevSignature;
@@ -46,7 +46,7 @@ BOOL FillPDevData(PDEV* pdev, DEVMODEW* pdm, const WCHAR* deviceName) {
     pdev->dwPageWidth = portrait ? width : length;
     pdev->dwPageLength = portrait ? length : width;
     pdev->orientation = pub.dmOrientation;
-    return trace.Bool(TRUE);
+    trace.Bool(TRUE);
 }
 
 // Carries one field of the old instance to the new one, and logs a change.
@@ -85,7 +85,7 @@ extern "C" DHPDEV APIENTRY DrvEnablePDEV(DEVMODEW* pdm, LPWSTR /*pwszLogAddress*
     pdev->hPrinter = hDriver;
     pdev->hModule = g_hModule;
     if (pdev->hModule == nullptr) return fail();
-    if (!FillPDevData(pdev.get(), pdm, pwszDeviceName)) return fail();
+    FillPDevData(pdev.get(), pdm, pwszDeviceName);
     FillPDevCaps(pdev.get(), cjCaps, reinterpret_cast<GDIINFO*>(pdevcaps));
     if (!FillPDevInfo(pdev.get(), cjDevInfo, pdi)) return fail();
     for (ULONG i = 0; phsurfPatterns != nullptr && i < cPat; ++i) phsurfPatterns[i] = nullptr;
@@ -101,14 +101,12 @@ extern "C" void APIENTRY DrvDisablePDEV(DHPDEV dhpdev) {
     const TraceScope trace("DrvDisablePDEV");
     PDEV* pdev = RequireInstance(dhpdev);
     if (pdev == nullptr) return;
-    // The print engine may still write when the job is ended later. Without an instance the output callback
-    // refuses those bytes.
+    // Output of the print engine after this finds no instance, and the output callback refuses it.
     if (g_pCurrentPdev == pdev) g_pCurrentPdev = nullptr;
     LocalFree(pdev);
 }
 
-// Deliberate: the page size is the old instance's, so a reset in the middle of a job never changes the page
-// geometry.
+// Deliberate: the page size is the old instance's, so that a reset inside a job keeps the page geometry.
 extern "C" BOOL APIENTRY DrvResetPDEV(DHPDEV dhpdevOld, DHPDEV dhpdevNew) {
     const TraceScope trace("DrvResetPDEV");
     const PDEV* old = RequireInstance(dhpdevOld);
@@ -126,6 +124,39 @@ extern "C" BOOL APIENTRY DrvResetPDEV(DHPDEV dhpdevOld, DHPDEV dhpdevNew) {
     fresh->carryWord2 = old->carryWord2;
     fresh->flags |= PDEV_RESET | (old->flags & PDEV_IN_JOB);
     return trace.Bool(TRUE);
+}
+
+extern "C" HSURF APIENTRY DrvEnableSurface(DHPDEV dhpdev) {
+    const TraceScope trace("DrvEnableSurface");
+    const auto fail = [&trace] { return reinterpret_cast<HSURF>(trace.Pointer<void>(nullptr)); };
+    PDEV* pdev = RequireInstance(dhpdev);
+    if (pdev == nullptr) return fail();
+
+    const int16_t dpi = GetDeviceResolution(pdev);
+    const SIZEL size = {static_cast<LONG>(PixelCount(dpi, pdev->dwPageWidth)),
+                        static_cast<LONG>(PixelCount(dpi, pdev->dwPageLength))};
+    LogInfo("Surface %dx%d at %ddpi 32BPP", size.cx, size.cy, dpi);
+    const auto surface =
+        reinterpret_cast<HSURF>(EngCreateBitmap(size, size.cx * 4, BMF_32BPP, BMF_TOPDOWN, nullptr));
+    if (surface == nullptr) {
+        LogError("Could not create surface.");
+        return fail();
+    }
+    if (!EngAssociateSurface(surface, pdev->hdev, 0)) {
+        EngDeleteSurface(surface);
+        return fail();
+    }
+    pdev->hSurface = surface;
+    return trace.Pointer(surface);
+}
+
+// Deliberate: an invalid instance sets no last error here, unlike in the other hooks.
+extern "C" void APIENTRY DrvDisableSurface(DHPDEV dhpdev) {
+    const TraceScope trace("DrvDisableSurface");
+    PDEV* pdev = ValidInstance(dhpdev);
+    if (pdev == nullptr || pdev->hSurface == nullptr) return;
+    EngDeleteSurface(pdev->hSurface);
+    pdev->hSurface = nullptr;
 }
 
 }  // namespace orvex

@@ -1,6 +1,6 @@
 #include "driver/device_instance.h"
 
-#include "driver/config/spooler_queries.h"
+#include "driver/config/spooler.h"
 
 namespace orvex {
 

@@ -40,18 +40,14 @@ struct PDEV {
     uint32_t yCoord;  // unused
 };
 
-// Returns the instance that a handle stands for, or null if the handle is null or the instance lacks its
-// signature at either end.
+// Returns the instance that a handle stands for; null unless it has its signature at both ends.
 PDEV* ValidInstance(DHPDEV dhpdev);
 
-// Returns the same for a hook that fails without an instance: the last error is then ERROR_INVALID_PARAMETER.
+// Return the same, also for a surface, which may be null; set ERROR_INVALID_PARAMETER without an instance.
 PDEV* RequireInstance(DHPDEV dhpdev);
-
-// Returns the instance of a surface, which may be null, in the same way.
 PDEV* RequireInstance(const SURFOBJ* surface);
 
-// Asks the spooler for the name of the printer's driver. The system defines that each hook of a job does so;
-// nothing uses the answer.
+// Asks the spooler for the driver's name. The system defines it for each hook of a job; nothing uses it.
 void AskForDriverName(const PDEV& pdev);
 
 }  // namespace orvex

@@ -8,8 +8,6 @@
 
 namespace orvex {
 
-namespace {
-
 constexpr ULONG kLowestGraphicsEngineVersion = 0x30000;
 constexpr ULONG kDriverVersion = 0x30000;
 
@@ -25,8 +23,6 @@ const DRVFN kHookTable[] = {
 };
 
 #undef HOOK
-
-}  // namespace
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE hinstDLL, DWORD fdwReason, LPVOID /*lpReserved*/) {
     if (fdwReason == DLL_PROCESS_ATTACH) g_hModule = hinstDLL;

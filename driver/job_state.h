@@ -1,5 +1,4 @@
-// The state of the running job. One job renders at a time in a process, on the thread that calls the hooks,
-// so nothing here is locked.
+// The state of the running job. One job renders at a time, on the thread that calls the hooks: no locks.
 #pragma once
 
 #include <cstdint>
@@ -14,7 +13,7 @@ namespace orvex {
 // A change of the print engine's resolution code that waits to be patched into the engine's output. The
 // output callback acts while both flags are set, and clears both; DrvStartPage clears `pending` only.
 struct ResolutionSwitch {
-    const char* sequence;  // the command to look for: ESC "*o0M" or ESC "*o-1M"
+    const char* sequence;  // the command to look for
     uint32_t length;       // of the sequence, 5 or 6 bytes
     bool pending;
     bool queued;
@@ -55,11 +54,24 @@ inline char* g_pThumbnail = nullptr;  // base64 text from malloc, until the head
 inline size_t g_cbThumbnail = 0;      // its length, terminator not counted
 
 // Resets what belongs to the pages of the job before, as the first step of a new job.
-void ResetJobPages();
+inline void ResetJobPages() {
+    g_nPage = 0;
+    // A switch that is left over belongs to a page of the job before. The new job must neither patch it into
+    // what the engine outputs at job start nor report it as missed on the first page.
+    g_resolutionSwitch = {};
+}
 
 // Resets what the output callback and the header depend on, once the print engine has started the new job.
-// Deliberate: output of the engine inside HPCRLIB_JobStart still meets the flags and the resolution code of
-// the job before.
-void ResetJobOutput();
+// Deliberate: the engine's output inside HPCRLIB_JobStart still meets what the job before has left.
+inline void ResetJobOutput() {
+    g_bFirstChunk = true;
+    g_bHeaderPending = true;
+    g_cHpres = kHpresUnset;
+}
+
+// Resets the durations that a job's pages are compared with, on its first page.
+inline void ResetStageMaxima() {
+    g_stageMaxima = {};
+}
 
 }  // namespace orvex

@@ -3,7 +3,6 @@
 #include "driver/render/base64.h"
 #include "driver/render/pixel_reduction.h"
 #include "driver/render/png_encoder/png_encoder.h"
-#include "driver/render/png_encoder/png_memory.h"
 #include "driver/support/heap.h"
 #include "driver/support/log.h"
 #include "driver/support/settings_file.h"
@@ -12,46 +11,12 @@ namespace orvex {
 
 namespace {
 
-constexpr double kDefaultMaxWidth = 800;
-constexpr double kDefaultMaxHeight = 600;
-
-// LodePNG's own error code for being out of memory.
-constexpr unsigned kPngOutOfMemory = 83;
-
-// A picture to encode, and the result.
-struct PngJob {
-    const uint8_t* pixels;
-    unsigned width;
-    unsigned height;
-    uint8_t* png;
-    size_t size;
-    unsigned error;
-};
-
-void RunPngJob(void* context) {
-    auto* job = static_cast<PngJob*>(context);
-    job->error = EncodeRgbaPng(&job->png, &job->size, job->pixels, job->width, job->height);
-}
-
-// Encodes a picture; `png` stays null on failure. Returns LodePNG's error code.
-unsigned EncodeRgba(const uint32_t* pixels, int32_t width, int32_t height, HeapArray<uint8_t>* png,
-                    size_t* size) {
-    PngJob job = {reinterpret_cast<const uint8_t*>(pixels),
-                  static_cast<unsigned>(width),
-                  static_cast<unsigned>(height),
-                  nullptr,
-                  0,
-                  0};
-    if (!WithPngMemory(&RunPngJob, &job)) return kPngOutOfMemory;
-    png->reset(job.png);
-    *size = job.size;
-    return job.error;
-}
-
 void EncodePng(const uint32_t* pixels, int32_t width, int32_t height, char** text, size_t* length) {
-    HeapArray<uint8_t> png;
+    uint8_t* bytes = nullptr;
     size_t size = 0;
-    const unsigned error = EncodeRgba(pixels, width, height, &png, &size);
+    const unsigned error = EncodeRgbaPng(&bytes, &size, reinterpret_cast<const uint8_t*>(pixels),
+                                         static_cast<unsigned>(width), static_cast<unsigned>(height));
+    const HeapArray<uint8_t> png(bytes);
     LogInfo("pngencode %d", error);
     if (error != 0 || !png) {
         LogInfo("failed to generate png");
@@ -71,8 +36,8 @@ void EncodePng(const uint32_t* pixels, int32_t width, int32_t height, char** tex
 int32_t BuildPageThumbnail(const uint32_t* pixels, int32_t width, int32_t height, char** text,
                            size_t* length) {
     LogInfo("add page thumb %dx%d", width, height);
-    const double maxWidth = LookupNumber("[Driver]", "thumb_max_width=", kDefaultMaxWidth);
-    const double maxHeight = LookupNumber("[Driver]", "thumb_max_height=", kDefaultMaxHeight);
+    const double maxWidth = LookupNumber("[Driver]", "thumb_max_width=", 800);
+    const double maxHeight = LookupNumber("[Driver]", "thumb_max_height=", 600);
     const int32_t scale = ThumbnailScale(width, height, maxWidth, maxHeight);
     const int32_t scaledWidth = width >> scale;
     const int32_t scaledHeight = height >> scale;

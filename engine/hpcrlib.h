@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 
 #if defined(_WIN32)
 #define HPCRLIB_CALL __stdcall
@@ -14,6 +15,11 @@ namespace orvex {
 
 // The status of a call that succeeded. Any other, 0 among them, is a failure.
 inline constexpr uint32_t kEngineSuccess = 1;
+
+// The command in the output of a page that sets its resolution code: ESC "*o", the code, "M". The driver may
+// replace the code.
+inline constexpr std::string_view kResolutionCommand600Dpi = "\x1B*o0M";
+inline constexpr std::string_view kResolutionCommandOther = "\x1B*o-1M";
 
 extern "C" {
 

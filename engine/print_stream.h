@@ -30,10 +30,6 @@ inline constexpr std::string_view kEnterLanguage = "@PJL ENTER LANGUAGE=STANDIN"
 // three and last three bytes add up to 0 modulo 256.
 inline constexpr uint8_t kFramingChunk[] = {'F', 'R', 'M', 'S', 'T', 'A', 'N', 'D', 'I', 'N', 1, 0, 0x1A};
 
-// The resolution command of a page, as the engine writes it. The driver may replace the number.
-inline constexpr std::string_view kResolutionCommand600Dpi = "\x1B*o0M";
-inline constexpr std::string_view kResolutionCommandOther = "\x1B*o-1M";
-
 enum class RecordType : uint8_t {
     kResolutionCommand = 0x1B,
     kJobStart = 'J',    // version, resolution mode

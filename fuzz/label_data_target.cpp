@@ -7,7 +7,7 @@
 #include <cstring>
 #include <optional>
 
-#include "driver/config/device_mode_validation.h"
+#include "driver/config/device_mode_merge.h"
 #include "driver/config/label_sizes.h"
 #include "driver/support/text.h"
 #include "fuzz/fuzz_printer.h"

@@ -7,7 +7,6 @@
 
 #include "driver/job_output.h"
 #include "driver/job_state.h"
-#include "driver/pjl_header.h"
 #include "driver/support/text.h"
 #include "fuzz/fuzz_installation.h"
 #include "fuzz/fuzz_printer.h"
@@ -20,8 +19,6 @@ using namespace tools;
 namespace {
 
 constexpr std::string_view kComment = "@PJL COMMENT";
-constexpr char kSwitchTo600[] = "\x1B*o0M";
-constexpr char kSwitchToOther[] = "\x1B*o-1M";
 constexpr char kThumbnail[] = "dGh1bWI=";
 
 struct Choices {
@@ -33,7 +30,9 @@ struct Choices {
     bool SwitchPending() const { return flags & 4; }
     bool SwitchQueued() const { return flags & 8; }
     bool Thumbnail() const { return flags & 16; }
-    const char* Switch() const { return flags & 32 ? kSwitchTo600 : kSwitchToOther; }
+    std::string_view Switch() const {
+        return flags & 32 ? kResolutionCommand600Dpi : kResolutionCommandOther;
+    }
 
     uint8_t flags;
     signed char resolutionCode;
@@ -44,7 +43,7 @@ void SetUpJob(const Choices& choices) {
     g_bFirstChunk = choices.FirstChunk();
     g_cHpres = choices.resolutionCode;
     g_uMaxWriteCost = 0;
-    g_resolutionSwitch = {choices.Switch(), static_cast<uint32_t>(strlen(choices.Switch())),
+    g_resolutionSwitch = {choices.Switch().data(), static_cast<uint32_t>(choices.Switch().size()),
                           choices.SwitchPending(), choices.SwitchQueued()};
     CopyText(g_szJobName, "a \"job\"\n%s");
     CopyText(g_szProfileName, "Paper");
@@ -78,7 +77,7 @@ std::string Expected(const std::vector<std::string>& chunks, const Choices& choi
     bool first = choices.FirstChunk();
     bool headerPending = choices.HeaderPending();
     bool patchPending = choices.SwitchPending() && choices.SwitchQueued();
-    const std::string command = choices.Switch();
+    const std::string_view command = choices.Switch();
     for (std::string chunk : chunks) {
         if (first && IsFraming(chunk)) continue;
         first = false;

@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "driver/config/page_layout_input.h"
+#include "driver/config/device_mode.h"
 #include "driver/job_state.h"
 #include "fuzz/fuzz_installation.h"
 #include "fuzz/input.h"

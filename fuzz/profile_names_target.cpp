@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "driver/profiles/profile_names.h"
+#include "driver/profiles/profile_catalogue.h"
 #include "driver/support/text.h"
 #include "fuzz/fuzz_installation.h"
 #include "fuzz/input.h"

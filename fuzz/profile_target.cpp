@@ -5,7 +5,7 @@
 #include <cstring>
 
 #include "driver/color/color_cache.h"
-#include "driver/profiles/display_name.h"
+#include "driver/profiles/profile_catalogue.h"
 #include "driver/profiles/profile_file.h"
 #include "driver/support/installation.h"
 #include "driver/support/text.h"

@@ -5,12 +5,53 @@
 #include <cstring>
 
 #include "driver/color/color_cache.h"
-#include "driver/color/ink_grid.h"
-#include "driver/color/lab_color.h"
 
 namespace orvex {
 
 namespace {
+
+// The white point.
+constexpr double kWhiteX = 0.950456;
+constexpr double kWhiteZ = 1.088754;
+
+// The straight part of the lightness curve near black, and its end on either axis.
+constexpr double kCurveEnd = 0.008856451679035631;
+constexpr double kCurveValueEnd = 0.20689655172413793;
+constexpr double kCurveSlope = 7.787037037037037;
+constexpr double kCurveInverseSlope = 0.12841854934601665;
+constexpr double kCurveOffset = 0.13793103448275862;
+
+double ToLinear(double v) {
+    return v <= 0.0404482362771076 ? v / 12.92 : std::pow((v + 0.055) / 1.055, 2.4);
+}
+
+double FromLinear(double v) {
+    return v <= 0.0031306684425005883 ? 12.92 * v : 1.055 * std::pow(v, 0.4166666666666667) - 0.055;
+}
+
+double Curve(double t) {
+    return t >= kCurveEnd ? std::pow(t, 0.333333333333333) : t * kCurveSlope + kCurveOffset;
+}
+
+double CurveInverse(double f) {
+    return f >= kCurveValueEnd ? f * f * f : (f - kCurveOffset) * kCurveInverseSlope;
+}
+
+// Place of a component between two grid points. 255 lies on the upper one.
+struct GridSpan {
+    explicit GridSpan(int component) {
+        const int value = std::clamp(component, 0, 255);
+        lower = value / 16;
+        fraction = value == 255 ? 16 : static_cast<uint32_t>(value % 16);
+    }
+    int lower;          // 0 to 15; the upper point is the next one
+    uint32_t fraction;  // in sixteenths
+};
+
+// Returns sixteen times the value between two others.
+uint32_t Between(uint32_t lower, uint32_t upper, uint32_t fraction) {
+    return lower * (16 - fraction) + upper * fraction;
+}
 
 // The bounds of CIELAB on this scale.
 constexpr double kLightnessRange = 9340;
@@ -86,11 +127,73 @@ void StoreMovedGrid(const InkGrid& grid, const Mover& move, InkValue* table) {
     table[ColorIndex(255, 255, 255)] = grid.inks[kGridPoints - 1];
 }
 
-// The grid before the adjustment, too large for a thread's stack. Colors are adjusted at a job's start, of
-// which there is one at a time.
+// The grid before the adjustment, too large for a thread's stack. One job's colors are adjusted at a time.
 InkGrid unadjusted;
 
 }  // namespace
+
+LabColor RgbToLab(double r, double g, double b) {
+    const double red = ToLinear(r), green = ToLinear(g), blue = ToLinear(b);
+    const double x =
+        (0.41239558896741424 * red + 0.3575834307637148 * green + 0.18049264738170157 * blue) / kWhiteX;
+    const double y = 0.21258623078559555 * red + 0.7151703037034108 * green + 0.07220049864333623 * blue;
+    const double z =
+        (0.019297215491746945 * red + 0.11918386458084854 * green + 0.9504971251315798 * blue) / kWhiteZ;
+    const double fx = Curve(x), fy = Curve(y), fz = Curve(z);
+    return {116 * fy - 16, 500 * (fx - fy), 200 * (fy - fz)};
+}
+
+XyzColor LabToXyz(const LabColor& lab) {
+    const double fy = (lab.lightness + 16) / 116;
+    const double fx = lab.a / 500 + fy;
+    const double fz = fy - lab.b / 200;
+    return {CurveInverse(fx) * kWhiteX, CurveInverse(fy), CurveInverse(fz) * kWhiteZ};
+}
+
+RgbColor LabToRgb(double x, double y, double z) {
+    double red = 3.2406 * x - 1.5372 * y - 0.4986 * z;
+    double green = -0.9689 * x + 1.8758 * y + 0.0415 * z;
+    double blue = 0.0557 * x - 0.204 * y + 1.057 * z;
+    const double smallest = std::min({red, green, blue});
+    if (smallest < 0) {
+        red -= smallest;
+        green -= smallest;
+        blue -= smallest;
+    }
+    return {FromLinear(red), FromLinear(green), FromLinear(blue)};
+}
+
+void CopyGridOut(const InkValue* table, InkGrid* grid) {
+    for (int red = 0; red < kGridSteps; ++red) {
+        for (int green = 0; green < kGridSteps; ++green) {
+            for (int blue = 0; blue < kGridSteps; ++blue) {
+                grid->inks[GridIndex(red, green, blue)] =
+                    table[ColorIndex(GridValue(red), GridValue(green), GridValue(blue))];
+            }
+        }
+    }
+}
+
+InkValue GridLookup(const InkGrid& grid, int blue, int green, int red, bool flag) {
+    (void)flag;
+    const GridSpan b(blue), g(green), r(red);
+    const InkValue* corner = grid.inks + GridIndex(r.lower, g.lower, b.lower);
+    InkValue inks = 0;
+    for (int ink = 0; ink < kInks; ++ink) {
+        const auto amountAt = [&](int redStep, int greenStep, int blueStep) {
+            return InkAmount(corner[GridIndex(redStep, greenStep, blueStep)], ink);
+        };
+        const auto alongBlue = [&](int redStep, int greenStep) {
+            return Between(amountAt(redStep, greenStep, 0), amountAt(redStep, greenStep, 1), b.fraction);
+        };
+        const auto alongGreen = [&](int redStep) {
+            return Between(alongBlue(redStep, 0), alongBlue(redStep, 1), g.fraction);
+        };
+        const uint32_t alongRed = Between(alongGreen(0), alongGreen(1), r.fraction);
+        inks |= alongRed / (16 * 16 * 16) << 8 * ink;
+    }
+    return inks;
+}
 
 ColorMovement MovementOf(const int32_t (&values)[kAdjustmentValues], const AdjustmentScales& scales) {
     return {.tone = values[kTone] / scales.tone * 7000 * 0.5,

@@ -87,8 +87,7 @@ InkValue LookupColor(uint32_t pixel) {
 }
 
 void AverageHalfGridEntry(uint8_t blue, uint8_t green, uint8_t red, InkValue* entry) {
-    // Deliberate: the neighbors lie around the byte-reversed color, blue in the high byte and red in the
-    // low one.
+    // Deliberate: the neighbors lie around the byte-reversed color, with blue in the high byte.
     const uint32_t components[] = {red, green, blue};
     uint32_t base = 0;
     uint32_t steps[3];  // from the base to the upper neighbor, along each odd component

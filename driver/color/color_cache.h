@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "driver/color/color_table.h"
+#include "driver/color/ink.h"
 
 namespace orvex {
 
@@ -17,8 +17,7 @@ enum CacheKind : int32_t {
     kGrid = 5,             // the grid points are there; others: InterpolateGridEntry (prism_interpolation.h)
 };
 
-// The cache and its kind, which SetCacheKind sets. One job renders at a time in a process; nothing here is
-// locked.
+// The cache and its kind, which SetCacheKind sets. Neither is locked, since one job renders at a time.
 extern InkValue g_colorCache[kCacheEntries];
 extern int32_t g_cacheKind;
 
@@ -28,13 +27,11 @@ void SetCacheKind(int32_t kind);
 // Returns the ink value of a pixel by the rule of the current kind, and keeps a computed one in the cache.
 InkValue LookupColor(uint32_t pixel);
 
-// Returns whether every color looked up since the cache was filled keeps the ink that it got. An entry that
-// is still missing after its look-up does not: it changes once the look-up of another color fills an entry
-// that it is computed from.
+// Returns whether every color looked up since the cache was filled keeps its ink. An entry that is still
+// missing after its look-up does not: it changes once an entry that it is computed from is filled.
 bool InksAreSettled();
 
-// Computes the entry of a color as the average of its even neighbors in the cache, taken as colors of light,
-// and stores it in `entry`.
+// Stores the average of a color's even neighbors in the cache, taken as colors of light, in `entry`.
 void AverageHalfGridEntry(uint8_t blue, uint8_t green, uint8_t red, InkValue* entry);
 
 }  // namespace orvex

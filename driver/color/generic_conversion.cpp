@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "driver/color/color_table.h"
+#include "driver/color/ink.h"
 
 namespace orvex {
 
@@ -48,8 +48,7 @@ struct ConversionTables {
 // Scratch memory of FillWithGenericConversion, too large for a thread's stack. One table is filled at a time.
 ConversionTables tables;
 
-// Fills the 256 colors of a red and a green. The largest component is the larger of the two, and then, where
-// blue exceeds it, blue.
+// Fills the 256 colors of a red and a green. The largest component is the larger of the two, or else blue.
 void FillRow(InkValue* row, uint32_t red, uint32_t green) {
     const uint32_t larger = std::max(red, green);
     const uint8_t* yellow = tables.ink[larger];

@@ -1,15 +1,13 @@
-// Colors between the grid points of a color table: linear along red, and over one half of the blue-green
-// square across it.
+// Colors between the grid points of a table: linear along red, and over half of the blue-green square.
 #pragma once
 
 #include <cstdint>
 
-#include "driver/color/color_table.h"
+#include "driver/color/ink.h"
 
 namespace orvex {
 
-// Computes the entry of a color from the grid points of `table` and stores it in `entry`. Always returns
-// true.
+// Stores the ink of a color between the grid points of `table` in `entry`. Always returns true.
 bool InterpolateGridEntry(uint8_t blue, uint8_t green, uint8_t red, InkValue* entry, const InkValue* table);
 
 // The grid points of a table, packed so densely that the processor's own caches keep all of them.

@@ -84,9 +84,8 @@ bool IsOneColor(const uint32_t* pixels) {
     return _mm_movemask_epi8(same) == 0xFFFF;
 }
 
-// Pixels between the one that is converted and the one whose entry is fetched. Entries lie far apart, and
-// many can be on their way at once. They are fetched into the second-level cache: the first level would lose
-// them again before their turn.
+// Pixels between the one that is converted and the one whose entry is fetched, so that many entries are on
+// their way at once. They go to the second-level cache: the first level would lose them before their turn.
 constexpr uint32_t kAhead = 128;
 
 void FetchEntries(const uint32_t* pixels) {

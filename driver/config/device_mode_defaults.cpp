@@ -2,10 +2,9 @@
 
 #include <cstring>
 
-#include "driver/config/decimal_text.h"
-#include "driver/config/label_length.h"
+#include "driver/config/label_sizes.h"
 #include "driver/config/media_import.h"
-#include "driver/config/spooler_queries.h"
+#include "driver/config/spooler.h"
 #include "driver/profiles/profile_catalogue.h"
 #include "driver/support/installation.h"
 #include "driver/support/log.h"
@@ -20,23 +19,11 @@ constexpr DWORD kDefaultFields = DM_ORIENTATION | DM_PAPERSIZE | DM_COPIES | DM_
                                  DM_PRINTQUALITY | DM_COLOR | DM_TTOPTION | DM_COLLATE | DM_FORMNAME;
 static_assert(kDefaultFields == 0x0001CF03);
 
-constexpr size_t kSettingCapacity = 254;  // of a value in settings.inf, terminator included
-
 // Reads a value of "[UI]" without the white space around it. Returns false when it is not there.
 bool ReadSetting(const char* key, char (&value)[kSettingCapacity]) {
     if (LookupString("[UI]", key, value, sizeof value) == 0) return false;
     TrimWhitespace(value);
     return true;
-}
-
-void ImportInstalledMedia(HANDLE printer) {
-    const HeapArray<WCHAR> folder = GetInstallationFolder();
-    if (!folder) {
-        LogError("Error: could get app path");
-        return;
-    }
-    LogTrace("get app path %S", folder.get());
-    ImportMediaFile(printer, folder.get());
 }
 
 void SetPublicDefaults(DEVMODEW* pub) {
@@ -54,7 +41,7 @@ void SetPublicDefaults(DEVMODEW* pub) {
     pub->dmCollate = DMCOLLATE_FALSE;
     pub->dmPrintQuality = kDefaultResolution;
     pub->dmYResolution = kDefaultResolution;
-    CopyText(pub->dmFormName, FieldText(L"Custom"));
+    CopyText(pub->dmFormName, L"Custom");
     pub->dmPaperSize = kPaperDefault;
     // Deliberate: 11 inches wide and 8.5 long. The private texts say the opposite until a label is chosen.
     pub->dmPaperLength = kDefaultPaperLength;
@@ -81,18 +68,16 @@ void TakeDefaultLabel(DeviceMode* record) {
     LogTrace("set pdm paper %d %d %d", pub.dmPaperSize, pub.dmPaperWidth, pub.dmPaperLength);
 }
 
-// Returns the entry of `names` that settings.inf asks for; null when it asks for none or for one that is not
-// there.
+// Returns the entry of `names` that settings.inf asks for; null when there is none.
 const WCHAR* FindWantedProfile(const WCHAR* names) {
     char setting[kSettingCapacity];
     if (!ReadSetting("Default_Profile=", setting)) return nullptr;
     const HeapArray<WCHAR> wanted = DuplicateWidened(setting);
     if (!wanted) return nullptr;
     LogTrace("def Profile:[%S]", wanted.get());
-    const WideView wantedText = {wanted.get(), TextLength(wanted.get())};
     for (const WCHAR* name = names; *name != 0; name += TextLength(name) + 1) {
         LogTrace("[%S] <> [%S]", wanted.get(), name);
-        if (SameText(wantedText, {name, TextLength(name)})) return name;
+        if (WideView(wanted.get()) == name) return name;
     }
     return nullptr;
 }
@@ -103,7 +88,10 @@ BOOL SetupDefaultDevMode(DeviceMode* record, const WCHAR* printerName, HANDLE pr
     LoadLogMask();
     const TraceScope trace("SetupDefaultDevMode");
     *record = {};
-    ImportInstalledMedia(printer);
+    if (const HeapArray<WCHAR> folder = FindInstallationFolder()) {
+        LogTrace("get app path %S", folder.get());
+        ImportMediaFile(printer, folder.get());
+    }
     DEVMODEW& pub = record->pub;
     PrivateDevMode& priv = record->priv;
     if (printerName != nullptr)
@@ -152,7 +140,7 @@ BOOL AssignDefaultColorProfile(HANDLE printer, WCHAR (&profile)[kMaxProfileName]
     const WCHAR* names = fileNames ? fileNames.get() : L"";
     const WCHAR* chosen = FindWantedProfile(names);
     if (chosen == nullptr) chosen = names;
-    if (*chosen != 0) CopyText(profile, {chosen, TextLength(chosen)});
+    if (*chosen != 0) CopyText(profile, chosen);
     return TRUE;
 }
 

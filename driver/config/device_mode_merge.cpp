@@ -2,12 +2,11 @@
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 
-#include "driver/config/device_mode_dump.h"
-#include "driver/config/device_mode_validation.h"
-#include "driver/support/heap.h"
+#include "driver/config/device_mode.h"
+#include "driver/config/label_sizes.h"
 #include "driver/support/log.h"
-#include "driver/support/text.h"
 
 namespace orvex {
 
@@ -20,8 +19,7 @@ struct PublicLayout {
 };
 constexpr PublicLayout kLayouts[] = {{188, 0x0320}, {212, 0x0400}, {220, 0x0401}};
 
-// Returns the version of a record's public layout; the record's own for an unknown layout, 0 when it has
-// none.
+// Returns the version of a record's public layout; the record's own, which may be 0, for an unknown layout.
 WORD LayoutVersion(const DEVMODEW* record) {
     for (const PublicLayout& layout : kLayouts) {
         if (record->dmSize == layout.size) return layout.version;
@@ -60,29 +58,16 @@ constexpr FlaggedField kFlaggedFields[] = {
     FLAGGED(DM_DITHERTYPE, dmDitherType),
 };
 
-void DumpWithCaption(const char* caption, const DEVMODEW* record) {
-    LogTrace(caption);
-    DumpDevMode(record);
-}
-
 void DumpPair(const char* firstCaption, const DEVMODEW* first, const char* secondCaption,
               const DEVMODEW* second) {
-    DumpWithCaption(firstCaption, first);
-    DumpWithCaption(secondCaption, second);
+    DumpDevMode(firstCaption, first);
+    DumpDevMode(secondCaption, second);
 }
 
 void TraceProfile(const char* format, const PrivateDevMode& priv) {
     LogTrace(format, FieldText(priv.colorProfile), priv.colorProfile[0] != 0 ? 1 : 0);
 }
 
-// Copies the printer's profile into a source that names none.
-bool KeepProfile(const PrivateDevMode& printers, PrivateDevMode* source) {
-    if (printers.colorProfile[0] == 0 || source->colorProfile[0] != 0) return false;
-    CopyText(source->colorProfile, FieldText(printers.colorProfile));
-    return true;
-}
-
-// Copies the label that is chosen on the printer into a source that names none of the printer's list.
 bool KeepLabel(const DeviceMode& printers, DeviceMode* source) {
     if (printers.priv.dmPaperSize < kPaperFirstLabel || source->priv.dmPaperSize >= kPaperFirstLabel)
         return false;
@@ -97,14 +82,27 @@ bool KeepLabel(const DeviceMode& printers, DeviceMode* source) {
     return true;
 }
 
-// Deliberate: this writes to the caller's own record.
+// Copies the printer's profile and label into a source that names none. Deliberate: into the caller's own.
 void KeepPrintersChoices(const DeviceMode& printers, DEVMODEW* source) {
     DeviceMode values = LoadDevMode(source);
     TraceProfile("pdmDest profile [%S] %d", printers.priv);
     TraceProfile("pdmSrc profile [%S] %d", values.priv);
-    const bool profileKept = KeepProfile(printers.priv, &values.priv);
+    const bool profileKept = printers.priv.colorProfile[0] != 0 && values.priv.colorProfile[0] == 0;
+    if (profileKept) CopyText(values.priv.colorProfile, FieldText(printers.priv.colorProfile));
     const bool labelKept = KeepLabel(printers, &values);
     if (profileKept || labelKept) StoreDevMode(source, values);
+}
+
+// Takes size and name of the printer's label. Deliberate: the private number, units and texts stay.
+void TakeListedLabel(DeviceMode* record, HANDLE printer) {
+    const LabelList list(printer);
+    const LabelSize* label = list.FirstOfNumber(record->pub.dmPaperSize);
+    if (label == nullptr) return;
+    SetPaperSize(&record->pub, FieldText(label->width), FieldText(label->length), label->units);
+    WCHAR formName[sizeof(LabelSize::name)];
+    WidenText(formName, std::size(formName), FieldText(label->name));
+    CopyText(record->pub.dmFormName, formName);
+    CopyText(record->priv.labelName, FieldText(label->name));
 }
 
 }  // namespace
@@ -148,6 +146,31 @@ void CopyDevmode(DeviceMode* destination, const DeviceMode* source) {
     }
     if (source->priv.signature == kPrivateSignature) destination->priv = source->priv;
     DumpPair("dest:", &destination->pub, "src:", &source->pub);
+}
+
+void ValidateDevmode(DeviceMode* record, HANDLE printer) {
+    const TraceScope trace("ValidateDevmode");
+    DumpDevMode("pdm (before ValidateForm):", &record->pub);
+    ValidateForm(record, printer);
+    DumpDevMode("pdm (After ValidateForm):", &record->pub);
+    for (const DeviceModeField& field : kPublicFields) ForceValid(record, field);
+    for (const DeviceModeField& field : kPrivateFields) ForceValid(record, field);
+    record->pub.dmYResolution = record->pub.dmPrintQuality;
+    DumpDevMode("pdm:", &record->pub);
+}
+
+void ValidateForm(DeviceMode* record, HANDLE printer) {
+    const TraceScope trace("ValidateForm");
+    DEVMODEW& pub = record->pub;
+    if (pub.dmPaperSize < kPaperDefault) {
+        CopyText(pub.dmFormName, L"Custom");
+        pub.dmPaperSize = kPaperCustom;
+    } else if (pub.dmPaperSize != record->priv.dmPaperSize) {
+        TakeListedLabel(record, printer);
+    }
+    ForceValid(record, kPaperLength);
+    ForceValid(record, kPaperWidth);
+    pub.dmFields |= DM_PAPERSIZE | DM_PAPERLENGTH | DM_PAPERWIDTH | DM_FORMNAME;
 }
 
 BOOL MergeDevMode(DeviceMode* destination, DEVMODEW* source, HANDLE printer) {

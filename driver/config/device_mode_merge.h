@@ -1,4 +1,5 @@
-// Conversion of a device mode from outside into the driver's layout, and its merge into the printer's record.
+// The way of a device mode from outside into the printer's record: it is converted to the driver's layout,
+// merged, and validated, so that every field has a valid value.
 #pragma once
 
 #include "driver/config/device_mode.h"
@@ -13,13 +14,18 @@ namespace orvex {
 // which are not valid in every field, because only validation supplies some of them.
 BOOL MergeDevMode(DeviceMode* destination, DEVMODEW* source, HANDLE printer);
 
-// Copies as much of `in` into `out` as both declare to have; `out` keeps its layout and gets the public
-// version that belongs to it. Returns the bytes copied, public and private, or -1 when either record is null
-// or has no version.
+// Copies as much of `in` into `out` as both declare to have; `out` keeps its layout and gets the version that
+// belongs to it. Returns the bytes copied, or -1 when either record is null or has no version.
 int ConvertDevMode(const DEVMODEW* in, DEVMODEW* out);
 
-// Copies the public fields that `source` flags in its dmFields, and its private part if that has the driver's
-// signature.
+// Copies the public fields that `source` flags, and its private part if that has the driver's signature.
 void CopyDevmode(DeviceMode* destination, const DeviceMode* source);
+
+// Reconciles the paper fields, then replaces every value that is not valid.
+void ValidateDevmode(DeviceMode* record, HANDLE printer);
+
+// Reconciles paper number, size and form name. A number that someone changed to that of a label of the
+// printer brings that label's size and name. A standard size becomes a custom one.
+void ValidateForm(DeviceMode* record, HANDLE printer);
 
 }  // namespace orvex

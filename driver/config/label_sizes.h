@@ -1,4 +1,6 @@
-// The printer's list of named label sizes, kept in its printer data in the spooler: under the key "Label
+// Label sizes: decimal text, in a unit of its own, for each length of a label.
+//
+// The printer's list of named label sizes is kept in its printer data in the spooler: under the key "Label
 // Sizes" one sub-key for each label, named with its number, with the values
 //
 //     version  REG_DWORD  1
@@ -9,10 +11,30 @@
 #pragma once
 
 #include <cstdint>
+#include <string_view>
 
 #include "platform/windows.h"
 
 namespace orvex {
+
+// Reasons why a text gives no number.
+constexpr DWORD kErrorDecimalMemory = 0x20010001;  // out of memory
+constexpr DWORD kErrorDecimalText = 0x20010008;    // null text
+constexpr DWORD kErrorDecimalOut = 0x2001000F;     // nowhere to store the number
+constexpr DWORD kErrorDecimalSyntax = 0x2001001B;  // a character that is not part of a number
+
+// Reads a decimal number: an optional sign, digits and at most one ".", whatever the locale. A text without
+// digits is 0. Returns 0, or one of the codes above and leaves `out` as it is.
+DWORD ParseDecimal(std::string_view text, double* out);
+
+// Returns the length that `text` gives in `units` (0 millimeters, 1 inches, other tenths of a millimeter) as
+// tenths of a millimeter: a half is added and the sum truncated. A text that is not a number gives 0.
+//
+// These are the low 16 bits of that whole number, as in a device mode; one that does not fit 64 bits gives 0.
+int16_t LabelLengthTenthsMm(std::string_view text, uint32_t units);
+
+// Sets the paper's width and length to those of a label.
+void SetPaperSize(DEVMODEW* pub, std::string_view width, std::string_view length, uint32_t units);
 
 constexpr uint32_t kMaxLabels = 128;  // labels that every reader of the list has room for
 
@@ -57,8 +79,7 @@ class LabelList {
 // kErrorLabelVersion for a layout that is not known; `entry` is undefined then.
 DWORD ReadLabel(HANDLE printer, LabelSize* entry, uint16_t number);
 
-// Writes one label under its number. Returns 0 or a system error code; on failure, some values may have been
-// written.
+// Writes one label under its number. Returns 0 or a system error code, after which it may be there in part.
 DWORD WriteLabel(HANDLE printer, const LabelSize& entry);
 
 // Gets the number for the next label: one more than the largest, 258 at least. Returns 0 or a system error

@@ -30,8 +30,7 @@ void SkipSeparators(std::string_view* line) {
     line->remove_prefix(std::min(line->find_first_not_of(" \t,"), line->size()));
 }
 
-// Takes separators and a text in double quotes off the front of `line`. Returns false when there is none that
-// fits `field`.
+// Takes separators and a quoted text off the front of `line`. Returns false when there is none that fits.
 template <size_t N>
 bool TakeQuoted(std::string_view* line, char (&field)[N]) {
     SkipSeparators(line);
@@ -43,8 +42,7 @@ bool TakeQuoted(std::string_view* line, char (&field)[N]) {
     return true;
 }
 
-// Returns the decimal number at the front of `text`, after white space, 0 when there is none. A number that
-// does not fit becomes the largest one.
+// Returns the decimal number at the front of `text`, after white space: 0 without one, INT32_MAX at most.
 int32_t ReadNumber(std::string_view text) {
     text.remove_prefix(std::min(text.find_first_not_of(" \t\v\f\r"), text.size()));
     const bool negative = text.starts_with('-');
@@ -83,10 +81,8 @@ std::string_view ReadMediaFile(const WCHAR* folder, char (&buffer)[kMaxFileBytes
         LogError("failed to open media.inf");
         return {};
     }
-    DWORD read = 0;
-    if (!ReadFile(file.Get(), buffer, sizeof buffer, &read, nullptr) || read == 0) {
-        LogError("media.inf empty");
-    }
+    const DWORD read = file.Read(buffer, sizeof buffer);
+    if (read == 0) LogError("media.inf empty");
     return {buffer, TextLength(buffer, read)};
 }
 

@@ -2,7 +2,9 @@
 
 #include <emmintrin.h>
 
+#include <algorithm>
 #include <cstring>
+#include <iterator>
 
 #include "driver/color/color_cache.h"
 #include "driver/color/ink.h"
@@ -33,8 +35,7 @@ size_t ReadEntries(BlockReader& file, uint32_t* cache) {
 constexpr size_t kPiece = 32768;
 alignas(16) uint8_t planePieces[kInks][kPiece];
 
-// Puts entries together out of the pieces, 16 at a time. The stores bypass the processor's caches, which the
-// next pieces need.
+// Puts entries together out of the pieces, 16 at a time. The stores bypass the caches, for the next pieces.
 void WeavePlanes(uint32_t* entries) {
     const auto load = [](Ink ink, size_t first) {
         return _mm_load_si128(reinterpret_cast<const __m128i*>(planePieces[ink] + first));
@@ -105,8 +106,7 @@ size_t ReadHalfGridPlanes(BlockReader& file, uint32_t* cache) {
     return total;
 }
 
-// Reads version 5: the grid points. Deliberate: their order is the reverse of the other versions', with blue
-// slowest and red fastest.
+// Reads version 5: the grid points. Deliberate: unlike in the other versions, blue varies slowest.
 size_t ReadGrid(BlockReader& file, uint32_t* cache) {
     size_t total = 0;
     for (int blue = 0; blue < kGridSteps; ++blue) {
@@ -134,19 +134,14 @@ constexpr ColorLayout kLayouts[] = {
     {kGrid, 0xFF, kGridOnly, ReadGrid},
 };
 
-const ColorLayout* FindLayout(uint8_t version) {
-    for (const ColorLayout& layout : kLayouts) {
-        if (layout.version == version) return &layout;
-    }
-    return nullptr;
-}
-
 }  // namespace
 
 ProfileProblem ReadProfileColors(BlockReader& file, const ProfileHeader& header, bool at600Dpi,
                                  uint32_t* cache) {
-    const ColorLayout* layout = FindLayout(header.version);
-    if (layout == nullptr) return {&kUnknownVersion};
+    const auto* layout = std::find_if(std::begin(kLayouts), std::end(kLayouts), [&](const ColorLayout& each) {
+        return each.version == header.version;
+    });
+    if (layout == std::end(kLayouts)) return {&kUnknownVersion};
     const int64_t start = file.Position();
     const int64_t found = header.fileSize - start;
     const int64_t variantSize = static_cast<int64_t>(layout->variantSize);

@@ -1,21 +1,43 @@
 #include "driver/profiles/profile_file.h"
 
+#include <algorithm>
 #include <cstring>
-#include <string_view>
+#include <iterator>
 
 #include "driver/color/color_cache.h"
 #include "driver/color/generic_conversion.h"
-#include "driver/profiles/bare_file_name.h"
 #include "driver/profiles/profile_colors.h"
 #include "driver/support/text.h"
 
 namespace orvex {
 
-int32_t g_profileLoaded = 0;
-
 namespace {
 
-// Tells whether a path into the profiles folder leads out of it again, or further in. Applications name the
+// The system opens these names as devices in every folder; # is the number of a port.
+constexpr const WCHAR* kDeviceNames[] = {L"CON",  L"PRN",  L"AUX",    L"NUL",
+                                         L"COM#", L"LPT#", L"CONIN$", L"CONOUT$"};
+
+bool IsPortNumber(WCHAR c) {
+    return (c >= L'1' && c <= L'9') || c == 0xB9 || c == 0xB2 || c == 0xB3;  // superscript 1, 2 and 3
+}
+
+bool MatchesCharacter(WCHAR wanted, WCHAR c) {
+    if (wanted == L'#') return IsPortNumber(c);
+    const bool isLetter = wanted >= L'A';
+    return c == wanted || (isLetter && c == wanted - L'A' + L'a');
+}
+
+// Returns whether the system opens a device under this name. The system looks at the text before the first
+// dot, without the blanks at its end.
+bool IsDeviceName(WideView name) {
+    name = name.substr(0, name.find(L'.'));
+    name = name.substr(0, name.find_last_not_of(L' ') + 1);
+    return std::any_of(std::begin(kDeviceNames), std::end(kDeviceNames), [&](WideView device) {
+        return std::equal(device.begin(), device.end(), name.begin(), name.end(), MatchesCharacter);
+    });
+}
+
+// Returns whether a path into the profiles folder leads out of it again, or further in. Applications name the
 // profile of a job, so such a path is not opened.
 bool LeavesProfilesFolder(const char* path) {
     constexpr std::string_view kProfilesFolder = ORVEX_PROFILES_FOLDER;
@@ -36,6 +58,15 @@ void TakeTag(const ProfileTag& tag, const TagTargets& targets) {
 }
 
 }  // namespace
+
+bool IsBareFileName(const char* name) {
+    // The system widens a narrow path before it splits it. In some code pages a character's second byte looks
+    // like a separator, so only the wide text shows the parts.
+    WCHAR wide[512];
+    if (strlen(name) >= std::size(wide)) return false;
+    const WideView text{wide, WidenText(wide, std::size(wide), name)};
+    return !text.empty() && text != L".." && !IsDeviceName(text) && text.find_first_of(L"\\/:") == text.npos;
+}
 
 bool ReadProfileHead(BlockReader& file, const char* path, LogLevel headerErrors, const TagTargets& targets,
                      ProfileHeader* header) {

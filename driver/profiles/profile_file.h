@@ -5,15 +5,19 @@
 
 namespace orvex {
 
-// The folder of the installed profiles, as a job's path to its profile begins with it. A macro, so that it
-// joins narrow and wide literals alike.
+// The folder of the installed profiles. A macro, so that it joins narrow and wide literals alike.
 #define ORVEX_PROFILES_FOLDER "profiles\\"
 
 // The values of zvc_load_profile's resolution selector.
 enum ResolutionSelector : int32_t { kResolution300 = 0, kResolution600 = 1, kResolutionOther = 2 };
 
 // 1 while a profile or the generic conversion is in place, 0 during a load and before the first one.
-extern int32_t g_profileLoaded;
+inline int32_t g_profileLoaded = 0;
+
+// Returns whether `name`, in the narrow code page, can only be a file of the folder that it is looked up in:
+// no separator, no colon, neither empty nor "..", short enough for a path, and no device such as NUL or COM1,
+// in any case and with any extension. Opening a device could block the spooler.
+bool IsBareFileName(const char* name);
 
 // Where the tags' data goes. A later tag replaces an earlier one of its kind.
 struct TagTargets {
@@ -24,8 +28,7 @@ struct TagTargets {
 };
 
 // Reads the header and the tags of the file just opened from `path`, and leaves it at the colors. Returns
-// false after logging a problem: at the level `headerErrors` in the header, at Info in the tags. The targets
-// keep what was read before.
+// false after logging a problem, at the level `headerErrors` in the header and at Info in the tags.
 bool ReadProfileHead(BlockReader& file, const char* path, LogLevel headerErrors, const TagTargets& targets,
                      ProfileHeader* header);
 
@@ -38,10 +41,9 @@ int32_t ReadProfile(const char* path, char* name, size_t nameSize, bool at600Dpi
                     signed char* resolutionCode);
 
 // Loads the profile at `path` into the color cache, or the generic conversion when `path` is null or can't be
-// read. `resolution` is a ResolutionSelector. Writes the engine's resolution code (untouched when no path is
-// given), and the profile's name into `name` of `nameSize` bytes ("Default" when no path is given); a failed
-// read leaves there what it found. `name` may be null when no path is given. Returns the cache kind in force
-// afterwards, 1 to 5.
+// read. `resolution` is a ResolutionSelector. Writes the engine's resolution code, unless no path is given,
+// and the profile's name into `name` of `nameSize` bytes ("Default" when no path is given; `name` may then be
+// null); a failed read leaves there what it found. Returns the cache kind in force, 1 to 5.
 int32_t zvc_load_profile(const char* path, int32_t resolution, signed char* resolutionCode, char* name,
                          size_t nameSize);
 

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "driver/support/lengths.h"
+
 namespace orvex {
 
 namespace {
@@ -9,7 +11,6 @@ namespace {
 constexpr int32_t kUnitsPerInch = 7200;
 constexpr int32_t kPageMarginUnits = 2400;  // a third of an inch
 constexpr int32_t kFullPageUnits = 86616;   // 12.03 inches
-constexpr double kMmPerInch = 25.4;
 
 // Wraps a sum or product, formed in 64 bits, to 32.
 int32_t Wrap(int64_t value) {
@@ -17,7 +18,6 @@ int32_t Wrap(int64_t value) {
 }
 
 int32_t PrintHeadOffsetPx(int16_t tenthsMm, int16_t dpi) {
-    constexpr int32_t kTenthsMmPerInch = 254;
     return (tenthsMm * dpi + kTenthsMmPerInch / 2) / -kTenthsMmPerInch;
 }
 
@@ -69,22 +69,19 @@ void ApplyOffsetToFill(int16_t alignment, PageLayout& layout) {
     const int32_t offset = layout.phOffsetPx;
     Placement& place = layout.placed;
     if (alignment == kAlignRight) {
-        if (offset >= 0) return;
         const int32_t moved = std::min(place.fullTop, -offset);
         place.fullTop = Wrap(int64_t{place.fullTop} - moved);
         place.fullBottom = Wrap(int64_t{place.fullBottom} + moved);
         layout.offsetEffect = OffsetEffect::kFullRightAligned;
         layout.offsetAmount = moved;
     } else if (alignment == kAlignLeft) {
-        if (offset <= 0) return;
         const int32_t moved = std::min(place.fullBottom, offset);
         place.fullTop = Wrap(int64_t{place.fullTop} + moved);
         place.fullBottom = Wrap(int64_t{place.fullBottom} - moved);
         layout.offsetEffect = OffsetEffect::kFullLeftAligned;
         layout.offsetAmount = moved;
     } else {
-        // Deliberate: both ends grow by the same signed amount, so the block changes its length by twice the
-        // offset.
+        // Deliberate: both ends grow by the offset, so the block's length changes by twice that.
         place.fullTop = Wrap(int64_t{place.fullTop} + offset);
         place.fullBottom = Wrap(int64_t{place.fullBottom} + offset);
         layout.offsetEffect = OffsetEffect::kFullCentered;
@@ -96,11 +93,9 @@ void ApplyOffsetToBlock(int16_t alignment, PageLayout& layout) {
     const int32_t offset = layout.phOffsetPx;
     Placement& place = layout.placed;
     if (alignment == kAlignRight) {
-        if (offset >= 0) return;
         place.topOff = std::max(Wrap(int64_t{place.topOff} + offset), 0);
         layout.offsetEffect = OffsetEffect::kRightAligned;
     } else if (alignment == kAlignLeft) {
-        if (offset <= 0) return;
         place.topOff = static_cast<int32_t>(std::min<int64_t>(
             int64_t{place.topOff} + offset, int64_t{HeadWidthPx(layout.dpi)} - layout.rows));
         layout.offsetEffect = OffsetEffect::kLeftAligned;
@@ -120,14 +115,7 @@ void ApplyOffsetToBlock(int16_t alignment, PageLayout& layout) {
 }  // namespace
 
 int32_t HeadWidthPx(int16_t dpi) {
-    switch (dpi) {
-        case 600:
-            return 7020;
-        case 300:
-            return 3510;
-        default:
-            return 1755;
-    }
+    return dpi == 600 ? 7020 : dpi == 300 ? 3510 : 1755;
 }
 
 PageLayout ComputePageLayout(const PageLayoutInput& input) {
@@ -142,10 +130,11 @@ PageLayout ComputePageLayout(const PageLayoutInput& input) {
     MeasureInUnits(layout);
     Align(input.alignment, layout);
     layout.placed = layout.aligned;
-    if (layout.phOffsetPx != 0) {
-        layout.fullWidth ? ApplyOffsetToFill(input.alignment, layout)
-                         : ApplyOffsetToBlock(input.alignment, layout);
-    }
+    // A page at an end of the print head can only be moved away from it.
+    const bool movable = input.alignment == kAlignRight  ? layout.phOffsetPx < 0
+                         : input.alignment == kAlignLeft ? layout.phOffsetPx > 0
+                                                         : layout.phOffsetPx != 0;
+    if (movable) (layout.fullWidth ? ApplyOffsetToFill : ApplyOffsetToBlock)(input.alignment, layout);
     return layout;
 }
 

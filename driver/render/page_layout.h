@@ -28,9 +28,14 @@
 
 #include <cstdint>
 
-#include "driver/render/alignment.h"
-
 namespace orvex {
+
+// Where a page lies across the print head. Any other value centers it.
+enum Alignment : int16_t {
+    kAlignRight = 0,  // at the far end
+    kAlignCenter = 1,
+    kAlignLeft = 2,  // at the near end
+};
 
 struct PageLayoutInput {
     int32_t bitmapWidth;

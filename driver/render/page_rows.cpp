@@ -101,8 +101,7 @@ bool SameBytes(const void* a, const void* b, size_t size) {
 }
 
 // Fetches a band's part of a scan line into the cache, and the part `companion` bytes after it unless that is
-// 0. A part need not begin with a cache line, so it reaches into one more. Fetching is harmless where no
-// memory is.
+// 0. A part may reach into one more cache line. Fetching is harmless where no memory is.
 void Prefetch(const uint8_t* part, ptrdiff_t companion) {
     for (int32_t i = 0; i <= kBandColumns * 4; i += kCacheLine) {
         _mm_prefetch(reinterpret_cast<const char*>(part + i), _MM_HINT_T0);
@@ -160,8 +159,7 @@ const uint32_t* RowReader::LandscapeRow(int32_t row) {
     return band_.get();
 }
 
-// Returns the column of the bitmap that a row of a portrait page reads. Deliberate: it can be the one after
-// the last; see Row().
+// Returns the column that a row of a portrait page reads, which can be the one after the last; see Row().
 int32_t RowReader::Column(int32_t row) const {
     if (!order_.rotate180) return order_.mirrorImage ? row : bitmap_.width - 1 - row;
     return order_.mirrorImage ? bitmap_.width - row : row;

@@ -43,8 +43,7 @@ class RowReader {
     // last one with paper white.
     const uint32_t* Row(int32_t row);
 
-    // Returns whether the last row is known to have the same pixels as the one read before it, as most rows
-    // of a label have.
+    // Returns whether the last row has the same pixels as the one before it, as most rows of a label have.
     bool Repeats() const { return repeats_; }
 
   private:

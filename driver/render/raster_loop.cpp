@@ -13,19 +13,6 @@ constexpr InkValue kPurgeDot600 = 0x7F7F7F7F;
 constexpr InkValue kPurgeDot = 0xFFFFFFFF;
 constexpr InkValue kFirstPixelMarker = 2;  // the engine must never see a page that begins with a zero pixel
 
-// Reports one stage of a row, from construction to the end of its scope.
-class StageScope {
-  public:
-    StageScope(RowSink& sink, RasterStage stage) : sink_(sink), stage_(stage) { sink_.Begin(stage_); }
-    ~StageScope() { sink_.End(stage_); }
-    StageScope(const StageScope&) = delete;
-    StageScope& operator=(const StageScope&) = delete;
-
-  private:
-    RowSink& sink_;
-    RasterStage stage_;
-};
-
 // Allocates a row of zeros. Returns null for a row longer than 32 bits can count.
 HeapArray<InkValue> AllocateRow(const PageLayout& layout) {
     if (layout.rowWidth < layout.imageWidth) return nullptr;
@@ -61,28 +48,25 @@ bool RasterLoop::SendFillRows(int32_t count, int64_t firstNumber, RowSink& sink)
     return true;
 }
 
-void RasterLoop::ConvertImageRow(const uint32_t* pixels) {
-    ConvertRow(ImageArea(), pixels, static_cast<uint32_t>(std::max(layout_.imageWidth, 0)), 1, settings_.kws,
-               layout_.Is600Dpi(), settings_.colorMode);
-}
-
 bool RasterLoop::SendImageRows(RowSink& sink) {
+    const auto width = static_cast<uint32_t>(std::max(layout_.imageWidth, 0));
     for (int32_t row = 0; row < layout_.rows; ++row) {
-        const uint32_t* pixels = nullptr;
-        {
-            const StageScope stage(sink, RasterStage::kReformat);
-            if (layout_.imageWidth > 0) pixels = reader_.Row(row);
-        }
+        sink.Begin(RasterStage::kReformat);
+        const uint32_t* pixels = width > 0 ? reader_.Row(row) : nullptr;
+        sink.End(RasterStage::kReformat);
         // The output row still has the inks of a row like this one, if these are settled; only the first
         // row's may have been changed since.
         if (row <= 1 || !reader_.Repeats() || !InksAreSettled()) {
-            const StageScope stage(sink, RasterStage::kConvert);
-            ConvertImageRow(pixels);
+            sink.Begin(RasterStage::kConvert);
+            ConvertRow(ImageArea(), pixels, width, 1, settings_.kws, layout_.Is600Dpi(), settings_.colorMode);
+            sink.End(RasterStage::kConvert);
         }
         if (row == 0 && output_[0] == 0) output_[0] = kFirstPixelMarker;
-        const StageScope stage(sink, RasterStage::kEncode);
+        sink.Begin(RasterStage::kEncode);
         const int64_t number = int64_t{row} + layout_.placed.fullTop;
-        if (!sink.Take(static_cast<int32_t>(number), output_.get())) return false;
+        const bool taken = sink.Take(static_cast<int32_t>(number), output_.get());
+        sink.End(RasterStage::kEncode);
+        if (!taken) return false;
     }
     return true;
 }

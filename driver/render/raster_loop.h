@@ -23,8 +23,7 @@ enum class RasterStage { kReformat, kConvert, kEncode };
 // Receiver of a page's rows.
 class RowSink {
   public:
-    // Reports that an image row enters or leaves a stage. A row that repeats the one before it is not
-    // converted again.
+    // Reports that an image row enters or leaves a stage. A row like the one before is not converted again.
     virtual void Begin(RasterStage stage) = 0;
     virtual void End(RasterStage stage) = 0;
 
@@ -36,8 +35,7 @@ class RowSink {
     ~RowSink() = default;
 };
 
-// Hands out a page's rows: fill rows, image rows with the purge bar, fill rows. It owns the row that is
-// handed out, and the buffer that the bitmap is read through.
+// Hands out a page's rows: fill rows, image rows with the purge bar, fill rows. It owns their memory.
 class RasterLoop {
   public:
     // No side of the bitmap may be negative. The layout is used until the rows have been sent.
@@ -54,15 +52,13 @@ class RasterLoop {
     void FillImageArea(bool withPattern);
     bool SendFillRows(int32_t count, int64_t firstNumber, RowSink& sink);
     bool SendImageRows(RowSink& sink);
-    void ConvertImageRow(const uint32_t* pixels);
 
     InkValue* ImageArea() { return output_.get() + (layout_.purgeLead ? layout_.purgeLen : 0); }
 
     const PageLayout& layout_;
     const RasterSettings settings_;
     RowReader reader_;
-    // Purge dots and gap are written once and survive from row to row, since conversion writes the image area
-    // only.
+    // Purge dots and gap are written once: conversion writes the image area only.
     HeapArray<InkValue> output_;
 };
 

@@ -1,4 +1,4 @@
-// Owner of a kernel handle.
+// Owners of what a scope takes from the system and gives back: a kernel handle, the thread's last error.
 #pragma once
 
 #include "platform/windows.h"
@@ -18,8 +18,26 @@ class OwnedHandle {
     explicit operator bool() const { return handle_ != nullptr && handle_ != INVALID_HANDLE_VALUE; }
     HANDLE Get() const { return handle_; }
 
+    // Reads up to `size` bytes, in one call. Returns how many came: none at the file's end or on failure.
+    DWORD Read(void* buffer, DWORD size) const {
+        DWORD came = 0;
+        return ReadFile(handle_, buffer, size, &came, nullptr) ? came : 0;
+    }
+
   private:
     HANDLE handle_;
+};
+
+// Restores the last error at the end of its scope, after calls that must not change it.
+class PreservedLastError {
+  public:
+    PreservedLastError() : code_(GetLastError()) {}
+    ~PreservedLastError() { SetLastError(code_); }
+    PreservedLastError(const PreservedLastError&) = delete;
+    PreservedLastError& operator=(const PreservedLastError&) = delete;
+
+  private:
+    DWORD code_;
 };
 
 }  // namespace orvex

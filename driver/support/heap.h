@@ -14,13 +14,11 @@ struct FreeDeleter {
 template <typename T>
 using HeapArray = std::unique_ptr<T[], FreeDeleter>;
 
-// Allocates `count` uninitialized elements. Returns null when out of memory.
+// Allocate `count` elements, uninitialized or of zero bytes. Return null when out of memory.
 template <typename T>
 HeapArray<T> AllocateArray(size_t count) {
     return HeapArray<T>(static_cast<T*>(malloc(count * sizeof(T))));
 }
-
-// Allocates `count` elements of zero bytes. Returns null when out of memory.
 template <typename T>
 HeapArray<T> AllocateZeroedArray(size_t count) {
     return HeapArray<T>(static_cast<T*>(calloc(count, sizeof(T))));

@@ -1,29 +1,9 @@
 #include "driver/support/installation.h"
 
-#include "driver/support/text.h"
+#include "driver/support/log.h"
 #include "platform/shell.h"
 
 namespace orvex {
-
-namespace {
-
-constexpr const WCHAR* kFolders[] = {L"Quorvane", L"Orvex Series"};
-
-// Writes the installation folder's path into `path` of MAX_PATH characters. Returns FALSE on failure, with
-// the last error set.
-BOOL BuildInstallationPath(WCHAR* path) {
-    if (!SHGetSpecialFolderPathW(nullptr, path, CSIDL_COMMON_APPDATA, FALSE)) return FALSE;
-    for (const WCHAR* folder : kFolders) {
-        if (!PathAppendW(path, folder)) {
-            SetLastError(kErrorPathAppend);
-            return FALSE;
-        }
-    }
-    SetLastError(ERROR_SUCCESS);
-    return TRUE;
-}
-
-}  // namespace
 
 HeapArray<WCHAR> GetInstallationFolder() {
     HeapArray<WCHAR> path = AllocateZeroedArray<WCHAR>(MAX_PATH);
@@ -31,20 +11,32 @@ HeapArray<WCHAR> GetInstallationFolder() {
         SetLastError(kErrorPathAllocation);
         return nullptr;
     }
-    if (!BuildInstallationPath(path.get())) return nullptr;
+    if (!SHGetSpecialFolderPathW(nullptr, path.get(), CSIDL_COMMON_APPDATA, FALSE)) return nullptr;
+    for (const WCHAR* folder : {L"Quorvane", L"Orvex Series"}) {
+        if (PathAppendW(path.get(), folder)) continue;
+        SetLastError(kErrorPathAppend);
+        return nullptr;
+    }
+    SetLastError(ERROR_SUCCESS);
+    return path;
+}
+
+HeapArray<WCHAR> FindInstallationFolder() {
+    HeapArray<WCHAR> path = GetInstallationFolder();
+    if (!path) LogError("Error: could get app path");
     return path;
 }
 
 HANDLE OpenInstallationFile(const WCHAR* folder, const WCHAR* name) {
     if (folder == nullptr) return INVALID_HANDLE_VALUE;
-    const WideView parts[] = {{folder, TextLength(folder)}, {L"\\", 1}, {name, TextLength(name)}};
-    const size_t capacity = parts[0].size + parts[1].size + parts[2].size + 1;
+    const WideView parts[] = {folder, L"\\", name};
+    const size_t capacity = parts[0].size() + parts[1].size() + parts[2].size() + 1;
     const HeapArray<WCHAR> path = AllocateArray<WCHAR>(capacity);
     if (!path) return INVALID_HANDLE_VALUE;
     size_t length = 0;
     for (const WideView& part : parts) {
         CopyText(path.get() + length, capacity - length, part);
-        length += part.size;
+        length += part.size();
     }
     return CreateFileW(path.get(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
                        FILE_ATTRIBUTE_NORMAL, nullptr);

@@ -15,9 +15,11 @@ constexpr DWORD kErrorPathAppend = 0x20010009;
 // kErrorPathAllocation, kErrorPathAppend or the system's.
 HeapArray<WCHAR> GetInstallationFolder();
 
-// Opens the file `name` of `folder` for reading, shared with other readers; it must exist. The caller owns
-// the handle. Returns INVALID_HANDLE_VALUE when the file can't be opened, `folder` is null or the process is
-// out of memory.
+// Returns the same, and logs a failure.
+HeapArray<WCHAR> FindInstallationFolder();
+
+// Opens the file `name` of `folder`, which must exist, for reading, shared with other readers. The caller
+// owns the handle. Returns INVALID_HANDLE_VALUE if that fails, also when `folder` is null.
 HANDLE OpenInstallationFile(const WCHAR* folder, const WCHAR* name);
 
 }  // namespace orvex

@@ -1,9 +1,10 @@
-// Units of length: paper and labels are measured in tenths of a millimeter.
+// Units of length. Paper, labels and offsets are measured in tenths of a millimeter.
 #pragma once
 
 namespace orvex {
 
 inline constexpr int kTenthsMmPerMm = 10;
 inline constexpr int kTenthsMmPerInch = 254;
+inline constexpr double kMmPerInch = 25.4;
 
 }  // namespace orvex

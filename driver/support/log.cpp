@@ -8,33 +8,27 @@
 #include <string_view>
 
 #include "driver/support/handle.h"
-#include "driver/support/last_error.h"
-#include "driver/support/log_path.h"
-#include "driver/support/log_rotation.h"
+#include "driver/support/log_files.h"
 
 namespace orvex {
-
-std::atomic<uint32_t> logMask = 0;
 
 namespace {
 
 constexpr size_t kMaxMutexName = 260;
 constexpr DWORD kMutexWaitMs = 100;
 constexpr LONGLONG kMaxLogBytes = 0x6400000;
+constexpr std::string_view kLevelTags[] = {"[Error] ", "[Info]  ", "[Trace] "};
 
-// Returns the low 32 bits of the decimal integer in the control file, 0 without one. An integer past 64 bits,
-// of either sign, sets every bit.
+// Returns the low 32 bits of the number in the control file, all of them set for one past 64 bits.
 uint32_t ReadLogMask() {
     const char* path = ControlFilePath();
     if (path == nullptr) return 0;
-    OwnedHandle file(CreateFileA(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                                 OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    const OwnedHandle file(CreateFileA(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                       OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
     if (!file) return 0;
     char text[64] = {};
-    DWORD length = 0;
-    if (!ReadFile(file.Get(), text, sizeof text - 1, &length, nullptr)) return 0;
-    // The Windows runtime's sscanf allocates, and writes through a null pointer when it is out of memory; its
-    // strtol stops at 31 bits.
+    file.Read(text, sizeof text - 1);
+    // The Windows runtime's sscanf crashes when it is out of memory; its strtol stops at 31 bits.
     return static_cast<uint32_t>(strtoull(text, nullptr, 10));
 }
 
@@ -72,25 +66,14 @@ class LineWriter final : public TextSink {
     char buffer_[1024];
 };
 
-std::string_view LevelTag(LogLevel level) {
-    switch (level) {
-        case LogLevel::kError:
-            return "[Error] ";
-        case LogLevel::kInfo:
-            return "[Info]  ";
-        case LogLevel::kTrace:
-            return "[Trace] ";
-    }
-    return "";
-}
-
 void WriteLine(HANDLE file, const SYSTEMTIME& time, LogLevel level, const char* format,
                const LogArgument* arguments, size_t count) {
     LineWriter line(file);
     const LogArgument stamp[] = {time.wYear,   time.wMonth,  time.wDay,          time.wHour,
                                  time.wMinute, time.wSecond, time.wMilliseconds, GetCurrentThreadId()};
     FormatLogText(line, "[%d-%02d-%02d %02d:%02d:%02d.%03d] [TID: %d] ", stamp, std::size(stamp));
-    line.Append(LevelTag(level));
+    const auto tag = static_cast<size_t>(level);
+    if (tag < std::size(kLevelTags)) line.Append(kLevelTags[tag]);
     FormatLogText(line, format, arguments, count);
     line.Append("\n");
     line.Flush();

@@ -17,14 +17,12 @@ constexpr uint32_t kLogMaskErrors = 1;  // lines of the levels Error and Info
 constexpr uint32_t kLogMaskTrace = 2;   // lines of the level Trace
 
 // The lines that are wanted. Call sites test it before they call the writer; the writer does not look at it.
-extern std::atomic<uint32_t> logMask;
+inline std::atomic<uint32_t> logMask = 0;
 
-// Sets logMask to the low 32 bits of the decimal integer in the control file; to 0 when there is no such file
-// or no integer in it.
+// Sets logMask to the low 32 bits of the decimal integer in the control file; to 0 without one.
 void LoadLogMask();
 
-// Appends one line to the log: time, thread, level and the formatted message. Any failure loses the line and
-// is reported to nobody. A level beyond Trace writes no tag.
+// Appends one line to the log. Any failure loses the line silently. A level beyond Trace writes no tag.
 void WriteLogLine(LogLevel level, const char* format, const LogArgument* arguments, size_t count);
 
 template <typename... Arguments>

@@ -53,52 +53,44 @@ Conversion ReadConversion(const char*& cursor) {
 }
 
 void AppendBlanks(TextSink& sink, size_t count) {
-    constexpr std::string_view kBlanks = "                                ";
-    for (; count > 0; count -= std::min(count, kBlanks.size())) {
-        sink.Append(kBlanks.substr(0, std::min(count, kBlanks.size())));
+    for (; count > 0; --count) sink.Append(" ");
+}
+
+void AppendCharacters(TextSink& sink, std::string_view text) {
+    sink.Append(text);
+}
+
+// Writes wide text as UTF-8 in pieces. A lone surrogate becomes the replacement character.
+void AppendCharacters(TextSink& sink, WideView text) {
+    while (!text.empty()) {
+        size_t units = std::min<size_t>(text.size(), 64);
+        if (units < text.size() && IS_HIGH_SURROGATE(text[units - 1])) --units;
+        char piece[64 * 3];
+        const int bytes = WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(units), piece,
+                                              static_cast<int>(sizeof piece), nullptr, nullptr);
+        sink.Append({piece, static_cast<size_t>(std::max(bytes, 0))});
+        text.remove_prefix(units);
     }
 }
 
-void AppendText(TextSink& sink, const Conversion& conversion, std::string_view text) {
+// Writes a narrow or wide text in its field.
+template <typename View>
+void AppendText(TextSink& sink, const Conversion& conversion, View text) {
     if (conversion.precision >= 0) text = text.substr(0, static_cast<size_t>(conversion.precision));
     const size_t width = static_cast<size_t>(conversion.width);
     const size_t blanks = width > text.size() ? width - text.size() : 0;
     if (!conversion.leftAligned) AppendBlanks(sink, blanks);
-    sink.Append(text);
+    AppendCharacters(sink, text);
     if (conversion.leftAligned) AppendBlanks(sink, blanks);
 }
 
-// Writes wide text as UTF-8 in pieces. A lone surrogate becomes the replacement character.
-void AppendWideText(TextSink& sink, const Conversion& conversion, WideView text) {
-    if (conversion.precision >= 0) text.size = std::min(text.size, static_cast<size_t>(conversion.precision));
-    const size_t width = static_cast<size_t>(conversion.width);
-    const size_t blanks = width > text.size ? width - text.size : 0;
-    if (!conversion.leftAligned) AppendBlanks(sink, blanks);
-    while (text.size > 0) {
-        size_t units = std::min<size_t>(text.size, 64);
-        if (units < text.size && IS_HIGH_SURROGATE(text.data[units - 1])) --units;
-        char piece[64 * 3];
-        const int bytes = WideCharToMultiByte(CP_UTF8, 0, text.data, static_cast<int>(units), piece,
-                                              static_cast<int>(sizeof piece), nullptr, nullptr);
-        sink.Append({piece, static_cast<size_t>(std::max(bytes, 0))});
-        text.data += units;
-        text.size -= units;
-    }
-    if (conversion.leftAligned) AppendBlanks(sink, blanks);
-}
-
-// Writes one number with snprintf; `length` is its length modifier.
+// Writes one number with snprintf; `length` is its length modifier. A precision below 0 is none.
 template <typename T>
 void AppendNumber(TextSink& sink, const Conversion& conversion, const char* length, T value) {
     char format[24];
     char piece[2 * kMaxField];
-    if (conversion.precision >= 0) {
-        snprintf(format, sizeof format, "%%%s*.*%s%c", conversion.flags, length, conversion.type);
-        snprintf(piece, sizeof piece, format, conversion.width, conversion.precision, value);
-    } else {
-        snprintf(format, sizeof format, "%%%s*%s%c", conversion.flags, length, conversion.type);
-        snprintf(piece, sizeof piece, format, conversion.width, value);
-    }
+    snprintf(format, sizeof format, "%%%s*.*%s%c", conversion.flags, length, conversion.type);
+    snprintf(piece, sizeof piece, format, conversion.width, conversion.precision, value);
     sink.Append(piece);
 }
 
@@ -116,40 +108,22 @@ void AppendInteger(TextSink& sink, const Conversion& conversion, int64_t value) 
 
 void AppendArgument(TextSink& sink, const Conversion& conversion, const LogArgument& argument) {
     using Kind = LogArgument::Kind;
-    switch (conversion.type) {
-        case 'd':
-        case 'i':
-        case 'u':
-        case 'x':
-        case 'X':
-        case 'o':
-            if (argument.kind != Kind::kInteger) break;
-            return AppendInteger(sink, conversion, argument.integer);
-        case 'c': {
-            if (argument.kind != Kind::kInteger) break;
-            const char character = static_cast<char>(argument.integer);
-            return AppendText(sink, conversion, {&character, 1});
-        }
-        case 'p': {
-            if (argument.kind != Kind::kInteger) break;
-            char piece[17];
-            snprintf(piece, sizeof piece, "%016llX", static_cast<unsigned long long>(argument.integer));
-            return AppendText(sink, conversion, piece);
-        }
-        case 's':
-            if (argument.kind != Kind::kText) break;
-            return AppendText(sink, conversion, argument.text);
-        case 'S':
-            if (argument.kind != Kind::kWideText) break;
-            return AppendWideText(sink, conversion, argument.wideText);
-        case 'e':
-        case 'f':
-        case 'g':
-        case 'E':
-        case 'G':
-            if (argument.kind != Kind::kNumber) break;
-            return AppendNumber(sink, conversion, "", argument.number);
+    const auto is = [&](const char* types, Kind kind) {
+        return strchr(types, conversion.type) != nullptr && argument.kind == kind;
+    };
+    if (is("diuxXo", Kind::kInteger)) return AppendInteger(sink, conversion, argument.integer);
+    if (is("c", Kind::kInteger)) {
+        const char character = static_cast<char>(argument.integer);
+        return AppendText(sink, conversion, std::string_view(&character, 1));
     }
+    if (is("p", Kind::kInteger)) {
+        char piece[17];
+        snprintf(piece, sizeof piece, "%016llX", static_cast<unsigned long long>(argument.integer));
+        return AppendText(sink, conversion, std::string_view(piece));
+    }
+    if (is("s", Kind::kText)) return AppendText(sink, conversion, argument.text);
+    if (is("S", Kind::kWideText)) return AppendText(sink, conversion, argument.wideText);
+    if (is("efgEG", Kind::kNumber)) return AppendNumber(sink, conversion, "", argument.number);
     sink.Append("?");
 }
 

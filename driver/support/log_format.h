@@ -19,12 +19,9 @@ struct LogArgument {
         : kind(Kind::kInteger), integer(static_cast<int64_t>(value)) {}
     LogArgument(double value) : kind(Kind::kNumber), number(value) {}
     LogArgument(std::string_view value) : kind(Kind::kText), text(value) {}
-    LogArgument(const char* value)
-        : kind(Kind::kText), text(value == nullptr ? std::string_view("(null)") : std::string_view(value)) {}
+    LogArgument(const char* value) : LogArgument(std::string_view(value == nullptr ? "(null)" : value)) {}
     LogArgument(WideView value) : kind(Kind::kWideText), wideText(value) {}
-    LogArgument(const WCHAR* value)
-        : kind(Kind::kWideText),
-          wideText(value == nullptr ? WideView{L"(null)", 6} : WideView{value, TextLength(value)}) {}
+    LogArgument(const WCHAR* value) : LogArgument(WideView(value == nullptr ? L"(null)" : value)) {}
     LogArgument(const void* value)
         : kind(Kind::kInteger), integer(static_cast<int64_t>(reinterpret_cast<uintptr_t>(value))) {}
     LogArgument() : LogArgument(0) {}

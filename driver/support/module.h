@@ -6,6 +6,6 @@
 namespace orvex {
 
 // Set by DllMain when the process attaches; null before that.
-extern HMODULE g_hModule;
+inline HMODULE g_hModule = nullptr;
 
 }  // namespace orvex

@@ -6,34 +6,13 @@
 
 namespace orvex {
 
-size_t TextLength(const char* text, size_t capacity) {
-    const void* end = memchr(text, 0, capacity);
-    return end == nullptr ? capacity : static_cast<size_t>(static_cast<const char*>(end) - text);
-}
-
-size_t TextLength(const WCHAR* text, size_t capacity) {
-    return static_cast<size_t>(std::find(text, text + capacity, WCHAR{0}) - text);
-}
-
-size_t TextLength(const WCHAR* text) {
-    size_t length = 0;
-    if (text != nullptr) {
-        while (text[length] != 0) ++length;
-    }
-    return length;
-}
-
-bool SameText(WideView a, WideView b) {
-    return a.size == b.size && (a.size == 0 || memcmp(a.data, b.data, a.size * sizeof(WCHAR)) == 0);
-}
-
 namespace {
 
-template <typename Character>
-void CopyBounded(Character* destination, size_t capacity, const Character* source, size_t length) {
+template <typename Character, typename View>
+void CopyBounded(Character* destination, size_t capacity, View source) {
     if (capacity == 0) return;
-    const size_t copied = std::min(length, capacity - 1);
-    if (copied > 0) memmove(destination, source, copied * sizeof(Character));
+    const size_t copied = std::min(source.size(), capacity - 1);
+    if (copied > 0) memmove(destination, source.data(), copied * sizeof(Character));
     destination[copied] = 0;
 }
 
@@ -47,12 +26,16 @@ int ClampedLength(size_t length) {
 
 }  // namespace
 
+size_t TextLength(const WCHAR* text) {
+    return text == nullptr ? 0 : WideView(text).size();
+}
+
 void CopyText(char* destination, size_t capacity, std::string_view source) {
-    CopyBounded(destination, capacity, source.data(), source.size());
+    CopyBounded(destination, capacity, source);
 }
 
 void CopyText(WCHAR* destination, size_t capacity, WideView source) {
-    CopyBounded(destination, capacity, source.data, source.size);
+    CopyBounded(destination, capacity, source);
 }
 
 void TrimWhitespace(char* text) {
@@ -65,12 +48,12 @@ void TrimWhitespace(char* text) {
 size_t NarrowText(char* destination, size_t capacity, WideView source) {
     if (capacity == 0) return 0;
     size_t used = 0;
-    for (size_t i = 0; i < source.size;) {
+    for (size_t i = 0; i < source.size();) {
         const bool pair =
-            IS_HIGH_SURROGATE(source.data[i]) && i + 1 < source.size && IS_LOW_SURROGATE(source.data[i + 1]);
+            IS_HIGH_SURROGATE(source[i]) && i + 1 < source.size() && IS_LOW_SURROGATE(source[i + 1]);
         const int units = pair ? 2 : 1;
         char character[8];
-        const int bytes = WideCharToMultiByte(CP_ACP, 0, source.data + i, units, character,
+        const int bytes = WideCharToMultiByte(CP_ACP, 0, source.data() + i, units, character,
                                               static_cast<int>(sizeof character), nullptr, nullptr);
         if (bytes <= 0 || used + static_cast<size_t>(bytes) >= capacity) break;
         memcpy(destination + used, character, static_cast<size_t>(bytes));
@@ -94,17 +77,17 @@ size_t WidenText(WCHAR* destination, size_t capacity, std::string_view source) {
 
 HeapArray<WCHAR> DuplicateText(const WCHAR* text) {
     if (text == nullptr) return nullptr;
-    const size_t length = TextLength(text);
-    HeapArray<WCHAR> copy = AllocateArray<WCHAR>(length + 1);
-    if (copy) CopyText(copy.get(), length + 1, {text, length});
+    const WideView source = text;
+    HeapArray<WCHAR> copy = AllocateArray<WCHAR>(source.size() + 1);
+    if (copy) CopyText(copy.get(), source.size() + 1, source);
     return copy;
 }
 
 HeapArray<WCHAR> DuplicateWidened(const char* text) {
     if (text == nullptr) return nullptr;
-    const size_t length = strlen(text);
-    HeapArray<WCHAR> copy = AllocateArray<WCHAR>(length + 1);
-    if (copy) WidenText(copy.get(), length + 1, {text, length});
+    const std::string_view source = text;
+    HeapArray<WCHAR> copy = AllocateArray<WCHAR>(source.size() + 1);
+    if (copy) WidenText(copy.get(), source.size() + 1, source);
     return copy;
 }
 

@@ -1,6 +1,7 @@
 // The size of a page whose label the caller chose by its number in the printer's list.
 
 #include "driver/device_instance.h"
+#include "tests/driver/config/printer_test.h"
 #include "tests/kit/driver_fixture.h"
 
 namespace orvex {
@@ -12,13 +13,7 @@ namespace {
 class DeviceLabel : public DriverTest {
   protected:
     void AddLabel(int number, const char* name, const char* width, const char* length, DWORD units) {
-        PrinterData& data = Printer().data;
-        const std::string key = "Label Sizes\\" + std::to_string(number);
-        data.SetNumber(key, "version", 1);
-        data.SetText(key, "name", name);
-        data.SetText(key, "width", width);
-        data.SetText(key, "length", length);
-        data.SetNumber(key, "units", units);
+        orvex::AddLabel(Printer().data, number, name, width, length, units);
     }
 
     // Enables a device for label `number`, whose private part describes label `described`.

@@ -1,4 +1,4 @@
-#include "driver/pjl_header.h"
+#include "driver/job_output.h"
 
 #include "tests/driver/job_output_fixture.h"
 #include "tests/kit/picture.h"

@@ -39,52 +39,26 @@ TEST_F(SendPage, ReportsARefusedRowByItsNumberAndEndsNothing) {
     EXPECT_EQ(PageCount(), 1u);
 }
 
-TEST_F(SendPage, CountsTheFillInTheNumberOfARefusedRow) {
+TEST_F(SendPage, CountsEveryRowOnceInTheNumberOfARefusedRowWhereverTheFillIs) {
     DeviceMode mode = Mode();
     mode.priv.kws = 1;
     mode.priv.kws_fullwidth = 1;
     const int top = (3510 - kW) / 2;
     struct Case {
-        int nth;
-        int number;
-    };
-    for (const Case& item : {Case{1, 0}, {top, top - 1}, {top + 6, top + 5}, {top + kW + 3, top + kW + 2}}) {
-        engine.Fail("RasterRow", item.nth);
-        EXPECT_EQ(Print(mode, false).size(), static_cast<size_t>(item.nth));
-        EXPECT_THAT(LogLines(),
-                    Contains("[Error] Error: could not send raster row " + std::to_string(item.number)));
-        EXPECT_THAT(engine.calls, AllOf(Not(Contains("RasterBlockEnd")), Not(Contains("PageEnd"))));
-        Session().EndDoc(Current());
-    }
-}
-
-TEST_F(SendPage, CountsEveryRowOnceInTheNumberOfARefusedRowWhereverTheFillIs) {
-    DeviceMode mode = Mode();
-    mode.priv.kws = 1;
-    mode.priv.kws_fullwidth = 1;
-    struct Case {
         int16_t alignment;
         int nth;
     };
-    // The fill comes before the image, or after it.
-    for (const Case& item : {Case{0, 3510 - kW + 6}, {2, 6}, {2, kW + 6}}) {
+    // The fill comes before the image, after it, or in two halves.
+    for (const Case& item :
+         {Case{1, 1}, {1, top}, {1, top + 6}, {1, top + kW + 3}, {0, 3510 - kW + 6}, {2, 6}, {2, kW + 6}}) {
         mode.priv.alignment = item.alignment;
         engine.Fail("RasterRow", item.nth);
-        Print(mode, false);
+        EXPECT_EQ(Print(mode, false).size(), static_cast<size_t>(item.nth));
         EXPECT_THAT(LogLines(),
                     Contains("[Error] Error: could not send raster row " + std::to_string(item.nth - 1)));
+        EXPECT_THAT(engine.calls, AllOf(Not(Contains("RasterBlockEnd")), Not(Contains("PageEnd"))));
         Session().EndDoc(Current());
     }
-}
-
-TEST_F(SendPage, CountsAHundredFillRowsInTheNumberOfTheSixthImageRow) {
-    DeviceMode mode = Landscape();
-    mode.priv.kws = 1;
-    mode.priv.kws_fullwidth = 1;
-    engine.Fail("RasterRow", 106);
-    EXPECT_EQ(PrintSize(mode, 8, 3510 - 200).size(), 106u);
-    EXPECT_THAT(LogLines(), AllOf(Contains("[Info]  Fullphwidth:  100 3310 100"),
-                                  Contains("[Error] Error: could not send raster row 105")));
 }
 
 TEST_F(SendPage, ReportsABlockOrPageThatDoesNotEnd) {
@@ -147,60 +121,39 @@ TEST_F(SendPage, LogsFullWidthAndPurgeBar) {
     }
 }
 
-TEST_F(SendPage, LogsHowThePrintHeadOffsetMovedThePage) {
+TEST_F(SendPage, LogsAPrintHeadOffsetAndHowItMovedThePage) {
     struct Case {
         int16_t alignment, offset;
         bool fullWidth;
-        const char* line;
+        std::vector<std::string> starts;  // of the lines
     };
-    for (const Case& item : {
-             Case{0, 20, false, "[Info]  phOffset: ar=-24 topOff=3132"},
-             {2, -20, false, "[Info]  phOffset: al=23 topOff=23"},
-             {0, 20, true, "[Info]  phOffset: fw ar=24"},
-             {2, -20, true, "[Info]  phOffset: fw al=23"},
-             {1, 20, true, "[Info]  phOffset: fw c=-24"},
-         }) {
+    const Case cases[] = {
+        {0, 20, false, {":-24 topOff:", ": ar=-24 topOff=3132"}},
+        {2, -20, false, {":23 topOff:", ": al=23 topOff=23"}},
+        {0, 20, true, {":-24 topOff:", ": fw ar=24"}},
+        {2, -20, true, {":23 topOff:", ": fw al=23"}},
+        {1, 20, true, {":-24 topOff:", ": fw c=-24"}},
+        {2, -2, false, {":1 topOff:", ": al=1 topOff=1"}},
+        {2, 0, false, {}},
+        // Offsets out of the print head move nothing.
+        {0, -20, false, {":23 topOff:"}},
+        {2, 20, false, {":-24 topOff:"}},
+        {0, -20, true, {":23 topOff:"}},
+        {2, 20, true, {":-24 topOff:"}},
+    };
+    for (const Case& item : cases) {
         DeviceMode mode = Mode();
         mode.priv.alignment = item.alignment;
         mode.priv.phHOffset = item.offset;
         mode.priv.kws = mode.priv.kws_fullwidth = item.fullWidth;
         Print(mode, false);
         std::vector<std::string> lines = LogLines();
-        std::erase_if(lines, [](const std::string& line) { return !line.starts_with("[Info]  phOffset: "); });
-        EXPECT_THAT(lines, ElementsAre(item.line));
-        Session().EndDoc(Current());
-    }
-}
-
-TEST_F(SendPage, LogsOnlyTheMeasuresOfAnOffsetThatWouldLeaveThePrintHead) {
-    for (const bool fullWidth : {false, true}) {
-        for (const int16_t alignment : {int16_t{0}, int16_t{2}}) {
-            DeviceMode mode = Mode();
-            mode.priv.alignment = alignment;
-            mode.priv.phHOffset = alignment == 0 ? -20 : 20;
-            mode.priv.kws = mode.priv.kws_fullwidth = fullWidth;
-            Print(mode, false);
-            std::vector<std::string> lines = LogLines();
-            std::erase_if(lines,
-                          [](const std::string& line) { return !line.starts_with("[Info]  phOffset"); });
-            EXPECT_THAT(lines,
-                        ElementsAre(StartsWith(
-                            "[Info]  phOffset:" + std::to_string(alignment == 0 ? 23 : -24) + " topOff:")));
-            Session().EndDoc(Current());
+        std::erase_if(lines, [](const std::string& line) { return !line.starts_with("[Info]  phOffset"); });
+        SCOPED_TRACE(testing::Message() << item.alignment << " " << item.offset << " " << item.fullWidth);
+        ASSERT_EQ(lines.size(), item.starts.size());
+        for (size_t i = 0; i < lines.size(); ++i) {
+            EXPECT_THAT(lines[i], StartsWith("[Info]  phOffset" + item.starts[i]));
         }
-    }
-}
-
-TEST_F(SendPage, LogsAnOffsetOfOnePixelButNotOfZero) {
-    DeviceMode mode = Mode();
-    mode.priv.alignment = 2;
-    for (const int16_t offset : {int16_t{-2}, int16_t{0}}) {
-        mode.priv.phHOffset = offset;
-        Print(mode, false);
-        const auto lines = LogLines();
-        EXPECT_EQ(std::count_if(lines.begin(), lines.end(),
-                                [](const auto& line) { return line.starts_with("[Info]  phOffset"); }),
-                  offset == 0 ? 0 : 2);
         Session().EndDoc(Current());
     }
 }

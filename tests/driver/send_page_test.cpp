@@ -1,4 +1,5 @@
 #include "tests/driver/send_page_fixture.h"
+#include "tests/plain/page_order.h"
 
 namespace orvex {
 
@@ -10,54 +11,26 @@ using testing::IsEmpty;
 
 using SendPage = SendPageTest;
 
-TEST_F(SendPage, SendsAPortraitPageFromItsLastColumn) {
-    ExpectRows(Print(Mode()), kW, kH, [&](int32_t row, int32_t i) { return Ink(kW - 1 - row, i); });
-}
-
-TEST_F(SendPage, SendsAMirroredPortraitPageFromItsFirstColumn) {
-    DeviceMode mode = Mode();
-    mode.priv.mirrorImage = 1;
-    ExpectRows(Print(mode), kW, kH, [&](int32_t row, int32_t i) { return Ink(row, i); });
-}
-
-TEST_F(SendPage, SendsARotatedPortraitPageFromTheBottomUp) {
-    DeviceMode mode = Mode();
-    mode.priv.rotate180 = 1;
-    ExpectRows(Print(mode), kW, kH, [&](int32_t row, int32_t i) { return Ink(row, kH - 1 - i); });
-}
-
-TEST_F(SendPage, ShiftsARotatedMirroredPortraitPageByOneColumn) {
-    DeviceMode mode = Mode();
-    mode.priv.rotate180 = 1;
-    mode.priv.mirrorImage = 1;
-    ExpectRows(Print(mode), kW, kH, [&](int32_t row, int32_t i) -> uint32_t {
-        const int32_t x = kW - row, y = kH - 1 - i;
-        if (x < kW) return Ink(x, y);
-        return y + 1 < kH ? Ink(0, y + 1) : 0;
-    });
-}
-
-TEST_F(SendPage, SendsALandscapePageFromTheTop) {
-    ExpectRows(Print(Landscape()), kW, kH, [&](int32_t row, int32_t i) { return Ink(i, row); });
-}
-
-TEST_F(SendPage, SendsAMirroredLandscapePageRightToLeft) {
-    DeviceMode mode = Landscape();
-    mode.priv.mirrorImage = 1;
-    ExpectRows(Print(mode), kW, kH, [&](int32_t row, int32_t i) { return Ink(kH - 1 - i, row); });
-}
-
-TEST_F(SendPage, SendsARotatedLandscapePageFromTheBottomRightToLeft) {
-    DeviceMode mode = Landscape();
-    mode.priv.rotate180 = 1;
-    ExpectRows(Print(mode), kW, kH, [&](int32_t row, int32_t i) { return Ink(kH - 1 - i, kW - 1 - row); });
-}
-
-TEST_F(SendPage, SendsARotatedMirroredLandscapePageFromTheBottom) {
-    DeviceMode mode = Landscape();
-    mode.priv.rotate180 = 1;
-    mode.priv.mirrorImage = 1;
-    ExpectRows(Print(mode), kW, kH, [&](int32_t row, int32_t i) { return Ink(i, kW - 1 - row); });
+TEST_F(SendPage, SendsThePixelsOfEveryRowOrder) {
+    struct {
+        const SURFOBJ* surface;
+        int32_t width, height;
+        uint32_t Pixel(int32_t x, int32_t y) const { return DriverTest::Pixel(*surface, x, y) & 0xFFFFFF; }
+    } page;
+    for (int choices = 0; choices < 8; ++choices) {
+        const RowOrder order{(choices & 4) != 0, (choices & 2) != 0, (choices & 1) != 0};
+        DeviceMode mode = order.landscape ? Landscape() : Mode();
+        mode.priv.rotate180 = order.rotate180;
+        mode.priv.mirrorImage = order.mirrorImage;
+        SCOPED_TRACE(choices);
+        const Rows rows = Print(mode);
+        const SURFOBJ& surface = *Current().Surface();
+        page = {&surface, surface.sizlBitmap.cx, surface.sizlBitmap.cy};
+        ExpectRows(rows, kW, kH, [&](int32_t row, int32_t i) {
+            return ProfileColor(plain::PagePixel(page, order, row, i), false);
+        });
+        Session().EndDoc(Current());
+    }
 }
 
 TEST_F(SendPage, SendsA24BitBitmapToo) {
@@ -157,27 +130,23 @@ TEST_F(SendPage, PutsALeadingPurgeBarBeforeTheImage) {
     EXPECT_THAT(engine.calls, Contains("RasterBlockStart 0 0 " + std::to_string(kH + lead) + " 354"));
 }
 
-TEST_F(SendPage, KeepsAPixelFreeAfterATrailingPurgeBar) {
-    DeviceMode mode = Mode();
-    mode.pub.dmPrintQuality = 600;
-    mode.priv.purgeBar = 2;
-    mode.priv.purgeDots = 10;
-    const Rows rows = Print(mode, false);
-    const Row& row = rows[5];
-    const size_t width = row.size();
-    EXPECT_EQ(row[width - 1], 0u);
-    for (size_t i = 2; i <= 11; ++i) EXPECT_EQ(row[width - i], 0x7F7F7F7Fu);
-    EXPECT_EQ(row[width - 12], 0u);
-}
-
 TEST_F(SendPage, EndsTrailingPurgeDotsOnePixelBeforeTheRowEnds) {
-    DeviceMode mode = Landscape();
-    mode.priv.purgeBar = 2;
-    mode.priv.purgeDots = 10;
-    const Rows rows = PrintSize(mode, 1000 - (10 + 11 * 5), 2);
-    ASSERT_EQ(rows[1].size(), 1000u);
-    for (size_t i = 0; i < 1000; ++i) {
-        EXPECT_EQ(rows[1][i], i >= 989 && i <= 998 ? 0xFFFFFFFFu : 0u) << i;
+    struct Case {
+        int16_t dpi;
+        int32_t gapPx;
+        uint32_t dot;
+    };
+    for (const Case& item : {Case{300, 11 * 5, 0xFFFFFFFF}, {600, 23 * 5, 0x7F7F7F7F}}) {
+        DeviceMode mode = Landscape();
+        mode.pub.dmPrintQuality = item.dpi;
+        mode.priv.purgeBar = 2;
+        mode.priv.purgeDots = 10;
+        const Rows rows = PrintSize(mode, 1000 - (10 + item.gapPx), 2);
+        ASSERT_EQ(rows[1].size(), 1000u);
+        for (size_t i = 0; i < 1000; ++i) {
+            EXPECT_EQ(rows[1][i], i >= 989 && i <= 998 ? item.dot : 0u) << i;
+        }
+        Session().EndDoc(Current());
     }
 }
 

@@ -105,20 +105,6 @@ TEST_F(Thumbnail, OfASmallPageHasItsFullSize) {
                 AllOf(Contains("[Info]  thumb scale 0"), Not(Contains(StartsWith("[Info]  scaled image")))));
 }
 
-TEST_F(Thumbnail, IsNotScaledWhenALimitIsBelowAHundred) {
-    Configure("thumb_max_width=99\n");
-    EXPECT_EQ(DecodePicture(DecodeBase64(Make(Gradient(900, 10), 900, 10))).width, 900);
-    EXPECT_THAT(lines,
-                AllOf(Contains("[Info]  thumb scale 0"), Not(Contains(StartsWith("[Info]  scaled image")))));
-}
-
-TEST_F(Thumbnail, OfALargePageIsAnEighthOfItByTheDefaultLimits) {
-    const Picture picture = DecodePicture(DecodeBase64(Make(Gradient(4000, 2400), 4000, 2400)));
-    EXPECT_EQ(picture.width, 500);
-    EXPECT_EQ(picture.height, 300);
-    EXPECT_THAT(lines, Contains("[Info]  scaled image 500x300 8"));
-}
-
 TEST_F(Thumbnail, OfAPageAsLargeAsTheDefaultLimitsIsItsOpaqueCopy) {
     std::vector<uint32_t> page = Gradient(800, 600);
     const Picture picture = DecodePicture(DecodeBase64(Make(page, 800, 600)));

@@ -3,7 +3,7 @@
 #include <sstream>
 
 #include "driver/support/log.h"
-#include "driver/support/log_path.h"
+#include "driver/support/log_files.h"
 #include "tests/kit/scratch_folder.h"
 #ifndef _WIN32
 #include "platform/posix/paths.h"

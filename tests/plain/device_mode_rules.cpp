@@ -61,8 +61,8 @@ constexpr Rule kRules[] = {
 };
 
 bool FormNameFits(const DEVMODEW& pub) {
-    if (FieldText(pub.dmFormName).size >= CCHFORMNAME) return false;
-    return pub.dmPaperSize != 256 || SameText(FieldText(pub.dmFormName), {L"Custom", 6});
+    if (FieldText(pub.dmFormName).size() >= CCHFORMNAME) return false;
+    return pub.dmPaperSize != 256 || FieldText(pub.dmFormName) == L"Custom";
 }
 
 }  // namespace

@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "driver/config/page_layout_input.h"
+#include "driver/config/device_mode.h"
 #include "driver/support/text.h"
 #include "tools/common/number_text.h"
 #include "tools/common/wide_text.h"
@@ -34,8 +34,8 @@ std::string Units(int32_t units) {
 
 std::string ProfileOf(const DeviceMode& mode) {
     const WideView name = FieldText(mode.priv.colorProfile);
-    if (name.size == 0) return "none: the built-in conversion";
-    return Utf8(std::u16string_view(reinterpret_cast<const char16_t*>(name.data), name.size));
+    if (name.empty()) return "none: the built-in conversion";
+    return Utf8(std::u16string_view(reinterpret_cast<const char16_t*>(name.data()), name.size()));
 }
 
 std::string PurgeText(const DeviceMode& mode, const PageLayout& layout) {

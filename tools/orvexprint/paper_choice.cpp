@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <optional>
 
-#include "driver/config/label_length.h"
+#include "driver/config/label_sizes.h"
 #include "driver/support/text.h"
 #include "tools/common/number_text.h"
 #include "tools/common/wide_text.h"

@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "driver/config/device_mode.h"
-#include "driver/config/device_mode_fields.h"
 #include "driver/config/label_sizes.h"
 
 namespace orvex::tools::print {

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <cstring>
 
-#include "driver/config/device_mode_fields.h"
+#include "driver/config/device_mode.h"
 #include "tools/common/number_text.h"
 
 namespace orvex::tools::print {

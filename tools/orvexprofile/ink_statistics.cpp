@@ -5,7 +5,7 @@
 #include <sstream>
 #include <string>
 
-#include "driver/color/color_table.h"
+#include "driver/color/ink.h"
 #include "tools/common/number_text.h"
 #include "tools/orvexprofile/ink_treatment.h"
 

@@ -1,6 +1,5 @@
 #include "tools/orvexprofile/profile.h"
 
-#include "driver/color/color_table.h"
 #include "driver/color/ink.h"
 
 namespace orvex::tools::profile {

@@ -1,5 +1,5 @@
 // A color profile in memory, as the profile tools build, read and convert it. The file's format is described
-// in driver/profiles/profile_format.h.
+// in driver/profiles/profile_reader.h.
 #pragma once
 
 #include <cstdint>
@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "driver/color/ink.h"
-#include "driver/profiles/profile_format.h"
+#include "driver/profiles/profile_reader.h"
 
 namespace orvex::tools::profile {
 

@@ -4,7 +4,6 @@
 #include <bit>
 #include <stdexcept>
 
-#include "driver/color/color_table.h"
 #include "driver/color/ink.h"
 #include "tools/common/whole_file.h"
 

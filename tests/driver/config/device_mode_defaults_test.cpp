@@ -4,6 +4,7 @@
 #include "driver/support/text.h"
 #include "tests/driver/config/foreign_dev_mode.h"
 #include "tests/driver/config/printer_test.h"
+#include "tests/driver/failing_calls.h"
 #include "tests/kit/allocation_failure.h"
 #include "tests/plain/device_mode.h"
 #include "tools/host/import_patch.h"
@@ -17,11 +18,6 @@ using testing::IsEmpty;
 using testing::StartsWith;
 
 namespace {
-
-BOOL WINAPI NoFolder(HWND, LPWSTR, int, BOOL) {
-    SetLastError(ERROR_ACCESS_DENIED);
-    return FALSE;
-}
 
 // Passes on the first search for files, which measures the list, and fails the second, which fills it.
 int searches = 0;
@@ -125,7 +121,7 @@ TEST_F(DefaultDevMode, ItsStepsAreTraced) {
 }
 
 TEST_F(DefaultDevMode, AnUnknownInstallationFolderIsLoggedWithoutItsNot) {
-    const ImportPatch shell(nullptr, "SHGetSpecialFolderPathW", reinterpret_cast<void*>(&NoFolder));
+    const ImportPatch shell(nullptr, "SHGetSpecialFolderPathW", reinterpret_cast<void*>(&FindNoFolder));
     EXPECT_TRUE(SameRecord(SetUpDefaults(nullptr), DefaultDeviceMode()));
     EXPECT_THAT(LinesOutside("AssignDefaultColorProfile"),
                 ElementsAre("[Trace] <SetupDefaultDevMode>", "[Error] Error: could get app path",

@@ -1,6 +1,5 @@
 #include "driver/config/device_mode_merge.h"
 
-#include "driver/config/device_mode_validation.h"
 #include "driver/support/text.h"
 #include "tests/driver/config/foreign_dev_mode.h"
 #include "tests/driver/config/printer_test.h"
@@ -235,22 +234,15 @@ TEST_F(Merging, ASourcesOwnProfileWins) {
 }
 
 TEST_F(Merging, ANameOfOneCharacterIsAProfileToo) {
-    DeviceMode destination = ValidDeviceMode();
-    CopyText(destination.priv.colorProfile, FieldText(L"n"));
-    EXPECT_EQ(Text(Merged(destination, ValidDeviceMode()).priv.colorProfile), u"n");
-    DeviceMode source = ValidDeviceMode();
+    DeviceMode printers = ValidDeviceMode(), source = ValidDeviceMode();
+    CopyText(printers.priv.colorProfile, FieldText(L"n"));
     CopyText(source.priv.colorProfile, FieldText(L"c"));
-    EXPECT_EQ(Text(Merged(destination, source).priv.colorProfile), u"c");
-}
-
-TEST_F(Merging, ANameOfOneCharacterIsTracedAsAProfile) {
-    DeviceMode destination = ValidDeviceMode();
-    CopyText(destination.priv.colorProfile, FieldText(L"n"));
-    DeviceMode source = ValidDeviceMode();
-    CopyText(source.priv.colorProfile, FieldText(L"c"));
+    DeviceMode destination = printers;
     EXPECT_TRUE(MergeDevMode(&destination, &source.pub, handle_));
     EXPECT_THAT(LinesWithDumpsFolded(),
                 AllOf(Contains("[Trace] pdmDest profile [n] 1"), Contains("[Trace] pdmSrc profile [c] 1")));
+    EXPECT_EQ(Text(destination.priv.colorProfile), u"c");
+    EXPECT_EQ(Text(Merged(printers, ValidDeviceMode()).priv.colorProfile), u"n");
 }
 
 TEST_F(Merging, BytesAfterAnEmptyProfileNameStayAsTheyAre) {

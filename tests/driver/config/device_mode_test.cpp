@@ -1,5 +1,4 @@
 #include "driver/config/device_mode.h"
-#include "driver/config/device_mode_dump.h"
 
 #include <gmock/gmock.h>
 

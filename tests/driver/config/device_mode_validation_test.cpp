@@ -1,4 +1,4 @@
-#include "driver/config/device_mode_validation.h"
+#include "driver/config/device_mode_merge.h"
 
 #include "driver/support/text.h"
 #include "tests/driver/config/foreign_dev_mode.h"
@@ -73,11 +73,8 @@ TEST_F(Validation, ItsDumpsShowTheRecordBeforeAndAfter) {
     Validated(DefaultDeviceMode());
     const std::vector<std::string> lines = log_.TakeLines();
     const auto shown = [&lines](const std::string& field) {
-        std::vector<std::string> values;
-        for (const std::string& line : lines) {
-            if (line.starts_with("[Trace] " + field + " "))
-                values.push_back(line.substr(line.find("= ") + 2));
-        }
+        std::vector<std::string> values = DumpedField(lines, field);
+        for (std::string& value : values) value.erase(0, value.rfind(' ') + 1);
         return values;
     };
     EXPECT_THAT(shown("dmFields"), ElementsAre("118531", "118543", "118543"));

@@ -3,6 +3,7 @@
 #include "driver/config/label_sizes.h"
 #include "driver/support/installation.h"
 #include "tests/driver/config/printer_test.h"
+#include "tests/driver/failing_calls.h"
 #include "tools/host/import_patch.h"
 
 namespace orvex {
@@ -14,11 +15,6 @@ using namespace std::string_literals;
 using namespace std::string_view_literals;
 
 namespace {
-
-BOOL WINAPI FailToRead(HANDLE, LPVOID, DWORD, LPDWORD read, LPOVERLAPPED) {
-    *read = 0;
-    return FALSE;
-}
 
 class MediaImport : public PrinterTest {
   protected:

@@ -14,6 +14,18 @@
 namespace orvex {
 
 using namespace tools;
+
+// Puts a label into a printer's data.
+inline void AddLabel(PrinterData& data, int number, const char* name, const char* width, const char* length,
+                     uint32_t units, uint32_t version = 1) {
+    const std::string key = "Label Sizes\\" + std::to_string(number);
+    data.SetNumber(key, "version", version);
+    data.SetText(key, "name", name);
+    data.SetText(key, "width", width);
+    data.SetText(key, "length", length);
+    data.SetNumber(key, "units", units);
+}
+
 class PrinterTest : public testing::Test {
   protected:
     PrinterTest() { spooler_.Attach(); }
@@ -24,15 +36,9 @@ class PrinterTest : public testing::Test {
         EXPECT_THAT(spooler_.Misuses(), testing::IsEmpty());
     }
 
-    // Puts a label into the printer's data.
     void AddLabel(int number, const char* name, const char* width, const char* length, uint32_t units,
                   uint32_t version = 1) {
-        const std::string key = "Label Sizes\\" + std::to_string(number);
-        printer_.data.SetNumber(key, "version", version);
-        printer_.data.SetText(key, "name", name);
-        printer_.data.SetText(key, "width", width);
-        printer_.data.SetText(key, "length", length);
-        printer_.data.SetNumber(key, "units", units);
+        orvex::AddLabel(printer_.data, number, name, width, length, units, version);
     }
 
     // Returns the log's lines of the levels Error and Info since the last call.
@@ -70,9 +76,13 @@ class PrinterTest : public testing::Test {
 
     // Returns a field of each record dumped since the last call, after the dump's caption: "pdmIn: 7".
     std::vector<std::string> DumpedField(const std::string& name) {
+        return DumpedField(log_.TakeLines(), name);
+    }
+    static std::vector<std::string> DumpedField(const std::vector<std::string>& lines,
+                                                const std::string& name) {
         std::vector<std::string> dumped;
         std::string caption;
-        for (const std::string& line : log_.TakeLines()) {
+        for (const std::string& line : lines) {
             if (line.ends_with(":")) caption = line.substr(line.find(' ') + 1);
             if (line.starts_with("[Trace] " + name + " "))
                 dumped.push_back(caption + line.substr(line.rfind(' ')));

@@ -1,4 +1,4 @@
-#include "driver/profiles/block_reader.h"
+#include "driver/profiles/profile_reader.h"
 
 #include <gmock/gmock.h>
 

@@ -1,6 +1,6 @@
 #include <functional>
 
-#include "driver/profiles/block_reader.h"
+#include "driver/profiles/profile_reader.h"
 #include "tests/driver/profiles/profile_fixture.h"
 
 namespace orvex {
@@ -87,14 +87,11 @@ BOOL WINAPI FailToMeasure(HANDLE file, PLARGE_INTEGER size) {
 
 TEST_F(BrokenProfile, ThatIsMissingIsRejected) {
     const std::string path = (folder_.Path() / "none.zvp").string();
-    ExpectRejected(path, {"[Error] Error: could not open file [" + path + "]"});
-    EXPECT_STREQ(name_, "asked.zvp");
-    EXPECT_EQ(code_, 48);
-}
-
-TEST_F(BrokenProfile, ThatIsMissingIsRejectedAtFullInkAt300Dpi) {
-    const std::string path = (folder_.Path() / "none.zvp").string();
-    ExpectRejected(path, {"[Error] Error: could not open file [" + path + "]"}, kResolution300);
+    for (const int32_t resolution : {kResolution600, kResolution300}) {  // with half and with full ink
+        ExpectRejected(path, {"[Error] Error: could not open file [" + path + "]"}, resolution);
+        EXPECT_STREQ(name_, "asked.zvp");
+        EXPECT_EQ(code_, 48);
+    }
 }
 
 TEST_F(BrokenProfile, ThatIsAFolderIsRejected) {

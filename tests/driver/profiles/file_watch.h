@@ -3,9 +3,9 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstring>
 #include <set>
 
+#include "tests/driver/failing_calls.h"
 #include "tools/host/import_patch.h"
 
 namespace orvex {
@@ -90,15 +90,5 @@ class FileWatch {
     ImportPatch findClosePatch_{nullptr, "FindClose", reinterpret_cast<void*>(&WatchedFindClose)};
     ImportPatch readPatch_{nullptr, "ReadFile", reinterpret_cast<void*>(&WatchedRead)};
 };
-
-// Replacements for SetFilePointerEx and ReadFile.
-inline BOOL WINAPI FailToSeek(HANDLE, LARGE_INTEGER, PLARGE_INTEGER, DWORD) {
-    return FALSE;
-}
-inline BOOL WINAPI FailToRead(HANDLE, LPVOID buffer, DWORD, LPDWORD came, LPOVERLAPPED) {
-    *came = 5;
-    memset(buffer, 'x', *came);
-    return FALSE;
-}
 
 }  // namespace orvex

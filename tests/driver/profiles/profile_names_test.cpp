@@ -1,6 +1,6 @@
-#include "driver/profiles/profile_names.h"
+#include "driver/profiles/profile_catalogue.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <algorithm>
 #include <string>
@@ -8,10 +8,13 @@
 #include "tests/driver/profiles/file_watch.h"
 #include "tests/driver/profiles/name_texts.h"
 #include "tests/kit/installation_fixture.h"
+#include "tests/kit/log_capture.h"
 
 namespace orvex {
 
 using namespace tools;
+using testing::ElementsAre;
+
 namespace {
 
 class ProfileNames : public testing::Test {
@@ -35,11 +38,8 @@ class ProfileNames : public testing::Test {
 
 }  // namespace
 
-TEST_F(ProfileNames, AreEmptyWithoutAFile) {
+TEST_F(ProfileNames, AreEmptyWithoutAFileAndInOneWithoutText) {
     EXPECT_EQ(Look(), u"");
-}
-
-TEST_F(ProfileNames, AreEmptyInAFileWithoutText) {
     for (const char* bytes : {"", "\xFF", "\xFF\xFE", "\xFF\xFE["}) {
         installation_.Write("profilenames.inf", bytes);
         EXPECT_EQ(Look(), u"");
@@ -132,12 +132,9 @@ TEST_F(ProfileNames, AreFoundAfterLongLines) {
     }
 }
 
-TEST_F(ProfileNames, EndAtTheEndOfARead) {
+TEST_F(ProfileNames, EndAtTheEndOfAReadOrBeginThere) {
     Write(std::u16string(u"[DEU]\r\na.zvp=") + std::u16string(400, u'x') + u"\r\n");
     EXPECT_EQ(Look(), std::u16string(253 - 6, u'x'));
-}
-
-TEST_F(ProfileNames, ContinueAfterTheEndOfARead) {
     Write(std::u16string(u"[DEU]\r\n") + std::u16string(253, u'x') + u"a.zvp=Matt\r\n");
     EXPECT_EQ(Look(), u"Matt");
 }
@@ -165,6 +162,116 @@ TEST_F(ProfileNames, EndBeforeAZeroCharacter) {
 TEST_F(ProfileNames, AreReadFromAFileWithAnOddLastByte) {
     installation_.Write("profilenames.inf", WideFile(u"[DEU]\na.zvp=Matt") + "x");
     EXPECT_EQ(Look(), u"Matt");
+}
+
+namespace {
+
+// The system's abbreviation of its language; empty when it has none.
+std::u16string systemLanguage;
+
+INT WINAPI TellLanguage(LCID locale, LCTYPE type, LPWSTR buffer, INT capacity) {
+    EXPECT_EQ(locale, static_cast<LCID>(LOCALE_SYSTEM_DEFAULT));
+    EXPECT_EQ(type, static_cast<LCTYPE>(LOCALE_SABBREVLANGNAME));
+    EXPECT_EQ(capacity, 10);
+    if (systemLanguage.empty()) return 0;
+    std::copy(systemLanguage.begin(), systemLanguage.end(), buffer);
+    buffer[systemLanguage.size()] = 0;
+    return static_cast<INT>(systemLanguage.size() + 1);
+}
+
+class ProfileLanguage : public testing::Test {
+  protected:
+    // Returns the language for a line of settings; the system's is negative.
+    int FromSettings(const std::string& value) {
+        installation_.WriteSettings("[UI]\r\nLanguage=" + value + "\r\n");
+        systemLanguage = u"JPN";
+        int flag = 0;
+        const int language = QRV_Get_Locale(&flag);
+        return flag == 1 ? language : -language;
+    }
+    int FromSystem(std::u16string_view abbreviation) {
+        installation_.WriteSettings("[UI]\r\n");
+        systemLanguage = abbreviation;
+        int flag = 0;
+        const int language = QRV_Get_Locale(&flag);
+        EXPECT_EQ(flag, 0);
+        return language;
+    }
+
+    InstallationFixture installation_;
+    ImportPatch patch_{nullptr, "GetLocaleInfoW", reinterpret_cast<void*>(&TellLanguage)};
+};
+
+constexpr int kSystemIsJapanese = -6;  // the language if the settings do not decide
+
+}  // namespace
+
+TEST_F(ProfileLanguage, OfTheSettingsIsComparedByItsFirstLetters) {
+    const std::pair<const char*, int> kCases[] = {
+        {"ENG", 1}, {"ENGLISH", 1},
+        {"ENU", 7}, {"DEU", 3},
+        {"CHS", 4}, {"JPN", 6},
+        {"FRA", 2}, {"FR", 2},
+        {"FRX", 2}, {"FXA", kSystemIsJapanese},  // French by two letters
+        {"ES", 5},  {"ELL", 5},
+        {"E", 5},   {"ENX", 5},
+        {"EN", 5}};  // Spanish by one, unless English
+    for (const auto& [value, language] : kCases) EXPECT_EQ(FromSettings(value), language) << value;
+}
+
+TEST_F(ProfileLanguage, OfTheSettingsMayBeOneLetterAtTheFilesEnd) {
+    installation_.WriteSettings("[UI]\r\nLanguage=E");
+    int flag = 0;
+    EXPECT_EQ(QRV_Get_Locale(&flag), 5);
+    EXPECT_EQ(flag, 1);
+}
+
+TEST_F(ProfileLanguage, OfTheSettingsNeedsEveryOtherLetter) {
+    for (const char* value : {"DE", "DEX", "JP", "C", "eng", " DEU", "", "ZZZ"}) {
+        EXPECT_EQ(FromSettings(value), kSystemIsJapanese) << value;
+    }
+}
+
+TEST_F(ProfileLanguage, OfTheSettingsIsReadUpTo19Bytes) {
+    LogCapture log;
+    EXPECT_EQ(FromSettings("DEU4567890123456789012345"), 3);
+    EXPECT_THAT(log.TakeLines(),
+                ElementsAre("[Trace] <QRV_Get_Locale>", "[Info]  settings lang:DEU4567890123456789",
+                            "[Trace] </QRV_Get_Locale>"));
+}
+
+TEST_F(ProfileLanguage, OfTheSystemIsComparedByTheLettersThatAreListed) {
+    const std::pair<const char16_t*, int> kCases[] = {
+        {u"ENG", 1}, {u"FRA", 2}, {u"DEU", 3},  {u"CHS", 4},  {u"CHT", 4},  {u"ESN", 5}, {u"ESP", 5},
+        {u"JPN", 6}, {u"ENU", 7}, {u"ENGX", 1}, {u"FRAX", 2}, {u"DEUX", 3}, {u"JPNX", 6}};
+    for (const auto& [abbreviation, language] : kCases) EXPECT_EQ(FromSystem(abbreviation), language);
+}
+
+TEST_F(ProfileLanguage, OfTheSystemIsAmericanEnglishWhenItIsNotListed) {
+    for (const char16_t* abbreviation : {u"ELL", u"FRX", u"FRB", u"ENX", u"E", u"IT", u"DE", u""}) {
+        EXPECT_EQ(FromSystem(abbreviation), 7);
+    }
+}
+
+TEST_F(ProfileLanguage, LogsItsSource) {
+    LogCapture log;
+    EXPECT_EQ(FromSettings("ENU"), 7);
+    EXPECT_THAT(log.TakeLines(), ElementsAre("[Trace] <QRV_Get_Locale>", "[Info]  settings lang:ENU\r", "",
+                                             "[Trace] </QRV_Get_Locale>"));
+    EXPECT_EQ(FromSettings("XYZ"), kSystemIsJapanese);
+    EXPECT_THAT(log.TakeLines(), ElementsAre("[Trace] <QRV_Get_Locale>", "[Info]  settings lang:XYZ\r", "",
+                                             "[Info]  GetLocaleInfo lang:JPN", "[Trace] </QRV_Get_Locale>"));
+    EXPECT_EQ(FromSystem(u""), 7);
+    EXPECT_THAT(log.TakeLines(), ElementsAre("[Trace] <QRV_Get_Locale>",
+                                             "[Info]  GetLocaleInfo lang:", "[Trace] </QRV_Get_Locale>"));
+}
+
+TEST_F(ProfileLanguage, HasASectionForEachCodeAndTheAmericanEnglishOneForAnyOther) {
+    const char16_t* const kSections[] = {u"[ENU]", u"[ENG]", u"[FRA]", u"[DEU]",
+                                         u"[CH]",  u"[ES]",  u"[JPN]", u"[ENU]"};
+    for (int code = 0; code < 8; ++code) {
+        EXPECT_EQ(AsView(LanguageSection(static_cast<LanguageCode>(code))), kSections[code]) << code;
+    }
 }
 
 }  // namespace orvex

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "driver/support/log_rotation.h"
+#include "driver/support/log_files.h"
 #include "tests/driver/support/log_files.h"
 #include "tests/kit/scratch_folder.h"
 #include "tools/host/import_patch.h"

@@ -7,7 +7,7 @@
 #include <sstream>
 #include <thread>
 
-#include "driver/support/log_path.h"
+#include "driver/support/log_files.h"
 #include "tests/driver/support/log_files.h"
 #include "tests/driver/support/open_watch.h"
 #include "tests/kit/scratch_folder.h"
@@ -48,50 +48,38 @@ TEST(LogPath, IsTheModuleNameWithTxtInTheFixedFolder) {
     EXPECT_THAT(LogPathText(), AllOf(StartsWith("c:\\temp\\"), EndsWith(".txt")));
 }
 
-#define MODULE_NAME(name, text, code)                                 \
-    DWORD WINAPI name(HMODULE, LPSTR buffer, DWORD capacity) {        \
-        const char* path = text;                                      \
-        const DWORD length = static_cast<DWORD>(strlen(path));        \
-        memcpy(buffer, path, std::min<size_t>(length + 1, capacity)); \
-        if ((code) != 0) SetLastError(code);                          \
-        return length;                                                \
-    }
-
-namespace {
-MODULE_NAME(PlainModule, "c:\\windows\\system32\\driver.dll", 0)
-MODULE_NAME(ModuleWithoutFolder, "driver.dll", 0)
-MODULE_NAME(FailingModule, "c:\\windows\\driver.dll", ERROR_INSUFFICIENT_BUFFER)
-}  // namespace
-
-TEST(LogPath, IsDriverTxtForDriverDll) {
-    const ImportPatch patch(nullptr, "GetModuleFileNameA", reinterpret_cast<void*>(&PlainModule));
-    SetLastError(ERROR_GEN_FAILURE);  // an earlier error must not matter
-    EXPECT_EQ(LogPathText(), "c:\\temp\\driver.txt");
-}
-
-TEST(LogPath, IsMissingForAModuleNameWithoutABackslash) {
-    const ImportPatch patch(nullptr, "GetModuleFileNameA", reinterpret_cast<void*>(&ModuleWithoutFolder));
-    EXPECT_EQ(GetLogPath(), nullptr);
-}
-
-TEST(LogPath, IsMissingWithoutTheModuleName) {
-    const ImportPatch patch(nullptr, "GetModuleFileNameA", reinterpret_cast<void*>(&FailingModule));
-    EXPECT_EQ(GetLogPath(), nullptr);
-}
-
 namespace {
 
 std::string moduleName;
+DWORD moduleError = ERROR_SUCCESS;
 
 // Cuts the name at the buffer's end as the system does, without a terminator and without an error.
 DWORD WINAPI AnswerModuleName(HMODULE, LPSTR buffer, DWORD capacity) {
     const auto length = static_cast<DWORD>(std::min<size_t>(moduleName.size(), capacity));
     memcpy(buffer, moduleName.data(), length);
     if (length < capacity) buffer[length] = '\0';
+    if (moduleError != ERROR_SUCCESS) SetLastError(moduleError);
     return length;
 }
 
 }  // namespace
+
+TEST(LogPath, IsDriverTxtForDriverDll) {
+    const ImportPatch patch(nullptr, "GetModuleFileNameA", reinterpret_cast<void*>(&AnswerModuleName));
+    moduleName = "c:\\windows\\system32\\driver.dll";
+    SetLastError(ERROR_GEN_FAILURE);  // an earlier error must not matter
+    EXPECT_EQ(LogPathText(), "c:\\temp\\driver.txt");
+}
+
+TEST(LogPath, IsMissingWithoutTheModuleNameOrItsFolder) {
+    const ImportPatch patch(nullptr, "GetModuleFileNameA", reinterpret_cast<void*>(&AnswerModuleName));
+    moduleName = "driver.dll";
+    EXPECT_EQ(GetLogPath(), nullptr);
+    moduleName = "c:\\windows\\driver.dll";
+    moduleError = ERROR_INSUFFICIENT_BUFFER;
+    EXPECT_EQ(GetLogPath(), nullptr);
+    moduleError = ERROR_SUCCESS;
+}
 
 TEST(LogPath, IsMissingForAModuleNameThatIsTooShortOrCut) {
     const ImportPatch patch(nullptr, "GetModuleFileNameA", reinterpret_cast<void*>(&AnswerModuleName));
@@ -199,11 +187,15 @@ TEST(LogWriter, LosesTheLineWhenTheLogCannotBeOpenedAfterItsRotation) {
     EXPECT_TRUE(CloseHandle(MutexWatch::last));
 }
 
-TEST(LogWriter, DropsTheLineWhenAnotherThreadOwnsTheMutex) {
-    LogCapture log;
+HANDLE OpenMutexOfLog() {
     std::string name = LogPathText();
     std::replace(name.begin(), name.end(), '\\', '/');
-    const HANDLE mutex = CreateMutexA(nullptr, FALSE, name.c_str());
+    return CreateMutexA(nullptr, FALSE, name.c_str());
+}
+
+TEST(LogWriter, DropsTheLineWhenAnotherThreadOwnsTheMutex) {
+    LogCapture log;
+    const HANDLE mutex = OpenMutexOfLog();
     ASSERT_EQ(WaitForSingleObject(mutex, 0), WAIT_OBJECT_0);
     std::thread(WriteOneLine).join();
     EXPECT_THAT(log.TakeLines(), IsEmpty());
@@ -214,9 +206,7 @@ TEST(LogWriter, DropsTheLineWhenAnotherThreadOwnsTheMutex) {
 
 TEST(LogWriter, DropsOneLineAfterAThreadThatEndedWithTheMutexAndGoesOn) {
     LogCapture log;
-    std::string name = LogPathText();
-    std::replace(name.begin(), name.end(), '\\', '/');
-    const HANDLE mutex = CreateMutexA(nullptr, FALSE, name.c_str());
+    const HANDLE mutex = OpenMutexOfLog();
     std::thread([mutex] { EXPECT_EQ(WaitForSingleObject(mutex, 0), WAIT_OBJECT_0); }).join();
     LogInfo("dropped");
     std::thread([] { LogInfo("written"); }).join();

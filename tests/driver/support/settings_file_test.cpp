@@ -7,6 +7,7 @@
 
 #include "driver/support/handle.h"
 #include "driver/support/installation.h"
+#include "tests/driver/failing_calls.h"
 #include "tests/kit/allocation_failure.h"
 #include "tests/kit/installation_fixture.h"
 #include "tests/kit/log_capture.h"
@@ -23,30 +24,27 @@ namespace {
 
 constexpr size_t kPiece = 253;  // bytes of a line that are read at a time
 
-BOOL WINAPI NoFolder(HWND, LPWSTR, int, BOOL) {
-    SetLastError(ERROR_ACCESS_DENIED);
-    return FALSE;
-}
-
-BOOL WINAPI FailToRead(HANDLE, LPVOID, DWORD, LPDWORD read, LPOVERLAPPED) {
-    *read = 0;
-    return FALSE;
-}
-
-BOOL WINAPI FailToSeek(HANDLE, LARGE_INTEGER, PLARGE_INTEGER, DWORD) {
-    return FALSE;
-}
-
 class SettingsFile : public testing::Test {
   protected:
-    // Returns the value of `key` in "[UI]" out of a buffer of exactly `capacity` bytes.
-    std::string Value(const char* key = "Key=", size_t capacity = 254) {
+    // Returns the value of "Key=" in "[UI]" out of a buffer of exactly `capacity` bytes.
+    std::string Value(size_t capacity = 254) {
         const HeapArray<char> out = AllocateArray<char>(capacity);
         memset(out.get(), 'x', capacity);
-        const size_t length = LookupString("[UI]", key, out.get(), capacity);
+        const size_t length = LookupString("[UI]", "Key=", out.get(), capacity);
         const std::string text = out.get();
         EXPECT_EQ(length, text.size());
         return text;
+    }
+
+    struct Case {
+        std::string settings, value;
+        Case(std::string_view text, std::string_view found) : settings(text), value(found) {}
+    };
+    void ExpectValues(std::initializer_list<Case> cases, size_t capacity = 254) {
+        for (const Case& each : cases) {
+            installation_.WriteSettings(each.settings);
+            EXPECT_EQ(Value(capacity), each.value) << each.settings;
+        }
     }
 
     InstallationFixture installation_;
@@ -55,115 +53,50 @@ class SettingsFile : public testing::Test {
 }  // namespace
 
 TEST_F(SettingsFile, AValueIsTheRestOfItsLineWithTheLineEnd) {
-    installation_.WriteSettings("[UI]\r\nKey=some value \r\n");
-    EXPECT_EQ(Value(), "some value \r\n");
+    ExpectValues({{"[UI]\r\nKey=some value \r\n", "some value \r\n"},
+                  {"[UI]\nA=1\nKey=lf\n", "lf\n"},
+                  {"[UI]\rA=1\rKey=cr\rB=2\r", "cr\r"},
+                  {"[UI]\rA=1\nKey=mixed\r\nB=2", "mixed\r\n"},
+                  {"[UI]\r\nKey=last", "last"},
+                  {"[UI]\nKey=~a~[b]=\"\n", "~a~[b]=\"\n"},
+                  {"[UI]\nKey=one\nKey=two\n", "one\n"}});
 }
 
-TEST_F(SettingsFile, LineFeedsAndCarriageReturnsEndLinesToo) {
-    installation_.WriteSettings("[UI]\nA=1\nKey=lf\n");
-    EXPECT_EQ(Value(), "lf\n");
-    installation_.WriteSettings("[UI]\rA=1\rKey=cr\rB=2\r");
-    EXPECT_EQ(Value(), "cr\r");
-    installation_.WriteSettings("[UI]\rA=1\nKey=mixed\r\nB=2");
-    EXPECT_EQ(Value(), "mixed\r\n");
-}
-
-TEST_F(SettingsFile, TheLastLineNeedsNoEnd) {
-    installation_.WriteSettings("[UI]\r\nKey=last");
-    EXPECT_EQ(Value(), "last");
-}
-
-TEST_F(SettingsFile, AnEmptyValueAtTheFilesEndIsNotFound) {
-    installation_.WriteSettings("[UI]\r\nKey=");
-    EXPECT_EQ(Value(), "");
-}
-
-TEST_F(SettingsFile, AnEmptyValueElsewhereIsItsLineEnd) {
-    installation_.WriteSettings("[UI]\r\nKey=\r\nKey=second\r\n");
-    EXPECT_EQ(Value(), "\r\n");
+TEST_F(SettingsFile, AnEmptyValueIsItsLineEndAndNotFoundAtTheFilesEnd) {
+    ExpectValues({{"[UI]\r\nKey=\r\nKey=second\r\n", "\r\n"}, {"[UI]\r\nKey=", ""}});
 }
 
 TEST_F(SettingsFile, AValueEndsBeforeAZeroByte) {
-    installation_.WriteSettings("[UI]\nKey=ab\0cd\nKey=\0\nOther=1\n"sv);
-    EXPECT_EQ(Value(), "ab");
-    installation_.WriteSettings("[UI]\nKey=\0\nKey=second\n"sv);
-    EXPECT_EQ(Value(), "second\n") << "a value of no length is skipped";
+    ExpectValues({{"[UI]\nKey=ab\0cd\nKey=\0\nOther=1\n"sv, "ab"},
+                  {"[UI]\nKey=\0\nKey=second\n"sv, "second\n"}});  // a value of no length is skipped
 }
 
-TEST_F(SettingsFile, TheFirstValueThatFitsCounts) {
-    installation_.WriteSettings("[UI]\nKey=one\nKey=two\n");
-    EXPECT_EQ(Value(), "one\n");
+TEST_F(SettingsFile, KeysAreFoundInTheFirstSectionOfThatNameOnly) {
+    ExpectValues({{"Key=before\n[Driver]\nKey=driver\n[UI]\nOther=1\n[Color]\nKey=color\n", ""},
+                  {"[Driver]\nKey=driver\n[UI]\nKey=ui\n", "ui\n"},
+                  {"[Driver]\nKey=driver\n", ""},
+                  {"[UI] what users see\nKey=found\n", "found\n"},
+                  {"[UI]\nOther=1\n[UI]\nKey=second\n", ""}});
 }
 
-TEST_F(SettingsFile, KeysAreFoundInTheirSectionOnly) {
-    installation_.WriteSettings("Key=before\n[Driver]\nKey=driver\n[UI]\nOther=1\n[Color]\nKey=color\n");
-    EXPECT_EQ(Value(), "");
-    installation_.WriteSettings("[Driver]\nKey=driver\n[UI]\nKey=ui\n");
-    EXPECT_EQ(Value(), "ui\n");
+TEST_F(SettingsFile, SectionsAndKeysAreComparedByteForByte) {
+    ExpectValues({{"[ui]\nKey=wrong section\n", ""},
+                  {"[UI]\nkey=wrong key\nKey=right\n", "right\n"},
+                  {"[UI]\n Key=1\nKey =2\n\tKey=3\n", ""},
+                  {"[UI]\nKey= 4\n", " 4\n"}});  // a blank after the equals sign belongs to the value
 }
 
-TEST_F(SettingsFile, AnAbsentSectionIsNotFound) {
-    installation_.WriteSettings("[Driver]\nKey=driver\n");
-    EXPECT_EQ(Value(), "");
-}
-
-TEST_F(SettingsFile, TextAfterTheSectionsNameIsAllowed) {
-    installation_.WriteSettings("[UI] what users see\nKey=found\n");
-    EXPECT_EQ(Value(), "found\n");
-}
-
-TEST_F(SettingsFile, ASecondSectionOfTheSameNameIsNeverReached) {
-    installation_.WriteSettings("[UI]\nOther=1\n[UI]\nKey=second\n");
-    EXPECT_EQ(Value(), "");
-}
-
-TEST_F(SettingsFile, SectionsAndKeysAreCaseSensitive) {
-    installation_.WriteSettings("[ui]\nKey=wrong section\n");
-    EXPECT_EQ(Value(), "");
-    installation_.WriteSettings("[UI]\nkey=wrong key\nKey=right\n");
-    EXPECT_EQ(Value(), "right\n");
-}
-
-TEST_F(SettingsFile, BlanksBeforeTheKeyOrAroundTheEqualsSignDoNotMatch) {
-    installation_.WriteSettings("[UI]\n Key=1\nKey =2\n\tKey=3\n");
-    EXPECT_EQ(Value(), "");
-    installation_.WriteSettings("[UI]\nKey= 4\n");
-    EXPECT_EQ(Value(), " 4\n") << "a blank after the equals sign belongs to the value";
-}
-
-TEST_F(SettingsFile, AValueOneByteShorterThanItsRoomIsWhole) {
-    installation_.WriteSettings("[UI]\nKey=abcd\nKey=z\n");
-    EXPECT_EQ(Value("Key=", 7), "abcd\n");
-}
-
-TEST_F(SettingsFile, AValueThatFillsTheBufferIsReplacedByALaterOne) {
-    installation_.WriteSettings("[UI]\nKey=abcde\nKey=z\n");
-    EXPECT_EQ(Value("Key=", 7), "z\n") << "six bytes in seven are whole, but count as cut";
-}
-
-TEST_F(SettingsFile, ALongerValueIsCutAndReportsWhatWasStored) {
-    installation_.WriteSettings("[UI]\nKey=abcdefgh\n");
-    EXPECT_EQ(Value("Key=", 7), "abcdef");
-}
-
-TEST_F(SettingsFile, TheLastOfSeveralCutValuesCounts) {
-    installation_.WriteSettings("[UI]\nKey=abcdefgh\nKey=ABCDEFGH\nOther=1\n[Color]\nKey=x\n");
-    EXPECT_EQ(Value("Key=", 7), "ABCDEF");
-}
-
-TEST_F(SettingsFile, AnEmptyValueDoesNotReplaceOneThatWasCut) {
-    installation_.WriteSettings("[UI]\nKey=abcdefgh\nKey=");
-    EXPECT_EQ(Value("Key=", 7), "abcdef");
-}
-
-TEST_F(SettingsFile, AValueMayContainAnyCharacter) {
-    installation_.WriteSettings("[UI]\nKey=~a~[b]=\"\n");
-    EXPECT_EQ(Value(), "~a~[b]=\"\n");
+TEST_F(SettingsFile, AValueThatFillsTheBufferCountsAsCutAndGivesWayToALaterOne) {
+    ExpectValues({{"[UI]\nKey=abcd\nKey=z\n", "abcd\n"},
+                  {"[UI]\nKey=abcde\nKey=z\n", "z\n"},
+                  {"[UI]\nKey=abcdefgh\n", "abcdef"},
+                  {"[UI]\nKey=abcdefgh\nKey=ABCDEFGH\nOther=1\n[Color]\nKey=x\n", "ABCDEF"},
+                  {"[UI]\nKey=abcdefgh\nKey=", "abcdef"}},  // an empty value does not replace it
+                 7);
 }
 
 TEST_F(SettingsFile, ABufferOfOneByteHasNoRoomForAValue) {
-    installation_.WriteSettings("[UI]\nKey=abc\n");
-    EXPECT_EQ(Value("Key=", 1), "");
+    ExpectValues({{"[UI]\nKey=abc\n", ""}}, 1);
 }
 
 TEST_F(SettingsFile, ABufferOfNoBytesIsNotWrittenTo) {
@@ -174,37 +107,17 @@ TEST_F(SettingsFile, ABufferOfNoBytesIsNotWrittenTo) {
 }
 
 TEST_F(SettingsFile, ALongLineIsReadInPiecesAndTheByteAfterEachIsSkipped) {
-    const std::string filler(kPiece, '#');
-    installation_.WriteSettings("[UI]\n" + filler + "?Key=second piece\n");
-    EXPECT_EQ(Value(), "second piece\n");
-    installation_.WriteSettings("[UI]\n" + filler + "Key=\n" + "ey=not it\n");
-    EXPECT_EQ(Value(), "") << "the skipped byte is the key's first";
-    installation_.WriteSettings("[UI]\n" + filler + "?" + filler + "?Key=third piece\n");
-    EXPECT_EQ(Value(), "third piece\n");
-}
-
-TEST_F(SettingsFile, ALineEndAfterAFullPieceIsTheSkippedByte) {
-    const std::string filler(kPiece, '#');
-    installation_.WriteSettings("[UI]\n" + filler + "\nKey=next line\n");
-    EXPECT_EQ(Value(), "next line\n");
-    installation_.WriteSettings("[UI]\n" + filler + "\r\nKey=next line\n");
-    EXPECT_EQ(Value(), "next line\n");
-}
-
-TEST_F(SettingsFile, ACarriageReturnAsTheLastByteOfAPieceLeavesItsLineFeedAsALineOfItsOwn) {
-    installation_.WriteSettings("[UI]\n" + std::string(kPiece - 1, '#') + "\r\nKey=after\n");
-    EXPECT_EQ(Value(), "after\n");
-}
-
-TEST_F(SettingsFile, ALongValueEndsWithItsPiece) {
-    const std::string value(300, 'v');
-    installation_.WriteSettings("[UI]\nKey=" + value + "\n");
-    EXPECT_EQ(Value("Key=", 400), std::string(kPiece - 4, 'v'));
-}
-
-TEST_F(SettingsFile, APieceThatBeginsWithABracketEndsTheSection) {
-    installation_.WriteSettings("[UI]\n" + std::string(kPiece, '#') + "?[ rest of the line\nKey=unseen\n");
-    EXPECT_EQ(Value(), "");
+    const std::string filler(kPiece, '#'), value(300, 'v');
+    ExpectValues({{"[UI]\n" + filler + "?Key=second piece\n", "second piece\n"},
+                  {"[UI]\n" + filler + "Key=\n" + "ey=not it\n", ""},  // the key's first byte is skipped
+                  {"[UI]\n" + filler + "?" + filler + "?Key=third piece\n", "third piece\n"},
+                  {"[UI]\n" + filler + "\nKey=next line\n", "next line\n"},
+                  {"[UI]\n" + filler + "\r\nKey=next line\n", "next line\n"},
+                  // The line feed after a piece's last byte is a line of its own.
+                  {"[UI]\n" + std::string(kPiece - 1, '#') + "\r\nKey=after\n", "after\n"},
+                  {"[UI]\nKey=" + value + "\n", std::string(kPiece - 4, 'v')},
+                  {"[UI]\n" + filler + "?[ rest of the line\nKey=unseen\n", ""}},  // the section ends there
+                 400);
 }
 
 TEST_F(SettingsFile, EveryByteValueIsReadWithoutHarm) {
@@ -240,7 +153,7 @@ TEST_F(SettingsFile, TheErrorLineIsWrittenOnlyWhenErrorsAreLogged) {
 TEST_F(SettingsFile, AnUnknownInstallationFolderReadsAsAMissingFile) {
     installation_.WriteSettings("[UI]\nKey=1\n");
     LogCapture log;
-    const ImportPatch shell(nullptr, "SHGetSpecialFolderPathW", reinterpret_cast<void*>(&NoFolder));
+    const ImportPatch shell(nullptr, "SHGetSpecialFolderPathW", reinterpret_cast<void*>(&FindNoFolder));
     EXPECT_EQ(Value(), "");
     EXPECT_THAT(log.TakeLines(), ElementsAre("[Error] failed to open settings.inf"));
 }

@@ -15,7 +15,7 @@ TEST(Text, FieldsWithoutATerminatorAreReadUpToTheirSize) {
     EXPECT_EQ(FieldText(full), "abc");
     EXPECT_EQ(FieldText(part), "a");
     const WCHAR wide[2] = {'x', 'y'};
-    EXPECT_EQ(FieldText(wide).size, 2u);
+    EXPECT_EQ(FieldText(wide).size(), 2u);
 }
 
 TEST(Text, CopiesAreCutToTheFieldAndTerminated) {
@@ -25,8 +25,8 @@ TEST(Text, CopiesAreCutToTheFieldAndTerminated) {
     CopyText(narrow, "");
     EXPECT_STREQ(narrow, "");
     WCHAR wide[3];
-    CopyText(wide, WideView{L"xyz", 3});
-    EXPECT_TRUE(SameText(FieldText(wide), WideView{L"xy", 2}));
+    CopyText(wide, L"xyz");
+    EXPECT_TRUE(FieldText(wide) == L"xy");
 }
 
 TEST(Text, AMissingTextHasNoLength) {
@@ -34,19 +34,20 @@ TEST(Text, AMissingTextHasNoLength) {
 }
 
 TEST(Text, ComparesWideTextsByLengthAndContent) {
-    EXPECT_TRUE(SameText({L"ab", 2}, {L"ab", 2}));
-    EXPECT_FALSE(SameText({L"ab", 2}, {L"aB", 2}));
-    EXPECT_FALSE(SameText({L"ab", 2}, {L"abc", 3}));
-    EXPECT_TRUE(SameText({}, {L"", 0}));
+    const WideView text = L"ab";
+    EXPECT_TRUE(text == WideView(L"abc", 2));
+    EXPECT_FALSE(text == L"aB");
+    EXPECT_FALSE(text == L"abc");
+    EXPECT_TRUE(WideView() == L"");
 }
 
 TEST(Text, NarrowsAndCutsAtTheCapacity) {
     char narrow[4];
-    EXPECT_EQ(NarrowText(narrow, sizeof narrow, {L"abcdef", 6}), 3u);
+    EXPECT_EQ(NarrowText(narrow, sizeof narrow, L"abcdef"), 3u);
     EXPECT_STREQ(narrow, "abc");
-    EXPECT_EQ(NarrowText(narrow, 1, {L"a", 1}), 0u);
+    EXPECT_EQ(NarrowText(narrow, 1, L"a"), 0u);
     EXPECT_STREQ(narrow, "");
-    EXPECT_EQ(NarrowText(nullptr, 0, {L"a", 1}), 0u);
+    EXPECT_EQ(NarrowText(nullptr, 0, L"a"), 0u);
 }
 
 TEST(Text, NarrowsASurrogatePairAsOneCharacterOrNotAtAll) {
@@ -107,25 +108,25 @@ TEST(Text, NarrowsCharacterByCharacterUntilOneDoesNotFit) {
 TEST(Text, LeavesAFieldOfNoSizeAlone) {
     EXPECT_EQ(WidenText(nullptr, 0, "a"), 0u);
     CopyText(static_cast<char*>(nullptr), 0, "a");
-    CopyText(static_cast<WCHAR*>(nullptr), 0, {L"a", 1});
+    CopyText(static_cast<WCHAR*>(nullptr), 0, L"a");
 }
 
 TEST(Text, WidensAndCutsAtTheCapacity) {
     WCHAR wide[4];
     EXPECT_EQ(WidenText(wide, 4, "abcdef"), 3u);
-    EXPECT_TRUE(SameText({wide, 3}, {L"abc", 3}));
+    EXPECT_TRUE(WideView(wide, 3) == L"abc");
     EXPECT_EQ(wide[3], 0);
     EXPECT_EQ(WidenText(wide, 4, "a"), 1u);
-    EXPECT_TRUE(SameText({wide, TextLength(wide)}, {L"a", 1}));
+    EXPECT_TRUE(FieldText(wide) == L"a");
     EXPECT_EQ(WidenText(wide, 4, ""), 0u);
     EXPECT_EQ(wide[0], 0);
 }
 
 TEST(Text, DuplicatesOnTheHeap) {
     const HeapArray<WCHAR> copy = DuplicateText(L"label");
-    EXPECT_TRUE(SameText({copy.get(), TextLength(copy.get())}, {L"label", 5}));
+    EXPECT_TRUE(WideView(copy.get()) == L"label");
     const HeapArray<WCHAR> widened = DuplicateWidened("profile.zvp");
-    EXPECT_TRUE(SameText({widened.get(), TextLength(widened.get())}, {L"profile.zvp", 11}));
+    EXPECT_TRUE(WideView(widened.get()) == L"profile.zvp");
     EXPECT_EQ(DuplicateText(nullptr), nullptr);
     EXPECT_EQ(DuplicateWidened(nullptr), nullptr);
 }

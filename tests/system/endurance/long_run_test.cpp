@@ -20,7 +20,7 @@ namespace {
 
 constexpr size_t kJobs = 100;
 constexpr size_t kLoads = 5;
-constexpr size_t kLoggedJobs = 9;  // every ninth job logs
+constexpr size_t kLoggedJobs = 9;                           // every ninth job logs
 [[maybe_unused]] constexpr size_t kPrivateSlack = 1 << 20;  // growth of the system's own heaps
 
 struct JobRecord {

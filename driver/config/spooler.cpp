@@ -1,4 +1,4 @@
-#include "driver/config/spooler_queries.h"
+#include "driver/config/spooler.h"
 
 #include "driver/support/log.h"
 #include "driver/support/text.h"
@@ -10,7 +10,7 @@ namespace {
 constexpr DWORD kPrinterInfoLevel = 2;
 constexpr DWORD kDriverInfoLevel = 3;
 
-// These two log a failure. Its code is the last error.
+// These log a failure, whose code is the last error.
 HeapArray<WCHAR> QueryFailed() {
     LogError("GetPrinterName: GetPrinter failed: 0x%x", GetLastError());
     return nullptr;
@@ -20,12 +20,6 @@ HeapArray<WCHAR> OutOfMemory() {
     LogError("GetPrinterName: malloc failed");
     SetLastError(ERROR_NOT_ENOUGH_MEMORY);
     return nullptr;
-}
-
-// Deliberate: the result 1797 is a failure too, although it is the code of an error and no result of the
-// call.
-bool GotDriver(BOOL result) {
-    return result != FALSE && result != ERROR_UNKNOWN_PRINTER_DRIVER;
 }
 
 }  // namespace
@@ -48,8 +42,9 @@ HeapArray<WCHAR> GetPrinterDriverName(HANDLE printer) {
     if (needed < sizeof(DRIVER_INFO_3W)) return nullptr;
     const HeapArray<BYTE> buffer = AllocateArray<BYTE>(needed);
     if (!buffer) return nullptr;
-    if (!GotDriver(GetPrinterDriverW(printer, nullptr, kDriverInfoLevel, buffer.get(), needed, &needed)))
-        return nullptr;
+    const BOOL result = GetPrinterDriverW(printer, nullptr, kDriverInfoLevel, buffer.get(), needed, &needed);
+    // Deliberate: 1797 is a failure too, although it is the code of an error and no result of the call.
+    if (result == FALSE || result == ERROR_UNKNOWN_PRINTER_DRIVER) return nullptr;
     return DuplicateText(reinterpret_cast<const DRIVER_INFO_3W*>(buffer.get())->pName);
 }
 
@@ -66,6 +61,13 @@ HANDLE OpenPrinterWithAccess(HANDLE printer, DWORD access) {
     }
     SetLastError(code);
     return opened;
+}
+
+bool WriteToPrinter(HANDLE printer, std::string_view bytes) {
+    if (bytes.empty()) return true;
+    DWORD written = 0;
+    return WritePrinter(printer, const_cast<char*>(bytes.data()), static_cast<DWORD>(bytes.size()),
+                        &written) != FALSE;
 }
 
 DWORD LastFailure() {

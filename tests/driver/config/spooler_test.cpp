@@ -1,4 +1,4 @@
-#include "driver/config/spooler_queries.h"
+#include "driver/config/spooler.h"
 
 #include <cstring>
 
@@ -83,7 +83,7 @@ class PrinterDriverName : public testing::Test {
 TEST_F(SpoolerQueries, ThePrintersNameIsCopied) {
     const HeapArray<WCHAR> name = GetPrinterName(handle_);
     ASSERT_TRUE(name);
-    EXPECT_TRUE(SameText({name.get(), TextLength(name.get())}, {L"Etikett 1", 9}));
+    EXPECT_TRUE(WideView(name.get()) == L"Etikett 1");
     EXPECT_THAT(log_.TakeLines(), IsEmpty());
 }
 
@@ -91,7 +91,7 @@ TEST_F(SpoolerQueries, TheNameMayLieOutsideTheRecord) {
     const ImportPatch answer(nullptr, "GetPrinterW", reinterpret_cast<void*>(&AnswerBareRecord));
     const HeapArray<WCHAR> name = GetPrinterName(handle_);
     ASSERT_TRUE(name);
-    EXPECT_TRUE(SameText({name.get(), TextLength(name.get())}, {L"Elsewhere", 9}));
+    EXPECT_TRUE(WideView(name.get()) == L"Elsewhere");
 }
 
 TEST_F(SpoolerQueries, AFailureToGetTheSizeIsLoggedAndTheLastError) {
