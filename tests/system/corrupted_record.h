@@ -12,7 +12,7 @@
 
 namespace orvex {
 
-struct Field {
+struct RecordField {
     size_t offset;
     size_t size;  // 1, 2 or 4
 };
@@ -24,7 +24,7 @@ struct Field {
 
 // Fields in which a valid value arrives in the instance.
 // clang-format off
-inline constexpr Field kTakenFields[] = {
+inline constexpr RecordField kTakenFields[] = {
     PUBLIC(dmOrientation), PUBLIC(dmPaperSize), PUBLIC(dmPaperLength), PUBLIC(dmPaperWidth),
     PUBLIC(dmCopies), PUBLIC(dmDefaultSource), PUBLIC(dmPrintQuality), PUBLIC(dmColor), PUBLIC(dmTTOption),
     PUBLIC(dmCollate), PUBLIC(dmNup), PUBLIC(dmICMMethod), PUBLIC(dmICMIntent), PUBLIC(dmMediaType),
@@ -39,20 +39,20 @@ inline constexpr Field kTakenFields[] = {
 // clang-format on
 
 // Fields that do not arrive: the instance has the printer's own value, or one that follows from other fields.
-inline constexpr Field kOwnFields[] = {
+inline constexpr RecordField kOwnFields[] = {
     PUBLIC(dmSpecVersion),  PUBLIC(dmDriverVersion),    PUBLIC(dmScale),      PUBLIC(dmDuplex),
     PUBLIC(dmYResolution),  PUBLIC(dmLogPixels),        PUBLIC(dmBitsPerPel), PUBLIC(dmPelsWidth),
     PUBLIC(dmPelsHeight),   PUBLIC(dmDisplayFrequency), PUBLIC(dmReserved1),  PUBLIC(dmReserved2),
     PUBLIC(dmPanningWidth), PUBLIC(dmPanningHeight),    PRIVATE(signature)};
 
-inline constexpr Field kVersion = PUBLIC(dmSpecVersion), kSize = PUBLIC(dmSize),
-                       kExtra = PUBLIC(dmDriverExtra), kFlags = PUBLIC(dmFields),
-                       kPaper = PUBLIC(dmPaperSize), kSignature = PRIVATE(signature),
-                       kLabel = PRIVATE(dmPaperSize), kProfile = PRIVATE(colorProfile);
+inline constexpr RecordField kVersion = PUBLIC(dmSpecVersion), kSize = PUBLIC(dmSize),
+                             kExtra = PUBLIC(dmDriverExtra), kFlags = PUBLIC(dmFields),
+                             kPaper = PUBLIC(dmPaperSize), kSignature = PRIVATE(signature),
+                             kLabel = PRIVATE(dmPaperSize), kProfile = PRIVATE(colorProfile);
 
-inline const std::vector<Field>& AllFields() {
-    static const std::vector<Field> fields = [] {
-        std::vector<Field> all(std::begin(kTakenFields), std::end(kTakenFields));
+inline const std::vector<RecordField>& AllFields() {
+    static const std::vector<RecordField> fields = [] {
+        std::vector<RecordField> all(std::begin(kTakenFields), std::end(kTakenFields));
         all.insert(all.end(), std::begin(kOwnFields), std::end(kOwnFields));
         all.push_back(kFlags);
         return all;
@@ -86,13 +86,13 @@ inline const std::vector<int64_t>& Values() {
 
 using Record = std::vector<uint8_t>;
 
-inline void Put(Record& record, Field field, int64_t value) {
+inline void Put(Record& record, RecordField field, int64_t value) {
     for (size_t i = 0; i < field.size && field.offset + i < record.size(); ++i) {
         record[field.offset + i] = static_cast<uint8_t>(value >> 8 * i);
     }
 }
 
-inline int64_t Get(std::span<const uint8_t> record, Field field) {
+inline int64_t Get(std::span<const uint8_t> record, RecordField field) {
     uint64_t value = 0;
     for (size_t i = 0; i < field.size; ++i) value |= uint64_t{record[field.offset + i]} << 8 * i;
     return static_cast<int64_t>(value);

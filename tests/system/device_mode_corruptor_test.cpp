@@ -121,9 +121,9 @@ class DeviceModeCorruptorWithChoices : public DeviceModeCorruptor {
 }  // namespace
 
 TEST_F(DeviceModeCorruptor, PutsEveryBoundaryValueIntoEveryField) {
-    const std::vector<Field>& fields = AllFields();
+    const std::vector<RecordField>& fields = AllFields();
     for (size_t number = 0; number < fields.size(); ++number) {
-        const Field field = fields[number];
+        const RecordField field = fields[number];
         std::set<int64_t> arrived;
         for (const int64_t value : Values()) {
             Record record = plain_;
@@ -144,7 +144,7 @@ TEST_F(DeviceModeCorruptor, PutsEveryBoundaryValueIntoEveryField) {
 TEST_F(DeviceModeCorruptor, SetsAndClearsEveryFlagOfThePublicFields) {
     struct Case {
         DWORD flags;
-        Field field;
+        RecordField field;
         int64_t value;  // a valid value that no record has by itself
     };
     const Case cases[] = {
@@ -227,9 +227,9 @@ TEST_F(DeviceModeCorruptor, EndsTheRecordAtEveryByte) {
 }
 
 TEST_F(DeviceModeCorruptor, LeavesEveryTextWithoutAnEnd) {
-    constexpr Field kTexts[] = {PUBLIC(dmDeviceName),  PUBLIC(dmFormName),     PRIVATE(labelName),
-                                PRIVATE(width_string), PRIVATE(length_string), PRIVATE(colorProfile)};
-    for (const Field& text : kTexts) {
+    constexpr RecordField kTexts[] = {PUBLIC(dmDeviceName),  PUBLIC(dmFormName),     PRIVATE(labelName),
+                                      PRIVATE(width_string), PRIVATE(length_string), PRIVATE(colorProfile)};
+    for (const RecordField& text : kTexts) {
         for (const int filling : {0x41, 0x39, 0x25, 0x5C, 0xFF, 1}) {
             Record record = plain_;
             std::fill_n(record.begin() + static_cast<ptrdiff_t>(text.offset), text.size, filling);
