@@ -29,6 +29,7 @@ std::vector<std::string> SlotNames();
 
 }  // namespace orvex::posix
 
+// NOLINTBEGIN(bugprone-macro-parentheses): the arguments are types and lists
 // Defines one function of Win32: declares it with its slot, and begins the body that the slot has at first.
 // `arguments` are the names of the parameters, in parentheses like them.
 #define WIN32_FUNCTION(result, function, parameters, arguments)                                         \
@@ -38,3 +39,4 @@ std::vector<std::string> SlotNames();
         return reinterpret_cast<result(WINAPI*) parameters>(function##Slot.target) arguments;           \
     }                                                                                                   \
     static result WINAPI function##OverPosix parameters
+// NOLINTEND(bugprone-macro-parentheses)
