@@ -9,6 +9,12 @@ if(WIN32)
     # The same sources make the same files, whenever and in whichever folder they are built.
     add_link_options(-static -Wl,--no-insert-timestamp)
     add_compile_options(-ffile-prefix-map=${CMAKE_SOURCE_DIR}=.)
+    if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+        # Where GCC sees a template's function it notes which registers the function changes, and keeps values in the
+        # others across a call. In this object format the linker then keeps one copy of the function, perhaps another
+        # source's that changes other registers: a label of 4 inches was 0.4 mm long because its unit was lost.
+        add_compile_options(-fno-ipa-ra)
+    endif()
 else()
     # UTF-16 text in both builds: every C++ source of the native build, GoogleTest included, agrees on a 2-byte wchar_t.
     add_compile_options(-fshort-wchar)

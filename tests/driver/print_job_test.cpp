@@ -9,7 +9,6 @@ namespace orvex {
 
 using namespace tools;
 namespace fs = std::filesystem;
-using testing::AllOf;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;

@@ -13,9 +13,7 @@
 namespace orvex {
 
 using namespace tools;
-using testing::Each;
 using testing::ElementsAre;
-using testing::ElementsAreArray;
 using testing::IsEmpty;
 using testing::SizeIs;
 

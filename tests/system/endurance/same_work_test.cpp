@@ -44,7 +44,7 @@ TEST(SameWork, IsDoneForLateJobsAndEarlyOnes) {
             watch.Leave();
             std::vector<std::string> labels = Labels(watch.TakeCalls());
             calls += labels.size();
-            if (round == 1) early.push_back(std::move(labels));
+            if (round == 1) early.push_back(labels);
             if (round <= 1) continue;
             const auto other =
                 std::mismatch(labels.begin(), labels.end(), early[kind].begin(), early[kind].end());

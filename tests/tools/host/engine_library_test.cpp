@@ -7,7 +7,6 @@
 namespace orvex::tools {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 namespace {
 

@@ -16,8 +16,6 @@ namespace orvex::tools::profile {
 
 namespace {
 
-using testing::Each;
-using testing::ElementsAre;
 
 const std::filesystem::path kInstallation = ORVEX_INSTALLATION;
 
