@@ -28,6 +28,7 @@ namespace {
 constexpr char kInstallationFolder[] = "install";
 constexpr char kEngineFile[] = "hpcrlib.dll";
 constexpr char kTestPageTitle[] = "Test page";
+constexpr char kProgram[] = "orvexprint " ORVEX_VERSION;
 
 // Makes a path independent of the current folder, which the driver changes while a job runs.
 void MakeAbsolute(fs::path& path) {
@@ -65,6 +66,17 @@ EngineSource FindEngine(const JobOptions& options, const PrintEnvironment& envir
 std::string JobTitle(const JobOptions& options) {
     if (!options.title.empty()) return options.title;
     return options.testPage ? kTestPageTitle : Utf8FromPath(options.pages.front().filename());
+}
+
+// Returns the date in UTC: "2026-11-22".
+std::string Today() {
+    const std::chrono::year_month_day today(
+        std::chrono::floor<std::chrono::days>(std::chrono::system_clock::now()));
+    const auto twoDigits = [](unsigned number) {
+        return (number < 10 ? "-0" : "-") + std::to_string(number);
+    };
+    return std::to_string(static_cast<int>(today.year())) + twoDigits(static_cast<unsigned>(today.month())) +
+           twoDigits(static_cast<unsigned>(today.day()));
 }
 
 std::span<const uint8_t> BytesOf(const DeviceMode& mode) {
@@ -161,7 +173,8 @@ class PrintRun {
         const size_t stride = static_cast<size_t>(surface.lDelta) / sizeof *pixels;
         if (options_.testPage) {
             Canvas canvas(pixels, static_cast<int>(bitmap.width), static_cast<int>(bitmap.height), stride);
-            DrawTestPage(canvas, bitmap.dpi, {PaperLine(effective_), SettingValues(effective_)});
+            DrawTestPage(canvas, bitmap.dpi,
+                         {PaperLine(effective_), SettingValues(effective_), kProgram, Today()});
             return;
         }
         const fs::path& path = options_.pages[page];

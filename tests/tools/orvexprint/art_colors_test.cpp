@@ -22,11 +22,6 @@ std::vector<uint8_t> Bytes(std::string_view text) {
     return {text.begin(), text.end()};
 }
 
-uint32_t Converted(const ArtColors& colors, uint32_t pixel) {
-    if (colors.toSrgb) colors.toSrgb(&pixel, 1);
-    return pixel;
-}
-
 }  // namespace
 
 TEST(ArtColors, AreSrgbUnlessTheFileSaysOtherwise) {
@@ -58,6 +53,11 @@ TEST(ArtColors, AreSaidToBeIgnored) {
 #else
 
 namespace {
+
+uint32_t Converted(const ArtColors& colors, uint32_t pixel) {
+    if (colors.toSrgb) colors.toSrgb(&pixel, 1);
+    return pixel;
+}
 
 std::vector<uint8_t> Saved(cmsHPROFILE profile) {
     cmsUInt32Number size = 0;
