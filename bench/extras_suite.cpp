@@ -1,10 +1,18 @@
+#include <spng.h>
+
+#include <cstdlib>
 #include <cstring>
+#include <memory>
 
 #include "bench/suites.h"
 #include "driver/render/pixel_reduction.h"
 #include "driver/support/log.h"
 #include "tests/kit/log_capture.h"
+#include "tests/kit/scratch_folder.h"
 #include "tests/plain/plain_reduction.h"
+#include "tools/common/png_file.h"
+#include "tools/common/whole_file.h"
+#include "tools/common/wide_text.h"
 
 namespace orvex::bench {
 
@@ -62,11 +70,54 @@ void MeasureSilentLog(Bench& bench, const BenchSetting& setting) {
                 nullptr});
 }
 
+tools::Picture PictureOf(const BenchPage& page) {
+    tools::Picture picture(static_cast<uint32_t>(page.width), static_cast<uint32_t>(page.height), 3);
+    uint8_t* sample = picture.samples.data();
+    for (const uint32_t pixel : page.pixels) {
+        for (const int shift : {16, 8, 0}) *sample++ = static_cast<uint8_t>(pixel >> shift);
+    }
+    return picture;
+}
+
+// Decodes a PNG into a picture of its own, as programs do.
+void DecodeWithLibspng(const std::vector<uint8_t>& file) {
+    const std::unique_ptr<spng_ctx, void (*)(spng_ctx*)> png(spng_ctx_new(0), &spng_ctx_free);
+    spng_set_png_buffer(png.get(), file.data(), file.size());
+    size_t size = 0;
+    spng_decoded_image_size(png.get(), SPNG_FMT_RGBA8, &size);
+    const std::unique_ptr<uint8_t[]> picture(new uint8_t[size]);
+    if (spng_decode_image(png.get(), picture.get(), size, SPNG_FMT_RGBA8, 0) != SPNG_OK)
+        throw CheckFailure("libspng can't decode the page");
+}
+
+void MeasureWholeJob(Bench& bench) {
+    constexpr char kTitle[] = "orvexprint, 10 pages, A4 600 dpi, label";
+    constexpr int kPages = 10;
+    if (!bench.Wants(kTitle)) return;
+    const ScratchFolder scratch;
+    const std::vector<uint8_t> file =
+        tools::EncodePng(PictureOf(DrawPage(PageArt::kLabel, kA4At600, false)), kA4At600.dpi);
+    const std::string page = tools::Utf8FromPath(scratch.Path() / "page.png");
+    tools::WriteWholeFile(scratch.Path() / "page.png", file);
+    std::string command = tools::Utf8FromPath(tools::ProgramFolder() / "orvexprint") +
+                          " --dpi 600 --size page -o " + tools::Utf8FromPath(scratch.Path() / "job.prn") +
+                          " >/dev/null";
+    for (int i = 0; i < kPages; ++i) command += " " + page;
+    const auto print = [&] {
+        if (std::system(command.c_str()) != 0) throw CheckFailure("the job did not print: " + command);
+    };
+    const auto decode = [&] {
+        for (int i = 0; i < kPages; ++i) DecodeWithLibspng(file);
+    };
+    bench.Hold({kTitle, {"orvexprint", print}, {"libspng", decode}, AimKind::kAtMost, 3, print});
+}
+
 }  // namespace
 
 void MeasureExtras(Bench& bench, const BenchSetting& setting) {
     MeasureThumbnail(bench);
     MeasureSilentLog(bench, setting);
+    MeasureWholeJob(bench);
 }
 
 }  // namespace orvex::bench

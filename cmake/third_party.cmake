@@ -1,13 +1,28 @@
 # Libraries that are called, not written here. scripts/install-dependencies brings them to the machine.
 
+# orvex_fetch(LIBRARY): sets LIBRARY_source to the folder of its sources, from Debian's source package.
+function(orvex_fetch library)
+    set(source ${CMAKE_SOURCE_DIR}/build/third_party/${library})
+    execute_process(COMMAND ${CMAKE_SOURCE_DIR}/scripts/fetch-source ${library} ${source} COMMAND_ERROR_IS_FATAL ANY)
+    set(${library}_source ${source} PARENT_SCOPE)
+endfunction()
+
 # LodePNG, the whole of it, for tools and tests. The driver compiles its own encoder from the same source:
 # driver/render/png_encoder.
-set(lodepng_source ${CMAKE_SOURCE_DIR}/build/third_party/lodepng)
-execute_process(COMMAND ${CMAKE_SOURCE_DIR}/scripts/fetch-lodepng ${lodepng_source} COMMAND_ERROR_IS_FATAL ANY)
+orvex_fetch(lodepng)
 set_source_files_properties(${lodepng_source}/lodepng.c PROPERTIES LANGUAGE CXX)
 add_library(lodepng STATIC ${lodepng_source}/lodepng.c)
 target_include_directories(lodepng SYSTEM PUBLIC ${lodepng_source})
 target_compile_options(lodepng PRIVATE -w)
+
+# libspng, which reads PNG files row by row, with zlib. Pages are decoded in every build, so it is always optimized.
+orvex_fetch(spng)
+find_library(ZLIB_LIBRARY libz.a REQUIRED)
+add_library(spng STATIC ${spng_source}/spng.c)
+target_include_directories(spng SYSTEM PUBLIC ${spng_source})
+target_compile_definitions(spng PUBLIC SPNG_STATIC)
+target_compile_options(spng PRIVATE -w -O2)
+target_link_libraries(spng PUBLIC ${ZLIB_LIBRARY})
 
 # Header-only libraries, offered through a folder of their own: the whole of the system's include folder would break
 # a cross build.

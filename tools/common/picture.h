@@ -28,6 +28,12 @@ struct PixelDensity {
     double y = 0;
 };
 
+struct PictureSize {
+    uint32_t width = 0;                                  // pixels
+    uint32_t height = 0;                                 // pixels
+    std::optional<PixelDensity> density = std::nullopt;  // empty if the file does not say
+};
+
 // A picture of pixels 0x00RRGGBB, in rows from the top without gaps.
 struct RasterImage {
     uint32_t width = 0;

@@ -3,8 +3,9 @@
 #include <lodepng.h>
 
 #include <cmath>
-#include <cstring>
+#include <fstream>
 #include <new>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -19,22 +20,12 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// The largest label is 297 mm wide and 902 mm long: 150 million pixels at 600 dpi.
-constexpr uint64_t kMaxPixels = 160'000'000;
-constexpr uint64_t kMaxRawBytes = uint64_t{1} << 30;
-constexpr size_t kMaxFileBytes = size_t{1} << 30;
-constexpr unsigned kWrongSignature = 28;  // LodePNG's code for a file that is not a PNG at all
-constexpr unsigned kUnitMeter = 1;        // of pHYs
-constexpr uint32_t kBytesPerPixel = 4;
+constexpr unsigned kUnitMeter = 1;  // of pHYs
 
 // Owner of LodePNG's state.
 class PngState {
   public:
-    PngState() {
-        lodepng_state_init(&state);
-        state.decoder.read_text_chunks = 0;
-        state.decoder.remember_unknown_chunks = 0;
-    }
+    PngState() { lodepng_state_init(&state); }
     ~PngState() { lodepng_state_cleanup(&state); }
     PngState(const PngState&) = delete;
     PngState& operator=(const PngState&) = delete;
@@ -42,69 +33,29 @@ class PngState {
     LodePNGState state;
 };
 
-[[noreturn]] void Fail(unsigned code) {
-    if (code == kWrongSignature) throw PageError("is no PNG file");
-    throw PageError(std::string("is a damaged PNG file: ") + lodepng_error_text(code));
-}
-
-// Reads the header, and limits the memory that decoding may take.
-void Inspect(PngState& png, std::span<const uint8_t> file, unsigned& width, unsigned& height) {
-    if (const unsigned code = lodepng_inspect(&width, &height, &png.state, file.data(), file.size()))
-        Fail(code);
-    const uint64_t bits = lodepng_get_bpp(&png.state.info_png.color);
-    const uint64_t rowBytes = (uint64_t{width} * bits + 7) / 8;
-    const uint64_t rawBytes = rowBytes * height;
-    if (uint64_t{width} * height > kMaxPixels || rawBytes > kMaxRawBytes) {
-        throw PageError("is larger than any label: " + std::to_string(width) + " x " +
-                        std::to_string(height) + " pixels");
-    }
-    // Each row has a filter byte, and an interlaced file has up to twice as many rows.
-    png.state.decoder.zlibsettings.max_output_size = static_cast<size_t>(2 * (rowBytes + 2) * height + 64);
-}
-
-// Mixes a channel's value with white; an `alpha` of 255 keeps the value.
-uint32_t OverWhite(uint32_t value, uint32_t alpha) {
-    return (value * alpha + 255 * (255 - alpha) + 127) / 255;
-}
-
-// Converts bytes R, G, B, A to pixels in the same memory.
-void FlattenInPlace(uint8_t* bytes, size_t pixels) {
-    for (size_t i = 0; i < pixels; ++i) {
-        uint8_t* const each = bytes + i * kBytesPerPixel;
-        const uint32_t alpha = each[3];
-        const uint32_t pixel =
-            OverWhite(each[0], alpha) << 16 | OverWhite(each[1], alpha) << 8 | OverWhite(each[2], alpha);
-        memcpy(each, &pixel, sizeof pixel);
-    }
+RasterImage ReadImage(PngReader& reader) {
+    const PictureSize size = reader.Size();
+    RasterImage image = MakeImage(size.width, size.height);
+    reader.ReadAll(image.pixels.get(), size.width);
+    image.density = size.density;
+    return image;
 }
 
 }  // namespace
 
 RasterImage DecodePng(std::span<const uint8_t> file) {
-    PngState png;
-    png.state.info_raw.colortype = LCT_RGBA;
-    unsigned width = 0;
-    unsigned height = 0;
-    Inspect(png, file, width, height);
-    unsigned char* decoded = nullptr;
-    const unsigned code = lodepng_decode(&decoded, &width, &height, &png.state, file.data(), file.size());
-    HeapArray<uint8_t> bytes(decoded);
-    if (code != 0) Fail(code);
-    FlattenInPlace(bytes.get(), size_t{width} * height);
-    RasterImage image{.width = width, .height = height};
-    image.pixels.reset(reinterpret_cast<uint32_t*>(bytes.release()));
-    const LodePNGInfo& info = png.state.info_png;
-    if (info.phys_defined && info.phys_unit == kUnitMeter && info.phys_x > 0 && info.phys_y > 0) {
-        image.density = PixelDensity{static_cast<double>(info.phys_x), static_cast<double>(info.phys_y)};
-    }
-    return image;
+    PngReader reader(std::make_unique<std::istringstream>(std::string(file.begin(), file.end())), "");
+    return ReadImage(reader);
+}
+
+PngReader OpenPng(const fs::path& path) {
+    return PngReader(std::make_unique<std::ifstream>(OpenFile(path)), Utf8FromPath(path));
 }
 
 RasterImage LoadPng(const fs::path& path) {
     try {
-        return DecodePng(ReadWholeFile(path, kMaxFileBytes));
-    } catch (const PageError& error) {
-        throw PageError(Utf8FromPath(path) + " " + error.what());
+        PngReader reader = OpenPng(path);
+        return ReadImage(reader);
     } catch (const std::bad_alloc&) {
         throw PageError(Utf8FromPath(path) + " needs more memory than there is");
     }

@@ -7,17 +7,18 @@
 #include <vector>
 
 #include "tools/common/picture.h"
+#include "tools/common/png_reader.h"
 
 namespace orvex::tools {
 
-// Decodes a PNG of any color type; transparent parts show the white of the label. The density comes from the
-// file's pHYs chunk if that gives one in pixels per meter. Throws PageError for a file that is not a sound
-// PNG, or is larger than any label at 600 dpi. The sizes that a file claims are checked before any memory is
-// taken for them.
+// Decodes a PNG as PngReader does. Throws PageError.
 RasterImage DecodePng(std::span<const uint8_t> file);
 
-// Decodes a PNG file. Throws PageError, or std::runtime_error if the file can't be read; messages begin with
-// its name.
+// Opens a PNG file to be read row by row. Throws PageError, or std::runtime_error if the file can't be
+// opened; messages begin with its name.
+PngReader OpenPng(const std::filesystem::path& path);
+
+// Decodes a PNG file. Throws like OpenPng.
 RasterImage LoadPng(const std::filesystem::path& path);
 
 // Encodes a picture as a PNG file that states its resolution. Throws std::runtime_error.

@@ -36,10 +36,15 @@ fs::path TemporaryBeside(const fs::path& path) {
 
 }  // namespace
 
-std::vector<uint8_t> ReadWholeFile(const fs::path& path, size_t most) {
+std::ifstream OpenFile(const fs::path& path) {
     RefuseFolder(path);
     std::ifstream file(path, std::ios::binary);
     if (!file) Fail(path, "can't be opened");
+    return file;
+}
+
+std::vector<uint8_t> ReadWholeFile(const fs::path& path, size_t most) {
+    std::ifstream file = OpenFile(path);
     std::vector<uint8_t> bytes;
     while (file) {
         const size_t size = bytes.size();

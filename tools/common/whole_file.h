@@ -1,4 +1,4 @@
-// Files that are read at once, and files that appear under their names only when they are complete. All
+// Files that are read, and files that appear under their names only when they are complete. All
 // errors are std::runtime_error and name the file.
 #pragma once
 
@@ -11,6 +11,9 @@
 #include <vector>
 
 namespace orvex::tools {
+
+// Opens a file for reading. Refuses a folder.
+std::ifstream OpenFile(const std::filesystem::path& path);
 
 // Returns a file's bytes. Refuses a folder, and a file of more than `most` bytes.
 std::vector<uint8_t> ReadWholeFile(const std::filesystem::path& path, size_t most = SIZE_MAX);

@@ -7,6 +7,7 @@
 #include "tools/common/help_format.h"
 #include "tools/common/number_text.h"
 #include "tools/common/wide_text.h"
+#include "tools/orvexprint/art_colors.h"
 
 namespace orvex::tools::print {
 
@@ -18,7 +19,7 @@ constexpr char kDescription[] =
     "Prints PNG pages through the Orvex Series driver and writes what the printer would get into a file.\n";
 constexpr char kExamples[] = R"(Examples:
   orvexprint -o label.prn label.png
-      prints a page at its real size, on the printer's default label
+      prints a page at its real size, on a label as large as the page
   orvexprint --size 100x150mm --dpi 600 -o label.prn front.png back.png
       prints two pages on a label of 100 mm by 150 mm at 600 dpi
   orvexprint --label "Label 100 x 150 mm" --align centre --fit -o label.prn photo.png
@@ -38,6 +39,7 @@ constexpr int kLogErrors = 1;  // masks of the driver's log
 constexpr int kLogEverything = 3;
 constexpr int kLeastImageDpi = 10;
 constexpr int kMostImageDpi = 10000;
+constexpr char kRotateRange[] = "off or auto";
 constexpr const char* kLanguages[] = {"ENG", "FRA", "DEU", "CH", "ES", "JPN", "ENU"};
 constexpr char kLanguageRange[] = "ENG, FRA, DEU, CH, ES, JPN or ENU";
 
@@ -62,19 +64,26 @@ void AddSetting(CLI::App& app, const Setting& setting) {
 
 void AddPageOptions(CLI::App& app) {
     app.add_option("PAGE")
-        ->description("PNG files, a page each, printed in that order at their real size")
+        ->description(
+            "PNG files, a page each, printed in that order at their real size. Pages of the job's "
+            "resolution are never resampled, and the command says which others are. " +
+            std::string(kColorsHelp))
         ->type_name("FILE")
         ->expected(1, -1)
         ->allow_extra_args()
         ->group(kPages);
     AddFlag(app, "--test-page", kPages, "print the built-in self-test page instead of files");
     Add(app, "--size", "WxH", kPages,
-        "width and length of the label, in mm or in (" + PaperText(kLeastPaper) + " to " +
-            PaperText(kMostPaper) + ")");
-    Add(app, "--label", "NAME", kPages, "a label of the printer's list instead; see --list");
+        "width and length of the label, in mm, cm or in (" + PaperText(kLeastPaper) + " to " +
+            PaperText(kMostPaper) + "); " + kNamedPapers +
+            ", which is what pages get if nothing else says how large the label is");
+    Add(app, "--label", "NAME", kPages,
+        "a label of the printer's list instead, by its name or number; see --list");
     AddFlag(app, "--landscape", kPages, "turn the page: the label's length runs across it");
     AddFlag(app, "--portrait", kPages, "turn the page back if a loaded device mode is landscape");
     AddFlag(app, "--fit", kPages, "scale each page to the largest size that the label holds");
+    Add(app, "--rotate", "WORD", kPages,
+        std::string("turn a page by a quarter if it fits, or fits larger, only then (") + kRotateRange + ")");
     AddFlag(app, "--smooth", kPages,
             "blend the pixels of enlarged pages, for photographs; bars and text are sharper without it");
     Add(app, "--image-dpi", "N", kPages,
@@ -122,6 +131,10 @@ void ReadWords(const CLI::App& app, JobOptions& options) {
             throw WrongValue("--image-dpi", *text, "10 to 10000 dpi");
         }
     }
+    if (const auto text = Given(app, "--rotate")) {
+        if (*text != "off" && *text != "auto") throw WrongValue("--rotate", *text, kRotateRange);
+        options.turnToFit = *text == "auto";
+    }
     if (const auto text = Given(app, "--language")) {
         const auto known = [&](const char* code) { return *text == code; };
         if (std::none_of(std::begin(kLanguages), std::end(kLanguages), known)) {
@@ -148,18 +161,22 @@ void ReadPaths(const CLI::App& app, JobOptions& options) {
 }
 
 void ReadSettings(const CLI::App& app, JobOptions& options) {
-    if (const auto text = Given(app, "--size")) options.size = ParsePaperSize(*text);
+    const auto size = Given(app, "--size");
     options.label = Given(app, "--label");
     options.profile = Given(app, "--profile");
-    if (options.size && options.label) throw OptionError("--size and --label: give one of them");
+    options.sizeOfPage =
+        size ? *size == "page" : !options.label && options.loadMode.empty() && !options.pages.empty();
+    if (size && !options.sizeOfPage) options.size = ParsePaperSize(*size);
+    if (size && options.label) throw OptionError("--size and --label: give one of them");
     for (const Setting& setting : Settings()) {
         const auto text = Given(app, setting.option);
         if (!text) continue;
         const bool bare = setting.IsSwitch() && *text == "true";
         options.settings.emplace_back(&setting, bare ? 1 : ParseSetting(setting, *text));
     }
-    if (app.count("--landscape") > 0 && app.count("--portrait") > 0) {
-        throw OptionError("--landscape and --portrait: give one of them");
+    if (app.count("--landscape") + app.count("--portrait") + app.count("--orientation") > 1 &&
+        (app.count("--landscape") > 0 || app.count("--portrait") > 0)) {
+        throw OptionError("--landscape, --portrait and --orientation: give one of them");
     }
     const Setting& orientation = FindSetting("--orientation");
     if (app.count("--landscape") > 0) options.settings.emplace_back(&orientation, DMORIENT_LANDSCAPE);
@@ -170,6 +187,9 @@ void ReadSettings(const CLI::App& app, JobOptions& options) {
 void CheckTask(const JobOptions& options) {
     if (options.testPage && !options.pages.empty()) {
         throw OptionError("--test-page prints no other pages; leave the files out");
+    }
+    if (options.sizeOfPage && options.pages.empty()) {
+        throw OptionError("--size page takes the size from the first page, and there is none");
     }
     const bool onlyLooks =
         options.dryRun || options.list || (!options.saveMode.empty() && !options.HasPages());

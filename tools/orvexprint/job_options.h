@@ -18,6 +18,7 @@ struct JobOptions {
     bool testPage = false;
     bool fit = false;
     bool smooth = false;
+    bool turnToFit = false;       // turn a page by a quarter if it fits only then
     std::optional<int> imageDpi;  // resolution of pages that name none; empty: the job's
     std::string title;            // UTF-8; empty: the file name of the first page
 
@@ -35,6 +36,7 @@ struct JobOptions {
     std::filesystem::path loadMode;
     std::filesystem::path saveMode;
     std::optional<PaperSize> size;
+    bool sizeOfPage = false;  // the label is as large as the first page
     std::optional<std::string> label;
     std::optional<std::string> profile;
     std::vector<std::pair<const Setting*, int>> settings;

@@ -9,9 +9,11 @@
 #include "tools/common/whole_file.h"
 #include "tools/common/wide_text.h"
 #include "tools/host/driver_session.h"
+#include "tools/orvexprint/art_colors.h"
 #include "tools/orvexprint/job_options.h"
 #include "tools/orvexprint/job_report.h"
 #include "tools/orvexprint/log_switch.h"
+#include "tools/orvexprint/page_notes.h"
 #include "tools/orvexprint/page_placement.h"
 #include "tools/orvexprint/printer_settings.h"
 #include "tools/orvexprint/progress.h"
@@ -26,6 +28,7 @@ namespace {
 constexpr char kInstallationFolder[] = "install";
 constexpr char kEngineFile[] = "hpcrlib.dll";
 constexpr char kTestPageTitle[] = "Test page";
+constexpr char kProgram[] = "orvexprint " ORVEX_VERSION;
 
 // Makes a path independent of the current folder, which the driver changes while a job runs.
 void MakeAbsolute(fs::path& path) {
@@ -65,6 +68,17 @@ std::string JobTitle(const JobOptions& options) {
     return options.testPage ? kTestPageTitle : Utf8FromPath(options.pages.front().filename());
 }
 
+// Returns the date in UTC: "2026-11-22".
+std::string Today() {
+    const std::chrono::year_month_day today(
+        std::chrono::floor<std::chrono::days>(std::chrono::system_clock::now()));
+    const auto twoDigits = [](unsigned number) {
+        return (number < 10 ? "-0" : "-") + std::to_string(number);
+    };
+    return std::to_string(static_cast<int>(today.year())) + twoDigits(static_cast<unsigned>(today.month())) +
+           twoDigits(static_cast<unsigned>(today.day()));
+}
+
 std::span<const uint8_t> BytesOf(const DeviceMode& mode) {
     return {reinterpret_cast<const uint8_t*>(&mode), sizeof mode};
 }
@@ -89,6 +103,7 @@ class PrintRun {
         const PrinterSettings settings(session_);
         if (!options_.printerData.empty()) session_.Printer().data.Save(options_.printerData);
         if (options_.list) PrintLists(environment_.out, settings);
+        if (options_.sizeOfPage) options_.size = SizeOfFirstPage(settings);
         const DeviceMode requested = settings.Requested(options_);
         effective_ = settings.Effective(requested);
         if (!options_.saveMode.empty()) {
@@ -104,13 +119,21 @@ class PrintRun {
   private:
     size_t PageCount() const { return options_.testPage ? 1 : options_.pages.size(); }
 
+    PaperSize SizeOfFirstPage(const PrinterSettings& settings) const {
+        const DeviceMode mode = settings.Effective(settings.Requested(options_));
+        const PictureSize page = OpenPng(options_.pages.front()).Size();
+        const PixelDensity density = DensityOf(page, options_.imageDpi.value_or(mode.pub.dmPrintQuality));
+        return PaperOfPage(page, density, mode.pub.dmOrientation == DMORIENT_LANDSCAPE);
+    }
+
     PagePlacing PlacingOn(const PageRaster& bitmap) const {
         return {.pageWidth = bitmap.width,
                 .pageHeight = bitmap.height,
                 .dpi = static_cast<uint32_t>(bitmap.dpi),
                 .untaggedDpi = static_cast<double>(options_.imageDpi.value_or(bitmap.dpi)),
                 .fit = options_.fit,
-                .enlarging = options_.smooth ? Enlarging::kBlend : Enlarging::kNearest};
+                .enlarging = options_.smooth ? Enlarging::kBlend : Enlarging::kNearest,
+                .turning = options_.turnToFit ? Turning::kToFit : Turning::kNever};
     }
 
     void ShowLayout(const DeviceMode& requested) {
@@ -124,22 +147,25 @@ class PrintRun {
         if (options_.pages.empty()) return;
         environment_.out << "\nPages\n";
         for (const fs::path& path : options_.pages) {
-            const PagePlace place = PlaceOf(path, LoadPng(path), PlacingOn(bitmap));
-            environment_.out << "  " << Utf8FromPath(path.filename()) << ": " << place.width << " x "
-                             << place.height << " pixels, " << place.left << " from the left, " << place.top
-                             << " from the top\n";
+            const PictureSize size = OpenPng(path).Size();
+            const PagePlace place = PlaceOf(path, size, PlacingOn(bitmap));
+            const std::string resampling = ResamplingText(size, PlacingOn(bitmap), place);
+            environment_.out << "  " << Utf8FromPath(path.filename()) << ": " << place.Width() << " x "
+                             << place.Height() << " pixels, " << place.left << " from the left, " << place.top
+                             << " from the top" << (place.turned ? ", turned by a quarter" : "")
+                             << (resampling.empty() ? "" : ", ") << resampling << "\n";
         }
     }
 
-    static PagePlace PlaceOf(const fs::path& path, const RasterImage& image, const PagePlacing& placing) {
+    static PagePlace PlaceOf(const fs::path& path, const PictureSize& page, const PagePlacing& placing) {
         try {
-            return FindPlace(image, placing);
+            return FindPlace(page, placing);
         } catch (const PageError& error) {
             throw PageError(Utf8FromPath(path) + " " + error.what());
         }
     }
 
-    void Draw(size_t page, SURFOBJ& surface) const {
+    void Draw(size_t page, SURFOBJ& surface) {
         const PageRaster bitmap = {static_cast<uint32_t>(surface.sizlBitmap.cx),
                                    static_cast<uint32_t>(surface.sizlBitmap.cy),
                                    effective_.pub.dmPrintQuality};
@@ -147,13 +173,20 @@ class PrintRun {
         const size_t stride = static_cast<size_t>(surface.lDelta) / sizeof *pixels;
         if (options_.testPage) {
             Canvas canvas(pixels, static_cast<int>(bitmap.width), static_cast<int>(bitmap.height), stride);
-            DrawTestPage(canvas, bitmap.dpi, {PaperLine(effective_), SettingValues(effective_)});
+            DrawTestPage(canvas, bitmap.dpi,
+                         {PaperLine(effective_), SettingValues(effective_), kProgram, Today()});
             return;
         }
         const fs::path& path = options_.pages[page];
-        const RasterImage image = LoadPng(path);
-        PlaceOf(path, image, PlacingOn(bitmap));
-        DrawPage(image, PlacingOn(bitmap), pixels, stride);
+        PngReader reader = OpenPng(path);
+        const PagePlacing placing = PlacingOn(bitmap);
+        const PagePlace place = PlaceOf(path, reader.Size(), placing);
+        const std::string resampling = ResamplingText(reader.Size(), placing, place);
+        if (!resampling.empty()) notes_.Add(page + 1, "is " + resampling);
+        const ArtColors colors = ColorsOf(reader.Colors());
+        notes_.Add(page + 1, colors.note);
+        reader.ConvertColors(colors.toSrgb);
+        DrawPage(reader, placing, pixels, stride);
     }
 
     void Print(const DeviceMode& requested) {
@@ -172,6 +205,7 @@ class PrintRun {
         progress.Clear();
         if (!outcome.Printed()) throw std::runtime_error("the job did not print: " + outcome.failure);
         output.Complete();
+        notes_.Write(environment_.error);
         const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - begin;
         environment_.out << Utf8FromPath(options_.output) << ": " << outcome.pagesPrinted
                          << (outcome.pagesPrinted == 1 ? " page, " : " pages, ")
@@ -179,10 +213,11 @@ class PrintRun {
                          << DecimalText(seconds.count(), 2) << " seconds\n";
     }
 
-    const JobOptions& options_;
+    JobOptions options_;
     const PrintEnvironment& environment_;
     DriverSession session_;
     DeviceMode effective_ = {};
+    PageNotes notes_;
 };
 
 }  // namespace

@@ -1,7 +1,11 @@
 #include "tools/orvexprint/paper_choice.h"
 
 #include <algorithm>
+#include <cmath>
+#include <functional>
+#include <numeric>
 #include <optional>
+#include <utility>
 
 #include "driver/config/label_sizes.h"
 #include "driver/support/text.h"
@@ -17,15 +21,127 @@ constexpr double kTenthsPerMm = 10;
 constexpr double kTenthsPerInch = 254;
 constexpr uint32_t kPaperFields = DM_PAPERSIZE | DM_PAPERLENGTH | DM_PAPERWIDTH | DM_FORMNAME;
 
-std::string_view CutSuffix(std::string_view text, std::string_view suffix) {
-    text.remove_suffix(suffix.size());
+struct NamedSize {
+    std::string_view name;  // in small letters
+    PaperSize size;
+};
+constexpr NamedSize kNamedSizes[] = {{"a3", {2970, 4200}}, {"a4", {2100, 2970}},     {"a5", {1480, 2100}},
+                                     {"a6", {1050, 1480}}, {"a7", {740, 1050}},      {"a8", {520, 740}},
+                                     {"a9", {370, 520}},   {"letter", {2159, 2794}}, {"legal", {2159, 3556}}};
+
+struct LengthUnit {
+    std::string_view name;
+    double tenths;  // of a millimeter
+};
+constexpr LengthUnit kLengthUnits[] = {
+    {"mm", kTenthsPerMm}, {"cm", 10 * kTenthsPerMm}, {"in", kTenthsPerInch}};
+
+std::string_view Trimmed(std::string_view text) {
+    while (text.starts_with(' ')) text.remove_prefix(1);
     while (text.ends_with(' ')) text.remove_suffix(1);
     return text;
 }
 
+// Removes a unit from the end of a length, and returns it in tenths of a millimeter.
+std::optional<double> TakeUnit(std::string_view& length) {
+    for (const LengthUnit& unit : kLengthUnits) {
+        if (!length.ends_with(unit.name)) continue;
+        length = Trimmed(length.substr(0, length.size() - unit.name.size()));
+        return unit.tenths;
+    }
+    return std::nullopt;
+}
+
 // Returns the length in tenths of a millimeter, rounded and limited to what a device mode's field holds.
-int Tenths(double length, double perUnit) {
-    return static_cast<int>(std::clamp(length * perUnit + 0.5, 0.0, 32767.0));
+int Tenths(double length) {
+    return static_cast<int>(std::clamp(length + 0.5, 0.0, 32767.0));
+}
+
+int ParseTenths(std::string_view number, double perUnit) {
+    std::string text(number);
+    std::replace(text.begin(), text.end(), ',', '.');
+    return Tenths(ParseNumber(text).value_or(0) * perUnit);
+}
+
+// Returns the size, 0 x 0 for a text that is none.
+PaperSize SizeFromText(const std::string& text) {
+    for (const NamedSize& named : kNamedSizes) {
+        if (text == named.name) return named.size;
+    }
+    const size_t cross = text.find('x');
+    if (cross == std::string::npos) return {};
+    std::string_view width = Trimmed(std::string_view(text).substr(0, cross));
+    std::string_view length = Trimmed(std::string_view(text).substr(cross + 1));
+    const double lengthUnit = TakeUnit(length).value_or(kTenthsPerMm);
+    const double widthUnit = TakeUnit(width).value_or(lengthUnit);
+    return {ParseTenths(width, widthUnit), ParseTenths(length, lengthUnit)};
+}
+
+// Returns the text with small letters for the capitals of ASCII.
+std::string InSmallLetters(std::string_view text) {
+    std::string small(text);
+    for (char& letter : small) {
+        if (letter >= 'A' && letter <= 'Z') letter = static_cast<char>(letter - 'A' + 'a');
+    }
+    return small;
+}
+
+// Returns how many letters have to be changed, added or removed to make one text the other.
+size_t Distance(std::string_view a, std::string_view b) {
+    std::vector<size_t> row(b.size() + 1);
+    std::iota(row.begin(), row.end(), size_t{0});
+    for (size_t i = 0; i < a.size(); ++i) {
+        size_t diagonal = row[0];
+        row[0] = i + 1;
+        for (size_t j = 0; j < b.size(); ++j) {
+            const size_t changed = diagonal + (a[i] == b[j] ? 0 : 1);
+            diagonal = row[j + 1];
+            row[j + 1] = std::min({changed, row[j] + 1, diagonal + 1});
+        }
+    }
+    return row.back();
+}
+
+// Returns the labels' names, those most like `name` first; of many only a few.
+std::string NearestNames(std::string_view name, const std::vector<LabelSize>& labels) {
+    constexpr size_t kShown = 8;
+    const std::string wanted = InSmallLetters(name);
+    std::vector<std::pair<size_t, std::string>> names;
+    for (const LabelSize& label : labels)
+        names.emplace_back(Distance(wanted, InSmallLetters(NameOf(label))), NameOf(label));
+    std::stable_sort(names.begin(), names.end(),
+                     [](const auto& a, const auto& b) { return a.first < b.first; });
+    std::string text;
+    for (size_t i = 0; i < std::min(names.size(), kShown); ++i)
+        text += (i == 0 ? "\"" : ", \"") + names[i].second + "\"";
+    if (names.size() > kShown)
+        text += " or another of " + std::to_string(names.size()) + " labels; --list shows them";
+    return text;
+}
+
+// Returns the label of that name or number, or of that name in any case; null if there is none.
+const LabelSize* FindLabel(std::string_view name, const std::vector<LabelSize>& labels) {
+    const std::optional<int> number = ParseWhole(name);
+    const std::string small = InSmallLetters(name);
+    const std::function<bool(const LabelSize&)> matches[] = {
+        [&](const LabelSize& label) { return NameOf(label) == name; },
+        [&](const LabelSize& label) { return number == label.number; },
+        [&](const LabelSize& label) { return InSmallLetters(NameOf(label)) == small; }};
+    for (const auto& match : matches) {
+        const auto found = std::find_if(labels.begin(), labels.end(), match);
+        if (found != labels.end()) return &*found;
+    }
+    return nullptr;
+}
+
+// Returns the extent of a page in tenths of a millimeter. It may be less than a pixel shorter, since a
+// program may have rounded the number of pixels up.
+int TenthsOfPage(uint32_t pixels, double perMeter, int least, int most) {
+    constexpr double kTenthsPerMeter = 10000;
+    const double nearest = std::floor(pixels / perMeter * kTenthsPerMeter + 0.5);
+    const double onePixelLess = std::ceil((pixels - 1) / perMeter * kTenthsPerMeter);
+    return static_cast<int>(
+        std::clamp(std::max(nearest, onePixelLess), static_cast<double>(least), static_cast<double>(most)));
 }
 
 void WriteText(WCHAR (&field)[CCHFORMNAME], const std::u16string& text) {
@@ -35,25 +151,25 @@ void WriteText(WCHAR (&field)[CCHFORMNAME], const std::u16string& text) {
 }  // namespace
 
 PaperSize ParsePaperSize(std::string_view text) {
-    std::string_view numbers = text;
-    double perUnit = kTenthsPerMm;
-    if (text.ends_with("mm")) {
-        numbers = CutSuffix(text, "mm");
-    } else if (text.ends_with("in")) {
-        numbers = CutSuffix(text, "in");
-        perUnit = kTenthsPerInch;
-    }
-    const size_t cross = std::min(numbers.find('x'), numbers.size());
-    const std::optional<double> width = ParseNumber(numbers.substr(0, cross));
-    const std::optional<double> length = ParseNumber(numbers.substr(std::min(cross + 1, numbers.size())));
-    const PaperSize size = {Tenths(width.value_or(0), perUnit), Tenths(length.value_or(0), perUnit)};
+    const PaperSize size = SizeFromText(InSmallLetters(text));
     if (size.width < kLeastPaper.width || size.width > kMostPaper.width || size.length < kLeastPaper.length ||
         size.length > kMostPaper.length) {
         throw WrongValue("--size", text,
-                         "WIDTHxLENGTH in mm or in, from " + PaperText(kLeastPaper) + " to " +
-                             PaperText(kMostPaper) + ", such as 100x150mm or 4x6in");
+                         "WIDTHxLENGTH in mm, cm or in, from " + PaperText(kLeastPaper) + " to " +
+                             PaperText(kMostPaper) + ", such as 100x150mm or 4x6in; " + kNamedPapers);
     }
     return size;
+}
+
+PaperSize PaperOfPage(const PictureSize& page, const PixelDensity& density, bool landscape) {
+    const PaperSize& least = kLeastPaper;
+    const PaperSize& most = kMostPaper;
+    if (landscape) {
+        return {TenthsOfPage(page.height, density.y, least.width, most.width),
+                TenthsOfPage(page.width, density.x, least.length, most.length)};
+    }
+    return {TenthsOfPage(page.width, density.x, least.width, most.width),
+            TenthsOfPage(page.height, density.y, least.length, most.length)};
 }
 
 std::string PaperText(PaperSize size) {
@@ -77,26 +193,23 @@ void ChoosePaperSize(DeviceMode& mode, PaperSize size, const DeviceMode& default
 }
 
 void ChooseLabel(DeviceMode& mode, std::string_view name, const std::vector<LabelSize>& labels) {
-    std::string names;
-    for (const LabelSize& label : labels) {
-        if (NameOf(label) != name) {
-            names += (names.empty() ? "\"" : ", \"") + NameOf(label) + "\"";
-            continue;
-        }
-        const PaperSize size = SizeOf(label);
-        mode.pub.dmPaperSize = static_cast<int16_t>(label.number);
-        mode.pub.dmPaperWidth = static_cast<int16_t>(size.width);
-        mode.pub.dmPaperLength = static_cast<int16_t>(size.length);
-        mode.pub.dmFields |= kPaperFields;
-        WriteText(mode.pub.dmFormName, Wide(name));
-        mode.priv.dmPaperSize = static_cast<int16_t>(label.number);
-        mode.priv.units = label.units;
-        CopyText(mode.priv.labelName, FieldText(label.name));
-        CopyText(mode.priv.width_string, FieldText(label.width));
-        CopyText(mode.priv.length_string, FieldText(label.length));
-        return;
+    const LabelSize* const label = FindLabel(name, labels);
+    if (label == nullptr) {
+        throw WrongValue(
+            "--label", name,
+            labels.empty() ? "the labels of the printer, which has none" : NearestNames(name, labels));
     }
-    throw WrongValue("--label", name, labels.empty() ? "the labels of the printer, which has none" : names);
+    const PaperSize size = SizeOf(*label);
+    mode.pub.dmPaperSize = static_cast<int16_t>(label->number);
+    mode.pub.dmPaperWidth = static_cast<int16_t>(size.width);
+    mode.pub.dmPaperLength = static_cast<int16_t>(size.length);
+    mode.pub.dmFields |= kPaperFields;
+    WriteText(mode.pub.dmFormName, Wide(NameOf(*label)));
+    mode.priv.dmPaperSize = static_cast<int16_t>(label->number);
+    mode.priv.units = label->units;
+    CopyText(mode.priv.labelName, FieldText(label->name));
+    CopyText(mode.priv.width_string, FieldText(label->width));
+    CopyText(mode.priv.length_string, FieldText(label->length));
 }
 
 PaperSize SizeOf(const LabelSize& label) {

@@ -20,7 +20,8 @@ struct Wedge {
     const char* name;
     uint32_t color;
 };
-constexpr Wedge kWedges[] = {{"K", 0x000000}, {"C", 0x00FFFF}, {"M", 0xFF00FF}, {"Y", 0xFFFF00}};
+constexpr Wedge kWedges[] = {
+    {"black", 0x000000}, {"cyan", 0x00FFFF}, {"magenta", 0xFF00FF}, {"yellow", 0xFFFF00}};
 
 // The page, measured in millimeters.
 class Sheet {
@@ -44,9 +45,16 @@ class Sheet {
         return Canvas::TextWidth(text, textScale_) / pixelsPerMm_;
     }
     double TextLineMm() const { return kTextLineDots * textScale_ / pixelsPerMm_; }
-    void Text(double x, double y, std::string_view text) {
-        canvas_.Text(Px(x), Px(y), textScale_, text, kBlack);
+    // Returns the width from `x` to the margin on the right.
+    double RoomMm(double x) const { return WidthMm() - kGapMm - x; }
+    // Writes a line in letters that are as small as the width asks for; leaves it out where even the smallest
+    // are too large.
+    void Text(double x, double y, std::string_view text, double width) {
+        int scale = textScale_;
+        while (scale > 0 && Canvas::TextWidth(text, scale) > Px(width)) --scale;
+        if (scale > 0) canvas_.Text(Px(x), Px(y), scale, text, kBlack);
     }
+    void Text(double x, double y, std::string_view text) { Text(x, y, text, RoomMm(x)); }
 
   private:
     Canvas& canvas_;
@@ -79,11 +87,12 @@ void DrawRulers(Sheet& sheet) {
     }
     for (int mm = kRulerMm; mm < static_cast<int>(sheet.HeightMm()); ++mm) {
         sheet.Fill(0, mm, TickLength(mm), kTick, kBlack);
-        if (mm % 10 == 0) sheet.Text(3.3, mm - 0.8, std::to_string(mm));
+        if (mm % 10 == 0 && mm + sheet.TextLineMm() < sheet.HeightMm())
+            sheet.Text(3.3, mm - 0.8, std::to_string(mm));
     }
 }
 
-double DrawArrow(Sheet& sheet, double y) {
+double DrawArrow(Sheet& sheet, double y, const TestPageText& text) {
     constexpr double kHeight = 8;
     constexpr double kHead = 4;
     const double x = kRulerMm + kGapMm + kHead / 2;
@@ -93,7 +102,9 @@ double DrawArrow(Sheet& sheet, double y) {
         sheet.Pixels().Fill(sheet.Px(x) - half, sheet.Px(y) + row, 2 * half + 1, 1, kBlack);
     }
     sheet.Fill(x - 0.5, y + kHead, 1, kHeight - kHead, kBlack);
-    sheet.Text(x + kHead, y + kHead - sheet.TextLineMm() / 2, "TOP OF THE PAGE");
+    const std::string_view lines[] = {"TOP OF THE PAGE", text.program, text.date};
+    for (size_t i = 0; i < std::size(lines); ++i)
+        sheet.Text(x + kHead, y + 1 + static_cast<double>(i) * sheet.TextLineMm(), lines[i]);
     return kHeight;
 }
 
@@ -107,26 +118,42 @@ uint32_t Tint(uint32_t color, int step) {
     return tint;
 }
 
-double DrawWedges(Sheet& sheet, double y) {
-    constexpr double kBar = 4;
-    const double left = kRulerMm + kGapMm + 3;
-    const double step = std::min((sheet.WidthMm() - left - kGapMm) / (kWedgeSteps + 1), 8.0);
-    for (const Wedge& wedge : kWedges) {
-        sheet.Text(left - 3, y + 1, wedge.name);
-        for (int i = 0; i <= kWedgeSteps; ++i)
-            sheet.Fill(left + i * step, y, step, kBar, Tint(wedge.color, i));
-        y += kBar;
+// Writes the amount of ink above the steps of the wedges, at as many of them as there is room for.
+void DrawPercentages(Sheet& sheet, double left, double y, double step) {
+    const double room = sheet.TextWidthMm("100 %") + 1;
+    int every = 1;
+    while (every < kWedgeSteps && (every * step < room || kWedgeSteps % every != 0)) ++every;
+    for (int i = 0; i <= kWedgeSteps; i += every) {
+        const std::string percent = std::to_string(i * 100 / kWedgeSteps) + " %";
+        const double width = sheet.TextWidthMm(percent);
+        sheet.Text(std::min(left + i * step, sheet.WidthMm() - kGapMm - width), y, percent);
     }
-    return kBar * static_cast<double>(std::size(kWedges));
+}
+
+double DrawWedges(Sheet& sheet, double y, const TestPageText&) {
+    constexpr double kBar = 4;
+    const double names = std::min(sheet.WidthMm() / 6, sheet.TextWidthMm(kWedges[2].name));
+    const double left = kRulerMm + kGapMm + names + 1;
+    const double step = std::min((sheet.WidthMm() - left - kGapMm) / (kWedgeSteps + 1), 8.0);
+    DrawPercentages(sheet, left, y, step);
+    double top = y + sheet.TextLineMm();
+    for (const Wedge& wedge : kWedges) {
+        sheet.Text(kRulerMm + kGapMm, top + 1, wedge.name, names);
+        for (int i = 0; i <= kWedgeSteps; ++i)
+            sheet.Fill(left + i * step, top, step, kBar, Tint(wedge.color, i));
+        top += kBar;
+    }
+    return top - y;
 }
 
 // Draws vertical and horizontal lines of one to four pixels, with gaps as wide.
-double DrawFineLines(Sheet& sheet, double y) {
+double DrawFineLines(Sheet& sheet, double y, const TestPageText&) {
     constexpr double kSide = 5;
     const int side = sheet.Px(kSide);
     const int top = sheet.Px(y);
     int left = sheet.Px(kRulerMm + kGapMm);
-    for (int width = 1; width <= 4; ++width) {
+    const int right = sheet.Px(sheet.WidthMm() - kGapMm);
+    for (int width = 1; width <= 4 && left + 2 * side + sheet.Px(1) <= right; ++width) {
         for (int at = 0; at + width <= side; at += 2 * width) {
             sheet.Pixels().Fill(left + at, top, width, side, kBlack);
             sheet.Pixels().Fill(left + side + sheet.Px(1), top + at, side, width, kBlack);
@@ -136,11 +163,13 @@ double DrawFineLines(Sheet& sheet, double y) {
     return kSide;
 }
 
-double DrawBarcode(Sheet& sheet, double y) {
+double DrawBarcode(Sheet& sheet, double y, const TestPageText&) {
     constexpr double kHeight = 8;
     const std::string modules = Code39(kBarcodeText);
-    const int module = std::max(sheet.Px(0.25), 1);
     const int left = sheet.Px(kRulerMm + kGapMm);
+    const int widest = (sheet.Px(sheet.WidthMm() - kGapMm) - left) / static_cast<int>(modules.size());
+    const int module = std::min(std::max(sheet.Px(0.25), 1), widest);
+    if (module < 1) return 0;
     for (size_t i = 0; i < modules.size(); ++i) {
         if (modules[i] != '1') continue;
         sheet.Pixels().Fill(left + static_cast<int>(i) * module, sheet.Px(y), module, sheet.Px(kHeight),
@@ -150,49 +179,76 @@ double DrawBarcode(Sheet& sheet, double y) {
     return kHeight + 0.5 + sheet.TextLineMm();
 }
 
-// The arrangement of names and values below the heading, in pairs of columns.
-struct Columns {
-    double names;   // mm, with the gap after them
-    double values;  // mm, with the gap after them
-    int lines;      // per pair of columns
-    int pairs;      // side by side
+// The settings below the heading: lines of names and values, in columns side by side.
+struct SettingLines {
+    double names = 0;   // mm, with the gap after them
+    double column = 0;  // mm, of name, value and the gap after them
+    int columns = 0;
+    int perColumn = 0;
+    std::vector<NamedValue> lines;
 
-    bool Hold(size_t count) const { return static_cast<size_t>(lines) * static_cast<size_t>(pairs) >= count; }
+    bool Fit() const {
+        return columns > 0 && static_cast<size_t>(columns) * static_cast<size_t>(perColumn) >= lines.size();
+    }
 };
 
-Columns LayColumns(const Sheet& sheet, double top, const std::vector<NamedValue>& values) {
-    Columns columns = {};
-    for (const NamedValue& each : values) {
-        columns.names = std::max(columns.names, sheet.TextWidthMm(each.name) + kGapMm);
-        columns.values = std::max(columns.values, sheet.TextWidthMm(each.value) + kGapMm);
-    }
-    const double height = sheet.HeightMm() - kGapMm - top;
-    const double width = sheet.WidthMm() - kRulerMm - kGapMm;
-    columns.lines = std::max(static_cast<int>(height / sheet.TextLineMm()), 0);
-    const double pair = columns.names + columns.values;
-    columns.pairs = pair > 0 ? std::max(static_cast<int>(width / pair), 1) : 1;
-    return columns;
+// Breaks a value into lines of `width`, at blanks where there are any.
+void AddWrapped(const Sheet& sheet, const NamedValue& setting, double width, std::vector<NamedValue>& lines) {
+    std::string name = setting.name;
+    std::string rest = setting.value;
+    do {
+        size_t length = rest.size();
+        while (length > 1 && sheet.TextWidthMm(rest.substr(0, length)) > width) --length;
+        const size_t blank = rest.rfind(' ', length);
+        if (length < rest.size() && blank != std::string::npos && blank > 0) length = blank;
+        lines.push_back({name, rest.substr(0, length)});
+        rest.erase(0, rest.find_first_not_of(' ', length));
+        name.clear();
+    } while (!rest.empty());
 }
 
-// Draws the text. On small labels the letters shrink to as little as half their size before lines are left
-// out.
-void DrawText(Sheet& sheet, double y, const TestPageText& text) {
-    const double left = kRulerMm + kGapMm;
-    sheet.Text(left, y, text.heading);
-    const double top = y + 1.5 * sheet.TextLineMm();
-    const int smallest = (sheet.TextScale() + 1) / 2;
-    Columns columns = LayColumns(sheet, top, text.values);
-    while (!columns.Hold(text.values.size()) && sheet.TextScale() > smallest) {
-        sheet.SetTextScale(sheet.TextScale() - 1);
-        columns = LayColumns(sheet, top, text.values);
+// The values have room for ten letters, or there are no columns.
+SettingLines LaySettings(const Sheet& sheet, double top, const std::vector<NamedValue>& settings) {
+    SettingLines lay;
+    double values = 0;
+    for (const NamedValue& each : settings) {
+        lay.names = std::max(lay.names, sheet.TextWidthMm(each.name) + sheet.TextWidthMm("00"));
+        values = std::max(values, sheet.TextWidthMm(each.value));
     }
-    for (size_t i = 0; i < text.values.size() && columns.Hold(i + 1); ++i) {
-        const size_t line = i % static_cast<size_t>(columns.lines),
-                     pair = i / static_cast<size_t>(columns.lines);
-        const double x = left + static_cast<double>(pair) * (columns.names + columns.values);
-        const double lineTop = top + static_cast<double>(line) * sheet.TextLineMm();
-        sheet.Text(x, lineTop, text.values[i].name);
-        sheet.Text(x + columns.names, lineTop, text.values[i].value);
+    const double room = sheet.RoomMm(kRulerMm + kGapMm);
+    const double least = std::min(values, sheet.TextWidthMm("0123456789"));
+    values = std::min(values, room - lay.names);
+    if (values < least) return lay;
+    for (const NamedValue& each : settings) AddWrapped(sheet, each, values, lay.lines);
+    lay.column = lay.names + values + kGapMm;
+    lay.columns = static_cast<int>((room + kGapMm) / lay.column);
+    lay.perColumn = std::max(static_cast<int>((sheet.HeightMm() - kGapMm - top) / sheet.TextLineMm()), 0);
+    return lay;
+}
+
+// Draws the settings. On small labels the letters shrink before lines are left out.
+void DrawSettings(Sheet& sheet, double y, const TestPageText& text) {
+    const double left = kRulerMm + kGapMm;
+    std::vector<NamedValue> heading;
+    AddWrapped(sheet, {"", text.heading}, sheet.RoomMm(left), heading);
+    const double top = y + (static_cast<double>(heading.size()) + 0.5) * sheet.TextLineMm();
+    if (top > sheet.HeightMm() - kGapMm) return;
+    for (const NamedValue& line : heading) {
+        sheet.Text(left, y, line.value);
+        y += sheet.TextLineMm();
+    }
+    SettingLines lay = LaySettings(sheet, top, text.values);
+    while (!lay.Fit() && sheet.TextScale() > 1) {
+        sheet.SetTextScale(sheet.TextScale() - 1);
+        lay = LaySettings(sheet, top, text.values);
+    }
+    const auto perColumn = static_cast<size_t>(lay.perColumn);
+    const size_t shown = std::min(lay.lines.size(), perColumn * static_cast<size_t>(lay.columns));
+    for (size_t i = 0; i < shown; ++i) {
+        const double x = left + static_cast<double>(i / perColumn) * lay.column;
+        const double lineTop = top + static_cast<double>(i % perColumn) * sheet.TextLineMm();
+        sheet.Text(x, lineTop, lay.lines[i].name);
+        sheet.Text(x + lay.names, lineTop, lay.lines[i].value);
     }
 }
 
@@ -205,15 +261,15 @@ void DrawTestPage(Canvas& page, int dpi, const TestPageText& text) {
 
     struct Part {
         double height;  // mm, at most
-        double (*draw)(Sheet&, double);
+        double (*draw)(Sheet&, double, const TestPageText&);
     };
-    const Part kParts[] = {{8, DrawArrow}, {16, DrawWedges}, {5, DrawFineLines}, {12, DrawBarcode}};
+    const Part kParts[] = {{8, DrawArrow}, {19, DrawWedges}, {5, DrawFineLines}, {12, DrawBarcode}};
     double y = kRulerMm + kGapMm;
     for (const Part& part : kParts) {
         if (y + part.height > sheet.HeightMm() - kGapMm) return;
-        y += part.draw(sheet, y) + kGapMm;
+        y += part.draw(sheet, y, text) + kGapMm;
     }
-    DrawText(sheet, y, text);
+    DrawSettings(sheet, y, text);
 }
 
 }  // namespace orvex::tools::print

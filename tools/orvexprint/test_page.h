@@ -14,15 +14,18 @@ struct NamedValue {
     std::string value;
 };
 
-// The text of the test page: a heading, and a line for each value.
+// The text of the test page: program and date beside the arrow, a heading, and a line for each value.
 struct TestPageText {
     std::string heading;
     std::vector<NamedValue> values;
+    std::string program = {};  // with its version
+    std::string date = {};
 };
 
 // Draws on a white page of `dpi`: marks in the four corners, an arrow to the top of the page, millimeter
 // rulers from its left and top edges, a wedge for each ink, fine lines, a barcode in pure black and the text.
-// Parts that a small label has no room for are left out, the last ones first.
+// Text shrinks and wraps where it would be cut. Parts that a small label has no room for are left out, the
+// last ones first.
 void DrawTestPage(Canvas& page, int dpi, const TestPageText& text);
 
 }  // namespace orvex::tools::print

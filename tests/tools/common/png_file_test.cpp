@@ -2,6 +2,9 @@
 
 #include <gmock/gmock.h>
 
+#include <cstring>
+#include <sstream>
+
 #include "tests/kit/scratch_folder.h"
 #include "tests/tools/common/made_picture.h"
 #include "tests/tools/common/png_maker.h"
@@ -120,17 +123,83 @@ TEST(PngFile, SurvivesAChangeOfAnyByte) {
 TEST(PngFile, IsRefusedIfItClaimsToBeLargerThanAnyLabel) {
     const std::vector<uint8_t> tiny = MakePlainPng(2, 2, 0);
     EXPECT_EQ(DecodingError(WithClaimedSize(tiny, 2147483647, 2147483647)),
-              "is larger than any label: 2147483647 x 2147483647 pixels");
+              "is larger than any label: a side has more than 200000 pixels");
     EXPECT_EQ(DecodingError(WithClaimedSize(tiny, 20000, 20000)),
               "is larger than any label: 20000 x 20000 pixels");
     EXPECT_THAT(DecodingError(WithClaimedSize(tiny, 0, 4)), StartsWith("is a damaged"));
 }
 
-TEST(PngFile, IsRefusedIfItUnpacksToMoreThanItsSize) {
+TEST(PngFile, IsUnpackedNoFurtherThanItsSize) {
     // 4 MB of zeros after a header that claims one gray pixel.
     const std::vector<uint8_t> bomb =
         MakePng({.width = 2048, .height = 2048, .color = LCT_GREY}, std::vector<uint8_t>(2048 * 2048));
-    EXPECT_THAT(DecodingError(WithClaimedSize(bomb, 1, 1)), StartsWith("is a damaged"));
+    EXPECT_THAT(PixelsOf(DecodePng(WithClaimedSize(bomb, 1, 1))), ElementsAre(0u));
+    EXPECT_THAT(DecodingError(WithClaimedSize(bomb, 2048, 2049)), StartsWith("is a damaged"));
+}
+
+namespace {
+
+EmbeddedColors ColorsIn(const std::function<void(LodePNGInfo&)>& embed) {
+    const std::vector<uint8_t> png = MakePng({.color = LCT_GREY, .embed = embed}, {0});
+    return PngReader(std::make_unique<std::istringstream>(AsText(png)), "").Colors();
+}
+
+}  // namespace
+
+TEST(PngFile, TellsWhatItSaysAboutItsColors) {
+    const EmbeddedColors none = ColorsIn(nullptr);
+    EXPECT_FALSE(none.srgb || none.gamma || none.primaries || !none.profile.empty());
+    EXPECT_TRUE(none.grayFile);
+    EXPECT_TRUE(ColorsIn([](LodePNGInfo& info) { info.srgb_defined = 1, info.srgb_intent = 0; }).srgb);
+    const EmbeddedColors measured = ColorsIn([](LodePNGInfo& info) {
+        info.gama_defined = info.chrm_defined = 1;
+        info.gama_gamma = 100000;
+        info.chrm_white_x = 31270, info.chrm_white_y = 32900;
+        info.chrm_red_x = 64000, info.chrm_red_y = 33000;
+        info.chrm_green_x = 21000, info.chrm_green_y = 71000;
+        info.chrm_blue_x = 15000, info.chrm_blue_y = 6000;
+    });
+    EXPECT_EQ(measured.gamma, 1.0);
+    ASSERT_TRUE(measured.primaries);
+    EXPECT_DOUBLE_EQ(measured.primaries->white.y, 0.329);
+    EXPECT_DOUBLE_EQ(measured.primaries->green.x, 0.21);
+    const std::vector<uint8_t> icc(300, 7);
+    // LodePNG writes only what could be a profile of gray.
+    std::vector<uint8_t> gray = icc;
+    memcpy(&gray[16], "GRAY", 4);
+    EXPECT_EQ(ColorsIn([&](LodePNGInfo& info) { lodepng_set_icc(&info, "x", gray.data(), 300); }).profile,
+              gray);
+}
+
+TEST(PngFile, ConvertsColorsBeforeTheyShowTheLabel) {
+    const auto invert = [](uint32_t* pixels, size_t count) {
+        for (size_t i = 0; i < count; ++i) pixels[i] ^= 0xFFFFFF;
+    };
+    const auto converted = [&](const PngRecipe& recipe, const std::vector<uint8_t>& samples) {
+        PngReader reader(std::make_unique<std::istringstream>(AsText(MakePng(recipe, samples))), "");
+        reader.ConvertColors(invert);
+        std::vector<uint32_t> pixels(reader.Size().width);
+        reader.ReadAll(pixels.data(), 0);
+        return pixels;
+    };
+    EXPECT_THAT(converted({.width = 2}, {0, 255, 1, 255, 255, 255, 255, 128}),
+                ElementsAre(0xFF00FEu, 0x7F7F7Fu));
+    EXPECT_THAT(converted({.color = LCT_RGB}, {0, 255, 1})[0] & 0xFFFFFF, 0xFF00FEu);
+    EXPECT_THAT(converted({.color = LCT_GREY}, {1})[0] & 0xFFFFFF, 0xFEFEFEu);
+}
+
+TEST(PngFile, IsReadRowByRow) {
+    std::vector<uint8_t> samples;
+    for (int i = 0; i < 17 * 13; ++i) samples.push_back(static_cast<uint8_t>(i * 7));
+    for (const bool interlaced : {false, true}) {
+        const PngRecipe recipe{.width = 17, .height = 13, .color = LCT_GREY, .interlaced = interlaced};
+        PngReader reader(std::make_unique<std::istringstream>(AsText(MakePng(recipe, samples))), "");
+        std::vector<uint32_t> row(17);
+        for (size_t y = 0; y < 13; ++y) {
+            reader.ReadRow(row.data());
+            for (size_t x = 0; x < 17; ++x) EXPECT_EQ(row[x], samples[y * 17 + x] * 0x010101u);
+        }
+    }
 }
 
 TEST(PngFile, IsNamedInEveryError) {

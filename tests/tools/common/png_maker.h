@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <cstdlib>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -18,7 +19,8 @@ struct PngRecipe {
     bool interlaced = false;
     unsigned densityX = 0;  // pixels per unit; 0: no pHYs chunk
     unsigned densityY = 0;
-    unsigned densityUnit = 1;  // 1: meter
+    unsigned densityUnit = 1;                           // 1: meter
+    std::function<void(LodePNGInfo&)> embed = nullptr;  // adds further chunks
 };
 
 // Encodes samples in the layout of the recipe's color type.
@@ -42,6 +44,7 @@ inline std::vector<uint8_t> MakePng(const PngRecipe& recipe, const std::vector<u
         state.info_png.phys_y = recipe.densityY;
         state.info_png.phys_unit = recipe.densityUnit;
     }
+    if (recipe.embed) recipe.embed(state.info_png);
     unsigned char* encoded = nullptr;
     size_t size = 0;
     const unsigned code =

@@ -85,7 +85,25 @@ TEST(JobOptions, TakeThePaper) {
     EXPECT_EQ(WithPage({"--size", "100x150mm"}).size, (PaperSize{1000, 1500}));
     EXPECT_EQ(WithPage({"--label", "Versand 4x6"}).label, "Versand 4x6");
     EXPECT_EQ(Complaint({"--size", "100x150mm", "--label", "x"}), "--size and --label: give one of them");
-    EXPECT_EQ(Complaint({"--landscape", "--portrait"}), "--landscape and --portrait: give one of them");
+    const char* const orientations = "--landscape, --portrait and --orientation: give one of them";
+    EXPECT_EQ(Complaint({"--landscape", "--portrait"}), orientations);
+    EXPECT_EQ(Complaint({"--portrait", "--landscape"}), orientations);
+    EXPECT_EQ(Complaint({"--orientation", "landscape", "--portrait"}), orientations);
+    EXPECT_EQ(Complaint({"--landscape", "--orientation=landscape"}), orientations);
+}
+
+TEST(JobOptions, TakeTheSizeOfTheFirstPageIfNothingElseSaysIt) {
+    EXPECT_TRUE(WithPage({}).sizeOfPage);
+    EXPECT_TRUE(WithPage({"--size", "page"}).sizeOfPage);
+    EXPECT_FALSE(WithPage({"--size", "page"}).size);
+    EXPECT_TRUE(WithPage({"--size", "page", "--load-devmode", "l"}).sizeOfPage);
+    EXPECT_FALSE(WithPage({"--size", "A4"}).sizeOfPage);
+    EXPECT_FALSE(WithPage({"--label", "Shipping"}).sizeOfPage);
+    EXPECT_FALSE(WithPage({"--load-devmode", "l"}).sizeOfPage);
+    EXPECT_FALSE(Parse({"--test-page", "-o", "x"}).sizeOfPage);
+    EXPECT_EQ(OptionsComplaint({"--size", "page", "--test-page", "-o", "x"}),
+              "--size page takes the size from the first page, and there is none");
+    EXPECT_EQ(Complaint({"--size", "page", "--label", "x"}), "--size and --label: give one of them");
 }
 
 TEST(JobOptions, TakeTheRest) {
@@ -107,12 +125,15 @@ TEST(JobOptions, TakeTheRest) {
     EXPECT_EQ(options.loadMode, "l");
     EXPECT_EQ(options.saveMode, "s");
     EXPECT_EQ(WithPage({"--log", "error"}).logMask, 1);
+    EXPECT_TRUE(WithPage({"--rotate", "auto"}).turnToFit);
+    EXPECT_FALSE(WithPage({"--rotate", "off"}).turnToFit);
 }
 
 TEST(JobOptions, NameOptionValueAndRangeOfAWrongValue) {
     EXPECT_EQ(Complaint({"--dpi", "720"}), "--dpi: \"720\" is not allowed; it takes 300 or 600 dpi");
     EXPECT_EQ(Complaint({"--rotate180=maybe"}), "--rotate180: \"maybe\" is not allowed; it takes on or off");
     EXPECT_EQ(Complaint({"--image-dpi", "9"}), "--image-dpi: \"9\" is not allowed; it takes 10 to 10000 dpi");
+    EXPECT_EQ(Complaint({"--rotate", "left"}), "--rotate: \"left\" is not allowed; it takes off or auto");
     EXPECT_EQ(Complaint({"--log", "all"}), "--log: \"all\" is not allowed; it takes error or trace");
     EXPECT_EQ(Complaint({"--language", "DE"}),
               "--language: \"DE\" is not allowed; it takes ENG, FRA, DEU, CH, ES, JPN or ENU");

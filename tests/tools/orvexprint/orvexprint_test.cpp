@@ -1,5 +1,7 @@
 #include "tools/orvexprint/orvexprint.h"
 
+#include <cstring>
+
 #include "tests/kit/log_capture.h"
 #include "tests/tools/orvexprint/orvexprint_fixture.h"
 
@@ -83,6 +85,57 @@ TEST_F(OrvexPrintTest, PrintsTheSelfTestPage) {
                 AllOf(HasSubstr("@PJL JOB NAME=\"Test page\"\n"), HasSubstr("@PJL SET COLORMODE=2\n")));
 }
 
+TEST_F(OrvexPrintTest, PrintsOnALabelOfThePagesSizeIfNoneIsGiven) {
+    WriteBytes(Path("a.png"), AsText(MakePlainPng(827, 591, 23622)));  // 35 mm x 25 mm at 600 dpi
+    RunWell({"--dpi", "600", "-o", Text("out.prn"), Text("a.png")});
+    EXPECT_EQ(error, "") << "not resampled";
+    EXPECT_THAT(out, HasSubstr(": 1 page, 827 rows, "));
+    EXPECT_THAT(OutputBytes(), HasSubstr("@PJL COMMENT"));
+    RunWell({"--dpi", "600", "--dry-run", Text("a.png")});
+    EXPECT_THAT(out, AllOf(HasSubstr("Label: 600 dpi, 35.0 x 25.4 mm, portrait\n"),
+                           HasSubstr("a.png: 827 x 591 pixels, 0 from the left, ")));
+    RunWell({"--dpi", "600", "--landscape", "--size", "page", "--dry-run", Text("a.png")});
+    EXPECT_THAT(out, HasSubstr("Label: 600 dpi, 25.4 x 35.0 mm, landscape\n"));
+    RunWell({"--dpi", "600", "--label", "Small", "--dry-run", Text("a.png")});
+    EXPECT_THAT(out, HasSubstr("Label: 600 dpi, 50.0 x 30.0 mm, portrait\n"));
+}
+
+TEST_F(OrvexPrintTest, SaysWhichPagesItResamplesAndWhy) {
+    RunWell(
+        {"--size", "30x40mm", "--dpi", "600", "-o", Text("out.prn"), WritePage("a.png"), WritePage("b.png")});
+    EXPECT_EQ(
+        error,
+        "orvexprint: page 1 is enlarged 2.00 times: its resolution is 300 dpi, the job's is 600 dpi (like "
+        "1 other)\n");
+    RunWell({"--size", "30x40mm", "--fit", "-o", Text("out.prn"), WritePage("a.png")});
+    EXPECT_EQ(error, "orvexprint: page 1 is enlarged 1.50 times: --fit scales it to the label\n");
+    RunWell({"--size", "30x40mm", "--fit", "--dry-run", WritePage("a.png")});
+    EXPECT_THAT(out, HasSubstr("from the top, enlarged 1.50 times: --fit scales it to the label\n"));
+}
+
+TEST_F(OrvexPrintTest, TurnsAPageThatFitsOnlyThen) {
+    WriteBytes(Path("a.png"), AsText(MakePlainPng(450, 300, 11811)));  // 38 mm x 25 mm
+    RunWell({"--size", "30x40mm", "--rotate", "auto", "--dry-run", Text("a.png")});
+    EXPECT_THAT(
+        out, HasSubstr("a.png: 300 x 450 pixels, 27 from the left, 11 from the top, turned by a quarter\n"));
+    RunWell({"--size", "30x40mm", "--rotate", "auto", "-o", Text("out.prn"), Text("a.png")});
+    EXPECT_EQ(Run({"--size", "30x40mm", "--dry-run", Text("a.png")}), kExitFailed);
+    EXPECT_THAT(error, HasSubstr("--rotate auto turns it by a quarter, and then it fits"));
+}
+
+TEST_F(OrvexPrintTest, SaysWhatBecomesOfAColorProfile) {
+    const auto embed = [](LodePNGInfo& info) {
+        std::vector<uint8_t> profile(200, 'x');
+        memcpy(&profile[16], "RGB ", 4);
+        lodepng_set_icc(&info, "x", profile.data(), static_cast<unsigned>(profile.size()));
+    };
+    const PngRecipe recipe{.width = 236, .height = 118, .densityX = 11811, .densityY = 11811, .embed = embed};
+    WriteBytes(Path("a.png"), AsText(MakePng(recipe, std::vector<uint8_t>(236 * 118 * 4))));
+    RunWell({"--size", "30x40mm", "-o", Text("out.prn"), Text("a.png")});
+    EXPECT_THAT(error, AllOf(StartsWith("orvexprint: page 1 has a colour profile"),
+                             EndsWith("its colours are taken for sRGB\n")));
+}
+
 TEST_F(OrvexPrintTest, WritesNothingWhenAnOptionIsWrong) {
     EXPECT_EQ(Run({"--dpi", "720", "-o", Text("out.prn"), WritePage("a.png")}), kExitUsage);
     EXPECT_EQ(error, "orvexprint: --dpi: \"720\" is not allowed; it takes 300 or 600 dpi\n");
@@ -104,10 +157,10 @@ TEST_F(OrvexPrintTest, WritesNothingWhenAPageCannotBeDrawn) {
     EXPECT_EQ(error, "orvexprint: " + Text("missing.png") + " can't be opened\n");
     WriteBytes(Path("large.png"), AsText(MakePlainPng(400, 100, 11811)));
     EXPECT_EQ(Run({"--size", "30x40mm", "-o", Text("out.prn"), Text("large.png")}), kExitFailed);
-    EXPECT_EQ(
-        error,
-        "orvexprint: " + Text("large.png") +
-            " measures 33.9 x 8.5 mm and is larger than the label of 30.0 x 40.0 mm; --fit scales it\n");
+    EXPECT_EQ(error, "orvexprint: " + Text("large.png") +
+                         " measures 33.9 x 8.5 mm and is larger than the label of 30.0 x 40.0 mm; --rotate "
+                         "auto turns it by a "
+                         "quarter, and then it fits; --fit scales it\n");
     EXPECT_TRUE(NothingWasWritten());
     EXPECT_EQ(Run({"--size", "30x40mm", "--fit", "-o", Text("out.prn"), Text("large.png")}), 0) << error;
 }

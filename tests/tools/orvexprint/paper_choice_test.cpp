@@ -46,14 +46,38 @@ TEST(PaperSize, IsLimitedToWhatThePrinterPrints) {
         EXPECT_THAT(Complaint(text), HasSubstr(std::string("--size: \"") + text + "\" is not allowed"))
             << text;
     }
-    EXPECT_EQ(Complaint("10x10mm"),
-              "--size: \"10x10mm\" is not allowed; it takes WIDTHxLENGTH in mm or in, from 25.4 x 25.4 mm to "
-              "297.0 x 901.7 mm, such as 100x150mm or 4x6in");
+    EXPECT_EQ(
+        Complaint("10x10mm"),
+        "--size: \"10x10mm\" is not allowed; it takes WIDTHxLENGTH in mm, cm or in, from 25.4 x 25.4 mm "
+        "to 297.0 x 901.7 mm, such as 100x150mm or 4x6in; A3 to A9, letter, legal, or page for the size "
+        "of the first page");
+}
+
+TEST(PaperSize, HasANameOrIsWrittenInPeoplesOwnWay) {
+    EXPECT_EQ(ParsePaperSize("A4"), (PaperSize{2100, 2970}));
+    EXPECT_EQ(ParsePaperSize("a6"), (PaperSize{1050, 1480}));
+    EXPECT_EQ(ParsePaperSize("Letter"), (PaperSize{2159, 2794}));
+    EXPECT_EQ(ParsePaperSize("10x15cm"), (PaperSize{1000, 1500}));
+    EXPECT_EQ(ParsePaperSize("10,5 x 14,85 cm"), (PaperSize{1050, 1485}));
+    EXPECT_EQ(ParsePaperSize("100 mm x 6 IN"), (PaperSize{1000, 1524}));
+    EXPECT_EQ(ParsePaperSize("4X6in"), (PaperSize{1016, 1524}));
+}
+
+TEST(PaperSize, IsThatOfAPage) {
+    const auto size = [](uint32_t width, uint32_t height, double perMeter, bool landscape = false) {
+        return PaperOfPage({width, height}, {perMeter, perMeter}, landscape);
+    };
+    EXPECT_EQ(size(2362, 3543, 23622), (PaperSize{1000, 1500}));
+    EXPECT_EQ(size(2363, 3544, 23622), (PaperSize{1000, 1500})) << "rounded up by another program";
+    EXPECT_EQ(size(2361, 3542, 23622), (PaperSize{1000, 1500})) << "no pixel is lost";
+    EXPECT_EQ(size(3543, 2362, 23622, true), (PaperSize{1000, 1500})) << "the label's length runs across";
+    EXPECT_EQ(size(100, 100, 23622), (PaperSize{254, 254})) << "the smallest label";
+    EXPECT_EQ(size(9000, 90000, 23622), (PaperSize{2970, 9017})) << "the largest label";
 }
 
 TEST(PaperSize, IsRefusedIfItIsNotASize) {
-    for (const char* text :
-         {"", "x", "mm", "100", "100mm", "100x", "x150", "100x150x10", "100x150cm", "a4", "100*150"}) {
+    for (const char* text : {"", "x", "mm", "100", "100mm", "100x", "x150", "100x150x10", "100x150cm", "a2",
+                             "100*150", "1x1m"}) {
         EXPECT_NE(Complaint(text), "") << text;
     }
 }
@@ -103,14 +127,39 @@ TEST(PaperChoice, SetsALabelOfTheList) {
     EXPECT_EQ(mode.priv.units, 1u);
 }
 
-TEST(PaperChoice, NamesAllLabelsIfThereIsNoSuchLabel) {
-    DeviceMode mode = {};
-    const auto complaint = [&](const std::vector<LabelSize>& labels) {
-        return ThrownText<OptionError>([&] { ChooseLabel(mode, "Nothing", labels); });
+TEST(PaperChoice, FindsALabelByItsNumberAndInAnyCase) {
+    const std::vector<LabelSize> labels = {Label("Small", "50", "25.4", 0, 258),
+                                           Label("Versand 4x6", "4", "6", 1, 259),
+                                           Label("small", "4", "6", 1, 260), Label("258", "4", "6", 1, 261)};
+    const auto chosen = [&](std::string_view name) {
+        DeviceMode mode = {};
+        ChooseLabel(mode, name, labels);
+        return mode.pub.dmPaperSize;
     };
-    EXPECT_EQ(complaint({Label("Small", "50", "25.4", 0, 258), Label("Big", "4", "6", 1, 259)}),
-              "--label: \"Nothing\" is not allowed; it takes \"Small\", \"Big\"");
-    EXPECT_EQ(complaint({}),
+    EXPECT_EQ(chosen("259"), 259);
+    EXPECT_EQ(chosen("SMALL"), 258);
+    EXPECT_EQ(chosen("small"), 260) << "the very name comes first";
+    EXPECT_EQ(chosen("258"), 261) << "the very name comes first";
+    EXPECT_EQ(chosen("versand 4X6"), 259);
+}
+
+TEST(PaperChoice, NamesTheNearestLabelsIfThereIsNoSuchLabel) {
+    DeviceMode mode = {};
+    const auto complaint = [&](std::string_view name, const std::vector<LabelSize>& labels) {
+        return ThrownText<OptionError>([&] { ChooseLabel(mode, name, labels); });
+    };
+    const LabelSize big = Label("Big", "4", "6", 1, 259);
+    const LabelSize small = Label("Small", "50", "25.4", 0, 258);
+    EXPECT_EQ(complaint("smal", {big, small}),
+              "--label: \"smal\" is not allowed; it takes \"Small\", \"Big\"");
+    EXPECT_EQ(complaint("bag", {small, big}), "--label: \"bag\" is not allowed; it takes \"Big\", \"Small\"");
+    std::vector<LabelSize> many(20, big);
+    many.push_back(small);
+    EXPECT_EQ(
+        complaint("Smll", many),
+        "--label: \"Smll\" is not allowed; it takes \"Small\", \"Big\", \"Big\", \"Big\", \"Big\", \"Big\", "
+        "\"Big\", \"Big\" or another of 21 labels; --list shows them");
+    EXPECT_EQ(complaint("Nothing", {}),
               "--label: \"Nothing\" is not allowed; it takes the labels of the printer, which has none");
 }
 

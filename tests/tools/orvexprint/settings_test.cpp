@@ -29,7 +29,9 @@ TEST_F(OrvexPrintTest, ShowsTheLayoutAndPrintsNothing) {
     EXPECT_THAT(out, HasSubstr("  image                 43908 units (154.9 mm) x 28344 units (100.0 mm)\n"));
     EXPECT_THAT(out, HasSubstr("  page                  46308 units (163.4 mm) x 30744 units (108.5 mm)\n"));
     EXPECT_THAT(out, HasSubstr("  page as announced     46308 units (163.4 mm) x 86616 units (305.6 mm)\n"));
-    EXPECT_THAT(out, HasSubstr("  a.png: 472 x 236 pixels, 945 from the left, 1653 from the top\n"));
+    EXPECT_THAT(
+        out,
+        HasSubstr("  a.png: 472 x 236 pixels, 945 from the left, 1653 from the top, enlarged 2.00 times: "));
     EXPECT_TRUE(NothingWasWritten());
 }
 

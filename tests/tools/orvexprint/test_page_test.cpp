@@ -94,6 +94,65 @@ TEST(TestPage, PointsToTheTop) {
     EXPECT_EQ(page.At(tipX + 15, tipY + 40), kBlack);
 }
 
+namespace {
+
+// Returns whether the margin on the right, of 2 mm and below the ruler's numbers, is blank.
+bool IsMarginBlank(GuardedPage& page, int dpi) {
+    const auto pixels = [dpi](double mm) { return static_cast<int>(mm / 25.4 * dpi); };
+    for (int y = pixels(6); y < page.canvas.Height() - pixels(5.2); ++y) {
+        for (int x = page.canvas.Width() - pixels(1.9); x < page.canvas.Width(); ++x) {
+            if (page.At(x, y) != kWhite) return false;
+        }
+    }
+    return true;
+}
+
+// Returns the number of black pixels in a rectangle given in mm at 300 dpi.
+int BlackIn(GuardedPage& page, double left, double top, double right, double bottom) {
+    const auto pixels = [](double mm) { return static_cast<int>(mm / 25.4 * 300); };
+    int black = 0;
+    for (int y = pixels(top); y < pixels(bottom); ++y) {
+        for (int x = pixels(left); x < pixels(right); ++x) black += page.At(x, y) == kBlack ? 1 : 0;
+    }
+    return black;
+}
+
+}  // namespace
+
+TEST(TestPage, LabelsItsWedgesAndCarriesProgramAndDate) {
+    GuardedPage page(1181, 1772);
+    DrawTestPage(page.canvas, 300, {"", {}, "orvexprint 1.0.0", "2026-11-22"});
+    GuardedPage undated(1181, 1772);
+    DrawTestPage(undated.canvas, 300, {"", {}});
+    EXPECT_GT(BlackIn(page, 14, 11, 40, 15), BlackIn(undated, 14, 11, 40, 15));
+    for (const double y : {20.5, 24.5, 28.5, 32.5}) {
+        EXPECT_GT(BlackIn(page, 8, y, 15, y + 3), 50) << "the ink's name, " << y;
+    }
+    for (const double x : {16.0, 46.0, 90.0})
+        EXPECT_GT(BlackIn(page, x, 17.8, x + 6, 19.8), 20) << "percent, " << x;
+}
+
+TEST(TestPage, CutsNoTextAtAnySize) {
+    const std::vector<NamedValue> lines(30, {"use-private-copies", "none: the built-in conversion"});
+    for (const int dpi : {300, 600}) {
+        for (double width = 25.4; width < 130; width += 3.1) {
+            for (const double height : {25.4, 62.0, 150.0}) {
+                GuardedPage page(static_cast<int>(width / 25.4 * dpi), static_cast<int>(height / 25.4 * dpi));
+                DrawTestPage(
+                    page.canvas, dpi,
+                    {"600 dpi, 297.0 x 901.7 mm, landscape", lines, "orvexprint 1.0.0", "2026-11-22"});
+                EXPECT_TRUE(IsMarginBlank(page, dpi)) << width << " x " << height << " mm at " << dpi;
+            }
+        }
+    }
+}
+
+TEST(TestPage, ShowsSettingsOnTheNarrowestLabel) {
+    GuardedPage page(300, 1772);
+    DrawTestPage(page.canvas, 300, {"heading", {{"use-private-copies", "none: the built-in conversion"}}});
+    EXPECT_GT(BlackIn(page, 8, 58, 23, 70), 300);
+}
+
 TEST(TestPage, FitsLabelsOfEverySize) {
     const std::vector<NamedValue> lines(40, {"setting", "value"});
     for (const int dpi : {300, 600}) {
