@@ -9,6 +9,10 @@ add_library(lodepng STATIC ${lodepng_source}/lodepng.c)
 target_include_directories(lodepng SYSTEM PUBLIC ${lodepng_source})
 target_compile_options(lodepng PRIVATE -w)
 
+# zlib, of which Debian packages a Windows build, too.
+set(ZLIB_USE_STATIC_LIBS ON)
+find_package(ZLIB REQUIRED)
+
 # Header-only libraries, offered through a folder of their own: the whole of the system's include folder would break
 # a cross build.
 add_library(orvex_headers INTERFACE)
