@@ -48,7 +48,8 @@ void CheckViews(const tools::view::PrintFile& file, const tools::view::PrintedPa
         tools::view::Drawing drawing{.area = area, .scale = scale, .composite = true, .inks = true};
         drawing.turned = scale == 3;
         drawing.blockScale = tools::ScaleToFit(tools::view::LayoutRows(page, placement), 200);
-        tools::view::PagePictures pictures = tools::view::DrawPage(file, page, placement, drawing);
+        tools::view::PagePictures pictures =
+            tools::view::DrawPage(tools::InkModel(file.dpi), page, placement, drawing);
         const uint32_t width = (area.width + scale - 1) / scale;
         const uint32_t height = (area.rows + scale - 1) / scale;
         REQUIRE(pictures.composite.width == (drawing.turned ? height : width));

@@ -39,7 +39,8 @@ FileSource::FileSource(const std::filesystem::path& path) : name_(Utf8FromPath(p
     file_.open(path, std::ios::binary);
     if (!file_) throw std::runtime_error(name_ + " can't be opened: " + LastError());
     if (!file_.seekg(0)) {
-        throw std::runtime_error(name_ + " is a pipe or a terminal; expected a file, which can be read twice");
+        throw std::runtime_error(name_ +
+                                 " is a pipe or a terminal; expected a file, which can be read twice");
     }
 }
 

@@ -1,4 +1,5 @@
-// Where the bytes of a print file come from: memory, or a file of any length of which one window is in memory.
+// Where the bytes of a print file come from: memory, or a file of any length of which one window is in
+// memory.
 #pragma once
 
 #include <cstddef>

@@ -191,10 +191,10 @@ class LayoutPainter {
         const Place place = PlaceOf(0, top, block.width, block.height);
         if (turned_) block = TurnClockwise(block);
         PastePicture(picture_, static_cast<uint32_t>(place.x), static_cast<uint32_t>(place.y), block);
-        const Place image = PlaceOf(int64_t{placement_.imageLeft / scale_} - 1,
-                                    top + placement_.imageTop / scale_ - 1,
-                                    (placement_.imageWidth + scale_ - 1) / scale_ + 2,
-                                    (placement_.imageRows + scale_ - 1) / scale_ + 2);
+        const Place image =
+            PlaceOf(int64_t{placement_.imageLeft / scale_} - 1, top + placement_.imageTop / scale_ - 1,
+                    (placement_.imageWidth + scale_ - 1) / scale_ + 2,
+                    (placement_.imageRows + scale_ - 1) / scale_ + 2);
         OutlineRectangle(picture_, image.x, image.y, image.width, image.height, kImageOutline);
     }
 
@@ -224,7 +224,9 @@ class LayoutPainter {
     void DrawMark(Mark mark, int64_t y) {
         constexpr int64_t kWidth = 16;
         constexpr int64_t kHeight = 9;
-        const auto box = [&](Rgb color) { FillRectangle(picture_, kLegendEdge, y - 1, kWidth, kHeight, color); };
+        const auto box = [&](Rgb color) {
+            FillRectangle(picture_, kLegendEdge, y - 1, kWidth, kHeight, color);
+        };
         switch (mark) {
             case Mark::kHead:
                 return box(kHeadColor);

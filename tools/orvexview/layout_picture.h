@@ -1,5 +1,5 @@
-// The picture of a page in its place under the print head: the block on a gray band as wide as the head, with a
-// scale, the names of the sides, the direction of the paper and a legend with numbers.
+// The picture of a page in its place under the print head: the block on a gray band as wide as the head, with
+// a scale, the names of the sides, the direction of the paper and a legend with numbers.
 #pragma once
 
 #include <cstdint>

@@ -32,7 +32,8 @@ constexpr const char* kExamples =
     "  orvexview job.prn --no-pictures            the tables alone\n"
     "  orvexview job.prn --verify label.png       how far page 1 is from the picture that was printed\n"
     "\n"
-    "A file is replaced only when the new one is complete. The print file and the picture to verify are never "
+    "A file is replaced only when the new one is complete. The print file and the picture to verify are "
+    "never "
     "replaced.\n"
     "\n"
     "Exit status: 0 when all went well; 1 when the file is not sound, a picture can't be written or sizes "
@@ -48,11 +49,12 @@ void AddOutputOptions(CLI::App& app, Options& options) {
                    "Beginning of the pictures' names; default: FILE without its extension")
         ->type_name("PREFIX");
     app.add_flag("--inks", options.inks, "One grey picture per ink as well: PREFIX-pageN-K.png, -C, -M, -Y");
-    app.add_flag("--layout", options.layout,
-                 "PREFIX-pageN-layout.png as well: the whole print head as a grey band with a tick every 10 "
-                 "mm, the page in its place on it, with left, right, paper feed and a legend in mm and pixels; "
-                 "fill rows are bluish, the purge bar is yellowish. The head's first row, its left end, is at "
-                 "the right of a portrait page, at the top of a landscape one");
+    app.add_flag(
+        "--layout", options.layout,
+        "PREFIX-pageN-layout.png as well: the whole print head as a grey band with a tick every 10 "
+        "mm, the page in its place on it, with left, right, paper feed and a legend in mm and pixels; "
+        "fill rows are bluish, the purge bar is yellowish. The head's first row, its left end, is at "
+        "the right of a portrait page, at the top of a landscape one");
     app.add_flag_callback(
            "--no-pictures", [&options] { options.pictures = false; }, "Writes no pictures of pages")
         ->excludes("--inks")
@@ -65,16 +67,18 @@ void AddOutputOptions(CLI::App& app, Options& options) {
 }
 
 void AddViewOptions(CLI::App& app) {
-    app.add_option("-p,--page", "Only this page, from 1; may be given several times")
+    app.add_option("-p,--page",
+                   "Only this page, its table and its pictures, from 1; may be given several times")
         ->type_name("N")
         ->allow_extra_args(false)
         ->take_all();
     CLI::Option* scale =
-        app.add_option("--scale",
-                       "K x K pixels become one, 1 to 1000; default: the longer side gets at most 1600 pixels. A "
-                       "label longer than the print head is wide gets the scale at which the head's width has "
-                       "1600, so that its text can be read, up to 8 million pixels. The layout never gets larger "
-                       "than that")
+        app.add_option(
+               "--scale",
+               "K x K pixels become one, 1 to 1000; default: the longer side gets at most 1600 pixels. A "
+               "label longer than the print head is wide gets the scale at which the head's width has "
+               "1600, so that its text can be read, up to 8 million pixels. The layout never gets larger "
+               "than that")
             ->type_name("K")
             ->take_last();
     app.add_flag("--full")->description("Every pixel, the same as --scale 1")->excludes(scale);

@@ -22,8 +22,8 @@ struct Options {
     bool raw = false;
     uint32_t scale = 0;  // 0: as PreviewScale() finds it
     std::optional<Orientation> orientation;
-    std::string thumbnail;  // file to write the job's thumbnail to
-    std::string verify;     // picture to compare with
+    std::string thumbnail;                // file to write the job's thumbnail to
+    std::string verify;                   // picture to compare with
     size_t bandBytes = size_t{64} << 20;  // of a page's pictures in memory at a time; tests make it small
 };
 
@@ -31,8 +31,9 @@ inline constexpr uint32_t kPreviewSize = 1600;
 inline constexpr uint64_t kMaxPreviewPixels = 8'000'000;
 inline constexpr uint32_t kMaxScale = 1000;
 
-// Returns the scale of a picture of a page: its longer side gets at most kPreviewSize pixels or, if it is longer
-// than the head is wide, as many as that width needs of them; and the whole gets at most kMaxPreviewPixels.
+// Returns the scale of a picture of a page: its longer side gets at most kPreviewSize pixels or, if it is
+// longer than the head is wide, as many as that width needs of them; and the whole gets at most
+// kMaxPreviewPixels.
 uint32_t PreviewScale(uint32_t width, uint32_t height, uint32_t headRows);
 
 // The reason why a command line can't be carried out, in words.
@@ -41,8 +42,8 @@ class OptionError : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-// Parses the arguments after the program's name. If they ask for help or the version, writes that to `out` and
-// returns nothing. Throws OptionError.
+// Parses the arguments after the program's name. If they ask for help or the version, writes that to `out`
+// and returns nothing. Throws OptionError.
 std::optional<Options> ReadOptions(const std::vector<std::string>& arguments, std::ostream& out);
 
 }  // namespace orvex::tools::view

@@ -12,12 +12,14 @@ namespace orvex::tools::view {
 namespace {
 
 constexpr uint32_t kRowsAtATime = 64;
+constexpr uint64_t kSmallPage = 65536;  // pixels of a page that is drawn before a thread has started
 
 // Consecutive rows of a page.
 struct RowBatch {
     uint32_t first = 0;
     uint32_t count = 0;
     std::vector<uint32_t> inkValues;
+    std::array<bool, kRowsAtATime> repeats;  // whether each row is like the one above
 
     std::span<const uint32_t> Row(uint32_t index, uint32_t width) const {
         return {inkValues.data() + size_t{index} * width, width};
@@ -61,17 +63,9 @@ class ColorPass {
 
     bool IsNeeded() const { return composite_ || block_; }
 
-    void TakeRow(uint32_t row, std::span<const uint32_t> inkValues) {
+    void TakeRow(uint32_t row, std::span<const uint32_t> inkValues, bool repeats) {
         if (row < used_.top || row >= used_.top + used_.rows) return;
-        // Neighbors usually have the same ink, and the model costs far more than a comparison.
-        uint32_t last = 0;
-        Rgb color = kPaperWhite;
-        uint8_t* out = &samples_[size_t{used_.left} * 3];
-        for (const uint32_t value : inkValues.subspan(used_.left, used_.width)) {
-            if (value != last) color = model_.OnPaper(last = value);
-            StoreColor(out, color);
-            out += 3;
-        }
+        if (!repeats || row == used_.top) Convert(inkValues);
         if (composite_) composite_->TakeRow(row, samples_);
         if (block_) block_->TakeRow(row, samples_);
     }
@@ -82,6 +76,18 @@ class ColorPass {
     }
 
   private:
+    void Convert(std::span<const uint32_t> inkValues) {
+        // Neighbors usually have the same ink, and the model costs far more than a comparison.
+        uint32_t last = 0;
+        Rgb color = kPaperWhite;
+        uint8_t* out = &samples_[size_t{used_.left} * 3];
+        for (const uint32_t value : inkValues.subspan(used_.left, used_.width)) {
+            if (value != last) color = model_.OnPaper(last = value);
+            StoreColor(out, color);
+            out += 3;
+        }
+    }
+
     const InkModel& model_;
     BlockArea used_;
     std::vector<uint8_t> samples_;
@@ -101,13 +107,10 @@ class InkPass {
         if (drawing.inks) picture_ = std::make_unique<AreaPicture>(drawing.area, 1, drawing.scale);
     }
 
-    void TakeRow(uint32_t row, std::span<const uint32_t> inkValues) {
-        for (size_t i = 0; i < inkValues.size(); ++i) samples_[i] = gray_[InkAmount(inkValues[i], ink_)];
+    void TakeRow(uint32_t row, std::span<const uint32_t> inkValues, bool repeats) {
+        if (!repeats) Convert(inkValues);
         if (picture_) picture_->TakeRow(row, samples_);
-        if (row < image_.top || row >= image_.top + image_.rows) return;
-        uint32_t sum = 0;
-        for (uint32_t i = 0; i < image_.width; ++i) sum += samples_[image_.left + i];
-        sum_ += sum;
+        if (row >= image_.top && row < image_.top + image_.rows) sum_ += rowSum_;
     }
 
     void Finish(PagePictures& pictures) {
@@ -117,18 +120,27 @@ class InkPass {
     }
 
   private:
+    void Convert(std::span<const uint32_t> inkValues) {
+        for (size_t i = 0; i < inkValues.size(); ++i) samples_[i] = gray_[InkAmount(inkValues[i], ink_)];
+        rowSum_ = 0;
+        for (uint32_t i = 0; i < image_.width; ++i) rowSum_ += samples_[image_.left + i];
+    }
+
     int ink_;
     BlockArea image_;
     std::array<uint8_t, 256> gray_;
     std::vector<uint8_t> samples_;
     std::unique_ptr<AreaPicture> picture_;
+    uint32_t rowSum_ = 0;  // of the image's part of the row
     uint64_t sum_ = 0;
 };
 
 template <typename Pass>
 std::function<void()> TakeBatch(Pass& pass, const RowBatch& batch, uint32_t rowWidth) {
     return [&pass, &batch, rowWidth] {
-        for (uint32_t i = 0; i < batch.count; ++i) pass.TakeRow(batch.first + i, batch.Row(i, rowWidth));
+        for (uint32_t i = 0; i < batch.count; ++i) {
+            pass.TakeRow(batch.first + i, batch.Row(i, rowWidth), batch.repeats[i]);
+        }
     };
 }
 
@@ -149,9 +161,8 @@ BlockArea WholeBlock(const PrintedPage& page) {
     return {0, 0, page.rowWidth, page.rows};
 }
 
-PagePictures DrawPage(const PrintFile& file, const PrintedPage& page, const PagePlacement& placement,
+PagePictures DrawPage(const InkModel& model, const PrintedPage& page, const PagePlacement& placement,
                       const Drawing& drawing) {
-    const InkModel model(file.dpi);
     ColorPass colors(model, page, drawing);
     std::vector<InkPass> inks;
     for (int ink = 0; ink < kInks; ++ink) inks.emplace_back(model, page, ImageArea(placement), drawing, ink);
@@ -164,6 +175,8 @@ PagePictures DrawPage(const PrintFile& file, const PrintedPage& page, const Page
         for (batch.count = 0; batch.count < kRowsAtATime; ++batch.count) {
             const std::span<const uint32_t> row = reader.Next();
             if (row.empty()) return;
+            batch.repeats[batch.count] =
+                batch.count > 0 && std::equal(row.begin(), row.end(), batch.inkValues.end() - page.rowWidth);
             batch.inkValues.insert(batch.inkValues.end(), row.begin(), row.end());
         }
     };
@@ -174,7 +187,11 @@ PagePictures DrawPage(const PrintFile& file, const PrintedPage& page, const Page
         tasks.push_back([&] { readBatch(*next, now->first + now->count); });
         if (colors.IsNeeded()) tasks.push_back(TakeBatch(colors, *now, page.rowWidth));
         for (InkPass& ink : inks) tasks.push_back(TakeBatch(ink, *now, page.rowWidth));
-        RunTogether(tasks);
+        if (uint64_t{page.rowWidth} * page.rows < kSmallPage) {
+            for (const std::function<void()>& task : tasks) task();
+        } else {
+            RunTogether(tasks);
+        }
     }
     PagePictures pictures;
     colors.Finish(pictures);

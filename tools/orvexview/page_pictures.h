@@ -41,8 +41,9 @@ struct PagePictures {
     std::array<double, kInks> means;  // of the amount of each ink over the image, 0 to 1
 };
 
-// Reads the rows of a page once and draws all that is asked for, on all processors.
-PagePictures DrawPage(const PrintFile& file, const PrintedPage& page, const PagePlacement& placement,
+// Reads the rows of a page once and draws all that is asked for, on all processors. The model is that of the
+// print file's resolution.
+PagePictures DrawPage(const InkModel& model, const PrintedPage& page, const PagePlacement& placement,
                       const Drawing& drawing);
 
 // Returns the parts of the area that show consecutive lines of its picture. Composite and inks of a part have

@@ -105,9 +105,11 @@ void TakeThumbnail(ByteReader& reader, PjlHeader& header) {
     const std::string_view end = reader.TextAhead(kThumbnailEnd.size());
     if (header.thumbnail->size % 4 != 0 || end != kThumbnailEnd) {
         throw PrintFileError(reader.Offset(),
-                             "\"" + PrintableText(end) + "\" after " + std::to_string(header.thumbnail->size) +
+                             "\"" + PrintableText(end) + "\" after " +
+                                 std::to_string(header.thumbnail->size) +
                                  " characters of the thumbnail; expected base64 digits, a multiple of 4 and "
-                                 "at most " + std::to_string(kMaxThumbnailSize) + ", and a closing quote");
+                                 "at most " +
+                                 std::to_string(kMaxThumbnailSize) + ", and a closing quote");
     }
     reader.Take(kThumbnailEnd.size(), "the thumbnail");
 }
@@ -128,8 +130,7 @@ void TakeOpening(ByteReader& reader) {
     reader.Take(kUniversalExit.size(), "the universal exit");
     const std::string_view line = reader.TextAhead(kFirstLine.size());
     if (line != kFirstLine) {
-        throw PrintFileError(reader.Offset(),
-                             "\"" + PrintableText(line) + "\"; expected the line \"@PJL\"");
+        throw PrintFileError(reader.Offset(), "\"" + PrintableText(line) + "\"; expected the line \"@PJL\"");
     }
     reader.Take(kFirstLine.size(), "the first PJL line");
 }

@@ -21,7 +21,8 @@ constexpr uint8_t kColor = 2;
 constexpr uint8_t kUnitMeter = 1;
 constexpr size_t kChunkSize = size_t{64} * 1024;
 
-// The filters that are tried. Those with three neighbors make pictures of pages little smaller, for much time.
+// The filters that are tried. Those with three neighbors make pictures of pages little smaller, for much
+// time.
 enum Filter : uint8_t { kNone = 0, kSub = 1, kUp = 2, kFilters };
 
 // Stores a number, the highest byte first.

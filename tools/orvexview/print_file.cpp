@@ -138,7 +138,8 @@ class Parser {
         const uint64_t offset = reader_.Offset();
         const uint8_t type = NextType();
         const std::string_view text = reader_.TextAhead(kStart.size() + kMostDigits + 1);
-        if (!text.starts_with(kStart)) throw PrintFileError(offset, NameOf(type) + "; " + std::string(kExpected));
+        if (!text.starts_with(kStart))
+            throw PrintFileError(offset, NameOf(type) + "; " + std::string(kExpected));
         int32_t code = 0;
         const std::string_view digits = text.substr(kStart.size());
         const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), code);
@@ -261,7 +262,8 @@ void RowReader::TakeRecord() {
     const uint64_t offset = reader_.Offset();
     const uint8_t type = reader_.TakeByte(kHasChanged);
     const uint32_t size = reader_.TakeNumber(kHasChanged);
-    if (type != static_cast<uint8_t>(RecordType::kRows) || size > LargestRowsRecord(static_cast<uint32_t>(row_.size()))) {
+    if (type != static_cast<uint8_t>(RecordType::kRows) ||
+        size > LargestRowsRecord(static_cast<uint32_t>(row_.size()))) {
         throw PrintFileError(offset, kHasChanged);
     }
     // A copy, so that the source may be read elsewhere meanwhile.

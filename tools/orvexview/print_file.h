@@ -1,5 +1,6 @@
-// Print files of the stand-in print engine: checked as a whole, with an index of their pages, and read again page
-// by page. Whatever a file claims and however long it is, memory is taken for the index and some rows only.
+// Print files of the stand-in print engine: checked as a whole, with an index of their pages, and read again
+// page by page. Whatever a file claims and however long it is, memory is taken for the index and some rows
+// only.
 #pragma once
 
 #include <cstdint>

@@ -10,8 +10,8 @@
 
 namespace orvex::tools::view {
 
-// Runs tasks that need nothing of each other, as many at a time as there are processors, and returns when all of
-// them are done. Throws what a task threw; other tasks may then not have run.
+// Runs tasks that need nothing of each other, as many at a time as there are processors, and returns when all
+// of them are done. Throws what a task threw; other tasks may then not have run.
 inline void RunTogether(const std::vector<std::function<void()>>& tasks) {
     std::atomic<size_t> next = 0;
     const auto work = [&] {

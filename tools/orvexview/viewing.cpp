@@ -55,7 +55,7 @@ struct PictureNames {
 class Viewing {
   public:
     Viewing(const Options& options, std::ostream& out)
-        : options_(options), out_(out), file_(ReadPrintFile(PathFromUtf8(options.file))) {
+        : options_(options), out_(out), file_(ReadPrintFile(PathFromUtf8(options.file))), model_(file_.dpi) {
         for (const uint32_t number : options.pages) {
             if (number <= file_.pages.size()) continue;
             throw std::runtime_error("--page " + std::to_string(number) + ": " + options.file + " has " +
@@ -71,16 +71,19 @@ class Viewing {
     void Show() const {
         out_ << DescribeHeader(file_);
         if (!options_.thumbnail.empty()) WriteThumbnail();
-        for (const PrintedPage& page : file_.pages) ShowPage(page);
+        for (const PrintedPage& page : file_.pages) {
+            if (IsShown(page)) ShowPage(page);
+        }
         if (!options_.verify.empty()) Verify();
     }
 
   private:
-    bool IsDrawn(const PrintedPage& page) const {
+    bool IsShown(const PrintedPage& page) const {
         const std::vector<uint32_t>& pages = options_.pages;
-        return options_.pictures &&
-               (pages.empty() || std::find(pages.begin(), pages.end(), page.number) != pages.end());
+        return pages.empty() || std::find(pages.begin(), pages.end(), page.number) != pages.end();
     }
+
+    bool IsDrawn(const PrintedPage& page) const { return options_.pictures && IsShown(page); }
 
     PictureNames NamesOf(const PrintedPage& page) const {
         const std::string prefix = options_.prefix.empty()
@@ -127,9 +130,8 @@ class Viewing {
                             ? options_.scale
                             : PreviewScale(drawing.area.width, drawing.area.rows, placement.headRows);
         if (options_.layout) {
-            drawing.blockScale =
-                std::max(options_.scale,
-                         PreviewScale(page.rowWidth, LayoutRows(page, placement), placement.headRows));
+            drawing.blockScale = std::max(
+                options_.scale, PreviewScale(page.rowWidth, LayoutRows(page, placement), placement.headRows));
         }
         return drawing;
     }
@@ -170,7 +172,7 @@ class Viewing {
         const std::vector<BlockArea> bands = Bands(drawing, options_.bandBytes);
         for (size_t band = 0; band < bands.size(); ++band) {
             drawing.area = bands[band];
-            PagePictures pictures = DrawPage(file_, page, placement, drawing);
+            PagePictures pictures = DrawPage(model_, page, placement, drawing);
             if (band == 0) out_ << "\n" << DescribePage(file_, page, placement, pictures.means);
             std::vector<std::function<void()>> tasks;
             if (drawing.blockScale > 0) {
@@ -216,7 +218,7 @@ class Viewing {
                           drawing.turned ? drawing.area.width : drawing.area.rows, image);
         for (const BlockArea& band : Bands(drawing, options_.bandBytes)) {
             drawing.area = band;
-            comparer.TakeLines(DrawPage(file_, page, placement, drawing).composite);
+            comparer.TakeLines(DrawPage(model_, page, placement, drawing).composite);
         }
         out_ << "\nPage " << index + 1 << " against " << options_.verify << ":\n"
              << DescribeComparison(comparer.Result());
@@ -225,6 +227,7 @@ class Viewing {
     const Options& options_;
     std::ostream& out_;
     PrintFile file_;
+    InkModel model_;
 };
 
 }  // namespace

@@ -14,8 +14,8 @@ namespace orvex::tools::view {
 // were written before stay.
 void ShowPrintFile(const Options& options, std::ostream& out);
 
-// Does all that the arguments after the program's name ask for. Returns the exit status: 0 on success, 1 after
-// an error, 2 for a wrong command line; errors are one line on `error`.
+// Does all that the arguments after the program's name ask for. Returns the exit status: 0 on success, 1
+// after an error, 2 for a wrong command line; errors are one line on `error`.
 int RunOrvexView(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& error);
 
 }  // namespace orvex::tools::view

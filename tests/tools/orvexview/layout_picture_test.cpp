@@ -26,7 +26,8 @@ struct PrintedLabel {
     const PrintedPage& Page() const { return file.pages[0]; }
 
     Picture Draw(uint32_t scale = 1, bool turned = false) const {
-        PagePictures pictures = DrawPage(file, Page(), placement, {.area = WholeBlock(Page()), .blockScale = scale});
+        PagePictures pictures =
+            DrawPage(InkModel(300), Page(), placement, {.area = WholeBlock(Page()), .blockScale = scale});
         return DrawLayout(file, Page(), placement, std::move(pictures.block),
                           {.scale = scale, .turned = turned});
     }
@@ -96,7 +97,8 @@ TEST(LayoutPicture, NamesTheSidesAndShowsThePaperFeed) {
     EXPECT_GT(Count(lying, kM, kM + 352, 40, 20, kTextColor), 20) << "right, below its last row";
     EXPECT_GT(Count(lying, 0, kM - 20, kM - 8, 19, kTextColor), 20) << "the arrow";
     const Picture turned = label.Draw(10, true);
-    EXPECT_GT(Count(turned, kM + 352, kM, kM - 1, 12, kTextColor), 20) << "left, right of the head's first row";
+    EXPECT_GT(Count(turned, kM + 352, kM, kM - 1, 12, kTextColor), 20)
+        << "left, right of the head's first row";
     EXPECT_GT(Count(turned, 0, kM, kM - 1, 12, kTextColor), 20) << "right, left of its last row";
     EXPECT_GT(Count(turned, kM + 352, 5, kM - 1, 25, kTextColor), 20) << "the arrow";
 }
@@ -172,9 +174,9 @@ TEST(LayoutPicture, TheLegendExplainsTheColorsThatAreThere) {
     EXPECT_EQ(legendOf({{{0}}, {{"ORIGX", 1}, {"ORIGY", 1}}}), (std::vector<bool>{true, true, false, false}));
     EXPECT_EQ(legendOf({{{0, 0}}, {{"ORIGX", 1}, {"ORIGY", 1}, {"PURGEBAR", 2}, {"PURGEDOTS", 1}}}),
               (std::vector<bool>{true, true, false, true}));
-    EXPECT_EQ(legendOf({Rows(3510, {0}),
-                        {{"ORIGX", 1}, {"ORIGY", 1}, {"ALIGN", 2}, {"FULLWIDTH", 1}, {"KWS", 1}}}),
-              (std::vector<bool>{true, true, true, false}));
+    EXPECT_EQ(
+        legendOf({Rows(3510, {0}), {{"ORIGX", 1}, {"ORIGY", 1}, {"ALIGN", 2}, {"FULLWIDTH", 1}, {"KWS", 1}}}),
+        (std::vector<bool>{true, true, true, false}));
 }
 
 TEST(LayoutPicture, FitsAtAnyScale) {

@@ -100,16 +100,17 @@ TEST(Options, AWrongValueIsShownWithWhatIsAllowed) {
                   "--scale: \"" + std::string(value) + "\" is not allowed; it takes 1 to 1000");
     }
     for (const char* value : {"0", "-1", "x", "4294967297"}) {
-        EXPECT_EQ(Complaint({"a.prn", "--page", value}),
-                  "--page: \"" + std::string(value) + "\" is not allowed; it takes the number of a page, from 1");
+        EXPECT_EQ(
+            Complaint({"a.prn", "--page", value}),
+            "--page: \"" + std::string(value) + "\" is not allowed; it takes the number of a page, from 1");
     }
     EXPECT_EQ(Complaint({"a.prn", "--orientation", "sideways"}),
               "--orientation: \"sideways\" is not allowed; it takes portrait or landscape");
 }
 
 TEST(Options, TheLastScaleAndOrientationCount) {
-    const Options options =
-        Read({"a.prn", "--scale", "2", "--scale", "3", "--orientation", "portrait", "--orientation", "landscape"});
+    const Options options = Read(
+        {"a.prn", "--scale", "2", "--scale", "3", "--orientation", "portrait", "--orientation", "landscape"});
     EXPECT_EQ(options.scale, 3u);
     EXPECT_EQ(options.orientation, Orientation::kLandscape);
 }

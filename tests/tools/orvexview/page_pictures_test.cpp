@@ -37,7 +37,7 @@ std::vector<int> Amounts(const Picture& ink) {
 PagePictures Draw(const PrintFile& file, uint32_t scale = 1, bool whole = false) {
     const PrintedPage& page = file.pages[0];
     const PagePlacement placement = PlacePage(file, page);
-    return DrawPage(file, page, placement,
+    return DrawPage(InkModel(file.dpi), page, placement,
                     {.area = whole ? WholeBlock(page) : ImageArea(placement),
                      .scale = scale,
                      .composite = true,
@@ -105,8 +105,8 @@ TEST(PagePictures, CompositeAndInksShowTheSameRows) {
 
 TEST(PagePictures, WhatIsNotAskedForIsEmpty) {
     const PrintFile file = Print300({{0x000000FF}}, {});
-    const PagePictures pictures =
-        DrawPage(file, file.pages[0], PlacePage(file, file.pages[0]), {.area = WholeBlock(file.pages[0])});
+    const PagePictures pictures = DrawPage(InkModel(300), file.pages[0], PlacePage(file, file.pages[0]),
+                                           {.area = WholeBlock(file.pages[0])});
     EXPECT_EQ(pictures.composite.samples.size() + pictures.block.samples.size(), 0u);
     EXPECT_EQ(pictures.inks[kBlackInk].samples.size(), 0u);
     EXPECT_EQ(pictures.means[kBlackInk], 1);
@@ -119,7 +119,7 @@ TEST(PagePictures, AllPicturesShowEveryRowOfALongBlock) {
     const PrintFile file = Print300(rows, {});
     const PrintedPage& page = file.pages[0];
     const PagePictures pictures =
-        DrawPage(file, page, PlacePage(file, page),
+        DrawPage(InkModel(300), page, PlacePage(file, page),
                  {.area = {1, 2, 2, 297}, .composite = true, .inks = true, .blockScale = 1});
     const InkModel model(300);
     for (uint32_t row = 0; row < 300; ++row) {
@@ -167,15 +167,16 @@ TEST(Bands, ALargePictureIsManyBandsOfItsLines) {
         for (const uint32_t scale : {1u, 3u}) {
             const BlockArea area = {10, 20, 32768, 16384};
             uint32_t next = turned ? area.left : area.top;
-            for (const BlockArea& band : Bands({.area = area, .scale = scale, .composite = true, .inks = true,
-                                                .turned = turned},
-                                               kMost)) {
+            for (const BlockArea& band :
+                 Bands({.area = area, .scale = scale, .composite = true, .inks = true, .turned = turned},
+                       kMost)) {
                 EXPECT_EQ(turned ? band.left : band.top, next);
                 EXPECT_EQ(turned ? band.rows : band.width, turned ? area.rows : area.width);
                 const uint32_t size = turned ? band.width : band.rows;
                 next += size;
                 EXPECT_LE(uint64_t{band.width / scale} * (band.rows / scale) * 7, kMost);
-                EXPECT_TRUE(size % scale == 0 || next == (turned ? area.left + area.width : area.top + area.rows));
+                EXPECT_TRUE(size % scale == 0 ||
+                            next == (turned ? area.left + area.width : area.top + area.rows));
             }
             EXPECT_EQ(next, turned ? area.left + area.width : area.top + area.rows);
         }

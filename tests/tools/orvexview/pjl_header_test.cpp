@@ -104,8 +104,7 @@ TEST(PjlHeader, SaysWhatIsWrongWithItsOpening) {
     EXPECT_EQ(HeaderErrorOf("\x89PNG\r\n\x1A\nabcdefgh"),
               "offset 0: \"\\x89PNG\\x0D\\x0A\\x1A\\x0Aabcd\"; expected the universal exit ESC%-12345X");
     EXPECT_EQ(HeaderErrorOf("\x1B%-12345X@PJX\n"), "offset 9: \"@PJX\\x0A\"; expected the line \"@PJL\"");
-    EXPECT_EQ(HeaderErrorOf("\x1B%-12345X@PJL"),
-              "offset 9: \"@PJL\"; expected the line \"@PJL\"");
+    EXPECT_EQ(HeaderErrorOf("\x1B%-12345X@PJL"), "offset 9: \"@PJL\"; expected the line \"@PJL\"");
 }
 
 TEST(PjlHeader, RecognizesAFramingChunkThatShouldHaveBeenDropped) {

@@ -162,7 +162,8 @@ class EndlessSource : public ByteSource {
 
     std::span<const uint8_t> At(uint64_t offset, size_t size) override {
         read_ = std::max<uint64_t>(read_, offset + size);
-        const uint64_t at = offset < kInMemory ? offset : kInMemory - period_ + (offset - kInMemory) % period_;
+        const uint64_t at =
+            offset < kInMemory ? offset : kInMemory - period_ + (offset - kInMemory) % period_;
         return std::span(reinterpret_cast<const uint8_t*>(bytes_.data()), bytes_.size()).subspan(at, size);
     }
 
@@ -189,7 +190,8 @@ TEST(PrintFile, AnEndlessFileIsRefusedEarly) {
     EXPECT_LT(ReadBeforeRefusal("\x1B%-12345X", std::string(1, '\0')), 100u);
     EXPECT_LT(ReadBeforeRefusal(start, std::string(1, '\0')), 3u << 20) << "one line without end";
     EXPECT_LT(ReadBeforeRefusal(start, "@PJL SET COPIES=1\n"), 3u << 20) << "lines without end";
-    EXPECT_LT(ReadBeforeRefusal(start + "@PJL JOB NAME=\"", std::string(99, 'x') + "\n"), 3u << 20) << "a name without end";
+    EXPECT_LT(ReadBeforeRefusal(start + "@PJL JOB NAME=\"", std::string(99, 'x') + "\n"), 3u << 20)
+        << "a name without end";
     EXPECT_LT(ReadBeforeRefusal(start + "@PJL SET QRV_THUMBNAIL=\"AAAA", std::string(1, '\0')), 200u << 10);
     EXPECT_LT(ReadBeforeRefusal(kOpening, std::string(1, '\0')), kOpening.size() + 1000);
     EXPECT_LT(ReadBeforeRefusal(kOpening + kBeforeRows, kRows), kOpening.size() + 500'000u)

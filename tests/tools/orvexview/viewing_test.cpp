@@ -159,7 +159,10 @@ TEST_F(ViewingTest, WritesInksAndLayoutOfTheChosenPageUnderThePrefix) {
     options_.pages = {2};
     options_.inks = true;
     options_.layout = true;
-    EXPECT_THAT(Show(), ContainsRegex("look-page2-layout.png: 1251 x [0-9]+ pixels, 3 x 3 to one\n"));
+    const std::string text = Show();
+    EXPECT_THAT(text, ContainsRegex("look-page2-layout.png: 1251 x [0-9]+ pixels, 3 x 3 to one\n"));
+    EXPECT_THAT(text, HasSubstr("\n2     label "));
+    EXPECT_THAT(text, testing::Not(HasSubstr("\n1     label "))) << "the table of the other page";
     EXPECT_THAT(Written(), ElementsAre("look-page2-C.png", "look-page2-K.png", "look-page2-M.png",
                                        "look-page2-Y.png", "look-page2-layout.png", "look-page2.png"));
     EXPECT_THAT(Pixels("look-page2-K.png"),
@@ -256,7 +259,8 @@ TEST_F(ViewingTest, PicturesInBandsAreTheSame) {
             options_.bandBytes = 1000;
             Show();
             for (const char* picture : {".png", "-K.png", "-C.png", "-M.png", "-Y.png", "-layout.png"}) {
-                EXPECT_EQ(Pixels(std::string("bands-page1") + picture), Pixels(std::string("whole-page1") + picture))
+                EXPECT_EQ(Pixels(std::string("bands-page1") + picture),
+                          Pixels(std::string("whole-page1") + picture))
                     << picture << ", scale " << scale;
             }
         }
