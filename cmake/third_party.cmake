@@ -15,14 +15,17 @@ add_library(lodepng STATIC ${lodepng_source}/lodepng.c)
 target_include_directories(lodepng SYSTEM PUBLIC ${lodepng_source})
 target_compile_options(lodepng PRIVATE -w)
 
+# zlib, of which Debian packages a Windows build, too.
+set(ZLIB_USE_STATIC_LIBS ON)
+find_package(ZLIB REQUIRED)
+
 # libspng, which reads PNG files row by row, with zlib. Pages are decoded in every build, so it is always optimized.
 orvex_fetch(spng)
-find_library(ZLIB_LIBRARY libz.a REQUIRED)
 add_library(spng STATIC ${spng_source}/spng.c)
 target_include_directories(spng SYSTEM PUBLIC ${spng_source})
 target_compile_definitions(spng PUBLIC SPNG_STATIC)
 target_compile_options(spng PRIVATE -w -O2)
-target_link_libraries(spng PUBLIC ${ZLIB_LIBRARY})
+target_link_libraries(spng PUBLIC ZLIB::ZLIB)
 
 # Header-only libraries, offered through a folder of their own: the whole of the system's include folder would break
 # a cross build.

@@ -142,7 +142,10 @@ TEST_F(WholeJob, CarriesAThumbnailThatAnotherDecoderReads) {
                        "[Driver]\r\nAdd_Thumb=1\r\nthumb_max_width=200\r\nthumb_max_height=200\r\n");
     const tools::view::PrintFile file = Print(Landscape());
     ASSERT_TRUE(file.header.thumbnail);
-    const Picture picture = DecodePicture(DecodeBase64(*file.header.thumbnail));
+    const tools::view::Thumbnail& thumbnail = *file.header.thumbnail;
+    const std::span<const uint8_t> text = file.source->At(thumbnail.offset, thumbnail.size);
+    const Picture picture =
+        DecodePicture(DecodeBase64({reinterpret_cast<const char*>(text.data()), text.size()}));
     ASSERT_EQ(picture.width, kHeightPx / 4);  // the longer side, halved until it is at most 200
     ASSERT_EQ(picture.height, kWidthPx / 4);
     for (size_t i = 0; i < std::size(kColors); ++i) {

@@ -10,32 +10,28 @@ Reducer::Reducer(uint32_t width, uint32_t height, uint32_t channels, uint32_t sc
     : height_(height),
       scale_(scale),
       line_(size_t{width} * channels),
-      picture_((width + scale - 1) / scale, (height + scale - 1) / scale, channels) {
-    sums_.resize(picture_.Line(0).size());
-    for (uint32_t left = 0; left < width; left += scale)
-        groupWidths_.push_back(std::min(scale, width - left));
-}
+      sums_(line_.size()),
+      picture_((width + scale - 1) / scale, (height + scale - 1) / scale, channels) {}
 
 void Reducer::TakeLine() {
-    const uint32_t channels = picture_.channels;
-    const uint8_t* sample = line_.data();
-    for (size_t group = 0; group < groupWidths_.size(); ++group) {
-        uint32_t* sums = &sums_[group * channels];
-        for (uint32_t i = 0; i < groupWidths_[group]; ++i) {
-            for (uint32_t channel = 0; channel < channels; ++channel) sums[channel] += *sample++;
-        }
-    }
+    for (size_t i = 0; i < line_.size(); ++i) sums_[i] += line_[i];
     ++linesTaken_;
     ++linesInGroup_;
     if (linesInGroup_ == scale_ || linesTaken_ == height_) CloseGroup();
 }
 
+// Adds up the columns of each group.
 void Reducer::CloseGroup() {
-    const uint32_t channels = picture_.channels;
+    const size_t channels = picture_.channels;
     uint8_t* out = picture_.At(0, (linesTaken_ - 1) / scale_);
-    for (size_t i = 0; i < sums_.size(); ++i) {
-        const uint32_t pixels = groupWidths_[i / channels] * linesInGroup_;
-        out[i] = static_cast<uint8_t>((sums_[i] + pixels / 2) / pixels);
+    for (size_t first = 0; first < sums_.size(); first += scale_ * channels) {
+        const size_t end = std::min(first + scale_ * channels, sums_.size());
+        const auto pixels = static_cast<uint32_t>((end - first) / channels) * linesInGroup_;
+        for (size_t channel = 0; channel < channels; ++channel) {
+            uint32_t sum = pixels / 2;
+            for (size_t i = first + channel; i < end; i += channels) sum += sums_[i];
+            *out++ = static_cast<uint8_t>(sum / pixels);
+        }
     }
     std::fill(sums_.begin(), sums_.end(), 0);
     linesInGroup_ = 0;

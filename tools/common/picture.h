@@ -102,8 +102,7 @@ class Reducer {
     uint32_t linesTaken_ = 0;
     uint32_t linesInGroup_ = 0;
     std::vector<uint8_t> line_;
-    std::vector<uint32_t> sums_;
-    std::vector<uint32_t> groupWidths_;
+    std::vector<uint32_t> sums_;  // of the group's lines, sample by sample
     Picture picture_;
 };
 

@@ -1,5 +1,7 @@
 #include "tools/orvexview/base64_decoder.h"
 
+#include <algorithm>
+#include <array>
 #include <stdexcept>
 #include <string>
 
@@ -10,7 +12,29 @@ namespace orvex::tools::view {
 namespace {
 
 constexpr std::string_view kAlphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+
+constexpr uint8_t kNoDigit = 64;
+
+// The value of each character as a digit.
+constexpr std::array<uint8_t, 256> kDigits = [] {
+    std::array<uint8_t, 256> digits{};
+    digits.fill(kNoDigit);
+    for (size_t i = 0; i < kAlphabet.size(); ++i) {
+        digits[static_cast<uint8_t>(kAlphabet[i])] = static_cast<uint8_t>(i);
+    }
+    return digits;
+}();
+
+uint8_t DigitOf(char character) {
+    return kDigits[static_cast<uint8_t>(character)];
+}
+
 }  // namespace
+
+size_t CountBase64Digits(std::string_view text) {
+    const auto isNone = [](char character) { return DigitOf(character) == kNoDigit; };
+    return static_cast<size_t>(std::find_if(text.begin(), text.end(), isNone) - text.begin());
+}
 
 std::vector<uint8_t> DecodeBase64(std::string_view text) {
     if (text.size() % 4 != 0) {
@@ -24,12 +48,12 @@ std::vector<uint8_t> DecodeBase64(std::string_view text) {
     uint32_t bits = 0;
     int bitCount = 0;
     for (size_t at = 0; at < digits.size(); ++at) {
-        const size_t digit = kAlphabet.find(digits[at]);
-        if (digit == std::string_view::npos) {
+        const uint32_t digit = DigitOf(digits[at]);
+        if (digit == kNoDigit) {
             throw std::runtime_error("\"" + PrintableText(digits.substr(at, 1)) + "\" at character " +
                                      std::to_string(at) + " of base64 text; expected a base64 digit");
         }
-        bits = bits << 6 | static_cast<uint32_t>(digit);
+        bits = bits << 6 | digit;
         bitCount += 6;
         if (bitCount < 8) continue;
         bitCount -= 8;

@@ -8,36 +8,40 @@
 
 namespace orvex::tools::view {
 
-Comparison Compare(const Picture& picture, const RasterImage& image) {
-    if (picture.width != image.width || picture.height != image.height) {
-        throw std::runtime_error("the page is " + SizeText(picture.width, picture.height) +
-                                 " pixels, the picture " + SizeText(image.width, image.height) +
-                                 "; they can't be compared");
+Comparer::Comparer(uint32_t width, uint32_t height, const RasterImage& image) : image_(image) {
+    if (width != image.width || height != image.height) {
+        throw std::runtime_error("the page is " + SizeText(width, height) + " pixels, the picture " +
+                                 SizeText(image.width, image.height) + "; they can't be compared");
     }
-    Comparison result;
-    result.pixels = uint64_t{picture.width} * picture.height;
-    uint64_t sums[3] = {};
-    uint32_t worst = 0;
-    for (uint32_t y = 0; y < picture.height; ++y) {
-        for (uint32_t x = 0; x < picture.width; ++x) {
-            const uint8_t* pixel = picture.At(x, y);
-            uint32_t most = 0;
-            for (int channel = 0; channel < 3; ++channel) {
-                const auto expected = static_cast<uint8_t>(image.Row(y)[x] >> (16 - 8 * channel));
-                const uint32_t difference = static_cast<uint32_t>(std::abs(pixel[channel] - expected));
-                result.largest[channel] = std::max(result.largest[channel], difference);
-                sums[channel] += difference;
-                most = std::max(most, difference);
-            }
-            result.different += most > 0;
-            if (most <= worst) continue;
-            worst = most;
-            result.worstX = x;
-            result.worstY = y;
-        }
+    result_.pixels = uint64_t{width} * height;
+}
+
+void Comparer::TakeLines(const Picture& lines) {
+    for (uint32_t y = 0; y < lines.height; ++y, ++linesTaken_) {
+        for (uint32_t x = 0; x < lines.width; ++x) TakePixel(lines.At(x, y), x, linesTaken_);
     }
+}
+
+void Comparer::TakePixel(const uint8_t* samples, uint32_t x, uint32_t y) {
+    uint32_t most = 0;
     for (int channel = 0; channel < 3; ++channel) {
-        result.mean[channel] = static_cast<double>(sums[channel]) / static_cast<double>(result.pixels);
+        const auto expected = static_cast<uint8_t>(image_.Row(y)[x] >> (16 - 8 * channel));
+        const auto difference = static_cast<uint32_t>(std::abs(samples[channel] - expected));
+        result_.largest[channel] = std::max(result_.largest[channel], difference);
+        sums_[channel] += difference;
+        most = std::max(most, difference);
+    }
+    result_.different += most > 0;
+    if (most <= worst_) return;
+    worst_ = most;
+    result_.worstX = x;
+    result_.worstY = y;
+}
+
+Comparison Comparer::Result() const {
+    Comparison result = result_;
+    for (int channel = 0; channel < 3; ++channel) {
+        result.mean[channel] = static_cast<double>(sums_[channel]) / static_cast<double>(result.pixels);
     }
     return result;
 }

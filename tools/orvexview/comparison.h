@@ -19,8 +19,25 @@ struct Comparison {
     uint64_t different = 0;  // pixels that differ in any channel
 };
 
-// Compares a picture of 3 channels with an image. Throws std::runtime_error if their sizes differ.
-Comparison Compare(const Picture& picture, const RasterImage& image);
+// A comparison that takes a page's picture part by part.
+class Comparer {
+  public:
+    // Throws std::runtime_error if the page's size in pixels is not the image's, which must outlive this.
+    Comparer(uint32_t width, uint32_t height, const RasterImage& image);
+
+    // Takes the next lines of the page, of 3 channels.
+    void TakeLines(const Picture& lines);
+    Comparison Result() const;
+
+  private:
+    void TakePixel(const uint8_t* samples, uint32_t x, uint32_t y);
+
+    const RasterImage& image_;
+    uint32_t linesTaken_ = 0;
+    uint64_t sums_[3] = {};
+    uint32_t worst_ = 0;
+    Comparison result_;
+};
 
 // Returns the result as a table and a sentence.
 std::string DescribeComparison(const Comparison& comparison);

@@ -1,10 +1,13 @@
 #include "tools/orvexview/options.h"
 
 #include <CLI/CLI.hpp>
-#include <map>
+#include <algorithm>
 #include <memory>
 
 #include "tools/common/help_format.h"
+#include "tools/common/number_text.h"
+#include "tools/common/picture.h"
+#include "tools/common/printable_text.h"
 
 namespace orvex::tools::view {
 
@@ -29,9 +32,16 @@ constexpr const char* kExamples =
     "  orvexview job.prn --no-pictures            the tables alone\n"
     "  orvexview job.prn --verify label.png       how far page 1 is from the picture that was printed\n"
     "\n"
+    "A file is replaced only when the new one is complete. The print file and the picture to verify are "
+    "never "
+    "replaced.\n"
+    "\n"
     "Exit status: 0 when all went well; 1 when the file is not sound, a picture can't be written or sizes "
     "differ from\n"
-    "the picture to verify; other values for a wrong command line.";
+    "the picture to verify; 2 for a wrong command line.";
+
+constexpr const char* kPageRange = "the number of a page, from 1";
+constexpr const char* kOrientationWords = "portrait or landscape";
 
 void AddOutputOptions(CLI::App& app, Options& options) {
     app.add_option("FILE", options.file, "The print file")->required()->type_name("");
@@ -39,10 +49,12 @@ void AddOutputOptions(CLI::App& app, Options& options) {
                    "Beginning of the pictures' names; default: FILE without its extension")
         ->type_name("PREFIX");
     app.add_flag("--inks", options.inks, "One grey picture per ink as well: PREFIX-pageN-K.png, -C, -M, -Y");
-    app.add_flag("--layout", options.layout,
-                 "PREFIX-pageN-layout.png as well: the whole print head as a grey band with a tick every 10 "
-                 "mm, the page in its place on it; fill rows are bluish, the purge bar is yellowish. The "
-                 "head's first row is at the right of a portrait page, at the top of a landscape one");
+    app.add_flag(
+        "--layout", options.layout,
+        "PREFIX-pageN-layout.png as well: the whole print head as a grey band with a tick every 10 "
+        "mm, the page in its place on it, with left, right, paper feed and a legend in mm and pixels; "
+        "fill rows are bluish, the purge bar is yellowish. The head's first row, its left end, is at "
+        "the right of a portrait page, at the top of a landscape one");
     app.add_flag_callback(
            "--no-pictures", [&options] { options.pictures = false; }, "Writes no pictures of pages")
         ->excludes("--inks")
@@ -54,45 +66,88 @@ void AddOutputOptions(CLI::App& app, Options& options) {
         ->type_name("PAGE.png");
 }
 
-void AddViewOptions(CLI::App& app, Options& options) {
-    static const std::map<std::string, Orientation> kOrientations = {{"portrait", Orientation::kPortrait},
-                                                                     {"landscape", Orientation::kLandscape}};
-    app.add_option("-p,--page", options.pages, "Only this page, from 1; may be given several times")
+void AddViewOptions(CLI::App& app) {
+    app.add_option("-p,--page",
+                   "Only this page, its table and its pictures, from 1; may be given several times")
         ->type_name("N")
         ->allow_extra_args(false)
-        ->check(Unnamed(CLI::PositiveNumber));
+        ->take_all();
     CLI::Option* scale =
         app.add_option(
-               "--scale", options.scale,
-               "K x K pixels become one, 1 to 1000; default: the longer side gets at most 1600 pixels")
+               "--scale",
+               "K x K pixels become one, 1 to 1000; default: the longer side gets at most 1600 pixels. A "
+               "label longer than the print head is wide gets the scale at which the head's width has "
+               "1600, so that its text can be read, up to 8 million pixels. The layout never gets larger "
+               "than that")
             ->type_name("K")
-            ->check(Unnamed(CLI::Range(1u, kMaxScale)));
-    app.add_flag_callback(
-           "--full", [&options] { options.scale = 1; }, "Every pixel, the same as --scale 1")
-        ->excludes(scale);
-    app.add_flag("--raw", options.raw, "Pictures as sent: not turned, with fill rows and purge bar");
-    app.add_option("--orientation", options.orientation,
-                   "portrait or landscape, if the job header does not tell it")
+            ->take_last();
+    app.add_flag("--full")->description("Every pixel, the same as --scale 1")->excludes(scale);
+    app.add_flag("--raw")->description("Pictures as sent: not turned, with fill rows and purge bar");
+    app.add_option("--orientation", "portrait or landscape, if the job header does not tell it")
         ->type_name("HOW")
-        ->transform(Unnamed(CLI::CheckedTransformer(kOrientations)));
+        ->take_last();
+}
+
+OptionError WrongValue(const std::string& option, const std::string& value, const std::string& allowed) {
+    return OptionError(option + ": \"" + PrintableText(value, 40) + "\" is not allowed; it takes " + allowed);
+}
+
+uint32_t NumberOf(const std::string& option, const std::string& text, int most, const std::string& allowed) {
+    const std::optional<int> number = ParseWhole(text);
+    if (!number || *number < 1 || *number > most) throw WrongValue(option, text, allowed);
+    return static_cast<uint32_t>(*number);
+}
+
+void ReadViewOptions(const CLI::App& app, Options& options) {
+    const auto given = [&](const char* option) { return app.get_option(option)->results(); };
+    for (const std::string& text : given("--page")) {
+        options.pages.push_back(NumberOf("--page", text, INT32_MAX, kPageRange));
+    }
+    for (const std::string& text : given("--scale")) {
+        options.scale = NumberOf("--scale", text, kMaxScale, "1 to " + std::to_string(kMaxScale));
+    }
+    if (app.count("--full") > 0) options.scale = 1;
+    options.raw = app.count("--raw") > 0;
+    for (const std::string& text : given("--orientation")) {
+        if (text != "portrait" && text != "landscape") {
+            throw WrongValue("--orientation", text, kOrientationWords);
+        }
+        options.orientation = text == "portrait" ? Orientation::kPortrait : Orientation::kLandscape;
+    }
 }
 
 }  // namespace
 
-std::optional<Options> ReadOptions(const std::vector<std::string>& arguments, int& status) {
+uint32_t PreviewScale(uint32_t width, uint32_t height, uint32_t headRows) {
+    uint32_t scale = ScaleToFit(std::min(std::max(width, height), headRows), kPreviewSize);
+    const auto pixels = [&] {
+        return uint64_t{(width + scale - 1) / scale} * ((height + scale - 1) / scale);
+    };
+    while (pixels() > kMaxPreviewPixels) ++scale;
+    return scale;
+}
+
+std::optional<Options> ReadOptions(const std::vector<std::string>& arguments, std::ostream& out) {
     Options options;
     CLI::App app(kDescription, "orvexview");
     app.allow_windows_style_options(false);  // a file name may begin with a slash
     app.formatter(std::make_shared<HelpFormat>("[options] FILE"));
     app.footer(kExamples);
+    app.set_version_flag("--version", "orvexview " ORVEX_VERSION, "Show the version");
     AddOutputOptions(app, options);
-    AddViewOptions(app, options);
+    AddViewOptions(app);
     try {
         app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
-    } catch (const CLI::ParseError& error) {
-        status = app.exit(error);
+    } catch (const CLI::CallForHelp&) {
+        out << app.help();
         return std::nullopt;
+    } catch (const CLI::CallForVersion& version) {
+        out << version.what() << "\n";
+        return std::nullopt;
+    } catch (const CLI::ParseError& error) {
+        throw OptionError(std::string(error.what()) + "; --help shows what there is");
     }
+    ReadViewOptions(app, options);
     return options;
 }
 

@@ -3,6 +3,8 @@
 
 #include <cstdint>
 #include <optional>
+#include <ostream>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -18,17 +20,30 @@ struct Options {
     bool inks = false;
     bool layout = false;
     bool raw = false;
-    uint32_t scale = 0;  // 0: the longer side gets at most kPreviewSize pixels
+    uint32_t scale = 0;  // 0: as PreviewScale() finds it
     std::optional<Orientation> orientation;
-    std::string thumbnail;  // file to write the job's thumbnail to
-    std::string verify;     // picture to compare with
+    std::string thumbnail;                // file to write the job's thumbnail to
+    std::string verify;                   // picture to compare with
+    size_t bandBytes = size_t{64} << 20;  // of a page's pictures in memory at a time; tests make it small
 };
 
 inline constexpr uint32_t kPreviewSize = 1600;
+inline constexpr uint64_t kMaxPreviewPixels = 8'000'000;
 inline constexpr uint32_t kMaxScale = 1000;
 
-// Parses the arguments after the program's name. If they ask for help or are wrong, prints that, sets the
-// exit `status` and returns nothing.
-std::optional<Options> ReadOptions(const std::vector<std::string>& arguments, int& status);
+// Returns the scale of a picture of a page: its longer side gets at most kPreviewSize pixels or, if it is
+// longer than the head is wide, as many as that width needs of them; and the whole gets at most
+// kMaxPreviewPixels.
+uint32_t PreviewScale(uint32_t width, uint32_t height, uint32_t headRows);
+
+// The reason why a command line can't be carried out, in words.
+class OptionError : public std::runtime_error {
+  public:
+    using std::runtime_error::runtime_error;
+};
+
+// Parses the arguments after the program's name. If they ask for help or the version, writes that to `out`
+// and returns nothing. Throws OptionError.
+std::optional<Options> ReadOptions(const std::vector<std::string>& arguments, std::ostream& out);
 
 }  // namespace orvex::tools::view

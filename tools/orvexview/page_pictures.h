@@ -1,8 +1,9 @@
-// Pictures of a page: the image or the whole block, and the block in its place under the print head.
+// Pictures of a page, all of them from one pass over its rows.
 #pragma once
 
+#include <array>
 #include <cstdint>
-#include <optional>
+#include <vector>
 
 #include "tools/common/picture.h"
 #include "tools/orvexview/page_placement.h"
@@ -22,31 +23,31 @@ BlockArea ImageArea(const PagePlacement& placement);
 // Returns the whole block, with its fill rows and purge bar.
 BlockArea WholeBlock(const PrintedPage& page);
 
-// Draw part of a block as it was sent, row 0 at the top; `scale` x `scale` pixels become one. A composite
-// shows all inks on white paper (3 channels); the other picture shows one ink, black on white (1 channel).
-Picture DrawComposite(const PrintFile& file, const PrintedPage& page, const BlockArea& area, uint32_t scale);
-Picture DrawInk(const PrintFile& file, const PrintedPage& page, const BlockArea& area, uint32_t scale,
-                int ink);
+// What to draw of a page. `scale` x `scale` pixels become one.
+struct Drawing {
+    BlockArea area;  // of the composite and the inks
+    uint32_t scale = 1;
+    bool composite = false;
+    bool inks = false;
+    bool turned = false;      // composite and inks by a quarter, as a portrait label reads
+    uint32_t blockScale = 0;  // of the whole block; 0: it is not drawn
+};
 
-// Turns a picture as the label reads.
-Picture Upright(Picture picture, const PagePlacement& placement);
+// The pictures; if not turned, as the page was sent: row 0 at the top. What was not asked for is empty.
+struct PagePictures {
+    Picture composite;                // all inks on white paper, 3 channels
+    std::array<Picture, kInks> inks;  // one ink each, black on white, 1 channel
+    Picture block;                    // like the composite, never turned
+    std::array<double, kInks> means;  // of the amount of each ink over the image, 0 to 1
+};
 
-// Colors of the layout picture. Fill rows and purge bar show their inks on paper of their colors.
-inline constexpr Rgb kHeadColor = {224, 224, 224};
-inline constexpr Rgb kFillPaper = {216, 232, 250};
-inline constexpr Rgb kPurgePaper = {253, 236, 205};
-inline constexpr Rgb kImageOutline = {96, 96, 96};
-inline constexpr Rgb kTickColor = {128, 128, 128};
+// Reads the rows of a page once and draws all that is asked for, on all processors. The model is that of the
+// print file's resolution.
+PagePictures DrawPage(const InkModel& model, const PrintedPage& page, const PagePlacement& placement,
+                      const Drawing& drawing);
 
-// Margin around the head and, along the row, around the block, in pixels of the picture.
-inline constexpr uint32_t kLayoutMargin = 24;
-
-// Returns the longer side of the layout without its margins, in pixels of the printer.
-uint32_t LayoutLength(const PrintedPage& page, const PagePlacement& placement);
-
-// Draws the head as a gray band with a tick every 10 mm, longer every 50 mm, and the block on it with its
-// image outlined. The picture is as sent: row 0 of the head is at the top.
-Picture DrawLayout(const PrintFile& file, const PrintedPage& page, const PagePlacement& placement,
-                   uint32_t scale);
+// Returns the parts of the area that show consecutive lines of its picture. Composite and inks of a part have
+// at most `mostBytes` of samples, but at least one line: pictures with every pixel are drawn part by part.
+std::vector<BlockArea> Bands(const Drawing& drawing, size_t mostBytes);
 
 }  // namespace orvex::tools::view

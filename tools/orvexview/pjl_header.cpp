@@ -1,8 +1,11 @@
 #include "tools/orvexview/pjl_header.h"
 
+#include <algorithm>
+
 #include "engine/print_stream.h"
 #include "tools/common/number_text.h"
 #include "tools/common/printable_text.h"
+#include "tools/orvexview/base64_decoder.h"
 
 namespace orvex::tools::view {
 
@@ -14,48 +17,108 @@ namespace {
 constexpr std::string_view kSet = "@PJL SET ";
 constexpr std::string_view kJobName = "@PJL JOB NAME=";
 constexpr std::string_view kComment = "@PJL COMMENT ";
-constexpr std::string_view kThumbnail = "QRV_THUMBNAIL";
+constexpr std::string_view kThumbnail = "@PJL SET QRV_THUMBNAIL=\"";
+constexpr std::string_view kThumbnailEnd = "\"\n";
+constexpr std::string_view kFirstLine = "@PJL\n";
 
-std::string_view TakeLine(ByteReader& reader) {
-    const std::string_view rest = reader.RestAsText();
-    const size_t length = rest.find('\n');
-    if (length == std::string_view::npos) {
-        throw PrintFileError(reader.Offset(), "the file ends within a PJL line: \"" +
-                                                  PrintableText(rest, 40) + "\"; expected a line feed");
+// The largest label has 150 million pixels, and a thumbnail may be as large.
+constexpr uint64_t kMaxThumbnailSize = uint64_t{1} << 30;
+constexpr size_t kTakenAtATime = size_t{64} * 1024;
+
+// A header's lines without the thumbnail; the driver's are some 2,000 bytes.
+constexpr uint64_t kMaxLinesSize = uint64_t{1} << 20;
+constexpr size_t kUsualLine = 256;
+
+// The lines of a header, in order.
+class Lines {
+  public:
+    explicit Lines(ByteReader& reader) : reader_(reader) {}
+
+    std::string Take() {
+        for (size_t size = kUsualLine;; size *= 2) {
+            const std::string_view ahead = reader_.TextAhead(size);
+            const size_t length = ahead.find('\n');
+            if (taken_ + std::min(length, ahead.size()) > kMaxLinesSize) {
+                Fail("the PJL lines go on for more than " + std::to_string(kMaxLinesSize) +
+                     " bytes; expected \"" + std::string(kEnterLanguage) + "\" before");
+            }
+            if (length != std::string_view::npos) {
+                std::string line(ahead.substr(0, length));
+                reader_.Take(length + 1, "a PJL line");
+                taken_ += length + 1;
+                return line;
+            }
+            if (ahead.size() < size) {
+                Fail("the file ends within a PJL line: \"" + PrintableText(ahead, 40) +
+                     "\"; expected a line feed");
+            }
+        }
     }
-    reader.Take(length + 1, "a PJL line");
-    return rest.substr(0, length);
-}
 
-// Takes a value. Document names may contain line feeds, so a value whose quote is open continues in the next
-// line.
-std::string TakeValue(ByteReader& reader, std::string_view firstLine) {
-    std::string value(firstLine);
-    if (!value.starts_with('"')) return value;
-    while (value.size() < 2 || !value.ends_with('"')) value.append("\n").append(TakeLine(reader));
-    return value.substr(1, value.size() - 2);
-}
+    // Takes the value that begins in a line. Document names may contain line feeds, so a value whose quote is
+    // open continues in the next line.
+    std::string TakeValue(std::string_view firstLine) {
+        std::string value(firstLine);
+        if (!value.starts_with('"')) return value;
+        while (value.size() < 2 || !value.ends_with('"')) value.append("\n").append(Take());
+        return value.substr(1, value.size() - 2);
+    }
 
-void TakeVariable(ByteReader& reader, size_t offset, std::string_view assignment, PjlHeader& header) {
+  private:
+    [[noreturn]] void Fail(const std::string& complaint) const {
+        throw PrintFileError(reader_.Offset(), complaint);
+    }
+
+    ByteReader& reader_;
+    uint64_t taken_ = 0;
+};
+
+void TakeVariable(Lines& lines, uint64_t offset, std::string_view assignment, PjlHeader& header) {
     const size_t equals = assignment.find('=');
     if (equals == std::string_view::npos || equals == 0) {
         throw PrintFileError(offset, "PJL line \"" + std::string(kSet) + PrintableText(assignment, 40) +
                                          "\" sets nothing; expected NAME=VALUE");
     }
     const std::string_view name = assignment.substr(0, equals);
-    std::string value = TakeValue(reader, assignment.substr(equals + 1));
-    if (name == kThumbnail) {
-        header.thumbnail = std::move(value);
-    } else {
-        header.variables.push_back({std::string(name), std::move(value)});
+    header.variables.push_back({std::string(name), lines.TakeValue(assignment.substr(equals + 1))});
+}
+
+// Takes base64 digits and padding.
+Thumbnail TakeBase64(ByteReader& reader) {
+    Thumbnail thumbnail{.offset = reader.Offset()};
+    size_t padding = 0;
+    for (;;) {
+        const std::span<const uint8_t> ahead = reader.Ahead(kTakenAtATime);
+        const std::string_view text(reinterpret_cast<const char*>(ahead.data()), ahead.size());
+        size_t taken = padding > 0 ? 0 : CountBase64Digits(text);
+        for (; taken < text.size() && text[taken] == '=' && padding < 2; ++taken) ++padding;
+        if (taken == 0 || thumbnail.size > kMaxThumbnailSize) return thumbnail;
+        thumbnail.checksum = print_stream::Adler32(ahead.data(), taken, thumbnail.checksum);
+        thumbnail.size += taken;
+        reader.Take(taken, "the thumbnail");
     }
 }
 
+void TakeThumbnail(ByteReader& reader, PjlHeader& header) {
+    reader.Take(kThumbnail.size(), "the thumbnail");
+    header.thumbnail = TakeBase64(reader);
+    const std::string_view end = reader.TextAhead(kThumbnailEnd.size());
+    if (header.thumbnail->size % 4 != 0 || end != kThumbnailEnd) {
+        throw PrintFileError(reader.Offset(),
+                             "\"" + PrintableText(end) + "\" after " +
+                                 std::to_string(header.thumbnail->size) +
+                                 " characters of the thumbnail; expected base64 digits, a multiple of 4 and "
+                                 "at most " +
+                                 std::to_string(kMaxThumbnailSize) + ", and a closing quote");
+    }
+    reader.Take(kThumbnailEnd.size(), "the thumbnail");
+}
+
 void TakeOpening(ByteReader& reader) {
-    const std::string_view start = reader.RestAsText();
     const std::string_view framing(reinterpret_cast<const char*>(print_stream::kFramingChunk),
                                    sizeof print_stream::kFramingChunk);
-    if (start.starts_with(framing)) {
+    const std::string_view start = reader.TextAhead(framing.size());
+    if (start == framing) {
         throw PrintFileError(reader.Offset(),
                              "the engine's framing chunk, which the driver should have dropped; expected the "
                              "universal exit ESC%-12345X");
@@ -65,11 +128,11 @@ void TakeOpening(ByteReader& reader) {
                                                   "\"; expected the universal exit ESC%-12345X");
     }
     reader.Take(kUniversalExit.size(), "the universal exit");
-    const size_t offset = reader.Offset();
-    const std::string_view line = TakeLine(reader);
-    if (line != "@PJL") {
-        throw PrintFileError(offset, "\"" + PrintableText(line, 40) + "\"; expected the line \"@PJL\"");
+    const std::string_view line = reader.TextAhead(kFirstLine.size());
+    if (line != kFirstLine) {
+        throw PrintFileError(reader.Offset(), "\"" + PrintableText(line) + "\"; expected the line \"@PJL\"");
     }
+    reader.Take(kFirstLine.size(), "the first PJL line");
 }
 
 }  // namespace
@@ -90,19 +153,25 @@ std::optional<int32_t> PjlHeader::FindNumber(std::string_view name) const {
 
 PjlHeader ReadPjlHeader(ByteReader& reader) {
     TakeOpening(reader);
+    Lines lines(reader);
     PjlHeader header;
     for (;;) {
-        const size_t offset = reader.Offset();
-        const std::string_view line = TakeLine(reader);
-        if (line == kEnterLanguage) return header;
-        if (line.starts_with(kSet)) {
-            TakeVariable(reader, offset, line.substr(kSet.size()), header);
-        } else if (line.starts_with(kJobName)) {
-            header.variables.push_back({"JOB NAME", TakeValue(reader, line.substr(kJobName.size()))});
-        } else if (line.starts_with(kComment)) {
-            header.comment = TakeValue(reader, line.substr(kComment.size()));
+        const uint64_t offset = reader.Offset();
+        if (reader.TextAhead(kThumbnail.size()) == kThumbnail) {
+            TakeThumbnail(reader, header);
+            continue;
+        }
+        const std::string line = lines.Take();
+        const std::string_view text = line;
+        if (text == kEnterLanguage) return header;
+        if (text.starts_with(kSet)) {
+            TakeVariable(lines, offset, text.substr(kSet.size()), header);
+        } else if (text.starts_with(kJobName)) {
+            header.variables.push_back({"JOB NAME", lines.TakeValue(text.substr(kJobName.size()))});
+        } else if (text.starts_with(kComment)) {
+            header.comment = lines.TakeValue(text.substr(kComment.size()));
         } else {
-            throw PrintFileError(offset, "PJL line \"" + PrintableText(line, 40) +
+            throw PrintFileError(offset, "PJL line \"" + PrintableText(text, 40) +
                                              "\"; expected @PJL SET, @PJL JOB NAME, @PJL COMMENT or \"" +
                                              std::string(kEnterLanguage) + "\"");
         }

@@ -19,10 +19,19 @@ struct HeaderVariable {
     bool operator==(const HeaderVariable&) const = default;
 };
 
+// A PNG file in base64, a multiple of 4 characters. It may be as large as a page, so it stays in the file.
+struct Thumbnail {
+    uint64_t offset = 0;
+    uint64_t size = 0;
+    uint32_t checksum = 1;  // Adler-32 of the characters
+
+    bool operator==(const Thumbnail&) const = default;
+};
+
 struct PjlHeader {
     std::vector<HeaderVariable> variables;  // in the file's order, without the thumbnail
-    std::optional<std::string> thumbnail;   // a PNG file in base64
-    std::string comment;                    // of the print engine
+    std::optional<Thumbnail> thumbnail;
+    std::string comment;  // of the print engine
 
     // Returns the value of the first variable of that name, or null.
     const std::string* Find(std::string_view name) const;

@@ -1,10 +1,12 @@
 #include "tools/orvexview/print_file.h"
 
+#include <algorithm>
 #include <charconv>
 #include <string>
 
 #include "engine/print_stream.h"
-#include "tools/common/whole_file.h"
+#include "tools/common/printable_text.h"
+#include "tools/orvexview/base64_decoder.h"
 #include "tools/orvexview/row_decoder.h"
 
 namespace orvex::tools::view {
@@ -40,16 +42,22 @@ std::string NameOf(RecordType type) {
     return NameOf(static_cast<uint8_t>(type));
 }
 
+constexpr const char* kHasChanged = "rows that have changed while the file was read";
+
 std::string InRange(std::string_view what, uint64_t value, uint64_t least, uint64_t most) {
     std::string text =
         std::string(what) + " " + std::to_string(value) + "; expected " + std::to_string(least);
     return least == most ? text : text + " to " + std::to_string(most);
 }
 
+size_t LargestRowsRecord(uint32_t rowWidth) {
+    return kRowsRecordSize + row_code::MaxEncodedRowSize(rowWidth);
+}
+
 // A reader of the records of one file.
 class Parser {
   public:
-    explicit Parser(PrintFile& file) : file_(file), reader_(file.bytes) {}
+    explicit Parser(PrintFile& file) : file_(file), reader_(*file.source) {}
 
     void Run() {
         file_.header = ReadPjlHeader(reader_);
@@ -66,43 +74,52 @@ class Parser {
 
   private:
     uint8_t NextType() {
-        if (reader_.Rest().empty()) throw PrintFileError(reader_.Offset(), "the file ends without a job end");
-        return reader_.Rest()[0];
+        const std::span<const uint8_t> next = reader_.Ahead(1);
+        if (next.empty()) throw PrintFileError(reader_.Offset(), "the file ends without a job end");
+        return next[0];
     }
 
-    // Enters a record of that type and verifies its checksum. Returns the payload, and leaves the reader at
-    // its beginning.
-    std::span<const uint8_t> BeginRecord(RecordType type, size_t leastSize, size_t mostSize) {
-        const size_t offset = reader_.Offset();
-        const uint8_t found = reader_.TakeByte(NameOf(type));
+    // Takes a record of that type and verifies its checksum. Its payload is valid until the next read.
+    void BeginRecord(RecordType type, size_t leastSize, size_t mostSize) {
+        const std::string name = NameOf(type);
+        const uint64_t offset = reader_.Offset();
+        const uint8_t found = reader_.TakeByte(name);
         if (found != static_cast<uint8_t>(type)) {
-            throw PrintFileError(offset, NameOf(found) + "; expected " + NameOf(type));
+            throw PrintFileError(offset, NameOf(found) + "; expected " + name);
         }
-        const uint32_t size = reader_.TakeNumber(NameOf(type));
+        const uint32_t size = reader_.TakeNumber(name);
         if (size < leastSize || size > mostSize) {
-            throw PrintFileError(offset + 1, InRange("size of " + NameOf(type), size, leastSize, mostSize));
+            throw PrintFileError(offset + 1, InRange("size of " + name, size, leastSize, mostSize));
         }
-        ByteReader ahead = reader_;
-        const std::span<const uint8_t> payload = ahead.Take(size, NameOf(type));
-        const size_t checksumOffset = ahead.Offset();
-        const uint32_t stored = ahead.TakeNumber(NameOf(type));
-        const uint32_t computed = Adler32(file_.bytes.data() + offset, kRecordHeaderSize + size);
-        if (stored != computed) {
-            throw PrintFileError(checksumOffset,
-                                 InRange("checksum of " + NameOf(type), stored, computed, computed));
-        }
-        recordEnd_ = ahead.Offset();
-        return payload;
+        payloadOffset_ = reader_.Offset();
+        const std::span<const uint8_t> rest = reader_.Ahead(size + kChecksumSize);
+        reader_.RequireWhole(rest.size(), size, name);
+        payload_ = rest.first(size);
+        reader_ = ByteReader(*file_.source, payloadOffset_ + size);
+        reader_.RequireWhole(rest.size() - size, kChecksumSize, name);
+        CheckChecksum(name, found, LittleEndian(rest.subspan(size)));
+        reader_ = ByteReader(*file_.source, payloadOffset_ + size + kChecksumSize);
     }
 
     void BeginRecord(RecordType type, size_t size) { BeginRecord(type, size, size); }
 
-    // Takes a number of the record and checks its range. After the last number moves on to the next record.
+    void CheckChecksum(const std::string& name, uint8_t type, uint32_t stored) const {
+        uint8_t header[kRecordHeaderSize] = {type};
+        StoreNumber(header + 1, static_cast<uint32_t>(payload_.size()));
+        const uint32_t computed =
+            Adler32(payload_.data(), payload_.size(), Adler32(header, kRecordHeaderSize));
+        if (stored == computed) return;
+        throw PrintFileError(reader_.Offset(), InRange("checksum of " + name, stored, computed, computed));
+    }
+
+    // Takes a number of the record and checks its range.
     uint32_t TakeChecked(std::string_view what, uint64_t least, uint64_t most) {
-        const size_t offset = reader_.Offset();
-        const uint32_t number = reader_.TakeNumber(what);
-        if (number < least || number > most) throw PrintFileError(offset, InRange(what, number, least, most));
-        if (reader_.Offset() + kChecksumSize == recordEnd_) reader_.Take(kChecksumSize, what);
+        const uint32_t number = LittleEndian(payload_);
+        if (number < least || number > most) {
+            throw PrintFileError(payloadOffset_, InRange(what, number, least, most));
+        }
+        payload_ = payload_.subspan(sizeof number);
+        payloadOffset_ += sizeof number;
         return number;
     }
 
@@ -115,15 +132,16 @@ class Parser {
 
     int32_t ReadResolutionCommand() {
         constexpr std::string_view kStart = "\x1B*o";
+        constexpr size_t kMostDigits = 4;
         constexpr std::string_view kExpected =
             "expected a resolution command ESC*o, a number from -128 to 127, M";
-        const size_t offset = reader_.Offset();
-        const std::string_view text = reader_.RestAsText();
-        if (!text.starts_with(kStart)) {
-            throw PrintFileError(offset, NameOf(NextType()) + "; " + std::string(kExpected));
-        }
+        const uint64_t offset = reader_.Offset();
+        const uint8_t type = NextType();
+        const std::string_view text = reader_.TextAhead(kStart.size() + kMostDigits + 1);
+        if (!text.starts_with(kStart))
+            throw PrintFileError(offset, NameOf(type) + "; " + std::string(kExpected));
         int32_t code = 0;
-        const std::string_view digits = text.substr(kStart.size(), 5);
+        const std::string_view digits = text.substr(kStart.size());
         const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), code);
         const size_t length = static_cast<size_t>(end - digits.data());
         if (error != std::errc() || length == digits.size() || *end != 'M' || code < -128 || code > 127) {
@@ -134,7 +152,12 @@ class Parser {
     }
 
     void ReadPage() {
+        if (file_.pages.size() == kMaxPages) {
+            throw PrintFileError(reader_.Offset(),
+                                 "more than " + std::to_string(kMaxPages) + " pages; expected a job end");
+        }
         PrintedPage page;
+        page.source = file_.source.get();
         page.resolutionCode = ReadResolutionCommand();
         const uint32_t number = static_cast<uint32_t>(file_.pages.size()) + 1;
         BeginRecord(RecordType::kPageStart, 12);
@@ -144,7 +167,7 @@ class Parser {
         ReadBlock(page);
         BeginRecord(RecordType::kPageEnd, 4);
         TakeChecked("page number", number, number);
-        file_.pages.push_back(std::move(page));
+        file_.pages.push_back(page);
     }
 
     void ReadBlock(PrintedPage& page) {
@@ -152,6 +175,7 @@ class Parser {
         page.top = TakeChecked("block top", 0, kMaxBlockRows);
         page.rowWidth = TakeChecked("row width", 1, kMaxRowWidth);
         page.announcedRows = TakeChecked("row count", 1, kMaxBlockRows);
+        page.rowsOffset = reader_.Offset();
         above_.assign(page.rowWidth, 0);
         while (NextType() == static_cast<uint8_t>(RecordType::kRows)) ReadRowsRecord(page);
         if (page.rows == 0) throw PrintFileError(reader_.Offset(), NameOf(NextType()) + "; expected rows");
@@ -160,67 +184,93 @@ class Parser {
     }
 
     void ReadRowsRecord(PrintedPage& page) {
-        const size_t largest = kRowsRecordSize + row_code::MaxEncodedRowSize(page.rowWidth);
-        const std::span<const uint8_t> payload = BeginRecord(RecordType::kRows, 1, largest);
+        BeginRecord(RecordType::kRows, 1, LargestRowsRecord(page.rowWidth));
         const uint32_t mostRows = page.announcedRows + HeadBlockSlack(file_.resolutionMode);
-        for (std::span<const uint8_t> code = payload; !code.empty(); ++page.rows) {
-            const auto offset = static_cast<size_t>(code.data() - file_.bytes.data());
+        for (std::span<const uint8_t> code = payload_; !code.empty(); ++page.rows) {
+            const uint64_t codeEnd = payloadOffset_ + payload_.size();
             if (page.rows == mostRows) {
-                throw PrintFileError(offset, "row " + std::to_string(page.rows + 1) +
-                                                 " of a block of at most " + std::to_string(mostRows));
+                throw PrintFileError(codeEnd - code.size(), "row " + std::to_string(page.rows + 1) +
+                                                                " of a block of at most " +
+                                                                std::to_string(mostRows));
             }
             if (const char* complaint = DecodeRow(code, above_)) {
-                throw PrintFileError(static_cast<size_t>(code.data() - file_.bytes.data()),
-                                     "row " + std::to_string(page.rows) + " of page " +
-                                         std::to_string(page.number) + ": " + complaint);
+                throw PrintFileError(codeEnd - code.size(), "row " + std::to_string(page.rows) + " of page " +
+                                                                std::to_string(page.number) + ": " +
+                                                                complaint);
             }
         }
-        page.encodedRows.push_back(payload);
-        reader_.Take(payload.size() + kChecksumSize, "rows");
+        page.encodedSize += payload_.size();
     }
 
     void ReadClosing() {
-        const size_t offset = reader_.Offset();
-        if (reader_.RestAsText() != kUniversalExit) {
-            throw PrintFileError(offset, std::to_string(reader_.Rest().size()) +
-                                             " bytes that are not the closing universal exit ESC%-12345X");
-        }
+        const std::string_view end = reader_.TextAhead(kUniversalExit.size() + 1);
+        if (end == kUniversalExit) return;
+        throw PrintFileError(reader_.Offset(),
+                             "\"" + PrintableText(end) +
+                                 "\"; expected the closing universal exit ESC%-12345X and nothing after it");
     }
 
     PrintFile& file_;
     ByteReader reader_;
-    size_t recordEnd_ = 0;
+    std::span<const uint8_t> payload_;  // of the record, without the numbers that were taken
+    uint64_t payloadOffset_ = 0;
     std::vector<uint32_t> above_;
 };
 
 }  // namespace
 
-size_t PrintedPage::EncodedSize() const {
-    size_t size = 0;
-    for (const std::span<const uint8_t> record : encodedRows) size += record.size();
-    return size;
-}
-
-PrintFile ParsePrintFile(std::vector<uint8_t> bytes) {
+PrintFile ParsePrintFile(std::unique_ptr<ByteSource> source) {
     PrintFile file;
-    file.bytes = std::move(bytes);
+    file.source = std::move(source);
     Parser(file).Run();
     return file;
 }
 
-PrintFile ReadPrintFile(const std::filesystem::path& path) {
-    return ParsePrintFile(ReadWholeFile(path));
+PrintFile ParsePrintFile(std::vector<uint8_t> bytes) {
+    return ParsePrintFile(std::make_unique<MemorySource>(std::move(bytes)));
 }
 
-RowReader::RowReader(const PrintedPage& page) : page_(page), row_(page.rowWidth) {}
+PrintFile ReadPrintFile(const std::filesystem::path& path) {
+    return ParsePrintFile(std::make_unique<FileSource>(path));
+}
+
+void ReadThumbnail(const PrintFile& file, const std::function<void(std::span<const uint8_t>)>& take) {
+    constexpr uint64_t kPart = uint64_t{64} * 1024;
+    const Thumbnail& thumbnail = *file.header.thumbnail;
+    ByteReader reader(*file.source, thumbnail.offset);
+    for (uint64_t left = thumbnail.size; left > 0;) {
+        const auto size = static_cast<size_t>(std::min(left, kPart));
+        const std::span<const uint8_t> text = reader.Take(size, "the thumbnail");
+        take(DecodeBase64({reinterpret_cast<const char*>(text.data()), text.size()}));
+        left -= size;
+    }
+}
+
+RowReader::RowReader(const PrintedPage& page)
+    : reader_(*page.source, page.rowsOffset), rowsLeft_(page.rows), row_(page.rowWidth) {}
 
 std::span<const uint32_t> RowReader::Next() {
-    while (code_.empty()) {
-        if (record_ == page_.encodedRows.size()) return {};
-        code_ = page_.encodedRows[record_++];
-    }
-    DecodeRow(code_, row_);  // can't fail: it was checked when the file was read
+    if (rowsLeft_ == 0) return {};
+    --rowsLeft_;
+    if (code_.empty()) TakeRecord();
+    if (DecodeRow(code_, row_) != nullptr) throw PrintFileError(reader_.Offset(), kHasChanged);
     return row_;
+}
+
+// Takes the next rows record, which was checked when the file was parsed.
+void RowReader::TakeRecord() {
+    const uint64_t offset = reader_.Offset();
+    const uint8_t type = reader_.TakeByte(kHasChanged);
+    const uint32_t size = reader_.TakeNumber(kHasChanged);
+    if (type != static_cast<uint8_t>(RecordType::kRows) ||
+        size > LargestRowsRecord(static_cast<uint32_t>(row_.size()))) {
+        throw PrintFileError(offset, kHasChanged);
+    }
+    // A copy, so that the source may be read elsewhere meanwhile.
+    const std::span<const uint8_t> payload = reader_.Take(size, kHasChanged);
+    record_.assign(payload.begin(), payload.end());
+    code_ = record_;
+    reader_.Take(kChecksumSize, kHasChanged);
 }
 
 std::vector<std::vector<uint32_t>> ReadRows(const PrintedPage& page) {

@@ -1,8 +1,12 @@
-// Print files of the stand-in print engine, read and checked as a whole.
+// Print files of the stand-in print engine: checked as a whole, with an index of their pages, and read again
+// page by page. Whatever a file claims and however long it is, memory is taken for the index and some rows
+// only.
 #pragma once
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
+#include <memory>
 #include <span>
 #include <vector>
 
@@ -11,57 +15,59 @@
 
 namespace orvex::tools::view {
 
+inline constexpr size_t kMaxPages = 1'000'000;
+
 // One page with its raster block. Row numbers and `top` count along the width of the print head.
 struct PrintedPage {
-    uint32_t number = 0;                                // from 1
-    int32_t resolutionCode = 0;                         // the number in the page's resolution command
-    uint32_t width = 0;                                 // of the page, in 1/7200 inch, along a row
-    uint32_t length = 0;                                // of the page, in 1/7200 inch, across the rows
-    uint32_t top = 0;                                   // rows before the block
-    uint32_t rowWidth = 0;                              // pixels
-    uint32_t announcedRows = 0;                         // when the block was started
-    uint32_t rows = 0;                                  // that were sent
-    std::vector<std::span<const uint8_t>> encodedRows;  // whole rows, in PrintFile::bytes
-
-    size_t EncodedSize() const;
+    uint32_t number = 0;           // from 1
+    int32_t resolutionCode = 0;    // the number in the page's resolution command
+    uint32_t width = 0;            // of the page, in 1/7200 inch, along a row
+    uint32_t length = 0;           // of the page, in 1/7200 inch, across the rows
+    uint32_t top = 0;              // rows before the block
+    uint32_t rowWidth = 0;         // pixels
+    uint32_t announcedRows = 0;    // when the block was started
+    uint32_t rows = 0;             // that were sent
+    uint64_t encodedSize = 0;      // bytes of the rows' code
+    uint64_t rowsOffset = 0;       // of the first rows record
+    ByteSource* source = nullptr;  // of the print file, which must outlive the page
 };
 
 struct PrintFile {
-    PrintFile() = default;
-    ~PrintFile() = default;
-    // Only moves are safe: the pages' rows point into `bytes`, whose memory then stays the same.
-    PrintFile(PrintFile&&) = default;
-    PrintFile& operator=(PrintFile&&) = default;
-    PrintFile(const PrintFile&) = delete;
-    PrintFile& operator=(const PrintFile&) = delete;
-
-    std::vector<uint8_t> bytes;
+    std::unique_ptr<ByteSource> source;
     PjlHeader header;
     uint32_t resolutionMode = 0;  // 0 = 300 dpi, 1 = 600 dpi, 2 = other
     uint32_t dpi = 0;             // of the resolution mode; 150 for other
     std::vector<PrintedPage> pages;
 };
 
-// Parses a print file and checks all of it, including the code of every row. Whatever the file claims, takes
-// memory only for its bytes and one row. Throws PrintFileError.
+// Parse a print file and check all of it, including the code of every row. Throw PrintFileError.
+PrintFile ParsePrintFile(std::unique_ptr<ByteSource> source);
 PrintFile ParsePrintFile(std::vector<uint8_t> bytes);
 
-// Reads and parses a print file. Throws PrintFileError, and std::runtime_error if the file can't be read.
+// Parses a print file, and keeps it open. Throws PrintFileError, and std::runtime_error if the file can't be
+// read.
 PrintFile ReadPrintFile(const std::filesystem::path& path);
 
-// Reader of a page's rows, exactly as the print engine got them. The print file must outlive it.
+// Decodes the thumbnail, which there must be, and hands over its bytes part by part.
+void ReadThumbnail(const PrintFile& file, const std::function<void(std::span<const uint8_t>)>& take);
+
+// Reader of a page's rows, exactly as the print engine got them.
 class RowReader {
   public:
     explicit RowReader(const PrintedPage& page);
 
-    // Returns the next row, valid until the next call; empty after the last one.
+    // Returns the next row, valid until the next call; empty after the last one. Throws PrintFileError if the
+    // file has changed since it was parsed.
     std::span<const uint32_t> Next();
 
   private:
-    const PrintedPage& page_;
+    void TakeRecord();
+
+    ByteReader reader_;
+    uint32_t rowsLeft_;
     std::vector<uint32_t> row_;
-    size_t record_ = 0;
-    std::span<const uint8_t> code_;
+    std::vector<uint8_t> record_;
+    std::span<const uint8_t> code_;  // of the rows in `record_` that are not decoded yet
 };
 
 // Returns all rows of a page at once, for small pages.

@@ -1,13 +1,10 @@
 #include "tools/orvexview/report.h"
 
-#include <array>
 #include <optional>
 
 #include "engine/print_stream.h"
-#include "tools/common/ink_model.h"
 #include "tools/common/number_text.h"
 #include "tools/common/printable_text.h"
-#include "tools/orvexview/page_pictures.h"
 #include "tools/orvexview/table.h"
 
 namespace orvex::tools::view {
@@ -74,37 +71,11 @@ std::string PixelsAndMm(uint32_t pixels, uint32_t dpi) {
     return pixels == 0 ? "none" : std::to_string(pixels) + " (" + MmText(pixels, dpi) + " mm)";
 }
 
-// Returns the mean amount of every ink over the image, 0 to 1.
-std::array<double, kInks> InkShares(const PrintFile& file, const PrintedPage& page,
-                                    const PagePlacement& placement) {
-    const InkModel model(file.dpi);
-    const BlockArea area = ImageArea(placement);
-    std::array<std::array<uint64_t, 256>, kInks> counts{};
-    RowReader reader(page);
-    for (uint32_t row = 0; row < area.top + area.rows; ++row) {
-        const std::span<const uint32_t> inkValues = reader.Next();
-        if (row < area.top) continue;
-        for (const uint32_t value : inkValues.subspan(area.left, area.width)) {
-            for (int ink = 0; ink < kInks; ++ink) ++counts[ink][InkAmount(value, ink)];
-        }
-    }
-    std::array<double, kInks> shares{};
-    for (int ink = 0; ink < kInks; ++ink) {
-        for (int amount = 0; amount < 256; ++amount) {
-            shares[ink] +=
-                static_cast<double>(counts[ink][amount]) * model.Share(static_cast<uint8_t>(amount));
-        }
-        shares[ink] /= static_cast<double>(uint64_t{area.width} * area.rows);
-    }
-    return shares;
-}
-
-std::string InkText(const PrintFile& file, const PrintedPage& page, const PagePlacement& placement) {
-    const std::array<double, kInks> shares = InkShares(file, page, placement);
+std::string InkText(const std::array<double, kInks>& means) {
     std::string text;
     for (int ink = 0; ink < kInks; ++ink) {
         text += (ink == 0 ? "" : "  ") + std::string(1, kInkLetters[ink]) + " " +
-                DecimalText(100 * shares[ink], 1) + " %";
+                DecimalText(100 * means[ink], 1) + " %";
     }
     return text;
 }
@@ -141,12 +112,15 @@ std::string HeadText(const PrintedPage& page, const PagePlacement& placement) {
 
 std::string EncodedText(const PrintedPage& page) {
     const double raw = 4.0 * page.rowWidth * page.rows;
-    return std::to_string(page.EncodedSize()) + " bytes, " +
-           DecimalText(100.0 * static_cast<double>(page.EncodedSize()) / raw, 2) + " %";
+    return std::to_string(page.encodedSize) + " bytes, " +
+           DecimalText(100.0 * static_cast<double>(page.encodedSize) / raw, 2) + " %";
 }
 
-void DescribePage(const PrintFile& file, const PrintedPage& page, const PagePlacement& placement,
-                  Table& table) {
+}  // namespace
+
+std::string DescribePage(const PrintFile& file, const PrintedPage& page, const PagePlacement& placement,
+                         const std::array<double, kInks>& meanInks) {
+    Table table({"Page", "Geometry", "Value"});
     const auto add = [&](const char* what, const std::string& value) {
         table.Add({std::to_string(page.number), what, value});
     };
@@ -163,11 +137,10 @@ void DescribePage(const PrintFile& file, const PrintedPage& page, const PagePlac
     add("engine page", SizeText(page.width, page.length) + " units (" + MmText(page.width, kUnits) + " x " +
                            MmText(page.length, kUnits) + " mm)");
     add("resolution code", std::to_string(page.resolutionCode));
-    add("mean ink", InkText(file, page, placement));
+    add("mean ink", InkText(meanInks));
     add("compressed to", EncodedText(page));
+    return table.Text();
 }
-
-}  // namespace
 
 std::string MeaningOf(std::string_view name, std::string_view value) {
     for (const Meaning& meaning : kMeanings) {
@@ -187,19 +160,13 @@ std::string DescribeHeader(const PrintFile& file) {
                    MeaningOf(variable.name, variable.value)});
     }
     if (file.header.thumbnail) {
-        table.Add({"QRV_THUMBNAIL", std::to_string(file.header.thumbnail->size()) + " characters",
+        table.Add({"QRV_THUMBNAIL", std::to_string(file.header.thumbnail->size) + " characters",
                    "picture of the first page, PNG in base64"});
     }
     const std::string resolution =
         file.resolutionMode == 2 ? "neither 300 nor 600 dpi" : std::to_string(file.dpi) + " dpi";
     return table.Text() + "\nEngine: " + PrintableText(file.header.comment) + "\nResolution: " + resolution +
            "\nPages: " + std::to_string(file.pages.size()) + "\n";
-}
-
-std::string DescribePages(const PrintFile& file, const std::vector<PagePlacement>& placements) {
-    Table table({"Page", "Geometry", "Value"});
-    for (size_t i = 0; i < file.pages.size(); ++i) DescribePage(file, file.pages[i], placements[i], table);
-    return table.Text();
 }
 
 }  // namespace orvex::tools::view

@@ -1,10 +1,11 @@
 // The contents of a print file as text for a person.
 #pragma once
 
+#include <array>
 #include <string>
 #include <string_view>
-#include <vector>
 
+#include "driver/color/ink.h"
 #include "tools/orvexview/page_placement.h"
 #include "tools/orvexview/print_file.h"
 
@@ -17,8 +18,8 @@ std::string MeaningOf(std::string_view name, std::string_view value);
 // Returns a table of the job header's variables with their values and meanings.
 std::string DescribeHeader(const PrintFile& file);
 
-// Returns a table of the geometry of every page; `placements` are those of the pages. Reads all rows for the
-// mean amount of each ink over the image, of which 100 % is full ink everywhere.
-std::string DescribePages(const PrintFile& file, const std::vector<PagePlacement>& placements);
+// Returns a table of a page's geometry and its mean inks, of which 100 % is full ink everywhere.
+std::string DescribePage(const PrintFile& file, const PrintedPage& page, const PagePlacement& placement,
+                         const std::array<double, kInks>& meanInks);
 
 }  // namespace orvex::tools::view

@@ -1,6 +1,8 @@
 #include "tools/orvexview/viewing.h"
 
 #include <algorithm>
+#include <functional>
+#include <memory>
 #include <ostream>
 #include <stdexcept>
 
@@ -8,109 +10,252 @@
 #include "tools/common/png_file.h"
 #include "tools/common/whole_file.h"
 #include "tools/common/wide_text.h"
-#include "tools/orvexview/base64_decoder.h"
 #include "tools/orvexview/comparison.h"
+#include "tools/orvexview/layout_picture.h"
 #include "tools/orvexview/page_pictures.h"
+#include "tools/orvexview/png_writer.h"
 #include "tools/orvexview/print_file.h"
 #include "tools/orvexview/report.h"
+#include "tools/orvexview/same_file.h"
+#include "tools/orvexview/together.h"
 
 namespace orvex::tools::view {
 
 namespace {
 
+// One picture on its way into its file.
+struct PictureFile {
+    PictureFile(std::string fileName, uint32_t width, uint32_t height, uint32_t channels, uint32_t scale,
+                uint32_t dpi)
+        : name(std::move(fileName)),
+          text(name + ": " + SizeText(width, height) + " pixels" +
+               (scale > 1 ? ", " + SizeText(scale, scale) + " to one" : "") + "\n"),
+          writer(PathFromUtf8(name), width, height, channels, static_cast<double>(dpi) / scale) {}
+
+    std::string name;
+    std::string text;
+    PngWriter writer;
+};
+
+uint32_t Reduced(uint32_t pixels, uint32_t scale) {
+    return (pixels + scale - 1) / scale;
+}
+
+// The names of a page's pictures.
+struct PictureNames {
+    explicit PictureNames(const std::string& base) : composite(base + ".png"), layout(base + "-layout.png") {
+        for (int ink = 0; ink < kInks; ++ink) inks.push_back(base + "-" + kInkLetters[ink] + ".png");
+    }
+
+    std::string composite;
+    std::vector<std::string> inks;
+    std::string layout;
+};
+
 class Viewing {
   public:
     Viewing(const Options& options, std::ostream& out)
-        : options_(options), out_(out), file_(ReadPrintFile(PathFromUtf8(options.file))) {
-        for (const PrintedPage& page : file_.pages) {
-            placements_.push_back(PlacePage(file_, page, options.orientation));
-        }
+        : options_(options), out_(out), file_(ReadPrintFile(PathFromUtf8(options.file))), model_(file_.dpi) {
         for (const uint32_t number : options.pages) {
             if (number <= file_.pages.size()) continue;
-            throw std::runtime_error("there is no page " + std::to_string(number) + "; the job has " +
-                                     std::to_string(file_.pages.size()));
+            throw std::runtime_error("--page " + std::to_string(number) + ": " + options.file + " has " +
+                                     std::to_string(file_.pages.size()) +
+                                     (file_.pages.size() == 1 ? " page" : " pages"));
         }
+        if (!options.thumbnail.empty() && !file_.header.thumbnail) {
+            throw std::runtime_error("--thumbnail: the job header of " + options.file + " has no thumbnail");
+        }
+        CheckOutputs();
     }
 
     void Show() const {
-        out_ << DescribeHeader(file_) << "\n" << DescribePages(file_, placements_);
+        out_ << DescribeHeader(file_);
         if (!options_.thumbnail.empty()) WriteThumbnail();
-        for (size_t index = 0; options_.pictures && index < file_.pages.size(); ++index) {
-            if (IsChosen(index)) WritePictures(index);
+        for (const PrintedPage& page : file_.pages) {
+            if (IsShown(page)) ShowPage(page);
         }
         if (!options_.verify.empty()) Verify();
     }
 
   private:
-    bool IsChosen(size_t index) const {
+    bool IsShown(const PrintedPage& page) const {
         const std::vector<uint32_t>& pages = options_.pages;
-        return pages.empty() || std::find(pages.begin(), pages.end(), index + 1) != pages.end();
+        return pages.empty() || std::find(pages.begin(), pages.end(), page.number) != pages.end();
     }
 
-    uint32_t Scale(uint32_t longerSide) const {
-        return options_.scale > 0 ? options_.scale : ScaleToFit(longerSide, kPreviewSize);
+    bool IsDrawn(const PrintedPage& page) const { return options_.pictures && IsShown(page); }
+
+    PictureNames NamesOf(const PrintedPage& page) const {
+        const std::string prefix = options_.prefix.empty()
+                                       ? Utf8FromPath(PathFromUtf8(options_.file).replace_extension())
+                                       : options_.prefix;
+        return PictureNames(prefix + "-page" + std::to_string(page.number));
     }
 
-    void WritePicture(const Picture& picture, uint32_t scale, const std::string& name) const {
-        SavePng(picture, static_cast<double>(file_.dpi) / scale, PathFromUtf8(name));
-        out_ << name << ": " << SizeText(picture.width, picture.height) << " pixels";
-        if (scale > 1) out_ << ", " << SizeText(scale, scale) << " to one";
-        out_ << "\n";
-    }
-
-    void WritePictures(size_t index) const {
-        const PrintedPage& page = file_.pages[index];
-        const PagePlacement& placement = placements_[index];
-        const BlockArea area = options_.raw ? WholeBlock(page) : ImageArea(placement);
-        const uint32_t scale = Scale(std::max(area.width, area.rows));
-        const auto turned = [&](Picture picture) {
-            return options_.raw ? picture : Upright(std::move(picture), placement);
+    // Refuses an output that is another file of this run, before anything is written.
+    void CheckOutputs() const {
+        struct NamedFile {
+            std::string name;
+            const char* role;
         };
-        const std::string name = Prefix() + "-page" + std::to_string(page.number);
-        WritePicture(turned(DrawComposite(file_, page, area, scale)), scale, name + ".png");
-        for (int ink = 0; options_.inks && ink < kInks; ++ink) {
-            WritePicture(turned(DrawInk(file_, page, area, scale, ink)), scale,
-                         name + "-" + kInkLetters[ink] + ".png");
+        std::vector<NamedFile> others = {{options_.file, "the print file"}};
+        if (!options_.verify.empty()) others.push_back({options_.verify, "the picture to verify"});
+        const auto check = [&](const std::string& output) {
+            for (const NamedFile& other : others) {
+                if (!IsSameFile(output, other.name)) continue;
+                throw std::runtime_error(output + " is also " + other.role + "; nothing was written");
+            }
+        };
+        if (!options_.thumbnail.empty()) {
+            check(options_.thumbnail);
+            others.push_back({options_.thumbnail, "the thumbnail"});
         }
-        if (!options_.layout) return;
-        const uint32_t layoutScale = Scale(LayoutLength(page, placement));
-        WritePicture(turned(DrawLayout(file_, page, placement, layoutScale)), layoutScale,
-                     name + "-layout.png");
+        for (const PrintedPage& page : file_.pages) {
+            if (!IsDrawn(page)) continue;
+            const PictureNames names = NamesOf(page);
+            check(names.composite);
+            for (int ink = 0; options_.inks && ink < kInks; ++ink) check(names.inks[ink]);
+            if (options_.layout) check(names.layout);
+        }
     }
 
-    std::string Prefix() const {
-        if (!options_.prefix.empty()) return options_.prefix;
-        return Utf8FromPath(PathFromUtf8(options_.file).replace_extension());
+    Drawing DrawingOf(const PrintedPage& page, const PagePlacement& placement) const {
+        Drawing drawing;
+        drawing.area = options_.raw ? WholeBlock(page) : ImageArea(placement);
+        if (!IsDrawn(page)) return drawing;
+        drawing.composite = true;
+        drawing.inks = options_.inks;
+        drawing.turned = !options_.raw && placement.orientation == Orientation::kPortrait;
+        drawing.scale = options_.scale > 0
+                            ? options_.scale
+                            : PreviewScale(drawing.area.width, drawing.area.rows, placement.headRows);
+        if (options_.layout) {
+            drawing.blockScale = std::max(
+                options_.scale, PreviewScale(page.rowWidth, LayoutRows(page, placement), placement.headRows));
+        }
+        return drawing;
+    }
+
+    using Files = std::vector<std::unique_ptr<PictureFile>>;
+
+    // Opens the files of the composite and, after it, the inks.
+    Files OpenFiles(const PictureNames& names, const Drawing& drawing) const {
+        uint32_t width = Reduced(drawing.area.width, drawing.scale);
+        uint32_t height = Reduced(drawing.area.rows, drawing.scale);
+        if (drawing.turned) std::swap(width, height);
+        Files files;
+        const auto open = [&](const std::string& name, uint32_t channels) {
+            files.push_back(
+                std::make_unique<PictureFile>(name, width, height, channels, drawing.scale, file_.dpi));
+        };
+        if (drawing.composite) open(names.composite, 3);
+        for (int ink = 0; drawing.inks && ink < kInks; ++ink) open(names.inks[ink], 1);
+        return files;
+    }
+
+    std::unique_ptr<PictureFile> WriteLayout(const PrintedPage& page, const PagePlacement& placement,
+                                             const Drawing& drawing, Picture block) const {
+        const Picture layout = DrawLayout(file_, page, placement, std::move(block),
+                                          {.scale = drawing.blockScale, .turned = drawing.turned});
+        auto written = std::make_unique<PictureFile>(NamesOf(page).layout, layout.width, layout.height, 3,
+                                                     drawing.blockScale, file_.dpi);
+        written->writer.TakeLines(layout);
+        return written;
+    }
+
+    // Shows the page's table and writes its pictures. Small ones take one pass over the rows.
+    void ShowPage(const PrintedPage& page) const {
+        const PagePlacement placement = PlacePage(file_, page, options_.orientation);
+        Drawing drawing = DrawingOf(page, placement);
+        const Files files = OpenFiles(NamesOf(page), drawing);
+        std::unique_ptr<PictureFile> layout;
+        const std::vector<BlockArea> bands = Bands(drawing, options_.bandBytes);
+        for (size_t band = 0; band < bands.size(); ++band) {
+            drawing.area = bands[band];
+            PagePictures pictures = DrawPage(model_, page, placement, drawing);
+            if (band == 0) out_ << "\n" << DescribePage(file_, page, placement, pictures.means);
+            std::vector<std::function<void()>> tasks;
+            if (drawing.blockScale > 0) {
+                tasks.push_back(
+                    [&] { layout = WriteLayout(page, placement, drawing, std::move(pictures.block)); });
+            }
+            for (size_t i = 0; i < files.size(); ++i) {
+                const Picture& picture = i == 0 ? pictures.composite : pictures.inks[i - 1];
+                tasks.push_back([&, i] { files[i]->writer.TakeLines(picture); });
+            }
+            RunTogether(tasks);
+            drawing.blockScale = 0;
+        }
+        for (const std::unique_ptr<PictureFile>& file : files) Complete(*file);
+        if (layout) Complete(*layout);
+    }
+
+    void Complete(PictureFile& file) const {
+        file.writer.Complete();
+        out_ << file.text;
     }
 
     void WriteThumbnail() const {
-        if (!file_.header.thumbnail) throw std::runtime_error("the job header has no thumbnail");
-        const std::vector<uint8_t> png = DecodeBase64(*file_.header.thumbnail);
-        WriteWholeFile(PathFromUtf8(options_.thumbnail), png);
-        out_ << options_.thumbnail << ": " << png.size() << " bytes\n";
+        OutputFile file(PathFromUtf8(options_.thumbnail));
+        ReadThumbnail(file_, [&](std::span<const uint8_t> bytes) {
+            if (file.Write({reinterpret_cast<const char*>(bytes.data()), bytes.size()})) return;
+            throw std::runtime_error(options_.thumbnail + " can't be written");
+        });
+        const uint64_t size = file.Size();
+        file.Complete();
+        out_ << "\n" << options_.thumbnail << ": " << size << " bytes\n";
     }
 
     void Verify() const {
         const std::vector<uint32_t>& pages = options_.pages;
         const size_t index = pages.empty() ? 0 : *std::min_element(pages.begin(), pages.end()) - 1;
-        const PagePlacement& placement = placements_[index];
+        const PrintedPage& page = file_.pages[index];
+        const PagePlacement placement = PlacePage(file_, page, options_.orientation);
+        Drawing drawing{.area = ImageArea(placement), .composite = true};
+        drawing.turned = placement.orientation == Orientation::kPortrait;
         const RasterImage image = LoadPng(PathFromUtf8(options_.verify));
-        const Picture composite =
-            Upright(DrawComposite(file_, file_.pages[index], ImageArea(placement), 1), placement);
+        Comparer comparer(drawing.turned ? drawing.area.rows : drawing.area.width,
+                          drawing.turned ? drawing.area.width : drawing.area.rows, image);
+        for (const BlockArea& band : Bands(drawing, options_.bandBytes)) {
+            drawing.area = band;
+            comparer.TakeLines(DrawPage(model_, page, placement, drawing).composite);
+        }
         out_ << "\nPage " << index + 1 << " against " << options_.verify << ":\n"
-             << DescribeComparison(Compare(composite, image));
+             << DescribeComparison(comparer.Result());
     }
 
     const Options& options_;
     std::ostream& out_;
     PrintFile file_;
-    std::vector<PagePlacement> placements_;
+    InkModel model_;
 };
 
 }  // namespace
 
 void ShowPrintFile(const Options& options, std::ostream& out) {
-    Viewing(options, out).Show();
+    try {
+        Viewing(options, out).Show();
+    } catch (const PrintFileError& error) {
+        throw std::runtime_error(options.file + " is no sound print file: " + error.what());
+    }
+}
+
+int RunOrvexView(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& error) {
+    try {
+        const std::optional<Options> options = ReadOptions(arguments, out);
+        if (options) ShowPrintFile(*options, out);
+        out.flush();
+        if (!out) throw std::runtime_error("standard output can't be written");
+        return 0;
+    } catch (const OptionError& wrong) {
+        error << "orvexview: " << wrong.what() << "\n";
+        return 2;
+    } catch (const std::bad_alloc&) {
+        error << "orvexview: out of memory\n";
+    } catch (const std::exception& failure) {
+        error << "orvexview: " << failure.what() << "\n";
+    }
+    return 1;
 }
 
 }  // namespace orvex::tools::view

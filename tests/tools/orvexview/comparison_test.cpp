@@ -7,6 +7,16 @@
 
 namespace orvex::tools::view {
 
+namespace {
+
+Comparison Compare(const Picture& picture, const RasterImage& image) {
+    Comparer comparer(picture.width, picture.height, image);
+    comparer.TakeLines(picture);
+    return comparer.Result();
+}
+
+}  // namespace
+
 TEST(Comparison, FindsTheLargestAndMeanDifferenceOfEachChannel) {
     RasterImage image = MakeImage(2, 1);
     image.Row(0)[0] = 0x102030;
@@ -32,6 +42,16 @@ TEST(Comparison, FindsNoDifferenceBetweenEqualPictures) {
     const Comparison result = Compare(MakePicture(1, 1, 3, {255, 255, 255}), MakeImage(1, 1));
     EXPECT_EQ(result.different, 0u);
     EXPECT_TRUE(DescribeComparison(result).ends_with("\n0 of 1 pixels differ\n"));
+}
+
+TEST(Comparison, TakesAPageInParts) {
+    RasterImage image = MakeImage(1, 3);
+    image.Row(2)[0] = 0xFFFFFE;
+    Comparer comparer(1, 3, image);
+    comparer.TakeLines(MakePicture(1, 2, 3, {255, 255, 255, 255, 255, 255}));
+    comparer.TakeLines(MakePicture(1, 1, 3, {255, 255, 255}));
+    EXPECT_EQ(comparer.Result().different, 1u);
+    EXPECT_EQ(comparer.Result().worstY, 2u);
 }
 
 TEST(Comparison, RefusesPicturesOfDifferentSizes) {

@@ -33,8 +33,20 @@ std::vector<int> Amounts(const Picture& ink) {
     return amounts;
 }
 
-Picture DrawBlack(const PrintFile& file, const BlockArea& area, uint32_t scale = 1) {
-    return DrawInk(file, file.pages[0], area, scale, kBlackInk);
+// Draws composite and inks of the image, or of the whole block.
+PagePictures Draw(const PrintFile& file, uint32_t scale = 1, bool whole = false) {
+    const PrintedPage& page = file.pages[0];
+    const PagePlacement placement = PlacePage(file, page);
+    return DrawPage(InkModel(file.dpi), page, placement,
+                    {.area = whole ? WholeBlock(page) : ImageArea(placement),
+                     .scale = scale,
+                     .composite = true,
+                     .inks = true,
+                     .turned = !whole && placement.orientation == Orientation::kPortrait});
+}
+
+Picture DrawBlack(const PrintFile& file, uint32_t scale = 1) {
+    return Draw(file, scale).inks[kBlackInk];
 }
 
 const Rgb kSolidBlack = InkModel(300).OnPaper(0x000000FF);
@@ -51,11 +63,10 @@ const std::vector<Setting> kPortrait = {{"ORIGX", 3}, {"ORIGY", 4}};
 
 TEST(PagePictures, APortraitPageIsTurnedBackAsTheLabelReads) {
     const PrintFile file = Print300(kPortraitRows, kPortrait);
-    const PagePlacement placement = PlacePage(file, file.pages[0]);
-    ASSERT_TRUE(placement.explained);
-    const Picture sent = DrawBlack(file, ImageArea(placement));
-    EXPECT_EQ(Amounts(sent), (std::vector<int>{3, 6, 9, 12, 2, 5, 8, 11, 1, 4, 7, 10}));
-    const Picture upright = Upright(sent, placement);
+    ASSERT_TRUE(PlacePage(file, file.pages[0]).explained);
+    EXPECT_EQ(Amounts(Draw(file, 1, true).inks[kBlackInk]),
+              (std::vector<int>{3, 6, 9, 12, 2, 5, 8, 11, 1, 4, 7, 10}));
+    const Picture upright = DrawBlack(file);
     EXPECT_EQ(upright.width, 3u);
     EXPECT_EQ(upright.height, 4u);
     EXPECT_EQ(Amounts(upright), (std::vector<int>{1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12}));
@@ -63,135 +74,117 @@ TEST(PagePictures, APortraitPageIsTurnedBackAsTheLabelReads) {
 
 TEST(PagePictures, ALandscapePageStaysAsItIs) {
     const PrintFile file = Print300({{1, 2, 3}, {4, 5, 6}}, {{"ORIGX", 3}, {"ORIGY", 2}});
-    const PagePlacement placement = PlacePage(file, file.pages[0]);
-    const Picture upright = Upright(DrawBlack(file, ImageArea(placement)), placement);
-    EXPECT_EQ(Amounts(upright), (std::vector<int>{1, 2, 3, 4, 5, 6}));
+    EXPECT_EQ(Amounts(DrawBlack(file)), (std::vector<int>{1, 2, 3, 4, 5, 6}));
 }
 
 TEST(PagePictures, ThePurgeBarIsNotPartOfTheImage) {
     const PrintFile file = Print300({{0xFFFFFFFF, 0xFFFFFFFF, 1, 2, 3}, {0, 0, 4, 5, 6}},
                                     {{"ORIGX", 3}, {"ORIGY", 2}, {"PURGEBAR", 1}, {"PURGEDOTS", 2}});
-    const PagePlacement placement = PlacePage(file, file.pages[0]);
-    EXPECT_EQ(Amounts(DrawBlack(file, ImageArea(placement))), (std::vector<int>{1, 2, 3, 4, 5, 6}));
-    EXPECT_EQ(Amounts(DrawBlack(file, WholeBlock(file.pages[0]))),
-              (std::vector<int>{255, 255, 1, 2, 3, 0, 0, 4, 5, 6}));
+    EXPECT_EQ(Amounts(DrawBlack(file)), (std::vector<int>{1, 2, 3, 4, 5, 6}));
+    const PagePictures whole = Draw(file, 1, true);
+    EXPECT_EQ(Amounts(whole.inks[kBlackInk]), (std::vector<int>{255, 255, 1, 2, 3, 0, 0, 4, 5, 6}));
+    EXPECT_DOUBLE_EQ(whole.means[kBlackInk], 21 / (6 * 255.0)) << "of the image alone";
+    EXPECT_EQ(whole.means[kCyanInk], 0);
 }
 
 TEST(PagePictures, CompositeAndInksShowTheSameRows) {
     const std::vector<uint32_t> kValues = {0, 0xFF000000, 0x00FF0000, 0x0000FF00, 0x000000FF, 0x04030201};
-    const PrintFile file = Print300({kValues}, {});
-    const BlockArea area = WholeBlock(file.pages[0]);
-    const Picture composite = DrawComposite(file, file.pages[0], area, 1);
+    const PagePictures pictures = Draw(Print300({kValues}, {}));
     const InkModel model(300);
-    for (uint32_t x = 0; x < 6; ++x) EXPECT_EQ(PixelAt(composite, x, 0), model.OnPaper(kValues[x])) << x;
-    EXPECT_EQ(PixelAt(composite, 0, 0), kPaperWhite);
-    EXPECT_NE(PixelAt(composite, 1, 0), PixelAt(composite, 2, 0));
+    for (uint32_t x = 0; x < 6; ++x) {
+        EXPECT_EQ(PixelAt(pictures.composite, x, 0), model.OnPaper(kValues[x])) << x;
+    }
+    EXPECT_EQ(PixelAt(pictures.composite, 0, 0), kPaperWhite);
+    EXPECT_NE(PixelAt(pictures.composite, 1, 0), PixelAt(pictures.composite, 2, 0));
     using Samples = std::vector<uint8_t>;
-    EXPECT_EQ(DrawInk(file, file.pages[0], area, 1, kBlackInk).samples,
-              Samples({255, 255, 255, 255, 0, 254}));
-    EXPECT_EQ(DrawInk(file, file.pages[0], area, 1, kCyanInk).samples, Samples({255, 255, 255, 0, 255, 253}));
-    EXPECT_EQ(DrawInk(file, file.pages[0], area, 1, kMagentaInk).samples,
-              Samples({255, 255, 0, 255, 255, 252}));
-    EXPECT_EQ(DrawInk(file, file.pages[0], area, 1, kYellowInk).samples,
-              Samples({255, 0, 255, 255, 255, 251}));
+    EXPECT_EQ(pictures.inks[kBlackInk].samples, Samples({255, 255, 255, 255, 0, 254}));
+    EXPECT_EQ(pictures.inks[kCyanInk].samples, Samples({255, 255, 255, 0, 255, 253}));
+    EXPECT_EQ(pictures.inks[kMagentaInk].samples, Samples({255, 255, 0, 255, 255, 252}));
+    EXPECT_EQ(pictures.inks[kYellowInk].samples, Samples({255, 0, 255, 255, 255, 251}));
+}
+
+TEST(PagePictures, WhatIsNotAskedForIsEmpty) {
+    const PrintFile file = Print300({{0x000000FF}}, {});
+    const PagePictures pictures = DrawPage(InkModel(300), file.pages[0], PlacePage(file, file.pages[0]),
+                                           {.area = WholeBlock(file.pages[0])});
+    EXPECT_EQ(pictures.composite.samples.size() + pictures.block.samples.size(), 0u);
+    EXPECT_EQ(pictures.inks[kBlackInk].samples.size(), 0u);
+    EXPECT_EQ(pictures.means[kBlackInk], 1);
+}
+
+// More rows than are drawn at a time, each other than the one above.
+TEST(PagePictures, AllPicturesShowEveryRowOfALongBlock) {
+    Rows rows(300, std::vector<uint32_t>(3));
+    for (uint32_t row = 0; row < 300; ++row) rows[row] = {row % 256, row % 256 << 8, row % 251};
+    const PrintFile file = Print300(rows, {});
+    const PrintedPage& page = file.pages[0];
+    const PagePictures pictures =
+        DrawPage(InkModel(300), page, PlacePage(file, page),
+                 {.area = {1, 2, 2, 297}, .composite = true, .inks = true, .blockScale = 1});
+    const InkModel model(300);
+    for (uint32_t row = 0; row < 300; ++row) {
+        for (uint32_t x = 0; x < 3; ++x) {
+            const Rgb expected = model.OnPaper(rows[row][x]);
+            ASSERT_EQ(PixelAt(pictures.block, x, row), expected) << x << " of row " << row;
+            if (x < 1 || row < 2 || row >= 299) continue;
+            ASSERT_EQ(PixelAt(pictures.composite, x - 1, row - 2), expected) << x << " of row " << row;
+            ASSERT_EQ(*pictures.inks[kBlackInk].At(x - 1, row - 2), model.Gray(rows[row][x], kBlackInk));
+        }
+    }
 }
 
 TEST(PagePictures, PixelsAreAveraged) {
     const PrintFile file = Print300({{0, 20, 100}, {40, 60, 200}}, {});
-    const Picture picture = DrawBlack(file, WholeBlock(file.pages[0]), 2);
+    const Picture picture = DrawBlack(file, 2);
     EXPECT_EQ(picture.width, 2u);
     EXPECT_EQ(picture.height, 1u);
     EXPECT_EQ(Amounts(picture), (std::vector<int>{30, 150}));
-    const Picture composite = DrawComposite(file, file.pages[0], WholeBlock(file.pages[0]), 2);
+    const Picture composite = Draw(file, 2).composite;
     const InkModel model(300);
     const int sum = 255 + model.OnPaper(20).red + model.OnPaper(40).red + model.OnPaper(60).red;
     EXPECT_EQ(PixelAt(composite, 0, 0), Gray((sum + 2) / 4));
 }
 
-// The head is 3510 rows wide at 300 dpi.
-TEST(LayoutPicture, ShowsTheBlockInItsPlaceOnTheHead) {
-    const PrintFile file = Print300({{255, 0, 0, 255}, {0, 0, 0, 0}}, {{"ORIGX", 4}, {"ORIGY", 2}}, 3508);
-    const PagePlacement placement = PlacePage(file, file.pages[0]);
-    EXPECT_EQ(LayoutLength(file.pages[0], placement), 3510u);
-    const Picture layout = DrawLayout(file, file.pages[0], placement, 1);
-    constexpr uint32_t kM = kLayoutMargin;
-    EXPECT_EQ(layout.width, 4 + 2 * kM);
-    EXPECT_EQ(layout.height, 3511 + 2 * kM);
-    EXPECT_EQ(PixelAt(layout, kM, kM - 1), kPaperWhite) << "above the head";
-    EXPECT_EQ(PixelAt(layout, kM, kM), kHeadColor) << "the head's first row";
-    EXPECT_EQ(PixelAt(layout, kM, kM + 3506), kHeadColor);
-    EXPECT_EQ(PixelAt(layout, kM, kM + 3507), kImageOutline);
-    EXPECT_EQ(PixelAt(layout, kM - 1, kM + 3508), kImageOutline);
-    EXPECT_EQ(PixelAt(layout, kM, kM + 3508), kSolidBlack) << "the image's first pixel";
-    EXPECT_EQ(PixelAt(layout, kM + 1, kM + 3508), kPaperWhite);
-    EXPECT_EQ(PixelAt(layout, kM + 3, kM + 3508), kSolidBlack);
-    EXPECT_EQ(PixelAt(layout, kM + 4, kM + 3508), kImageOutline);
-    EXPECT_EQ(PixelAt(layout, kM, kM + 3509), kPaperWhite);
-    EXPECT_EQ(PixelAt(layout, kM, kM + 3510), kImageOutline);
-    EXPECT_EQ(PixelAt(layout, 0, kM + 3509), kHeadColor) << "the head's last row";
-    EXPECT_EQ(PixelAt(layout, 0, kM + 3510), kPaperWhite);
+namespace {
+
+constexpr size_t kMost = size_t{64} << 20;
+
+}  // namespace
+
+TEST(Bands, ASmallPictureIsOneBand) {
+    const Drawing drawing = {.area = {5, 6, 7000, 5000}, .scale = 5, .composite = true, .inks = true};
+    const std::vector<BlockArea> bands = Bands(drawing, kMost);
+    ASSERT_EQ(bands.size(), 1u);
+    EXPECT_EQ(bands[0].left, 5u);
+    EXPECT_EQ(bands[0].top, 6u);
+    EXPECT_EQ(bands[0].width, 7000u);
+    EXPECT_EQ(bands[0].rows, 5000u);
 }
 
-TEST(LayoutPicture, HasTicksEveryTenMillimetersAndLongerOnesEveryFifty) {
-    const PrintFile file = Print300({{0}}, {{"ORIGX", 1}, {"ORIGY", 1}});
-    const Picture layout = DrawLayout(file, file.pages[0], PlacePage(file, file.pages[0]), 1);
-    const auto tickLength = [&](uint32_t mm) {
-        const uint32_t y = kLayoutMargin + mm * 3000 / 254;
-        uint32_t length = 0;
-        while (PixelAt(layout, length, y) == kTickColor) ++length;
-        EXPECT_EQ(PixelAt(layout, layout.width - 1, y), length > 0 ? kTickColor : kHeadColor);
-        return length;
-    };
-    EXPECT_EQ(tickLength(5), 0u);
-    EXPECT_EQ(tickLength(10), 6u);
-    EXPECT_EQ(tickLength(50), 12u);
-    EXPECT_EQ(tickLength(290), 6u);
-}
-
-// There are fill rows with the wet-nozzle pattern before and after the image, and a purge bar before each
-// row.
-TEST(LayoutPicture, ShowsFillRowsAndPurgeBarOnColoredPaper) {
-    const uint32_t dot = 0xFFFFFFFF;
-    Rows rows(3510, {dot, 0x00000033, 0});
-    rows[1755] = {0, 0x000000FF, 0};
-    const std::vector<Setting> settings = {{"ORIGX", 2},    {"ORIGY", 2},     {"FULLWIDTH", 1}, {"KWS", 1},
-                                           {"PURGEBAR", 1}, {"PURGEDOTS", 1}, {"ALIGN", 1}};
-    const PrintFile file = Print300(rows, settings);
-    const PagePlacement placement = PlacePage(file, file.pages[0], Orientation::kLandscape);
-    ASSERT_TRUE(placement.explained);
-    ASSERT_EQ(placement.imageTop, 1754u);
-    const Picture layout = DrawLayout(file, file.pages[0], placement, 1);
-    constexpr uint32_t kM = kLayoutMargin;
-    EXPECT_EQ(PixelAt(layout, kM, kM), Gray(0)) << "purge dot";
-    EXPECT_EQ(PixelAt(layout, kM + 2, kM), kFillPaper);
-    EXPECT_EQ(PixelAt(layout, kM + 1, kM), (Rgb{182, 196, 211})) << "some black on the paper of fill rows";
-    EXPECT_EQ(PixelAt(layout, kM + 2, kM + 1752), kFillPaper);
-    EXPECT_EQ(PixelAt(layout, kM + 2, kM + 1754), kPaperWhite);
-    EXPECT_EQ(PixelAt(layout, kM + 1, kM + 1755), kSolidBlack);
-    EXPECT_EQ(PixelAt(layout, kM + 2, kM + 1755), kPaperWhite);
-    EXPECT_EQ(PixelAt(layout, kM, kM + 1755), kImageOutline) << "over the gap beside the image";
-    EXPECT_EQ(PixelAt(layout, kM + 2, kM + 1757), kFillPaper);
-    EXPECT_EQ(PixelAt(layout, kM + 2, kM + 3509), kFillPaper);
-}
-
-TEST(LayoutPicture, TintsTheGapOfThePurgeBar) {
-    const PrintFile file =
-        Print300({{0, 0, 0, 255}}, {{"ORIGX", 1}, {"ORIGY", 1}, {"PURGEBAR", 1}, {"PURGEDOTS", 3}});
-    const Picture layout = DrawLayout(file, file.pages[0], PlacePage(file, file.pages[0]), 1);
-    EXPECT_EQ(PixelAt(layout, kLayoutMargin, kLayoutMargin), kPurgePaper);
-    EXPECT_EQ(PixelAt(layout, kLayoutMargin + 3, kLayoutMargin), kSolidBlack);
-}
-
-TEST(LayoutPicture, FitsAtAnyScale) {
-    const PrintFile file =
-        Print300(Rows(11, std::vector<uint32_t>(13, 77)), {{"ORIGX", 11}, {"ORIGY", 13}}, 3499);
-    const PagePlacement placement = PlacePage(file, file.pages[0]);
-    for (uint32_t scale = 1; scale < 40; ++scale) {
-        const Picture layout = DrawLayout(file, file.pages[0], placement, scale);
-        EXPECT_EQ(layout.width, (13 + scale - 1) / scale + 2 * kLayoutMargin);
-        EXPECT_EQ(PixelAt(layout, kLayoutMargin, kLayoutMargin + 3499 / scale), InkModel(300).OnPaper(77))
-            << scale;
+// The bands of the largest block follow each other without a gap, and none takes more memory than it may.
+TEST(Bands, ALargePictureIsManyBandsOfItsLines) {
+    for (const bool turned : {false, true}) {
+        for (const uint32_t scale : {1u, 3u}) {
+            const BlockArea area = {10, 20, 32768, 16384};
+            uint32_t next = turned ? area.left : area.top;
+            for (const BlockArea& band :
+                 Bands({.area = area, .scale = scale, .composite = true, .inks = true, .turned = turned},
+                       kMost)) {
+                EXPECT_EQ(turned ? band.left : band.top, next);
+                EXPECT_EQ(turned ? band.rows : band.width, turned ? area.rows : area.width);
+                const uint32_t size = turned ? band.width : band.rows;
+                next += size;
+                EXPECT_LE(uint64_t{band.width / scale} * (band.rows / scale) * 7, kMost);
+                EXPECT_TRUE(size % scale == 0 ||
+                            next == (turned ? area.left + area.width : area.top + area.rows));
+            }
+            EXPECT_EQ(next, turned ? area.left + area.width : area.top + area.rows);
+        }
     }
+}
+
+TEST(Bands, APageThatIsNotDrawnTakesOnePass) {
+    EXPECT_EQ(Bands({.area = {0, 0, 32768, 16384}}, kMost).size(), 1u);
 }
 
 }  // namespace orvex::tools::view

@@ -15,8 +15,8 @@ constexpr std::string_view kStart = "\x1B%-12345X@PJL\n";
 constexpr std::string_view kEnd = "@PJL ENTER LANGUAGE=STANDIN\n";
 
 PjlHeader ReadHeader(const std::string& text) {
-    const std::vector<uint8_t> bytes = AsBytes(text);
-    ByteReader reader(bytes);
+    MemorySource source(AsBytes(text));
+    ByteReader reader(source);
     PjlHeader header = ReadPjlHeader(reader);
     EXPECT_EQ(reader.Offset(), text.size());
     return header;
@@ -27,8 +27,8 @@ PjlHeader ReadLines(const std::string& lines) {
 }
 
 std::string HeaderErrorOf(const std::string& text) {
-    const std::vector<uint8_t> bytes = AsBytes(text);
-    ByteReader reader(bytes);
+    MemorySource source(AsBytes(text));
+    ByteReader reader(source);
     return ThrownText<PrintFileError>([&] { ReadPjlHeader(reader); });
 }
 
@@ -53,7 +53,26 @@ TEST(PjlHeader, KeepsTheVariablesInTheirOrder) {
 TEST(PjlHeader, KeepsTheThumbnailApart) {
     const PjlHeader header = ReadLines("@PJL SET COPIES=1\n@PJL SET QRV_THUMBNAIL=\"iVBORw0=\"\n");
     EXPECT_THAT(header.variables, ElementsAre(HeaderVariable{"COPIES", "1"}));
-    EXPECT_EQ(header.thumbnail, "iVBORw0=");
+    ASSERT_TRUE(header.thumbnail);
+    EXPECT_EQ(header.thumbnail->size, 8u);
+    EXPECT_EQ(header.thumbnail->offset, kStart.size() + 18 + 24);
+    EXPECT_NE(ReadLines("@PJL SET COPIES=1\n@PJL SET QRV_THUMBNAIL=\"iVBORw8=\"\n"), header);
+}
+
+TEST(PjlHeader, AThumbnailIsBase64) {
+    const auto errorOf = [](const std::string& value) {
+        return ErrorOfLines("@PJL SET QRV_THUMBNAIL=\"" + value);
+    };
+    const std::string expected =
+        " characters of the thumbnail; expected base64 digits, a multiple of 4 and at most 1073741824, and a "
+        "closing quote";
+    EXPECT_EQ(errorOf("Zm9v\n"), "offset 42: \"\\x0A\" after 4" + expected);
+    EXPECT_EQ(errorOf("Zm9"), "offset 41: \"\" after 3" + expected);
+    EXPECT_EQ(errorOf("Zm9\"\n"), "offset 41: \"\"\\x0A\" after 3" + expected);
+    EXPECT_EQ(errorOf("Z===\"\n"), "offset 41: \"=\"\" after 3" + expected);
+    EXPECT_EQ(errorOf("Zg==Zg==\"\n"), "offset 42: \"Zg\" after 4" + expected);
+    EXPECT_EQ(ReadLines("@PJL SET QRV_THUMBNAIL=\"Zm8=\"\n").thumbnail->size, 4u);
+    EXPECT_EQ(ReadLines("@PJL SET QRV_THUMBNAIL=\"\"\n").thumbnail->size, 0u);
 }
 
 TEST(PjlHeader, AQuotedValueMayBeEmptyOrContainLineFeedsAndQuotes) {
@@ -84,9 +103,8 @@ TEST(PjlHeader, SaysWhatIsWrongWithItsOpening) {
     EXPECT_EQ(HeaderErrorOf(""), "offset 0: \"\"; expected the universal exit ESC%-12345X");
     EXPECT_EQ(HeaderErrorOf("\x89PNG\r\n\x1A\nabcdefgh"),
               "offset 0: \"\\x89PNG\\x0D\\x0A\\x1A\\x0Aabcd\"; expected the universal exit ESC%-12345X");
-    EXPECT_EQ(HeaderErrorOf("\x1B%-12345X@PJX\n"), "offset 9: \"@PJX\"; expected the line \"@PJL\"");
-    EXPECT_EQ(HeaderErrorOf("\x1B%-12345X@PJL"),
-              "offset 9: the file ends within a PJL line: \"@PJL\"; expected a line feed");
+    EXPECT_EQ(HeaderErrorOf("\x1B%-12345X@PJX\n"), "offset 9: \"@PJX\\x0A\"; expected the line \"@PJL\"");
+    EXPECT_EQ(HeaderErrorOf("\x1B%-12345X@PJL"), "offset 9: \"@PJL\"; expected the line \"@PJL\"");
 }
 
 TEST(PjlHeader, RecognizesAFramingChunkThatShouldHaveBeenDropped) {

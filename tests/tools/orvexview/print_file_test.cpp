@@ -1,6 +1,6 @@
 #include "tools/orvexview/print_file.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <random>
 
@@ -65,7 +65,7 @@ TEST(PrintFile, ReadsWhatTheEngineWrites) {
     EXPECT_EQ(page.rowWidth, 3u);
     EXPECT_EQ(page.announcedRows, 3u);
     EXPECT_EQ(page.rows, 3u);
-    EXPECT_EQ(page.EncodedSize(), 13u + 1 + 5);
+    EXPECT_EQ(page.encodedSize, 13u + 1 + 5);
     EXPECT_EQ(ReadRows(page), kSmallPage);
     EXPECT_EQ(ReadRows(file.pages[1]), Rows({{7}}));
 }
@@ -96,7 +96,7 @@ TEST(PrintFile, ReadsRowsThatFillManyRecords) {
         for (uint32_t& pixel : row) pixel = static_cast<uint32_t>(random());
     }
     const PrintFile file = ParsePrintFile(AsBytes(MakeFile({rows})));
-    EXPECT_GT(file.pages[0].encodedRows.size(), 5u);
+    EXPECT_GT(file.pages[0].encodedSize, 5 * print_stream::kRowsRecordSize);
     EXPECT_EQ(ReadRows(file.pages[0]), rows);
 }
 
@@ -105,6 +105,97 @@ TEST(PrintFile, ReadsFromAFile) {
     const auto path = folder.Write("job.prn", MakeFile({kSmallPage}));
     EXPECT_EQ(ReadRows(ReadPrintFile(path).pages[0]), kSmallPage);
     EXPECT_THROW(ReadPrintFile(folder.Path() / "none.prn"), std::runtime_error);
+}
+
+// A file's window is smaller than its rows, so that it is moved on and, for the second page, back.
+TEST(PrintFile, ReadsAFileOfManyWindows) {
+    std::mt19937 random(6);
+    Rows rows(100, std::vector<uint32_t>(8000));
+    for (auto& row : rows) {
+        for (uint32_t& pixel : row) pixel = static_cast<uint32_t>(random());
+    }
+    const ScratchFolder folder;
+    const PrintFile file = ReadPrintFile(folder.Write("job.prn", MakeFile({rows, kSmallPage})));
+    RowReader reader(file.pages[0]);
+    for (size_t i = 0; i < rows.size(); ++i) {
+        const std::span<const uint32_t> row = reader.Next();
+        ASSERT_TRUE(std::equal(row.begin(), row.end(), rows[i].begin(), rows[i].end())) << "row " << i;
+        if (i % 30 != 0) continue;
+        EXPECT_EQ(ReadRows(file.pages[1]), kSmallPage) << "read in between";
+    }
+    EXPECT_TRUE(reader.Next().empty());
+}
+
+TEST(PrintFile, SaysThatAFileHasChangedSinceItWasChecked) {
+    Rows rows(40, std::vector<uint32_t>(30000));
+    uint32_t value = 0;
+    for (auto& row : rows) {
+        for (uint32_t& pixel : row) pixel = ++value;
+    }
+    const ScratchFolder folder;
+    const auto path = folder.Write("job.prn", MakeFile({rows}));
+    const PrintFile file = ReadPrintFile(path);
+    std::filesystem::resize_file(path, 1000);
+    EXPECT_THAT(ThrownText<PrintFileError>([&] { ReadRows(file.pages[0]); }),
+                testing::HasSubstr("rows that have changed while the file was read"));
+}
+
+TEST(PrintFile, SaysWhyAFileCannotBeOpened) {
+    const ScratchFolder folder;
+    const auto errorOf = [](const std::filesystem::path& path) {
+        return ThrownText([&] { ReadPrintFile(path); });
+    };
+    EXPECT_THAT(errorOf(folder.Path() / "none.prn"),
+                testing::EndsWith("none.prn can't be opened: No such file or directory"));
+    EXPECT_THAT(errorOf(folder.Path()), testing::EndsWith(" is a folder; expected a print file"));
+}
+
+namespace {
+
+// An endless file: an opening, then the same text again and again. Stores how far it was read.
+class EndlessSource : public ByteSource {
+  public:
+    EndlessSource(std::string bytes, const std::string& repeated, uint64_t& read)
+        : bytes_(std::move(bytes)), period_(repeated.size()), read_(read) {
+        while (bytes_.size() < 2 * kInMemory) bytes_ += repeated;
+    }
+
+    std::span<const uint8_t> At(uint64_t offset, size_t size) override {
+        read_ = std::max<uint64_t>(read_, offset + size);
+        const uint64_t at =
+            offset < kInMemory ? offset : kInMemory - period_ + (offset - kInMemory) % period_;
+        return std::span(reinterpret_cast<const uint8_t*>(bytes_.data()), bytes_.size()).subspan(at, size);
+    }
+
+  private:
+    static constexpr uint64_t kInMemory = 4u << 20;
+
+    std::string bytes_;
+    uint64_t period_;
+    uint64_t& read_;
+};
+
+// Returns how many bytes of an endless file are read before it is refused.
+uint64_t ReadBeforeRefusal(const std::string& opening, const std::string& repeated) {
+    uint64_t read = 0;
+    EXPECT_THROW(ParsePrintFile(std::make_unique<EndlessSource>(opening, repeated, read)), PrintFileError);
+    return read;
+}
+
+}  // namespace
+
+TEST(PrintFile, AnEndlessFileIsRefusedEarly) {
+    const std::string start = "\x1B%-12345X@PJL\n";
+    EXPECT_LT(ReadBeforeRefusal("", std::string(1, '\0')), 100u);
+    EXPECT_LT(ReadBeforeRefusal("\x1B%-12345X", std::string(1, '\0')), 100u);
+    EXPECT_LT(ReadBeforeRefusal(start, std::string(1, '\0')), 3u << 20) << "one line without end";
+    EXPECT_LT(ReadBeforeRefusal(start, "@PJL SET COPIES=1\n"), 3u << 20) << "lines without end";
+    EXPECT_LT(ReadBeforeRefusal(start + "@PJL JOB NAME=\"", std::string(99, 'x') + "\n"), 3u << 20)
+        << "a name without end";
+    EXPECT_LT(ReadBeforeRefusal(start + "@PJL SET QRV_THUMBNAIL=\"AAAA", std::string(1, '\0')), 200u << 10);
+    EXPECT_LT(ReadBeforeRefusal(kOpening, std::string(1, '\0')), kOpening.size() + 1000);
+    EXPECT_LT(ReadBeforeRefusal(kOpening + kBeforeRows, kRows), kOpening.size() + 500'000u)
+        << "rows without end";
 }
 
 TEST(PrintFile, AJobMadeByHandIsSound) {
@@ -198,8 +289,9 @@ TEST(PrintFile, ABlockHasNoMoreRowsThanTheLargestOffsetAllows) {
 
 TEST(PrintFile, NothingFollowsTheClosingExit) {
     const std::string whole = kBeforeRows + kRows + kBlockEnd + kPageEnd + kJobEnd;
-    EXPECT_EQ(ErrorIn(whole, kExit + "x", 0), "10 bytes that are not the closing universal exit ESC%-12345X");
-    EXPECT_EQ(ErrorIn(whole, "", 0), "0 bytes that are not the closing universal exit ESC%-12345X");
+    const std::string expected = "; expected the closing universal exit ESC%-12345X and nothing after it";
+    EXPECT_EQ(ErrorIn(whole, kExit + "x", 0), "\"\\x1B%-12345Xx\"" + expected);
+    EXPECT_EQ(ErrorIn(whole, "", 0), "\"\"" + expected);
 }
 
 TEST(PrintFile, NamesTheRecordInWhichTheFileEnds) {

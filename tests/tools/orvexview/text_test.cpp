@@ -45,6 +45,13 @@ TEST(Base64, NamesTheWrongCharacter) {
     EXPECT_EQ(Base64Error("Zg==Zg=="), "\"=\" at character 2 of base64 text; expected a base64 digit");
 }
 
+TEST(Base64, CountsDigitsUpToTheFirstOtherCharacter) {
+    EXPECT_EQ(CountBase64Digits(""), 0u);
+    EXPECT_EQ(CountBase64Digits("AZaz09+/"), 8u);
+    EXPECT_EQ(CountBase64Digits("AB=="), 2u);
+    EXPECT_EQ(CountBase64Digits("\xFF"), 0u);
+}
+
 TEST(Table, ColumnsAreAsWideAsTheirWidestCell) {
     Table table({"A", "Long title", "C"});
     table.Add({"value", "x", "y"});

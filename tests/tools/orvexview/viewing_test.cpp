@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <random>
 #include <set>
 #include <sstream>
 
@@ -105,8 +106,8 @@ TEST_F(ViewingTest, ShowsTheGeometryOfEveryPage) {
                                 "1     engine page              2448 x 86616 units (8.6 x 305.6 mm)\n"
                                 "1     resolution code          -1\n"
                                 "1     mean ink                 K 16.7 %  C 16.7 %  M 0.0 %  Y 0.0 %\n"
-                                "1     compressed to            27 bytes, 112.50 %\n"
-                                "2     label                    3 x 2 (0.3 x 0.2 mm)\n"));
+                                "1     compressed to            27 bytes, 112.50 %\n"));
+    EXPECT_THAT(text, HasSubstr("2     label                    3 x 2 (0.3 x 0.2 mm)\n"));
     EXPECT_TRUE(Written().empty());
 }
 
@@ -157,7 +158,10 @@ TEST_F(ViewingTest, WritesInksAndLayoutOfTheChosenPageUnderThePrefix) {
     options_.pages = {2};
     options_.inks = true;
     options_.layout = true;
-    EXPECT_THAT(Show(), HasSubstr("look-page2-layout.png: 1219 x 49 pixels, 3 x 3 to one\n"));
+    const std::string text = Show();
+    EXPECT_THAT(text, HasSubstr("look-page2-layout.png: 1251 x 153 pixels, 3 x 3 to one\n"));
+    EXPECT_THAT(text, HasSubstr("\n2     label "));
+    EXPECT_THAT(text, testing::Not(HasSubstr("\n1     label "))) << "the table of the other page";
     EXPECT_THAT(Written(), ElementsAre("look-page2-C.png", "look-page2-K.png", "look-page2-M.png",
                                        "look-page2-Y.png", "look-page2-layout.png", "look-page2.png"));
     EXPECT_THAT(Pixels("look-page2-K.png"),
@@ -195,7 +199,7 @@ TEST_F(ViewingTest, ExtractsTheThumbnail) {
 TEST_F(ViewingTest, SaysThatThereIsNoThumbnail) {
     PrintLabels();
     options_.thumbnail = Name("thumb.png");
-    EXPECT_EQ(Complaint(), "the job header has no thumbnail");
+    EXPECT_EQ(Complaint(), "--thumbnail: the job header of " + options_.file + " has no thumbnail");
     EXPECT_TRUE(Written().empty());
 }
 
@@ -210,7 +214,7 @@ TEST_F(ViewingTest, VerifiesAPageAgainstItsPicture) {
 TEST_F(ViewingTest, NamesAPageThatDoesNotExist) {
     PrintLabels();
     options_.pages = {1, 3};
-    EXPECT_EQ(Complaint(), "there is no page 3; the job has 2");
+    EXPECT_EQ(Complaint(), "--page 3: " + options_.file + " has 2 pages");
     EXPECT_TRUE(Written().empty());
 }
 
@@ -221,7 +225,107 @@ TEST_F(ViewingTest, NamesAPictureThatCannotBeWritten) {
 }
 
 TEST_F(ViewingTest, SaysThatTheFileIsMissing) {
-    EXPECT_THAT(Complaint(), HasSubstr("tiquette.prn can't be opened"));
+    EXPECT_EQ(Complaint(), options_.file + " can't be opened: No such file or directory");
+}
+
+TEST_F(ViewingTest, SaysWhatIsWrongWithAFileThatIsNoPrintFile) {
+    WriteBytes(PathFromUtf8(options_.file), std::string("\x89PNG\r\n\x1A\n") + std::string(5000, 'x'));
+    EXPECT_EQ(Complaint(),
+              options_.file +
+                  " is no sound print file: offset 0: \"\\x89PNG\\x0D\\x0A\\x1A\\x0Axxxx\"; expected the "
+                  "universal exit ESC%-12345X");
+    EXPECT_TRUE(Written().empty());
+}
+
+// Pages as they are printed, drawn at once and in bands of a few lines.
+TEST_F(ViewingTest, PicturesInBandsAreTheSame) {
+    std::mt19937 random(3);
+    Rows rows(50, std::vector<uint32_t>(70));
+    for (auto& row : rows) {
+        for (uint32_t& pixel : row) pixel = static_cast<uint32_t>(random());
+    }
+    options_.inks = true;
+    options_.layout = true;
+    for (const bool portrait : {true, false}) {
+        const std::vector<Setting> settings = {{"ORIGX", portrait ? 50 : 70}, {"ORIGY", portrait ? 70 : 50}};
+        WriteBytes(PathFromUtf8(options_.file), MakeFile({rows}, SettingLines(settings)));
+        for (const uint32_t scale : {1u, 3u}) {
+            options_.scale = scale;
+            options_.prefix = Name("whole");
+            options_.bandBytes = 1 << 20;
+            Show();
+            options_.prefix = Name("bands");
+            options_.bandBytes = 1000;
+            Show();
+            for (const char* picture : {".png", "-K.png", "-C.png", "-M.png", "-Y.png", "-layout.png"}) {
+                EXPECT_EQ(Pixels(std::string("bands-page1") + picture),
+                          Pixels(std::string("whole-page1") + picture))
+                    << picture << ", scale " << scale;
+            }
+        }
+    }
+}
+
+TEST_F(ViewingTest, LongLabelsKeepAReadableScale) {
+    WriteBytes(PathFromUtf8(options_.file),
+               MakeFile({Rows(100, std::vector<uint32_t>(20000))}, "", kMode300Dpi));
+    EXPECT_THAT(Show(), HasSubstr("-page1.png: 6667 x 34 pixels, 3 x 3 to one\n"));
+}
+
+TEST_F(ViewingTest, RefusesAnOutputThatIsThePrintFile) {
+    PrintLabels("@PJL SET QRV_THUMBNAIL=\"iVBORw0KGgo=\"\n");
+    const std::string job = ReadBytes(PathFromUtf8(options_.file));
+    options_.thumbnail = Name("./\xC3\xA9tiquette.prn");
+    EXPECT_EQ(Complaint(), options_.thumbnail + " is also the print file; nothing was written");
+    options_.thumbnail.clear();
+    fs::create_hard_link(PathFromUtf8(options_.file), folder_.Path() / "look-page1-K.png");
+    options_.prefix = Name("look");
+    options_.inks = true;
+    EXPECT_EQ(Complaint(), Name("look-page1-K.png") + " is also the print file; nothing was written");
+    EXPECT_THAT(Written(), ElementsAre("look-page1-K.png"));
+    EXPECT_EQ(ReadBytes(PathFromUtf8(options_.file)), job);
+}
+
+TEST_F(ViewingTest, RefusesAnOutputThatIsThePictureToVerify) {
+    PrintLabels();
+    options_.verify = Name("\xC3\xA9tiquette-page2.png");
+    WriteBytes(PathFromUtf8(options_.verify), "art");
+    EXPECT_EQ(Complaint(), options_.verify + " is also the picture to verify; nothing was written");
+    EXPECT_EQ(ReadBytes(PathFromUtf8(options_.verify)), "art");
+    EXPECT_EQ(Written().size(), 1u);
+}
+
+TEST_F(ViewingTest, RefusesTwoOutputsThatAreOneFile) {
+    PrintLabels("@PJL SET QRV_THUMBNAIL=\"iVBORw0KGgo=\"\n");
+    options_.thumbnail = Name("./look-page2.png");
+    options_.prefix = Name("look");
+    EXPECT_EQ(Complaint(), Name("look-page2.png") + " is also the thumbnail; nothing was written");
+    EXPECT_TRUE(Written().empty());
+}
+
+TEST_F(ViewingTest, ARunEndsWithAStatusAndOneLine) {
+    const auto run = [](const std::vector<std::string>& arguments, int expected) {
+        std::ostringstream out;
+        std::ostringstream error;
+        EXPECT_EQ(RunOrvexView(arguments, out, error), expected);
+        return error.str();
+    };
+    PrintLabels();
+    EXPECT_EQ(run({options_.file, "--no-pictures"}, 0), "");
+    EXPECT_EQ(run({"--version"}, 0), "");
+    EXPECT_EQ(run({options_.file, "--scale", "0"}, 2),
+              "orvexview: --scale: \"0\" is not allowed; it takes 1 to 1000\n");
+    EXPECT_EQ(run({Name("none.prn")}, 1),
+              "orvexview: " + Name("none.prn") + " can't be opened: No such file or directory\n");
+}
+
+TEST_F(ViewingTest, SaysThatStandardOutputIsFull) {
+    PrintLabels();
+    std::ostringstream out;
+    out.setstate(std::ios::badbit);
+    std::ostringstream error;
+    EXPECT_EQ(RunOrvexView({options_.file, "--no-pictures"}, out, error), 1);
+    EXPECT_EQ(error.str(), "orvexview: standard output can't be written\n");
 }
 
 }  // namespace orvex::tools::view
