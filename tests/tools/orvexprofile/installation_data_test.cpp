@@ -16,7 +16,6 @@ namespace orvex::tools::profile {
 
 namespace {
 
-
 const std::filesystem::path kInstallation = ORVEX_INSTALLATION;
 
 std::vector<std::string> Lines(const std::string& text) {
