@@ -2,7 +2,8 @@
 
 # orvex_fetch(LIBRARY): sets LIBRARY_source to the folder of its sources, from Debian's source package.
 function(orvex_fetch library)
-    set(source ${CMAKE_SOURCE_DIR}/build/third_party/${library})
+    get_filename_component(builds ${CMAKE_BINARY_DIR} DIRECTORY)
+    set(source ${builds}/third_party/${library})
     execute_process(COMMAND ${CMAKE_SOURCE_DIR}/scripts/fetch-source ${library} ${source} COMMAND_ERROR_IS_FATAL ANY)
     set(${library}_source ${source} PARENT_SCOPE)
 endfunction()

@@ -134,18 +134,28 @@ constexpr ColorLayout kLayouts[] = {
     {kGrid, 0xFF, kGridOnly, ReadGrid},
 };
 
+const ColorLayout* FindLayout(uint8_t version) {
+    return std::find_if(std::begin(kLayouts), std::end(kLayouts),
+                        [&](const ColorLayout& each) { return each.version == version; });
+}
+
 }  // namespace
+
+ProfileProblem CheckColorsSize(const BlockReader& file, const ProfileHeader& header) {
+    const ColorLayout* layout = FindLayout(header.version);
+    if (layout == std::end(kLayouts)) return {&kUnknownVersion};
+    const int64_t found = header.fileSize - file.Position();
+    const int64_t needed = 2 * static_cast<int64_t>(layout->variantSize);
+    if (found != needed) return {&kWrongColorsSize, {found, needed}};
+    return {};
+}
 
 ProfileProblem ReadProfileColors(BlockReader& file, const ProfileHeader& header, bool at600Dpi,
                                  uint32_t* cache) {
-    const auto* layout = std::find_if(std::begin(kLayouts), std::end(kLayouts), [&](const ColorLayout& each) {
-        return each.version == header.version;
-    });
-    if (layout == std::end(kLayouts)) return {&kUnknownVersion};
+    if (const ProfileProblem problem = CheckColorsSize(file, header)) return problem;
+    const ColorLayout* layout = FindLayout(header.version);
     const int64_t start = file.Position();
-    const int64_t found = header.fileSize - start;
     const int64_t variantSize = static_cast<int64_t>(layout->variantSize);
-    if (found != 2 * variantSize) return {&kWrongColorsSize, {found, 2 * variantSize}};
     if (layout->prepared != kNotPrepared) memset(cache, layout->prepared, kCacheEntries * sizeof *cache);
     file.Seek(at600Dpi ? start : start + variantSize);
     const size_t came = layout->read(file, cache);

@@ -6,6 +6,10 @@
 
 namespace orvex {
 
+// Returns a problem when the version is unknown, or when what follows the file's position has not the size of
+// the version's colors.
+ProfileProblem CheckColorsSize(const BlockReader& file, const ProfileHeader& header);
+
 // Reads the colors that start at the file's position into `cache`, 2^24 entries on a 16-byte boundary.
 // Returns a problem when the version is unknown, when the colors' size is not the version's own, when reading
 // fails, or when a file of version 1 ends early; the cache may then be filled in part. In the other versions,

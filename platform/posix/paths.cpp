@@ -1,5 +1,8 @@
 #include "platform/posix/paths.h"
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <cstdlib>
 #include <filesystem>
 
@@ -29,11 +32,36 @@ struct ScratchDrive {
     bool owned = false;
 };
 
+// Returns the user's cache folder; empty if there is none.
+std::filesystem::path CacheFolder() {
+    const char* const named = getenv("XDG_CACHE_HOME");
+    if (named != nullptr && *named == '/') return named;
+    const char* const home = getenv("HOME");
+    return home != nullptr && *home == '/' ? std::filesystem::path(home) / ".cache" : std::filesystem::path();
+}
+
+// Returns whether the folder, no link, is this user's and nobody else can enter it.
+bool IsPrivate(const std::filesystem::path& folder) {
+    struct stat status = {};
+    return lstat(folder.c_str(), &status) == 0 && S_ISDIR(status.st_mode) && status.st_uid == geteuid() &&
+           (status.st_mode & (S_IRWXG | S_IRWXO)) == 0;
+}
+
 }  // namespace
 
 const std::string& DriveC() {
     static ScratchDrive drive;
     return drive.path;
+}
+
+void KeepDriveC() {
+    const std::filesystem::path cache = CacheFolder();
+    if (cache.empty()) return;
+    const std::filesystem::path folder = cache / "orvex-drive-c";
+    std::error_code ignored;
+    std::filesystem::create_directories(cache, ignored);
+    mkdir(folder.c_str(), S_IRWXU);
+    if (IsPrivate(folder)) setenv("ORVEX_DRIVE_C", folder.c_str(), 0);
 }
 
 std::string PosixPath(const char* path) {

@@ -11,6 +11,11 @@ namespace orvex::posix {
 // at exit, unless the environment names one in ORVEX_DRIVE_C.
 const std::string& DriveC();
 
+// Makes drive C a folder in the user's cache that nobody else can enter and that stays after the run, so that
+// the driver's log can be read, unless the environment names one or the folder can't be made. Must come
+// before the first use of drive C.
+void KeepDriveC();
+
 // Converts a path: "c:\temp\x" is the file "temp/x" of drive C; one without a drive keeps its folders.
 std::string PosixPath(const char* path);
 std::string PosixPath(const WCHAR* path);

@@ -49,7 +49,7 @@ RasterImage DecodePng(std::span<const uint8_t> file) {
 }
 
 PngReader OpenPng(const fs::path& path) {
-    return PngReader(std::make_unique<std::ifstream>(OpenFile(path)), Utf8FromPath(path));
+    return PngReader(OpenFile(path), Utf8FromPath(path));
 }
 
 RasterImage LoadPng(const fs::path& path) {

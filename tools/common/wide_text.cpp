@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <climits>
+#include <iostream>
+#include <map>
 
 #ifdef _WIN32
 #include "platform/shell.h"
@@ -40,7 +42,38 @@ std::string Narrow(UINT page, std::u16string_view wide) {
     return narrow;
 }
 
+// The paths that were made absolute, as they were given.
+std::map<fs::path, fs::path>& GivenPaths() {
+    static std::map<fs::path, fs::path> paths;
+    return paths;
+}
+
+#ifdef _WIN32
+
+// Returns Linux's name of an absolute path under Wine; empty on Windows itself, and for other paths.
+std::string LinuxName(const fs::path& path) {
+    using Translate = char*(CDECL*)(const WCHAR*);
+    const auto translate = reinterpret_cast<Translate>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA("kernel32"), "wine_get_unix_file_name")));
+    if (translate == nullptr || !path.is_absolute()) return {};
+    char* const name = translate(path.c_str());
+    if (name == nullptr) return {};
+    std::string text = name;
+    HeapFree(GetProcessHeap(), 0, name);
+    constexpr std::string_view kRootDrive = "/dosdevices/z:";
+    const size_t drive = text.find(kRootDrive);
+    return drive == std::string::npos ? text : text.substr(drive + kRootDrive.size());
+}
+
+#endif
+
 }  // namespace
+
+fs::path AbsolutePath(const fs::path& given) {
+    const fs::path absolute = fs::absolute(given);
+    GivenPaths()[absolute] = given;
+    return absolute;
+}
 
 std::u16string Wide(std::string_view utf8) {
     return Widen(CP_UTF8, utf8);
@@ -69,7 +102,10 @@ fs::path PathFromUtf8(std::string_view utf8) {
     return Wide(utf8);
 }
 std::string Utf8FromPath(const fs::path& path) {
-    return Utf8(path.u16string());
+    const auto found = GivenPaths().find(path);
+    if (found != GivenPaths().end()) return Utf8(found->second.u16string());
+    const std::string linuxName = LinuxName(path);
+    return linuxName.empty() ? Utf8(path.u16string()) : linuxName;
 }
 std::u16string WindowsPath(const fs::path& path) {
     return path.u16string();
@@ -79,6 +115,7 @@ fs::path MachinePath(std::string_view windowsPath) {
 }
 std::vector<std::string> Utf8Arguments(int, char**) {
     SetConsoleOutputCP(CP_UTF8);
+    std::ios::sync_with_stdio(false);
     std::vector<std::string> texts;
     int wideCount = 0;
     WCHAR** wide = CommandLineToArgvW(GetCommandLineW(), &wideCount);
@@ -93,7 +130,8 @@ fs::path PathFromUtf8(std::string_view utf8) {
     return std::string(utf8);
 }
 std::string Utf8FromPath(const fs::path& path) {
-    return path.string();
+    const auto found = GivenPaths().find(path);
+    return (found == GivenPaths().end() ? path : found->second).string();
 }
 std::u16string WindowsPath(const fs::path& path) {
     return posix::WindowsPath(path.string());
@@ -102,6 +140,7 @@ fs::path MachinePath(std::string_view windowsPath) {
     return posix::PosixPath(std::string(windowsPath).c_str());
 }
 std::vector<std::string> Utf8Arguments(int count, char** arguments) {
+    std::ios::sync_with_stdio(false);
     return {arguments + 1, arguments + count};
 }
 

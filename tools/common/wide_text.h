@@ -29,9 +29,15 @@ inline WCHAR* AsWchar(std::u16string& text) {
 }
 std::u16string_view AsView(const WCHAR* text);
 
-// Convert between UTF-8 and a path of this machine.
+// Converts UTF-8 to a path of this machine.
 std::filesystem::path PathFromUtf8(std::string_view utf8);
+
+// Returns the path as its user knows it, in UTF-8: as it was given to AbsolutePath(), and under Wine as Linux
+// names it.
 std::string Utf8FromPath(const std::filesystem::path& path);
+
+// Makes a path independent of the current folder, and remembers how it was given.
+std::filesystem::path AbsolutePath(const std::filesystem::path& given);
 
 // Convert between a path of this machine and the path that the driver sees. They differ only in the native
 // build, where drive C is a folder.
@@ -40,6 +46,7 @@ std::filesystem::path MachinePath(std::string_view windowsPath);
 
 // Returns a program's arguments without its name. On Windows those of main() lack the characters that the
 // code page lacks, so they are taken from the command line; the console is also told that output is UTF-8.
+// Standard output is buffered from then on, since Wine's console takes long over each write.
 std::vector<std::string> Utf8Arguments(int count, char** arguments);
 
 }  // namespace orvex::tools

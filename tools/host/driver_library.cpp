@@ -122,9 +122,17 @@ DriverLibrary::~DriverLibrary() {  // NOLINT(modernize-use-equals-default): empt
 }
 
 std::string DriverLibrary::LogName() const {
+    return LogFileName("txt");
+}
+
+std::string DriverLibrary::LogControlName() const {
+    return LogFileName("dat");
+}
+
+std::string DriverLibrary::LogFileName(const char* extension) const {
     const std::string file = ModuleFileName(module_);
     const std::string name = file.substr(file.rfind('\\') + 1);
-    return kLogFolder + name.substr(0, name.size() - strlen("dll")) + "txt";
+    return kLogFolder + name.substr(0, name.size() - strlen("dll")) + extension;
 }
 
 fs::path DriverLibrary::LogPath() const {
@@ -132,7 +140,7 @@ fs::path DriverLibrary::LogPath() const {
 }
 
 fs::path DriverLibrary::LogControlPath() const {
-    return LogPath().replace_extension("dat");
+    return MachinePath(LogControlName());
 }
 
 fs::path DefaultDriverFile() {

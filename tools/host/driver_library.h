@@ -46,10 +46,13 @@ class DriverLibrary {
     // Return paths of this machine: the driver's diagnostic log, and the control file that turns it on.
     std::filesystem::path LogPath() const;
     std::filesystem::path LogControlPath() const;
-    // Returns the log's path as the driver has it: "c:\temp\orvexgdi.txt".
+    // Return the same paths as the driver has them: "c:\temp\orvexgdi.txt".
     std::string LogName() const;
+    std::string LogControlName() const;
 
   private:
+    std::string LogFileName(const char* extension) const;
+
     HMODULE module_ = nullptr;
     PFN_DrvEnableDriver enableDriver_ = nullptr;
     PFN_DrvQueryDriverInfo queryDriverInfo_ = nullptr;

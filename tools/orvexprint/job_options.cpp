@@ -6,6 +6,7 @@
 
 #include "tools/common/help_format.h"
 #include "tools/common/number_text.h"
+#include "tools/common/product_version.h"
 #include "tools/common/wide_text.h"
 #include "tools/orvexprint/art_colors.h"
 
@@ -65,7 +66,8 @@ void AddSetting(CLI::App& app, const Setting& setting) {
 void AddPageOptions(CLI::App& app) {
     app.add_option("PAGE")
         ->description(
-            "PNG files, a page each, printed in that order at their real size. Pages of the job's "
+            "PNG files, a page each, printed in that order at their real size; - is standard input. Pages of "
+            "the job's "
             "resolution are never resampled, and the command says which others are. " +
             std::string(kColorsHelp))
         ->type_name("FILE")
@@ -91,7 +93,16 @@ void AddPageOptions(CLI::App& app) {
 }
 
 void AddOutputOptions(CLI::App& app) {
-    Add(app, "-o,--output", "FILE", kOutput, "the print file; it appears when it is complete");
+    Add(app, "-o,--output", "FILE", kOutput,
+        "the print file; it appears when it is complete. What is no regular file is written to as it is; - "
+        "is "
+        "standard output, and messages go to standard error then");
+    AddFlag(app, "--force", kOutput,
+            "replace an existing file even if it is no print file or no device mode");
+    AddFlag(
+        app, "--strict", kOutput,
+        "fail where the driver would only fall back: a profile that it can't read, no profiles at all, no "
+        "settings.inf");
     Add(app, "--title", "NAME", kOutput, "name of the job (default: the name of the first page)");
     AddFlag(app, "--dry-run", kOutput, "show the settings and the page's place, and print nothing");
     AddFlag(app, "--list", kOutput, "list the printer's labels and colour profiles");
@@ -108,7 +119,8 @@ void AddPrinterOptions(CLI::App& app) {
     Add(app, "--printer-data", "FILE", kPrinter, "keep the printer's label list in this file between runs");
     Add(app, "--language", "CODE", kPrinter,
         std::string("language of profile names (") + kLanguageRange + "), if settings.inf names none");
-    Add(app, "--log", "LEVEL", kPrinter, "turn the driver's log on for this run (error or trace)");
+    Add(app, "--log", "LEVEL", kPrinter,
+        "turn the driver's log on for this run, and for no other program (error or trace)");
 }
 
 // Returns the value given for an option, or nothing if the option was not given.
@@ -212,11 +224,16 @@ std::optional<JobOptions> ParseJobOptions(const std::vector<std::string>& argume
     Add(app, "--profile", "FILE", kColor, "an installed colour profile; see --list");
     AddOutputOptions(app);
     AddPrinterOptions(app);
+    app.set_version_flag("--version", std::string("orvexprint ") + kProductVersion, "show the version")
+        ->group(kPrinter);
     app.set_help_flag("-h,--help", "show this help")->group(kPrinter);
     try {
         app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
     } catch (const CLI::CallForHelp&) {
         help << app.help();
+        return std::nullopt;
+    } catch (const CLI::CallForVersion& version) {
+        help << version.what() << "\n";
         return std::nullopt;
     } catch (const CLI::ParseError& error) {
         throw OptionError(std::string(error.what()) + "; --help shows what there is");
@@ -225,6 +242,8 @@ std::optional<JobOptions> ParseJobOptions(const std::vector<std::string>& argume
     options.testPage = app.count("--test-page") > 0;
     options.fit = app.count("--fit") > 0;
     options.smooth = app.count("--smooth") > 0;
+    options.force = app.count("--force") > 0;
+    options.strict = app.count("--strict") > 0;
     options.dryRun = app.count("--dry-run") > 0;
     options.list = app.count("--list") > 0;
     ReadPaths(app, options);

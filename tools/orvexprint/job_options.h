@@ -23,6 +23,8 @@ struct JobOptions {
     std::string title;            // UTF-8; empty: the file name of the first page
 
     std::filesystem::path output;
+    bool force = false;   // replaces a file of another kind
+    bool strict = false;  // fails where the driver would fall back
     bool dryRun = false;
     bool list = false;
 
@@ -45,8 +47,8 @@ struct JobOptions {
     bool HasPages() const { return testPage || !pages.empty(); }
 };
 
-// Parses the arguments after the program's name, UTF-8. If they ask for help, writes it to `help` and returns
-// nothing. Throws OptionError for a wrong command line.
+// Parses the arguments after the program's name, UTF-8. If they ask for help or the version, writes it to
+// `help` and returns nothing. Throws OptionError for a wrong command line.
 std::optional<JobOptions> ParseJobOptions(const std::vector<std::string>& arguments, std::ostream& help);
 
 }  // namespace orvex::tools::print

@@ -1,25 +1,34 @@
-// The driver's diagnostic log, turned on for a while.
+// The driver's diagnostic log, turned on for this program alone.
 #pragma once
 
 #include <filesystem>
-#include <optional>
 #include <string>
+
+#include "tools/host/driver_library.h"
+#include "tools/host/import_patch.h"
 
 namespace orvex::tools::print {
 
-class LogSwitch {
+// Answers the driver's reading of its control file with a mask of its own. The file itself, which every
+// process with the driver reads, stays as it is: two runs at once do not disturb each other, and one that is
+// killed leaves nothing.
+class LogSwitch : public ImportService<LogSwitch> {
   public:
-    // Writes `mask` (1: errors and information, 3: also the trace) to the control file, and creates its
-    // folder if missing. Throws std::runtime_error.
-    LogSwitch(std::filesystem::path control, int mask);
-    // Restores the control file, or removes it if it did not exist.
-    ~LogSwitch();
-    LogSwitch(const LogSwitch&) = delete;
-    LogSwitch& operator=(const LogSwitch&) = delete;
+    // `mask` is 1 for errors and information, 3 also for the trace. Creates the log's folder if it is
+    // missing. The driver must outlive the switch. Throws std::runtime_error if the folder takes no files.
+    LogSwitch(const DriverLibrary& driver, int mask);
 
   private:
-    std::filesystem::path control_;
-    std::optional<std::string> before_;
+    struct Replacements;
+
+    HANDLE OpenMask() const;
+
+    std::filesystem::path folder_;
+    std::string control_;  // as the driver names it
+    std::string mask_;
 };
+
+// Returns a warning, in words, if the control file turns the log on for every program; else an empty text.
+std::string LogLeftOn(const DriverLibrary& driver);
 
 }  // namespace orvex::tools::print

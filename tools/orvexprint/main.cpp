@@ -1,8 +1,7 @@
 // The program orvexprint.
-#include <cstdlib>
-#include <filesystem>
 #include <iostream>
 
+#include "tools/common/interrupt.h"
 #include "tools/common/wide_text.h"
 #include "tools/orvexprint/orvexprint.h"
 
@@ -10,6 +9,8 @@
 #include "platform/windows.h"
 #else
 #include <unistd.h>
+
+#include "platform/posix/paths.h"
 #endif
 
 using namespace orvex::tools;
@@ -26,18 +27,13 @@ bool ErrorsGoToATerminal() {
 #endif
 }
 
-// Keeps drive C of the native build after the run, so that its log can be read.
-void KeepDriveC() {
-#ifndef _WIN32
-    const std::filesystem::path driveC = std::filesystem::temp_directory_path() / "orvex-drive-c";
-    setenv("ORVEX_DRIVE_C", driveC.c_str(), 0);
-#endif
-}
-
 }  // namespace
 
 int main(int count, char** values) {
-    KeepDriveC();
+    EndCleanlyOnInterrupt();
+#ifndef _WIN32
+    orvex::posix::KeepDriveC();
+#endif
     return RunOrvexPrint(Utf8Arguments(count, values),
                          {.out = std::cout, .error = std::cerr, .terminal = ErrorsGoToATerminal()});
 }

@@ -6,10 +6,12 @@
 
 #include "tools/common/number_text.h"
 #include "tools/common/png_file.h"
+#include "tools/common/product_version.h"
 #include "tools/common/whole_file.h"
 #include "tools/common/wide_text.h"
 #include "tools/host/driver_session.h"
 #include "tools/orvexprint/art_colors.h"
+#include "tools/orvexprint/job_files.h"
 #include "tools/orvexprint/job_options.h"
 #include "tools/orvexprint/job_report.h"
 #include "tools/orvexprint/log_switch.h"
@@ -28,20 +30,7 @@ namespace {
 constexpr char kInstallationFolder[] = "install";
 constexpr char kEngineFile[] = "hpcrlib.dll";
 constexpr char kTestPageTitle[] = "Test page";
-constexpr char kProgram[] = "orvexprint " ORVEX_VERSION;
-
-// Makes a path independent of the current folder, which the driver changes while a job runs.
-void MakeAbsolute(fs::path& path) {
-    if (!path.empty()) path = fs::absolute(path);
-}
-
-void MakeAbsolute(JobOptions& options) {
-    for (fs::path& page : options.pages) MakeAbsolute(page);
-    for (fs::path* path : {&options.output, &options.installation, &options.engine, &options.printerData,
-                           &options.loadMode, &options.saveMode}) {
-        MakeAbsolute(*path);
-    }
-}
+constexpr char kInputTitle[] = "Standard input";
 
 fs::path FindInstallation(const JobOptions& options, const PrintEnvironment& environment) {
     fs::path folder =
@@ -65,7 +54,9 @@ EngineSource FindEngine(const JobOptions& options, const PrintEnvironment& envir
 
 std::string JobTitle(const JobOptions& options) {
     if (!options.title.empty()) return options.title;
-    return options.testPage ? kTestPageTitle : Utf8FromPath(options.pages.front().filename());
+    if (options.testPage) return kTestPageTitle;
+    const fs::path& first = options.pages.front();
+    return IsStandardInput(first) ? kInputTitle : Utf8FromPath(first.filename());
 }
 
 // Returns the date in UTC: "2026-11-22".
@@ -89,6 +80,7 @@ class PrintRun {
     PrintRun(const JobOptions& options, const PrintEnvironment& environment, const fs::path& installation)
         : options_(options),
           environment_(environment),
+          installation_(installation),
           session_({.driver = environment.driver,
                     .installation = installation,
                     .engine = FindEngine(options, environment, installation),
@@ -106,6 +98,10 @@ class PrintRun {
         if (options_.sizeOfPage) options_.size = SizeOfFirstPage(settings);
         const DeviceMode requested = settings.Requested(options_);
         effective_ = settings.Effective(requested);
+        for (const std::string& problem : FallbacksOf(effective_, installation_)) {
+            if (options_.strict) throw std::runtime_error(problem);
+            environment_.error << "orvexprint: " + problem + "\n";
+        }
         if (!options_.saveMode.empty()) {
             WriteWholeFile(options_.saveMode, BytesOf(effective_));
         }
@@ -174,7 +170,8 @@ class PrintRun {
         if (options_.testPage) {
             Canvas canvas(pixels, static_cast<int>(bitmap.width), static_cast<int>(bitmap.height), stride);
             DrawTestPage(canvas, bitmap.dpi,
-                         {PaperLine(effective_), SettingValues(effective_), kProgram, Today()});
+                         {PaperLine(effective_), SettingValues(effective_),
+                          std::string("orvexprint ") + kProductVersion, Today()});
             return;
         }
         const fs::path& path = options_.pages[page];
@@ -203,18 +200,20 @@ class PrintRun {
                              .pages = PageCount(),
                              .draw = [&](size_t page, SURFOBJ& surface) { Draw(page, surface); }});
         progress.Clear();
+        output.CheckWrites();
         if (!outcome.Printed()) throw std::runtime_error("the job did not print: " + outcome.failure);
         output.Complete();
         notes_.Write(environment_.error);
         const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - begin;
-        environment_.out << Utf8FromPath(options_.output) << ": " << outcome.pagesPrinted
-                         << (outcome.pagesPrinted == 1 ? " page, " : " pages, ")
-                         << session_.Engine().Books().rowsTaken << " rows, " << output.Size() << " bytes, "
-                         << DecimalText(seconds.count(), 2) << " seconds\n";
+        std::ostream& report = IsStandardOutput(options_.output) ? environment_.error : environment_.out;
+        report << Utf8FromPath(options_.output) << ": " << outcome.pagesPrinted
+               << (outcome.pagesPrinted == 1 ? " page, " : " pages, ") << session_.Engine().Books().rowsTaken
+               << " rows, " << output.Size() << " bytes, " << DecimalText(seconds.count(), 2) << " seconds\n";
     }
 
     JobOptions options_;
     const PrintEnvironment& environment_;
+    const fs::path installation_;
     DriverSession session_;
     DeviceMode effective_ = {};
     PageNotes notes_;
@@ -231,15 +230,20 @@ int RunOrvexPrint(const std::vector<std::string>& arguments, const PrintEnvironm
         std::optional<JobOptions> options = ParseJobOptions(arguments, environment.out);
         if (!options) return kExitPrinted;
         MakeAbsolute(*options);
+        CheckOutputs(*options);
         const DriverLibrary driver(environment.driver);
         std::optional<LogSwitch> log;
         if (options->logMask != 0) {
-            log.emplace(driver.LogControlPath(), options->logMask);
-            environment.error << "the driver's log: " << driver.LogName() << "\n";
+            log.emplace(driver, options->logMask);
+            environment.error << "the driver's log: " + Utf8FromPath(driver.LogPath()) + "\n";
+        } else if (const std::string warning = LogLeftOn(driver); !warning.empty()) {
+            environment.error << "orvexprint: " + warning + "\n";
         }
         PrintRun(*options, environment, FindInstallation(*options, environment)).Run();
         return kExitPrinted;
     } catch (const OptionError& error) {
+        return complain(error, kExitUsage);
+    } catch (const FileClash& error) {
         return complain(error, kExitUsage);
     } catch (const std::bad_alloc&) {
         return complain(std::runtime_error("there is not enough memory for this job"), kExitFailed);

@@ -1,11 +1,14 @@
 #include "tools/orvexprint/printer_settings.h"
 
 #include <cstring>
+#include <fstream>
 #include <stdexcept>
 
 #include "driver/config/device_mode_defaults.h"
 #include "driver/config/device_mode_merge.h"
 #include "driver/profiles/profile_catalogue.h"
+#include "driver/profiles/profile_colors.h"
+#include "driver/profiles/profile_file.h"
 #include "driver/support/text.h"
 #include "tools/common/whole_file.h"
 #include "tools/common/wide_text.h"
@@ -15,6 +18,8 @@ namespace orvex::tools::print {
 namespace fs = std::filesystem;
 
 namespace {
+
+constexpr char kBuiltIn[] = "the built-in conversion prints instead";
 
 // Returns the texts of a list in which each has a terminator, and an empty one ends the list.
 std::vector<std::string> TextsOf(const WCHAR* list) {
@@ -39,6 +44,43 @@ void ChooseProfile(DeviceMode& mode, const std::string& name,
     }
     throw WrongValue("--profile", name,
                      installed.empty() ? "an installed profile, and none is installed" : names);
+}
+
+// Sets the current folder for a while.
+class CurrentFolder {
+  public:
+    explicit CurrentFolder(const fs::path& folder) : before_(fs::current_path()) { fs::current_path(folder); }
+    ~CurrentFolder() {
+        std::error_code ignored;
+        fs::current_path(before_, ignored);
+    }
+    CurrentFolder(const CurrentFolder&) = delete;
+    CurrentFolder& operator=(const CurrentFolder&) = delete;
+
+  private:
+    fs::path before_;
+};
+
+// Reads a profile up to its colors, by the driver's own reader and from the folder in which the driver opens
+// it.
+ProfileProblem ReadHead(const std::string& path) {
+    BlockReader file(path.c_str());
+    ProfileHeader header;
+    if (const ProfileProblem problem = ReadProfileHeader(file, &header)) return problem;
+    TagReader tags(file, kProfileNameCapacity);
+    for (ProfileTag tag; tags.Next(&tag);) continue;
+    return tags.Problem() ? tags.Problem() : CheckColorsSize(file, header);
+}
+
+// Returns in words why the driver refuses the profile; empty if it does not.
+std::string ProblemOf(const std::string& name, const fs::path& installation) {
+    const CurrentFolder folder(installation);
+    const std::string narrow = NarrowFromUtf8(name);
+    if (!IsBareFileName(narrow.c_str())) return "it is not in the folder of the profiles";
+    const ProfileProblem problem = ReadHead(ORVEX_PROFILES_FOLDER + narrow);
+    if (!problem) return {};
+    if (problem.fault == &kFileNotOpened) return "there is no such file, or it can't be opened";
+    return "it is damaged, or no profile";
 }
 
 }  // namespace
@@ -79,6 +121,25 @@ DeviceMode PrinterSettings::Effective(const DeviceMode& requested) const {
     DeviceMode source = requested;  // the merge may write to it
     MergeDevMode(&effective, &source.pub, session_.PrinterHandle());
     return effective;
+}
+
+std::vector<std::string> FallbacksOf(const DeviceMode& mode, const fs::path& installation) {
+    std::vector<std::string> lines;
+    const auto lacks = [](const fs::path& file, const std::string& problem, const char* instead) {
+        return Utf8FromPath(file) + " " + problem + "; " + instead;
+    };
+    const fs::path settings = installation / "settings.inf", profiles = installation / "profiles";
+    if (!std::ifstream(settings))
+        lines.push_back(lacks(settings, "can't be read", "the driver's own defaults apply"));
+    const WideView wide = FieldText(mode.priv.colorProfile);
+    const std::string name = Utf8({reinterpret_cast<const char16_t*>(wide.data()), wide.size()});
+    std::error_code ignored;
+    if (name.empty()) {
+        if (!fs::is_directory(profiles, ignored)) lines.push_back(lacks(profiles, "is not there", kBuiltIn));
+    } else if (const std::string problem = ProblemOf(name, installation); !problem.empty()) {
+        lines.push_back(lacks(profiles / PathFromUtf8(name), "can't be used: " + problem, kBuiltIn));
+    }
+    return lines;
 }
 
 DeviceMode LoadDeviceMode(const fs::path& path) {

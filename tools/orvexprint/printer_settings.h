@@ -40,6 +40,10 @@ class PrinterSettings {
     std::vector<LabelSize> labels_;
 };
 
+// Says, a line each, what a job lacks that the driver replaces without a word: the settings file, the
+// profiles, the profile of the job. `mode` is validated, as the driver has it.
+std::vector<std::string> FallbacksOf(const DeviceMode& mode, const std::filesystem::path& installation);
+
 // Reads a device mode from a file, and checks the file's size, the sizes in the record and its signature.
 // Throws std::runtime_error.
 DeviceMode LoadDeviceMode(const std::filesystem::path& path);

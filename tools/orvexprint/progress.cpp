@@ -5,22 +5,27 @@
 
 namespace orvex::tools::print {
 
+namespace {
+
+constexpr std::chrono::milliseconds kInterval(100);
+
+}  // namespace
+
 void Progress::Show(uint64_t page, uint64_t done, uint64_t rows) {
-    if (!shown_) return;
+    if (!shown_ || now_() < next_) return;
+    next_ = now_() + kInterval;
     // A page may have more rows than were announced: a print-head offset can add fill rows.
     const uint64_t percent = rows == 0 ? 100 : std::min<uint64_t>(done * 100 / rows, 100);
-    if (page == lastPage_ && percent == lastPercent_) return;
-    lastPage_ = page;
-    lastPercent_ = percent;
     const std::string line = "page " + std::to_string(page) + " of " + std::to_string(pages_) + ": " +
                              std::to_string(percent) + " %";
-    out_ << '\r' << line << std::string(width_ > line.size() ? width_ - line.size() : 0, ' ') << std::flush;
-    width_ = line.size();
+    const size_t width = line.size();
+    out_ << "\r" + line + std::string(width_ > width ? width_ - width : 0, ' ') << std::flush;
+    width_ = width;
 }
 
 void Progress::Clear() {
     if (width_ == 0) return;
-    out_ << '\r' << std::string(width_, ' ') << '\r' << std::flush;
+    out_ << "\r" + std::string(width_, ' ') + "\r" << std::flush;
     width_ = 0;
 }
 

@@ -3,6 +3,7 @@
 
 #include "tools/common/number_text.h"
 #include "tools/common/printable_text.h"
+#include "tools/common/whole_file.h"
 #include "tools/orvexprofile/commands.h"
 #include "tools/orvexprofile/ink_statistics.h"
 #include "tools/orvexprofile/loaded_profile.h"
@@ -61,6 +62,7 @@ void ReportFile(std::ostream& out, const std::string& path, const ProfileFacts& 
 
 // Reports the file and the verdict of the driver's reader. Returns whether the driver accepts the file.
 bool Inspect(std::ostream& out, const std::string& path) {
+    CheckReadable(path);
     ProfileFacts facts = LoadIntoDriver(path, PrintVariant::kAt600);
     if (facts.size > 0) ReportFile(out, path, facts);
     if (facts.Accepted()) {

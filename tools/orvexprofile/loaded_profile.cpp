@@ -7,6 +7,7 @@
 #include "driver/color/color_cache.h"
 #include "driver/profiles/profile_colors.h"
 #include "driver/profiles/profile_file.h"
+#include "tools/common/whole_file.h"
 
 namespace orvex::tools::profile {
 
@@ -105,6 +106,7 @@ ProfileFacts LoadIntoDriver(const std::filesystem::path& path, PrintVariant vari
 }
 
 ProfileFacts LoadAccepted(const std::filesystem::path& path, PrintVariant variant) {
+    CheckReadable(path);
     ProfileFacts facts = LoadIntoDriver(path, variant);
     if (facts.Accepted()) return facts;
     // Some of the messages name the file themselves.

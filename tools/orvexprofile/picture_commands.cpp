@@ -8,9 +8,11 @@
 
 #include "tools/common/help_format.h"
 #include "tools/common/png_file.h"
+#include "tools/common/whole_file.h"
 #include "tools/orvexprofile/commands.h"
 #include "tools/orvexprofile/loaded_profile.h"
 #include "tools/orvexprofile/print_pictures.h"
+#include "tools/orvexprofile/value_checks.h"
 
 namespace orvex::tools::profile {
 
@@ -25,7 +27,7 @@ void AddVariantOption(CLI::App& command, PrintVariant& variant) {
             "--variant", [&variant, variants](const std::string& name) { variant = variants.at(name); },
             "The variant of the profile: for 600 dpi, or for other resolutions (default)")
         ->type_name("600|other")
-        ->check(Unnamed(CLI::IsMember(variants)));
+        ->check(OneOf({"600", "other"}));
 }
 
 struct ApplyOptions {
@@ -58,6 +60,10 @@ std::array<std::filesystem::path, 1 + kInks> OutputNames(const std::vector<std::
 
 void Apply(const ApplyOptions& options, std::ostream& out) {
     const auto names = OutputNames(options.outputs);
+    std::vector<NamedFile> outputs;
+    for (const auto& name : names) outputs.push_back({"the output", name});
+    RefuseSharedFiles(
+        outputs, std::vector<NamedFile>{{"the picture", options.picture}, {"--profile", options.profile}});
     const RasterImage picture = LoadPng(options.picture);
     if (options.profile.empty()) {
         LoadGenericIntoDriver(options.variant);
@@ -82,10 +88,12 @@ struct ChartOptions {
 
 void Chart(const ChartOptions& options, std::ostream& out) {
     const std::filesystem::path profile = options.profile;
+    const std::string output = options.output.empty() ? profile.stem().string() + ".png" : options.output;
+    RefuseSharedFiles(std::vector<NamedFile>{{"-o", output}},
+                      std::vector<NamedFile>{{"the profile", profile}});
     const ProfileFacts facts = LoadAccepted(profile, options.variant);
     const std::string title = profile.filename().string() + "  \"" + facts.Name().value_or("") +
                               "\"  version " + std::to_string(facts.version) + "  " + NameOf(options.variant);
-    const std::string output = options.output.empty() ? profile.stem().string() + ".png" : options.output;
     SavePng(DrawChart(title, options.variant), kPixelsPerInch, output);
     out << "Wrote " << output << '\n';
 }

@@ -6,6 +6,7 @@
 #include "tools/common/help_format.h"
 #include "tools/common/number_text.h"
 #include "tools/common/printable_text.h"
+#include "tools/common/whole_file.h"
 #include "tools/orvexprofile/commands.h"
 #include "tools/orvexprofile/conversion.h"
 #include "tools/orvexprofile/icc_profile.h"
@@ -13,6 +14,7 @@
 #include "tools/orvexprofile/ink_treatment.h"
 #include "tools/orvexprofile/loaded_profile.h"
 #include "tools/orvexprofile/profile_writer.h"
+#include "tools/orvexprofile/value_checks.h"
 
 namespace orvex::tools::profile {
 
@@ -39,7 +41,8 @@ ResolutionCodes ParseResolutionCodes(const std::string& text) {
     const auto fits = [](std::optional<int> code) { return code && *code >= -128 && *code <= 127; };
     if (!fits(other) || !fits(at600)) {
         throw std::invalid_argument(
-            "--resolution-codes takes two numbers from -128 to 127, OTHER,600, not \"" + text + "\"");
+            "--resolution-codes: \"" + PrintableText(text) +
+            "\" is not allowed; it takes two numbers from -128 to 127 with a comma between them");
     }
     return {static_cast<int8_t>(*other), static_cast<int8_t>(*at600)};
 }
@@ -82,6 +85,8 @@ void ReportAccuracy(std::ostream& out, const BuildOptions& options, const IccPro
 }
 
 void Build(const BuildOptions& options, std::ostream& out) {
+    RefuseSharedFiles(std::vector<NamedFile>{{"-o", options.output}},
+                      std::vector<NamedFile>{{"--icc", options.icc}});
     const IccProfile icc(options.icc, options.intent, options.blackPointCompensation);
     out << "From " << PrintableText(icc.Description()) << '\n';
     WriteAcceptedProfile(BuildProfile(options, icc), options.output, out);
@@ -103,13 +108,13 @@ void AddSourceOptions(CLI::App& command, const std::shared_ptr<BuildOptions>& op
         ->type_name("FILE");
     command.add_option("--version", options->version, "The version of the profile, 1 to 5 (default 5)")
         ->type_name("N")
-        ->check(Unnamed(CLI::Range(kFirstVersion, kLastVersion)));
+        ->check(WholeFrom(kFirstVersion, kLastVersion));
     command
         .add_option_function<std::string>(
             "--intent", [options](const std::string& name) { options->intent = kIntents.at(name); },
             "perceptual (default), relative, saturation or absolute; white stays without ink")
         ->type_name("INTENT")
-        ->check(Unnamed(CLI::IsMember(kIntents)));
+        ->check(OneOf({"perceptual", "relative", "saturation", "absolute"}));
     command.add_flag("--black-point-compensation", options->blackPointCompensation,
                      "Maps the screen's black to the printer's");
 }
@@ -129,17 +134,17 @@ void AddTagOptions(CLI::App& command, BuildOptions& options) {
 void AddTreatmentOptions(CLI::App& command, InkTreatment& treatment) {
     command.add_option("--ink-limit", treatment.limit, "All inks together, 100 to 400 percent (default 400)")
         ->type_name("PERCENT")
-        ->check(Unnamed(CLI::Range(kLeastInkLimit, kNoInkLimit)));
+        ->check(NumberFrom(kLeastInkLimit, kNoInkLimit, "percent"));
     command
         .add_option("--scale-600", treatment.scaleAt600,
                     "Scales the variant for 600 dpi, 1 to 200 percent (default 50)")
         ->type_name("PERCENT")
-        ->check(Unnamed(CLI::Range(kLeastScale, kLargestScale)));
+        ->check(NumberFrom(kLeastScale, kLargestScale, "percent"));
     command
         .add_option("--scale-other", treatment.scaleOther,
                     "Scales the variant for other resolutions, 1 to 200 percent (default 100)")
         ->type_name("PERCENT")
-        ->check(Unnamed(CLI::Range(kLeastScale, kLargestScale)));
+        ->check(NumberFrom(kLeastScale, kLargestScale, "percent"));
 }
 
 struct ConvertOptions {
@@ -160,10 +165,8 @@ void ReportLoss(std::ostream& out, const ConvertOptions& options, PrintVariant v
 }
 
 void Convert(const ConvertOptions& options, std::ostream& out) {
-    std::error_code ignored;
-    if (std::filesystem::equivalent(options.input, options.output, ignored)) {
-        throw std::invalid_argument("the loss can only be told when input and output are two files");
-    }
+    RefuseSharedFiles(std::vector<NamedFile>{{"-o", options.output}},
+                      std::vector<NamedFile>{{"the profile", options.input}});
     WriteAcceptedProfile(ConvertProfile(options.input, options.version), options.output, out);
     const std::vector<uint32_t> colors = ColorsEvery(options.step);
     for (PrintVariant variant : kBothVariants) ReportLoss(out, options, variant, colors);
@@ -192,12 +195,12 @@ void AddConvertCommand(CLI::App& app, std::ostream& out) {
         ->add_option("--version", options->version, "The version of the profile to write, 1 to 5; required")
         ->type_name("N")
         ->required()
-        ->check(Unnamed(CLI::Range(kFirstVersion, kLastVersion)));
+        ->check(WholeFrom(kFirstVersion, kLastVersion));
     command
         ->add_option("--compare-every", options->step,
                      "Compares at every so many values of each component, 1 to 85 (default 1: every colour)")
         ->type_name("N")
-        ->check(Unnamed(CLI::Range(1, 85)));
+        ->check(WholeFrom(1, 85));
     command->callback([&out, options] { Convert(*options, out); });
 }
 

@@ -8,6 +8,7 @@
 #include "tools/common/number_text.h"
 #include "tools/common/picture.h"
 #include "tools/common/printable_text.h"
+#include "tools/common/product_version.h"
 
 namespace orvex::tools::view {
 
@@ -133,7 +134,7 @@ std::optional<Options> ReadOptions(const std::vector<std::string>& arguments, st
     app.allow_windows_style_options(false);  // a file name may begin with a slash
     app.formatter(std::make_shared<HelpFormat>("[options] FILE"));
     app.footer(kExamples);
-    app.set_version_flag("--version", "orvexview " ORVEX_VERSION, "Show the version");
+    app.set_version_flag("--version", std::string("orvexview ") + kProductVersion, "Show the version");
     AddOutputOptions(app, options);
     AddViewOptions(app);
     try {

@@ -208,7 +208,7 @@ TEST(PngFile, IsNamedInEveryError) {
         return ThrownText([&] { LoadPng(path); });
     };
     const std::filesystem::path name = scratch.Path() / PathFromUtf8("K\xC3\xA4se \xE2\x82\xAC.png");
-    EXPECT_EQ(complaint(name), Utf8FromPath(name) + " can't be opened");
+    EXPECT_EQ(complaint(name), Utf8FromPath(name) + " can't be opened: there is no such file or folder");
     WriteBytes(name, "this is text");
     EXPECT_THAT(complaint(name), HasSubstr("K\xC3\xA4se \xE2\x82\xAC.png is a damaged PNG file: "));
     EXPECT_EQ(complaint(scratch.Path()), Utf8FromPath(scratch.Path()) + " is a folder");

@@ -19,6 +19,7 @@ class OrvexPrintTest : public testing::Test {
     OrvexPrintTest() {
         RefusingEngine::Reset();
         scratch.Write("install/settings.inf", "[UI]\r\n");
+        std::filesystem::create_directories(Path("install/profiles"));
         scratch.Write("install/media.inf",
                       "[Media]\r\n\"Shipping\", \"4\", \"6\", 1\r\n\"Small\", \"50\", \"30\", 0\r\n");
     }

@@ -122,7 +122,8 @@ TEST_F(OrvexPrintTest, RefusesFilesThatAreNotADeviceMode) {
     EXPECT_EQ(Run({"--dry-run", "--load-devmode", Text("foreign.bin")}), kExitFailed);
     EXPECT_EQ(error, "orvexprint: " + Text("foreign.bin") + " is no device mode of this driver\n");
     EXPECT_EQ(Run({"--dry-run", "--load-devmode", Text("missing.bin")}), kExitFailed);
-    EXPECT_EQ(error, "orvexprint: " + Text("missing.bin") + " can't be opened\n");
+    EXPECT_EQ(error,
+              "orvexprint: " + Text("missing.bin") + " can't be opened: there is no such file or folder\n");
 }
 
 }  // namespace orvex::tools::print

@@ -6,6 +6,7 @@
 #include "tests/kit/scratch_folder.h"
 #include "tests/tools/orvexprofile/profile_samples.h"
 #include "tools/common/png_file.h"
+#include "tools/common/product_version.h"
 #include "tools/orvexprofile/ink_treatment.h"
 #include "tools/orvexprofile/loaded_profile.h"
 #endif
@@ -58,9 +59,14 @@ class ProfileTool : public testing::Test {
 };
 
 TEST_F(ProfileTool, NeedsACommand) {
-    EXPECT_NE(Run({}), 0);
-    EXPECT_THAT(err_, HasSubstr("A subcommand is required"));
-    EXPECT_NE(Run({"melt"}), 0);
+    EXPECT_EQ(Run({}), 2);
+    EXPECT_EQ(err_,
+              "orvexprofile: no command: name one of info, build, convert, apply or chart; --help shows what "
+              "there is\n");
+    EXPECT_EQ(Run({"melt"}), 2);
+    EXPECT_THAT(err_, HasSubstr("orvexprofile: \"melt\" is no command; it takes info, build, "));
+    EXPECT_EQ(Run({"--version"}), 0);
+    EXPECT_EQ(out_, std::string("orvexprofile ") + kProductVersion + "\n");
     EXPECT_EQ(Run({"--help"}), 0);
     EXPECT_THAT(out_, AllOf(HasSubstr("info"), HasSubstr("build"), HasSubstr("convert"), HasSubstr("apply"),
                             HasSubstr("chart")));
@@ -111,7 +117,8 @@ TEST_F(ProfileTool, InfoSaysWhyTheDriverRefusesAFile) {
                             HasSubstr("name, 2 bytes: \"B\\x01\""), HasSubstr("resolution codes, 3 bytes"),
                             Not(HasSubstr("inks at"))));
     EXPECT_EQ(Run({"info", Path("none.zvp")}), 1);
-    EXPECT_THAT(out_, HasSubstr("could not open file ["));
+    EXPECT_EQ(err_,
+              "orvexprofile: " + Path("none.zvp") + " can't be opened: there is no such file or folder\n");
     scratch_.Write("empty.zvp", "");
     EXPECT_EQ(Run({"info", Path("empty.zvp")}), 1);
     EXPECT_THAT(out_, HasSubstr("error reading file"));
@@ -163,8 +170,10 @@ struct WrongOption {
 
 TEST_F(ProfileTool, BuildRefusesWrongValuesAndWritesNothing) {
     const WrongOption wrongOptions[] = {
-        {{"--version", "6"}, "--version"},
-        {{"--intent", "vivid"}, "--intent"},
+        {{"--version", "6"}, "build: --version: \"6\" is not allowed; it takes 1 to 5; "},
+        {{"--version", "5.5"}, "--version: \"5.5\" is not allowed; it takes 1 to 5"},
+        {{"--intent", "vivid"},
+         "--intent: \"vivid\" is not allowed; it takes perceptual, relative, saturation or absolute"},
         {{"--name", std::string(512, 'n')}, "1 to 511 characters, not 512"},
         {{"--name", "gr\xC3\xBCn"}, "printable ASCII"},
         {{"--resolution-codes", "1"}, "two numbers from -128 to 127"},
@@ -172,15 +181,16 @@ TEST_F(ProfileTool, BuildRefusesWrongValuesAndWritesNothing) {
         {{"--resolution-codes", "1,2,3"}, "two numbers from -128 to 127"},
         {{"--resolution-codes", "1 2"}, "two numbers from -128 to 127"},
         {{"--resolution-codes", "a,b"}, "two numbers from -128 to 127"},
-        {{"--ink-limit", "99"}, "--ink-limit"},
-        {{"--scale-600", "0"}, "--scale-600"},
-        {{"--scale-other", "201"}, "--scale-other"},
+        {{"--ink-limit", "99"}, "--ink-limit: \"99\" is not allowed; it takes 100 to 400 percent"},
+        {{"--ink-limit", "many"}, "--ink-limit: \"many\" is not allowed; it takes 100 to 400 percent"},
+        {{"--scale-600", "0"}, "--scale-600: \"0\" is not allowed; it takes 1 to 200 percent"},
+        {{"--scale-other", std::string(400, '9')}, "999...\" is not allowed; it takes 1 to 200 percent"},
     };
     for (const WrongOption& wrong : wrongOptions) {
         std::vector<std::string> arguments = {"build", "--icc", kPrinterIcc, "-o", Path("new.zvp")};
         arguments.insert(arguments.end(), wrong.options.begin(), wrong.options.end());
         EXPECT_NE(Run(arguments), 0) << wrong.options[1];
-        EXPECT_THAT(err_, HasSubstr(wrong.message));
+        EXPECT_THAT(err_, AllOf(testing::StartsWith("orvexprofile: "), HasSubstr(wrong.message)));
     }
     EXPECT_EQ(Run({"build", "--icc", kScreenIcc, "-o", Path("new.zvp")}), 1);
     EXPECT_THAT(
@@ -189,7 +199,7 @@ TEST_F(ProfileTool, BuildRefusesWrongValuesAndWritesNothing) {
     EXPECT_NE(Run({"build", "-o", Path("new.zvp")}), 0);
     EXPECT_THAT(err_, HasSubstr("--icc is required"));
     EXPECT_EQ(Run({"build", "--icc", kPrinterIcc, "-o", Path("none/new.zvp")}), 1);
-    EXPECT_THAT(err_, HasSubstr("can't be written"));
+    EXPECT_THAT(err_, HasSubstr("new.zvp can't be written: there is no such folder"));
     EXPECT_THAT(Files(), IsEmpty());
 }
 
@@ -215,8 +225,9 @@ TEST_F(ProfileTool, ConvertsAndReportsTheLoss) {
 
 TEST_F(ProfileTool, ConvertRefusesItsOwnInputAndFilesThatTheDriverRefuses) {
     const std::string sample = Sample(), before = ReadBytes(sample);
-    EXPECT_EQ(Run({"convert", sample, "-o", sample, "--version", "4"}), 1);
-    EXPECT_THAT(err_, HasSubstr("two files"));
+    EXPECT_EQ(Run({"convert", sample, "-o", sample, "--version", "4"}), 2);
+    EXPECT_EQ(err_, "orvexprofile: -o " + sample + " is the same file as the profile " + sample +
+                        "; name another one\n");
     EXPECT_EQ(ReadBytes(sample), before);
     scratch_.Write("bad.zvp", "ZVC");
     EXPECT_EQ(Run({"convert", Path("bad.zvp"), "-o", Path("new.zvp"), "--version", "5"}), 1);
@@ -258,16 +269,35 @@ TEST_F(ProfileTool, ApplySaysWhatIsWrong) {
     EXPECT_EQ(Run({"apply", Path("none.png"), Path("a.png")}), 1);
     EXPECT_THAT(err_, HasSubstr("none.png"));
     EXPECT_EQ(Run({"apply", Picture(), Path("a.png"), "--profile", Path("none.zvp")}), 1);
-    EXPECT_THAT(err_, HasSubstr("could not open file"));
+    EXPECT_THAT(err_, HasSubstr("none.zvp can't be opened: there is no such file"));
     EXPECT_NE(Run({"apply", Picture(), Path("a.png"), "--variant", "300"}), 0);
     EXPECT_FALSE(std::filesystem::exists(Path("a.png")));
+}
+
+TEST_F(ProfileTool, RefusesAnOutputThatIsAnInput) {
+    const std::string picture = Picture(), sample = Sample(), pixels = ReadBytes(picture);
+    std::filesystem::create_hard_link(picture, Path("x-M.png"));
+    const std::vector<std::string> slips[] = {
+        {"apply", picture, picture},
+        {"apply", picture, Path("x.png")},
+        {"apply", picture, Path("y.png"), "--profile", Path("y.png")},
+        {"apply", picture, Path("1"), Path("2"), Path("3"), Path("4"), Path("1")},
+        {"chart", sample, "-o", sample},
+        {"build", "--icc", sample, "-o", sample},
+    };
+    for (const std::vector<std::string>& slip : slips) {
+        EXPECT_EQ(Run(slip), 2);
+        EXPECT_THAT(err_, AllOf(testing::StartsWith("orvexprofile: "), HasSubstr(" is the same file as ")));
+    }
+    EXPECT_EQ(ReadBytes(picture), pixels);
+    EXPECT_THAT(Files(), testing::UnorderedElementsAre("in.png", "sample.zvp", "x-M.png"));
 }
 
 TEST_F(ProfileTool, ChartsAProfile) {
     EXPECT_EQ(Run({"chart", Sample(), "-o", Path("chart.png"), "--variant", "600"}), 0) << err_;
     EXPECT_GT(LoadPng(Path("chart.png")).width, 1000u);
     EXPECT_EQ(Run({"chart", Path("none.zvp"), "-o", Path("none.png")}), 1);
-    EXPECT_THAT(err_, HasSubstr("could not open file"));
+    EXPECT_THAT(err_, HasSubstr("none.zvp can't be opened: there is no such file"));
     EXPECT_FALSE(std::filesystem::exists(Path("none.png")));
 }
 

@@ -1,0 +1,68 @@
+#include "tools/orvexprint/job_files.h"
+
+#include <fstream>
+
+#include "tools/common/whole_file.h"
+#include "tools/common/wide_text.h"
+#include "tools/orvexprint/printer_settings.h"
+
+namespace orvex::tools::print {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view kPrintFileStart = "\x1B%-12345X@PJL";
+
+bool IsPrintFile(const fs::path& path) {
+    std::string start(kPrintFileStart.size(), '\0');
+    std::ifstream(path, std::ios::binary).read(start.data(), static_cast<std::streamsize>(start.size()));
+    return start == kPrintFileStart;
+}
+
+bool IsDeviceMode(const fs::path& path) {
+    try {
+        LoadDeviceMode(path);
+        return true;
+    } catch (const std::runtime_error&) {
+        return false;
+    }
+}
+
+// Refuses to replace a file of another kind, which is more likely a slip of the hand than meant.
+void RefuseReplacing(const char* option, const fs::path& path, bool (*isOfItsKind)(const fs::path&),
+                     const char* kind) {
+    std::error_code ignored;
+    if (path.empty() || !fs::is_regular_file(path, ignored) || fs::file_size(path, ignored) == 0) return;
+    if (isOfItsKind(path)) return;
+    throw OptionError(std::string(option) + " " + Utf8FromPath(path) + " exists and is no " + kind +
+                      "; --force replaces it");
+}
+
+}  // namespace
+
+void MakeAbsolute(JobOptions& options) {
+    for (fs::path& page : options.pages) {
+        if (!IsStandardInput(page)) page = AbsolutePath(page);
+    }
+    if (!IsStandardOutput(options.output) && !options.output.empty())
+        options.output = AbsolutePath(options.output);
+    for (fs::path* path : {&options.installation, &options.engine, &options.printerData, &options.loadMode,
+                           &options.saveMode}) {
+        if (!path->empty()) *path = AbsolutePath(*path);
+    }
+}
+
+void CheckOutputs(const JobOptions& options) {
+    std::vector<NamedFile> inputs = {{"--load-devmode", options.loadMode}, {"--engine", options.engine}};
+    for (const fs::path& page : options.pages) inputs.push_back({"the page", page});
+    const NamedFile outputs[] = {{"-o", options.output},
+                                 {"--save-devmode", options.saveMode},
+                                 {"--printer-data", options.printerData}};
+    RefuseSharedFiles(outputs, inputs);
+    if (options.force) return;
+    RefuseReplacing("-o", options.output, &IsPrintFile, "print file");
+    RefuseReplacing("--save-devmode", options.saveMode, &IsDeviceMode, "device mode of this driver");
+}
+
+}  // namespace orvex::tools::print

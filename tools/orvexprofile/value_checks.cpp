@@ -1,0 +1,51 @@
+#include "tools/orvexprofile/value_checks.h"
+
+#include <algorithm>
+
+#include "tools/common/number_text.h"
+#include "tools/common/printable_text.h"
+
+namespace orvex::tools::profile {
+
+namespace {
+
+constexpr size_t kShownBytes = 60;
+
+CLI::Validator Check(std::function<bool(const std::string&)> allows, const std::string& range) {
+    const auto check = [allows = std::move(allows), range](std::string& text) -> std::string {
+        if (allows(text)) return {};
+        return "\"" + PrintableText(text, kShownBytes) + "\" is not allowed; it takes " + range;
+    };
+    return CLI::Validator(check, "");
+}
+
+}  // namespace
+
+CLI::Validator NumberFrom(double least, double most, const std::string& unit) {
+    const auto allows = [least, most](const std::string& text) {
+        const std::optional<double> number = ParseNumber(text);
+        return number && *number >= least && *number <= most;
+    };
+    return Check(allows, DecimalText(least, 0) + " to " + DecimalText(most, 0) + " " + unit);
+}
+
+CLI::Validator WholeFrom(int least, int most) {
+    const auto allows = [least, most](const std::string& text) {
+        const std::optional<int> number = ParseWhole(text);
+        return number && *number >= least && *number <= most;
+    };
+    return Check(allows, std::to_string(least) + " to " + std::to_string(most));
+}
+
+CLI::Validator OneOf(const std::vector<std::string>& words) {
+    std::string range;
+    for (size_t i = 0; i < words.size(); ++i) {
+        range += (i == 0 ? "" : i + 1 == words.size() ? " or " : ", ") + words[i];
+    }
+    const auto allows = [words](const std::string& text) {
+        return std::find(words.begin(), words.end(), text) != words.end();
+    };
+    return Check(allows, range);
+}
+
+}  // namespace orvex::tools::profile
