@@ -1,5 +1,5 @@
-// What the driver is compared with: Little CMS for the colors, pixman for the rotation, and both as the
-// obvious program.
+// References that the driver is compared with: Little CMS for the colors, pixman for the rotation, and both
+// as the obvious program.
 #pragma once
 
 #include <lcms2.h>

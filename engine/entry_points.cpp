@@ -61,7 +61,7 @@ uint64_t AddJob(std::unique_ptr<EngineJob> job) {
     return jobTable.lastHandle;
 }
 
-// What happens to a job after a call.
+// The fate of a job after a call.
 enum class Afterwards { kKeep, kRemove };
 
 // Reserves a job for the duration of one call. A job that is in a call already, on another thread or further

@@ -134,7 +134,7 @@ struct EngineCheck {
         }
     }
     uint32_t* ImageArea() { return expected.data() + (layout.purgeLead != 0 ? layout.purgeLen : 0); }
-    // Without a pattern, fill rows before the image leave the row as it is.
+    // Fill rows before the image leave the row as it is if there is no pattern.
     void ExpectFill(bool inFront) {
         for (int32_t i = 0; i < layout.imageWidth; ++i) {
             const uint32_t amount = At600Dpi() ? 2 : 4;
@@ -225,7 +225,7 @@ void CheckPage(FuzzInput& input, const DeviceMode& mode, bool refuses, uint32_t 
     PageArt page(input, colors);
     const plain::Layout layout =
         plain::ComputeLayout(LayoutInput(mode, mode.pub.dmPrintQuality, page.width, page.height));
-    // Without settings a first page makes no thumbnail.
+    // A first page makes no thumbnail if settings.inf is empty.
     if (g_nPage == 1) FuzzInstallation().WriteSettings("");
     PDEV pdev = {};
     pdev.signature = pdev.signatureTail = kPdevSignature;

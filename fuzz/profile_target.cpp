@@ -27,7 +27,7 @@ constexpr size_t kLoaderName = 512;
 constexpr size_t kCatalogueName = 100;
 constexpr uint64_t kBeginning = 65536;  // more than the tags of any input take
 
-// What the driver reads from a profile besides its colors.
+// Name and resolution code as the driver reads them from a profile.
 struct ReadHead {
     std::vector<char> name = std::vector<char>(kLoaderName, '\0');
     signed char code = 99;

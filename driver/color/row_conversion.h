@@ -7,7 +7,7 @@
 
 namespace orvex {
 
-// What a job prints with. Any other value prints in color.
+// A job's use of inks. Any other value prints in color.
 enum ColorMode : int32_t {
     kColorModeColor = 0,
     kColorModeCompositeGray = 1,  // grays made of C, M and Y, without black ink

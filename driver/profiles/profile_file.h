@@ -19,7 +19,7 @@ inline int32_t g_profileLoaded = 0;
 // in any case and with any extension. Opening a device could block the spooler.
 bool IsBareFileName(const char* name);
 
-// Where the tags' data goes. A later tag replaces an earlier one of its kind.
+// Destinations of the tags' data. A later tag replaces an earlier one of its kind.
 struct TagTargets {
     char* name;                   // receives the profile's name, terminated
     size_t nameCapacity;          // in bytes, at most kProfileNameCapacity

@@ -88,7 +88,7 @@ ProfileProblem ReadProfileHeader(BlockReader& file, ProfileHeader* header) {
     if (!file) return {&kFileNotOpened};
     uint8_t bytes[kProfileHeaderSize] = {};
     header->fileSize = file.Size();
-    // Without a size it is no regular file, and reading from it might never end.
+    // A file without a size is not a regular one, and reading it might never end.
     const size_t came = header->fileSize < 0 ? 0 : file.Read(bytes, sizeof bytes);
     header->markSize = std::min(came, sizeof header->mark);
     memcpy(header->mark, bytes, header->markSize);

@@ -30,7 +30,7 @@
 
 namespace orvex {
 
-// Where a page lies across the print head. Any other value centers it.
+// A page's place across the print head. Any other value centers it.
 enum Alignment : int16_t {
     kAlignRight = 0,  // at the far end
     kAlignCenter = 1,

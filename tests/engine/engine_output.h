@@ -47,7 +47,7 @@ inline uint32_t StartFittingPage(uint64_t job, uint32_t rowWidth, uint32_t rows)
 }
 
 // Prints one page of these rows, all of one width, and returns whether every call succeeded. Announces
-// `announced` rows; 0 stands for the number that it prints.
+// `announced` rows; 0 announces as many as it prints.
 inline bool PrintPage(uint64_t job, const Rows& rows, uint32_t top = 0, size_t announced = 0) {
     const auto count = static_cast<uint32_t>(announced != 0 ? announced : rows.size());
     const auto width = static_cast<uint32_t>(rows[0].size());

@@ -28,7 +28,7 @@ using namespace tools;
 
 class HeapWatch {
   public:
-    // Where the blocks come from. On Windows a guarded block ends at a guard page and stays inaccessible for
+    // The source of the blocks. On Windows a guarded block ends at a guard page and stays inaccessible for
     // a long time after it is freed; the module must no longer use such blocks when the watch ends. Natively
     // all blocks are the C library's own, which the sanitizers guard.
     enum class Blocks { kPlain, kGuarded };
