@@ -16,7 +16,6 @@
 #include "tools/orvexview/png_writer.h"
 #include "tools/orvexview/print_file.h"
 #include "tools/orvexview/report.h"
-#include "tools/orvexview/same_file.h"
 #include "tools/orvexview/together.h"
 
 namespace orvex::tools::view {
@@ -102,7 +101,7 @@ class Viewing {
         if (!options_.verify.empty()) others.push_back({options_.verify, "the picture to verify"});
         const auto check = [&](const std::string& output) {
             for (const NamedFile& other : others) {
-                if (!IsSameFile(output, other.name)) continue;
+                if (!IsSameFile(PathFromUtf8(output), PathFromUtf8(other.name))) continue;
                 throw std::runtime_error(output + " is also " + other.role + "; nothing was written");
             }
         };
