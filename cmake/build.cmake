@@ -58,7 +58,6 @@ endfunction()
 
 # Tests are most of what is compiled, and their own code needs no speed and no watching: it is barely optimized, and the
 # sanitizers are left to what it tests, except for AddressSanitizer, whose checks of containers all sources share.
-# Measured on two cores, uncached: 
 set(ORVEX_TEST_OPTIONS -O0)
 if(ORVEX_SANITIZE)
     list(APPEND ORVEX_TEST_OPTIONS -fno-sanitize=undefined,fuzzer-no-link)
