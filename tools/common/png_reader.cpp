@@ -19,6 +19,8 @@ constexpr size_t kMaxChunksBytes = size_t{32} << 20;
 constexpr uint8_t kUnitMeter = 1;  // of pHYs
 constexpr uint32_t kOpaque = 255;
 
+constexpr size_t kStartBytes = 4096;  // of an SVG, in which its first tag is looked for
+
 int ReadBytes(spng_ctx*, void* user, void* bytes, size_t size) {
     auto& file = *static_cast<std::istream*>(user);
     if (file.read(static_cast<char*>(bytes), static_cast<std::streamsize>(size))) return 0;
@@ -51,6 +53,21 @@ void ExpandGray(const uint8_t* samples, uint32_t* pixels, size_t count) {
     for (size_t i = 0; i < count; ++i) pixels[i] = samples[i] * 0x010101u;
 }
 
+// Returns what a file is that is no PNG, by its first bytes, and what to do with it.
+std::string DescribeOther(std::istream& file) {
+    constexpr char kAdvice[] = "; ./print renders it first";
+    std::string start(kStartBytes, '\0');
+    file.clear();
+    file.seekg(0);
+    file.read(start.data(), static_cast<std::streamsize>(start.size()));
+    start.resize(static_cast<size_t>(file.gcount()));
+    if (start.starts_with("%PDF-")) return std::string("is a PDF") + kAdvice;
+    const size_t first = start.find_first_not_of("\xEF\xBB\xBF \t\r\n");  // after a mark of UTF-8
+    if (first != std::string::npos && start[first] == '<' && start.find("<svg") != std::string::npos)
+        return std::string("is an SVG") + kAdvice;
+    return "is no PNG file";
+}
+
 }  // namespace
 
 void PngReader::Closer::operator()(spng_ctx* png) const {
@@ -63,7 +80,7 @@ void PngReader::Fail(const std::string& problem) const {
 
 void PngReader::Check(int code) const {
     if (code == SPNG_OK) return;
-    if (code == SPNG_ESIGNATURE) Fail("is no PNG file");
+    if (code == SPNG_ESIGNATURE) Fail(DescribeOther(*file_));
     if (code == SPNG_IO_ERROR) Fail("can't be read");
     if (code == SPNG_EMEM) Fail("needs more memory than there is");
     if (code == SPNG_EUSER_WIDTH || code == SPNG_EUSER_HEIGHT)

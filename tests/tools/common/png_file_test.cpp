@@ -100,6 +100,19 @@ TEST(PngFile, IsRefusedIfItIsNotAPng) {
     EXPECT_EQ(DecodingError(std::vector<uint8_t>(100, 'x')), "is no PNG file");
 }
 
+TEST(PngFile, IsToldFromAPdfAndAnSvgByItsFirstBytes) {
+    const auto errorOf = [](std::string file) {
+        file.resize(100, '\n');
+        return DecodingError({file.begin(), file.end()});
+    };
+    EXPECT_EQ(errorOf("%PDF-1.7\n1 0 obj"), "is a PDF; ./print renders it first");
+    const std::string svg = "is an SVG; ./print renders it first";
+    EXPECT_EQ(errorOf("<svg xmlns='http://www.w3.org/2000/svg'/>"), svg);
+    EXPECT_EQ(errorOf("\xEF\xBB\xBF<?xml version='1.0'?>\r\n<!-- a label -->\r\n<svg/>"), svg);
+    EXPECT_EQ(errorOf("<?xml version='1.0'?><html/>"), "is no PNG file");
+    EXPECT_EQ(errorOf("mentions %PDF- and <svg"), "is no PNG file");
+}
+
 TEST(PngFile, IsRefusedWhereverItIsTruncated) {
     const std::vector<uint8_t> whole = MakePlainPng(9, 9, 11811, 0x102030);
     for (size_t size = 0; size < whole.size() - 12; ++size) {
