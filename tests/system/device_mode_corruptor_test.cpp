@@ -28,7 +28,7 @@ namespace {
 #ifdef _WIN32
 constexpr int kRandomRecords = 3000;
 #else
-constexpr int kRandomRecords = 96000;
+constexpr int kRandomRecords = 24000;
 #endif
 
 constexpr plain::ListedLabel kLabels[] = {{258, "Label 258", 1016, 1016}, {300, "Label 300", 1005, 1005}};

@@ -3,10 +3,10 @@
 #include <cstring>
 
 #include "driver/support/text.h"
-#include "tests/driver/profiles/large_profile.h"
 #include "tests/driver/profiles/profile_bytes.h"
 #include "tests/kit/driver_fixture.h"
 #include "tests/kit/picture.h"
+#include "tests/plain/large_profile.h"
 #include "tools/orvexview/print_file.h"
 
 namespace orvex {

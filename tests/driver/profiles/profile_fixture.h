@@ -10,10 +10,10 @@
 #include "driver/profiles/profile_file.h"
 #include "tests/driver/color/cache_filling.h"
 #include "tests/driver/profiles/file_watch.h"
-#include "tests/driver/profiles/large_profile.h"
 #include "tests/driver/profiles/profile_bytes.h"
 #include "tests/kit/log_capture.h"
 #include "tests/kit/scratch_folder.h"
+#include "tests/plain/large_profile.h"
 #include "tests/plain/plain_tables.h"
 
 namespace orvex {

@@ -7,9 +7,9 @@
 #include <utility>
 #include <vector>
 
-#include "tests/driver/profiles/large_profile.h"
 #include "tests/driver/profiles/profile_bytes.h"
 #include "tests/kit/scratch_folder.h"
+#include "tests/plain/large_profile.h"
 #include "tests/plain/valid_device_mode.h"
 
 namespace orvex {

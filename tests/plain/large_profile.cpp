@@ -1,4 +1,4 @@
-#include "tests/driver/profiles/large_profile.h"
+#include "tests/plain/large_profile.h"
 
 #include <fstream>
 #include <string>
