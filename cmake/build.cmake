@@ -56,12 +56,23 @@ function(orvex_room name)
     target_link_libraries(orvex_${name} PUBLIC ${ARGN})
 endfunction()
 
-# Tests are most of what is compiled, and their own code needs no speed and no watching: it is barely optimized, and the
-# sanitizers are left to what it tests, except for AddressSanitizer, whose checks of containers all sources share.
-set(ORVEX_TEST_OPTIONS -O0)
+# Code that needs no speed is not optimized, and the sanitizers leave it alone, except for AddressSanitizer, whose checks of
+# containers all sources share. It is most of what is compiled: the tests, and the parsing of command lines, whose templates
+# take the optimizer longer than anything else.
+set(ORVEX_UNOPTIMIZED -O0)
 if(ORVEX_SANITIZE)
-    list(APPEND ORVEX_TEST_OPTIONS -fno-sanitize=undefined,fuzzer-no-link)
+    list(APPEND ORVEX_UNOPTIMIZED -fno-sanitize=undefined,fuzzer-no-link)
 endif()
+
+# orvex_unoptimized_command_lines(SOURCE...): the sources among these that parse a command line with CLI11.
+function(orvex_unoptimized_command_lines)
+    foreach(source IN LISTS ARGN)
+        file(STRINGS ${source} found REGEX "include .(CLI/CLI|tools/common/help_format)\\.h" LIMIT_COUNT 1)
+        if(found)
+            set_source_files_properties(${source} PROPERTIES COMPILE_OPTIONS "${ORVEX_UNOPTIMIZED}")
+        endif()
+    endforeach()
+endfunction()
 
 # Most tests call the system more than they calculate, and under Wine do so beside its server. These would only be in its
 # way; those of endurance, besides, write logs from several processes at the same time.
@@ -74,7 +85,7 @@ function(orvex_test folder)
     file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/${folder}/*.cpp)
     add_executable(${room}_tests ${sources})
     target_link_libraries(${room}_tests PRIVATE ${ARGN} orvex_testing)
-    target_compile_options(${room}_tests PRIVATE ${ORVEX_TEST_OPTIONS})
+    target_compile_options(${room}_tests PRIVATE ${ORVEX_UNOPTIMIZED})
     target_precompile_headers(${room}_tests REUSE_FROM orvex_testing)
     add_dependencies(${room}_tests hpcrlib)
     if(WIN32 AND orvex_host IN_LIST ARGN)
