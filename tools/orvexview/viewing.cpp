@@ -212,9 +212,9 @@ class Viewing {
         const PagePlacement placement = PlacePage(file_, page, options_.orientation);
         Drawing drawing{.area = ImageArea(placement), .composite = true};
         drawing.turned = placement.orientation == Orientation::kPortrait;
-        const RasterImage image = LoadPng(PathFromUtf8(options_.verify));
+        PngReader art = OpenPng(PathFromUtf8(options_.verify));
         Comparer comparer(drawing.turned ? drawing.area.rows : drawing.area.width,
-                          drawing.turned ? drawing.area.width : drawing.area.rows, image);
+                          drawing.turned ? drawing.area.width : drawing.area.rows, art);
         for (const BlockArea& band : Bands(drawing, options_.bandBytes)) {
             drawing.area = band;
             comparer.TakeLines(DrawPage(model_, page, placement, drawing).composite);
