@@ -109,13 +109,28 @@ class Viewing {
             check(options_.thumbnail);
             others.push_back({options_.thumbnail, "the thumbnail"});
         }
+        const auto checkPicture = [&](const std::string& picture) {
+            check(picture);
+            RefuseReplacing(picture);
+        };
         for (const PrintedPage& page : file_.pages) {
             if (!IsDrawn(page)) continue;
             const PictureNames names = NamesOf(page);
-            check(names.composite);
-            for (int ink = 0; options_.inks && ink < kInks; ++ink) check(names.inks[ink]);
-            if (options_.layout) check(names.layout);
+            checkPicture(names.composite);
+            for (int ink = 0; options_.inks && ink < kInks; ++ink) checkPicture(names.inks[ink]);
+            if (options_.layout) checkPicture(names.layout);
         }
+    }
+
+    // Refuses to replace a file that orvexview has not made, such as art of a similar name.
+    void RefuseReplacing(const std::string& picture) const {
+        std::error_code ignored;
+        const std::filesystem::path path = PathFromUtf8(picture);
+        if (options_.force || !std::filesystem::is_regular_file(path, ignored)) return;
+        if (std::filesystem::file_size(path, ignored) == 0 || IsWrittenPicture(path)) return;
+        throw std::runtime_error(picture +
+                                 " exists and is no picture of orvexview, so nothing was written; "
+                                 "--force replaces it");
     }
 
     Drawing DrawingOf(const PrintedPage& page, const PagePlacement& placement) const {

@@ -295,6 +295,28 @@ TEST_F(ViewingTest, RefusesAnOutputThatIsThePictureToVerify) {
     EXPECT_EQ(Written().size(), 1u);
 }
 
+TEST_F(ViewingTest, ReplacesOnlyItsOwnPicturesUnlessForced) {
+    PrintLabels();
+    options_.layout = true;
+    Show();
+    Show();
+    for (const char* name : {"page2.png", "page1-layout.png"}) {
+        const std::string art = Name(std::string("\xC3\xA9tiquette-") + name);
+        SavePng(Picture(2, 2, 3), 300, PathFromUtf8(art));
+        const std::string bytes = ReadBytes(PathFromUtf8(art));
+        EXPECT_EQ(
+            Complaint(),
+            art + " exists and is no picture of orvexview, so nothing was written; --force replaces it");
+        EXPECT_EQ(ReadBytes(PathFromUtf8(art)), bytes);
+        options_.force = true;
+        Show();
+        options_.force = false;
+        EXPECT_NE(ReadBytes(PathFromUtf8(art)), bytes);
+        WriteBytes(PathFromUtf8(art), "");
+        Show();
+    }
+}
+
 TEST_F(ViewingTest, RefusesTwoOutputsThatAreOneFile) {
     PrintLabels("@PJL SET QRV_THUMBNAIL=\"iVBORw0KGgo=\"\n");
     options_.thumbnail = Name("./look-page2.png");
