@@ -212,8 +212,8 @@ class Viewing {
     void WriteThumbnail() const {
         OutputFile file(PathFromUtf8(options_.thumbnail));
         ReadThumbnail(file_, [&](std::span<const uint8_t> bytes) {
-            if (file.Write({reinterpret_cast<const char*>(bytes.data()), bytes.size()})) return;
-            throw std::runtime_error(options_.thumbnail + " can't be written");
+            file.Write({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+            file.CheckWrites();
         });
         const uint64_t size = file.Size();
         file.Complete();
