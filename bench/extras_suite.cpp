@@ -13,6 +13,7 @@
 #include "tools/common/png_file.h"
 #include "tools/common/whole_file.h"
 #include "tools/common/wide_text.h"
+#include "tools/orvexview/png_writer.h"
 
 namespace orvex::bench {
 
@@ -90,26 +91,74 @@ void DecodeWithLibspng(const std::vector<uint8_t>& file) {
         throw CheckFailure("libspng can't decode the page");
 }
 
+// Draws a page of A4 at 600 dpi and encodes it as a PNG.
+std::vector<uint8_t> EncodedPage(PageArt art) {
+    return tools::EncodePng(PictureOf(DrawPage(art, kA4At600, false)), kA4At600.dpi);
+}
+
+std::string Program(const char* name) {
+    return tools::Utf8FromPath(tools::ProgramFolder() / name);
+}
+
+void RunCommand(const std::string& command) {
+    if (std::system((command + " >/dev/null").c_str()) != 0) throw CheckFailure("this failed: " + command);
+}
+
 void MeasureWholeJob(Bench& bench) {
     constexpr char kTitle[] = "orvexprint, 10 pages, A4 600 dpi, label";
     constexpr int kPages = 10;
     if (!bench.Wants(kTitle)) return;
     const ScratchFolder scratch;
-    const std::vector<uint8_t> file =
-        tools::EncodePng(PictureOf(DrawPage(PageArt::kLabel, kA4At600, false)), kA4At600.dpi);
+    const std::vector<uint8_t> file = EncodedPage(PageArt::kLabel);
     const std::string page = tools::Utf8FromPath(scratch.Path() / "page.png");
     tools::WriteWholeFile(scratch.Path() / "page.png", file);
-    std::string command = tools::Utf8FromPath(tools::ProgramFolder() / "orvexprint") +
-                          " --dpi 600 --size page -o " + tools::Utf8FromPath(scratch.Path() / "job.prn") +
-                          " >/dev/null";
+    std::string command = Program("orvexprint") + " --dpi 600 --size page -o " +
+                          tools::Utf8FromPath(scratch.Path() / "job.prn");
     for (int i = 0; i < kPages; ++i) command += " " + page;
-    const auto print = [&] {
-        if (std::system(command.c_str()) != 0) throw CheckFailure("the job did not print: " + command);
-    };
+    const auto print = [&] { RunCommand(command); };
     const auto decode = [&] {
         for (int i = 0; i < kPages; ++i) DecodeWithLibspng(file);
     };
     bench.Hold({kTitle, {"orvexprint", print}, {"libspng", decode}, AimKind::kAtMost, 3, print});
+}
+
+// Loads a picture of orvexview: of one ink with 1 channel, any other with 3.
+tools::Picture LoadPicture(const std::filesystem::path& path, bool ink) {
+    const tools::RasterImage image = tools::LoadPng(path);
+    tools::Picture picture(image.width, image.height, ink ? 1 : 3);
+    uint8_t* sample = picture.samples.data();
+    for (size_t i = 0; i < size_t{image.width} * image.height; ++i) {
+        for (const int shift : {16, 8, 0}) {
+            if (!ink || shift == 0) *sample++ = static_cast<uint8_t>(image.pixels.get()[i] >> shift);
+        }
+    }
+    return picture;
+}
+
+void MeasureViewer(Bench& bench, PageArt art) {
+    const std::string title = "orvexview --inks --layout, A4 600 dpi, " + std::string(NameOf(art));
+    if (!bench.Wants(title)) return;
+    const ScratchFolder scratch;
+    const std::string base = tools::Utf8FromPath(scratch.Path() / "job");
+    tools::WriteWholeFile(scratch.Path() / "page.png", EncodedPage(art));
+    RunCommand(Program("orvexprint") + " --dpi 600 --size page -o " + base + ".prn " +
+               tools::Utf8FromPath(scratch.Path() / "page.png"));
+    const auto view = [&] { RunCommand(Program("orvexview") + " " + base + ".prn --inks --layout"); };
+    view();
+    std::vector<tools::Picture> pictures;
+    for (const char* name : {"", "-layout", "-K", "-C", "-M", "-Y"}) {
+        const bool ink = std::string_view(name).size() == 2;
+        pictures.push_back(LoadPicture(base + "-page1" + name + ".png", ink));
+    }
+    const auto encode = [&] {
+        for (const tools::Picture& picture : pictures) {
+            tools::view::PngWriter writer(scratch.Path() / "encoded.png", picture.width, picture.height,
+                                          picture.channels, kA4At600.dpi);
+            writer.TakeLines(picture);
+            writer.Complete();
+        }
+    };
+    bench.Hold({title, {"orvexview", view}, {"encoding its pictures", encode}, AimKind::kAtMost, 4, nullptr});
 }
 
 }  // namespace
@@ -118,6 +167,7 @@ void MeasureExtras(Bench& bench, const BenchSetting& setting) {
     MeasureThumbnail(bench);
     MeasureSilentLog(bench, setting);
     MeasureWholeJob(bench);
+    for (const PageArt art : {PageArt::kLabel, PageArt::kPhoto}) MeasureViewer(bench, art);
 }
 
 }  // namespace orvex::bench

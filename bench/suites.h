@@ -24,7 +24,8 @@ void MeasurePages(Bench& bench, const BenchSetting& setting);
 void MeasureRowConversion(Bench& bench, const BenchSetting& setting);
 // Measures loads of profiles, the generic conversion and the interpolation of all colors.
 void MeasureProfiles(Bench& bench, const BenchSetting& setting);
-// Measures the thumbnail's scaling, the cost of the log while it is off, and a whole job of orvexprint.
+// Measures the thumbnail's scaling, the cost of the log while it is off, a whole job of orvexprint, and the
+// pictures of orvexview.
 void MeasureExtras(Bench& bench, const BenchSetting& setting);
 
 // Reloads the profile at 600 dpi, so that no color is interpolated yet.

@@ -88,8 +88,13 @@ void PngReader::Check(int code) const {
     Fail(std::string("is a damaged PNG file: ") + spng_strerror(code));
 }
 
-PngReader::PngReader(std::unique_ptr<std::istream> file, const std::string& name)
-    : file_(std::move(file)), prefix_(name.empty() ? "" : name + " "), png_(spng_ctx_new(0)) {
+PngReader::PngReader(std::unique_ptr<std::istream> file, const std::string& name, size_t windowPixels)
+    : file_(std::move(file)), prefix_(name.empty() ? "" : name + " "), windowPixels_(windowPixels) {
+    Begin();
+}
+
+void PngReader::Begin() {
+    png_.reset(spng_ctx_new(0));
     if (!png_) throw std::bad_alloc();
     spng_set_image_limits(png_.get(), kMaxSide, kMaxSide);
     spng_set_chunk_limits(png_.get(), kMaxChunkBytes, kMaxChunksBytes);
@@ -178,11 +183,7 @@ void PngReader::FinishRgba(uint32_t* pixels) const {
 void PngReader::ReadRow(uint32_t* pixels) {
     const size_t width = size_.width;
     if (interlaced_) {
-        if (!image_.pixels) {
-            image_ = MakeImage(size_.width, size_.height);
-            ReadAll(image_.pixels.get(), width);
-        }
-        std::copy_n(image_.Row(nextRow_++), width, pixels);
+        std::copy_n(NextOfWindow(), width, pixels);
         return;
     }
     ++nextRow_;
@@ -205,15 +206,38 @@ void PngReader::ReadAll(uint32_t* pixels, size_t stride) {
         for (uint32_t y = 0; y < size_.height; ++y) ReadRow(pixels + y * stride);
         return;
     }
-    // Each pass fills in some of the pixels, and all of them are there after the last one.
+    DecodePasses(0, size_.height, pixels, stride);
+}
+
+// Each pass fills in some of the pixels, and all of them are there after the last one.
+void PngReader::DecodePasses(uint32_t first, uint32_t count, uint32_t* pixels, size_t stride) {
+    std::vector<uint32_t> other(size_.width);  // takes the rows that are not kept
     bool last = false;
     while (!last) {
         spng_row_info row = {};
         const int code = spng_get_row_info(png_.get(), &row);
         if (code != SPNG_EOI) Check(code);
-        last = Decode(pixels + row.row_num * stride, size_.width * sizeof *pixels);
+        const bool kept = row.row_num >= first && row.row_num - first < count;
+        last = Decode(kept ? pixels + (row.row_num - first) * stride : other.data(),
+                      size_.width * sizeof *pixels);
     }
-    for (uint32_t y = 0; y < size_.height; ++y) FinishRgba(pixels + y * stride);
+    for (uint32_t y = 0; y < count; ++y) FinishRgba(pixels + y * stride);
+}
+
+const uint32_t* PngReader::NextOfWindow() {
+    if (nextRow_ == windowTop_ + window_.height) {
+        if (nextRow_ > 0) {
+            file_->clear();
+            file_->seekg(0);
+            Begin();
+        }
+        const auto most = static_cast<uint32_t>(std::max<size_t>(windowPixels_ / size_.width, 1));
+        window_ = {};
+        window_ = MakeImage(size_.width, std::min(most, size_.height - nextRow_));
+        windowTop_ = nextRow_;
+        DecodePasses(windowTop_, window_.height, window_.pixels.get(), size_.width);
+    }
+    return window_.Row(nextRow_++ - windowTop_);
 }
 
 }  // namespace orvex::tools

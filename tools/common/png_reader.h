@@ -38,17 +38,21 @@ struct EmbeddedColors {
 };
 
 // A PNG of any color type, read from its beginning. Transparent parts show the white of the label. Takes the
-// memory of a few rows; that of the whole picture only if the file is interlaced and its rows are read one by
-// one. All errors are PageError and begin with the name.
+// memory of a few rows. An interlaced file whose rows are read one by one is decoded once for each window of
+// rows, since any row needs most of the file. All errors are PageError and begin with the name.
 class PngReader {
   public:
     // Converts the colors of `count` pixels 0xAARRGGBB in place.
     using ColorConversion = std::function<void(uint32_t* pixels, size_t count)>;
 
+    // Pixels of an interlaced file's window: 64 MiB.
+    static constexpr size_t kWindowPixels = size_t{16} << 20;
+
     // Reads everything before the pixels. Throws for a file that is no sound PNG, or has more pixels than a
     // label can have; the sizes that a file claims are checked before any memory is taken for them. `name`
-    // may be empty.
-    PngReader(std::unique_ptr<std::istream> file, const std::string& name);
+    // may be empty. Tests make the window small.
+    PngReader(std::unique_ptr<std::istream> file, const std::string& name,
+              size_t windowPixels = kWindowPixels);
 
     PictureSize Size() const { return size_; }
     EmbeddedColors Colors() const;
@@ -67,10 +71,16 @@ class PngReader {
 
     [[noreturn]] void Fail(const std::string& problem) const;
     void Check(int code) const;
+    // Opens the file at its beginning.
+    void Begin();
     void ReadHeader();
     void ChooseFormat();
     // Decodes the next row of the file. Returns whether it was the last one.
     bool Decode(void* samples, size_t size);
+    // Decodes an interlaced file, and keeps `count` rows from `first` on.
+    void DecodePasses(uint32_t first, uint32_t count, uint32_t* pixels, size_t stride);
+    // Returns the next row of an interlaced file.
+    const uint32_t* NextOfWindow();
     // Turns a row's samples, which are RGBA, into pixels in the same memory.
     void FinishRgba(uint32_t* pixels) const;
 
@@ -83,7 +93,9 @@ class PngReader {
     bool interlaced_ = false;
     uint32_t nextRow_ = 0;
     std::vector<uint8_t> samples_;  // of a row with 1 or 3 channels
-    RasterImage image_;             // of an interlaced file whose rows are read one by one
+    size_t windowPixels_;
+    RasterImage window_;  // the rows of an interlaced file that are read one by one
+    uint32_t windowTop_ = 0;
 };
 
 }  // namespace orvex::tools

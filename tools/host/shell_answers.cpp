@@ -59,6 +59,16 @@ struct ShellAnswers::Replacements {
         memcpy(buffer, current->language_->c_str(), static_cast<size_t>(needed) * sizeof(WCHAR));
         return needed;
     }
+
+    static HANDLE WINAPI Open(LPCSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES attributes,
+                              DWORD disposition, DWORD flags, HANDLE pattern) {
+        if (path == current->lentName_) {
+            const std::u16string lent = WindowsPath(current->lentFile_);
+            return CreateFileW(AsWchar(lent), access, share, attributes, disposition, flags, pattern);
+        }
+        const auto original = current->lending_.Original("CreateFileA", &Open);
+        return original(path, access, share, attributes, disposition, flags, pattern);
+    }
 };
 
 ShellAnswers::ShellAnswers(const fs::path& installation) {
@@ -72,9 +82,18 @@ ShellAnswers::ShellAnswers(const fs::path& installation) {
 }
 
 void ShellAnswers::Attach(HMODULE module) {
+    modules_.push_back(module);
     patches_.Attach(module, {{"SHGetSpecialFolderPathW", &Replacements::SpecialFolder},
                              {"PathAppendW", &Replacements::Append},
                              {"GetLocaleInfoW", &Replacements::LocaleInfo}});
+}
+
+void ShellAnswers::LendFile(const std::string& name, const fs::path& path) {
+    if (lentFile_.empty()) {
+        for (HMODULE module : modules_) lending_.Attach(module, {{"CreateFileA", &Replacements::Open}});
+    }
+    lentName_ = name;
+    lentFile_ = path;
 }
 
 void ShellAnswers::SetLanguage(std::optional<std::string> abbreviation) {

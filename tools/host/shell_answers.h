@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "platform/windows.h"
 #include "tools/host/import_patch.h"
@@ -22,6 +23,13 @@ class ShellAnswers : public ImportService<ShellAnswers> {
     // Sets the abbreviated name of the system's language, such as "DEU"; empty: the machine's own.
     void SetLanguage(std::optional<std::string> abbreviation);
 
+    // Makes the attached modules get the file at `path`, which must be absolute, when they open `name`, so
+    // that a file is installed for one session and the installation folder stays as it is. `name` is a path
+    // in the narrow code page, exactly as the driver gives it to CreateFileA.
+    void LendFile(const std::string& name, const std::filesystem::path& path);
+    // Returns the path of the file that is lent; empty if there is none.
+    const std::filesystem::path& LentFile() const { return lentFile_; }
+
     // Makes the query for the folder fail with an error code; 0 ends the failing.
     void FailFolder(DWORD code) { folderError_ = code; }
 
@@ -31,6 +39,10 @@ class ShellAnswers : public ImportService<ShellAnswers> {
     std::u16string folder_;
     std::optional<std::u16string> language_;
     DWORD folderError_ = 0;
+    std::vector<HMODULE> modules_;
+    std::string lentName_;
+    std::filesystem::path lentFile_;
+    PatchSet lending_;
 };
 
 }  // namespace orvex::tools

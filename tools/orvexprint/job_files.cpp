@@ -56,6 +56,10 @@ void MakeAbsolute(JobOptions& options) {
 void CheckOutputs(const JobOptions& options) {
     std::vector<NamedFile> inputs = {{"--load-devmode", options.loadMode}, {"--engine", options.engine}};
     for (const fs::path& page : options.pages) inputs.push_back({"the page", page});
+    std::error_code ignored;
+    const std::string profile = options.profile.value_or("");
+    if (fs::is_regular_file(PathFromUtf8(profile), ignored))
+        inputs.push_back({"--profile", AbsolutePath(PathFromUtf8(profile))});
     const NamedFile outputs[] = {{"-o", options.output},
                                  {"--save-devmode", options.saveMode},
                                  {"--printer-data", options.printerData}};

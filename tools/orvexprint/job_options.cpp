@@ -221,7 +221,10 @@ std::optional<JobOptions> ParseJobOptions(const std::vector<std::string>& argume
 
     AddPageOptions(app);
     for (const Setting& setting : Settings()) AddSetting(app, setting);
-    Add(app, "--profile", "FILE", kColor, "an installed colour profile; see --list");
+    Add(app, "--profile", "NAME", kColor,
+        "an installed colour profile, by the name of its file or the one beside it in --list, in any case; "
+        "or the "
+        "path of a profile, which is then installed for this run");
     AddOutputOptions(app);
     AddPrinterOptions(app);
     app.set_version_flag("--version", std::string("orvexprint ") + kProductVersion, "show the version")

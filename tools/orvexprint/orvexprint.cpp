@@ -98,7 +98,8 @@ class PrintRun {
         if (options_.sizeOfPage) options_.size = SizeOfFirstPage(settings);
         const DeviceMode requested = settings.Requested(options_);
         effective_ = settings.Effective(requested);
-        for (const std::string& problem : FallbacksOf(effective_, installation_)) {
+        for (const std::string& problem :
+             FallbacksOf(effective_, installation_, session_.Shell().LentFile())) {
             if (options_.strict) throw std::runtime_error(problem);
             environment_.error << "orvexprint: " + problem + "\n";
         }

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <functional>
-#include <numeric>
 #include <optional>
 #include <utility>
 
@@ -11,6 +10,7 @@
 #include "driver/support/text.h"
 #include "tools/common/number_text.h"
 #include "tools/common/wide_text.h"
+#include "tools/orvexprint/name_search.h"
 #include "tools/orvexprint/setting_table.h"
 
 namespace orvex::tools::print {
@@ -75,48 +75,6 @@ PaperSize SizeFromText(const std::string& text) {
     const double lengthUnit = TakeUnit(length).value_or(kTenthsPerMm);
     const double widthUnit = TakeUnit(width).value_or(lengthUnit);
     return {ParseTenths(width, widthUnit), ParseTenths(length, lengthUnit)};
-}
-
-// Returns the text with small letters for the capitals of ASCII.
-std::string InSmallLetters(std::string_view text) {
-    std::string small(text);
-    for (char& letter : small) {
-        if (letter >= 'A' && letter <= 'Z') letter = static_cast<char>(letter - 'A' + 'a');
-    }
-    return small;
-}
-
-// Returns how many letters have to be changed, added or removed to make one text the other.
-size_t Distance(std::string_view a, std::string_view b) {
-    std::vector<size_t> row(b.size() + 1);
-    std::iota(row.begin(), row.end(), size_t{0});
-    for (size_t i = 0; i < a.size(); ++i) {
-        size_t diagonal = row[0];
-        row[0] = i + 1;
-        for (size_t j = 0; j < b.size(); ++j) {
-            const size_t changed = diagonal + (a[i] == b[j] ? 0 : 1);
-            diagonal = row[j + 1];
-            row[j + 1] = std::min({changed, row[j] + 1, diagonal + 1});
-        }
-    }
-    return row.back();
-}
-
-// Returns the labels' names, those most like `name` first; of many only a few.
-std::string NearestNames(std::string_view name, const std::vector<LabelSize>& labels) {
-    constexpr size_t kShown = 8;
-    const std::string wanted = InSmallLetters(name);
-    std::vector<std::pair<size_t, std::string>> names;
-    for (const LabelSize& label : labels)
-        names.emplace_back(Distance(wanted, InSmallLetters(NameOf(label))), NameOf(label));
-    std::stable_sort(names.begin(), names.end(),
-                     [](const auto& a, const auto& b) { return a.first < b.first; });
-    std::string text;
-    for (size_t i = 0; i < std::min(names.size(), kShown); ++i)
-        text += (i == 0 ? "\"" : ", \"") + names[i].second + "\"";
-    if (names.size() > kShown)
-        text += " or another of " + std::to_string(names.size()) + " labels; --list shows them";
-    return text;
 }
 
 // Returns the label of that name or number, or of that name in any case; null if there is none.
@@ -195,9 +153,11 @@ void ChoosePaperSize(DeviceMode& mode, PaperSize size, const DeviceMode& default
 void ChooseLabel(DeviceMode& mode, std::string_view name, const std::vector<LabelSize>& labels) {
     const LabelSize* const label = FindLabel(name, labels);
     if (label == nullptr) {
-        throw WrongValue(
-            "--label", name,
-            labels.empty() ? "the labels of the printer, which has none" : NearestNames(name, labels));
+        std::vector<std::string> names;
+        for (const LabelSize& each : labels) names.push_back(NameOf(each));
+        throw WrongValue("--label", name,
+                         names.empty() ? "the labels of the printer, which has none"
+                                       : NearestNames(name, std::move(names), "labels"));
     }
     const PaperSize size = SizeOf(*label);
     mode.pub.dmPaperSize = static_cast<int16_t>(label->number);

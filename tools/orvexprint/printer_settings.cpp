@@ -1,7 +1,9 @@
 #include "tools/orvexprint/printer_settings.h"
 
+#include <algorithm>
 #include <cstring>
 #include <fstream>
+#include <functional>
 #include <stdexcept>
 
 #include "driver/config/device_mode_defaults.h"
@@ -12,6 +14,7 @@
 #include "driver/support/text.h"
 #include "tools/common/whole_file.h"
 #include "tools/common/wide_text.h"
+#include "tools/orvexprint/name_search.h"
 
 namespace orvex::tools::print {
 
@@ -31,19 +34,49 @@ std::vector<std::string> TextsOf(const WCHAR* list) {
     return texts;
 }
 
-void ChooseProfile(DeviceMode& mode, const std::string& name,
-                   const std::vector<InstalledProfile>& installed) {
-    std::string names;
-    for (const InstalledProfile& profile : installed) {
-        if (profile.fileName == name) {
-            const std::u16string wide = Wide(name);
-            CopyText(mode.priv.colorProfile, {AsWchar(wide), wide.size()});
-            return;
-        }
-        names += (names.empty() ? "" : ", ") + profile.fileName;
+// Returns the installed profile whose file or display name this is, or is in any case; null if there is none.
+const InstalledProfile* FindProfile(const std::string& name, const std::vector<InstalledProfile>& installed) {
+    const std::string small = InSmallLetters(name);
+    const std::function<bool(const InstalledProfile&)> matches[] = {
+        [&](const InstalledProfile& profile) { return profile.fileName == name; },
+        [&](const InstalledProfile& profile) { return profile.displayName == name; },
+        [&](const InstalledProfile& profile) {
+            return InSmallLetters(profile.fileName) == small || InSmallLetters(profile.displayName) == small;
+        }};
+    for (const auto& match : matches) {
+        const auto found = std::find_if(installed.begin(), installed.end(), match);
+        if (found != installed.end()) return &*found;
     }
-    throw WrongValue("--profile", name,
-                     installed.empty() ? "an installed profile, and none is installed" : names);
+    return nullptr;
+}
+
+OptionError UnknownProfile(const std::string& name, const std::vector<InstalledProfile>& installed) {
+    std::vector<std::string> names;
+    for (const InstalledProfile& profile : installed) {
+        names.push_back(profile.displayName);
+        if (profile.fileName != profile.displayName) names.push_back(profile.fileName);
+    }
+    return WrongValue("--profile", name,
+                      names.empty() ? "the path of a profile, since none is installed"
+                                    : "the path of a profile, or the name of an installed one: " +
+                                          NearestNames(name, std::move(names), "names"));
+}
+
+// Chooses an installed profile, or installs a file for this run.
+void ChooseProfile(DeviceMode& mode, const std::string& name, const std::vector<InstalledProfile>& installed,
+                   ShellAnswers& shell) {
+    std::string fileName;
+    std::error_code ignored;
+    if (const InstalledProfile* const profile = FindProfile(name, installed)) {
+        fileName = profile->fileName;
+    } else if (const fs::path path = PathFromUtf8(name); fs::is_regular_file(path, ignored)) {
+        fileName = Utf8FromPath(path.filename());
+        shell.LendFile(ORVEX_PROFILES_FOLDER + NarrowFromUtf8(fileName), AbsolutePath(path));
+    } else {
+        throw UnknownProfile(name, installed);
+    }
+    const std::u16string wide = Wide(fileName);
+    CopyText(mode.priv.colorProfile, {AsWchar(wide), wide.size()});
 }
 
 // Sets the current folder for a while.
@@ -111,7 +144,7 @@ DeviceMode PrinterSettings::Requested(const JobOptions& options) const {
     DeviceMode mode = options.loadMode.empty() ? defaults_ : LoadDeviceMode(options.loadMode);
     if (options.size) ChoosePaperSize(mode, *options.size, defaults_);
     if (options.label) ChooseLabel(mode, *options.label, labels_);
-    if (options.profile) ChooseProfile(mode, *options.profile, Profiles());
+    if (options.profile) ChooseProfile(mode, *options.profile, Profiles(), session_.Shell());
     for (const auto& [setting, value] : options.settings) WriteSetting(mode, *setting, value);
     return mode;
 }
@@ -123,7 +156,8 @@ DeviceMode PrinterSettings::Effective(const DeviceMode& requested) const {
     return effective;
 }
 
-std::vector<std::string> FallbacksOf(const DeviceMode& mode, const fs::path& installation) {
+std::vector<std::string> FallbacksOf(const DeviceMode& mode, const fs::path& installation,
+                                     const fs::path& lentProfile) {
     std::vector<std::string> lines;
     const auto lacks = [](const fs::path& file, const std::string& problem, const char* instead) {
         return Utf8FromPath(file) + " " + problem + "; " + instead;
@@ -137,7 +171,8 @@ std::vector<std::string> FallbacksOf(const DeviceMode& mode, const fs::path& ins
     if (name.empty()) {
         if (!fs::is_directory(profiles, ignored)) lines.push_back(lacks(profiles, "is not there", kBuiltIn));
     } else if (const std::string problem = ProblemOf(name, installation); !problem.empty()) {
-        lines.push_back(lacks(profiles / PathFromUtf8(name), "can't be used: " + problem, kBuiltIn));
+        lines.push_back(lacks(lentProfile.empty() ? profiles / PathFromUtf8(name) : lentProfile,
+                              "can't be used: " + problem, kBuiltIn));
     }
     return lines;
 }

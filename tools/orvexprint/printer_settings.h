@@ -27,8 +27,9 @@ class PrinterSettings {
     const std::vector<LabelSize>& Labels() const { return labels_; }
     std::vector<InstalledProfile> Profiles() const;
 
-    // Returns the device mode that the options ask for, as it is passed to the driver. Throws OptionError for
-    // an unknown label or profile, and std::runtime_error for a file that is not a device mode.
+    // Returns the device mode that the options ask for, as it is passed to the driver. A profile outside the
+    // installation is installed for as long as the session lives. Throws OptionError for an unknown label or
+    // profile, and std::runtime_error for a file that is not a device mode.
     DeviceMode Requested(const JobOptions& options) const;
 
     // Returns the device mode as the driver uses it: merged into the defaults and validated.
@@ -41,8 +42,10 @@ class PrinterSettings {
 };
 
 // Says, a line each, what a job lacks that the driver replaces without a word: the settings file, the
-// profiles, the profile of the job. `mode` is validated, as the driver has it.
-std::vector<std::string> FallbacksOf(const DeviceMode& mode, const std::filesystem::path& installation);
+// profiles, the profile of the job. `mode` is validated, as the driver has it; `lentProfile` is the file that
+// is installed for this run, if there is one.
+std::vector<std::string> FallbacksOf(const DeviceMode& mode, const std::filesystem::path& installation,
+                                     const std::filesystem::path& lentProfile);
 
 // Reads a device mode from a file, and checks the file's size, the sizes in the record and its signature.
 // Throws std::runtime_error.

@@ -20,6 +20,7 @@ constexpr const char* kExamples =
     "  orvexprofile apply photo.png print.png --profile satin.zvp\n"
     "  orvexprofile chart satin.zvp -o satin.png\n"
     "\n"
+    "The output - is standard output, and what a command says goes to standard error then.\n"
     "orvexprofile COMMAND --help tells the options of a command.";
 
 constexpr int kExitFailed = 1;
@@ -44,10 +45,10 @@ int RunProfileTool(const std::vector<std::string>& arguments, std::ostream& out,
     app.require_subcommand(1);
     app.formatter(std::make_shared<HelpFormat>());
     AddInfoCommand(app, out);
-    AddBuildCommand(app, out);
-    AddConvertCommand(app, out);
-    AddApplyCommand(app, out);
-    AddChartCommand(app, out);
+    AddBuildCommand(app, out, err);
+    AddConvertCommand(app, out, err);
+    AddApplyCommand(app, out, err);
+    AddChartCommand(app, out, err);
     app.footer(kExamples);
     app.set_version_flag("--version", std::string("orvexprofile ") + kProductVersion, "Shows the version");
     const auto complain = [&err](const std::string& problem, int status) {

@@ -1,7 +1,13 @@
 // The commands that write a profile:
 // orvexprofile build --icc PRINTER.icc -o FILE.zvp makes one from a printer's ICC profile;
 // orvexprofile convert IN.zvp -o OUT.zvp --version N stores the same colors in another version.
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <fstream>
 #include <memory>
+#include <stdexcept>
 
 #include "tools/common/help_format.h"
 #include "tools/common/number_text.h"
@@ -47,50 +53,89 @@ ResolutionCodes ParseResolutionCodes(const std::string& text) {
     return {static_cast<int8_t>(*other), static_cast<int8_t>(*at600)};
 }
 
-// Writes the profile, verifies that the driver's reader accepts both variants, and reports the file and what
-// its version can't keep.
-void WriteAcceptedProfile(const Profile& profile, const std::filesystem::path& path, std::ostream& out) {
-    WriteProfileFile(profile, path);
-    for (PrintVariant variant : kBothVariants) LoadAccepted(path, variant);
-    out << "Wrote " << path.string() << ": version " << profile.version << ", "
-        << GroupedNumber(FileSize(profile)) << " bytes, accepted by the driver\n";
-    if (profile.name && profile.name->size() > kLongestListedName) {
-        out << "The name is longer than " << kLongestListedName
-            << " characters: users see the file's name instead, unless profilenames.inf has another.\n";
+// A file in memory that has a path as long as it lives.
+class MemoryFile {
+  public:
+    explicit MemoryFile(std::string_view bytes) : descriptor_(memfd_create("profile", MFD_CLOEXEC)) {
+        if (descriptor_ < 0) throw std::runtime_error("no file can be made in memory: " + FileReason(errno));
+        std::ofstream(Path(), std::ios::binary)
+            .write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
     }
-    if (const std::string_view loss = VersionLoss(profile.version); !loss.empty()) out << loss << '\n';
-}
+    ~MemoryFile() { close(descriptor_); }
+    MemoryFile(const MemoryFile&) = delete;
+    MemoryFile& operator=(const MemoryFile&) = delete;
+
+    std::filesystem::path Path() const { return "/proc/self/fd/" + std::to_string(descriptor_); }
+
+  private:
+    int descriptor_;
+};
+
+// A profile that the driver's reader has accepted in both variants, to be written and measured.
+class AcceptedProfile {
+  public:
+    explicit AcceptedProfile(const Profile& profile)
+        : profile_(profile), bytes_(EncodeProfile(profile)), file_(bytes_) {
+        for (PrintVariant variant : kBothVariants) LoadAccepted(Path(), variant);
+    }
+
+    // Returns the path of a copy that lives as long as this.
+    std::filesystem::path Path() const { return file_.Path(); }
+
+    // Writes the profile, and reports the file and what its version can't keep.
+    void Write(const std::filesystem::path& path, std::ostream& report) const {
+        WriteWholeFile(path, bytes_);
+        report << "Wrote " << path.string() << ": version " << profile_.version << ", "
+               << GroupedNumber(bytes_.size()) << " bytes, accepted by the driver\n";
+        if (profile_.name && profile_.name->size() > kLongestListedName) {
+            report
+                << "The name is longer than " << kLongestListedName
+                << " characters: users see the file's name instead, unless profilenames.inf has another.\n";
+        }
+        if (const std::string_view loss = VersionLoss(profile_.version); !loss.empty())
+            report << loss << '\n';
+    }
+
+  private:
+    const Profile& profile_;
+    const std::string bytes_;
+    const MemoryFile file_;
+};
 
 Profile BuildProfile(const BuildOptions& options, const IccProfile& icc) {
     Profile profile;
     profile.version = options.version;
-    profile.name =
-        options.name.empty() ? std::filesystem::path(options.output).stem().string() : options.name;
+    const std::filesystem::path file = IsStandardOutput(options.output) ? options.icc : options.output;
+    profile.name = options.name.empty() ? file.stem().string() : options.name;
     CheckProfileName(*profile.name);
     if (!options.codes.empty()) profile.codes = ParseResolutionCodes(options.codes);
     FillVariants(profile, icc.Source(), options.treatment);
     return profile;
 }
 
-// Reports how far the driver's answers through the file are from those of the ICC profile itself.
-void ReportAccuracy(std::ostream& out, const BuildOptions& options, const IccProfile& icc,
-                    PrintVariant variant) {
+// Reports how far the driver's answers through the profile at `path` are from those of the ICC profile
+// itself.
+void ReportAccuracy(std::ostream& report, const std::filesystem::path& path, const BuildOptions& options,
+                    const IccProfile& icc, PrintVariant variant) {
     const double scale =
         variant == PrintVariant::kAt600 ? options.treatment.scaleAt600 : options.treatment.scaleOther;
     const std::vector<uint32_t> colors = ColorsEvery(kComparedStep);
     std::vector<uint32_t> wanted(colors.size());
     Treated(icc.Source(), options.treatment.limit, scale)(colors, wanted);
-    LoadIntoDriver(options.output, variant);
-    ReportDifference(out, "Driver against ICC, " + NameOf(variant), CompareInks(wanted, PrintedInks(colors)));
+    LoadIntoDriver(path, variant);
+    ReportDifference(report, "Driver against ICC, " + NameOf(variant),
+                     CompareInks(wanted, PrintedInks(colors)));
 }
 
-void Build(const BuildOptions& options, std::ostream& out) {
+void Build(const BuildOptions& options, std::ostream& report) {
     RefuseSharedFiles(std::vector<NamedFile>{{"-o", options.output}},
                       std::vector<NamedFile>{{"--icc", options.icc}});
     const IccProfile icc(options.icc, options.intent, options.blackPointCompensation);
-    out << "From " << PrintableText(icc.Description()) << '\n';
-    WriteAcceptedProfile(BuildProfile(options, icc), options.output, out);
-    for (PrintVariant variant : kBothVariants) ReportAccuracy(out, options, icc, variant);
+    report << "From " << PrintableText(icc.Description()) << '\n';
+    const Profile profile = BuildProfile(options, icc);
+    const AcceptedProfile accepted(profile);
+    accepted.Write(options.output, report);
+    for (PrintVariant variant : kBothVariants) ReportAccuracy(report, accepted.Path(), options, icc, variant);
 }
 
 const std::map<std::string, RenderingIntent> kIntents = {
@@ -103,7 +148,8 @@ void AddSourceOptions(CLI::App& command, const std::shared_ptr<BuildOptions>& op
     command.add_option("--icc", options->icc, "The printer's ICC profile; required")
         ->required()
         ->type_name("FILE");
-    command.add_option("-o,--output", options->output, "The profile to write; required")
+    command
+        .add_option("-o,--output", options->output, "The profile to write, - for standard output; required")
         ->required()
         ->type_name("FILE");
     command.add_option("--version", options->version, "The version of the profile, 1 to 5 (default 5)")
@@ -121,8 +167,10 @@ void AddSourceOptions(CLI::App& command, const std::shared_ptr<BuildOptions>& op
 
 void AddTagOptions(CLI::App& command, BuildOptions& options) {
     command
-        .add_option("--name", options.name,
-                    "The profile's name, 1 to 511 ASCII characters (default: the file's name)")
+        .add_option(
+            "--name", options.name,
+            "The profile's name, 1 to 511 ASCII characters (default: the file's name, or that of the ICC "
+            "profile if there is no file)")
         ->type_name("TEXT");
     command
         .add_option("--resolution-codes", options.codes,
@@ -156,39 +204,44 @@ struct ConvertOptions {
 
 // Reports the loss, and the difference to what the driver printed before if that was not what the profile
 // means.
-void ReportLoss(std::ostream& out, const ConvertOptions& options, PrintVariant variant,
-                std::span<const uint32_t> colors) {
-    const ConversionLoss loss = MeasureLoss(options.input, options.output, variant, colors);
-    ReportDifference(out, "Loss, " + NameOf(variant), loss.meant);
+void ReportLoss(std::ostream& report, const std::string& input, const std::filesystem::path& converted,
+                PrintVariant variant, std::span<const uint32_t> colors) {
+    const ConversionLoss loss = MeasureLoss(input, converted, variant, colors);
+    ReportDifference(report, "Loss, " + NameOf(variant), loss.meant);
     if (PrintsAsMeant(loss.fromVersion)) return;
-    ReportDifference(out, "Against what the driver printed before, " + NameOf(variant), loss.printed);
+    ReportDifference(report, "Against what the driver printed before, " + NameOf(variant), loss.printed);
 }
 
-void Convert(const ConvertOptions& options, std::ostream& out) {
+void Convert(const ConvertOptions& options, std::ostream& report) {
     RefuseSharedFiles(std::vector<NamedFile>{{"-o", options.output}},
                       std::vector<NamedFile>{{"the profile", options.input}});
-    WriteAcceptedProfile(ConvertProfile(options.input, options.version), options.output, out);
+    const Profile profile = ConvertProfile(options.input, options.version);
+    const AcceptedProfile accepted(profile);
+    accepted.Write(options.output, report);
     const std::vector<uint32_t> colors = ColorsEvery(options.step);
-    for (PrintVariant variant : kBothVariants) ReportLoss(out, options, variant, colors);
+    for (PrintVariant variant : kBothVariants)
+        ReportLoss(report, options.input, accepted.Path(), variant, colors);
 }
 
 }  // namespace
 
-void AddBuildCommand(CLI::App& app, std::ostream& out) {
+void AddBuildCommand(CLI::App& app, std::ostream& out, std::ostream& err) {
     CLI::App* command = app.add_subcommand("build", "Makes a profile from a printer's ICC CMYK profile");
     const auto options = std::make_shared<BuildOptions>();
     AddSourceOptions(*command, options);
     AddTagOptions(*command, *options);
     AddTreatmentOptions(*command, options->treatment);
-    command->callback([&out, options] { Build(*options, out); });
+    command->callback(
+        [&out, &err, options] { Build(*options, IsStandardOutput(options->output) ? err : out); });
 }
 
-void AddConvertCommand(CLI::App& app, std::ostream& out) {
+void AddConvertCommand(CLI::App& app, std::ostream& out, std::ostream& err) {
     CLI::App* command =
         app.add_subcommand("convert", "Turns a profile into one of another version, and tells the loss");
     const auto options = std::make_shared<ConvertOptions>();
     command->add_option("FILE", options->input, "The profile to convert")->required()->type_name("");
-    command->add_option("-o,--output", options->output, "The profile to write; required")
+    command
+        ->add_option("-o,--output", options->output, "The profile to write, - for standard output; required")
         ->required()
         ->type_name("FILE");
     command
@@ -201,7 +254,8 @@ void AddConvertCommand(CLI::App& app, std::ostream& out) {
                      "Compares at every so many values of each component, 1 to 85 (default 1: every colour)")
         ->type_name("N")
         ->check(WholeFrom(1, 85));
-    command->callback([&out, options] { Convert(*options, out); });
+    command->callback(
+        [&out, &err, options] { Convert(*options, IsStandardOutput(options->output) ? err : out); });
 }
 
 }  // namespace orvex::tools::profile

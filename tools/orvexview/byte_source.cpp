@@ -5,6 +5,7 @@
 #include <stdexcept>
 #include <system_error>
 
+#include "tools/common/whole_file.h"
 #include "tools/common/wide_text.h"
 
 namespace orvex::tools::view {
@@ -20,10 +21,6 @@ std::span<const uint8_t> Part(const std::vector<uint8_t>& bytes, uint64_t at, si
     return {bytes.data() + start, std::min(size, bytes.size() - start)};
 }
 
-std::string LastError() {
-    return std::generic_category().message(errno);
-}
-
 }  // namespace
 
 std::span<const uint8_t> MemorySource::At(uint64_t offset, size_t size) {
@@ -37,7 +34,7 @@ FileSource::FileSource(const std::filesystem::path& path) : name_(Utf8FromPath(p
     }
     errno = 0;
     file_.open(path, std::ios::binary);
-    if (!file_) throw std::runtime_error(name_ + " can't be opened: " + LastError());
+    if (!file_) throw std::runtime_error(name_ + " can't be opened: " + FileReason(errno));
     if (!file_.seekg(0)) {
         throw std::runtime_error(name_ +
                                  " is a pipe or a terminal; expected a file, which can be read twice");
@@ -56,7 +53,7 @@ void FileSource::Load(uint64_t offset, size_t size) {
     errno = 0;
     file_.seekg(static_cast<std::streamoff>(offset));
     file_.read(reinterpret_cast<char*>(window_.data()), static_cast<std::streamsize>(window_.size()));
-    if (file_.bad()) throw std::runtime_error(name_ + " can't be read: " + LastError());
+    if (file_.bad()) throw std::runtime_error(name_ + " can't be read: " + FileReason(errno));
     window_.resize(static_cast<size_t>(file_.gcount()));
 }
 

@@ -8,24 +8,26 @@
 
 namespace orvex::tools::view {
 
-Comparer::Comparer(uint32_t width, uint32_t height, const RasterImage& image) : image_(image) {
-    if (width != image.width || height != image.height) {
+Comparer::Comparer(uint32_t width, uint32_t height, PngReader& art) : art_(art), artLine_(width) {
+    const PictureSize size = art.Size();
+    if (width != size.width || height != size.height) {
         throw std::runtime_error("the page is " + SizeText(width, height) + " pixels, the picture " +
-                                 SizeText(image.width, image.height) + "; they can't be compared");
+                                 SizeText(size.width, size.height) + "; they can't be compared");
     }
     result_.pixels = uint64_t{width} * height;
 }
 
 void Comparer::TakeLines(const Picture& lines) {
     for (uint32_t y = 0; y < lines.height; ++y, ++linesTaken_) {
-        for (uint32_t x = 0; x < lines.width; ++x) TakePixel(lines.At(x, y), x, linesTaken_);
+        art_.ReadRow(artLine_.data());
+        for (uint32_t x = 0; x < lines.width; ++x) TakePixel(lines.At(x, y), artLine_[x], x, linesTaken_);
     }
 }
 
-void Comparer::TakePixel(const uint8_t* samples, uint32_t x, uint32_t y) {
+void Comparer::TakePixel(const uint8_t* samples, uint32_t expectedColor, uint32_t x, uint32_t y) {
     uint32_t most = 0;
     for (int channel = 0; channel < 3; ++channel) {
-        const auto expected = static_cast<uint8_t>(image_.Row(y)[x] >> (16 - 8 * channel));
+        const auto expected = static_cast<uint8_t>(expectedColor >> (16 - 8 * channel));
         const auto difference = static_cast<uint32_t>(std::abs(samples[channel] - expected));
         result_.largest[channel] = std::max(result_.largest[channel], difference);
         sums_[channel] += difference;

@@ -3,8 +3,10 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "tools/common/picture.h"
+#include "tools/common/png_reader.h"
 
 namespace orvex::tools::view {
 
@@ -19,20 +21,22 @@ struct Comparison {
     uint64_t different = 0;  // pixels that differ in any channel
 };
 
-// A comparison that takes a page's picture part by part.
+// A comparison that takes a page's picture part by part and reads the other one line by line, so that neither
+// is in memory as a whole.
 class Comparer {
   public:
-    // Throws std::runtime_error if the page's size in pixels is not the image's, which must outlive this.
-    Comparer(uint32_t width, uint32_t height, const RasterImage& image);
+    // `art` must outlive this. Throws std::runtime_error if the page's size in pixels is not that of the art.
+    Comparer(uint32_t width, uint32_t height, PngReader& art);
 
-    // Takes the next lines of the page, of 3 channels.
+    // Takes the next lines of the page, of 3 channels. Throws PageError if the art is damaged.
     void TakeLines(const Picture& lines);
     Comparison Result() const;
 
   private:
-    void TakePixel(const uint8_t* samples, uint32_t x, uint32_t y);
+    void TakePixel(const uint8_t* samples, uint32_t expectedColor, uint32_t x, uint32_t y);
 
-    const RasterImage& image_;
+    PngReader& art_;
+    std::vector<uint32_t> artLine_;
     uint32_t linesTaken_ = 0;
     uint64_t sums_[3] = {};
     uint32_t worst_ = 0;

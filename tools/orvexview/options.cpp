@@ -33,9 +33,9 @@ constexpr const char* kExamples =
     "  orvexview job.prn --no-pictures            the tables alone\n"
     "  orvexview job.prn --verify label.png       how far page 1 is from the picture that was printed\n"
     "\n"
-    "A file is replaced only when the new one is complete. The print file and the picture to verify are "
-    "never "
-    "replaced.\n"
+    "A file is replaced only when the new one is complete: an earlier picture of orvexview, any other file "
+    "with --force,\n"
+    "but never the print file or the picture to verify.\n"
     "\n"
     "Exit status: 0 when all went well; 1 when the file is not sound, a picture can't be written or sizes "
     "differ from\n"
@@ -60,6 +60,8 @@ void AddOutputOptions(CLI::App& app, Options& options) {
            "--no-pictures", [&options] { options.pictures = false; }, "Writes no pictures of pages")
         ->excludes("--inks")
         ->excludes("--layout");
+    app.add_flag("--force", options.force,
+                 "Replaces files that have a picture's name but are no pictures of orvexview");
     app.add_option("--thumbnail", options.thumbnail, "Writes the job's thumbnail, a PNG, to this file")
         ->type_name("FILE");
     app.add_option("--verify", options.verify,

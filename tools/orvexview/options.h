@@ -20,6 +20,7 @@ struct Options {
     bool inks = false;
     bool layout = false;
     bool raw = false;
+    bool force = false;  // replaces files that orvexview has not made
     uint32_t scale = 0;  // 0: as PreviewScale() finds it
     std::optional<Orientation> orientation;
     std::string thumbnail;                // file to write the job's thumbnail to

@@ -5,11 +5,11 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <fstream>
 #include <new>
-#include <stdexcept>
+#include <string>
 
 #include "tools/common/number_text.h"
-#include "tools/common/wide_text.h"
 
 namespace orvex::tools::view {
 
@@ -19,6 +19,11 @@ constexpr uint8_t kSignature[] = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};
 constexpr uint8_t kGray = 0;
 constexpr uint8_t kColor = 2;
 constexpr uint8_t kUnitMeter = 1;
+// Data of the tEXt chunk of every picture: a keyword, its terminator and the value. The chunk follows IHDR,
+// so that it is found at a fixed offset.
+constexpr std::string_view kSoftware("Software\0orvexview", 18);
+constexpr size_t kSoftwareOffset = 8 + 25;
+constexpr size_t kChunkHeadSize = 8;
 constexpr size_t kChunkSize = size_t{64} * 1024;
 
 // The filters that are tried. Those with three neighbors make pictures of pages little smaller, for much
@@ -37,7 +42,19 @@ uint32_t Weight(std::span<const uint8_t> samples) {
     return sum;
 }
 
+std::span<const uint8_t> BytesOf(std::string_view text) {
+    return {reinterpret_cast<const uint8_t*>(text.data()), text.size()};
+}
+
 }  // namespace
+
+bool IsWrittenPicture(const std::filesystem::path& path) {
+    std::string found(kSoftware.size(), '\0');
+    std::ifstream file(path, std::ios::binary);
+    file.seekg(kSoftwareOffset + kChunkHeadSize);
+    file.read(found.data(), static_cast<std::streamsize>(found.size()));
+    return found == kSoftware;
+}
 
 struct PngWriter::Deflater {
     Deflater() {
@@ -52,8 +69,7 @@ struct PngWriter::Deflater {
 
 PngWriter::PngWriter(const std::filesystem::path& path, uint32_t width, uint32_t height, uint32_t channels,
                      double pixelsPerInch)
-    : path_(path),
-      file_(path),
+    : file_(path),
       deflater_(std::make_unique<Deflater>()),
       channels_(channels),
       above_(size_t{width} * channels),
@@ -69,6 +85,7 @@ PngWriter::PngWriter(const std::filesystem::path& path, uint32_t width, uint32_t
     header[8] = 8;  // bits of a sample
     header[9] = channels == 1 ? kGray : kColor;
     WriteChunk("IHDR", header);
+    WriteChunk("tEXt", BytesOf(kSoftware));
     const auto pixelsPerMeter = static_cast<uint32_t>(std::lround(pixelsPerInch / kMetersPerInch));
     uint8_t density[9] = {};
     StoreNumber(density, pixelsPerMeter);
@@ -134,7 +151,7 @@ void PngWriter::Compress(std::span<const uint8_t> bytes, bool last) {
 }
 
 void PngWriter::WriteChunk(std::string_view type, std::span<const uint8_t> data) {
-    uint8_t head[8];
+    uint8_t head[kChunkHeadSize];
     StoreNumber(head, static_cast<uint32_t>(data.size()));
     std::copy_n(type.data(), 4, head + 4);
     uLong checksum = crc32(0, head + 4, 4);
@@ -147,9 +164,8 @@ void PngWriter::WriteChunk(std::string_view type, std::span<const uint8_t> data)
 }
 
 void PngWriter::Write(std::span<const uint8_t> bytes) {
-    if (!file_.Write({reinterpret_cast<const char*>(bytes.data()), bytes.size()})) {
-        throw std::runtime_error(Utf8FromPath(path_) + " can't be written");
-    }
+    file_.Write({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+    file_.CheckWrites();
 }
 
 }  // namespace orvex::tools::view

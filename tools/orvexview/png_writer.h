@@ -13,6 +13,9 @@
 
 namespace orvex::tools::view {
 
+// Returns whether a file is a picture that a PngWriter has made, by the text near its beginning that says so.
+bool IsWrittenPicture(const std::filesystem::path& path);
+
 class PngWriter {
   public:
     // Creates a file for a picture of 1 or 3 channels that states its resolution. Throws std::runtime_error.
@@ -36,7 +39,6 @@ class PngWriter {
     void WriteChunk(std::string_view type, std::span<const uint8_t> data);
     void Write(std::span<const uint8_t> bytes);
 
-    std::filesystem::path path_;
     OutputFile file_;
     std::unique_ptr<Deflater> deflater_;
     uint32_t channels_;

@@ -109,13 +109,28 @@ class Viewing {
             check(options_.thumbnail);
             others.push_back({options_.thumbnail, "the thumbnail"});
         }
+        const auto checkPicture = [&](const std::string& picture) {
+            check(picture);
+            RefuseReplacing(picture);
+        };
         for (const PrintedPage& page : file_.pages) {
             if (!IsDrawn(page)) continue;
             const PictureNames names = NamesOf(page);
-            check(names.composite);
-            for (int ink = 0; options_.inks && ink < kInks; ++ink) check(names.inks[ink]);
-            if (options_.layout) check(names.layout);
+            checkPicture(names.composite);
+            for (int ink = 0; options_.inks && ink < kInks; ++ink) checkPicture(names.inks[ink]);
+            if (options_.layout) checkPicture(names.layout);
         }
+    }
+
+    // Refuses to replace a file that orvexview has not made, such as art of a similar name.
+    void RefuseReplacing(const std::string& picture) const {
+        std::error_code ignored;
+        const std::filesystem::path path = PathFromUtf8(picture);
+        if (options_.force || !std::filesystem::is_regular_file(path, ignored)) return;
+        if (std::filesystem::file_size(path, ignored) == 0 || IsWrittenPicture(path)) return;
+        throw std::runtime_error(picture +
+                                 " exists and is no picture of orvexview, so nothing was written; "
+                                 "--force replaces it");
     }
 
     Drawing DrawingOf(const PrintedPage& page, const PagePlacement& placement) const {
@@ -197,8 +212,8 @@ class Viewing {
     void WriteThumbnail() const {
         OutputFile file(PathFromUtf8(options_.thumbnail));
         ReadThumbnail(file_, [&](std::span<const uint8_t> bytes) {
-            if (file.Write({reinterpret_cast<const char*>(bytes.data()), bytes.size()})) return;
-            throw std::runtime_error(options_.thumbnail + " can't be written");
+            file.Write({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+            file.CheckWrites();
         });
         const uint64_t size = file.Size();
         file.Complete();
@@ -212,9 +227,9 @@ class Viewing {
         const PagePlacement placement = PlacePage(file_, page, options_.orientation);
         Drawing drawing{.area = ImageArea(placement), .composite = true};
         drawing.turned = placement.orientation == Orientation::kPortrait;
-        const RasterImage image = LoadPng(PathFromUtf8(options_.verify));
+        PngReader art = OpenPng(PathFromUtf8(options_.verify));
         Comparer comparer(drawing.turned ? drawing.area.rows : drawing.area.width,
-                          drawing.turned ? drawing.area.width : drawing.area.rows, image);
+                          drawing.turned ? drawing.area.width : drawing.area.rows, art);
         for (const BlockArea& band : Bands(drawing, options_.bandBytes)) {
             drawing.area = band;
             comparer.TakeLines(DrawPage(model_, page, placement, drawing).composite);

@@ -68,6 +68,27 @@ TEST(PngFile, MayBeOfAnyColorType) {
         ElementsAre(0x010203u));
 }
 
+TEST(PngReader, ReadsAnInterlacedFileInWindowsOfRows) {
+    constexpr uint32_t kWidth = 13, kHeight = 21;
+    std::vector<uint8_t> samples(kWidth * kHeight * 4, 255);
+    for (size_t i = 0; i < samples.size(); ++i) {
+        if (i % 4 < 3) samples[i] = static_cast<uint8_t>(7 * i);
+    }
+    const std::string file =
+        AsText(MakePng({.width = kWidth, .height = kHeight, .interlaced = true}, samples));
+    for (const size_t windowPixels : {size_t{1}, size_t{2 * kWidth}, size_t{8 * kWidth}, size_t{1000}}) {
+        PngReader reader(std::make_unique<std::istringstream>(file), "a.png", windowPixels);
+        for (uint32_t y = 0; y < kHeight; ++y) {
+            uint32_t row[kWidth];
+            reader.ReadRow(row);
+            for (uint32_t x = 0; x < kWidth; ++x) {
+                const uint8_t* const rgb = &samples[4 * (y * kWidth + x)];
+                ASSERT_EQ(row[x], uint32_t{rgb[0]} << 16 | uint32_t{rgb[1]} << 8 | rgb[2]) << x << ", " << y;
+            }
+        }
+    }
+}
+
 TEST(PngFile, MayBeInterlaced) {
     std::vector<uint8_t> samples;
     for (int i = 0; i < 17 * 13; ++i) samples.push_back(static_cast<uint8_t>(i * 7));

@@ -4,6 +4,7 @@
 
 #include <stdexcept>
 
+#include "driver/support/handle.h"
 #include "platform/shell.h"
 #include "tests/kit/scratch_folder.h"
 #include "tools/common/wide_text.h"
@@ -52,6 +53,21 @@ TEST(ShellAnswers, DropATrailingSeparator) {
     ShellAnswers shell(scratch.Path() / "install" / "");
     shell.Attach(nullptr);
     EXPECT_EQ(AskForFolder(), Utf8(WindowsPath(scratch.Path() / "install")));
+}
+
+TEST_F(ShellAnswersTest, LendAFileUnderAnotherName) {
+    constexpr char kName[] = "profiles\\lent.zvp";
+    const auto open = [](const char* name) {
+        const OwnedHandle file(CreateFileA(name, GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+        char bytes[10] = {};
+        return std::string(bytes, file ? file.Read(bytes, sizeof bytes) : 0);
+    };
+    EXPECT_EQ(open(kName), "");
+    shell_.LendFile(kName, scratch_.Write(PathFromUtf8("first \xC3\xA4.zvp"), "first"));
+    EXPECT_EQ(open(kName), "first");
+    shell_.LendFile(kName, scratch_.Write("second.zvp", "second"));
+    EXPECT_EQ(open(kName), "second");
+    EXPECT_EQ(open("profiles\\other.zvp"), "");
 }
 
 TEST_F(ShellAnswersTest, FailOnRequest) {

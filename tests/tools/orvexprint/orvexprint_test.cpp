@@ -145,8 +145,8 @@ TEST_F(OrvexPrintTest, WritesNothingWhenAnOptionIsWrong) {
     EXPECT_EQ(error, "orvexprint: --label: \"Nothing\" is not allowed; it takes \"Shipping\", \"Small\"\n");
     EXPECT_EQ(Run({"--profile", "none.zvp", "-o", Text("out.prn"), WritePage("a.png")}), kExitUsage);
     EXPECT_EQ(error,
-              "orvexprint: --profile: \"none.zvp\" is not allowed; it takes an installed profile, and none "
-              "is installed\n");
+              "orvexprint: --profile: \"none.zvp\" is not allowed; it takes the path of a profile, since "
+              "none is installed\n");
     EXPECT_TRUE(NothingWasWritten());
 }
 

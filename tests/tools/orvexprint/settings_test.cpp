@@ -10,6 +10,23 @@ using testing::AllOf;
 using testing::HasSubstr;
 using testing::Not;
 
+namespace {
+
+class InstalledProfileTest : public OrvexPrintTest {
+  protected:
+    InstalledProfileTest() {
+        scratch.Write("install/profiles/coated.zvp", "");
+        std::string names = "\xFF\xFE";
+        for (const char c : std::string("[ENU]\r\ncoated.zvp=Coated\r\n[DEU]\r\ncoated.zvp=Gestrichen\r\n")) {
+            names += c;
+            names += '\0';
+        }
+        scratch.Write("install/profilenames.inf", names);
+    }
+};
+
+}  // namespace
+
 TEST_F(OrvexPrintTest, ShowsTheLayoutAndPrintsNothing) {
     RunWell({"--dry-run", "--size", "100x150mm", "--dpi", "600", "--align", "centre", "--purge-bar",
              "leading", "--full-width", "--print-head-offset", "0", WritePage("a.png")});
@@ -59,7 +76,7 @@ TEST_F(OrvexPrintTest, PrefersASizeToTheInstallationsDefaultLabel) {
     EXPECT_THAT(out, HasSubstr("Label: 300 dpi, 50.0 x 60.0 mm, portrait\nBitmap: 591 x 709 pixels\n"));
 }
 
-TEST_F(OrvexPrintTest, ListsLabelsAndProfilesInALanguage) {
+TEST_F(OrvexPrintTest, ListsLabelsAndProfiles) {
     RunWell({"--list"});
     EXPECT_EQ(out,
               "Labels\n"
@@ -67,17 +84,51 @@ TEST_F(OrvexPrintTest, ListsLabelsAndProfilesInALanguage) {
               "  259   Small                             50 x 30 mm\n"
               "Colour profiles\n"
               "  none\n");
-    scratch.Write("install/profiles/coated.zvp", "");
-    std::string names = "\xFF\xFE";
-    for (const char c : std::string("[ENU]\r\ncoated.zvp=Coated\r\n[DEU]\r\ncoated.zvp=Gestrichen\r\n")) {
-        names += c;
-        names += '\0';
-    }
-    scratch.Write("install/profilenames.inf", names);
+}
+
+TEST_F(InstalledProfileTest, IsListedInALanguage) {
     RunWell({"--list", "--language", "DEU"});
     EXPECT_THAT(out, HasSubstr("  coated.zvp                  Gestrichen\n"));
     RunWell({"--list", "--language", "ENU"});
     EXPECT_THAT(out, HasSubstr("  coated.zvp                  Coated\n"));
+}
+
+TEST_F(InstalledProfileTest, IsChosenByEitherOfItsNamesInAnyCase) {
+    for (const char* name : {"coated.zvp", "Gestrichen", "COATED.ZVP", "gestrichen"}) {
+        RunWell({"--dry-run", "--language", "DEU", "--profile", name});
+        EXPECT_THAT(out, HasSubstr("coated.zvp\n")) << name;
+    }
+    EXPECT_EQ(Run({"--dry-run", "--language", "DEU", "--profile", "Gestrich"}), kExitUsage);
+    EXPECT_EQ(
+        error,
+        "orvexprint: --profile: \"Gestrich\" is not allowed; it takes the path of a profile, or the name "
+        "of an installed one: \"Gestrichen\", \"coated.zvp\"\n");
+}
+
+TEST_F(OrvexPrintTest, InstallsAProfileForOneRun) {
+    const std::string bytes = ReadBytes(ProgramFolder() / "install/profiles/neutral.zvp");
+    const std::string elsewhere = Utf8FromPath(scratch.Write(PathFromUtf8("art/\xC3\xA4 mine.zvp"), bytes));
+    ASSERT_EQ(Print(), kExitPrinted);
+    const std::string without = OutputBytes();
+    ASSERT_EQ(Print({"--profile", elsewhere, "--strict"}), kExitPrinted) << error;
+    EXPECT_EQ(error, "");
+    const std::string lent = OutputBytes();
+    EXPECT_TRUE(std::filesystem::is_empty(Path("install/profiles")));
+    scratch.Write(PathFromUtf8("install/profiles/\xC3\xA4 mine.zvp"), bytes);
+    ASSERT_EQ(Print({"--profile", "\xC3\xA4 mine.zvp", "--strict"}), kExitPrinted) << error;
+    EXPECT_EQ(OutputBytes(), lent);
+    EXPECT_NE(without, lent);
+}
+
+TEST_F(OrvexPrintTest, SaysThatAProfileOfOneRunCannotBeUsed) {
+    WriteBytes(Path("bad.zvp"), "ZVC");
+    EXPECT_EQ(Run({"--dry-run", "--strict", "--profile", Text("bad.zvp")}), kExitFailed);
+    EXPECT_EQ(error, "orvexprint: " + Text("bad.zvp") +
+                         " can't be used: it is damaged, or no profile; the built-in conversion prints "
+                         "instead\n");
+    WriteBytes(Path("out.prn"), "ZVC");
+    EXPECT_EQ(Print({"--force", "--profile", Text("out.prn")}), kExitUsage);
+    EXPECT_THAT(error, HasSubstr("-o " + Text("out.prn") + " is the same file as --profile "));
 }
 
 TEST_F(OrvexPrintTest, KeepsThePrintersLabelsInAFileWhenAsked) {

@@ -293,6 +293,43 @@ TEST_F(ProfileTool, RefusesAnOutputThatIsAnInput) {
     EXPECT_THAT(Files(), testing::UnorderedElementsAre("in.png", "sample.zvp", "x-M.png"));
 }
 
+TEST_F(ProfileTool, WritesOnlyTheFileToStandardOutput) {
+    const std::string sample = Sample(), picture = Picture();
+    const std::pair<std::vector<std::string>, std::string> commands[] = {
+        {{"convert", sample, "--version", "5", "--compare-every", "85", "-o"}, Path("a.zvp")},
+        {{"build", "--icc", kPrinterIcc, "--name", "a", "-o"}, Path("a.zvp")},
+        {{"chart", sample, "-o"}, Path("a.png")},
+        {{"apply", picture}, Path("a.png")},
+    };
+    for (const auto& [command, file] : commands) {
+        std::vector<std::string> arguments = command;
+        arguments.emplace_back();
+        const auto run = [&](const std::string& output) {
+            arguments.back() = output;
+            EXPECT_EQ(Run(arguments), 0) << err_;
+        };
+        run(file);
+        EXPECT_EQ(err_, "");
+        for (const char* output : {"-", "/dev/stdout"}) {
+            testing::internal::CaptureStdout();
+            run(output);
+            EXPECT_TRUE(testing::internal::GetCapturedStdout() == ReadBytes(file)) << command[0];
+            EXPECT_EQ(out_, "");
+            EXPECT_THAT(err_, HasSubstr(std::string("Wrote ") + output));
+        }
+    }
+    EXPECT_THAT(Files(), testing::UnorderedElementsAre("sample.zvp", "in.png", "a.zvp", "a.png", "a-K.png",
+                                                       "a-C.png", "a-M.png", "a-Y.png"));
+}
+
+TEST_F(ProfileTool, NamesAProfileAfterTheIccProfileIfItHasNoFile) {
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(Run({"build", "--icc", kPrinterIcc, "-o", "-"}), 0) << err_;
+    scratch_.Write("piped.zvp", testing::internal::GetCapturedStdout());
+    EXPECT_EQ(LoadAccepted(Path("piped.zvp"), PrintVariant::kOther).Name(),
+              std::filesystem::path(kPrinterIcc).stem().string());
+}
+
 TEST_F(ProfileTool, ChartsAProfile) {
     EXPECT_EQ(Run({"chart", Sample(), "-o", Path("chart.png"), "--variant", "600"}), 0) << err_;
     EXPECT_GT(LoadPng(Path("chart.png")).width, 1000u);

@@ -80,7 +80,33 @@ TEST(PngWriter, LeavesNoFileUnlessItWasCompleted) {
 TEST(PngWriter, NamesAFileThatCannotBeWritten) {
     const ScratchFolder folder;
     EXPECT_THAT(ThrownText([&] { PngWriter(folder.Path() / "none" / "made.png", 1, 1, 3, 300); }),
-                testing::HasSubstr("made.png can't be written"));
+                testing::EndsWith("made.png can't be written: there is no such folder"));
+}
+
+// Wine has no /dev/full; view_script_test fills the disk there.
+#ifndef _WIN32
+TEST(PngWriter, SaysThatTheDiskIsFull) {
+    const Picture picture = MakeArt(1000, 500, 3);
+    const auto write = [&] {
+        PngWriter writer("/dev/full", picture.width, picture.height, 3, 300);
+        writer.TakeLines(picture);
+    };
+    EXPECT_EQ(ThrownText(write), "/dev/full can't be written: there is no space left");
+}
+#endif
+
+TEST(PngWriter, KnowsItsOwnPictures) {
+    const ScratchFolder folder;
+    const auto made = folder.Path() / "made.png", other = folder.Path() / "other.png";
+    const Picture picture = MakeArt(5, 3, 1);
+    PngWriter writer(made, 5, 3, 1, 300);
+    writer.TakeLines(picture);
+    writer.Complete();
+    SavePng(picture, 300, other);
+    EXPECT_TRUE(IsWrittenPicture(made));
+    EXPECT_FALSE(IsWrittenPicture(other));
+    EXPECT_FALSE(IsWrittenPicture(folder.Path() / "none.png"));
+    EXPECT_FALSE(IsWrittenPicture(folder.Write("short.png", "\x89PNG")));
 }
 
 }  // namespace orvex::tools::view

@@ -146,7 +146,7 @@ TEST(PrintFile, SaysWhyAFileCannotBeOpened) {
         return ThrownText([&] { ReadPrintFile(path); });
     };
     EXPECT_THAT(errorOf(folder.Path() / "none.prn"),
-                testing::EndsWith("none.prn can't be opened: No such file or directory"));
+                testing::EndsWith("none.prn can't be opened: there is no such file or folder"));
     EXPECT_THAT(errorOf(folder.Path()), testing::EndsWith(" is a folder; expected a print file"));
 }
 
