@@ -112,6 +112,19 @@ TEST(TraceTreeTest, ClosesAnOperationWhoseEndIsLost) {
     EXPECT_THAT(text, HasSubstr("1 line cut or without their other end"));
 }
 
+TEST(TraceTreeTest, DoesNotNestBelowTheLoaderWhichNeverEnds) {
+    Log log;
+    log.Trace("<DrvStartDoc>")
+        .Trace("<zvc_load_profile>")
+        .Info("next")
+        .Trace("Return: TRUE")
+        .Trace("</DrvStartDoc>");
+    const std::string text = TextOf(log);
+    EXPECT_THAT(text, HasSubstr("DrvStartDoc = TRUE\n"));
+    EXPECT_THAT(text, HasSubstr("               zvc_load_profile\n12:00:00.000               next\n"));
+    EXPECT_THAT(text, HasSubstr("0 harmless ones\n"));
+}
+
 TEST(TraceTreeTest, StartsAfreshWithTheNextHookOfAThread) {
     Log log;
     log.Trace("<DrvSendPage>").Trace("<GetDeviceResolution>").Hook("DrvEndDoc");
