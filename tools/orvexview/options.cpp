@@ -32,6 +32,7 @@ constexpr const char* kExamples =
     "head\n"
     "  orvexview job.prn --no-pictures            the tables alone\n"
     "  orvexview job.prn --verify label.png       how far page 1 is from the picture that was printed\n"
+    "  orvexview --log orvexgdi.txt               the driver's log as a tree; --log --help tells more\n"
     "\n"
     "A file is replaced only when the new one is complete: an earlier picture of orvexview, any other file "
     "with --force,\n"

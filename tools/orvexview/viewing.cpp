@@ -12,6 +12,7 @@
 #include "tools/common/wide_text.h"
 #include "tools/orvexview/comparison.h"
 #include "tools/orvexview/layout_picture.h"
+#include "tools/orvexview/log_command.h"
 #include "tools/orvexview/page_pictures.h"
 #include "tools/orvexview/png_writer.h"
 #include "tools/orvexview/print_file.h"
@@ -256,11 +257,15 @@ void ShowPrintFile(const Options& options, std::ostream& out) {
 
 int RunOrvexView(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& error) {
     try {
-        const std::optional<Options> options = ReadOptions(arguments, out);
-        if (options) ShowPrintFile(*options, out);
+        int status = 0;
+        if (IsLogCommand(arguments)) {
+            status = RunLogCommand(arguments, out);
+        } else if (const std::optional<Options> options = ReadOptions(arguments, out)) {
+            ShowPrintFile(*options, out);
+        }
         out.flush();
         if (!out) throw std::runtime_error("standard output can't be written");
-        return 0;
+        return status;
     } catch (const OptionError& wrong) {
         error << "orvexview: " << wrong.what() << "\n";
         return 2;

@@ -1,0 +1,157 @@
+#include "tools/orvexview/log_command.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <memory>
+
+#include "tools/common/help_format.h"
+#include "tools/common/number_text.h"
+#include "tools/common/printable_text.h"
+#include "tools/common/whole_file.h"
+#include "tools/common/wide_text.h"
+#include "tools/orvexview/options.h"
+#include "tools/trace/read_trace.h"
+
+namespace orvex::tools::view {
+
+namespace {
+
+constexpr const char* kDescription =
+    "Shows the driver's diagnostic log as a tree of operations, each with its time (UTC), duration and "
+    "result.\n"
+    "\n"
+    "Dumps of the device mode are folded to the fields that changed since the thread's last dump. Errors are "
+    "marked with\n"
+    "\"!\"; those that a sound job logs too are explained instead. Every job is a device's set-up and the "
+    "document that was\n"
+    "printed with it. The log names threads, not processes.";
+
+constexpr const char* kExamples =
+    "Examples:\n"
+    "  orvexview --log orvexgdi.txt                       everything\n"
+    "  orvexview --log orvexgdi.txt --errors              errors alone, and the operations around them\n"
+    "  orvexview --log orvexgdi.txt --slow 50ms --job 3   what took the third job 50 ms or more\n"
+    "  orvexview --log orvexgdi.txt --html log.html       the tree as a page to unfold in a browser\n"
+    "\n"
+    "Exit status: 0 when all went well; with --errors, 1 when there are some; 1 when a file can't be read or "
+    "written;\n"
+    "2 for a wrong command line.";
+
+constexpr const char* kHelpOptions[] = {"-h", "--help"};
+
+struct LogOptions {
+    std::string file;
+    std::string html;
+    std::string slow;
+    std::string job;
+    bool json = false;
+    bool errors = false;
+};
+
+OptionError WrongValue(const char* option, const std::string& value, const char* allowed) {
+    return OptionError(std::string(option) + ": \"" + PrintableText(value, 40) +
+                       "\" is not allowed; it takes " + allowed);
+}
+
+// Parses "50ms", "1.5s" or "50", which are milliseconds.
+int64_t DurationOf(const std::string& text) {
+    double unit = 1;
+    std::string_view number = text;
+    if (number.ends_with("ms")) {
+        number.remove_suffix(2);
+    } else if (number.ends_with("s")) {
+        number.remove_suffix(1);
+        unit = 1000;
+    }
+    const std::optional<double> value = ParseNumber(number);
+    if (!value || *value < 0 || *value > 1e9) throw WrongValue("--slow", text, "a time such as 50ms or 1.5s");
+    return static_cast<int64_t>(*value * unit);
+}
+
+trace::TraceFilter FilterOf(const LogOptions& options) {
+    trace::TraceFilter filter;
+    filter.errors = options.errors;
+    if (!options.slow.empty()) filter.slow = DurationOf(options.slow);
+    if (!options.job.empty()) {
+        const std::optional<int> number = ParseWhole(options.job);
+        if (!number || *number < 1)
+            throw WrongValue("--job", options.job, "the number of a job in the log, from 1");
+        filter.job = static_cast<uint32_t>(*number);
+    }
+    return filter;
+}
+
+// Returns nothing when the arguments ask for help.
+std::optional<LogOptions> ReadLogOptions(const std::vector<std::string>& arguments, std::ostream& out) {
+    LogOptions options;
+    CLI::App app(kDescription, "orvexview");
+    app.allow_windows_style_options(false);
+    app.formatter(std::make_shared<HelpFormat>("--log FILE [options]"));
+    app.footer(kExamples);
+    app.add_option("--log", options.file, "The log, or one of its backups")->required()->type_name("FILE");
+    app.add_flag("--errors", options.errors,
+                 "Only errors that no sound job has, and the operations around them");
+    app.add_option("--slow", options.slow,
+                   "Only operations that took at least this long, and those around them")
+        ->type_name("TIME");
+    app.add_option("--job", options.job, "Only the job of this number, as the tree counts them")
+        ->type_name("N");
+    CLI::Option* json = app.add_flag("--json", options.json, "JSON: an array of the outermost operations");
+    app.add_option("--html", options.html, "Writes the tree as a page to this file")
+        ->type_name("FILE")
+        ->excludes(json);
+    // The option may be without its file then.
+    if (std::find_first_of(arguments.begin(), arguments.end(), std::begin(kHelpOptions),
+                           std::end(kHelpOptions)) != arguments.end()) {
+        out << app.help();
+        return std::nullopt;
+    }
+    try {
+        app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
+    } catch (const CLI::ParseError& error) {
+        throw OptionError(std::string(error.what()) + "; --log --help shows what there is");
+    }
+    return options;
+}
+
+trace::TraceCounts WritePage(const LogOptions& options, const trace::TraceFilter& filter) {
+    const std::filesystem::path log = PathFromUtf8(options.file);
+    const NamedFile page{"--html", PathFromUtf8(options.html)};
+    const NamedFile input{"the log", log};
+    RefuseSharedFiles({&page, 1}, {&input, 1});
+    const std::unique_ptr<std::istream> stream = OpenFile(log);
+    OutputFile output(page.path);
+    const auto writer =
+        trace::MakeHtmlWriter([&](std::string_view text) { output.Write(text); }, options.file);
+    const trace::TraceCounts counts = trace::ReadTrace(*stream, filter, *writer);
+    output.CheckWrites();
+    output.Complete();
+    return counts;
+}
+
+}  // namespace
+
+bool IsLogCommand(const std::vector<std::string>& arguments) {
+    return std::any_of(arguments.begin(), arguments.end(), [](const std::string& argument) {
+        return argument == "--log" || argument.starts_with("--log=");
+    });
+}
+
+int RunLogCommand(const std::vector<std::string>& arguments, std::ostream& out) {
+    const std::optional<LogOptions> options = ReadLogOptions(arguments, out);
+    if (!options) return 0;
+    const trace::TraceFilter filter = FilterOf(*options);
+    trace::TraceCounts counts;
+    if (!options->html.empty()) {
+        counts = WritePage(*options, filter);
+        out << options->html << ": " << trace::CountsText(counts) << "\n";
+    } else {
+        const std::unique_ptr<std::istream> stream = OpenFile(PathFromUtf8(options->file));
+        const auto put = [&](std::string_view text) { out << text; };
+        const auto writer = options->json ? trace::MakeJsonWriter(put) : trace::MakeTextWriter(put);
+        counts = trace::ReadTrace(*stream, filter, *writer);
+    }
+    return options->errors && counts.errors > 0 ? 1 : 0;
+}
+
+}  // namespace orvex::tools::view
