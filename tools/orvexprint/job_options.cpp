@@ -29,6 +29,8 @@ constexpr char kExamples[] = R"(Examples:
       shows the page's place under the print head, and prints nothing
   orvexprint --test-page --log trace -o test.prn
       prints the self-test page, and writes a trace of the job to the driver's log
+  orvexprint --check
+      checks whether the installation is sound; --check --help tells more
 )";
 
 constexpr char kPages[] = "Page";
