@@ -239,14 +239,26 @@ int RunOrvexPrint(const std::vector<std::string>& arguments, const PrintEnvironm
         MakeAbsolute(*options);
         CheckOutputs(*options);
         const DriverLibrary driver(environment.driver);
+        std::optional<LogTail> tail;
         std::optional<LogSwitch> log;
         if (options->logMask != 0) {
+            if (options->logTree) tail.emplace(driver);
             log.emplace(driver, options->logMask);
             environment.error << "the driver's log: " + Utf8FromPath(driver.LogPath()) + "\n";
         } else if (const std::string warning = LogLeftOn(driver); !warning.empty()) {
             environment.error << "orvexprint: " + warning + "\n";
         }
-        PrintRun(*options, environment, FindInstallation(*options, environment)).Run();
+        const auto showTree = [&] {
+            if (tail)
+                tail->WriteTree(IsStandardOutput(options->output) ? environment.error : environment.out);
+        };
+        try {
+            PrintRun(*options, environment, FindInstallation(*options, environment)).Run();
+        } catch (const std::exception&) {
+            showTree();  // most of all after a failure
+            throw;
+        }
+        showTree();
         return kExitPrinted;
     } catch (const OptionError& error) {
         return complain(error, kExitUsage);
