@@ -2,9 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
-#include <string_view>
 
-#include "driver/config/label_sizes.h"
 #include "driver/support/handle.h"
 #include "driver/support/heap.h"
 #include "driver/support/installation.h"
@@ -14,9 +12,6 @@
 namespace orvex {
 
 namespace {
-
-constexpr DWORD kMaxFileBytes = 4095;
-constexpr std::string_view kSection = "[Media]";
 
 // Takes one line off the front of `text` and returns it without its line feed.
 std::string_view TakeLine(std::string_view* text) {
@@ -54,7 +49,9 @@ int32_t ReadNumber(std::string_view text) {
     return negative ? -number : number;
 }
 
-bool ParseLabel(std::string_view line, LabelSize* label) {
+}  // namespace
+
+bool ParseMediaLabel(std::string_view line, LabelSize* label) {
     if (!TakeQuoted(&line, label->name) || !TakeQuoted(&line, label->width) ||
         !TakeQuoted(&line, label->length)) {
         return false;
@@ -63,6 +60,8 @@ bool ParseLabel(std::string_view line, LabelSize* label) {
     label->units = static_cast<uint32_t>(ReadNumber(line));
     return true;
 }
+
+namespace {
 
 void AddLabel(HANDLE printer, LabelSize* label) {
     // Deliberate: the level of errors, so that an import shows whenever errors are logged.
@@ -75,7 +74,7 @@ void AddLabel(HANDLE printer, LabelSize* label) {
 }
 
 // Reads the file's text into `buffer` and returns it. A missing or empty file is logged and gives no text.
-std::string_view ReadMediaFile(const WCHAR* folder, char (&buffer)[kMaxFileBytes]) {
+std::string_view ReadMediaFile(const WCHAR* folder, char (&buffer)[kMaxMediaBytes]) {
     const OwnedHandle file(OpenInstallationFile(folder, L"media.inf"));
     if (!file) {
         LogError("failed to open media.inf");
@@ -90,14 +89,14 @@ std::string_view ReadMediaFile(const WCHAR* folder, char (&buffer)[kMaxFileBytes
 
 int ImportMediaFile(HANDLE printer, const WCHAR* folder) {
     if (printer != nullptr && HasLabelList(printer)) return 0;
-    char buffer[kMaxFileBytes];
+    char buffer[kMaxMediaBytes];
     std::string_view text = ReadMediaFile(folder, buffer);
-    const size_t section = text.find(kSection);
+    const size_t section = text.find(kMediaSection);
     if (section == std::string_view::npos) return 1;
     text.remove_prefix(section);
     TakeLine(&text);
     LabelSize label = {};
-    while (!text.empty() && ParseLabel(TakeLine(&text), &label)) AddLabel(printer, &label);
+    while (!text.empty() && ParseMediaLabel(TakeLine(&text), &label)) AddLabel(printer, &label);
     return 1;
 }
 

@@ -10,9 +10,18 @@
 // Any other line, even an empty one or a comment, ends the import.
 #pragma once
 
+#include <string_view>
+
+#include "driver/config/label_sizes.h"
 #include "platform/windows.h"
 
 namespace orvex {
+
+constexpr DWORD kMaxMediaBytes = 4095;
+constexpr std::string_view kMediaSection = "[Media]";
+
+// Parses a line without its line feed. Returns false for one that ends the import; `label` is then useless.
+bool ParseMediaLabel(std::string_view line, LabelSize* label);
 
 // Adds the labels of media.inf in `folder` to the printer. Without a printer (null) they are only logged.
 // Returns 0, without doing anything, when the printer has labels already; otherwise 1, whatever fails.

@@ -29,6 +29,8 @@ constexpr char kExamples[] = R"(Examples:
       shows the page's place under the print head, and prints nothing
   orvexprint --test-page --log trace -o test.prn
       prints the self-test page, and writes a trace of the job to the driver's log
+  orvexprint --check
+      checks whether the installation is sound; --check --help tells more
 )";
 
 constexpr char kPages[] = "Page";
@@ -120,7 +122,8 @@ void AddPrinterOptions(CLI::App& app) {
     Add(app, "--language", "CODE", kPrinter,
         std::string("language of profile names (") + kLanguageRange + "), if settings.inf names none");
     Add(app, "--log", "LEVEL", kPrinter,
-        "turn the driver's log on for this run, and for no other program (error or trace)");
+        "turn the driver's log on for this run, and for no other program: error, trace, or tree, which is "
+        "the trace and shows it as a tree at the end");
 }
 
 // Returns the value given for an option, or nothing if the option was not given.
@@ -155,8 +158,11 @@ void ReadWords(const CLI::App& app, JobOptions& options) {
         options.language = text;
     }
     if (const auto text = Given(app, "--log")) {
-        if (*text != "error" && *text != "trace") throw WrongValue("--log", *text, "error or trace");
+        if (*text != "error" && *text != "trace" && *text != "tree") {
+            throw WrongValue("--log", *text, "error, trace or tree");
+        }
         options.logMask = *text == "error" ? kLogErrors : kLogEverything;
+        options.logTree = *text == "tree";
     }
     options.title = Given(app, "--title").value_or("");
 }

@@ -33,6 +33,7 @@ struct JobOptions {
     std::filesystem::path printerData;  // empty: a printer without labels at first
     std::optional<std::string> language;
     int logMask = 0;  // 0: the log stays as it is
+    bool logTree = false;
 
     // The device mode: the file to start from (empty: the printer's defaults), and the changes to it.
     std::filesystem::path loadMode;

@@ -5,6 +5,7 @@
 
 #include "tools/common/whole_file.h"
 #include "tools/common/wide_text.h"
+#include "tools/trace/read_trace.h"
 
 namespace orvex::tools::print {
 
@@ -57,6 +58,20 @@ HANDLE LogSwitch::OpenMask() const {
     WriteFile(file, mask_.data(), static_cast<DWORD>(mask_.size()), &written, nullptr);
     SetFilePointerEx(file, {}, nullptr, FILE_BEGIN);
     return file;
+}
+
+LogTail::LogTail(const DriverLibrary& driver) : log_(driver.LogPath()) {
+    std::error_code missing;
+    const std::uintmax_t size = fs::file_size(log_, missing);
+    if (!missing) begin_ = size;
+}
+
+void LogTail::WriteTree(std::ostream& out) const {
+    const std::unique_ptr<std::istream> log = OpenFile(log_);
+    // A log that has been moved away since begins anew.
+    if (fs::file_size(log_) >= begin_) log->seekg(static_cast<std::streamoff>(begin_));
+    const auto writer = trace::MakeTextWriter([&](std::string_view text) { out << text; });
+    trace::ReadTrace(*log, {.thread = GetCurrentThreadId()}, *writer);
 }
 
 std::string LogLeftOn(const DriverLibrary& driver) {

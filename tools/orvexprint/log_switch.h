@@ -1,7 +1,9 @@
 // The driver's diagnostic log, turned on for this program alone.
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
+#include <ostream>
 #include <string>
 
 #include "tools/host/driver_library.h"
@@ -26,6 +28,19 @@ class LogSwitch : public ImportService<LogSwitch> {
     std::filesystem::path folder_;
     std::string control_;  // as the driver names it
     std::string mask_;
+};
+
+// The part of the driver's log that comes after now.
+class LogTail {
+  public:
+    explicit LogTail(const DriverLibrary& driver);
+
+    // Writes the lines of this thread as a tree.
+    void WriteTree(std::ostream& out) const;
+
+  private:
+    std::filesystem::path log_;
+    std::uintmax_t begin_ = 0;
 };
 
 // Returns a warning, in words, if the control file turns the log on for every program; else an empty text.

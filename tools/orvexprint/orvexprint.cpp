@@ -11,6 +11,7 @@
 #include "tools/common/wide_text.h"
 #include "tools/host/driver_session.h"
 #include "tools/orvexprint/art_colors.h"
+#include "tools/orvexprint/installation_check.h"
 #include "tools/orvexprint/job_files.h"
 #include "tools/orvexprint/job_options.h"
 #include "tools/orvexprint/job_report.h"
@@ -27,7 +28,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr char kInstallationFolder[] = "install";
 constexpr char kEngineFile[] = "hpcrlib.dll";
 constexpr char kTestPageTitle[] = "Test page";
 constexpr char kInputTitle[] = "Standard input";
@@ -48,8 +48,7 @@ EngineSource FindEngine(const JobOptions& options, const PrintEnvironment& envir
         if (fs::is_regular_file(options.engine, failure)) return options.engine;
         throw std::runtime_error("the raster library " + Utf8FromPath(options.engine) + " is not there");
     }
-    const fs::path installed = installation / kEngineFile;
-    return fs::is_regular_file(installed, failure) ? installed : environment.programFolder / kEngineFile;
+    return EngineFile(installation, environment.programFolder);
 }
 
 std::string JobTitle(const JobOptions& options) {
@@ -222,25 +221,44 @@ class PrintRun {
 
 }  // namespace
 
+fs::path EngineFile(const fs::path& installation, const fs::path& programFolder) {
+    std::error_code failure;
+    const fs::path installed = installation / kEngineFile;
+    return fs::is_regular_file(installed, failure) ? installed : programFolder / kEngineFile;
+}
+
 int RunOrvexPrint(const std::vector<std::string>& arguments, const PrintEnvironment& environment) {
     const auto complain = [&](const std::exception& error, int status) {
         environment.error << "orvexprint: " << error.what() << "\n";
         return status;
     };
     try {
+        if (IsCheckCommand(arguments)) return RunCheckCommand(arguments, environment);
         std::optional<JobOptions> options = ParseJobOptions(arguments, environment.out);
         if (!options) return kExitPrinted;
         MakeAbsolute(*options);
         CheckOutputs(*options);
         const DriverLibrary driver(environment.driver);
+        std::optional<LogTail> tail;
         std::optional<LogSwitch> log;
         if (options->logMask != 0) {
+            if (options->logTree) tail.emplace(driver);
             log.emplace(driver, options->logMask);
             environment.error << "the driver's log: " + Utf8FromPath(driver.LogPath()) + "\n";
         } else if (const std::string warning = LogLeftOn(driver); !warning.empty()) {
             environment.error << "orvexprint: " + warning + "\n";
         }
-        PrintRun(*options, environment, FindInstallation(*options, environment)).Run();
+        const auto showTree = [&] {
+            if (tail)
+                tail->WriteTree(IsStandardOutput(options->output) ? environment.error : environment.out);
+        };
+        try {
+            PrintRun(*options, environment, FindInstallation(*options, environment)).Run();
+        } catch (const std::exception&) {
+            showTree();  // most of all after a failure
+            throw;
+        }
+        showTree();
         return kExitPrinted;
     } catch (const OptionError& error) {
         return complain(error, kExitUsage);

@@ -27,6 +27,13 @@ struct PrintEnvironment {
     std::optional<PrintEngine> engine = std::nullopt;  // replaces any library file
 };
 
+// The installation beside the program.
+constexpr char kInstallationFolder[] = "install";
+
+// Returns the print engine's library: the installation's own, or else the one beside the program.
+std::filesystem::path EngineFile(const std::filesystem::path& installation,
+                                 const std::filesystem::path& programFolder);
+
 // Runs the command with the arguments after its name, UTF-8. Explains every failure on `error`. Returns the
 // exit status: kExitPrinted only if the job printed, or everything else that was asked for is done.
 int RunOrvexPrint(const std::vector<std::string>& arguments, const PrintEnvironment& environment);

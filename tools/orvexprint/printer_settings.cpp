@@ -105,8 +105,9 @@ ProfileProblem ReadHead(const std::string& path) {
     return tags.Problem() ? tags.Problem() : CheckColorsSize(file, header);
 }
 
-// Returns in words why the driver refuses the profile; empty if it does not.
-std::string ProblemOf(const std::string& name, const fs::path& installation) {
+}  // namespace
+
+std::string ProfileProblemText(const std::string& name, const fs::path& installation) {
     const CurrentFolder folder(installation);
     const std::string narrow = NarrowFromUtf8(name);
     if (!IsBareFileName(narrow.c_str())) return "it is not in the folder of the profiles";
@@ -115,8 +116,6 @@ std::string ProblemOf(const std::string& name, const fs::path& installation) {
     if (problem.fault == &kFileNotOpened) return "there is no such file, or it can't be opened";
     return "it is damaged, or no profile";
 }
-
-}  // namespace
 
 PrinterSettings::PrinterSettings(DriverSession& session) : session_(session) {
     session_.AttachProgram();
@@ -170,7 +169,7 @@ std::vector<std::string> FallbacksOf(const DeviceMode& mode, const fs::path& ins
     std::error_code ignored;
     if (name.empty()) {
         if (!fs::is_directory(profiles, ignored)) lines.push_back(lacks(profiles, "is not there", kBuiltIn));
-    } else if (const std::string problem = ProblemOf(name, installation); !problem.empty()) {
+    } else if (const std::string problem = ProfileProblemText(name, installation); !problem.empty()) {
         lines.push_back(lacks(lentProfile.empty() ? profiles / PathFromUtf8(name) : lentProfile,
                               "can't be used: " + problem, kBuiltIn));
     }

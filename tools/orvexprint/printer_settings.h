@@ -41,6 +41,10 @@ class PrinterSettings {
     std::vector<LabelSize> labels_;
 };
 
+// Returns in words why the driver refuses a profile of the installation, read up to its colors; empty if it
+// does not.
+std::string ProfileProblemText(const std::string& name, const std::filesystem::path& installation);
+
 // Says, a line each, what a job lacks that the driver replaces without a word: the settings file, the
 // profiles, the profile of the job. `mode` is validated, as the driver has it; `lentProfile` is the file that
 // is installed for this run, if there is one.

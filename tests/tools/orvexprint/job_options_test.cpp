@@ -134,7 +134,7 @@ TEST(JobOptions, NameOptionValueAndRangeOfAWrongValue) {
     EXPECT_EQ(Complaint({"--rotate180=maybe"}), "--rotate180: \"maybe\" is not allowed; it takes on or off");
     EXPECT_EQ(Complaint({"--image-dpi", "9"}), "--image-dpi: \"9\" is not allowed; it takes 10 to 10000 dpi");
     EXPECT_EQ(Complaint({"--rotate", "left"}), "--rotate: \"left\" is not allowed; it takes off or auto");
-    EXPECT_EQ(Complaint({"--log", "all"}), "--log: \"all\" is not allowed; it takes error or trace");
+    EXPECT_EQ(Complaint({"--log", "all"}), "--log: \"all\" is not allowed; it takes error, trace or tree");
     EXPECT_EQ(Complaint({"--language", "DE"}),
               "--language: \"DE\" is not allowed; it takes ENG, FRA, DEU, CH, ES, JPN or ENU");
     EXPECT_THAT(Complaint({"--size", "big"}), HasSubstr("--size: \"big\" is not allowed"));
