@@ -171,6 +171,26 @@ TEST_F(ReplayTest, TakesTheFirstDeviceModeFromTheShadowFile) {
                          "EMF)\n");
 }
 
+// In both builds a guard page follows the device mode at once.
+TEST_F(ReplayTest, HandsOverDeviceModesThatAreShort) {
+    for (const size_t extra : {size_t{0}, size_t{17}, sizeof(PrivateDevMode)}) {
+        std::string mode = ModeBytes([](DeviceMode& each) { each.pub.dmCopies = 5; });
+        mode.resize(sizeof(DEVMODEW) + extra);
+        mode.replace(offsetof(DEVMODEW, dmDriverExtra), 2, ByteMaker().U16(extra).Bytes());
+        MadeSpoolFile made("", "");
+        made.DeviceMode(mode);
+        made.Page(Label().File());
+        RunWell({"--dry-run", "--save-devmode", Text("used"), WriteFile("job.spl", made.File())});
+        const std::string used = ReadBytes(Path("used"));
+        EXPECT_EQ(static_cast<int>(used[offsetof(DEVMODEW, dmCopies)]), 5) << extra;
+    }
+    MadeSpoolFile made("", "");
+    made.DeviceMode(ByteMaker().Zeros(68).U16(72).U16(0).Bytes());
+    made.Page(Label().File());
+    RunWell({"--dry-run", WriteFile("job.spl", made.File())});
+    EXPECT_THAT(out, HasSubstr("Label: 300 dpi, "));
+}
+
 TEST_F(ReplayTest, RefusesOptionsThatASpoolFileDoesNotTake) {
     MadeSpoolFile made("", "");
     made.DeviceMode(ModeBytes());
@@ -319,6 +339,13 @@ TEST_F(ReplayTest, ResetsTheDeviceBeforeTheFirstPage) {
     EXPECT_TRUE(OutputBytes() == PrintPictures({ExpectedPage().Fill(10, 20, 30, 200).HalfTurn()}, "Name"));
     RunWell({"-o", Text("again.prn"), Text("copy.spl")});
     EXPECT_TRUE(ReadBytes(Path("again.prn")) == OutputBytes());
+}
+
+TEST_F(ReplayTest, SaysThatGdiPlusAloneIsNotDrawn) {
+    const std::string plus = ByteMaker().Text("EMF+").U16(0x4001).U16(0).Zeros(24).Bytes();
+    const std::string label = WriteFile("label.emf", Label().Comment(plus).File());
+    RunWell({"--size", "30x40mm", "-o", Text("out.prn"), label});
+    EXPECT_EQ(error, "orvexprint: page 1 is drawn with GDI+ alone, which is not replayed\n");
 }
 
 TEST_F(ReplayTest, SaysWhichFontsCannotBeLoaded) {
