@@ -43,6 +43,8 @@ const FuzzTarget* FindFuzzTarget(std::string_view name);
     ROW(print_file, PrintFile)           /* print files in the viewer */          \
     ROW(tool_profile, ToolProfile)       /* color profiles in their tool */       \
     ROW(recipe, Recipe)                  /* recipes of color profiles */          \
+    ROW(spool_file, SpoolFile)           /* spool files and shadow files */       \
+    ROW(placement, Placement)            /* a picture's place on a page */        \
     ICC_FUZZ_TARGET(ROW)                 /* ICC profiles of printers */
 
 #define DECLARE_FUZZ_TARGET(name, function)              \

@@ -128,22 +128,41 @@ bool DriverSession::ResetPdev(Device& old, Device& fresh) {
     return Hooks().resetPdev(old.instance_, fresh.instance_) != FALSE;
 }
 
+bool DriverSession::ResetDevice(std::unique_ptr<Device>& device, const JobPlan& plan,
+                                std::span<const uint8_t> deviceMode) {
+    std::unique_ptr<Device> fresh = EnablePdev(deviceMode);
+    if (fresh->Instance() == nullptr) return false;
+    CompletePdev(*fresh);
+    if (!ResetPdev(*device, *fresh) || !EnableSurface(*fresh)) return false;
+    Retire(*device);
+    device = std::move(fresh);
+    if (plan.onDevice) plan.onDevice(*device);
+    return StartDoc(*device, plan.title, plan.jobId);
+}
+
+void DriverSession::Retire(Device& device) {
+    recordsIntact_ = recordsIntact_ && device.Intact();
+    DisableSurface(device);
+    DisablePdev(device);
+}
+
 JobOutcome DriverSession::RunJob(const JobPlan& plan) {
-    const std::unique_ptr<Device> device = EnablePdev(plan.deviceMode);
+    std::unique_ptr<Device> device = EnablePdev(plan.deviceMode);
     if (device->Instance() == nullptr) return {.failure = "the driver refused the device (DrvEnablePDEV)"};
     CompletePdev(*device);
     if (!EnableSurface(*device)) return {.failure = "the driver made no page bitmap (DrvEnableSurface)"};
     const uint64_t refusals = engine_.Books().refusalCount;
-    JobOutcome outcome = RunDocument(*device, plan);
-    const bool intact = device->Intact();
-    DisableSurface(*device);
-    DisablePdev(*device);
+    recordsIntact_ = true;
+    if (plan.onDevice) plan.onDevice(*device);
+    JobOutcome outcome = RunDocument(device, plan);
+    Retire(*device);
     if (outcome.Printed())
-        outcome.failure = intact ? Trouble(refusals) : "the driver wrote around a record that it was given";
+        outcome.failure =
+            recordsIntact_ ? Trouble(refusals) : "the driver wrote around a record that it was given";
     return outcome;
 }
 
-JobOutcome DriverSession::RunDocument(Device& device, const JobPlan& plan) {
+JobOutcome DriverSession::RunDocument(std::unique_ptr<Device>& device, const JobPlan& plan) {
     const uint64_t refusals = engine_.Books().refusalCount;
     JobOutcome outcome;
     const auto failed = [&](bool accepted, const char* note) {
@@ -152,23 +171,27 @@ JobOutcome DriverSession::RunDocument(Device& device, const JobPlan& plan) {
         return !outcome.failure.empty();
     };
     // If the driver accepted the job and only the host saw a failure, the driver must end it.
-    if (failed(StartDoc(device, plan.title, plan.jobId), "the driver refused the job (DrvStartDoc)")) {
-        if (engine_.Bound()) EndDoc(device, ED_ABORTDOC);
+    if (failed(StartDoc(*device, plan.title, plan.jobId), "the driver refused the job (DrvStartDoc)")) {
+        if (engine_.Bound()) EndDoc(*device, ED_ABORTDOC);
         return outcome;
     }
     try {
         for (size_t page = 0; page < plan.pages; ++page) {
-            if (failed(StartPage(device), "the driver refused the page (DrvStartPage)")) break;
-            if (plan.draw) plan.draw(page, *device.Surface());
-            if (failed(SendPage(device), "the driver did not send the page (DrvSendPage)")) break;
+            const std::span<const uint8_t> fresh = plan.reset ? plan.reset(page) : std::span<const uint8_t>();
+            if (!fresh.empty() && failed(ResetDevice(device, plan, fresh),
+                                         "the driver refused to reset the device (DrvResetPDEV)"))
+                break;
+            if (failed(StartPage(*device), "the driver refused the page (DrvStartPage)")) break;
+            if (plan.draw) plan.draw(page, *device->Surface());
+            if (failed(SendPage(*device), "the driver did not send the page (DrvSendPage)")) break;
             ++outcome.pagesPrinted;
         }
     } catch (...) {
-        EndDoc(device, ED_ABORTDOC);
+        EndDoc(*device, ED_ABORTDOC);
         throw;
     }
     const std::string pageFailure = outcome.failure;
-    const bool ended = EndDoc(device, pageFailure.empty() ? 0 : ED_ABORTDOC);
+    const bool ended = EndDoc(*device, pageFailure.empty() ? 0 : ED_ABORTDOC);
     if (pageFailure.empty()) {
         failed(ended, "the driver did not end the job (DrvEndDoc)");
     } else {

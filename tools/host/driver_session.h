@@ -77,6 +77,10 @@ struct JobPlan {
     size_t pages = 1;
     // Draws a page, counted from 0, on the white surface. An exception ends the job and is rethrown.
     std::function<void(size_t page, SURFOBJ& surface)> draw = {};
+    // Returns the device mode that the device is reset to before a page; empty if it stays as it is.
+    std::function<std::span<const uint8_t>(size_t page)> reset = {};
+    // Takes each device that pages are drawn for, before the first of them.
+    std::function<void(const Device& device)> onDevice = {};
 };
 
 struct JobOutcome {
@@ -134,7 +138,12 @@ class DriverSession {
     // Returns in words what spooler, graphics engine or print engine had to refuse; of the print engine's
     // refusals only those after the first `refusalsBefore`. Empty if there is nothing.
     std::string Trouble(uint64_t refusalsBefore) const;
-    JobOutcome RunDocument(Device& device, const JobPlan& plan);
+    JobOutcome RunDocument(std::unique_ptr<Device>& device, const JobPlan& plan);
+    // Resets the device of a running job as the graphics engine does: a new device takes over from the old
+    // one, which is disabled. Returns false, with a device that can still end the job, if the driver refuses.
+    bool ResetDevice(std::unique_ptr<Device>& device, const JobPlan& plan,
+                     std::span<const uint8_t> deviceMode);
+    void Retire(Device& device);
 
     // The driver is constructed first and destroyed last, since all others patch its imports.
     DriverLibrary driver_;
@@ -145,6 +154,7 @@ class DriverSession {
     Spooler::Printer& printer_;
     HANDLE printerHandle_;
     uint64_t lostWrites_ = 0;
+    bool recordsIntact_ = true;  // of devices that were retired in the running job
 };
 
 }  // namespace orvex::tools

@@ -4,7 +4,9 @@
 
 #include "tools/common/whole_file.h"
 #include "tools/common/wide_text.h"
+#include "tools/orvexprint/page_source.h"
 #include "tools/orvexprint/printer_settings.h"
+#include "tools/orvexprint/spool_file.h"
 
 namespace orvex::tools::print {
 
@@ -29,6 +31,11 @@ bool IsDeviceMode(const fs::path& path) {
     }
 }
 
+bool IsSpoolFileAt(const fs::path& path) {
+    const std::string start = StartOf(path);
+    return IsSpoolFile({reinterpret_cast<const uint8_t*>(start.data()), start.size()});
+}
+
 // Refuses to replace a file of another kind, which is more likely a slip of the hand than meant.
 void RefuseReplacing(const char* option, const fs::path& path, bool (*isOfItsKind)(const fs::path&),
                      const char* kind) {
@@ -48,13 +55,14 @@ void MakeAbsolute(JobOptions& options) {
     if (!IsStandardOutput(options.output) && !options.output.empty())
         options.output = AbsolutePath(options.output);
     for (fs::path* path : {&options.installation, &options.engine, &options.printerData, &options.loadMode,
-                           &options.saveMode}) {
+                           &options.saveMode, &options.shadow, &options.saveSpool}) {
         if (!path->empty()) *path = AbsolutePath(*path);
     }
 }
 
 void CheckOutputs(const JobOptions& options) {
-    std::vector<NamedFile> inputs = {{"--load-devmode", options.loadMode}, {"--engine", options.engine}};
+    std::vector<NamedFile> inputs = {
+        {"--load-devmode", options.loadMode}, {"--engine", options.engine}, {"--shd", options.shadow}};
     for (const fs::path& page : options.pages) inputs.push_back({"the page", page});
     std::error_code ignored;
     const std::string profile = options.profile.value_or("");
@@ -62,11 +70,13 @@ void CheckOutputs(const JobOptions& options) {
         inputs.push_back({"--profile", AbsolutePath(PathFromUtf8(profile))});
     const NamedFile outputs[] = {{"-o", options.output},
                                  {"--save-devmode", options.saveMode},
+                                 {"--save-spl", options.saveSpool},
                                  {"--printer-data", options.printerData}};
     RefuseSharedFiles(outputs, inputs);
     if (options.force) return;
     RefuseReplacing("-o", options.output, &IsPrintFile, "print file");
     RefuseReplacing("--save-devmode", options.saveMode, &IsDeviceMode, "device mode of this driver");
+    RefuseReplacing("--save-spl", options.saveSpool, &IsSpoolFileAt, "spool file");
 }
 
 }  // namespace orvex::tools::print

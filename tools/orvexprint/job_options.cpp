@@ -27,6 +27,8 @@ constexpr char kExamples[] = R"(Examples:
       prints on a label of the printer's list (see --list), with the picture scaled to it
   orvexprint --size 60x40mm --purge-bar leading --dry-run
       shows the page's place under the print head, and prints nothing
+  orvexprint -o job.prn job.spl --shd job.shd
+      replays a job that the spooler of Windows kept, with its own settings
   orvexprint --test-page --log trace -o test.prn
       prints the self-test page, and writes a trace of the job to the driver's log
   orvexprint --check
@@ -68,9 +70,11 @@ void AddSetting(CLI::App& app, const Setting& setting) {
 void AddPageOptions(CLI::App& app) {
     app.add_option("PAGE")
         ->description(
-            "PNG files, a page each, printed in that order at their real size; - is standard input. Pages of "
-            "the job's "
-            "resolution are never resampled, and the command says which others are. " +
+            "PNG files and enhanced metafiles (EMF, drawn by GDI, in the Windows build alone), a page each, "
+            "printed in that order at their real size; - is standard input. Pages of the job's resolution "
+            "are "
+            "never resampled, and the command says which others are. Or a spool file of Windows with "
+            "metafiles (data type NT EMF), which is a whole job with its own settings. " +
             std::string(kColorsHelp))
         ->type_name("FILE")
         ->expected(1, -1)
@@ -90,6 +94,8 @@ void AddPageOptions(CLI::App& app) {
         std::string("turn a page by a quarter if it fits, or fits larger, only then (") + kRotateRange + ")");
     AddFlag(app, "--smooth", kPages,
             "blend the pixels of enlarged pages, for photographs; bars and text are sharper without it");
+    Add(app, "--shd", "FILE", kPages,
+        "the shadow file beside a spool file, for the job's name and its first settings");
     Add(app, "--image-dpi", "N", kPages,
         "resolution of pages that state none (10 to 10000 dpi; default: the job's)");
 }
@@ -110,6 +116,8 @@ void AddOutputOptions(CLI::App& app) {
     AddFlag(app, "--list", kOutput, "list the printer's labels and colour profiles");
     Add(app, "--load-devmode", "FILE", kOutput, "start from the settings of a device mode file (916 bytes)");
     Add(app, "--save-devmode", "FILE", kOutput, "write the job's settings to such a file");
+    Add(app, "--save-spl", "FILE", kOutput,
+        "write the job to a spool file as well, with its pages as they were drawn; it prints the same again");
 }
 
 void AddPrinterOptions(CLI::App& app) {
@@ -176,6 +184,8 @@ void ReadPaths(const CLI::App& app, JobOptions& options) {
     options.printerData = GivenPath(app, "--printer-data");
     options.loadMode = GivenPath(app, "--load-devmode");
     options.saveMode = GivenPath(app, "--save-devmode");
+    options.shadow = GivenPath(app, "--shd");
+    options.saveSpool = GivenPath(app, "--save-spl");
 }
 
 void ReadSettings(const CLI::App& app, JobOptions& options) {
@@ -209,10 +219,14 @@ void CheckTask(const JobOptions& options) {
     if (options.sizeOfPage && options.pages.empty()) {
         throw OptionError("--size page takes the size from the first page, and there is none");
     }
+    if (!options.shadow.empty() && options.pages.size() != 1) {
+        throw OptionError("--shd belongs to a spool file; name that file, and no other");
+    }
     const bool onlyLooks =
         options.dryRun || options.list || (!options.saveMode.empty() && !options.HasPages());
     if (onlyLooks) return;
-    if (!options.HasPages()) throw OptionError("no pages: name PNG files, or ask for the --test-page");
+    if (!options.HasPages())
+        throw OptionError("no pages: name PNG, EMF or spool files, or ask for the --test-page");
     if (options.output.empty()) throw OptionError("no output: name a file with -o FILE");
 }
 

@@ -22,9 +22,12 @@ struct JobOptions {
     std::optional<int> imageDpi;  // resolution of pages that name none; empty: the job's
     std::string title;            // UTF-8; empty: the file name of the first page
 
+    std::filesystem::path shadow;  // of the spool file that is the only page; empty: none
+
     std::filesystem::path output;
-    bool force = false;   // replaces a file of another kind
-    bool strict = false;  // fails where the driver would fall back
+    std::filesystem::path saveSpool;  // empty: none is written
+    bool force = false;               // replaces a file of another kind
+    bool strict = false;              // fails where the driver would fall back
     bool dryRun = false;
     bool list = false;
 

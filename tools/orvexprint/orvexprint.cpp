@@ -5,21 +5,20 @@
 #include <stdexcept>
 
 #include "tools/common/number_text.h"
-#include "tools/common/png_file.h"
 #include "tools/common/product_version.h"
 #include "tools/common/whole_file.h"
 #include "tools/common/wide_text.h"
 #include "tools/host/driver_session.h"
-#include "tools/orvexprint/art_colors.h"
 #include "tools/orvexprint/installation_check.h"
 #include "tools/orvexprint/job_files.h"
 #include "tools/orvexprint/job_options.h"
+#include "tools/orvexprint/job_pages.h"
 #include "tools/orvexprint/job_report.h"
 #include "tools/orvexprint/log_switch.h"
 #include "tools/orvexprint/page_notes.h"
-#include "tools/orvexprint/page_placement.h"
 #include "tools/orvexprint/printer_settings.h"
 #include "tools/orvexprint/progress.h"
+#include "tools/orvexprint/spool_writer.h"
 #include "tools/orvexprint/test_page.h"
 
 namespace orvex::tools::print {
@@ -29,8 +28,7 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr char kEngineFile[] = "hpcrlib.dll";
-constexpr char kTestPageTitle[] = "Test page";
-constexpr char kInputTitle[] = "Standard input";
+constexpr char kCopyPort[] = "FILE:";  // of a spool file that is written
 
 fs::path FindInstallation(const JobOptions& options, const PrintEnvironment& environment) {
     fs::path folder =
@@ -51,13 +49,6 @@ EngineSource FindEngine(const JobOptions& options, const PrintEnvironment& envir
     return EngineFile(installation, environment.programFolder);
 }
 
-std::string JobTitle(const JobOptions& options) {
-    if (!options.title.empty()) return options.title;
-    if (options.testPage) return kTestPageTitle;
-    const fs::path& first = options.pages.front();
-    return IsStandardInput(first) ? kInputTitle : Utf8FromPath(first.filename());
-}
-
 // Returns the date in UTC: "2026-11-22".
 std::string Today() {
     const std::chrono::year_month_day today(
@@ -69,8 +60,9 @@ std::string Today() {
            twoDigits(static_cast<unsigned>(today.day()));
 }
 
-std::span<const uint8_t> BytesOf(const DeviceMode& mode) {
-    return {reinterpret_cast<const uint8_t*>(&mode), sizeof mode};
+std::vector<uint8_t> BytesOf(const DeviceMode& mode) {
+    const auto* const bytes = reinterpret_cast<const uint8_t*>(&mode);
+    return {bytes, bytes + sizeof mode};
 }
 
 // One run of the command, with options that are already checked.
@@ -94,30 +86,35 @@ class PrintRun {
         const PrinterSettings settings(session_);
         if (!options_.printerData.empty()) session_.Printer().data.Save(options_.printerData);
         if (options_.list) PrintLists(environment_.out, settings);
-        if (options_.sizeOfPage) options_.size = SizeOfFirstPage(settings);
-        const DeviceMode requested = settings.Requested(options_);
-        effective_ = settings.Effective(requested);
+        requested_ = RequestedMode(settings);
+        effective_ = settings.Effective(requested_);
         for (const std::string& problem :
              FallbacksOf(effective_, installation_, session_.Shell().LentFile())) {
             if (options_.strict) throw std::runtime_error(problem);
             environment_.error << "orvexprint: " + problem + "\n";
         }
         if (!options_.saveMode.empty()) {
-            WriteWholeFile(options_.saveMode, BytesOf(effective_));
+            WriteWholeFile(options_.saveMode, std::span<const uint8_t>(BytesOf(effective_)));
         }
         if (options_.dryRun) {
-            ShowLayout(requested);
+            ShowLayout();
         } else if (!options_.list && options_.HasPages()) {
-            Print(requested);
+            Print();
         }
     }
 
   private:
-    size_t PageCount() const { return options_.testPage ? 1 : options_.pages.size(); }
+    // Returns the device mode that is passed to the driver: that of a spool file as it is stored.
+    std::vector<uint8_t> RequestedMode(const PrinterSettings& settings) {
+        const ByteSpan stored = pages_.DeviceMode();
+        if (!stored.empty()) return {stored.begin(), stored.end()};
+        if (options_.sizeOfPage && !pages_.AreSpooled()) options_.size = SizeOfFirstPage(settings);
+        return BytesOf(settings.Requested(options_));
+    }
 
     PaperSize SizeOfFirstPage(const PrinterSettings& settings) const {
-        const DeviceMode mode = settings.Effective(settings.Requested(options_));
-        const PictureSize page = OpenPng(options_.pages.front()).Size();
+        const DeviceMode mode = settings.Effective(BytesOf(settings.Requested(options_)));
+        const PictureSize page = pages_.Open(0)->SizeAt(static_cast<uint32_t>(mode.pub.dmPrintQuality));
         const PixelDensity density = DensityOf(page, options_.imageDpi.value_or(mode.pub.dmPrintQuality));
         return PaperOfPage(page, density, mode.pub.dmOrientation == DMORIENT_LANDSCAPE);
     }
@@ -132,77 +129,91 @@ class PrintRun {
                 .turning = options_.turnToFit ? Turning::kToFit : Turning::kNever};
     }
 
-    void ShowLayout(const DeviceMode& requested) {
-        const std::unique_ptr<Device> device = session_.EnablePdev(BytesOf(requested));
+    static PageRaster RasterOf(const Device& device) {
+        const GDIINFO& capabilities = device.Capabilities();
+        return {capabilities.ulHorzRes, capabilities.ulVertRes, static_cast<int>(capabilities.ulLogPixelsX)};
+    }
+
+    void ShowLayout() {
+        const std::unique_ptr<Device> device = session_.EnablePdev(requested_);
         if (device->Instance() == nullptr)
             throw std::runtime_error("the driver refused the device (DrvEnablePDEV)");
-        const GDIINFO& capabilities = device->Capabilities();
-        const PageRaster bitmap = {capabilities.ulHorzRes, capabilities.ulVertRes,
-                                   static_cast<int>(capabilities.ulLogPixelsX)};
+        const PageRaster bitmap = RasterOf(*device);
         PrintLayout(environment_.out, effective_, bitmap);
         if (options_.pages.empty()) return;
         environment_.out << "\nPages\n";
-        for (const fs::path& path : options_.pages) {
-            const PictureSize size = OpenPng(path).Size();
-            const PagePlace place = PlaceOf(path, size, PlacingOn(bitmap));
-            const std::string resampling = ResamplingText(size, PlacingOn(bitmap), place);
-            environment_.out << "  " << Utf8FromPath(path.filename()) << ": " << place.Width() << " x "
-                             << place.Height() << " pixels, " << place.left << " from the left, " << place.top
-                             << " from the top" << (place.turned ? ", turned by a quarter" : "")
-                             << (resampling.empty() ? "" : ", ") << resampling << "\n";
+        for (size_t page = 0; page < pages_.Count(); ++page) {
+            environment_.out << "  " << pages_.NameOf(page) << ": "
+                             << pages_.Open(page)->Describe(PlacingOn(bitmap)) << "\n";
         }
+        pages_.SayLeftOut(environment_.error);
     }
 
-    static PagePlace PlaceOf(const fs::path& path, const PictureSize& page, const PagePlacing& placing) {
-        try {
-            return FindPlace(page, placing);
-        } catch (const PageError& error) {
-            throw PageError(Utf8FromPath(path) + " " + error.what());
-        }
-    }
-
-    void Draw(size_t page, SURFOBJ& surface) {
-        const PageRaster bitmap = {static_cast<uint32_t>(surface.sizlBitmap.cx),
-                                   static_cast<uint32_t>(surface.sizlBitmap.cy),
-                                   effective_.pub.dmPrintQuality};
-        auto* const pixels = static_cast<uint32_t*>(surface.pvScan0);
-        const size_t stride = static_cast<size_t>(surface.lDelta) / sizeof *pixels;
+    void Draw(size_t page, const PageBits& bits) {
         if (options_.testPage) {
-            Canvas canvas(pixels, static_cast<int>(bitmap.width), static_cast<int>(bitmap.height), stride);
-            DrawTestPage(canvas, bitmap.dpi,
+            Canvas canvas(bits.pixels, static_cast<int>(bitmap_.width), static_cast<int>(bitmap_.height),
+                          bits.stride);
+            DrawTestPage(canvas, bitmap_.dpi,
                          {PaperLine(effective_), SettingValues(effective_),
                           std::string("orvexprint ") + kProductVersion, Today()});
             return;
         }
-        const fs::path& path = options_.pages[page];
-        PngReader reader = OpenPng(path);
-        const PagePlacing placing = PlacingOn(bitmap);
-        const PagePlace place = PlaceOf(path, reader.Size(), placing);
-        const std::string resampling = ResamplingText(reader.Size(), placing, place);
-        if (!resampling.empty()) notes_.Add(page + 1, "is " + resampling);
-        const ArtColors colors = ColorsOf(reader.Colors());
-        notes_.Add(page + 1, colors.note);
-        reader.ConvertColors(colors.toSrgb);
-        DrawPage(reader, placing, pixels, stride);
+        pages_.Open(page)->Draw(PlacingOn(bitmap_), bits,
+                                [&](const std::string& note) { notes_.Add(page + 1, note); });
     }
 
-    void Print(const DeviceMode& requested) {
+    // Returns the plan of the job; `copy` gets its pages and device modes as well if there is one.
+    JobPlan PlanOf(std::optional<SpoolWriter>& copy) {
+        return {.deviceMode = requested_,
+                .title = pages_.Title(),
+                .pages = pages_.Count(),
+                .draw =
+                    [&](size_t page, SURFOBJ& surface) {
+                        auto* const pixels = static_cast<uint32_t*>(surface.pvScan0);
+                        const PageBits bits = {pixels, static_cast<size_t>(surface.lDelta) / sizeof *pixels};
+                        Draw(page, bits);
+                        if (copy) copy->AddPage({bits, bitmap_.width, bitmap_.height, Dpi()});
+                    },
+                .reset =
+                    [&](size_t page) {
+                        const ByteSpan mode = pages_.ResetBefore(page);
+                        if (copy && !mode.empty()) copy->AddDeviceMode(mode);
+                        return mode;
+                    },
+                .onDevice =
+                    [&](const Device& device) {
+                        const SIZEL size = device.Surface()->sizlBitmap;
+                        bitmap_ = {static_cast<uint32_t>(size.cx), static_cast<uint32_t>(size.cy),
+                                   RasterOf(device).dpi};
+                    }};
+    }
+
+    uint32_t Dpi() const { return static_cast<uint32_t>(bitmap_.dpi); }
+
+    void CreateCopy(std::optional<SpoolWriter>& copy) const {
+        if (options_.saveSpool.empty()) return;
+        copy.emplace(options_.saveSpool, pages_.Title(), kCopyPort);
+        copy->AddDeviceMode(requested_);
+    }
+
+    void Print() {
         const auto begin = std::chrono::steady_clock::now();
+        pages_.LoadFonts();
         OutputFile output(options_.output);
+        std::optional<SpoolWriter> copy;
+        CreateCopy(copy);
         session_.SetSink([&](std::string_view bytes) { return output.Write(bytes); });
-        Progress progress(environment_.error, environment_.terminal, PageCount());
+        Progress progress(environment_.error, environment_.terminal, pages_.Count());
         session_.Engine().OnRow([&](const EnginePage& page, uint64_t number) {
             progress.Show(number, page.rowsTaken, page.blockRows);
         });
-        const JobOutcome outcome =
-            session_.RunJob({.deviceMode = BytesOf(requested),
-                             .title = JobTitle(options_),
-                             .pages = PageCount(),
-                             .draw = [&](size_t page, SURFOBJ& surface) { Draw(page, surface); }});
+        const JobOutcome outcome = session_.RunJob(PlanOf(copy));
         progress.Clear();
         output.CheckWrites();
         if (!outcome.Printed()) throw std::runtime_error("the job did not print: " + outcome.failure);
         output.Complete();
+        if (copy) copy->Complete();
+        pages_.SayLeftOut(environment_.error);
         notes_.Write(environment_.error);
         const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - begin;
         std::ostream& report = IsStandardOutput(options_.output) ? environment_.error : environment_.out;
@@ -214,8 +225,11 @@ class PrintRun {
     JobOptions options_;
     const PrintEnvironment& environment_;
     const fs::path installation_;
+    JobPages pages_{options_};
     DriverSession session_;
-    DeviceMode effective_ = {};
+    std::vector<uint8_t> requested_;  // the device mode as the driver gets it
+    DeviceMode effective_ = {};       // the same as the driver has it
+    PageRaster bitmap_ = {};          // of the device that pages are drawn for
     PageNotes notes_;
 };
 

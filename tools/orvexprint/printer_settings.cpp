@@ -148,10 +148,10 @@ DeviceMode PrinterSettings::Requested(const JobOptions& options) const {
     return mode;
 }
 
-DeviceMode PrinterSettings::Effective(const DeviceMode& requested) const {
+DeviceMode PrinterSettings::Effective(std::span<const uint8_t> requested) const {
     DeviceMode effective = defaults_;
-    DeviceMode source = requested;  // the merge may write to it
-    MergeDevMode(&effective, &source.pub, session_.PrinterHandle());
+    std::vector<uint8_t> source(requested.begin(), requested.end());  // the merge may write to it
+    MergeDevMode(&effective, reinterpret_cast<DEVMODEW*>(source.data()), session_.PrinterHandle());
     return effective;
 }
 

@@ -3,6 +3,8 @@
 // installation folder.
 #pragma once
 
+#include <cstdint>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -32,8 +34,9 @@ class PrinterSettings {
     // profile, and std::runtime_error for a file that is not a device mode.
     DeviceMode Requested(const JobOptions& options) const;
 
-    // Returns the device mode as the driver uses it: merged into the defaults and validated.
-    DeviceMode Effective(const DeviceMode& requested) const;
+    // Returns the device mode as the driver uses it: merged into the defaults and validated. It may have any
+    // size, but not less than its own fields say.
+    DeviceMode Effective(std::span<const uint8_t> requested) const;
 
   private:
     DriverSession& session_;

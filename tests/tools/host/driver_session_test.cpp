@@ -111,6 +111,55 @@ TEST_F(DriverSessionTest, EndsTheJobWhenAPageCannotBeDrawn) {
     EXPECT_TRUE(session.RunJob({}).Printed());
 }
 
+TEST_F(DriverSessionTest, ResetsTheDeviceBetweenPages) {
+    // A device mode with a byte beyond its own size, for which the driver must not look.
+    std::vector<uint8_t> mode(221, 0);
+    mode[68] = 220;  // dmSize
+    std::vector<const Device*> devices;
+    std::vector<size_t> sizes;
+    std::vector<HDEV> drawnOn;
+    const JobOutcome outcome = session.RunJob(
+        {.deviceMode = {},
+         .title = "t",
+         .pages = 3,
+         .draw = [&](size_t, SURFOBJ& surface) { drawnOn.push_back(surface.hdev); },
+         .reset =
+             [&](size_t page) {
+                 return page == 1 ? std::span<const uint8_t>(mode) : std::span<const uint8_t>();
+             },
+         .onDevice =
+             [&](const Device& device) {
+                 devices.push_back(&device);
+                 sizes.push_back(session.Graphics().LiveSurfaces());
+             }});
+    EXPECT_TRUE(outcome.Printed()) << outcome.failure;
+    EXPECT_EQ(outcome.pagesPrinted, 3u);
+    ASSERT_EQ(devices.size(), 2u);
+    ASSERT_EQ(drawnOn.size(), 3u);
+    EXPECT_NE(drawnOn[0], drawnOn[1]) << "a new device";
+    EXPECT_EQ(drawnOn[1], drawnOn[2]);
+    EXPECT_THAT(sizes, testing::ElementsAre(1u, 1u)) << "the old one is gone";
+    EXPECT_EQ(session.Engine().Books().jobsStarted, 1u);
+    EXPECT_EQ(session.Engine().Books().jobsEnded, 1u);
+    EXPECT_EQ(session.Engine().Books().pagesEnded, 3u);
+    EXPECT_EQ(session.Graphics().LiveSurfaces(), 0u);
+    EXPECT_EQ(session.Graphics().LivePalettes(), 0u);
+}
+
+TEST_F(DriverSessionTest, EndsTheJobWhenADeviceCannotBeReset) {
+    const std::vector<uint8_t> mode(220, 0);
+    const auto reset = [&](size_t page) {
+        if (page == 1) session.Graphics().FailCall(GraphicsService::kCreateBitmap);
+        return page == 1 ? std::span<const uint8_t>(mode) : std::span<const uint8_t>();
+    };
+    const JobOutcome outcome = session.RunJob({.pages = 2, .reset = reset});
+    EXPECT_EQ(outcome.failure, "the driver refused to reset the device (DrvResetPDEV)");
+    EXPECT_EQ(outcome.pagesPrinted, 1u);
+    EXPECT_FALSE(session.Engine().Bound());
+    EXPECT_EQ(session.Graphics().LiveSurfaces(), 0u);
+    EXPECT_EQ(session.Graphics().LivePalettes(), 0u);
+}
+
 TEST_F(DriverSessionTest, DisablesADeviceThatATestLeavesEnabled) {
     {
         const std::unique_ptr<Device> device = session.EnablePdev({});

@@ -9,6 +9,7 @@
 
 #ifndef _WIN32
 #include <sys/resource.h>
+#include <unistd.h>
 
 #include <csignal>
 #endif
@@ -198,6 +199,18 @@ TEST_F(OrvexPrintTest, ReportsAJobThatTheDriverRefuses) {
 }
 
 #ifndef _WIN32
+TEST_F(OrvexPrintTest, ReadsAPipeOnce) {
+    const std::string png = ReadBytes(PathFromUtf8(WritePage("a.png")));
+    int ends[2];
+    ASSERT_EQ(pipe(ends), 0);
+    ASSERT_EQ(write(ends[1], png.data(), png.size()), static_cast<ssize_t>(png.size()));
+    close(ends[1]);
+    EXPECT_EQ(Run({"--size", "30x40mm", "-o", Text("out.prn"), "/dev/fd/" + std::to_string(ends[0])}),
+              kExitPrinted)
+        << error;
+    close(ends[0]);
+}
+
 TEST_F(OrvexPrintTest, ReportsAFailedWrite) {
     rlimit before;
     getrlimit(RLIMIT_FSIZE, &before);
@@ -273,7 +286,7 @@ TEST_F(OrvexPrintTest, ShowsHelp) {
     EXPECT_EQ(RunPlain({"--help"}), 0);
     EXPECT_THAT(out, HasSubstr("Usage: orvexprint [options] -o FILE PAGE.png..."));
     EXPECT_EQ(RunPlain({}), kExitUsage);
-    EXPECT_EQ(error, "orvexprint: no pages: name PNG files, or ask for the --test-page\n");
+    EXPECT_EQ(error, "orvexprint: no pages: name PNG, EMF or spool files, or ask for the --test-page\n");
 }
 
 }  // namespace orvex::tools::print
