@@ -150,6 +150,39 @@ TEST_F(ProfileTool, BuildsAProfileFromAPrintersIccProfile) {
     EXPECT_THAT(Files(), testing::ElementsAre("swop.zvp"));
 }
 
+// Returns the numbers after each "mean " of the lines that tell a difference of colors.
+std::vector<double> MeanColorDifferences(const std::string& report) {
+    std::vector<double> means;
+    const std::string mark = "    mean ";
+    for (size_t place = report.find(mark); place != std::string::npos; place = report.find(mark, place + 1))
+        means.push_back(std::stod(report.substr(place + mark.size())));
+    return means;
+}
+
+TEST_F(ProfileTool, BuildReportsWhatTheDriversInksLookLike) {
+    EXPECT_EQ(Run({"build", "--help"}), 0);
+    EXPECT_THAT(out_, HasSubstr("dE2000"));
+    const std::vector<std::string> build = {"build", "--icc", kPrinterIcc, "-o", Path("swop.zvp")};
+    EXPECT_EQ(Run(build), 0) << err_;
+    EXPECT_THAT(out_,
+                HasSubstr("dE2000 of the driver's inks to the ICC profile's own inks, both as the profile "
+                          "predicts them:\n    mean 0."));
+    EXPECT_THAT(out_, testing::ContainsRegex(", 95 % within [0-9.]+, largest [0-9.]+ at #[0-9a-f]{6}\n"));
+    const std::vector<double> usual = MeanColorDifferences(out_);
+    ASSERT_EQ(usual.size(), 2u);
+    EXPECT_NEAR(usual[0], usual[1], 0.3) << "both variants print the same colours";
+
+    std::vector<std::string> scaled = build;
+    scaled.insert(scaled.end(), {"--scale-600", "40", "--scale-other", "80"});
+    EXPECT_EQ(Run(scaled), 0) << err_;
+    EXPECT_THAT(MeanColorDifferences(out_), testing::Each(testing::Gt(3))) << "a lighter print shows";
+
+    std::vector<std::string> limited = build;
+    limited.insert(limited.end(), {"--ink-limit", "150"});
+    EXPECT_EQ(Run(limited), 0) << err_;
+    EXPECT_THAT(MeanColorDifferences(out_), testing::Each(testing::Gt(usual[1] + 0.2)));
+}
+
 TEST_F(ProfileTool, BuildsOtherVersionsAndSaysWhatTheyLose) {
     EXPECT_EQ(Run({"build", "--icc", kPrinterIcc, "-o", Path("half.zvp"), "--version", "3"}), 0) << err_;
     EXPECT_EQ(LoadAccepted(Path("half.zvp"), PrintVariant::kOther).version, 3);
