@@ -19,6 +19,9 @@ constexpr cmsUInt32Number kInkPercents = TYPE_CMYK_FLT;
 constexpr cmsUInt32Number kLabColors = TYPE_Lab_DBL;
 static_assert(sizeof(LabColor) == sizeof(cmsCIELab));
 
+// Keeps the last color, since labels have large areas of one.
+constexpr cmsUInt32Number kExactWithCache = kExact & ~static_cast<cmsUInt32Number>(cmsFLAGS_NOCACHE);
+
 constexpr size_t kChunk = 4096;  // colors computed together, to bound the memory of their percents
 
 cmsCIELab AsLab(const LabColor& color) {
@@ -31,14 +34,14 @@ struct PredictedColors::Handles {
     PrinterIcc printer;
     OwnedTransform toLab;
     OwnedTransform toSrgb;
-    // Percent of full ink by amount.
-    std::array<float, 256> percent;
+    std::array<float, 256> percent;  // of full ink, by amount
+    uint32_t leastFull = 0;          // the least amount that is full ink
 
     OwnedTransform TransformTo(OwnedProfile colors, cmsUInt32Number format, PaperColor paper) const {
         const cmsUInt32Number intent =
             paper == PaperColor::kOwn ? INTENT_ABSOLUTE_COLORIMETRIC : INTENT_RELATIVE_COLORIMETRIC;
         OwnedTransform transform(cmsCreateTransformTHR(printer.Context(), printer.Profile(), kInkPercents,
-                                                       colors.get(), format, intent, kExact));
+                                                       colors.get(), format, intent, kExactWithCache));
         if (transform == nullptr) printer.Fail("no conversion from inks to colours");
         return transform;
     }
@@ -65,7 +68,8 @@ struct PredictedColors::Handles {
 };
 
 PredictedColors::PredictedColors(const std::filesystem::path& path, PrintVariant variant, PaperColor paper)
-    : handles_(new Handles{.printer = PrinterIcc(path), .toLab = nullptr, .toSrgb = nullptr, .percent = {}}) {
+    : handles_(new Handles{
+          .printer = PrinterIcc(path), .toLab = nullptr, .toSrgb = nullptr, .percent = {}, .leastFull = 0}) {
     const cmsContext context = handles_->printer.Context();
     handles_->toLab =
         handles_->TransformTo(OwnedProfile(cmsCreateLab4ProfileTHR(context, nullptr)), kLabColors, paper);
@@ -74,6 +78,7 @@ PredictedColors::PredictedColors(const std::filesystem::path& path, PrintVariant
     const InkModel model = InkModelOf(variant);
     for (uint32_t amount = 0; amount < handles_->percent.size(); ++amount)
         handles_->percent[amount] = 100 * model.Share(amount);
+    while (model.Share(handles_->leastFull) < 1) ++handles_->leastFull;
 }
 
 PredictedColors::~PredictedColors() = default;
@@ -86,6 +91,13 @@ std::vector<LabColor> PredictedColors::Lab(std::span<const InkValue> inks) const
 
 void PredictedColors::Srgb(std::span<const InkValue> inks, std::span<uint8_t> samples) const {
     handles_->Predict(handles_->toSrgb, inks, samples.data(), 3);
+}
+
+bool PredictedColors::IsBeyondFull(InkValue inks) const {
+    for (int ink = 0; ink < kInks; ++ink) {
+        if (InkAmount(inks, ink) > handles_->leastFull) return true;
+    }
+    return false;
 }
 
 double DifferenceOf(const LabColor& a, const LabColor& b) {

@@ -39,6 +39,9 @@ class PredictedColors {
     // Computes sRGB samples: red, green and blue for each ink value.
     void Srgb(std::span<const InkValue> inks, std::span<uint8_t> samples) const;
 
+    // Returns whether any amount is more than the profile's full ink, and so predicted as full.
+    bool IsBeyondFull(InkValue inks) const;
+
   private:
     struct Handles;
     std::unique_ptr<Handles> handles_;

@@ -1,6 +1,7 @@
 #include "tools/orvexprofile/value_checks.h"
 
 #include <algorithm>
+#include <map>
 
 #include "tools/common/number_text.h"
 #include "tools/common/printable_text.h"
@@ -46,6 +47,17 @@ CLI::Validator OneOf(const std::vector<std::string>& words) {
         return std::find(words.begin(), words.end(), text) != words.end();
     };
     return Check(allows, range);
+}
+
+void AddVariantOption(CLI::App& command, PrintVariant& variant) {
+    const std::map<std::string, PrintVariant> variants = {{"600", PrintVariant::kAt600},
+                                                          {"other", PrintVariant::kOther}};
+    command
+        .add_option_function<std::string>(
+            "--variant", [&variant, variants](const std::string& name) { variant = variants.at(name); },
+            "The variant of the profile: for 600 dpi, or for other resolutions (default)")
+        ->type_name("600|other")
+        ->check(OneOf({"600", "other"}));
 }
 
 }  // namespace orvex::tools::profile

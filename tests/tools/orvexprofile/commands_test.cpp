@@ -1,11 +1,5 @@
 #ifdef ORVEX_LITTLE_CMS
-#include "tools/orvexprofile/orvexprofile.h"
-
-#include <gmock/gmock.h>
-
-#include "tests/kit/scratch_folder.h"
-#include "tests/tools/orvexprofile/profile_samples.h"
-#include "tools/common/png_file.h"
+#include "tests/tools/orvexprofile/profile_tool_fixture.h"
 #include "tools/common/product_version.h"
 #include "tools/orvexprofile/ink_treatment.h"
 #include "tools/orvexprofile/loaded_profile.h"
@@ -23,53 +17,18 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 
-class ProfileTool : public testing::Test {
-  protected:
-    // Runs the tool and keeps its output and errors.
-    int Run(std::vector<std::string> arguments) {
-        std::ostringstream out, err;
-        const int status = RunProfileTool(std::move(arguments), out, err);
-        out_ = out.str();
-        err_ = err.str();
-        return status;
-    }
-    std::string Path(const std::string& name) const { return (scratch_.Path() / name).string(); }
-    std::string Sample(int version = 5) const {
-        const std::string path = Path("sample.zvp");
-        WriteProfileFile(SampleProfile(version), path);
-        return path;
-    }
-    std::string Picture() const {
-        tools::Picture picture(2, 1, 3);
-        picture.samples = {255, 255, 255, 255, 0, 0};
-        SavePng(picture, 96, Path("in.png"));
-        return Path("in.png");
-    }
-    std::vector<std::string> Files() const {
-        std::vector<std::string> names;
-        for (const auto& entry : std::filesystem::directory_iterator(scratch_.Path())) {
-            names.push_back(entry.path().filename().string());
-        }
-        return names;
-    }
-
-    ScratchFolder scratch_;
-    std::string out_;
-    std::string err_;
-};
-
 TEST_F(ProfileTool, NeedsACommand) {
     EXPECT_EQ(Run({}), 2);
     EXPECT_EQ(err_,
-              "orvexprofile: no command: name one of info, build, convert, apply or chart; --help shows what "
-              "there is\n");
+              "orvexprofile: no command: name one of info, build, convert, apply, proof or chart; --help "
+              "shows what there is\n");
     EXPECT_EQ(Run({"melt"}), 2);
     EXPECT_THAT(err_, HasSubstr("orvexprofile: \"melt\" is no command; it takes info, build, "));
     EXPECT_EQ(Run({"--version"}), 0);
     EXPECT_EQ(out_, std::string("orvexprofile ") + kProductVersion + "\n");
     EXPECT_EQ(Run({"--help"}), 0);
     EXPECT_THAT(out_, AllOf(HasSubstr("info"), HasSubstr("build"), HasSubstr("convert"), HasSubstr("apply"),
-                            HasSubstr("chart")));
+                            HasSubstr("proof"), HasSubstr("chart")));
 }
 
 TEST_F(ProfileTool, InfoShowsTheContentsOfAnAcceptedFile) {
