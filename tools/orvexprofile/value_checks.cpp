@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <map>
+#include <stdexcept>
 
 #include "tools/common/number_text.h"
 #include "tools/common/printable_text.h"
@@ -18,6 +19,20 @@ CLI::Validator Check(std::function<bool(const std::string&)> allows, const std::
         return "\"" + PrintableText(text, kShownBytes) + "\" is not allowed; it takes " + range;
     };
     return CLI::Validator(check, "");
+}
+
+// Parses the text of --resolution-codes: two numbers with a comma between them.
+ResolutionCodes ParseResolutionCodes(const std::string& text) {
+    const size_t comma = text.find(',');
+    const std::optional<int> other = ParseWhole(text.substr(0, comma));
+    const std::optional<int> at600 = comma < text.size() ? ParseWhole(text.substr(comma + 1)) : std::nullopt;
+    const auto fits = [](std::optional<int> code) { return code && *code >= -128 && *code <= 127; };
+    if (!fits(other) || !fits(at600)) {
+        throw std::invalid_argument(
+            "--resolution-codes: \"" + PrintableText(text) +
+            "\" is not allowed; it takes two numbers from -128 to 127 with a comma between them");
+    }
+    return {static_cast<int8_t>(*other), static_cast<int8_t>(*at600)};
 }
 
 }  // namespace
@@ -47,6 +62,15 @@ CLI::Validator OneOf(const std::vector<std::string>& words) {
         return std::find(words.begin(), words.end(), text) != words.end();
     };
     return Check(allows, range);
+}
+
+void AddResolutionCodesOption(CLI::App& command, std::optional<ResolutionCodes>& codes) {
+    command
+        .add_option_function<std::string>(
+            "--resolution-codes", [&codes](const std::string& text) { codes = ParseResolutionCodes(text); },
+            "The engine's codes for other resolutions and for 600 dpi, each -128 to 127 (default: the "
+            "driver's own)")
+        ->type_name("OTHER,600");
 }
 
 void AddVariantOption(CLI::App& command, PrintVariant& variant) {

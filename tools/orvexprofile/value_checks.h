@@ -1,4 +1,4 @@
-// Checks of the values of options, with messages that name the value and say what is allowed, and the option
+// Checks of the values of options, with messages that name the value and say what is allowed, and the options
 // that several commands have.
 #pragma once
 
@@ -15,6 +15,9 @@ CLI::Validator WholeFrom(int least, int most);
 
 // Returns a check for one of some words.
 CLI::Validator OneOf(const std::vector<std::string>& words);
+
+// Adds --resolution-codes, the print engine's codes that a profile gets.
+void AddResolutionCodesOption(CLI::App& command, std::optional<ResolutionCodes>& codes);
 
 // Adds --variant, which says which of a profile's two variants a picture shows.
 void AddVariantOption(CLI::App& command, PrintVariant& variant);

@@ -35,25 +35,11 @@ struct BuildOptions {
     RenderingIntent intent = RenderingIntent::kPerceptual;
     bool blackPointCompensation = false;
     std::string name;
-    std::string codes;
+    std::optional<ResolutionCodes> codes;
     InkTreatment treatment;
 };
 
 constexpr int kComparedStep = 5;  // between the component values at which the driver's answer is compared
-
-// Parses the text of --resolution-codes: two numbers with a comma between them.
-ResolutionCodes ParseResolutionCodes(const std::string& text) {
-    const size_t comma = text.find(',');
-    const std::optional<int> other = ParseWhole(text.substr(0, comma));
-    const std::optional<int> at600 = comma < text.size() ? ParseWhole(text.substr(comma + 1)) : std::nullopt;
-    const auto fits = [](std::optional<int> code) { return code && *code >= -128 && *code <= 127; };
-    if (!fits(other) || !fits(at600)) {
-        throw std::invalid_argument(
-            "--resolution-codes: \"" + PrintableText(text) +
-            "\" is not allowed; it takes two numbers from -128 to 127 with a comma between them");
-    }
-    return {static_cast<int8_t>(*other), static_cast<int8_t>(*at600)};
-}
 
 // A file in memory that has a path as long as it lives.
 class MemoryFile {
@@ -123,7 +109,7 @@ Profile BuildProfile(const BuildOptions& options, const IccProfile& icc) {
     const std::filesystem::path file = IsStandardOutput(options.output) ? options.icc : options.output;
     profile.name = options.name.empty() ? file.stem().string() : options.name;
     CheckProfileName(*profile.name);
-    if (!options.codes.empty()) profile.codes = ParseResolutionCodes(options.codes);
+    profile.codes = options.codes;
     FillVariants(profile, icc.Source(), options.treatment);
     return profile;
 }
@@ -199,11 +185,7 @@ void AddTagOptions(CLI::App& command, BuildOptions& options) {
             "The profile's name, 1 to 511 ASCII characters (default: the file's name, or that of the ICC "
             "profile if there is no file)")
         ->type_name("TEXT");
-    command
-        .add_option("--resolution-codes", options.codes,
-                    "The engine's codes for other resolutions and for 600 dpi, each -128 to 127 (default: "
-                    "the driver's own)")
-        ->type_name("OTHER,600");
+    AddResolutionCodesOption(command, options.codes);
 }
 
 void AddTreatmentOptions(CLI::App& command, InkTreatment& treatment) {

@@ -20,15 +20,15 @@ using testing::Not;
 TEST_F(ProfileTool, NeedsACommand) {
     EXPECT_EQ(Run({}), 2);
     EXPECT_EQ(err_,
-              "orvexprofile: no command: name one of info, build, convert, apply, proof or chart; --help "
-              "shows what there is\n");
+              "orvexprofile: no command: name one of info, build, convert, apply, proof, chart or target; "
+              "--help shows what there is\n");
     EXPECT_EQ(Run({"melt"}), 2);
     EXPECT_THAT(err_, HasSubstr("orvexprofile: \"melt\" is no command; it takes info, build, "));
     EXPECT_EQ(Run({"--version"}), 0);
     EXPECT_EQ(out_, std::string("orvexprofile ") + kProductVersion + "\n");
     EXPECT_EQ(Run({"--help"}), 0);
     EXPECT_THAT(out_, AllOf(HasSubstr("info"), HasSubstr("build"), HasSubstr("convert"), HasSubstr("apply"),
-                            HasSubstr("proof"), HasSubstr("chart")));
+                            HasSubstr("proof"), HasSubstr("chart"), HasSubstr("target")));
 }
 
 TEST_F(ProfileTool, InfoShowsTheContentsOfAnAcceptedFile) {
@@ -292,6 +292,7 @@ TEST_F(ProfileTool, WritesOnlyTheFileToStandardOutput) {
         {{"build", "--icc", kPrinterIcc, "--name", "a", "-o"}, Path("a.zvp")},
         {{"chart", sample, "-o"}, Path("a.png")},
         {{"apply", picture}, Path("a.png")},
+        {{"proof", picture, "--icc", kPrinterIcc, "-o"}, Path("a.png")},
     };
     for (const auto& [command, file] : commands) {
         std::vector<std::string> arguments = command;
