@@ -130,6 +130,7 @@ TEST_F(ProfileTool, BuildReportsWhatTheDriversInksLookLike) {
     const std::vector<double> usual = MeanColorDifferences(out_);
     ASSERT_EQ(usual.size(), 2u);
     EXPECT_NEAR(usual[0], usual[1], 0.3) << "both variants print the same colours";
+    EXPECT_THAT(usual, testing::Each(testing::Gt(0.1))) << "the loss of the grid shows";
 
     std::vector<std::string> scaled = build;
     scaled.insert(scaled.end(), {"--scale-600", "40", "--scale-other", "80"});
