@@ -58,10 +58,11 @@ bool IsWrittenPicture(const std::filesystem::path& path) {
 
 struct PngWriter::Deflater {
     Deflater() {
-        // Filtered lines of pages are runs. Looking for longer matches, too, made the files of labels a quarter smaller and
-        // took half as long again.
+        // Filtered lines of pages are runs. Looking for longer matches, too, made the files of labels a
+        // quarter smaller and took half as long again.
         constexpr int kMostBits = 15, kUsualMemory = 8;
-        if (deflateInit2(&stream, Z_DEFAULT_COMPRESSION, Z_DEFLATED, kMostBits, kUsualMemory, Z_RLE) != Z_OK) {
+        if (deflateInit2(&stream, Z_DEFAULT_COMPRESSION, Z_DEFLATED, kMostBits, kUsualMemory, Z_RLE) !=
+            Z_OK) {
             throw std::bad_alloc();
         }
     }
