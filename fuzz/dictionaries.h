@@ -30,6 +30,7 @@ inline constexpr FuzzDictionary kDictionaries[] = {
      "\"\\\"black_density\\\":\"\n\"\\\"black_start\\\":\"\n\"\\\"ink_limit\\\":\"\n\"\\\"scale\\\":{\"\n"
      "\"\\\"resolution_codes\\\":{\"\n\"\\\"600\\\":\"\n\"\\\"other\\\":\"\n\"\\\"comment\\\":"
      "\"\n\"1e308\"\n\"0.2\"\n"},
+    {"registry", "\"[DevMode]\"\n\"\\\"DevMode\\\"=\"\n\"hex:\"\n\"hex(3):\"\n\",\\x5C\\x0D\\x0A  \"\n"},
     {"icc",
      "\"acsp\"\n\"CMYK\"\n\"prtr\"\n\"Lab \"\n\"XYZ \"\n\"B2A0\"\n\"A2B0\"\n\"mft1\"\n\"mft2\"\n\"mBA "
      "\"\n\"mAB \"\n"

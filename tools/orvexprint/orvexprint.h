@@ -30,6 +30,11 @@ struct PrintEnvironment {
 // The installation beside the program.
 constexpr char kInstallationFolder[] = "install";
 
+// Returns the installation folder, that beside the program unless one is given. Throws std::runtime_error if
+// it is not there.
+std::filesystem::path FindInstallation(const std::filesystem::path& given,
+                                       const PrintEnvironment& environment);
+
 // Returns the print engine's library: the installation's own, or else the one beside the program.
 std::filesystem::path EngineFile(const std::filesystem::path& installation,
                                  const std::filesystem::path& programFolder);
