@@ -30,7 +30,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr char kEngineFile[] = "hpcrlib.dll";
 constexpr char kReadPastTheEnd[] =
     "orvexprint: the driver read past the end of the device mode, which has fewer bytes than it says\n";
 constexpr char kCopyPort[] = "FILE:";  // of a spool file that is written
@@ -235,19 +234,6 @@ class PrintRun {
 };
 
 }  // namespace
-
-fs::path FindInstallation(const fs::path& given, const PrintEnvironment& environment) {
-    const fs::path folder = given.empty() ? environment.programFolder / kInstallationFolder : given;
-    std::error_code failure;
-    if (fs::is_directory(folder, failure)) return folder;
-    throw std::runtime_error("the installation folder " + Utf8FromPath(folder) + " is not there");
-}
-
-fs::path EngineFile(const fs::path& installation, const fs::path& programFolder) {
-    std::error_code failure;
-    const fs::path installed = installation / kEngineFile;
-    return fs::is_regular_file(installed, failure) ? installed : programFolder / kEngineFile;
-}
 
 int RunOrvexPrint(const std::vector<std::string>& arguments, const PrintEnvironment& environment) {
     const auto complain = [&](const std::exception& error, int status) {
