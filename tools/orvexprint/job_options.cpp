@@ -17,7 +17,7 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr char kDescription[] =
-    "Prints PNG pages through the Orvex Series driver and writes what the printer would get into a file.\n";
+    "Prints pages through the Orvex Series driver and writes what the printer would get into a file.\n";
 constexpr char kExamples[] = R"(Examples:
   orvexprint -o label.prn label.png
       prints a page at its real size, on a label as large as the page
@@ -74,11 +74,11 @@ void AddSetting(CLI::App& app, const Setting& setting) {
 void AddPageOptions(CLI::App& app) {
     app.add_option("PAGE")
         ->description(
-            "PNG files and enhanced metafiles (EMF, drawn by GDI, in the Windows build alone), a page each, "
-            "printed in that order at their real size; - is standard input. Pages of the job's resolution "
-            "are "
-            "never resampled, and the command says which others are. Or a spool file of Windows with "
-            "metafiles (data type NT EMF), which is a whole job with its own settings. " +
+            "PNG, JPEG, BMP and GIF files and enhanced metafiles (EMF, drawn by GDI, in the Windows build "
+            "alone), a page each, printed in that order at their real size; - is standard input. JPEGs are "
+            "turned as their EXIF data say. Pages of the job's resolution are never resampled, and the "
+            "command says which others are. Or a spool file of Windows with metafiles (data type NT EMF), "
+            "which is a whole job with its own settings. " +
             std::string(kColorsHelp))
         ->type_name("FILE")
         ->expected(1, -1)
@@ -241,7 +241,7 @@ void CheckTask(const JobOptions& options) {
         options.dryRun || options.list || (!options.saveMode.empty() && !options.HasPages());
     if (onlyLooks) return;
     if (!options.HasPages())
-        throw OptionError("no pages: name PNG, EMF or spool files, or ask for the --test-page");
+        throw OptionError("no pages: name pictures, EMF or spool files, or ask for the --test-page");
     if (options.output.empty()) throw OptionError("no output: name a file with -o FILE");
 }
 
