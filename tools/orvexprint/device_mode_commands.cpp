@@ -43,27 +43,25 @@ constexpr const char* kExamples =
     "compared.";
 
 struct CommandOptions {
-    fs::path shown;
-    std::vector<fs::path> compared;
+    std::vector<fs::path> files;  // one to show, or two to compare
     fs::path installation;
     fs::path printerData;
+
+    bool Compares() const { return files.size() == 2; }
 };
 
 // Returns nothing when the arguments ask for help.
 std::optional<CommandOptions> ReadOptions(const std::vector<std::string>& arguments, std::ostream& out) {
-    std::string shown, installation, printerData;
-    std::vector<std::string> compared;
+    std::string installation, printerData;
+    std::vector<std::string> files;
     CLI::App app(kDescription, "orvexprint");
     app.allow_windows_style_options(false);
     app.formatter(std::make_shared<HelpFormat>("--show-devmode FILE | --compare-devmode A B"));
     app.footer(kExamples);
-    CLI::Option* const show =
-        app.add_option(kShow, shown, "Shows the device modes of this file, field by field")
-            ->type_name("FILE");
-    app.add_option(kCompare, compared, "Compares two device modes")
-        ->type_name("A B")
-        ->expected(2)
-        ->excludes(show);
+    CLI::Option* const show = app.add_flag(kShow)->description("Shows the device modes of a file");
+    CLI::Option* const compare =
+        app.add_flag(kCompare)->description("Compares two device modes")->excludes(show);
+    app.add_option("FILE", files, "The device mode, or the two to compare")->type_name("")->required();
     app.add_option("--install", installation, "The installation folder; default: install beside orvexprint")
         ->type_name("DIR");
     app.add_option("--printer-data", printerData,
@@ -77,11 +75,15 @@ std::optional<CommandOptions> ReadOptions(const std::vector<std::string>& argume
     } catch (const CLI::ParseError& error) {
         throw OptionError(std::string(error.what()) + "; --show-devmode --help shows what there is");
     }
+    if (files.size() != (compare->count() > 0 ? 2u : 1u)) {
+        throw OptionError(compare->count() > 0 ? "--compare-devmode takes two files"
+                                               : "--show-devmode takes one file");
+    }
     const auto path = [](const std::string& text) {
         return text.empty() ? fs::path() : AbsolutePath(PathFromUtf8(text));
     };
-    CommandOptions options = {path(shown), {}, path(installation), path(printerData)};
-    for (const std::string& each : compared) options.compared.push_back(path(each));
+    CommandOptions options = {{}, path(installation), path(printerData)};
+    for (const std::string& each : files) options.files.push_back(path(each));
     return options;
 }
 
@@ -152,7 +154,7 @@ void WriteStory(const DeviceModeStory& story, std::ostream& out) {
 }
 
 void Show(const CommandOptions& options, const PrintEnvironment& environment) {
-    const std::vector<StoredDeviceMode> modes = ReadDeviceModes(options.shown);
+    const std::vector<StoredDeviceMode> modes = ReadDeviceModes(options.files[0]);
     const fs::path installation = FindInstallation(options.installation, environment);
     DriverSession session({.driver = environment.driver,
                            .installation = installation,
@@ -161,7 +163,7 @@ void Show(const CommandOptions& options, const PrintEnvironment& environment) {
     const PrinterSettings settings(session);
     std::ostream& out = environment.out;
     for (size_t i = 0; i < modes.size(); ++i) {
-        out << (i == 0 ? "" : "\n") << Utf8FromPath(options.shown);
+        out << (i == 0 ? "" : "\n") << Utf8FromPath(options.files[0]);
         if (modes.size() > 1) out << "#" << i + 1;
         out << ": " << modes[i].where << (modes[i].where.empty() ? "" : ": ");
         WriteSizes(modes[i].bytes, out);
@@ -170,8 +172,8 @@ void Show(const CommandOptions& options, const PrintEnvironment& environment) {
 }
 
 int Compare(const CommandOptions& options, std::ostream& out) {
-    const fs::path& a = options.compared[0];
-    const fs::path& b = options.compared[1];
+    const fs::path& a = options.files[0];
+    const fs::path& b = options.files[1];
     const std::vector<uint8_t> bytesOfA = ReadDeviceMode(a).bytes, bytesOfB = ReadDeviceMode(b).bytes;
     if (bytesOfA == bytesOfB) {
         out << "the same, " << GroupedNumber(bytesOfA.size()) << " bytes\n";
@@ -201,16 +203,14 @@ int Compare(const CommandOptions& options, std::ostream& out) {
 }  // namespace
 
 bool IsDeviceModeCommand(const std::vector<std::string>& arguments) {
-    return std::any_of(arguments.begin(), arguments.end(), [](const std::string& argument) {
-        const std::string option = argument.substr(0, argument.find('='));
-        return option == kShow || option == kCompare;
-    });
+    return std::any_of(arguments.begin(), arguments.end(),
+                       [](const std::string& argument) { return argument == kShow || argument == kCompare; });
 }
 
 int RunDeviceModeCommand(const std::vector<std::string>& arguments, const PrintEnvironment& environment) {
     const std::optional<CommandOptions> options = ReadOptions(arguments, environment.out);
     if (!options) return kExitPrinted;
-    if (options->compared.empty()) {
+    if (!options->Compares()) {
         Show(*options, environment);
         return kExitPrinted;
     }

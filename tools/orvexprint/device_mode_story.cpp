@@ -61,6 +61,7 @@ class Steps {
   public:
     Steps(ByteSpan bytes, const PrinterSettings& settings)
         : stored_(bytes),
+          declared_(WithDeclaredSize(bytes)),
           printers_(settings.Defaults()),
           merged_(printers_),
           ifAllWereMarked_(printers_),
@@ -95,6 +96,8 @@ class Steps {
     std::string Origin(const DeviceModeField& field) const {
         const size_t there = stored_.BytesOf(field);
         if (!AreSame(stored_.Values(), given_, field)) return "the record names none: kept from the printer";
+        if (there < declared_.BytesOf(field))
+            return "missing, though the record says that it has it: zero is assumed";
         if (there == 0) return "past the end of the record: kept from the printer";
         if (there < field.size) return "cut by the end of the record: the rest is the printer's";
         if (AreSame(merged_, stored_.Values(), field)) return {};
@@ -118,6 +121,7 @@ class Steps {
     }
 
     StoredRecord stored_;
+    StoredRecord declared_;       // with all bytes that it says to have
     DeviceMode printers_;         // the defaults
     DeviceMode given_;            // the record after the printer's choices were written into it
     DeviceMode merged_;           // the defaults with what the record marks

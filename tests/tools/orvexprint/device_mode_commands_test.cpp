@@ -135,7 +135,7 @@ TEST_F(DeviceModeCommandTest, ShowsRecordsThatTheDriverRefusesOrOverruns) {
     EXPECT_THAT(out,
                 HasSubstr("500 bytes, dmSize 220 and dmDriverExtra 696: it says that it has 916, and the "
                           "driver reads past its end\n"));
-    EXPECT_EQ(Shown("phHOffset"), "- 0 past the end of the record: kept from the printer");
+    EXPECT_EQ(Shown("phHOffset"), "- 0 missing, though the record says that it has it: zero is assumed");
     Show("few");
     EXPECT_THAT(out, HasSubstr("3 bytes, which end before dmDriverExtra: the driver reads past them\n"));
 }
@@ -188,7 +188,13 @@ TEST_F(DeviceModeCommandTest, SaysThatDeviceModesCantBeCompared) {
     EXPECT_EQ(error, "orvexprint: " + job + " holds 2 device modes; name one, \"" + job + "#1\" to \"" + job +
                          "#2\", as --show-devmode lists them\n");
     EXPECT_EQ(Run({"--compare-devmode", a}), kExitUsage);
-    EXPECT_THAT(error, HasSubstr("--show-devmode --help"));
+    EXPECT_EQ(error, "orvexprint: --compare-devmode takes two files\n");
+    EXPECT_EQ(Run({"--show-devmode", a, a}), kExitUsage);
+    EXPECT_EQ(error, "orvexprint: --show-devmode takes one file\n");
+    EXPECT_EQ(Run({"--show-devmode"}), kExitUsage);
+    EXPECT_THAT(error, HasSubstr("--show-devmode --help shows what there is"));
+    RunWell({"--show-devmode", "--help"});
+    EXPECT_THAT(out, HasSubstr("Exit status of --compare-devmode: 0 when both are the same"));
 }
 
 TEST_F(DeviceModeCommandTest, LoadsDeviceModesOutOfOtherFiles) {
