@@ -20,7 +20,8 @@ target_compile_options(lodepng PRIVATE -w)
 set(ZLIB_USE_STATIC_LIBS ON)
 find_package(ZLIB REQUIRED)
 
-# libspng, which reads PNG files row by row, with zlib. Pages are decoded in every build, so it is always optimized.
+# libspng, which reads and writes PNG files row by row, with zlib. Pages are decoded in every build, so it is always
+# optimized.
 orvex_fetch(spng)
 add_library(spng STATIC ${spng_source}/spng.c)
 target_include_directories(spng SYSTEM PUBLIC ${spng_source})

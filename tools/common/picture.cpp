@@ -14,6 +14,10 @@ Reducer::Reducer(uint32_t width, uint32_t height, uint32_t channels, uint32_t sc
       picture_((width + scale - 1) / scale, (height + scale - 1) / scale, channels) {}
 
 void Reducer::TakeLine() {
+    if (scale_ == 1) {
+        std::copy(line_.begin(), line_.end(), picture_.At(0, linesTaken_++));
+        return;
+    }
     for (size_t i = 0; i < line_.size(); ++i) sums_[i] += line_[i];
     ++linesTaken_;
     ++linesInGroup_;

@@ -70,7 +70,7 @@ std::string LinuxName(const fs::path& path) {
 }  // namespace
 
 fs::path AbsolutePath(const fs::path& given) {
-    const fs::path absolute = fs::absolute(given);
+    fs::path absolute = fs::absolute(given);
     GivenPaths()[absolute] = given;
     return absolute;
 }

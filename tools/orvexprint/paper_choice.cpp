@@ -154,6 +154,7 @@ void ChooseLabel(DeviceMode& mode, std::string_view name, const std::vector<Labe
     const LabelSize* const label = FindLabel(name, labels);
     if (label == nullptr) {
         std::vector<std::string> names;
+        names.reserve(labels.size());
         for (const LabelSize& each : labels) names.push_back(NameOf(each));
         throw WrongValue("--label", name,
                          names.empty() ? "the labels of the printer, which has none"

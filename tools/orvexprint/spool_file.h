@@ -39,7 +39,7 @@ constexpr size_t kSpoolRecordHead = 8;          // bytes of a record before its 
     ROW(20, EMRI_PS_JOB_DATA)      \
     ROW(21, EMRI_EMBED_FONT_EXT)
 
-#define SPOOL_RECORD_ID(id, name) name = id,
+#define SPOOL_RECORD_ID(id, name) name = (id),
 enum SpoolRecordId : uint32_t { SPOOL_RECORDS(SPOOL_RECORD_ID) };
 #undef SPOOL_RECORD_ID
 

@@ -245,7 +245,8 @@ void DrawSettings(Sheet& sheet, double y, const TestPageText& text) {
     const auto perColumn = static_cast<size_t>(lay.perColumn);
     const size_t shown = std::min(lay.lines.size(), perColumn * static_cast<size_t>(lay.columns));
     for (size_t i = 0; i < shown; ++i) {
-        const double x = left + static_cast<double>(i / perColumn) * lay.column;
+        const size_t column = i / perColumn;
+        const double x = left + static_cast<double>(column) * lay.column;
         const double lineTop = top + static_cast<double>(i % perColumn) * sheet.TextLineMm();
         sheet.Text(x, lineTop, lay.lines[i].name);
         sheet.Text(x + lay.names, lineTop, lay.lines[i].value);

@@ -13,6 +13,8 @@ void AddInfoCommand(CLI::App& app, std::ostream& out);
 void AddBuildCommand(CLI::App& app, std::ostream& out, std::ostream& err);
 void AddConvertCommand(CLI::App& app, std::ostream& out, std::ostream& err);
 void AddApplyCommand(CLI::App& app, std::ostream& out, std::ostream& err);
+void AddProofCommand(CLI::App& app, std::ostream& out, std::ostream& err);
+void AddTargetCommand(CLI::App& app, std::ostream& out);
 void AddChartCommand(CLI::App& app, std::ostream& out, std::ostream& err);
 
 }  // namespace orvex::tools::profile

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <iomanip>
 #include <sstream>
-#include <string>
 
 #include "driver/color/ink.h"
 #include "tools/common/number_text.h"
@@ -24,12 +23,6 @@ uint32_t ColorOfEntry(int version, size_t entry) {
 
 constexpr int kNumberWidth = 9;
 
-std::string HexColor(uint32_t color) {
-    std::ostringstream text;
-    text << '#' << std::hex << std::setw(6) << std::setfill('0') << color;
-    return text.str();
-}
-
 std::string ShownInks(uint32_t inks) {
     std::string text;
     for (int ink = 0; ink < kInks; ++ink) {
@@ -48,6 +41,12 @@ void Row(std::ostream& out, char letter, const Figures&... figures) {
 }
 
 }  // namespace
+
+std::string HexColor(uint32_t color) {
+    std::ostringstream text;
+    text << '#' << std::hex << std::setw(6) << std::setfill('0') << color;
+    return text.str();
+}
 
 InkStatistics MeasureInks(int version, const Variant& variant) {
     InkStatistics statistics;

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <ostream>
 #include <span>
+#include <string>
 #include <string_view>
 
 #include "tools/orvexprofile/ink_treatment.h"
@@ -41,6 +42,9 @@ struct InkDifference {
 
 // Compares two lists of ink values of the same length.
 InkDifference CompareInks(std::span<const uint32_t> expected, std::span<const uint32_t> found);
+
+// Returns a color as "#rrggbb".
+std::string HexColor(uint32_t color);
 
 // Writes a line for each ink with its least, most and mean amount, one for the largest total, and one for
 // each thing that is wrong.

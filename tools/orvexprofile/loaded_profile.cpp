@@ -120,6 +120,14 @@ void LoadGenericIntoDriver(PrintVariant variant) {
                      nullptr, 0);
 }
 
+void LoadForPrint(const std::filesystem::path& path, PrintVariant variant) {
+    if (path.empty()) {
+        LoadGenericIntoDriver(variant);
+    } else {
+        LoadAccepted(path, variant);
+    }
+}
+
 Variant LoadedEntries(int version) {
     const int steps = LayoutOf(version).steps;
     Variant entries;

@@ -47,6 +47,9 @@ ProfileFacts LoadAccepted(const std::filesystem::path& path, PrintVariant varian
 // Loads the conversion that the driver prints through when a job names no profile.
 void LoadGenericIntoDriver(PrintVariant variant);
 
+// Loads what a job prints through: the file, as LoadAccepted does, or that conversion if `path` is empty.
+void LoadForPrint(const std::filesystem::path& path, PrintVariant variant);
+
 // Returns the entries that the loaded profile of this version stores, in the order of a Variant.
 Variant LoadedEntries(int version);
 

@@ -18,14 +18,16 @@ constexpr const char* kExamples =
     "  orvexprofile build --icc printer.icc -o satin.zvp --name Satin --ink-limit 240\n"
     "  orvexprofile convert satin.zvp -o satin1.zvp --version 1\n"
     "  orvexprofile apply photo.png print.png --profile satin.zvp\n"
+    "  orvexprofile proof photo.png --profile satin.zvp --icc printer.icc --paper -o proof.png\n"
     "  orvexprofile chart satin.zvp -o satin.png\n"
+    "  orvexprofile target -o target\n"
     "\n"
     "The output - is standard output, and what a command says goes to standard error then.\n"
     "orvexprofile COMMAND --help tells the options of a command.";
 
 constexpr int kExitFailed = 1;
 constexpr int kExitUsage = 2;
-constexpr const char* kCommands = "info, build, convert, apply or chart";
+constexpr const char* kCommands = "info, build, convert, apply, proof, chart or target";
 
 // Returns what is wrong with the command line, in words.
 std::string UsageProblem(const CLI::App& app, const std::vector<std::string>& arguments,
@@ -48,7 +50,9 @@ int RunProfileTool(const std::vector<std::string>& arguments, std::ostream& out,
     AddBuildCommand(app, out, err);
     AddConvertCommand(app, out, err);
     AddApplyCommand(app, out, err);
+    AddProofCommand(app, out, err);
     AddChartCommand(app, out, err);
+    AddTargetCommand(app, out);
     app.footer(kExamples);
     app.set_version_flag("--version", std::string("orvexprofile ") + kProductVersion, "Shows the version");
     const auto complain = [&err](const std::string& problem, int status) {

@@ -2,7 +2,6 @@
 // orvexprofile apply IN.png OUT.png... shows a picture as the driver would print it;
 // orvexprofile chart FILE draws a whole profile.
 #include <algorithm>
-#include <map>
 #include <memory>
 #include <stdexcept>
 #include <vector>
@@ -18,18 +17,6 @@
 namespace orvex::tools::profile {
 
 namespace {
-
-// Adds --variant, which says which of the profile's two variants a picture shows.
-void AddVariantOption(CLI::App& command, PrintVariant& variant) {
-    const std::map<std::string, PrintVariant> variants = {{"600", PrintVariant::kAt600},
-                                                          {"other", PrintVariant::kOther}};
-    command
-        .add_option_function<std::string>(
-            "--variant", [&variant, variants](const std::string& name) { variant = variants.at(name); },
-            "The variant of the profile: for 600 dpi, or for other resolutions (default)")
-        ->type_name("600|other")
-        ->check(OneOf({"600", "other"}));
-}
 
 struct ApplyOptions {
     std::string picture;
@@ -63,11 +50,7 @@ void Apply(const ApplyOptions& options, std::ostream& out, std::ostream& err) {
     RefuseSharedFiles(
         outputs, std::vector<NamedFile>{{"the picture", options.picture}, {"--profile", options.profile}});
     const RasterImage picture = LoadPng(options.picture);
-    if (options.profile.empty()) {
-        LoadGenericIntoDriver(options.variant);
-    } else {
-        LoadAccepted(options.profile, options.variant);
-    }
+    LoadForPrint(options.profile, options.variant);
     const InkPictures print = PrintPicture(picture, options.variant);
     SavePng(print.composite, print.pixelsPerInch, names[0]);
     for (size_t i = 1; i < names.size(); ++i) SavePng(print.inks[i - 1], print.pixelsPerInch, names[i]);

@@ -112,12 +112,16 @@ InkModel InkModelOf(PrintVariant variant) {
     return InkModel(variant == PrintVariant::kAt600 ? 600 : 300);
 }
 
+double PixelsPerInchOf(const std::optional<PixelDensity>& density) {
+    return density ? density->x * kMetersPerInch : kUsualPixelsPerInch;
+}
+
 InkPictures PrintPicture(const RasterImage& picture, PrintVariant variant) {
     const InkModel model = InkModelOf(variant);
     InkPictures print;
     print.composite = Picture(picture.width, picture.height, 3);
     for (Picture& ink : print.inks) ink = Picture(picture.width, picture.height, 1);
-    print.pixelsPerInch = picture.density ? picture.density->x * kMetersPerInch : kUsualPixelsPerInch;
+    print.pixelsPerInch = PixelsPerInchOf(picture.density);
     const size_t pixels = size_t{picture.width} * picture.height;
     for (size_t i = 0; i < pixels; ++i) {
         const uint32_t inks = LookupColor(picture.pixels[i]);

@@ -7,6 +7,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string_view>
 
 #include "driver/color/ink.h"
@@ -18,6 +19,9 @@ namespace orvex::tools::profile {
 
 // Returns the model by which a preview shows a variant: full ink is 255, and half of that at 600 dpi.
 InkModel InkModelOf(PrintVariant variant);
+
+// Returns the resolution of a picture made from one of this density.
+double PixelsPerInchOf(const std::optional<PixelDensity>& density);
 
 struct InkPictures {
     Picture composite;                // in color, on white paper

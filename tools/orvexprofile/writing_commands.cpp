@@ -4,6 +4,7 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <fstream>
 #include <memory>
@@ -19,6 +20,7 @@
 #include "tools/orvexprofile/ink_statistics.h"
 #include "tools/orvexprofile/ink_treatment.h"
 #include "tools/orvexprofile/loaded_profile.h"
+#include "tools/orvexprofile/predicted_colors.h"
 #include "tools/orvexprofile/profile_writer.h"
 #include "tools/orvexprofile/value_checks.h"
 
@@ -33,25 +35,11 @@ struct BuildOptions {
     RenderingIntent intent = RenderingIntent::kPerceptual;
     bool blackPointCompensation = false;
     std::string name;
-    std::string codes;
+    std::optional<ResolutionCodes> codes;
     InkTreatment treatment;
 };
 
 constexpr int kComparedStep = 5;  // between the component values at which the driver's answer is compared
-
-// Parses the text of --resolution-codes: two numbers with a comma between them.
-ResolutionCodes ParseResolutionCodes(const std::string& text) {
-    const size_t comma = text.find(',');
-    const std::optional<int> other = ParseWhole(text.substr(0, comma));
-    const std::optional<int> at600 = comma < text.size() ? ParseWhole(text.substr(comma + 1)) : std::nullopt;
-    const auto fits = [](std::optional<int> code) { return code && *code >= -128 && *code <= 127; };
-    if (!fits(other) || !fits(at600)) {
-        throw std::invalid_argument(
-            "--resolution-codes: \"" + PrintableText(text) +
-            "\" is not allowed; it takes two numbers from -128 to 127 with a comma between them");
-    }
-    return {static_cast<int8_t>(*other), static_cast<int8_t>(*at600)};
-}
 
 // A file in memory that has a path as long as it lives.
 class MemoryFile {
@@ -102,29 +90,52 @@ class AcceptedProfile {
     const MemoryFile file_;
 };
 
+// The ICC profile's own inks for the compared colors, at 100 percent and without limit, and the colors that
+// it predicts for them.
+struct IccAnswers {
+    std::vector<uint32_t> colors = ColorsEvery(kComparedStep);
+    std::vector<InkValue> inks;
+    std::vector<LabColor> lab;
+
+    IccAnswers(const IccProfile& icc, const std::filesystem::path& path) : inks(colors.size()) {
+        icc.Convert(colors, inks);
+        lab = PredictedColors(path, PrintVariant::kOther, PaperColor::kWhite).Lab(inks);
+    }
+};
+
 Profile BuildProfile(const BuildOptions& options, const IccProfile& icc) {
     Profile profile;
     profile.version = options.version;
     const std::filesystem::path file = IsStandardOutput(options.output) ? options.icc : options.output;
     profile.name = options.name.empty() ? file.stem().string() : options.name;
     CheckProfileName(*profile.name);
-    if (!options.codes.empty()) profile.codes = ParseResolutionCodes(options.codes);
+    profile.codes = options.codes;
     FillVariants(profile, icc.Source(), options.treatment);
     return profile;
 }
 
 // Reports how far the driver's answers through the profile at `path` are from those of the ICC profile
-// itself.
+// itself: the inks from those that it gives after limit and scale, the colors from those of its own inks. So
+// the colors also tell what limit and scale cost.
 void ReportAccuracy(std::ostream& report, const std::filesystem::path& path, const BuildOptions& options,
-                    const IccProfile& icc, PrintVariant variant) {
+                    const IccAnswers& icc, PrintVariant variant) {
     const double scale =
         variant == PrintVariant::kAt600 ? options.treatment.scaleAt600 : options.treatment.scaleOther;
-    const std::vector<uint32_t> colors = ColorsEvery(kComparedStep);
-    std::vector<uint32_t> wanted(colors.size());
-    Treated(icc.Source(), options.treatment.limit, scale)(colors, wanted);
+    std::vector<uint32_t> wanted(icc.colors.size());
+    const InkSource answers = [&icc](std::span<const uint32_t>, std::span<uint32_t> inks) {
+        std::copy(icc.inks.begin(), icc.inks.end(), inks.begin());
+    };
+    Treated(answers, options.treatment.limit, scale)(icc.colors, wanted);
     LoadIntoDriver(path, variant);
-    ReportDifference(report, "Driver against ICC, " + NameOf(variant),
-                     CompareInks(wanted, PrintedInks(colors)));
+    const std::vector<uint32_t> printed = PrintedInks(icc.colors);
+    ReportDifference(report, "Driver against ICC, " + NameOf(variant), CompareInks(wanted, printed));
+    const ColorDifference difference =
+        CompareColors(icc.lab, PredictedColors(options.icc, variant, PaperColor::kWhite).Lab(printed));
+    report << "    dE2000 of the driver's inks to the ICC profile's own inks, both as the profile predicts "
+              "them:\n    mean "
+           << DecimalText(difference.mean, 2) << ", 95 % within " << DecimalText(difference.most95, 2)
+           << ", largest " << DecimalText(difference.largest, 2) << " at "
+           << HexColor(icc.colors[difference.largestAt]) << '\n';
 }
 
 void Build(const BuildOptions& options, std::ostream& report) {
@@ -135,7 +146,9 @@ void Build(const BuildOptions& options, std::ostream& report) {
     const Profile profile = BuildProfile(options, icc);
     const AcceptedProfile accepted(profile);
     accepted.Write(options.output, report);
-    for (PrintVariant variant : kBothVariants) ReportAccuracy(report, accepted.Path(), options, icc, variant);
+    const IccAnswers answers(icc, options.icc);
+    for (PrintVariant variant : kBothVariants)
+        ReportAccuracy(report, accepted.Path(), options, answers, variant);
 }
 
 const std::map<std::string, RenderingIntent> kIntents = {
@@ -172,11 +185,7 @@ void AddTagOptions(CLI::App& command, BuildOptions& options) {
             "The profile's name, 1 to 511 ASCII characters (default: the file's name, or that of the ICC "
             "profile if there is no file)")
         ->type_name("TEXT");
-    command
-        .add_option("--resolution-codes", options.codes,
-                    "The engine's codes for other resolutions and for 600 dpi, each -128 to 127 (default: "
-                    "the driver's own)")
-        ->type_name("OTHER,600");
+    AddResolutionCodesOption(command, options.codes);
 }
 
 void AddTreatmentOptions(CLI::App& command, InkTreatment& treatment) {
@@ -231,6 +240,10 @@ void AddBuildCommand(CLI::App& app, std::ostream& out, std::ostream& err) {
     AddSourceOptions(*command, options);
     AddTagOptions(*command, *options);
     AddTreatmentOptions(*command, options->treatment);
+    command->footer(
+        "Tells in the end how far the driver's inks are from those of the ICC profile, and the dE2000 "
+        "between\n"
+        "the colours that the ICC profile predicts for the driver's inks and for its own, without limit.");
     command->callback(
         [&out, &err, options] { Build(*options, IsStandardOutput(options->output) ? err : out); });
 }

@@ -43,6 +43,7 @@ class PngWriter {
     std::unique_ptr<Deflater> deflater_;
     uint32_t channels_;
     std::vector<uint8_t> above_;                    // the line before
+    std::vector<uint8_t> repeated_;                 // a line that is the same as the one before, filtered
     std::vector<std::vector<uint8_t>> candidates_;  // the line in each filter, after the filter's number
     std::vector<uint8_t> compressed_;               // the data of a chunk
 };

@@ -40,8 +40,8 @@ class LogSwitchTest : public testing::Test {
 }  // namespace
 
 TEST_F(LogSwitchTest, TurnsTheLogOnForThisProgramAndLeavesNoFile) {
-    const size_t before = Files();
     EXPECT_FALSE(DriverLogs());
+    const size_t before = Files();
     {
         const LogSwitch log(driver_, 3);
         EXPECT_TRUE(DriverLogs());

@@ -11,9 +11,6 @@
 
 namespace orvex::tools::print {
 
-using testing::Each;
-using testing::ElementsAre;
-
 namespace {
 
 // Reads back bars: runs of modules, nine of which make a character.

@@ -1,11 +1,5 @@
 #ifdef ORVEX_LITTLE_CMS
-#include "tools/orvexprofile/orvexprofile.h"
-
-#include <gmock/gmock.h>
-
-#include "tests/kit/scratch_folder.h"
-#include "tests/tools/orvexprofile/profile_samples.h"
-#include "tools/common/png_file.h"
+#include "tests/tools/orvexprofile/profile_tool_fixture.h"
 #include "tools/common/product_version.h"
 #include "tools/orvexprofile/ink_treatment.h"
 #include "tools/orvexprofile/loaded_profile.h"
@@ -23,53 +17,18 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 
-class ProfileTool : public testing::Test {
-  protected:
-    // Runs the tool and keeps its output and errors.
-    int Run(std::vector<std::string> arguments) {
-        std::ostringstream out, err;
-        const int status = RunProfileTool(std::move(arguments), out, err);
-        out_ = out.str();
-        err_ = err.str();
-        return status;
-    }
-    std::string Path(const std::string& name) const { return (scratch_.Path() / name).string(); }
-    std::string Sample(int version = 5) const {
-        const std::string path = Path("sample.zvp");
-        WriteProfileFile(SampleProfile(version), path);
-        return path;
-    }
-    std::string Picture() const {
-        tools::Picture picture(2, 1, 3);
-        picture.samples = {255, 255, 255, 255, 0, 0};
-        SavePng(picture, 96, Path("in.png"));
-        return Path("in.png");
-    }
-    std::vector<std::string> Files() const {
-        std::vector<std::string> names;
-        for (const auto& entry : std::filesystem::directory_iterator(scratch_.Path())) {
-            names.push_back(entry.path().filename().string());
-        }
-        return names;
-    }
-
-    ScratchFolder scratch_;
-    std::string out_;
-    std::string err_;
-};
-
 TEST_F(ProfileTool, NeedsACommand) {
     EXPECT_EQ(Run({}), 2);
     EXPECT_EQ(err_,
-              "orvexprofile: no command: name one of info, build, convert, apply or chart; --help shows what "
-              "there is\n");
+              "orvexprofile: no command: name one of info, build, convert, apply, proof, chart or target; "
+              "--help shows what there is\n");
     EXPECT_EQ(Run({"melt"}), 2);
     EXPECT_THAT(err_, HasSubstr("orvexprofile: \"melt\" is no command; it takes info, build, "));
     EXPECT_EQ(Run({"--version"}), 0);
     EXPECT_EQ(out_, std::string("orvexprofile ") + kProductVersion + "\n");
     EXPECT_EQ(Run({"--help"}), 0);
     EXPECT_THAT(out_, AllOf(HasSubstr("info"), HasSubstr("build"), HasSubstr("convert"), HasSubstr("apply"),
-                            HasSubstr("chart")));
+                            HasSubstr("proof"), HasSubstr("chart"), HasSubstr("target")));
 }
 
 TEST_F(ProfileTool, InfoShowsTheContentsOfAnAcceptedFile) {
@@ -148,6 +107,40 @@ TEST_F(ProfileTool, BuildsAProfileFromAPrintersIccProfile) {
     LoadAccepted(Path("swop.zvp"), PrintVariant::kAt600);
     EXPECT_NEAR(TotalInk(LookupColor(0)), TotalInk(black) * 40 / 90.0, 3);
     EXPECT_THAT(Files(), testing::ElementsAre("swop.zvp"));
+}
+
+// Returns the numbers after each "mean " of the lines that tell a difference of colors.
+std::vector<double> MeanColorDifferences(const std::string& report) {
+    std::vector<double> means;
+    const std::string mark = "    mean ";
+    for (size_t place = report.find(mark); place != std::string::npos; place = report.find(mark, place + 1))
+        means.push_back(std::stod(report.substr(place + mark.size())));
+    return means;
+}
+
+TEST_F(ProfileTool, BuildReportsWhatTheDriversInksLookLike) {
+    EXPECT_EQ(Run({"build", "--help"}), 0);
+    EXPECT_THAT(out_, HasSubstr("dE2000"));
+    const std::vector<std::string> build = {"build", "--icc", kPrinterIcc, "-o", Path("swop.zvp")};
+    EXPECT_EQ(Run(build), 0) << err_;
+    EXPECT_THAT(out_,
+                HasSubstr("dE2000 of the driver's inks to the ICC profile's own inks, both as the profile "
+                          "predicts them:\n    mean 0."));
+    EXPECT_THAT(out_, testing::ContainsRegex(", 95 % within [0-9.]+, largest [0-9.]+ at #[0-9a-f]{6}\n"));
+    const std::vector<double> usual = MeanColorDifferences(out_);
+    ASSERT_EQ(usual.size(), 2u);
+    EXPECT_NEAR(usual[0], usual[1], 0.3) << "both variants print the same colours";
+    EXPECT_THAT(usual, testing::Each(testing::Gt(0.1))) << "the loss of the grid shows";
+
+    std::vector<std::string> scaled = build;
+    scaled.insert(scaled.end(), {"--scale-600", "40", "--scale-other", "80"});
+    EXPECT_EQ(Run(scaled), 0) << err_;
+    EXPECT_THAT(MeanColorDifferences(out_), testing::Each(testing::Gt(3))) << "a lighter print shows";
+
+    std::vector<std::string> limited = build;
+    limited.insert(limited.end(), {"--ink-limit", "150"});
+    EXPECT_EQ(Run(limited), 0) << err_;
+    EXPECT_THAT(MeanColorDifferences(out_), testing::Each(testing::Gt(usual[1] + 0.2)));
 }
 
 TEST_F(ProfileTool, BuildsOtherVersionsAndSaysWhatTheyLose) {
@@ -300,6 +293,7 @@ TEST_F(ProfileTool, WritesOnlyTheFileToStandardOutput) {
         {{"build", "--icc", kPrinterIcc, "--name", "a", "-o"}, Path("a.zvp")},
         {{"chart", sample, "-o"}, Path("a.png")},
         {{"apply", picture}, Path("a.png")},
+        {{"proof", picture, "--icc", kPrinterIcc, "-o"}, Path("a.png")},
     };
     for (const auto& [command, file] : commands) {
         std::vector<std::string> arguments = command;
