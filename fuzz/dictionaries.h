@@ -30,6 +30,11 @@ inline constexpr FuzzDictionary kDictionaries[] = {
      "\"\\\"black_density\\\":\"\n\"\\\"black_start\\\":\"\n\"\\\"ink_limit\\\":\"\n\"\\\"scale\\\":{\"\n"
      "\"\\\"resolution_codes\\\":{\"\n\"\\\"600\\\":\"\n\"\\\"other\\\":\"\n\"\\\"comment\\\":"
      "\"\n\"1e308\"\n\"0.2\"\n"},
+    {"picture",
+     "\"\\xFF\\xD8\\xFF\\xE0\"\n\"JFIF\"\n\"Exif\\x00\\x00MM\\x00\"\n\"\\xFF\\xDA\"\n\"\\xFF\\xC2\"\n\"\\xFF"
+     "\\xD9\"\n"
+     "\"GIF89a\"\n\"\\x21\\xF9\\x04\"\n\"BM\"\n\"ICC_PROFILE\\x00\"\n"},
+    {"registry", "\"[DevMode]\"\n\"\\\"DevMode\\\"=\"\n\"hex:\"\n\"hex(3):\"\n\",\\x5C\\x0D\\x0A  \"\n"},
     {"icc",
      "\"acsp\"\n\"CMYK\"\n\"prtr\"\n\"Lab \"\n\"XYZ \"\n\"B2A0\"\n\"A2B0\"\n\"mft1\"\n\"mft2\"\n\"mBA "
      "\"\n\"mAB \"\n"

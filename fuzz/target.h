@@ -45,6 +45,8 @@ const FuzzTarget* FindFuzzTarget(std::string_view name);
     ROW(recipe, Recipe)                  /* recipes of color profiles */          \
     ROW(spool_file, SpoolFile)           /* spool files and shadow files */       \
     ROW(placement, Placement)            /* a picture's place on a page */        \
+    ROW(picture, Picture)                /* JPEG, BMP and GIF files */            \
+    ROW(registry, Registry)              /* device modes in registry exports */   \
     ICC_FUZZ_TARGET(ROW)                 /* ICC profiles of printers */
 
 #define DECLARE_FUZZ_TARGET(name, function)              \

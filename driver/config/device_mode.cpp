@@ -18,21 +18,6 @@ static_assert(
     }() == sizeof(PrivateDevMode),
     "a field has no row");
 
-bool IsValid(const ValidValues& values, int32_t number) {
-    if (values.list == nullptr) return number >= values.least && number <= values.most;
-    const int16_t* end = values.list + values.listed;
-    return std::find(values.list, end, number) != end;
-}
-
-// Returns the number in a field of that type.
-int64_t ReadNumber(const DeviceMode& record, const DeviceModeField& field) {
-    uint32_t bits = 0;
-    memcpy(&bits, reinterpret_cast<const BYTE*>(&record) + field.offset, field.size);
-    if (field.type == FieldType::kUnsigned) return bits;
-    const int unused = 32 - static_cast<int>(field.size) * 8;
-    return static_cast<int32_t>(bits << unused) >> unused;
-}
-
 LogArgument Shown(const DeviceMode& record, const DeviceModeField& field) {
     const BYTE* at = reinterpret_cast<const BYTE*>(&record) + field.offset;
     if (field.type == FieldType::kText) {
@@ -94,6 +79,20 @@ void StoreDevMode(DEVMODEW* record, const DeviceMode& values) {
     memcpy(const_cast<void*>(PrivatePart(record)), &values.priv,
            std::min(PrivateSize(record), sizeof values.priv));
     memcpy(static_cast<void*>(record), &values.pub, std::min<size_t>(record->dmSize, sizeof values.pub));
+}
+
+int64_t ReadNumber(const DeviceMode& record, const DeviceModeField& field) {
+    uint32_t bits = 0;
+    memcpy(&bits, reinterpret_cast<const BYTE*>(&record) + field.offset, field.size);
+    if (field.type == FieldType::kUnsigned) return bits;
+    const int unused = 32 - static_cast<int>(field.size) * 8;
+    return static_cast<int32_t>(bits << unused) >> unused;
+}
+
+bool IsValid(const ValidValues& values, int32_t number) {
+    if (values.list == nullptr) return number >= values.least && number <= values.most;
+    const int16_t* end = values.list + values.listed;
+    return std::find(values.list, end, number) != end;
 }
 
 void ForceValid(DeviceMode* record, const DeviceModeField& field) {

@@ -170,6 +170,15 @@ inline constexpr DeviceModeField kPublicFields[] = {
     PUBLIC_FIELD(dmCollate, "%d"),
     PUBLIC_FIELD(dmScale, nullptr, Always(100)),
     PUBLIC_FIELD(dmDuplex, nullptr, Always(DMDUP_SIMPLEX)),
+    PUBLIC_FIELD(dmSpecVersion, nullptr),
+    PUBLIC_FIELD(dmDefaultSource, nullptr),
+    PUBLIC_FIELD(dmTTOption, nullptr),
+    PUBLIC_FIELD(dmFormName, nullptr),
+    PUBLIC_FIELD(dmNup, nullptr),
+    PUBLIC_FIELD(dmICMMethod, nullptr),
+    PUBLIC_FIELD(dmICMIntent, nullptr),
+    PUBLIC_FIELD(dmMediaType, nullptr),
+    PUBLIC_FIELD(dmDitherType, nullptr),
 };
 
 // Rows in the order of the dump. Deliberate: it is not the order of storage, and printSetting is not shown.
@@ -234,6 +243,12 @@ DeviceMode LoadDevMode(const DEVMODEW* record);
 
 // Writes `values` back to the record that they were loaded from, as far as it reaches.
 void StoreDevMode(DEVMODEW* record, const DeviceMode& values);
+
+// Returns the number in a field, which is not a text.
+int64_t ReadNumber(const DeviceMode& record, const DeviceModeField& field);
+
+// Returns whether the number is one of the values.
+bool IsValid(const ValidValues& values, int32_t number);
 
 // Replaces the number in a field that must not have it. Texts and unsigned numbers may have any value.
 void ForceValid(DeviceMode* record, const DeviceModeField& field);

@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <csignal>
+#include <cstring>
 
 #ifdef _WIN32
 #include <io.h>
@@ -36,7 +37,22 @@ void RemoveGuardedFiles() {
     }
 }
 
+std::atomic<const char*> faultMessage = nullptr;
+constexpr int kFaulted = 1;
+
 #ifdef _WIN32
+
+LPTOP_LEVEL_EXCEPTION_FILTER filterBefore = nullptr;
+
+LONG WINAPI EndWithMessage(EXCEPTION_POINTERS*) {
+    const char* const message = faultMessage;
+    DWORD written = 0;
+    WriteFile(GetStdHandle(STD_ERROR_HANDLE), message, static_cast<DWORD>(strlen(message)), &written,
+              nullptr);
+    RemoveGuardedFiles();
+    TerminateProcess(GetCurrentProcess(), kFaulted);
+    return EXCEPTION_EXECUTE_HANDLER;
+}
 
 // Runs in a thread of its own.
 BOOL WINAPI EndProgram(DWORD) {
@@ -47,6 +63,15 @@ BOOL WINAPI EndProgram(DWORD) {
 }
 
 #else
+
+struct sigaction actionBefore = {};
+
+void EndWithMessage(int) {
+    const char* const message = faultMessage;
+    [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, message, strlen(message));
+    RemoveGuardedFiles();
+    _exit(kFaulted);
+}
 
 void EndProgram(int number) {
     RemoveGuardedFiles();
@@ -82,6 +107,25 @@ RemovedOnInterrupt::~RemovedOnInterrupt() {
     if (place_ < 0) return;
     guarded[place_].name = nullptr;
     guarded[place_].taken = false;
+}
+
+FaultMessage::FaultMessage(const char* message) {
+    faultMessage = message;
+#ifdef _WIN32
+    filterBefore = SetUnhandledExceptionFilter(&EndWithMessage);
+#else
+    struct sigaction action = {};
+    action.sa_handler = &EndWithMessage;
+    sigaction(SIGSEGV, &action, &actionBefore);
+#endif
+}
+
+FaultMessage::~FaultMessage() {
+#ifdef _WIN32
+    SetUnhandledExceptionFilter(filterBefore);
+#else
+    sigaction(SIGSEGV, &actionBefore, nullptr);
+#endif
 }
 
 }  // namespace orvex::tools

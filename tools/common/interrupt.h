@@ -24,4 +24,15 @@ class RemovedOnInterrupt {
     int place_ = -1;
 };
 
+// Makes an access of memory that is not there, while this exists, end the program with a message and the
+// status 1 instead of a crash. Guarded files are removed.
+class FaultMessage {
+  public:
+    // `message` must outlive this.
+    explicit FaultMessage(const char* message);
+    ~FaultMessage();
+    FaultMessage(const FaultMessage&) = delete;
+    FaultMessage& operator=(const FaultMessage&) = delete;
+};
+
 }  // namespace orvex::tools

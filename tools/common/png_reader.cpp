@@ -17,7 +17,6 @@ constexpr uint32_t kMaxSide = 200'000;  // bounds a row, whatever the picture's 
 constexpr size_t kMaxChunkBytes = size_t{16} << 20;
 constexpr size_t kMaxChunksBytes = size_t{32} << 20;
 constexpr uint8_t kUnitMeter = 1;  // of pHYs
-constexpr uint32_t kOpaque = 255;
 
 constexpr size_t kStartBytes = 4096;  // of an SVG, in which its first tag is looked for
 
@@ -25,18 +24,6 @@ int ReadBytes(spng_ctx*, void* user, void* bytes, size_t size) {
     auto& file = *static_cast<std::istream*>(user);
     if (file.read(static_cast<char*>(bytes), static_cast<std::streamsize>(size))) return 0;
     return file.bad() ? SPNG_IO_ERROR : SPNG_IO_EOF;
-}
-
-// Mixes a channel's value with white; an `alpha` of 255 keeps the value.
-uint32_t OverWhite(uint32_t value, uint32_t alpha) {
-    return (value * alpha + 255 * (255 - alpha) + 127) / 255;
-}
-
-uint32_t OnLabel(uint32_t argb) {
-    const uint32_t alpha = argb >> 24;
-    if (alpha == kOpaque) return argb & 0xFFFFFF;
-    return OverWhite(argb >> 16 & 0xFF, alpha) << 16 | OverWhite(argb >> 8 & 0xFF, alpha) << 8 |
-           OverWhite(argb & 0xFF, alpha);
 }
 
 // Returns 0xAARRGGBB for the bytes R, G, B, A, read as a number.

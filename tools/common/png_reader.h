@@ -2,49 +2,22 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <istream>
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
-#include "tools/common/picture.h"
+#include "tools/common/picture_reader.h"
 
 struct spng_ctx;
 
 namespace orvex::tools {
 
-// A point of the CIE 1931 chromaticity diagram.
-struct Chromaticity {
-    double x;
-    double y;
-};
-
-struct RgbPrimaries {
-    Chromaticity white;
-    Chromaticity red;
-    Chromaticity green;
-    Chromaticity blue;
-};
-
-// What a file says about its colors; all empty if it does not say anything.
-struct EmbeddedColors {
-    bool srgb = false;                  // marked as sRGB, which outranks gamma and primaries
-    std::vector<uint8_t> profile = {};  // ICC, which outranks all others
-    bool grayFile = false;              // the file's pixels are gray, and so is a profile that fits them
-    std::optional<double> gamma = std::nullopt;  // exponent of the encoding, such as 1 / 2.2
-    std::optional<RgbPrimaries> primaries = std::nullopt;
-};
-
 // A PNG of any color type, read from its beginning. Transparent parts show the white of the label. Takes the
 // memory of a few rows. An interlaced file whose rows are read one by one is decoded once for each window of
 // rows, since any row needs most of the file. All errors are PageError and begin with the name.
-class PngReader {
+class PngReader : public PictureReader {
   public:
-    // Converts the colors of `count` pixels 0xAARRGGBB in place.
-    using ColorConversion = std::function<void(uint32_t* pixels, size_t count)>;
-
     // Pixels of an interlaced file's window: 64 MiB.
     static constexpr size_t kWindowPixels = size_t{16} << 20;
 
@@ -54,15 +27,11 @@ class PngReader {
     PngReader(std::unique_ptr<std::istream> file, const std::string& name,
               size_t windowPixels = kWindowPixels);
 
-    PictureSize Size() const { return size_; }
-    EmbeddedColors Colors() const;
-    void ConvertColors(ColorConversion conversion) { conversion_ = std::move(conversion); }
+    EmbeddedColors Colors() const override;
 
-    // Reads the next row, Size().width pixels 0x00RRGGBB. Reading the last row also checks the rest of the
-    // file.
-    void ReadRow(uint32_t* pixels);
-    // Reads all rows; `stride` is the number of pixels from row to row.
-    void ReadAll(uint32_t* pixels, size_t stride);
+    // Reading the last row also checks the rest of the file.
+    void ReadRow(uint32_t* pixels) override;
+    void ReadAll(uint32_t* pixels, size_t stride) override;
 
   private:
     struct Closer {
@@ -87,8 +56,6 @@ class PngReader {
     std::unique_ptr<std::istream> file_;
     std::string prefix_;  // of messages
     std::unique_ptr<spng_ctx, Closer> png_;
-    PictureSize size_;
-    ColorConversion conversion_;
     uint32_t channels_ = 4;  // of the decoded samples: 1, 3 or 4
     bool interlaced_ = false;
     uint32_t nextRow_ = 0;

@@ -47,7 +47,7 @@ struct ProfileCloser {
 using Profile = std::unique_ptr<void, ProfileCloser>;
 
 // Returns whether the conversion changes colors by no more than its own rounding.
-bool KeepsColors(const PngReader::ColorConversion& convert) {
+bool KeepsColors(const PictureReader::ColorConversion& convert) {
     constexpr uint32_t kStep = 51;
     constexpr int kRounding = 2;
     for (uint32_t color = 0; color < 6 * 6 * 6; ++color) {
@@ -77,7 +77,7 @@ ArtColors FromProfile(const Profile& profile, bool grayFile) {
             if (made != nullptr) cmsDeleteTransform(made);
         });
     if (!transform) return {nullptr, kIgnored};
-    const PngReader::ColorConversion convert = [transform](uint32_t* pixels, size_t count) {
+    const PictureReader::ColorConversion convert = [transform](uint32_t* pixels, size_t count) {
         cmsDoTransform(transform.get(), pixels, pixels, static_cast<cmsUInt32Number>(count));
     };
     // A gray profile is judged by its grays alone.

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "tools/common/png_reader.h"
+#include "tools/common/picture_reader.h"
 
 namespace orvex::tools::print {
 
@@ -11,7 +11,7 @@ namespace orvex::tools::print {
 extern const char kColorsHelp[];
 
 struct ArtColors {
-    PngReader::ColorConversion toSrgb = nullptr;  // null if the colors are printed as they are
+    PictureReader::ColorConversion toSrgb = nullptr;  // null if the colors are printed as they are
     std::string note = {};  // "has a color profile, which is ignored: ..."; empty if nothing is ignored
 };
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/orvexprint/orvexprint.h"
+#include "tools/orvexprint/print_environment.h"
 
 namespace orvex::tools::print {
 

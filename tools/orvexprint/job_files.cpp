@@ -4,8 +4,8 @@
 
 #include "tools/common/whole_file.h"
 #include "tools/common/wide_text.h"
+#include "tools/orvexprint/device_mode_file.h"
 #include "tools/orvexprint/page_source.h"
-#include "tools/orvexprint/printer_settings.h"
 #include "tools/orvexprint/spool_file.h"
 
 namespace orvex::tools::print {
@@ -24,7 +24,7 @@ bool IsPrintFile(const fs::path& path) {
 
 bool IsDeviceMode(const fs::path& path) {
     try {
-        LoadDeviceMode(path);
+        AsDriversOwn(ReadWholeFile(path), "");
         return true;
     } catch (const std::runtime_error&) {
         return false;
@@ -61,8 +61,9 @@ void MakeAbsolute(JobOptions& options) {
 }
 
 void CheckOutputs(const JobOptions& options) {
-    std::vector<NamedFile> inputs = {
-        {"--load-devmode", options.loadMode}, {"--engine", options.engine}, {"--shd", options.shadow}};
+    std::vector<NamedFile> inputs = {{"--load-devmode", FileOfDeviceMode(options.loadMode)},
+                                     {"--engine", options.engine},
+                                     {"--shd", options.shadow}};
     for (const fs::path& page : options.pages) inputs.push_back({"the page", page});
     std::error_code ignored;
     const std::string profile = options.profile.value_or("");

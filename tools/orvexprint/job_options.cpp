@@ -17,7 +17,7 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr char kDescription[] =
-    "Prints PNG pages through the Orvex Series driver and writes what the printer would get into a file.\n";
+    "Prints pages through the Orvex Series driver and writes what the printer would get into a file.\n";
 constexpr char kExamples[] = R"(Examples:
   orvexprint -o label.prn label.png
       prints a page at its real size, on a label as large as the page
@@ -31,6 +31,10 @@ constexpr char kExamples[] = R"(Examples:
       replays a job that the spooler of Windows kept, with its own settings
   orvexprint --test-page --log trace -o test.prn
       prints the self-test page, and writes a trace of the job to the driver's log
+  orvexprint --show-devmode printer.reg
+      shows a device mode field by field, and what the driver makes of it and why
+  orvexprint --compare-devmode before.bin job.shd
+      shows the fields in which two device modes differ
   orvexprint --check
       checks whether the installation is sound; --check --help tells more
 )";
@@ -70,11 +74,11 @@ void AddSetting(CLI::App& app, const Setting& setting) {
 void AddPageOptions(CLI::App& app) {
     app.add_option("PAGE")
         ->description(
-            "PNG files and enhanced metafiles (EMF, drawn by GDI, in the Windows build alone), a page each, "
-            "printed in that order at their real size; - is standard input. Pages of the job's resolution "
-            "are "
-            "never resampled, and the command says which others are. Or a spool file of Windows with "
-            "metafiles (data type NT EMF), which is a whole job with its own settings. " +
+            "PNG, JPEG, BMP and GIF files and enhanced metafiles (EMF, drawn by GDI, in the Windows build "
+            "alone), a page each, printed in that order at their real size; - is standard input. JPEGs are "
+            "turned as their EXIF data say. Pages of the job's resolution are never resampled, and the "
+            "command says which others are. Or a spool file of Windows with metafiles (data type NT EMF), "
+            "which is a whole job with its own settings. " +
             std::string(kColorsHelp))
         ->type_name("FILE")
         ->expected(1, -1)
@@ -114,7 +118,11 @@ void AddOutputOptions(CLI::App& app) {
     Add(app, "--title", "NAME", kOutput, "name of the job (default: the name of the first page)");
     AddFlag(app, "--dry-run", kOutput, "show the settings and the page's place, and print nothing");
     AddFlag(app, "--list", kOutput, "list the printer's labels and colour profiles");
-    Add(app, "--load-devmode", "FILE", kOutput, "start from the settings of a device mode file (916 bytes)");
+    Add(app, "--load-devmode", "FILE", kOutput,
+        "start from the settings of a device mode: a file of its 916 bytes, a spool file, a shadow file or a "
+        "registry export; FILE#2 is the second one of such a file");
+    AddFlag(app, "--as-is", kOutput,
+            "hand that device mode to the driver as it is stored: any bytes, in memory that ends with them");
     Add(app, "--save-devmode", "FILE", kOutput, "write the job's settings to such a file");
     Add(app, "--save-spl", "FILE", kOutput,
         "write the job to a spool file as well, with its pages as they were drawn; it prints the same again");
@@ -219,6 +227,13 @@ void CheckTask(const JobOptions& options) {
     if (options.sizeOfPage && options.pages.empty()) {
         throw OptionError("--size page takes the size from the first page, and there is none");
     }
+    const bool changed =
+        options.size || options.sizeOfPage || options.label || options.profile || !options.settings.empty();
+    if (options.asIs && (options.loadMode.empty() || changed)) {
+        throw OptionError(
+            "--as-is hands over the device mode of --load-devmode as it is stored; give that, and leave out "
+            "--size, --label, --profile and all settings");
+    }
     if (!options.shadow.empty() && options.pages.size() != 1) {
         throw OptionError("--shd belongs to a spool file; name that file, and no other");
     }
@@ -226,7 +241,7 @@ void CheckTask(const JobOptions& options) {
         options.dryRun || options.list || (!options.saveMode.empty() && !options.HasPages());
     if (onlyLooks) return;
     if (!options.HasPages())
-        throw OptionError("no pages: name PNG, EMF or spool files, or ask for the --test-page");
+        throw OptionError("no pages: name pictures, EMF or spool files, or ask for the --test-page");
     if (options.output.empty()) throw OptionError("no output: name a file with -o FILE");
 }
 
@@ -268,6 +283,7 @@ std::optional<JobOptions> ParseJobOptions(const std::vector<std::string>& argume
     options.force = app.count("--force") > 0;
     options.strict = app.count("--strict") > 0;
     options.dryRun = app.count("--dry-run") > 0;
+    options.asIs = app.count("--as-is") > 0;
     options.list = app.count("--list") > 0;
     ReadPaths(app, options);
     ReadWords(app, options);

@@ -40,6 +40,7 @@ struct JobOptions {
 
     // The device mode: the file to start from (empty: the printer's defaults), and the changes to it.
     std::filesystem::path loadMode;
+    bool asIs = false;  // the loaded device mode goes to the driver as it is stored, whatever it holds
     std::filesystem::path saveMode;
     std::optional<PaperSize> size;
     bool sizeOfPage = false;  // the label is as large as the first page

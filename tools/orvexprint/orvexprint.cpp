@@ -4,11 +4,14 @@
 #include <new>
 #include <stdexcept>
 
+#include "tools/common/interrupt.h"
 #include "tools/common/number_text.h"
 #include "tools/common/product_version.h"
 #include "tools/common/whole_file.h"
 #include "tools/common/wide_text.h"
 #include "tools/host/driver_session.h"
+#include "tools/orvexprint/device_mode_commands.h"
+#include "tools/orvexprint/device_mode_file.h"
 #include "tools/orvexprint/installation_check.h"
 #include "tools/orvexprint/job_files.h"
 #include "tools/orvexprint/job_options.h"
@@ -27,16 +30,9 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr char kEngineFile[] = "hpcrlib.dll";
+constexpr char kReadPastTheEnd[] =
+    "orvexprint: the driver read past the end of the device mode, which has fewer bytes than it says\n";
 constexpr char kCopyPort[] = "FILE:";  // of a spool file that is written
-
-fs::path FindInstallation(const JobOptions& options, const PrintEnvironment& environment) {
-    fs::path folder =
-        options.installation.empty() ? environment.programFolder / kInstallationFolder : options.installation;
-    std::error_code failure;
-    if (fs::is_directory(folder, failure)) return folder;
-    throw std::runtime_error("the installation folder " + Utf8FromPath(folder) + " is not there");
-}
 
 EngineSource FindEngine(const JobOptions& options, const PrintEnvironment& environment,
                         const fs::path& installation) {
@@ -82,6 +78,8 @@ class PrintRun {
     }
 
     void Run() {
+        std::optional<FaultMessage> onFault;
+        if (options_.asIs) onFault.emplace(kReadPastTheEnd);
         if (options_.logMask != 0) session_.RereadLogSwitch();
         const PrinterSettings settings(session_);
         if (!options_.printerData.empty()) session_.Printer().data.Save(options_.printerData);
@@ -104,10 +102,12 @@ class PrintRun {
     }
 
   private:
-    // Returns the device mode that is passed to the driver: that of a spool file as it is stored.
+    // Returns the device mode that is passed to the driver: that of a spool file, and one with --as-is, as it
+    // is stored.
     std::vector<uint8_t> RequestedMode(const PrinterSettings& settings) {
         const ByteSpan stored = pages_.DeviceMode();
         if (!stored.empty()) return {stored.begin(), stored.end()};
+        if (options_.asIs) return ReadDeviceMode(options_.loadMode).bytes;
         if (options_.sizeOfPage && !pages_.AreSpooled()) options_.size = SizeOfFirstPage(settings);
         return BytesOf(settings.Requested(options_));
     }
@@ -235,12 +235,6 @@ class PrintRun {
 
 }  // namespace
 
-fs::path EngineFile(const fs::path& installation, const fs::path& programFolder) {
-    std::error_code failure;
-    const fs::path installed = installation / kEngineFile;
-    return fs::is_regular_file(installed, failure) ? installed : programFolder / kEngineFile;
-}
-
 int RunOrvexPrint(const std::vector<std::string>& arguments, const PrintEnvironment& environment) {
     const auto complain = [&](const std::exception& error, int status) {
         environment.error << "orvexprint: " << error.what() << "\n";
@@ -248,6 +242,7 @@ int RunOrvexPrint(const std::vector<std::string>& arguments, const PrintEnvironm
     };
     try {
         if (IsCheckCommand(arguments)) return RunCheckCommand(arguments, environment);
+        if (IsDeviceModeCommand(arguments)) return RunDeviceModeCommand(arguments, environment);
         std::optional<JobOptions> options = ParseJobOptions(arguments, environment.out);
         if (!options) return kExitPrinted;
         MakeAbsolute(*options);
@@ -267,7 +262,7 @@ int RunOrvexPrint(const std::vector<std::string>& arguments, const PrintEnvironm
                 tail->WriteTree(IsStandardOutput(options->output) ? environment.error : environment.out);
         };
         try {
-            PrintRun(*options, environment, FindInstallation(*options, environment)).Run();
+            PrintRun(*options, environment, FindInstallation(options->installation, environment)).Run();
         } catch (const std::exception&) {
             showTree();  // most of all after a failure
             throw;

@@ -1,38 +1,12 @@
 // The command orvexprint, without its main function.
 #pragma once
 
-#include <filesystem>
-#include <optional>
-#include <ostream>
 #include <string>
 #include <vector>
 
-#include "tools/host/driver_library.h"
-#include "tools/host/engine_library.h"
+#include "tools/orvexprint/print_environment.h"
 
 namespace orvex::tools::print {
-
-// Exit statuses.
-constexpr int kExitPrinted = 0;
-constexpr int kExitFailed = 1;  // the job did not print
-constexpr int kExitUsage = 2;   // the command line is wrong, and nothing was done
-
-// The command's surroundings, which tests replace.
-struct PrintEnvironment {
-    std::ostream& out;
-    std::ostream& error;
-    bool terminal = false;  // whether `error` shows progress
-    std::filesystem::path programFolder = ProgramFolder();
-    std::filesystem::path driver = DefaultDriverFile();
-    std::optional<PrintEngine> engine = std::nullopt;  // replaces any library file
-};
-
-// The installation beside the program.
-constexpr char kInstallationFolder[] = "install";
-
-// Returns the print engine's library: the installation's own, or else the one beside the program.
-std::filesystem::path EngineFile(const std::filesystem::path& installation,
-                                 const std::filesystem::path& programFolder);
 
 // Runs the command with the arguments after its name, UTF-8. Explains every failure on `error`. Returns the
 // exit status: kExitPrinted only if the job printed, or everything else that was asked for is done.

@@ -164,7 +164,7 @@ std::string ResamplingText(const PictureSize& picture, const PagePlacing& placin
            ", the job's is " + std::to_string(placing.dpi) + " dpi";
 }
 
-void DrawPage(PngReader& picture, const PagePlacing& placing, uint32_t* bits, size_t stride) {
+void DrawPage(PictureReader& picture, const PagePlacing& placing, uint32_t* bits, size_t stride) {
     const PictureSize size = picture.Size();
     const PagePlace place = FindPlace(size, placing);
     uint32_t* const target = bits + place.top * stride + place.left;

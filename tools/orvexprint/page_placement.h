@@ -5,7 +5,7 @@
 #include <string>
 
 #include "tools/common/picture.h"
-#include "tools/common/png_reader.h"
+#include "tools/common/picture_reader.h"
 #include "tools/orvexprint/resample.h"
 
 namespace orvex::tools::print {
@@ -56,6 +56,6 @@ std::string ResamplingText(const PictureSize& picture, const PagePlacing& placin
 
 // Draws the picture on the page whose first pixel is at `bits`; `stride` is the number of pixels from row to
 // row. Pixels around the picture stay untouched.
-void DrawPage(PngReader& picture, const PagePlacing& placing, uint32_t* bits, size_t stride);
+void DrawPage(PictureReader& picture, const PagePlacing& placing, uint32_t* bits, size_t stride);
 
 }  // namespace orvex::tools::print

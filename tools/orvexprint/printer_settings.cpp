@@ -12,8 +12,8 @@
 #include "driver/profiles/profile_colors.h"
 #include "driver/profiles/profile_file.h"
 #include "driver/support/text.h"
-#include "tools/common/whole_file.h"
 #include "tools/common/wide_text.h"
+#include "tools/orvexprint/device_mode_file.h"
 #include "tools/orvexprint/name_search.h"
 
 namespace orvex::tools::print {
@@ -140,7 +140,9 @@ std::vector<InstalledProfile> PrinterSettings::Profiles() const {
 }
 
 DeviceMode PrinterSettings::Requested(const JobOptions& options) const {
-    DeviceMode mode = options.loadMode.empty() ? defaults_ : LoadDeviceMode(options.loadMode);
+    DeviceMode mode = options.loadMode.empty() ? defaults_
+                                               : AsDriversOwn(ReadDeviceMode(options.loadMode).bytes,
+                                                              Utf8FromPath(options.loadMode));
     if (options.size) ChoosePaperSize(mode, *options.size, defaults_);
     if (options.label) ChooseLabel(mode, *options.label, labels_);
     if (options.profile) ChooseProfile(mode, *options.profile, Profiles(), session_.Shell());
@@ -150,7 +152,7 @@ DeviceMode PrinterSettings::Requested(const JobOptions& options) const {
 
 DeviceMode PrinterSettings::Effective(std::span<const uint8_t> requested) const {
     DeviceMode effective = defaults_;
-    std::vector<uint8_t> source(requested.begin(), requested.end());  // the merge may write to it
+    std::vector<uint8_t> source = WithDeclaredSize(requested);  // the merge may write to it
     MergeDevMode(&effective, reinterpret_cast<DEVMODEW*>(source.data()), session_.PrinterHandle());
     return effective;
 }
@@ -174,20 +176,6 @@ std::vector<std::string> FallbacksOf(const DeviceMode& mode, const fs::path& ins
                               "can't be used: " + problem, kBuiltIn));
     }
     return lines;
-}
-
-DeviceMode LoadDeviceMode(const fs::path& path) {
-    const std::vector<uint8_t> bytes = ReadWholeFile(path);
-    DeviceMode mode;
-    if (bytes.size() != sizeof mode) {
-        throw std::runtime_error(Utf8FromPath(path) + " is no device mode: it does not have 916 bytes");
-    }
-    memcpy(&mode, bytes.data(), sizeof mode);
-    if (mode.pub.dmSize != sizeof mode.pub || mode.pub.dmDriverExtra != sizeof mode.priv ||
-        mode.priv.signature != kPrivateSignature) {
-        throw std::runtime_error(Utf8FromPath(path) + " is no device mode of this driver");
-    }
-    return mode;
 }
 
 }  // namespace orvex::tools::print

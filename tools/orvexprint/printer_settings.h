@@ -27,6 +27,10 @@ class PrinterSettings {
     explicit PrinterSettings(DriverSession& session);
 
     const std::vector<LabelSize>& Labels() const { return labels_; }
+    // Returns the printer's defaults, as the driver builds them before it merges a device mode into them.
+    const DeviceMode& Defaults() const { return defaults_; }
+    // Returns the printer's handle, for calls of the driver's own code.
+    HANDLE Printer() const { return session_.PrinterHandle(); }
     std::vector<InstalledProfile> Profiles() const;
 
     // Returns the device mode that the options ask for, as it is passed to the driver. A profile outside the
@@ -34,8 +38,8 @@ class PrinterSettings {
     // profile, and std::runtime_error for a file that is not a device mode.
     DeviceMode Requested(const JobOptions& options) const;
 
-    // Returns the device mode as the driver uses it: merged into the defaults and validated. It may have any
-    // size, but not less than its own fields say.
+    // Returns the device mode as the driver uses it: merged into the defaults and validated. Bytes that it
+    // says to have, but has not, count as zero.
     DeviceMode Effective(std::span<const uint8_t> requested) const;
 
   private:
@@ -53,9 +57,5 @@ std::string ProfileProblemText(const std::string& name, const std::filesystem::p
 // is installed for this run, if there is one.
 std::vector<std::string> FallbacksOf(const DeviceMode& mode, const std::filesystem::path& installation,
                                      const std::filesystem::path& lentProfile);
-
-// Reads a device mode from a file, and checks the file's size, the sizes in the record and its signature.
-// Throws std::runtime_error.
-DeviceMode LoadDeviceMode(const std::filesystem::path& path);
 
 }  // namespace orvex::tools::print

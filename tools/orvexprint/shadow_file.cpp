@@ -46,6 +46,10 @@ const Layout* FindLayout(ByteSpan bytes) {
 
 }  // namespace
 
+bool IsShadowFile(ByteSpan bytes) {
+    return FindLayout(bytes) != nullptr;
+}
+
 ShadowFile ReadShadowFile(ByteSpan bytes) {
     const Layout* const layout = FindLayout(bytes);
     if (layout == nullptr) throw SpoolError("is no shadow file of a known version of Windows");

@@ -13,6 +13,9 @@ struct ShadowFile {
     ByteSpan deviceMode;   // a view into the file's bytes; empty if it is not there
 };
 
+// Returns whether the bytes begin as the shadow file of a known version of Windows does.
+bool IsShadowFile(ByteSpan bytes);
+
 // Reads a shadow file as Windows NT 4 to 11 write it. Texts that are not within the file are empty. Throws
 // SpoolError for another file, and for one whose device mode is not within it.
 ShadowFile ReadShadowFile(ByteSpan bytes);

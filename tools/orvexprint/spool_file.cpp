@@ -102,15 +102,13 @@ class Reading {
         }
     }
 
-    // Returns the size of the header.
+    // Reads the names in the header. Returns the offset of the first record.
     size_t ReadHeader() {
+        const size_t records = SpoolHeaderSize(bytes_);
         const uint32_t size = Number32(bytes_, 4);
-        if (size < kSpoolHeader || !IsWithin(0, size, bytes_.size())) {
-            throw SpoolError("is damaged: its header has a size of " + std::to_string(size) + " bytes");
-        }
         file_.document = HeaderText(size, Number32(bytes_, 8), "the name of the document");
         file_.output = HeaderText(size, Number32(bytes_, 12), "the name of the port");
-        return std::min<size_t>(bytes_.size(), (size_t{size} + 3) / 4 * 4);
+        return records;
     }
 
     std::string HeaderText(uint32_t headerSize, uint32_t offset, const char* what) {
@@ -247,6 +245,14 @@ void RefuseOtherKinds(ByteSpan bytes) {
 
 bool IsSpoolFile(ByteSpan start) {
     return start.size() >= kSpoolHeader && Number32(start, 0) == kSpoolVersion;
+}
+
+size_t SpoolHeaderSize(ByteSpan bytes) {
+    const uint32_t size = Number32(bytes, 4);
+    if (size < kSpoolHeader || !IsWithin(0, size, bytes.size())) {
+        throw SpoolError("is damaged: its header has a size of " + std::to_string(size) + " bytes");
+    }
+    return std::min<size_t>(bytes.size(), (size_t{size} + 3) / 4 * 4);
 }
 
 SpoolFile ReadSpoolFile(ByteSpan bytes) {

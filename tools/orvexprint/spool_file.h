@@ -67,6 +67,10 @@ class SpoolError : public std::runtime_error {
 // Returns whether the first bytes are those of a spool file of metafiles.
 bool IsSpoolFile(ByteSpan start);
 
+// Returns the offset of the first record of such a file. Throws SpoolError for a header that is not within
+// it.
+size_t SpoolHeaderSize(ByteSpan bytes);
+
 // Reads a spool file. Throws SpoolError for one of another kind, and for one whose pages or device modes
 // can't be found.
 SpoolFile ReadSpoolFile(ByteSpan bytes);

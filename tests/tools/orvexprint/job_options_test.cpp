@@ -150,7 +150,7 @@ TEST(JobOptions, RefuseAnEmptyValue) {
 
 TEST(JobOptions, NeedPagesAndAnOutputToPrint) {
     EXPECT_EQ(OptionsComplaint({"-o", "x"}),
-              "no pages: name PNG, EMF or spool files, or ask for the --test-page");
+              "no pages: name pictures, EMF or spool files, or ask for the --test-page");
     EXPECT_EQ(OptionsComplaint({"a.png"}), "no output: name a file with -o FILE");
     EXPECT_EQ(OptionsComplaint({"--test-page"}), "no output: name a file with -o FILE");
     EXPECT_EQ(OptionsComplaint({"--test-page", "a.png", "-o", "x"}),

@@ -286,7 +286,7 @@ TEST_F(OrvexPrintTest, ShowsHelp) {
     EXPECT_EQ(RunPlain({"--help"}), 0);
     EXPECT_THAT(out, HasSubstr("Usage: orvexprint [options] -o FILE PAGE.png..."));
     EXPECT_EQ(RunPlain({}), kExitUsage);
-    EXPECT_EQ(error, "orvexprint: no pages: name PNG, EMF or spool files, or ask for the --test-page\n");
+    EXPECT_EQ(error, "orvexprint: no pages: name pictures, EMF or spool files, or ask for the --test-page\n");
 }
 
 }  // namespace orvex::tools::print

@@ -11,6 +11,7 @@
 #include "tests/tools/common/png_maker.h"
 #include "tests/tools/common/thrown_text.h"
 #include "tools/common/number_text.h"
+#include "tools/common/png_reader.h"
 
 namespace orvex::tools::print {
 

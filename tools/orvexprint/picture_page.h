@@ -1,14 +1,16 @@
-// PNG pages.
+// Pages that are pictures, of any format that is read.
 #pragma once
 
-#include "tools/common/png_reader.h"
+#include <memory>
+
+#include "tools/common/picture_reader.h"
 #include "tools/orvexprint/page_source.h"
 
 namespace orvex::tools::print {
 
-class PngPage : public PageSource {
+class PicturePage : public PageSource {
   public:
-    explicit PngPage(const std::filesystem::path& path);
+    explicit PicturePage(const std::filesystem::path& path);
 
     PictureSize SizeAt(uint32_t dpi) const override;
     std::string Describe(const PagePlacing& placing) const override;
@@ -16,7 +18,7 @@ class PngPage : public PageSource {
 
   private:
     std::string name_;
-    PngReader reader_;
+    std::unique_ptr<PictureReader> reader_;
 };
 
 }  // namespace orvex::tools::print
