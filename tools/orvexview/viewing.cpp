@@ -16,6 +16,7 @@
 #include "tools/orvexview/page_pictures.h"
 #include "tools/orvexview/png_writer.h"
 #include "tools/orvexview/print_file.h"
+#include "tools/orvexview/proof_command.h"
 #include "tools/orvexview/report.h"
 #include "tools/orvexview/together.h"
 
@@ -285,6 +286,7 @@ struct Command {
 // The first one that is asked for is carried out.
 constexpr Command kCommands[] = {
     {IsLogCommand, RunLogCommand, 1},
+    {IsProofCommand, RunProofCommand, 1},
 };
 
 }  // namespace
