@@ -10,6 +10,7 @@
 #include "tools/common/png_file.h"
 #include "tools/common/whole_file.h"
 #include "tools/common/wide_text.h"
+#include "tools/orvexview/compare_command.h"
 #include "tools/orvexview/comparison.h"
 #include "tools/orvexview/layout_picture.h"
 #include "tools/orvexview/log_command.h"
@@ -286,6 +287,7 @@ struct Command {
 // The first one that is asked for is carried out.
 constexpr Command kCommands[] = {
     {IsLogCommand, RunLogCommand, 1},
+    {IsCompareCommand, RunCompareCommand, 2},
     {IsProofCommand, RunProofCommand, 1},
 };
 
