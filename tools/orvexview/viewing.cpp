@@ -12,6 +12,7 @@
 #include "tools/common/wide_text.h"
 #include "tools/orvexview/compare_command.h"
 #include "tools/orvexview/comparison.h"
+#include "tools/orvexview/ink_command.h"
 #include "tools/orvexview/layout_picture.h"
 #include "tools/orvexview/log_command.h"
 #include "tools/orvexview/page_pictures.h"
@@ -289,6 +290,7 @@ constexpr Command kCommands[] = {
     {IsLogCommand, RunLogCommand, 1},
     {IsCompareCommand, RunCompareCommand, 2},
     {IsProofCommand, RunProofCommand, 1},
+    {IsInkCommand, RunInkCommand, 1},
 };
 
 }  // namespace
