@@ -13,6 +13,7 @@
 #include "tools/orvexview/compare_command.h"
 #include "tools/orvexview/comparison.h"
 #include "tools/orvexview/ink_command.h"
+#include "tools/orvexview/ink_verification.h"
 #include "tools/orvexview/layout_picture.h"
 #include "tools/orvexview/log_command.h"
 #include "tools/orvexview/page_pictures.h"
@@ -89,7 +90,7 @@ class Viewing {
             if (IsShown(page)) ShowPage(page);
         }
         if (options_.verify.empty() || !part_.problem.empty()) return 0;
-        return Verify();
+        return options_.profile.empty() ? Verify() : VerifyPageInks();
     }
 
     bool IsShown(const PrintedPage& page) const {
@@ -257,6 +258,19 @@ class Viewing {
         out_ << "\nPage " << page.number << " against " << options_.verify << ":\n"
              << DescribeComparison(comparer.Result());
         return 0;
+    }
+
+    // Returns the exit status: 1 if an ink is not what the profile gives for the art.
+    int VerifyPageInks() const {
+        const PrintedPage& page = VerifiedPage();
+        const PagePlacement placement = PlacePage(file_, page, options_.orientation);
+        LoadProfileForPrint(PathFromUtf8(options_.profile), file_);
+        PngReader art = OpenPng(PathFromUtf8(options_.verify));
+        const InkDifference difference = VerifyInks(file_, page, placement, art, options_.bandBytes);
+        out_ << "\nPage " << page.number << " against " << options_.verify << " through " << options_.profile
+             << ":\n"
+             << DescribeVerification(difference, placement);
+        return difference.different == 0 ? 0 : 1;
     }
 
     const Options& options_;
