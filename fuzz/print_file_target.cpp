@@ -86,6 +86,21 @@ void CheckPage(const tools::view::PrintedPage& page) {
     REQUIRE(rows == page.rows);
 }
 
+// Checks what there is of a file that is not sound.
+void CheckReadablePart(const std::string& file) {
+    try {
+        const tools::view::ReadablePart part =
+            tools::view::ParseReadablePart(std::make_unique<tools::view::MemorySource>(AsBytes(file)));
+        REQUIRE(!part.problem.empty());
+        for (const tools::view::PrintedPage& page : part.file.pages) {
+            CheckPage(page);
+            CheckViews(part.file, page, tools::view::PlacePage(part.file, page));
+        }
+    } catch (const tools::view::PrintFileError&) {
+        // Not even the header can be read.
+    }
+}
+
 // Returns the input for the records of a print file.
 std::string SeedOf(std::string_view file, std::string_view lines) {
     std::string seed = std::string(1, '\0') + static_cast<char>(lines.size()) + std::string(lines);
@@ -121,6 +136,7 @@ void FuzzPrintFile(std::span<const uint8_t> input) {
         CheckViews(read);
     } catch (const tools::view::PrintFileError& error) {
         REQUIRE(error.Offset() <= file.size());
+        CheckReadablePart(file);
     }
 }
 

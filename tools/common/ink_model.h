@@ -42,12 +42,15 @@ class InkModel {
         return static_cast<uint8_t>(255 * (1 - Share(InkAmount(inkValue, ink))) + 0.5f);
     }
 
-  private:
     // The fractions of red, green and blue light that an ink reflects.
     struct Light {
         float red, green, blue;
     };
+    const Light& LightOf(int ink, uint32_t amount) const { return light_[ink][amount]; }
+    // Returns the sample that shows each light from 0 to 1, in equal steps.
+    const std::vector<uint8_t>& SamplesByLight() const { return shown_; }
 
+  private:
     uint8_t Shown(float light) const;
 
     std::array<float, 256> share_;

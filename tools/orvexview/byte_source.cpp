@@ -46,6 +46,12 @@ std::span<const uint8_t> FileSource::At(uint64_t offset, size_t size) {
     return Part(window_, offset - start_, size);
 }
 
+uint64_t FileSource::Size() {
+    file_.clear();
+    file_.seekg(0, std::ios::end);
+    return static_cast<uint64_t>(file_.tellg());
+}
+
 void FileSource::Load(uint64_t offset, size_t size) {
     window_.resize(std::max(size, kWindow));
     start_ = offset;

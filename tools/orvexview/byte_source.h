@@ -21,6 +21,8 @@ class ByteSource {
 
     // Returns `size` bytes from the offset on, fewer where the source ends before; valid until the next call.
     virtual std::span<const uint8_t> At(uint64_t offset, size_t size) = 0;
+    // Returns the number of bytes that there are.
+    virtual uint64_t Size() = 0;
 };
 
 class MemorySource : public ByteSource {
@@ -28,6 +30,7 @@ class MemorySource : public ByteSource {
     explicit MemorySource(std::vector<uint8_t> bytes) : bytes_(std::move(bytes)) {}
 
     std::span<const uint8_t> At(uint64_t offset, size_t size) override;
+    uint64_t Size() override { return bytes_.size(); }
 
   private:
     std::vector<uint8_t> bytes_;
@@ -40,6 +43,7 @@ class FileSource : public ByteSource {
     explicit FileSource(const std::filesystem::path& path);
 
     std::span<const uint8_t> At(uint64_t offset, size_t size) override;
+    uint64_t Size() override;
 
   private:
     void Load(uint64_t offset, size_t size);

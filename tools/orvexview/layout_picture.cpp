@@ -90,7 +90,7 @@ std::string DistanceLine(const PrintFile& file, const PagePlacement& placement) 
     return fromLeft + RowsAndMm(placement.headRows - end, file.dpi) + " from its right end";
 }
 
-std::vector<LegendLine> Legend(const PrintFile& file, const PagePlacement& placement, uint32_t scale) {
+std::vector<LegendLine> Legend(const PrintFile& file, const PagePlacement& placement) {
     std::vector<LegendLine> lines = {
         {Mark::kHead, "print head: " + RowsAndMm(placement.headRows, file.dpi) + ", a tick every 10 mm"},
         {Mark::kLabel, LabelLine(file, placement)},
@@ -106,8 +106,6 @@ std::vector<LegendLine> Legend(const PrintFile& file, const PagePlacement& place
                                            " the label"});
     }
     lines.push_back({Mark::kArrow, "paper feed; left and right are those of the alignment"});
-    lines.push_back({Mark::kNone, "one pixel is " + SizeText(scale, scale) + " of the printer's " +
-                                      std::to_string(file.dpi) + " dpi"});
     return lines;
 }
 
@@ -128,7 +126,9 @@ class LayoutPainter {
           along_(block.width),
           // A block that starts between two lines of the picture may need one line more.
           head_((LayoutRows(page, placement) + scale_ - 1) / scale_ + 1),
-          legend_(Legend(file, placement, scale_)) {
+          legend_(Legend(file, placement)) {
+        legend_.push_back({Mark::kNone, "one pixel is " + SizeText(scale_, scale_) + " of the printer's " +
+                                            std::to_string(dpi_) + " dpi"});
         const uint32_t width = (turned_ ? head_ : along_) + 2 * kLayoutMargin;
         bodyHeight_ = (turned_ ? along_ : head_) + 2 * kLayoutMargin;
         const auto legendHeight = static_cast<uint32_t>(legend_.size()) * kTextLineDots + 2 * kLegendEdge;
@@ -258,6 +258,12 @@ class LayoutPainter {
 
 uint32_t LayoutRows(const PrintedPage& page, const PagePlacement& placement) {
     return std::max(placement.headRows, placement.headTop + page.rows);
+}
+
+std::vector<std::string> LayoutLegend(const PrintFile& file, const PagePlacement& placement) {
+    std::vector<std::string> texts;
+    for (LegendLine& line : Legend(file, placement)) texts.push_back(std::move(line.text));
+    return texts;
 }
 
 Picture DrawLayout(const PrintFile& file, const PrintedPage& page, const PagePlacement& placement,

@@ -3,6 +3,8 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
+#include <vector>
 
 #include "tools/common/picture.h"
 #include "tools/orvexview/page_placement.h"
@@ -23,6 +25,9 @@ inline constexpr uint32_t kLayoutMargin = 40;
 
 // Returns how many rows the picture shows: those of the head, and more if the block is beyond its end.
 uint32_t LayoutRows(const PrintedPage& page, const PagePlacement& placement);
+
+// Returns the legend's lines, without the one about the picture's scale.
+std::vector<std::string> LayoutLegend(const PrintFile& file, const PagePlacement& placement);
 
 // How the picture is made of the block.
 struct LayoutView {

@@ -32,15 +32,20 @@ constexpr const char* kExamples =
     "head\n"
     "  orvexview job.prn --no-pictures            the tables alone\n"
     "  orvexview job.prn --verify label.png       how far page 1 is from the picture that was printed\n"
+    "  orvexview job.prn --verify label.png --profile neutral.zvp   whether its inks are right, to the "
+    "pixel\n"
+    "  orvexview job.prn --html proof.html        a page for a browser; --html --help tells more\n"
+    "  orvexview job.prn --compare other.prn      what differs; --compare --help tells more\n"
+    "  orvexview job.prn --ink                    milliliters and cost; --ink --help tells more\n"
     "  orvexview --log orvexgdi.txt               the driver's log as a tree; --log --help tells more\n"
     "\n"
     "A file is replaced only when the new one is complete: an earlier picture of orvexview, any other file "
     "with --force,\n"
     "but never the print file or the picture to verify.\n"
     "\n"
-    "Exit status: 0 when all went well; 1 when the file is not sound, a picture can't be written or sizes "
-    "differ from\n"
-    "the picture to verify; 2 for a wrong command line.";
+    "Exit status: 0 when all went well; 1 when the file is not sound (what can be read of it is shown), a "
+    "picture can't be\n"
+    "written, or sizes or inks differ from the picture to verify; 2 for a wrong command line.";
 
 constexpr const char* kPageRange = "the number of a page, from 1";
 constexpr const char* kOrientationWords = "portrait or landscape";
@@ -65,9 +70,18 @@ void AddOutputOptions(CLI::App& app, Options& options) {
                  "Replaces files that have a picture's name but are no pictures of orvexview");
     app.add_option("--thumbnail", options.thumbnail, "Writes the job's thumbnail, a PNG, to this file")
         ->type_name("FILE");
-    app.add_option("--verify", options.verify,
-                   "Compares the first page shown, at every pixel, with a PNG of the label's size in pixels")
-        ->type_name("PAGE.png");
+    CLI::Option* verify =
+        app.add_option(
+               "--verify", options.verify,
+               "Compares the first page shown, at every pixel, with a PNG of the label's size in pixels")
+            ->type_name("PAGE.png");
+    app.add_option(
+           "--profile", options.profile,
+           "With --verify, compares inks: the PNG goes through this profile as the driver prints it, and "
+           "every ink must be equal. Not for art with a color profile of its own, nor for jobs with "
+           "adjusted colors, turned by 180 degrees or mirrored")
+        ->type_name("FILE.zvp")
+        ->needs(verify);
 }
 
 void AddViewOptions(CLI::App& app) {

@@ -25,6 +25,7 @@ struct Options {
     std::optional<Orientation> orientation;
     std::string thumbnail;                // file to write the job's thumbnail to
     std::string verify;                   // picture to compare with
+    std::string profile;                  // to compare inks through; empty: colors are compared
     size_t bandBytes = size_t{64} << 20;  // of a page's pictures in memory at a time; tests make it small
 };
 

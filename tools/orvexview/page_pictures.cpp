@@ -187,6 +187,7 @@ PagePictures DrawPage(const InkModel& model, const PrintedPage& page, const Page
         tasks.push_back([&] { readBatch(*next, now->first + now->count); });
         if (colors.IsNeeded()) tasks.push_back(TakeBatch(colors, *now, page.rowWidth));
         for (InkPass& ink : inks) tasks.push_back(TakeBatch(ink, *now, page.rowWidth));
+        for (RowUser* user : drawing.users) tasks.push_back(TakeBatch(*user, *now, page.rowWidth));
         if (uint64_t{page.rowWidth} * page.rows < kSmallPage) {
             for (const std::function<void()>& task : tasks) task();
         } else {

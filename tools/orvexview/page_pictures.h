@@ -3,6 +3,7 @@
 
 #include <array>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 #include "tools/common/picture.h"
@@ -23,6 +24,14 @@ BlockArea ImageArea(const PagePlacement& placement);
 // Returns the whole block, with its fill rows and purge bar.
 BlockArea WholeBlock(const PrintedPage& page);
 
+// A further user of a page's rows, in the pass that draws them.
+class RowUser {
+  public:
+    virtual ~RowUser() = default;
+    // Takes the next row of the block; `repeats` says that it is like the one before.
+    virtual void TakeRow(uint32_t row, std::span<const uint32_t> inkValues, bool repeats) = 0;
+};
+
 // What to draw of a page. `scale` x `scale` pixels become one.
 struct Drawing {
     BlockArea area;  // of the composite and the inks
@@ -31,6 +40,7 @@ struct Drawing {
     bool inks = false;
     bool turned = false;      // composite and inks by a quarter, as a portrait label reads
     uint32_t blockScale = 0;  // of the whole block; 0: it is not drawn
+    std::vector<RowUser*> users = {};
 };
 
 // The pictures; if not turned, as the page was sent: row 0 at the top. What was not asked for is empty.

@@ -20,6 +20,9 @@ constexpr std::string_view kComment = "@PJL COMMENT ";
 constexpr std::string_view kThumbnail = "@PJL SET QRV_THUMBNAIL=\"";
 constexpr std::string_view kThumbnailEnd = "\"\n";
 constexpr std::string_view kFirstLine = "@PJL\n";
+constexpr std::string_view kOtherLine = "@PJL ";
+// kEnterLanguage without the language.
+constexpr std::string_view kEnter = kEnterLanguage.substr(0, kEnterLanguage.find('=') + 1);
 
 // The largest label has 150 million pixels, and a thumbnail may be as large.
 constexpr uint64_t kMaxThumbnailSize = uint64_t{1} << 30;
@@ -128,6 +131,11 @@ void TakeOpening(ByteReader& reader) {
                                                   "\"; expected the universal exit ESC%-12345X");
     }
     reader.Take(kUniversalExit.size(), "the universal exit");
+    constexpr std::string_view kOtherFirstLine = "@PJL\r\n";
+    if (reader.TextAhead(kOtherFirstLine.size()) == kOtherFirstLine) {
+        reader.Take(kOtherFirstLine.size(), "the first PJL line");
+        return;
+    }
     const std::string_view line = reader.TextAhead(kFirstLine.size());
     if (line != kFirstLine) {
         throw PrintFileError(reader.Offset(), "\"" + PrintableText(line) + "\"; expected the line \"@PJL\"");
@@ -151,19 +159,29 @@ std::optional<int32_t> PjlHeader::FindNumber(std::string_view name) const {
     return number && *number >= -kLimit && *number <= kLimit ? number : std::nullopt;
 }
 
+bool PjlHeader::IsStandIn() const {
+    return language == kEnterLanguage.substr(kEnter.size());
+}
+
 PjlHeader ReadPjlHeader(ByteReader& reader) {
     TakeOpening(reader);
     Lines lines(reader);
     PjlHeader header;
+    std::optional<PrintFileError> stray;  // the first line that the stand-in engine does not write
     for (;;) {
         const uint64_t offset = reader.Offset();
         if (reader.TextAhead(kThumbnail.size()) == kThumbnail) {
             TakeThumbnail(reader, header);
             continue;
         }
-        const std::string line = lines.Take();
+        std::string line = lines.Take();
+        if (line.ends_with('\r')) line.pop_back();
         const std::string_view text = line;
-        if (text == kEnterLanguage) return header;
+        if (text.starts_with(kEnter)) {
+            header.language = text.substr(kEnter.size());
+            if (stray && header.IsStandIn()) throw PrintFileError(*stray);
+            return header;
+        }
         if (text.starts_with(kSet)) {
             TakeVariable(lines, offset, text.substr(kSet.size()), header);
         } else if (text.starts_with(kJobName)) {
@@ -171,9 +189,12 @@ PjlHeader ReadPjlHeader(ByteReader& reader) {
         } else if (text.starts_with(kComment)) {
             header.comment = lines.TakeValue(text.substr(kComment.size()));
         } else {
-            throw PrintFileError(offset, "PJL line \"" + PrintableText(text, 40) +
-                                             "\"; expected @PJL SET, @PJL JOB NAME, @PJL COMMENT or \"" +
-                                             std::string(kEnterLanguage) + "\"");
+            const PrintFileError error(offset,
+                                       "PJL line \"" + PrintableText(text, 40) +
+                                           "\"; expected @PJL SET, @PJL JOB NAME, @PJL COMMENT or \"" +
+                                           std::string(kEnterLanguage) + "\"");
+            if (!text.starts_with(kOtherLine)) throw PrintFileError(error);
+            if (!stray) stray = error;
         }
     }
 }

@@ -31,7 +31,11 @@ struct Thumbnail {
 struct PjlHeader {
     std::vector<HeaderVariable> variables;  // in the file's order, without the thumbnail
     std::optional<Thumbnail> thumbnail;
-    std::string comment;  // of the print engine
+    std::string comment;   // of the print engine
+    std::string language;  // of the print engine's bytes after the header
+
+    // Returns whether the bytes are those of the stand-in print engine.
+    bool IsStandIn() const;
 
     // Returns the value of the first variable of that name, or null.
     const std::string* Find(std::string_view name) const;

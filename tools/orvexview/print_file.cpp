@@ -1,5 +1,7 @@
 #include "tools/orvexview/print_file.h"
 
+#include <zlib.h>
+
 #include <algorithm>
 #include <charconv>
 #include <string>
@@ -50,6 +52,13 @@ std::string InRange(std::string_view what, uint64_t value, uint64_t least, uint6
     return least == most ? text : text + " to " + std::to_string(most);
 }
 
+// Continues the fingerprint of some bytes: two checksums that miss different changes.
+uint64_t Fingerprint(uint64_t before, std::span<const uint8_t> bytes) {
+    const uint32_t sum = Adler32(bytes.data(), bytes.size(), static_cast<uint32_t>(before >> 32));
+    return uint64_t{sum} << 32 |
+           crc32(static_cast<uint32_t>(before), bytes.data(), static_cast<uInt>(bytes.size()));
+}
+
 size_t LargestRowsRecord(uint32_t rowWidth) {
     return kRowsRecordSize + row_code::MaxEncodedRowSize(rowWidth);
 }
@@ -59,8 +68,11 @@ class Parser {
   public:
     explicit Parser(PrintFile& file) : file_(file), reader_(*file.source) {}
 
-    void Run() {
-        file_.header = ReadPjlHeader(reader_);
+    void ReadHeader() { file_.header = ReadPjlHeader(reader_); }
+
+    // Reads what follows the header.
+    void ReadJob() {
+        if (!file_.header.IsStandIn()) RefuseLanguage();
         ReadJobStart();
         // The engine writes the job start together with the first page, so a print file has at least one
         // page.
@@ -72,7 +84,22 @@ class Parser {
         ReadClosing();
     }
 
+    // Keeps the rows that there are of a page that the file breaks off.
+    void KeepCutPage() {
+        if (page_.rows == 0) return;
+        page_.missingRows = page_.announcedRows - std::min(page_.rows, page_.announcedRows);
+        page_.rows += page_.missingRows;
+        file_.pages.push_back(page_);
+    }
+
   private:
+    [[noreturn]] void RefuseLanguage() const {
+        throw PrintFileError(reader_.Offset(), std::to_string(file_.source->Size() - reader_.Offset()) +
+                                                   " bytes in the language \"" +
+                                                   PrintableText(file_.header.language, 40) +
+                                                   "\" of another print engine, which can't be read");
+    }
+
     uint8_t NextType() {
         const std::span<const uint8_t> next = reader_.Ahead(1);
         if (next.empty()) throw PrintFileError(reader_.Offset(), "the file ends without a job end");
@@ -156,18 +183,18 @@ class Parser {
             throw PrintFileError(reader_.Offset(),
                                  "more than " + std::to_string(kMaxPages) + " pages; expected a job end");
         }
-        PrintedPage page;
-        page.source = file_.source.get();
-        page.resolutionCode = ReadResolutionCommand();
+        page_.source = file_.source.get();
+        page_.resolutionCode = ReadResolutionCommand();
         const uint32_t number = static_cast<uint32_t>(file_.pages.size()) + 1;
         BeginRecord(RecordType::kPageStart, 12);
-        page.number = TakeChecked("page number", number, number);
-        page.width = TakeChecked("page width", 1, UINT32_MAX);
-        page.length = TakeChecked("page length", 1, UINT32_MAX);
-        ReadBlock(page);
+        page_.number = TakeChecked("page number", number, number);
+        page_.width = TakeChecked("page width", 1, UINT32_MAX);
+        page_.length = TakeChecked("page length", 1, UINT32_MAX);
+        ReadBlock(page_);
         BeginRecord(RecordType::kPageEnd, 4);
         TakeChecked("page number", number, number);
-        file_.pages.push_back(page);
+        file_.pages.push_back(page_);
+        page_ = {};
     }
 
     void ReadBlock(PrintedPage& page) {
@@ -200,6 +227,7 @@ class Parser {
             }
         }
         page.encodedSize += payload_.size();
+        page.fingerprint = Fingerprint(page.fingerprint, payload_);
     }
 
     void ReadClosing() {
@@ -214,6 +242,7 @@ class Parser {
     ByteReader reader_;
     std::span<const uint8_t> payload_;  // of the record, without the numbers that were taken
     uint64_t payloadOffset_ = 0;
+    PrintedPage page_;  // that is being read
     std::vector<uint32_t> above_;
 };
 
@@ -222,7 +251,9 @@ class Parser {
 PrintFile ParsePrintFile(std::unique_ptr<ByteSource> source) {
     PrintFile file;
     file.source = std::move(source);
-    Parser(file).Run();
+    Parser parser(file);
+    parser.ReadHeader();
+    parser.ReadJob();
     return file;
 }
 
@@ -232,6 +263,28 @@ PrintFile ParsePrintFile(std::vector<uint8_t> bytes) {
 
 PrintFile ReadPrintFile(const std::filesystem::path& path) {
     return ParsePrintFile(std::make_unique<FileSource>(path));
+}
+
+const char* UnreadText(const ReadablePart& part) {
+    return part.file.header.IsStandIn() ? " is no sound print file: " : " can be read in part: ";
+}
+
+ReadablePart ParseReadablePart(std::unique_ptr<ByteSource> source) {
+    ReadablePart part;
+    part.file.source = std::move(source);
+    Parser parser(part.file);
+    parser.ReadHeader();
+    try {
+        parser.ReadJob();
+    } catch (const PrintFileError& error) {
+        parser.KeepCutPage();
+        part.problem = error.what();
+    }
+    return part;
+}
+
+ReadablePart ReadReadablePart(const std::filesystem::path& path) {
+    return ParseReadablePart(std::make_unique<FileSource>(path));
 }
 
 void ReadThumbnail(const PrintFile& file, const std::function<void(std::span<const uint8_t>)>& take) {
@@ -247,11 +300,17 @@ void ReadThumbnail(const PrintFile& file, const std::function<void(std::span<con
 }
 
 RowReader::RowReader(const PrintedPage& page)
-    : reader_(*page.source, page.rowsOffset), rowsLeft_(page.rows), row_(page.rowWidth) {}
+    : reader_(*page.source, page.rowsOffset),
+      rowsLeft_(page.rows),
+      blankLeft_(page.missingRows),
+      row_(page.rowWidth) {}
 
 std::span<const uint32_t> RowReader::Next() {
     if (rowsLeft_ == 0) return {};
-    --rowsLeft_;
+    if (rowsLeft_-- <= blankLeft_) {
+        std::fill(row_.begin(), row_.end(), 0u);
+        return row_;
+    }
     if (code_.empty()) TakeRecord();
     if (DecodeRow(code_, row_) != nullptr) throw PrintFileError(reader_.Offset(), kHasChanged);
     return row_;

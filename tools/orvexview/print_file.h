@@ -8,6 +8,7 @@
 #include <functional>
 #include <memory>
 #include <span>
+#include <string>
 #include <vector>
 
 #include "tools/orvexview/byte_reader.h"
@@ -27,8 +28,10 @@ struct PrintedPage {
     uint32_t rowWidth = 0;         // pixels
     uint32_t announcedRows = 0;    // when the block was started
     uint32_t rows = 0;             // that were sent
+    uint32_t missingRows = 0;      // last rows that the file lacks, which read as blank
     uint64_t encodedSize = 0;      // bytes of the rows' code
     uint64_t rowsOffset = 0;       // of the first rows record
+    uint64_t fingerprint = 0;      // of the rows' code; equal pages have the same
     ByteSource* source = nullptr;  // of the print file, which must outlive the page
 };
 
@@ -48,6 +51,20 @@ PrintFile ParsePrintFile(std::vector<uint8_t> bytes);
 // read.
 PrintFile ReadPrintFile(const std::filesystem::path& path);
 
+// A print file as far as it can be read.
+struct ReadablePart {
+    PrintFile file;
+    std::string problem;  // with the offset where reading ended; empty for a sound file
+};
+
+// Returns the words between the name of a file with a problem and the problem.
+const char* UnreadText(const ReadablePart& part);
+
+// Parse what there is: of a file of another print engine the job header alone, of one that is cut or damaged
+// the pages and rows before that place. Throw PrintFileError if not even the header can be read.
+ReadablePart ParseReadablePart(std::unique_ptr<ByteSource> source);
+ReadablePart ReadReadablePart(const std::filesystem::path& path);
+
 // Decodes the thumbnail, which there must be, and hands over its bytes part by part.
 void ReadThumbnail(const PrintFile& file, const std::function<void(std::span<const uint8_t>)>& take);
 
@@ -65,6 +82,7 @@ class RowReader {
 
     ByteReader reader_;
     uint32_t rowsLeft_;
+    uint32_t blankLeft_;  // of them
     std::vector<uint32_t> row_;
     std::vector<uint8_t> record_;
     std::span<const uint8_t> code_;  // of the rows in `record_` that are not decoded yet

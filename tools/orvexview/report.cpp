@@ -21,30 +21,31 @@ enum class Kind {
 struct Meaning {
     std::string_view name;
     Kind kind;
-    std::string_view text;     // the setting itself
-    std::string_view choices;  // separated by '|'
+    std::string_view text;        // the setting itself
+    std::string_view choices;     // separated by '|'
+    std::string_view usual = "";  // value in a job whose settings nobody has changed; empty: none
 };
 
 constexpr Meaning kMeanings[] = {
-    {"COPIES", Kind::kPlain, "copies of the job", ""},
-    {"COLLATE", Kind::kYesNo, "copies in sets", ""},
+    {"COPIES", Kind::kPlain, "copies of the job", "", "1"},
+    {"COLLATE", Kind::kYesNo, "copies in sets", "", "0"},
     {"ORIGX", Kind::kPlain, "width of the label in pixels, as it reads", ""},
     {"ORIGY", Kind::kPlain, "height of the label in pixels, as it reads", ""},
-    {"JOBCAPTURE", Kind::kYesNo, "the printer keeps the job", ""},
-    {"NOPRINT", Kind::kYesNo, "the job is not printed", ""},
-    {"ALIGN", Kind::kChoice, "place under the print head", "right|centre|left"},
-    {"COLORMODE", Kind::kChoice, "colours", "all inks|grey of cyan, magenta and yellow|grey of black"},
-    {"OVERSPRAY", Kind::kPlain, "overspray, 0 to 3", ""},
-    {"FULLWIDTH", Kind::kYesNo, "nozzles are kept wet over the full width of the head", ""},
-    {"PURGEBAR", Kind::kChoice, "purge bar", "none|in front of the image|behind the image"},
-    {"PURGEDOTS", Kind::kPlain, "dots of the purge bar along the paper feed", ""},
-    {"PURGEGAP", Kind::kPlain, "gap between purge bar and image in mm", ""},
-    {"PURGEFREQ", Kind::kPlain, "pages from one purge bar to the next, 0 = on the first page only", ""},
-    {"KWS", Kind::kYesNo, "nozzles are kept wet with a faint pattern where nothing is printed", ""},
-    {"STITCHED", Kind::kYesNo, "pages follow each other without a gap", ""},
-    {"PHOFFSET", Kind::kTenthsMm, "print-head offset across the paper", ""},
-    {"TOFOFFSET", Kind::kTenthsMm, "offset along the paper feed", ""},
-    {"CHUNKPAGES", Kind::kPlain, "pages printed in one go", ""},
+    {"JOBCAPTURE", Kind::kYesNo, "the printer keeps the job", "", "0"},
+    {"NOPRINT", Kind::kYesNo, "the job is not printed", "", "0"},
+    {"ALIGN", Kind::kChoice, "place under the print head", "right|centre|left", "0"},
+    {"COLORMODE", Kind::kChoice, "colours", "all inks|grey of cyan, magenta and yellow|grey of black", "0"},
+    {"OVERSPRAY", Kind::kPlain, "overspray, 0 to 3", "", "0"},
+    {"FULLWIDTH", Kind::kYesNo, "nozzles are kept wet over the full width of the head", "", "0"},
+    {"PURGEBAR", Kind::kChoice, "purge bar", "none|in front of the image|behind the image", "0"},
+    {"PURGEDOTS", Kind::kPlain, "dots of the purge bar along the paper feed", "", "1"},
+    {"PURGEGAP", Kind::kPlain, "gap between purge bar and image in mm", "", "5"},
+    {"PURGEFREQ", Kind::kPlain, "pages from one purge bar to the next, 0 = on the first page only", "", "0"},
+    {"KWS", Kind::kYesNo, "nozzles are kept wet with a faint pattern where nothing is printed", "", "0"},
+    {"STITCHED", Kind::kYesNo, "pages follow each other without a gap", "", "0"},
+    {"PHOFFSET", Kind::kTenthsMm, "print-head offset across the paper", "", "20"},
+    {"TOFOFFSET", Kind::kTenthsMm, "offset along the paper feed", "", "0"},
+    {"CHUNKPAGES", Kind::kPlain, "pages printed in one go", "", "10000"},
     {"HPRES", Kind::kPlain, "resolution code for the engine", ""},
     {"JOB NAME", Kind::kPlain, "name of the document", ""},
     {"PROFILE", Kind::kPlain, "name of the colour profile", ""},
@@ -95,6 +96,9 @@ std::string OrientationText(const PagePlacement& placement) {
 
 std::string RowsText(const PrintedPage& page) {
     const std::string rows = std::to_string(page.rows);
+    if (page.missingRows > 0) {
+        return std::to_string(page.rows - page.missingRows) + " of " + rows + ", the file breaks off";
+    }
     if (page.rows == page.announcedRows) return rows;
     return rows + ", announced " + std::to_string(page.announcedRows);
 }
@@ -153,6 +157,13 @@ std::string MeaningOf(std::string_view name, std::string_view value) {
     return {};
 }
 
+bool IsUnusual(std::string_view name, std::string_view value) {
+    for (const Meaning& meaning : kMeanings) {
+        if (meaning.name == name) return !meaning.usual.empty() && value != meaning.usual;
+    }
+    return false;
+}
+
 std::string DescribeHeader(const PrintFile& file) {
     Table table({"Setting", "Value", "Meaning"});
     for (const HeaderVariable& variable : file.header.variables) {
@@ -162,6 +173,10 @@ std::string DescribeHeader(const PrintFile& file) {
     if (file.header.thumbnail) {
         table.Add({"QRV_THUMBNAIL", std::to_string(file.header.thumbnail->size) + " characters",
                    "picture of the first page, PNG in base64"});
+    }
+    if (!file.header.IsStandIn()) {
+        return table.Text() + "\nEngine: " + PrintableText(file.header.comment) +
+               "\nLanguage: " + PrintableText(file.header.language) + "\n";
     }
     const std::string resolution =
         file.resolutionMode == 2 ? "neither 300 nor 600 dpi" : std::to_string(file.dpi) + " dpi";

@@ -15,6 +15,9 @@ namespace orvex::tools::view {
 // out of range.
 std::string MeaningOf(std::string_view name, std::string_view value);
 
+// Returns whether a job setting differs from the driver's default.
+bool IsUnusual(std::string_view name, std::string_view value);
+
 // Returns a table of the job header's variables with their values and meanings.
 std::string DescribeHeader(const PrintFile& file);
 

@@ -10,12 +10,16 @@
 #include "tools/common/png_file.h"
 #include "tools/common/whole_file.h"
 #include "tools/common/wide_text.h"
+#include "tools/orvexview/compare_command.h"
 #include "tools/orvexview/comparison.h"
+#include "tools/orvexview/ink_command.h"
+#include "tools/orvexview/ink_verification.h"
 #include "tools/orvexview/layout_picture.h"
 #include "tools/orvexview/log_command.h"
 #include "tools/orvexview/page_pictures.h"
 #include "tools/orvexview/png_writer.h"
 #include "tools/orvexview/print_file.h"
+#include "tools/orvexview/proof_command.h"
 #include "tools/orvexview/report.h"
 #include "tools/orvexview/together.h"
 
@@ -55,7 +59,10 @@ struct PictureNames {
 class Viewing {
   public:
     Viewing(const Options& options, std::ostream& out)
-        : options_(options), out_(out), file_(ReadPrintFile(PathFromUtf8(options.file))), model_(file_.dpi) {
+        : options_(options),
+          out_(out),
+          part_(ReadReadablePart(PathFromUtf8(options.file))),
+          model_(file_.dpi) {
         for (const uint32_t number : options.pages) {
             if (number <= file_.pages.size()) continue;
             throw std::runtime_error("--page " + std::to_string(number) + ": " + options.file + " has " +
@@ -68,16 +75,24 @@ class Viewing {
         CheckOutputs();
     }
 
-    void Show() const {
+    // Shows what can be read, and then complains about the rest. Returns the exit status.
+    int Show() const {
+        const int status = ShowReadablePart();
+        if (part_.problem.empty()) return status;
+        throw std::runtime_error(options_.file + UnreadText(part_) + part_.problem);
+    }
+
+  private:
+    int ShowReadablePart() const {
         out_ << DescribeHeader(file_);
         if (!options_.thumbnail.empty()) WriteThumbnail();
         for (const PrintedPage& page : file_.pages) {
             if (IsShown(page)) ShowPage(page);
         }
-        if (!options_.verify.empty()) Verify();
+        if (options_.verify.empty() || !part_.problem.empty()) return 0;
+        return options_.profile.empty() ? Verify() : VerifyPageInks();
     }
 
-  private:
     bool IsShown(const PrintedPage& page) const {
         const std::vector<uint32_t>& pages = options_.pages;
         return pages.empty() || std::find(pages.begin(), pages.end(), page.number) != pages.end();
@@ -221,10 +236,15 @@ class Viewing {
         out_ << "\n" << options_.thumbnail << ": " << size << " bytes\n";
     }
 
-    void Verify() const {
+    // Returns the page that is verified: the first one shown.
+    const PrintedPage& VerifiedPage() const {
         const std::vector<uint32_t>& pages = options_.pages;
-        const size_t index = pages.empty() ? 0 : *std::min_element(pages.begin(), pages.end()) - 1;
-        const PrintedPage& page = file_.pages[index];
+        return file_.pages[pages.empty() ? 0 : *std::min_element(pages.begin(), pages.end()) - 1];
+    }
+
+    // Returns the exit status: a picture of typical inks is never the art, so any difference is fine.
+    int Verify() const {
+        const PrintedPage& page = VerifiedPage();
         const PagePlacement placement = PlacePage(file_, page, options_.orientation);
         Drawing drawing{.area = ImageArea(placement), .composite = true};
         drawing.turned = placement.orientation == Orientation::kPortrait;
@@ -235,33 +255,71 @@ class Viewing {
             drawing.area = band;
             comparer.TakeLines(DrawPage(model_, page, placement, drawing).composite);
         }
-        out_ << "\nPage " << index + 1 << " against " << options_.verify << ":\n"
+        out_ << "\nPage " << page.number << " against " << options_.verify << ":\n"
              << DescribeComparison(comparer.Result());
+        return 0;
+    }
+
+    // Returns the exit status: 1 if an ink is not what the profile gives for the art.
+    int VerifyPageInks() const {
+        const PrintedPage& page = VerifiedPage();
+        const PagePlacement placement = PlacePage(file_, page, options_.orientation);
+        LoadProfileForPrint(PathFromUtf8(options_.profile), file_);
+        PngReader art = OpenPng(PathFromUtf8(options_.verify));
+        const InkDifference difference = VerifyInks(file_, page, placement, art, options_.bandBytes);
+        out_ << "\nPage " << page.number << " against " << options_.verify << " through " << options_.profile
+             << ":\n"
+             << DescribeVerification(difference, placement);
+        return difference.different == 0 ? 0 : 1;
     }
 
     const Options& options_;
     std::ostream& out_;
-    PrintFile file_;
+    ReadablePart part_;
+    const PrintFile& file_ = part_.file;
     InkModel model_;
 };
 
 }  // namespace
 
-void ShowPrintFile(const Options& options, std::ostream& out) {
+int ShowPrintFile(const Options& options, std::ostream& out) {
     try {
-        Viewing(options, out).Show();
+        return Viewing(options, out).Show();
     } catch (const PrintFileError& error) {
         throw std::runtime_error(options.file + " is no sound print file: " + error.what());
     }
 }
 
+namespace {
+
+// A command with options of its own.
+struct Command {
+    bool (*isAsked)(const std::vector<std::string>& arguments);
+    int (*run)(const std::vector<std::string>& arguments, std::ostream& out);
+    int failure;  // exit status when something can't be done
+};
+
+// The first one that is asked for is carried out.
+constexpr Command kCommands[] = {
+    {IsLogCommand, RunLogCommand, 1},
+    {IsCompareCommand, RunCompareCommand, 2},
+    {IsProofCommand, RunProofCommand, 1},
+    {IsInkCommand, RunInkCommand, 1},
+};
+
+}  // namespace
+
 int RunOrvexView(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& error) {
+    const Command* const command =
+        std::find_if(std::begin(kCommands), std::end(kCommands),
+                     [&](const Command& asked) { return asked.isAsked(arguments); });
+    const bool hasCommand = command != std::end(kCommands);
     try {
         int status = 0;
-        if (IsLogCommand(arguments)) {
-            status = RunLogCommand(arguments, out);
+        if (hasCommand) {
+            status = command->run(arguments, out);
         } else if (const std::optional<Options> options = ReadOptions(arguments, out)) {
-            ShowPrintFile(*options, out);
+            status = ShowPrintFile(*options, out);
         }
         out.flush();
         if (!out) throw std::runtime_error("standard output can't be written");
@@ -274,7 +332,7 @@ int RunOrvexView(const std::vector<std::string>& arguments, std::ostream& out, s
     } catch (const std::exception& failure) {
         error << "orvexview: " << failure.what() << "\n";
     }
-    return 1;
+    return hasCommand ? command->failure : 1;
 }
 
 }  // namespace orvex::tools::view

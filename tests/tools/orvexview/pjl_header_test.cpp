@@ -114,7 +114,7 @@ TEST(PjlHeader, RecognizesAFramingChunkThatShouldHaveBeenDropped) {
 }
 
 TEST(PjlHeader, SaysWhichLineIsWrong) {
-    EXPECT_EQ(ErrorOfLines("@PJL SET COPIES=1\n@PJL INFO\x01\n"),
+    EXPECT_EQ(ErrorOfLines("@PJL SET COPIES=1\n@PJL INFO\x01\n@PJL ENTER LANGUAGE=STANDIN\n"),
               "offset 32: PJL line \"@PJL INFO\\x01\"; expected @PJL SET, @PJL JOB NAME, @PJL COMMENT or "
               "\"@PJL ENTER LANGUAGE=STANDIN\"");
     EXPECT_EQ(ErrorOfLines("@PJL SET COPIES\n"),

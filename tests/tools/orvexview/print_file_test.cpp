@@ -166,6 +166,7 @@ class EndlessSource : public ByteSource {
             offset < kInMemory ? offset : kInMemory - period_ + (offset - kInMemory) % period_;
         return std::span(reinterpret_cast<const uint8_t*>(bytes_.data()), bytes_.size()).subspan(at, size);
     }
+    uint64_t Size() override { return UINT64_MAX; }
 
   private:
     static constexpr uint64_t kInMemory = 4u << 20;

@@ -1,0 +1,76 @@
+#include "tools/orvexview/page_check.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/tools/orvexview/made_files.h"
+
+namespace orvex::tools::view {
+namespace {
+
+constexpr uint32_t kInk = 0xC8;      // of black
+constexpr uint32_t kPattern = 0x04;  // of black, as it keeps nozzles wet
+
+PageFacts Check(const Rows& rows, const BlockArea& image, double limit = 4, uint32_t leastLine = 4) {
+    const InkModel model(300);
+    PageCheck check(model, image, limit, leastLine);
+    for (uint32_t row = 0; row < rows.size(); ++row) {
+        check.TakeRow(row, rows[row], row > 0 && rows[row] == rows[row - 1]);
+    }
+    return check.Finish();
+}
+
+PageFacts Check(const Rows& rows, double limit = 4) {
+    return Check(rows, {0, 0, static_cast<uint32_t>(rows[0].size()), static_cast<uint32_t>(rows.size())},
+                 limit);
+}
+
+Rows Blank(size_t width, size_t rows) {
+    return Rows(rows, std::vector<uint32_t>(width, kPattern));
+}
+
+TEST(PageCheck, CountsPixelsOverTheLimit) {
+    const uint32_t three = PackInks(255, 255, 255, 0);
+    const PageFacts facts = Check({{three, 0, 0xFFFFFFFF}, {three, three, 0}}, 2.9);
+    EXPECT_EQ(facts.overLimit, 4u);
+    EXPECT_DOUBLE_EQ(facts.mostInk, 4);
+    EXPECT_EQ(Check({{three, 0}, {three, three}}, 3).overLimit, 0u);
+}
+
+TEST(PageCheck, CountsARepeatedRowAsOftenAsItComes) {
+    EXPECT_EQ(Check(Rows(5, {0xFFFFFFFF, 0}), 3).overLimit, 5u);
+}
+
+TEST(PageCheck, FindsThinLinesInBothDirections) {
+    Rows along = Blank(10, 5);
+    std::fill_n(along[2].begin() + 3, 4, kInk);
+    EXPECT_EQ(Check(along).thinLines, 1u);
+    Rows across = Blank(5, 10);
+    for (size_t row = 3; row < 7; ++row) across[row][2] = kInk;
+    EXPECT_EQ(Check(across).thinLines, 1u);
+}
+
+TEST(PageCheck, FindsThinLinesAtTheEdges) {
+    Rows rows = Blank(10, 10);
+    std::fill_n(rows[0].begin() + 2, 6, kInk);
+    std::fill_n(rows[9].begin() + 2, 6, kInk);
+    EXPECT_EQ(Check(rows).thinLines, 2u);
+}
+
+TEST(PageCheck, LinesOfTwoPixelsAndShortOnesAreFine) {
+    Rows rows = Blank(10, 10);
+    std::fill_n(rows[2].begin(), 10, kInk);
+    std::fill_n(rows[3].begin(), 10, kInk);
+    std::fill_n(rows[6].begin(), 3, kInk);
+    EXPECT_EQ(Check(rows).thinLines, 0u);
+}
+
+TEST(PageCheck, LooksAtTheImageAlone) {
+    Rows rows = Blank(10, 10);
+    std::fill_n(rows[0].begin(), 10, 0xFFFFFFFFu);
+    const PageFacts facts = Check(rows, {0, 2, 10, 8}, 3);
+    EXPECT_EQ(facts.overLimit, 0u);
+    EXPECT_EQ(facts.thinLines, 0u);
+}
+
+}  // namespace
+}  // namespace orvex::tools::view
