@@ -1,4 +1,4 @@
-// What the device tells the graphics engine about itself: a 24-bit color raster printer at 300 or 600 dpi.
+// The device as the graphics engine is told about it: a 24-bit color raster printer at 300 or 600 dpi.
 #pragma once
 
 #include <cstdint>

@@ -58,7 +58,7 @@ struct Placement {
     int32_t fullBottom;
 };
 
-// What the print-head offset did to the placement.
+// The effect of the print-head offset on the placement.
 enum class OffsetEffect {
     kNone,
     kRightAligned,      // not full width, kAlignRight

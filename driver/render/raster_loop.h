@@ -17,7 +17,7 @@ struct RasterSettings {
     bool purges;         // this page carries the purge dots
 };
 
-// What an image row passes through, in this order.
+// The stages that an image row passes through, in this order.
 enum class RasterStage { kReformat, kConvert, kEncode };
 
 // Receiver of a page's rows.

@@ -11,7 +11,7 @@
 
 namespace orvex::tools {
 
-// Of a GIF with several pictures it is the first one. Transparent parts show the white of the label. All
+// A decoded picture, the first one of a GIF with several. Transparent parts show the white of the label. All
 // errors are PageError and begin with the name.
 class DecodedPicture : public PictureReader {
   public:

@@ -14,7 +14,7 @@ void EndCleanlyOnInterrupt();
 class RemovedOnInterrupt {
   public:
     // `path` must outlive the guard; `descriptor` is the open file. At most 8 files are guarded at a time,
-    // others stay behind.
+    // others are left.
     RemovedOnInterrupt(const std::filesystem::path& path, int descriptor);
     ~RemovedOnInterrupt();
     RemovedOnInterrupt(const RemovedOnInterrupt&) = delete;

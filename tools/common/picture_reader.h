@@ -23,7 +23,7 @@ struct RgbPrimaries {
     Chromaticity blue;
 };
 
-// What a file says about its colors; all empty if it does not say anything.
+// A file's own statements about its colors; all empty if it makes none.
 struct EmbeddedColors {
     bool srgb = false;                  // marked as sRGB, which outranks gamma and primaries
     std::vector<uint8_t> profile = {};  // ICC, which outranks all others

@@ -1,4 +1,5 @@
-// What picture files say beside their pixels: their kind, resolution, orientation and color profile.
+// The facts that picture files have beside their pixels: their kind, resolution, orientation and color
+// profile.
 #pragma once
 
 #include <cstdint>

@@ -12,7 +12,7 @@ namespace orvex::tools::print {
 bool IsDeviceModeCommand(const std::vector<std::string>& arguments);
 
 // Runs the command. Returns the exit status: kExitPrinted, or kExitFailed if the compared device modes
-// differ. Throws OptionError, which in a comparison also stands for files that can't be compared.
+// differ. Throws OptionError, which in a comparison also means files that can't be compared.
 int RunDeviceModeCommand(const std::vector<std::string>& arguments, const PrintEnvironment& environment);
 
 }  // namespace orvex::tools::print

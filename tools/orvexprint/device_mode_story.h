@@ -1,5 +1,5 @@
-// What the driver makes of a stored device mode, field by field, and why. All of it is found by running the
-// driver's own steps on the record and comparing what goes in with what comes out.
+// The fate of a stored device mode in the driver, field by field, with the reasons. All of it is found by
+// running the driver's own steps on the record and comparing what goes in with what comes out.
 #pragma once
 
 #include <string>

@@ -12,7 +12,7 @@ namespace orvex::tools::print {
 // read.
 std::vector<std::string> WritersOf(const std::filesystem::path& folder);
 
-// Returns whether an account stands for everybody who can log on.
+// Returns whether an account means everybody who can log on.
 bool IsEverybody(const std::string& account);
 
 }  // namespace orvex::tools::print

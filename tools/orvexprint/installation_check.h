@@ -12,7 +12,7 @@ namespace orvex::tools::print {
 
 enum class Verdict { kGood, kDoubtful, kBad };
 
-// What was checked, and what to do about it unless it is good.
+// The result of one check, with advice unless it is good.
 struct Finding {
     Verdict verdict = Verdict::kGood;
     std::string thing;      // "settings.inf", "the print engine"

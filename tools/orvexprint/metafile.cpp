@@ -15,7 +15,7 @@ constexpr size_t kRecordHead = 8;      // type and size
 constexpr size_t kSignatureAt = 40;    // of " EMF" in the header
 constexpr size_t kCommentDataAt = 12;  // of a comment's data, after their size
 
-// What the data of a comment begin with.
+// The first bytes of a comment's data.
 constexpr uint32_t kSpoolComment = 0;
 constexpr uint32_t kFontRecords = 0x544F4E46;  // of a spool comment, after that
 constexpr uint32_t kPlusComment = 0x2B464D45;  // "EMF+"

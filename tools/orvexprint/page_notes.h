@@ -1,4 +1,4 @@
-// What a user should know about the pages of a job that printed all the same.
+// Notes for the user about the pages of a job that printed all the same.
 #pragma once
 
 #include <cstddef>

@@ -1,4 +1,4 @@
-// What surrounds every command of orvexprint: its outputs, the installation, the exit statuses.
+// The surroundings of every command of orvexprint: its outputs, the installation, the exit statuses.
 #pragma once
 
 #include <filesystem>

@@ -24,7 +24,7 @@ struct KnownSetting {
     SettingKind kind;
 };
 
-// What the driver looks up.
+// The settings that the driver looks up.
 constexpr KnownSetting kSettings[] = {
     {"[Driver]", "Add_Thumb", SettingKind::kFlag},
     {"[Driver]", "thumb_max_width", SettingKind::kNumber},

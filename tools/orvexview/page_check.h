@@ -1,4 +1,4 @@
-// What can go wrong with a page's inks, found in the pass that draws it: more ink than the stock takes, and
+// Faults of a page's inks, found in the pass that draws it: more ink than the stock takes, and
 // lines too thin to print.
 #pragma once
 

@@ -9,7 +9,7 @@
 
 namespace orvex::tools::trace {
 
-// What of a log is shown: all of it, unless something is asked for. Operations around what is shown are shown
+// The part of a log that is shown: all of it, unless something is asked for. Operations around it are shown
 // too.
 struct TraceFilter {
     bool errors = false;                  // errors that no sound job has

@@ -1,4 +1,4 @@
-// What the driver may do about a call that fails.
+// The driver's allowed answers to a call that fails.
 //
 // Up to the call, the job is as ever. From there on each hook prints and logs as ever, or as in the same job
 // with one input less, or it prints nothing more and logs an error. A hook refuses only if it can't get what
