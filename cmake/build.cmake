@@ -57,18 +57,23 @@ function(orvex_room name)
 endfunction()
 
 # Code that needs no speed is not optimized, and the sanitizers leave it alone, except for AddressSanitizer, whose checks of
-# containers all sources share. It is most of what is compiled: the tests, and the parsing of command lines, whose templates
-# take the optimizer longer than anything else.
+# containers all sources share. It is most of what is compiled: the tests, and sources with the templates of CLI11 and of
+# nlohmann JSON, which take the optimizer longer than anything else.
 set(ORVEX_UNOPTIMIZED -O0)
 if(ORVEX_SANITIZE)
     list(APPEND ORVEX_UNOPTIMIZED -fno-sanitize=undefined,fuzzer-no-link)
 endif()
 
-# orvex_unoptimized_command_lines(SOURCE...): the sources among these that parse a command line with CLI11.
-function(orvex_unoptimized_command_lines)
+# orvex_optimize_little(SOURCE...): those of the sources that parse command lines or JSON. Windows objects without any
+# optimization have a section for each of ten thousand small functions, over which the archiver and the linker take longer
+# than the optimizer saves.
+function(orvex_optimize_little)
     foreach(source IN LISTS ARGN)
-        file(STRINGS ${source} found REGEX "include .(CLI/CLI|tools/common/help_format)\\.h" LIMIT_COUNT 1)
-        if(found)
+        file(STRINGS ${source} found LIMIT_COUNT 1
+             REGEX "include .(CLI/CLI|nlohmann/json|tools/common/help_format|tools/orvexview/command_line)\\.h")
+        if(found AND WIN32)
+            set_source_files_properties(${source} PROPERTIES COMPILE_OPTIONS -O1)
+        elseif(found)
             set_source_files_properties(${source} PROPERTIES COMPILE_OPTIONS "${ORVEX_UNOPTIMIZED}")
         endif()
     endforeach()
