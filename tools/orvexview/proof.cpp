@@ -227,8 +227,10 @@ void WriteProof(const ProofOptions& options, std::ostream& out) {
     const ReadablePart part = ReadReadablePart(PathFromUtf8(options.file));
     ProofMaker maker(options, part);
     const uint64_t size = maker.Write();
-    out << options.html << ": " << part.file.pages.size() << " pages, " << maker.SheetCount()
-        << " different ones, " << GroupedNumber(size) << " bytes\n";
+    const size_t pages = part.file.pages.size();
+    out << options.html << ": " << pages << (pages == 1 ? " page, " : " pages, ");
+    if (pages > 1) out << maker.SheetCount() << " different, ";
+    out << GroupedNumber(size) << " bytes\n";
     if (!part.problem.empty()) {
         throw std::runtime_error(options.file + UnreadText(part) + part.problem);
     }

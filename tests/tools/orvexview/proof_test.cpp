@@ -74,7 +74,7 @@ TEST_F(ProofTest, EqualPagesShareTheirPictures) {
     const std::string proof = Prove({kPage, other, kPage, kPage});
     EXPECT_EQ(Count(proof, "id=\"picture"), 2u);
     EXPECT_EQ(Data(proof)["pages"], nlohmann::json({0, 1, 0, 0}));
-    EXPECT_THAT(out_.str(), HasSubstr("4 pages, 2 different ones, "));
+    EXPECT_THAT(out_.str(), HasSubstr("4 pages, 2 different, "));
     EXPECT_THAT(proof, HasSubstr("<td>pages 1, 3, 4</td>"));
 }
 
