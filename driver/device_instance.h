@@ -40,7 +40,7 @@ struct PDEV {
     uint32_t yCoord;  // unused
 };
 
-// Returns the instance behind a handle, or null unless it has its signature at both ends.
+// Returns the instance of a handle, or null unless it has its signature at both ends.
 PDEV* ValidInstance(DHPDEV dhpdev);
 
 // Return the same, also for a surface, which may be null; set ERROR_INVALID_PARAMETER without an instance.

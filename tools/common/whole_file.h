@@ -18,7 +18,7 @@
 
 namespace orvex::tools {
 
-// Return whether a name stands for standard input, or for standard output: "-", or the system's own name.
+// Return whether a name means standard input, or standard output: "-", or the system's own name.
 // Under Wine those names would be the streams of its server.
 bool IsStandardInput(const std::filesystem::path& path);
 bool IsStandardOutput(const std::filesystem::path& path);

@@ -18,7 +18,7 @@ constexpr size_t kStartBytes = 64;
 
 std::string StartOf(const fs::path& path) {
     std::error_code ignored;
-    // What a pipe has given can't be read again.
+    // A pipe can be read only once.
     if (!IsStandardInput(path) && !fs::is_regular_file(path, ignored)) return {};
     try {
         std::string start(kStartBytes, '\0');

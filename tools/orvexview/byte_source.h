@@ -1,5 +1,4 @@
-// Where the bytes of a print file come from: memory, or a file of any length of which one window is in
-// memory.
+// The source of a print file's bytes: memory, or a file of any length of which one window is in memory.
 #pragma once
 
 #include <cstddef>

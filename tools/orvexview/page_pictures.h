@@ -32,7 +32,7 @@ class RowUser {
     virtual void TakeRow(uint32_t row, std::span<const uint32_t> inkValues, bool repeats) = 0;
 };
 
-// What to draw of a page. `scale` x `scale` pixels become one.
+// The pictures to draw of a page. `scale` x `scale` pixels become one.
 struct Drawing {
     BlockArea area;  // of the composite and the inks
     uint32_t scale = 1;

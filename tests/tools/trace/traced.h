@@ -9,7 +9,7 @@
 
 namespace orvex::tools::trace {
 
-// A log in the making. The clock stands at 12:00:00.000 until it is moved.
+// A log in the making. Its clock shows 12:00:00.000 until it is moved.
 class Log {
   public:
     Log& Line(const std::string& level, const std::string& message) {
