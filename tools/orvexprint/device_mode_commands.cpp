@@ -1,11 +1,10 @@
 #include "tools/orvexprint/device_mode_commands.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <memory>
 #include <optional>
 
-#include "tools/common/help_format.h"
+#include "tools/common/command_line.h"
 #include "tools/common/number_text.h"
 #include "tools/common/whole_file.h"
 #include "tools/common/wide_text.h"
@@ -52,37 +51,26 @@ struct CommandOptions {
 
 // Returns nothing when the arguments ask for help.
 std::optional<CommandOptions> ReadOptions(const std::vector<std::string>& arguments, std::ostream& out) {
-    std::string installation, printerData;
-    std::vector<std::string> files;
-    CLI::App app(kDescription, "orvexprint");
-    app.allow_windows_style_options(false);
-    app.formatter(std::make_shared<HelpFormat>("--show-devmode FILE | --compare-devmode A B"));
-    app.footer(kExamples);
-    CLI::Option* const show = app.add_flag(kShow)->description("Shows the device modes of a file");
-    CLI::Option* const compare =
-        app.add_flag(kCompare)->description("Compares two device modes")->excludes(show);
-    app.add_option("FILE", files, "The device mode, or the two to compare")->type_name("")->required();
-    app.add_option("--install", installation, "The installation folder; default: install beside orvexprint")
-        ->type_name("DIR");
-    app.add_option("--printer-data", printerData,
-                   "The printer's labels, as --printer-data of a job kept them")
-        ->type_name("FILE");
-    try {
-        app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
-    } catch (const CLI::CallForHelp&) {
-        out << app.help();
-        return std::nullopt;
-    } catch (const CLI::ParseError& error) {
-        throw OptionError(std::string(error.what()) + "; --show-devmode --help shows what there is");
-    }
-    if (files.size() != (compare->count() > 0 ? 2u : 1u)) {
-        throw OptionError(compare->count() > 0 ? "--compare-devmode takes two files"
-                                               : "--show-devmode takes one file");
+    CommandLine line("orvexprint", kDescription, "--show-devmode FILE | --compare-devmode A B", kExamples,
+                     "--show-devmode --help");
+    line.Flag(kShow, "Shows the device modes of a file");
+    line.Flag(kCompare, "Compares two device modes");
+    line.Exclude(kCompare, kShow);
+    line.Files("FILE", "", "The device mode, or the two to compare", 2);
+    line.Require("FILE");
+    line.Text("--install", "DIR", "The installation folder; default: install beside orvexprint");
+    line.Text("--printer-data", "FILE", "The printer's labels, as --printer-data of a job kept them");
+    if (!line.Read(arguments, out)) return std::nullopt;
+    const std::vector<std::string> files = line.Values("FILE");
+    if (files.size() != (line.Has(kCompare) ? 2u : 1u)) {
+        throw OptionError(line.Has(kCompare) ? "--compare-devmode takes two files"
+                                             : "--show-devmode takes one file");
     }
     const auto path = [](const std::string& text) {
         return text.empty() ? fs::path() : AbsolutePath(PathFromUtf8(text));
     };
-    CommandOptions options = {{}, path(installation), path(printerData)};
+    CommandOptions options = {
+        {}, path(line.Value("--install").value_or("")), path(line.Value("--printer-data").value_or(""))};
     for (const std::string& each : files) options.files.push_back(path(each));
     return options;
 }

@@ -1,12 +1,11 @@
 #include "tools/orvexprint/installation_check.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <memory>
 #include <nlohmann/json.hpp>
 
+#include "tools/common/command_line.h"
 #include "tools/common/file_version.h"
-#include "tools/common/help_format.h"
 #include "tools/common/product_version.h"
 #include "tools/common/whole_file.h"
 #include "tools/common/wide_text.h"
@@ -43,28 +42,17 @@ struct CheckOptions {
 
 // Returns nothing when the arguments ask for help.
 std::optional<CheckOptions> ReadCheckOptions(const std::vector<std::string>& arguments, std::ostream& out) {
-    CheckOptions options;
-    std::string installation, engine;
-    CLI::App app(kDescription, "orvexprint");
-    app.allow_windows_style_options(false);
-    app.formatter(std::make_shared<HelpFormat>("--check [options]"));
-    app.footer(kExamples);
-    app.add_flag("--check")->description("Checks the installation instead of printing")->required();
-    app.add_option("--install", installation, "The installation folder; default: install beside orvexprint")
-        ->type_name("DIR");
-    app.add_option("--engine", engine, "The print engine's library, if it is elsewhere")->type_name("FILE");
-    app.add_flag("--json", options.json, "JSON: an array of findings");
-    try {
-        app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
-    } catch (const CLI::CallForHelp&) {
-        out << app.help();
-        return std::nullopt;
-    } catch (const CLI::ParseError& error) {
-        throw OptionError(std::string(error.what()) + "; --check --help shows what there is");
-    }
-    if (!installation.empty()) options.installation = AbsolutePath(PathFromUtf8(installation));
-    if (!engine.empty()) options.engine = AbsolutePath(PathFromUtf8(engine));
-    return options;
+    CommandLine line("orvexprint", kDescription, "--check [options]", kExamples, "--check --help");
+    line.Flag("--check", "Checks the installation instead of printing");
+    line.Text("--install", "DIR", "The installation folder; default: install beside orvexprint");
+    line.Text("--engine", "FILE", "The print engine's library, if it is elsewhere");
+    line.Flag("--json", "JSON: an array of findings");
+    if (!line.Read(arguments, out)) return std::nullopt;
+    const auto path = [&](const char* option) {
+        const std::string text = line.Value(option).value_or("");
+        return text.empty() ? fs::path() : AbsolutePath(PathFromUtf8(text));
+    };
+    return CheckOptions{path("--install"), path("--engine"), line.Has("--json")};
 }
 
 // The checks, one after the other.

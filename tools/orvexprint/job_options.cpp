@@ -1,12 +1,9 @@
 #include "tools/orvexprint/job_options.h"
 
-#include <CLI/CLI.hpp>
-
 #include <algorithm>
 
-#include "tools/common/help_format.h"
+#include "tools/common/command_line.h"
 #include "tools/common/number_text.h"
-#include "tools/common/product_version.h"
 #include "tools/common/wide_text.h"
 #include "tools/orvexprint/art_colors.h"
 
@@ -44,6 +41,7 @@ constexpr char kColor[] = "Colour";
 constexpr char kOutput[] = "Output";
 constexpr char kPrinter[] = "Printer and program";
 
+constexpr int kAnyNumber = -1;
 constexpr int kLogErrors = 1;  // masks of the driver's log
 constexpr int kLogEverything = 3;
 constexpr int kLeastImageDpi = 10;
@@ -52,171 +50,159 @@ constexpr char kRotateRange[] = "off or auto";
 constexpr const char* kLanguages[] = {"ENG", "FRA", "DEU", "CH", "ES", "JPN", "ENU"};
 constexpr char kLanguageRange[] = "ENG, FRA, DEU, CH, ES, JPN or ENU";
 
-// Adds an option that takes a text; if it is given several times, the last one counts.
-CLI::Option* Add(CLI::App& app, const char* name, const char* type, const char* group,
-                 const std::string& help) {
-    return app.add_option(name)->description(help)->type_name(type)->group(group)->take_last();
-}
-
-void AddFlag(CLI::App& app, const char* name, const char* group, const char* help) {
-    app.add_flag(name)->description(help)->group(group);
-}
-
-void AddSetting(CLI::App& app, const Setting& setting) {
-    const std::string help = std::string(setting.help) + " (" + RangeText(setting) + ")";
+void AddSetting(CommandLine& line, const Setting& setting) {
+    line.Group(setting.group);
     if (setting.IsSwitch()) {
-        app.add_flag(setting.option)->description(setting.help)->type_name("[=off]")->group(setting.group);
+        line.Flag(setting.option, setting.help, "[=off]");
     } else {
-        Add(app, setting.option, setting.words.empty() ? "N" : "WORD", setting.group, help);
+        line.Text(setting.option, setting.words.empty() ? "N" : "WORD",
+                  std::string(setting.help) + " (" + RangeText(setting) + ")");
     }
 }
 
-void AddPageOptions(CLI::App& app) {
-    app.add_option("PAGE")
-        ->description(
-            "PNG, JPEG, BMP and GIF files and enhanced metafiles (EMF, drawn by GDI, in the Windows build "
-            "alone), a page each, printed in that order at their real size; - is standard input. JPEGs are "
-            "turned as their EXIF data say. Pages of the job's resolution are never resampled, and the "
-            "command says which others are. Or a spool file of Windows with metafiles (data type NT EMF), "
-            "which is a whole job with its own settings. " +
-            std::string(kColorsHelp))
-        ->type_name("FILE")
-        ->expected(1, -1)
-        ->allow_extra_args()
-        ->group(kPages);
-    AddFlag(app, "--test-page", kPages, "print the built-in self-test page instead of files");
-    Add(app, "--size", "WxH", kPages,
-        "width and length of the label, in mm, cm or in (" + PaperText(kLeastPaper) + " to " +
-            PaperText(kMostPaper) + "); " + kNamedPapers +
-            ", which is what pages get if nothing else says how large the label is");
-    Add(app, "--label", "NAME", kPages,
-        "a label of the printer's list instead, by its name or number; see --list");
-    AddFlag(app, "--landscape", kPages, "turn the page: the label's length runs across it");
-    AddFlag(app, "--portrait", kPages, "turn the page back if a loaded device mode is landscape");
-    AddFlag(app, "--fit", kPages, "scale each page to the largest size that the label holds");
-    Add(app, "--rotate", "WORD", kPages,
+void AddPageOptions(CommandLine& line) {
+    line.Group(kPages);
+    line.Files(
+        "PAGE", "FILE",
+        "PNG, JPEG, BMP and GIF files and enhanced metafiles (EMF, drawn by GDI, in the Windows build "
+        "alone), a page each, printed in that order at their real size; - is standard input. JPEGs are "
+        "turned as their EXIF data say. Pages of the job's resolution are never resampled, and the "
+        "command says which others are. Or a spool file of Windows with metafiles (data type NT EMF), "
+        "which is a whole job with its own settings. " +
+            std::string(kColorsHelp),
+        kAnyNumber);
+    line.Flag("--test-page", "print the built-in self-test page instead of files");
+    line.Text("--size", "WxH",
+              "width and length of the label, in mm, cm or in (" + PaperText(kLeastPaper) + " to " +
+                  PaperText(kMostPaper) + "); " + kNamedPapers +
+                  ", which is what pages get if nothing else says how large the label is");
+    line.Text("--label", "NAME", "a label of the printer's list instead, by its name or number; see --list");
+    line.Flag("--landscape", "turn the page: the label's length runs across it");
+    line.Flag("--portrait", "turn the page back if a loaded device mode is landscape");
+    line.Flag("--fit", "scale each page to the largest size that the label holds");
+    line.Text(
+        "--rotate", "WORD",
         std::string("turn a page by a quarter if it fits, or fits larger, only then (") + kRotateRange + ")");
-    AddFlag(app, "--smooth", kPages,
-            "blend the pixels of enlarged pages, for photographs; bars and text are sharper without it");
-    Add(app, "--shd", "FILE", kPages,
-        "the shadow file beside a spool file, for the job's name and its first settings");
-    Add(app, "--image-dpi", "N", kPages,
-        "resolution of pages that state none (10 to 10000 dpi; default: the job's)");
+    line.Flag("--smooth",
+              "blend the pixels of enlarged pages, for photographs; bars and text are sharper without it");
+    line.Text("--shd", "FILE",
+              "the shadow file beside a spool file, for the job's name and its first settings");
+    line.Text("--image-dpi", "N",
+              "resolution of pages that state none (10 to 10000 dpi; default: the job's)");
 }
 
-void AddOutputOptions(CLI::App& app) {
-    Add(app, "-o,--output", "FILE", kOutput,
+void AddOutputOptions(CommandLine& line) {
+    line.Group(kOutput);
+    line.Text(
+        "-o,--output", "FILE",
         "the print file; it appears when it is complete. What is no regular file is written to as it is; - "
         "is "
         "standard output, and messages go to standard error then");
-    AddFlag(app, "--force", kOutput,
-            "replace an existing file even if it is no print file or no device mode");
-    AddFlag(
-        app, "--strict", kOutput,
+    line.Flag("--force", "replace an existing file even if it is no print file or no device mode");
+    line.Flag(
+        "--strict",
         "fail where the driver would only fall back: a profile that it can't read, no profiles at all, no "
         "settings.inf");
-    Add(app, "--title", "NAME", kOutput, "name of the job (default: the name of the first page)");
-    AddFlag(app, "--dry-run", kOutput, "show the settings and the page's place, and print nothing");
-    AddFlag(app, "--list", kOutput, "list the printer's labels and colour profiles");
-    Add(app, "--load-devmode", "FILE", kOutput,
+    line.Text("--title", "NAME", "name of the job (default: the name of the first page)");
+    line.Flag("--dry-run", "show the settings and the page's place, and print nothing");
+    line.Flag("--list", "list the printer's labels and colour profiles");
+    line.Text(
+        "--load-devmode", "FILE",
         "start from the settings of a device mode: a file of its 916 bytes, a spool file, a shadow file or a "
         "registry export; FILE#2 is the second one of such a file");
-    AddFlag(app, "--as-is", kOutput,
-            "hand that device mode to the driver as it is stored: any bytes, in memory that ends with them");
-    Add(app, "--save-devmode", "FILE", kOutput, "write the job's settings to such a file");
-    Add(app, "--save-spl", "FILE", kOutput,
+    line.Flag(
+        "--as-is",
+        "hand that device mode to the driver as it is stored: any bytes, in memory that ends with them");
+    line.Text("--save-devmode", "FILE", "write the job's settings to such a file");
+    line.Text(
+        "--save-spl", "FILE",
         "write the job to a spool file as well, with its pages as they were drawn; it prints the same again");
 }
 
-void AddPrinterOptions(CLI::App& app) {
-    Add(app, "--install", "DIR", kPrinter,
-        "installation folder of the driver (default: the folder \"install\" beside this program)");
-    Add(app, "--engine", "FILE", kPrinter,
+void AddPrinterOptions(CommandLine& line) {
+    line.Group(kPrinter);
+    line.Text("--install", "DIR",
+              "installation folder of the driver (default: the folder \"install\" beside this program)");
+    line.Text(
+        "--engine", "FILE",
         "raster library to print with (default: the hpcrlib.dll of the installation folder or, failing that, "
         "beside this program)");
-    Add(app, "--printer-data", "FILE", kPrinter, "keep the printer's label list in this file between runs");
-    Add(app, "--language", "CODE", kPrinter,
-        std::string("language of profile names (") + kLanguageRange + "), if settings.inf names none");
-    Add(app, "--log", "LEVEL", kPrinter,
+    line.Text("--printer-data", "FILE", "keep the printer's label list in this file between runs");
+    line.Text("--language", "CODE",
+              std::string("language of profile names (") + kLanguageRange + "), if settings.inf names none");
+    line.Text(
+        "--log", "LEVEL",
         "turn the driver's log on for this run, and for no other program: error, trace, or tree, which is "
         "the trace and shows it as a tree at the end");
 }
 
-// Returns the value given for an option, or nothing if the option was not given.
-std::optional<std::string> Given(const CLI::App& app, const char* option) {
-    const CLI::Option* const found = app.get_option(option);
-    if (found->count() == 0) return std::nullopt;
-    return found->results().back();
-}
-
-fs::path GivenPath(const CLI::App& app, const char* option) {
-    const auto text = Given(app, option);
+fs::path GivenPath(const CommandLine& line, const char* option) {
+    const auto text = line.Value(option);
     if (text && text->empty()) throw OptionError(std::string(option) + " needs a name");
     return PathFromUtf8(text.value_or(""));
 }
 
-void ReadWords(const CLI::App& app, JobOptions& options) {
-    if (const auto text = Given(app, "--image-dpi")) {
+void ReadWords(const CommandLine& line, JobOptions& options) {
+    if (const auto text = line.Value("--image-dpi")) {
         options.imageDpi = ParseWhole(*text);
         if (!options.imageDpi || *options.imageDpi < kLeastImageDpi || *options.imageDpi > kMostImageDpi) {
             throw WrongValue("--image-dpi", *text, "10 to 10000 dpi");
         }
     }
-    if (const auto text = Given(app, "--rotate")) {
+    if (const auto text = line.Value("--rotate")) {
         if (*text != "off" && *text != "auto") throw WrongValue("--rotate", *text, kRotateRange);
         options.turnToFit = *text == "auto";
     }
-    if (const auto text = Given(app, "--language")) {
+    if (const auto text = line.Value("--language")) {
         const auto known = [&](const char* code) { return *text == code; };
         if (std::none_of(std::begin(kLanguages), std::end(kLanguages), known)) {
             throw WrongValue("--language", *text, kLanguageRange);
         }
         options.language = text;
     }
-    if (const auto text = Given(app, "--log")) {
+    if (const auto text = line.Value("--log")) {
         if (*text != "error" && *text != "trace" && *text != "tree") {
             throw WrongValue("--log", *text, "error, trace or tree");
         }
         options.logMask = *text == "error" ? kLogErrors : kLogEverything;
         options.logTree = *text == "tree";
     }
-    options.title = Given(app, "--title").value_or("");
+    options.title = line.Value("--title").value_or("");
 }
 
-void ReadPaths(const CLI::App& app, JobOptions& options) {
-    for (const std::string& page : app.get_option("PAGE")->results())
-        options.pages.push_back(PathFromUtf8(page));
-    options.output = GivenPath(app, "--output");
-    options.installation = GivenPath(app, "--install");
-    options.engine = GivenPath(app, "--engine");
-    options.printerData = GivenPath(app, "--printer-data");
-    options.loadMode = GivenPath(app, "--load-devmode");
-    options.saveMode = GivenPath(app, "--save-devmode");
-    options.shadow = GivenPath(app, "--shd");
-    options.saveSpool = GivenPath(app, "--save-spl");
+void ReadPaths(const CommandLine& line, JobOptions& options) {
+    for (const std::string& page : line.Values("PAGE")) options.pages.push_back(PathFromUtf8(page));
+    options.output = GivenPath(line, "--output");
+    options.installation = GivenPath(line, "--install");
+    options.engine = GivenPath(line, "--engine");
+    options.printerData = GivenPath(line, "--printer-data");
+    options.loadMode = GivenPath(line, "--load-devmode");
+    options.saveMode = GivenPath(line, "--save-devmode");
+    options.shadow = GivenPath(line, "--shd");
+    options.saveSpool = GivenPath(line, "--save-spl");
 }
 
-void ReadSettings(const CLI::App& app, JobOptions& options) {
-    const auto size = Given(app, "--size");
-    options.label = Given(app, "--label");
-    options.profile = Given(app, "--profile");
+void ReadSettings(const CommandLine& line, JobOptions& options) {
+    const auto size = line.Value("--size");
+    options.label = line.Value("--label");
+    options.profile = line.Value("--profile");
     options.sizeOfPage =
         size ? *size == "page" : !options.label && options.loadMode.empty() && !options.pages.empty();
     if (size && !options.sizeOfPage) options.size = ParsePaperSize(*size);
     if (size && options.label) throw OptionError("--size and --label: give one of them");
     for (const Setting& setting : Settings()) {
-        const auto text = Given(app, setting.option);
+        const auto text = line.Value(setting.option);
         if (!text) continue;
         const bool bare = setting.IsSwitch() && *text == "true";
         options.settings.emplace_back(&setting, bare ? 1 : ParseSetting(setting, *text));
     }
-    if (app.count("--landscape") + app.count("--portrait") + app.count("--orientation") > 1 &&
-        (app.count("--landscape") > 0 || app.count("--portrait") > 0)) {
+    const bool landscape = line.Has("--landscape"), portrait = line.Has("--portrait");
+    if (landscape + portrait + line.Value("--orientation").has_value() > 1) {
         throw OptionError("--landscape, --portrait and --orientation: give one of them");
     }
     const Setting& orientation = FindSetting("--orientation");
-    if (app.count("--landscape") > 0) options.settings.emplace_back(&orientation, DMORIENT_LANDSCAPE);
-    if (app.count("--portrait") > 0) options.settings.emplace_back(&orientation, DMORIENT_PORTRAIT);
+    if (landscape) options.settings.emplace_back(&orientation, DMORIENT_LANDSCAPE);
+    if (portrait) options.settings.emplace_back(&orientation, DMORIENT_PORTRAIT);
 }
 
 // Checks that there are pages and an output if the command line asks to print.
@@ -248,46 +234,30 @@ void CheckTask(const JobOptions& options) {
 }  // namespace
 
 std::optional<JobOptions> ParseJobOptions(const std::vector<std::string>& arguments, std::ostream& help) {
-    CLI::App app(kDescription, "orvexprint");
-    app.allow_windows_style_options(false);  // a name may begin with a slash
-    app.formatter(std::make_shared<HelpFormat>("[options] -o FILE PAGE.png..."));
-    app.footer(kExamples);
-    app.set_help_flag();
-
-    AddPageOptions(app);
-    for (const Setting& setting : Settings()) AddSetting(app, setting);
-    Add(app, "--profile", "NAME", kColor,
+    CommandLine line("orvexprint", kDescription, "[options] -o FILE PAGE.png...", kExamples);
+    AddPageOptions(line);
+    for (const Setting& setting : Settings()) AddSetting(line, setting);
+    line.Group(kColor);
+    line.Text(
+        "--profile", "NAME",
         "an installed colour profile, by the name of its file or the one beside it in --list, in any case; "
-        "or the "
-        "path of a profile, which is then installed for this run");
-    AddOutputOptions(app);
-    AddPrinterOptions(app);
-    app.set_version_flag("--version", std::string("orvexprint ") + kProductVersion, "show the version")
-        ->group(kPrinter);
-    app.set_help_flag("-h,--help", "show this help")->group(kPrinter);
-    try {
-        app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
-    } catch (const CLI::CallForHelp&) {
-        help << app.help();
-        return std::nullopt;
-    } catch (const CLI::CallForVersion& version) {
-        help << version.what() << "\n";
-        return std::nullopt;
-    } catch (const CLI::ParseError& error) {
-        throw OptionError(std::string(error.what()) + "; --help shows what there is");
-    }
+        "or the path of a profile, which is then installed for this run");
+    AddOutputOptions(line);
+    AddPrinterOptions(line);
+    line.Version("show the version", "show this help");
+    if (!line.Read(arguments, help)) return std::nullopt;
     JobOptions options;
-    options.testPage = app.count("--test-page") > 0;
-    options.fit = app.count("--fit") > 0;
-    options.smooth = app.count("--smooth") > 0;
-    options.force = app.count("--force") > 0;
-    options.strict = app.count("--strict") > 0;
-    options.dryRun = app.count("--dry-run") > 0;
-    options.asIs = app.count("--as-is") > 0;
-    options.list = app.count("--list") > 0;
-    ReadPaths(app, options);
-    ReadWords(app, options);
-    ReadSettings(app, options);
+    options.testPage = line.Has("--test-page");
+    options.fit = line.Has("--fit");
+    options.smooth = line.Has("--smooth");
+    options.force = line.Has("--force");
+    options.strict = line.Has("--strict");
+    options.dryRun = line.Has("--dry-run");
+    options.asIs = line.Has("--as-is");
+    options.list = line.Has("--list");
+    ReadPaths(line, options);
+    ReadWords(line, options);
+    ReadSettings(line, options);
     CheckTask(options);
     return options;
 }

@@ -207,9 +207,4 @@ std::string ValueText(const Setting& setting, int value) {
     return WithUnit(setting, NumberText(setting, value));
 }
 
-OptionError WrongValue(std::string_view option, std::string_view value, std::string_view range) {
-    return OptionError(std::string(option) + ": \"" + std::string(value) + "\" is not allowed; it takes " +
-                       std::string(range));
-}
-
 }  // namespace orvex::tools::print

@@ -5,19 +5,13 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 
 #include "driver/config/device_mode.h"
+#include "tools/common/command_line.h"
 
 namespace orvex::tools::print {
-
-// A wrong value: the message names the option, the value and the range.
-class OptionError : public std::runtime_error {
-  public:
-    using std::runtime_error::runtime_error;
-};
 
 // The place of a signed number in a device mode.
 struct SettingField {
@@ -66,8 +60,5 @@ std::string RangeText(const Setting& setting);
 
 // Returns a value of the field as text: "leading", "2.0 mm".
 std::string ValueText(const Setting& setting, int value);
-
-// Returns the error `option: "value" is not allowed; it takes RANGE`.
-OptionError WrongValue(std::string_view option, std::string_view value, std::string_view range);
 
 }  // namespace orvex::tools::print

@@ -1,4 +1,5 @@
 #include "tools/orvexview/compare_command.h"
+#include "tools/common/command_line.h"
 
 #include <algorithm>
 #include <memory>
@@ -8,7 +9,6 @@
 #include "tools/common/printable_text.h"
 #include "tools/common/whole_file.h"
 #include "tools/common/wide_text.h"
-#include "tools/orvexview/command_line.h"
 #include "tools/orvexview/job_difference.h"
 #include "tools/orvexview/options.h"
 #include "tools/orvexview/png_writer.h"
@@ -195,16 +195,21 @@ bool IsCompareCommand(const std::vector<std::string>& arguments) {
 }
 
 int RunCompareCommand(const std::vector<std::string>& arguments, std::ostream& out) {
-    CompareOptions options;
-    CommandLine line(kDescription, "FILE --compare OTHER [options]", kExamples);
-    CLI::App& app = line.App();
-    app.add_option("FILE", options.first, "The first print file")->required()->type_name("");
-    app.add_option("--compare", options.second, "The second print file")->required()->type_name("OTHER");
-    app.add_option("-o,--output", options.prefix,
-                   "Writes a difference picture of each page that differs, PREFIX-pageN-difference.png")
-        ->type_name("PREFIX");
-    app.add_flag("--json", options.json, "JSON instead of tables");
+    CommandLine line("orvexview", kDescription, "FILE --compare OTHER [options]", kExamples,
+                     "--compare --help");
+    line.Files("FILE", "", "The first print file");
+    line.Require("FILE");
+    line.Text("--compare", "OTHER", "The second print file");
+    line.Require("--compare");
+    line.Text("-o,--output", "PREFIX",
+              "Writes a difference picture of each page that differs, PREFIX-pageN-difference.png");
+    line.Flag("--json", "JSON instead of tables");
     if (!line.Read(arguments, out)) return 0;
+    CompareOptions options;
+    options.first = line.Value("FILE").value_or("");
+    options.second = line.Value("--compare").value_or("");
+    options.prefix = line.Value("--output").value_or("");
+    options.json = line.Has("--json");
     const JobComparison comparison(options);
     out << (options.json ? comparison.JsonText() : comparison.Text());
     return comparison.IsSame() ? 0 : 1;

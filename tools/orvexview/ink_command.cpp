@@ -1,11 +1,11 @@
 #include "tools/orvexview/ink_command.h"
+#include "tools/common/command_line.h"
 
 #include <algorithm>
 
 #include "tools/common/number_text.h"
 #include "tools/common/whole_file.h"
 #include "tools/common/wide_text.h"
-#include "tools/orvexview/command_line.h"
 #include "tools/orvexview/ink_prices.h"
 #include "tools/orvexview/ink_use.h"
 #include "tools/orvexview/table.h"
@@ -132,19 +132,17 @@ bool IsInkCommand(const std::vector<std::string>& arguments) {
 }
 
 int RunInkCommand(const std::vector<std::string>& arguments, std::ostream& out) {
-    std::string file;
-    std::string drop;
-    std::string price;
-    bool ink = false;
-    CommandLine line(kDescription, "FILE --ink [options]", kExamples);
-    CLI::App& app = line.App();
-    app.add_option("FILE", file, "The print file")->required()->type_name("");
-    app.add_flag("--ink", ink, "Counts the ink");
-    app.add_option("--drop", drop, "The size of a drop in picoliters, from now on")->type_name("6pl");
-    app.add_option("--price", price,
-                   "The prices of inks for a liter, from now on; inks not named keep theirs")
-        ->type_name("K=80,C=95,M=95,Y=95/l");
+    CommandLine line("orvexview", kDescription, "FILE --ink [options]", kExamples, "--ink --help");
+    line.Files("FILE", "", "The print file");
+    line.Require("FILE");
+    line.Flag("--ink", "Counts the ink");
+    line.Text("--drop", "6pl", "The size of a drop in picoliters, from now on");
+    line.Text("--price", "K=80,C=95,M=95,Y=95/l",
+              "The prices of inks for a liter, from now on; inks not named keep theirs");
     if (!line.Read(arguments, out)) return 0;
+    const std::string file = line.Value("FILE").value_or("");
+    const std::string drop = line.Value("--drop").value_or("");
+    const std::string price = line.Value("--price").value_or("");
     const std::filesystem::path path = InkPricesPath();
     InkPrices prices = LoadInkPrices(path);
     if (!drop.empty()) TakeDrop(drop, prices);

@@ -5,11 +5,10 @@
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
+#include "tools/common/command_line.h"
 #include "tools/common/number_text.h"
-#include "tools/common/printable_text.h"
 #include "tools/common/whole_file.h"
 #include "tools/common/wide_text.h"
-#include "tools/orvexview/options.h"
 
 namespace orvex::tools::view {
 
@@ -47,11 +46,6 @@ bool IsDrop(double picoliters) {
 
 bool IsPrice(double price) {
     return price >= 0 && price <= kMostPrice;
-}
-
-OptionError WrongValue(const char* option, const std::string& value, const char* allowed) {
-    return OptionError(std::string(option) + ": \"" + PrintableText(value, 40) +
-                       "\" is not allowed; it takes " + allowed);
 }
 
 void TakeJson(const nlohmann::json& json, InkPrices& prices) {

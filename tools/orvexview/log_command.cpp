@@ -1,15 +1,12 @@
 #include "tools/orvexview/log_command.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <memory>
 
-#include "tools/common/help_format.h"
+#include "tools/common/command_line.h"
 #include "tools/common/number_text.h"
-#include "tools/common/printable_text.h"
 #include "tools/common/whole_file.h"
 #include "tools/common/wide_text.h"
-#include "tools/orvexview/options.h"
 #include "tools/trace/read_trace.h"
 
 namespace orvex::tools::view {
@@ -37,8 +34,6 @@ constexpr const char* kExamples =
     "written;\n"
     "2 for a wrong command line.";
 
-constexpr const char* kHelpOptions[] = {"-h", "--help"};
-
 struct LogOptions {
     std::string file;
     std::string html;
@@ -47,11 +42,6 @@ struct LogOptions {
     bool json = false;
     bool errors = false;
 };
-
-OptionError WrongValue(const char* option, const std::string& value, const char* allowed) {
-    return OptionError(std::string(option) + ": \"" + PrintableText(value, 40) +
-                       "\" is not allowed; it takes " + allowed);
-}
 
 // Parses "50ms", "1.5s" or "50", which are milliseconds.
 int64_t DurationOf(const std::string& text) {
@@ -83,34 +73,23 @@ trace::TraceFilter FilterOf(const LogOptions& options) {
 
 // Returns nothing when the arguments ask for help.
 std::optional<LogOptions> ReadLogOptions(const std::vector<std::string>& arguments, std::ostream& out) {
+    CommandLine line("orvexview", kDescription, "--log FILE [options]", kExamples, "--log --help");
+    line.Text("--log", "FILE", "The log, or one of its backups");
+    line.Require("--log");
+    line.Flag("--errors", "Only errors that no sound job has, and the operations around them");
+    line.Text("--slow", "TIME", "Only operations that took at least this long, and those around them");
+    line.Text("--job", "N", "Only the job of this number, as the tree counts them");
+    line.Flag("--json", "JSON: an array of the outermost operations");
+    line.Text("--html", "FILE", "Writes the tree as a page to this file");
+    line.Exclude("--html", "--json");
+    if (!line.Read(arguments, out)) return std::nullopt;
     LogOptions options;
-    CLI::App app(kDescription, "orvexview");
-    app.allow_windows_style_options(false);
-    app.formatter(std::make_shared<HelpFormat>("--log FILE [options]"));
-    app.footer(kExamples);
-    app.add_option("--log", options.file, "The log, or one of its backups")->required()->type_name("FILE");
-    app.add_flag("--errors", options.errors,
-                 "Only errors that no sound job has, and the operations around them");
-    app.add_option("--slow", options.slow,
-                   "Only operations that took at least this long, and those around them")
-        ->type_name("TIME");
-    app.add_option("--job", options.job, "Only the job of this number, as the tree counts them")
-        ->type_name("N");
-    CLI::Option* json = app.add_flag("--json", options.json, "JSON: an array of the outermost operations");
-    app.add_option("--html", options.html, "Writes the tree as a page to this file")
-        ->type_name("FILE")
-        ->excludes(json);
-    // The option may be without its file then.
-    if (std::find_first_of(arguments.begin(), arguments.end(), std::begin(kHelpOptions),
-                           std::end(kHelpOptions)) != arguments.end()) {
-        out << app.help();
-        return std::nullopt;
-    }
-    try {
-        app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
-    } catch (const CLI::ParseError& error) {
-        throw OptionError(std::string(error.what()) + "; --log --help shows what there is");
-    }
+    options.file = line.Value("--log").value_or("");
+    options.html = line.Value("--html").value_or("");
+    options.slow = line.Value("--slow").value_or("");
+    options.job = line.Value("--job").value_or("");
+    options.json = line.Has("--json");
+    options.errors = line.Has("--errors");
     return options;
 }
 
@@ -132,9 +111,7 @@ trace::TraceCounts WritePage(const LogOptions& options, const trace::TraceFilter
 }  // namespace
 
 bool IsLogCommand(const std::vector<std::string>& arguments) {
-    return std::any_of(arguments.begin(), arguments.end(), [](const std::string& argument) {
-        return argument == "--log" || argument.starts_with("--log=");
-    });
+    return HasOption(arguments, "--log");
 }
 
 int RunLogCommand(const std::vector<std::string>& arguments, std::ostream& out) {

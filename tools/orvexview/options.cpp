@@ -1,14 +1,9 @@
 #include "tools/orvexview/options.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
-#include <memory>
 
-#include "tools/common/help_format.h"
 #include "tools/common/number_text.h"
 #include "tools/common/picture.h"
-#include "tools/common/printable_text.h"
-#include "tools/common/product_version.h"
 
 namespace orvex::tools::view {
 
@@ -50,87 +45,79 @@ constexpr const char* kExamples =
 constexpr const char* kPageRange = "the number of a page, from 1";
 constexpr const char* kOrientationWords = "portrait or landscape";
 
-void AddOutputOptions(CLI::App& app, Options& options) {
-    app.add_option("FILE", options.file, "The print file")->required()->type_name("");
-    app.add_option("-o,--output", options.prefix,
-                   "Beginning of the pictures' names; default: FILE without its extension")
-        ->type_name("PREFIX");
-    app.add_flag("--inks", options.inks, "One grey picture per ink as well: PREFIX-pageN-K.png, -C, -M, -Y");
-    app.add_flag(
-        "--layout", options.layout,
-        "PREFIX-pageN-layout.png as well: the whole print head as a grey band with a tick every 10 "
-        "mm, the page in its place on it, with left, right, paper feed and a legend in mm and pixels; "
-        "fill rows are bluish, the purge bar is yellowish. The head's first row, its left end, is at "
-        "the right of a portrait page, at the top of a landscape one");
-    app.add_flag_callback(
-           "--no-pictures", [&options] { options.pictures = false; }, "Writes no pictures of pages")
-        ->excludes("--inks")
-        ->excludes("--layout");
-    app.add_flag("--force", options.force,
-                 "Replaces files that have a picture's name but are no pictures of orvexview");
-    app.add_option("--thumbnail", options.thumbnail, "Writes the job's thumbnail, a PNG, to this file")
-        ->type_name("FILE");
-    CLI::Option* verify =
-        app.add_option(
-               "--verify", options.verify,
-               "Compares the first page shown, at every pixel, with a PNG of the label's size in pixels")
-            ->type_name("PAGE.png");
-    app.add_option(
-           "--profile", options.profile,
-           "With --verify, compares inks: the PNG goes through this profile as the driver prints it, and "
-           "every ink must be equal. Not for art with a color profile of its own, nor for jobs with "
-           "adjusted colors, turned by 180 degrees or mirrored")
-        ->type_name("FILE.zvp")
-        ->needs(verify);
+void AddOutputOptions(CommandLine& line) {
+    line.Files("FILE", "", "The print file");
+    line.Require("FILE");
+    line.Text("-o,--output", "PREFIX",
+              "Beginning of the pictures' names; default: FILE without its extension");
+    line.Flag("--inks", "One grey picture per ink as well: PREFIX-pageN-K.png, -C, -M, -Y");
+    line.Flag(
+        "--layout",
+        "PREFIX-pageN-layout.png as well: the whole print head as a grey band with a tick every 10 mm, the "
+        "page in its place on it, with left, right, paper feed and a legend in mm and pixels; fill rows are "
+        "bluish, the purge bar is yellowish. The head's first row, its left end, is at the right of a "
+        "portrait page, at the top of a landscape one");
+    line.Flag("--no-pictures", "Writes no pictures of pages");
+    line.Exclude("--no-pictures", "--inks");
+    line.Exclude("--no-pictures", "--layout");
+    line.Flag("--force", "Replaces files that have a picture's name but are no pictures of orvexview");
+    line.Text("--thumbnail", "FILE", "Writes the job's thumbnail, a PNG, to this file");
+    line.Text("--verify", "PAGE.png",
+              "Compares the first page shown, at every pixel, with a PNG of the label's size in pixels");
+    line.Text(
+        "--profile", "FILE.zvp",
+        "With --verify, compares inks: the PNG goes through this profile as the driver prints it, and every "
+        "ink must be equal. Not for art with a color profile of its own, nor for jobs with adjusted colors, "
+        "turned by 180 degrees or mirrored");
+    line.Need("--profile", "--verify");
 }
 
-void AddViewOptions(CLI::App& app) {
-    app.add_option("-p,--page",
-                   "Only this page, its table and its pictures, from 1; may be given several times")
-        ->type_name("N")
-        ->allow_extra_args(false)
-        ->take_all();
-    CLI::Option* scale =
-        app.add_option(
-               "--scale",
-               "K x K pixels become one, 1 to 1000; default: the longer side gets at most 1600 pixels. A "
-               "label longer than the print head is wide gets the scale at which the head's width has "
-               "1600, so that its text can be read, up to 8 million pixels. The layout never gets larger "
-               "than that")
-            ->type_name("K")
-            ->take_last();
-    app.add_flag("--full")->description("Every pixel, the same as --scale 1")->excludes(scale);
-    app.add_flag("--raw")->description("Pictures as sent: not turned, with fill rows and purge bar");
-    app.add_option("--orientation", "portrait or landscape, if the job header does not tell it")
-        ->type_name("HOW")
-        ->take_last();
+void AddViewOptions(CommandLine& line) {
+    line.Texts("-p,--page", "N",
+               "Only this page, its table and its pictures, from 1; may be given several times");
+    line.Text(
+        "--scale", "K",
+        "K x K pixels become one, 1 to 1000; default: the longer side gets at most 1600 pixels. A label "
+        "longer than the print head is wide gets the scale at which the head's width has 1600, so that its "
+        "text can be read, up to 8 million pixels. The layout never gets larger than that");
+    line.Flag("--full", "Every pixel, the same as --scale 1");
+    line.Exclude("--full", "--scale");
+    line.Flag("--raw", "Pictures as sent: not turned, with fill rows and purge bar");
+    line.Text("--orientation", "HOW", "portrait or landscape, if the job header does not tell it");
 }
 
-OptionError WrongValue(const std::string& option, const std::string& value, const std::string& allowed) {
-    return OptionError(option + ": \"" + PrintableText(value, 40) + "\" is not allowed; it takes " + allowed);
-}
-
-uint32_t NumberOf(const std::string& option, const std::string& text, int most, const std::string& allowed) {
+uint32_t NumberOf(const char* option, const std::string& text, int most, const std::string& allowed) {
     const std::optional<int> number = ParseWhole(text);
     if (!number || *number < 1 || *number > most) throw WrongValue(option, text, allowed);
     return static_cast<uint32_t>(*number);
 }
 
-void ReadViewOptions(const CLI::App& app, Options& options) {
-    const auto given = [&](const char* option) { return app.get_option(option)->results(); };
-    for (const std::string& text : given("--page")) {
+void ReadOutputOptions(const CommandLine& line, Options& options) {
+    options.file = line.Value("FILE").value_or("");
+    options.prefix = line.Value("--output").value_or("");
+    options.inks = line.Has("--inks");
+    options.layout = line.Has("--layout");
+    options.pictures = !line.Has("--no-pictures");
+    options.force = line.Has("--force");
+    options.thumbnail = line.Value("--thumbnail").value_or("");
+    options.verify = line.Value("--verify").value_or("");
+    options.profile = line.Value("--profile").value_or("");
+}
+
+void ReadViewOptions(const CommandLine& line, Options& options) {
+    for (const std::string& text : line.Values("--page")) {
         options.pages.push_back(NumberOf("--page", text, INT32_MAX, kPageRange));
     }
-    for (const std::string& text : given("--scale")) {
-        options.scale = NumberOf("--scale", text, kMaxScale, "1 to " + std::to_string(kMaxScale));
+    if (const auto text = line.Value("--scale")) {
+        options.scale = NumberOf("--scale", *text, kMaxScale, "1 to " + std::to_string(kMaxScale));
     }
-    if (app.count("--full") > 0) options.scale = 1;
-    options.raw = app.count("--raw") > 0;
-    for (const std::string& text : given("--orientation")) {
-        if (text != "portrait" && text != "landscape") {
-            throw WrongValue("--orientation", text, kOrientationWords);
+    if (line.Has("--full")) options.scale = 1;
+    options.raw = line.Has("--raw");
+    if (const auto text = line.Value("--orientation")) {
+        if (*text != "portrait" && *text != "landscape") {
+            throw WrongValue("--orientation", *text, kOrientationWords);
         }
-        options.orientation = text == "portrait" ? Orientation::kPortrait : Orientation::kLandscape;
+        options.orientation = *text == "portrait" ? Orientation::kPortrait : Orientation::kLandscape;
     }
 }
 
@@ -146,26 +133,14 @@ uint32_t PreviewScale(uint32_t width, uint32_t height, uint32_t headRows) {
 }
 
 std::optional<Options> ReadOptions(const std::vector<std::string>& arguments, std::ostream& out) {
+    CommandLine line("orvexview", kDescription, "[options] FILE", kExamples);
+    AddOutputOptions(line);
+    AddViewOptions(line);
+    line.Version("Show the version", "Show this help");
+    if (!line.Read(arguments, out)) return std::nullopt;
     Options options;
-    CLI::App app(kDescription, "orvexview");
-    app.allow_windows_style_options(false);  // a file name may begin with a slash
-    app.formatter(std::make_shared<HelpFormat>("[options] FILE"));
-    app.footer(kExamples);
-    app.set_version_flag("--version", std::string("orvexview ") + kProductVersion, "Show the version");
-    AddOutputOptions(app, options);
-    AddViewOptions(app);
-    try {
-        app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
-    } catch (const CLI::CallForHelp&) {
-        out << app.help();
-        return std::nullopt;
-    } catch (const CLI::CallForVersion& version) {
-        out << version.what() << "\n";
-        return std::nullopt;
-    } catch (const CLI::ParseError& error) {
-        throw OptionError(std::string(error.what()) + "; --help shows what there is");
-    }
-    ReadViewOptions(app, options);
+    ReadOutputOptions(line, options);
+    ReadViewOptions(line, options);
     return options;
 }
 

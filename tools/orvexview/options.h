@@ -4,10 +4,10 @@
 #include <cstdint>
 #include <optional>
 #include <ostream>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
+#include "tools/common/command_line.h"
 #include "tools/orvexview/page_placement.h"
 
 namespace orvex::tools::view {
@@ -37,12 +37,6 @@ inline constexpr uint32_t kMaxScale = 1000;
 // longer than the head is wide, as many as that width needs of them; and the whole gets at most
 // kMaxPreviewPixels.
 uint32_t PreviewScale(uint32_t width, uint32_t height, uint32_t headRows);
-
-// The reason why a command line can't be carried out, in words.
-class OptionError : public std::runtime_error {
-  public:
-    using std::runtime_error::runtime_error;
-};
 
 // Parses the arguments after the program's name. If they ask for help or the version, writes that to `out`
 // and returns nothing. Throws OptionError.

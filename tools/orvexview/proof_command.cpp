@@ -1,8 +1,8 @@
 #include "tools/orvexview/proof_command.h"
+#include "tools/common/command_line.h"
 
 #include "tools/common/number_text.h"
 #include "tools/common/wide_text.h"
-#include "tools/orvexview/command_line.h"
 #include "tools/orvexview/open_file.h"
 #include "tools/orvexview/proof.h"
 
@@ -41,18 +41,23 @@ bool IsProofCommand(const std::vector<std::string>& arguments) {
 }
 
 int RunProofCommand(const std::vector<std::string>& arguments, std::ostream& out) {
-    ProofOptions options;
-    std::string limit;
-    CommandLine line(kDescription, "FILE --html PROOF [options]", kExamples);
-    CLI::App& app = line.App();
-    app.add_option("FILE", options.file, "The print file")->required()->type_name("");
-    app.add_option("--html", options.html, "The proof to write")->required()->type_name("PROOF");
-    app.add_flag("--open", options.open, "Shows the proof in the browser");
-    app.add_option("--limit", limit, "The most ink that the stock takes, all inks together; default: 300")
-        ->type_name("PERCENT");
-    app.add_option("--labels", options.labels, "The labels of the printer, a media.inf")->type_name("FILE");
+    CommandLine line("orvexview", kDescription, "FILE --html PROOF [options]", kExamples, "--html --help");
+    line.Files("FILE", "", "The print file");
+    line.Require("FILE");
+    line.Text("--html", "PROOF", "The proof to write");
+    line.Require("--html");
+    line.Flag("--open", "Shows the proof in the browser");
+    line.Text("--limit", "PERCENT", "The most ink that the stock takes, all inks together; default: 300");
+    line.Text("--labels", "FILE", "The labels of the printer, a media.inf");
     if (!line.Read(arguments, out)) return 0;
-    if (!limit.empty()) options.limit = NumberIn("--limit", limit, kLeastLimit, kMostLimit, "1 to 400");
+    ProofOptions options;
+    options.file = line.Value("FILE").value_or("");
+    options.html = line.Value("--html").value_or("");
+    options.open = line.Has("--open");
+    options.labels = line.Value("--labels").value_or("");
+    if (const auto limit = line.Value("--limit")) {
+        options.limit = NumberIn("--limit", *limit, kLeastLimit, kMostLimit, "1 to 400");
+    }
     WriteProof(options, out);
     if (options.open) OpenForUser(PathFromUtf8(options.html));
     return 0;
