@@ -25,7 +25,7 @@ find_package(ZLIB REQUIRED)
 orvex_fetch(spng)
 add_library(spng STATIC ${spng_source}/spng.c)
 target_include_directories(spng SYSTEM PUBLIC ${spng_source})
-target_compile_definitions(spng PUBLIC SPNG_STATIC)
+target_compile_definitions(spng PRIVATE SPNG_STATIC)
 target_compile_options(spng PRIVATE -w -O2)
 target_link_libraries(spng PUBLIC ZLIB::ZLIB)
 
