@@ -25,7 +25,8 @@ class SpoolWriter {
 
     // Adds a device mode for the pages that follow.
     void AddDeviceMode(ByteSpan deviceMode);
-    // Adds a page as a metafile of its pixels, without rows that are white.
+    // Adds a page as a metafile of its pixels, without rows that are white, and with as few bits a pixel as
+    // its colors need.
     void AddPage(const DrawnPage& page);
 
     // Throws std::runtime_error if a write failed.
