@@ -16,15 +16,19 @@ struct ShadowKind {
     size_t offsetSize;
 };
 
-inline constexpr ShadowKind kShadowKinds[] = {{0x5123, 184, 24, 8},
-                                              {0x4968, 176, 24, 8},
-                                              {0x4968, 120, 20, 4},
-                                              {0x4967, 120, 20, 4},
-                                              {0x4966, 0, 16, 4}};
+inline constexpr ShadowKind kShadowKinds[] = {
+    {0x5123, 208, 24, 8},  // Windows 10, 64 bits
+    {0x4968, 208, 24, 8},  // Windows 7, 64 bits
+    {0x4968, 120, 20, 4},  // Windows Server 2003
+    {0x4967, 192, 24, 8},  // Windows XP, 64 bits
+    {0x5123, 124, 20, 4},  // Windows 10, 32 bits
+    {0x4967, 120, 20, 4},  // Windows 2000
+    {0x4966, 0, 16, 4},    // Windows NT 4
+};
 
 inline std::string MakeShadowFile(const ShadowKind& kind, std::string_view document,
                                   std::string_view dataType, const std::string& deviceMode) {
-    constexpr size_t kHeader = 192;
+    constexpr size_t kHeader = 224;
     ByteMaker texts, file;
     texts.Wide(document);
     const size_t typeAt = kHeader + texts.Size();
