@@ -87,10 +87,9 @@ class Reading {
     }
 
   private:
-    // A record that holds a page, with the device mode that was in force there.
+    // A record that holds a page.
     struct Content {
         ByteSpan metafile;
-        ByteSpan deviceMode;
         bool printed = false;
     };
 
@@ -128,7 +127,7 @@ class Reading {
         if (IsPageOffset(record.id)) return TakePage(record);
         if (record.id == EMRI_DEVMODE) {
             deviceMode_ = CheckedDeviceMode(record.data, "the device mode " + At(record));
-            if (contents_.empty() && file_.firstDeviceMode.empty()) file_.firstDeviceMode = deviceMode_;
+            if (file_.pages.empty() && file_.firstDeviceMode.empty()) file_.firstDeviceMode = deviceMode_;
             return;
         }
         Say(At(record) + " is left out: " + Consequence(record.id));
@@ -136,7 +135,7 @@ class Reading {
 
     void TakeContent(const SpoolRecord& record) {
         Content& content = contents_[record.offset];
-        content = {record.data, deviceMode_};
+        content = {record.data};
         try {
             for (SpoolRecord font : ReadMetafile(record.data).embedded) {
                 font.offset += record.offset + kSpoolRecordHead;
@@ -149,9 +148,11 @@ class Reading {
         if (record.id != EMRI_METAFILE_DATA && !pointedTo_.contains(record.offset)) Print(content);
     }
 
+    // Adds a page, with the device mode in force where it is printed: Windows writes that after the page's
+    // content and before the record that prints it.
     void Print(Content& content) {
         content.printed = true;
-        file_.pages.push_back({content.metafile, content.deviceMode});
+        file_.pages.push_back({content.metafile, deviceMode_});
     }
 
     // Returns the offset that a record points back to, or nothing.
@@ -209,12 +210,8 @@ class Reading {
                 Say("the page at offset " + std::to_string(offset) + " is left out: no record prints it");
             }
         }
-        if (!file_.pages.empty() && deviceMode_.data() != file_.pages.back().deviceMode.data() &&
-            std::none_of(contents_.begin(), contents_.end(), [&](const auto& each) {
-                return each.second.deviceMode.data() == deviceMode_.data();
-            })) {
+        if (deviceMode_.data() != file_.pages.back().deviceMode.data())
             Say("the last device mode is left out: no page follows it");
-        }
     }
 
     ByteSpan bytes_;

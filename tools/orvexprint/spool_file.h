@@ -45,14 +45,14 @@ enum SpoolRecordId : uint32_t { SPOOL_RECORDS(SPOOL_RECORD_ID) };
 
 struct SpoolPage {
     ByteSpan metafile;
-    ByteSpan deviceMode;  // in force when the page begins; empty if the file has had none
+    ByteSpan deviceMode;  // in force where the page is printed; empty if the file has had none
 };
 
 // A job as its spool file holds it. The views are into the file's bytes.
 struct SpoolFile {
     std::string document;                   // UTF-8; empty if the header names none
     std::string output;                     // the same for the port
-    ByteSpan firstDeviceMode;               // before all pages; empty if there is none
+    ByteSpan firstDeviceMode;               // before the first page is printed; empty if there is none
     std::vector<SpoolPage> pages;           // in the order of printing
     std::vector<ByteSpan> fonts;            // TrueType files
     std::vector<std::string> leftOut = {};  // what is not replayed, in words, a line each

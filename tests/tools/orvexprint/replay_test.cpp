@@ -90,19 +90,21 @@ MadeMetafile Label() {
 }
 
 // A job of three pages of bars, text and a bitmap, which is turned by half after the second one. Its font is
-// embedded in the first.
+// embedded in the first. Its records have the order in which Windows writes them.
 std::string MakeJob(const std::string& first, const std::string& second) {
     MadeSpoolFile made("Three labels", "LPT1:");
-    made.DeviceMode(first);
     MadeMetafile page = Label();
     const size_t comment = page.NextAt();
     page.Comment(FontComment(2, FontData(MakeBoxFont(kFamily))));
     page.Bar(10, 20, 30, 200).Bar(50, 20, 3, 200).Text(100, 50, 40, kFamily, "ABC");
-    const size_t content = made.Page(page.File());
+    const size_t content = made.Record(12, page.File());
     made.PointBack(15, content + 8 + comment + 20);
+    made.DeviceMode(first);
+    made.PointBack(13, content);
     made.Page(Label().Bitmap(7, 9, 2, {0xFF0000, 0x00FF00, 0x0000FF, 0x123456}).File());
+    const size_t last = made.Record(12, Label().Bar(0, 0, 354, 2).Text(5, 10, 20, kFamily, "Z").File());
     made.DeviceMode(second);
-    made.Page(Label().Bar(0, 0, 354, 2).Text(5, 10, 20, kFamily, "Z").File());
+    made.PointBack(13, last);
     return made.File();
 }
 

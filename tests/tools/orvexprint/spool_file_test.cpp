@@ -76,7 +76,21 @@ TEST(SpoolFile, PrintsInTheOrderOfItsOffsetRecords) {
     made.PointBack(14, first);
     made.PointBack(13, second);
     const SpoolFile file = ReadSpoolFile(Bytes(made.File()));
-    EXPECT_THAT(PagesOf(file), ElementsAre("2 B", "1 A", "2 B")) << "each with the mode it was drawn for";
+    EXPECT_THAT(PagesOf(file), ElementsAre("2 B", "1 B", "2 B"));
+}
+
+TEST(SpoolFile, HasADeviceModeBetweenEachPageAndItsOffsetRecordAsWindowsWritesIt) {
+    MadeSpoolFile made("", "");
+    const size_t first = made.Record(12, PageOf(1));
+    made.DeviceMode(ModeOf('A'));
+    made.PointBack(14, first);
+    const size_t second = made.Record(12, PageOf(2));
+    made.DeviceMode(ModeOf('B'));
+    made.PointBack(14, second);
+    const SpoolFile file = ReadSpoolFile(Bytes(made.File()));
+    EXPECT_EQ(file.firstDeviceMode[0], 'A');
+    EXPECT_THAT(PagesOf(file), ElementsAre("1 A", "2 B"));
+    EXPECT_THAT(file.leftOut, IsEmpty());
 }
 
 TEST(SpoolFile, OfOldSystemsPrintsItsPagesWhereTheyAre) {
