@@ -40,8 +40,9 @@ void ExpandGray(const uint8_t* samples, uint32_t* pixels, size_t count) {
     for (size_t i = 0; i < count; ++i) pixels[i] = samples[i] * 0x010101u;
 }
 
-// Returns what a file is that is no PNG, by its first bytes, and what to do with it.
-std::string DescribeOther(std::istream& file) {
+// Returns what a file is that is no PNG, by its first bytes, and what to do with it; `noPng` if that can't be
+// told.
+std::string DescribeOther(std::istream& file, const char* noPng) {
     constexpr char kAdvice[] = "; ./print renders it first";
     std::string start(kStartBytes, '\0');
     file.clear();
@@ -52,7 +53,7 @@ std::string DescribeOther(std::istream& file) {
     const size_t first = start.find_first_not_of("\xEF\xBB\xBF \t\r\n");  // after a mark of UTF-8
     if (first != std::string::npos && start[first] == '<' && start.find("<svg") != std::string::npos)
         return std::string("is an SVG") + kAdvice;
-    return "is no PNG file";
+    return noPng;
 }
 
 }  // namespace
@@ -67,7 +68,7 @@ void PngReader::Fail(const std::string& problem) const {
 
 void PngReader::Check(int code) const {
     if (code == SPNG_OK) return;
-    if (code == SPNG_ESIGNATURE) Fail(DescribeOther(*file_));
+    if (code == SPNG_ESIGNATURE) Fail(DescribeOther(*file_, noPng_));
     if (code == SPNG_IO_ERROR) Fail("can't be read");
     if (code == SPNG_EMEM) Fail("needs more memory than there is");
     if (code == SPNG_EUSER_WIDTH || code == SPNG_EUSER_HEIGHT)
@@ -75,8 +76,13 @@ void PngReader::Check(int code) const {
     Fail(std::string("is a damaged PNG file: ") + spng_strerror(code));
 }
 
-PngReader::PngReader(std::unique_ptr<std::istream> file, const std::string& name, size_t windowPixels)
-    : file_(std::move(file)), prefix_(name.empty() ? "" : name + " "), windowPixels_(windowPixels) {
+PngReader::PngReader(std::unique_ptr<std::istream> file, const std::string& name, size_t windowPixels,
+                     const char* noPng)
+    : file_(std::move(file)),
+      prefix_(name.empty() ? "" : name + " "),
+      noPng_(noPng),
+      windowPixels_(windowPixels) {
+    if (file_->peek() == std::istream::traits_type::eof()) Fail("is empty");
     Begin();
 }
 

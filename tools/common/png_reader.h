@@ -23,9 +23,9 @@ class PngReader : public PictureReader {
 
     // Reads everything before the pixels. Throws for a file that is no sound PNG, or has more pixels than a
     // label can have; the sizes that a file claims are checked before any memory is taken for them. `name`
-    // may be empty. Tests make the window small.
+    // may be empty. Tests make the window small. `noPng` says that a file is no PNG.
     PngReader(std::unique_ptr<std::istream> file, const std::string& name,
-              size_t windowPixels = kWindowPixels);
+              size_t windowPixels = kWindowPixels, const char* noPng = "is no PNG file");
 
     EmbeddedColors Colors() const override;
 
@@ -55,6 +55,7 @@ class PngReader : public PictureReader {
 
     std::unique_ptr<std::istream> file_;
     std::string prefix_;  // of messages
+    const char* noPng_;
     std::unique_ptr<spng_ctx, Closer> png_;
     uint32_t channels_ = 4;  // of the decoded samples: 1, 3 or 4
     bool interlaced_ = false;

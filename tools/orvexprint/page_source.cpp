@@ -12,7 +12,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr size_t kStartBytes = 64;
+constexpr size_t kStartBytes = 128;
 
 }  // namespace
 

@@ -10,11 +10,15 @@ namespace orvex::tools::print {
 
 namespace {
 
+constexpr char kUnknownKind[] =
+    "is of no kind that can be printed; pages are PNG, JPEG, BMP, GIF and EMF files, and for ./print TIFF, "
+    "WebP, PDF and SVG files as well";
+
 // Opens a picture. What is of no known kind is left to the reader of PNG files, which says so.
 std::unique_ptr<PictureReader> OpenPicture(const std::filesystem::path& path) {
     const std::string start = StartOf(path), name = Utf8FromPath(path);
     if (KindOfPicture({reinterpret_cast<const uint8_t*>(start.data()), start.size()}) == PictureKind::kOther)
-        return std::make_unique<PngReader>(OpenFile(path), name);
+        return std::make_unique<PngReader>(OpenFile(path), name, PngReader::kWindowPixels, kUnknownKind);
     return std::make_unique<DecodedPicture>(ReadWholeFile(path, DecodedPicture::kMostBytes), name);
 }
 

@@ -81,7 +81,9 @@ class Reading {
             if (target) pointedTo_.insert(*target);
         }
         for (const SpoolRecord& record : records) Take(record);
-        if (file_.pages.empty()) throw SpoolError("has no pages");
+        if (file_.pages.empty())
+            throw SpoolError(end == bytes_.size() ? "has no pages"
+                                                  : "has no whole page: it may have been cut");
         SayUnused();
         return std::move(file_);
     }

@@ -117,7 +117,7 @@ TEST(PngFile, HasADensityIfThatIsInMeters) {
 }
 
 TEST(PngFile, IsRefusedIfItIsNotAPng) {
-    EXPECT_THAT(DecodingError({}), StartsWith("is a damaged PNG file: "));
+    EXPECT_EQ(DecodingError({}), "is empty");
     EXPECT_EQ(DecodingError(std::vector<uint8_t>(100, 'x')), "is no PNG file");
 }
 
@@ -136,7 +136,7 @@ TEST(PngFile, IsToldFromAPdfAndAnSvgByItsFirstBytes) {
 
 TEST(PngFile, IsRefusedWhereverItIsTruncated) {
     const std::vector<uint8_t> whole = MakePlainPng(9, 9, 11811, 0x102030);
-    for (size_t size = 0; size < whole.size() - 12; ++size) {
+    for (size_t size = 1; size < whole.size() - 12; ++size) {
         EXPECT_THAT(DecodingError({whole.begin(), whole.begin() + static_cast<ptrdiff_t>(size)}),
                     StartsWith("is a damaged"))
             << size;

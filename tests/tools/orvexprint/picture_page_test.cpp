@@ -155,8 +155,15 @@ TEST_F(PicturePageTest, RefusesKindsThatAreNotReadWithAWayOut) {
     using namespace std::string_literals;
     EXPECT_EQ(Run({"-o", Text("out.prn"), WriteFile("a.tif", "II*\0"s)}), kExitFailed);
     EXPECT_EQ(error, "orvexprint: " + Text("a.tif") +
-                         " is a TIFF file, which is not read; convert it to PNG "
-                         "first\n");
+                         " is a TIFF file, which is not read; convert it to PNG first, as ./print does\n");
+    EXPECT_EQ(Run({"-o", Text("out.prn"), WriteFile("a.txt", "a text of more than a few letters")}),
+              kExitFailed);
+    EXPECT_EQ(error,
+              "orvexprint: " + Text("a.txt") +
+                  " is of no kind that can be printed; pages are PNG, JPEG, BMP, GIF and EMF files, and "
+                  "for ./print TIFF, WebP, PDF and SVG files as well\n");
+    EXPECT_EQ(Run({"-o", Text("out.prn"), WriteFile("a.png", "")}), kExitFailed);
+    EXPECT_EQ(error, "orvexprint: " + Text("a.png") + " is empty\n");
     EXPECT_EQ(Run({"-o", Text("out.prn"), WriteFile("a.jpg", "\xFF\xD8\xFF")}), kExitFailed);
     EXPECT_EQ(error,
               "orvexprint: " + Text("a.jpg") + " is a damaged JPEG file: it ends before its picture does\n");

@@ -213,6 +213,9 @@ TEST_F(ReplayTest, RefusesOptionsThatASpoolFileDoesNotTake) {
     EXPECT_EQ(error, "orvexprint: " + job + " is a spool file, a job by itself; print it alone\n");
     EXPECT_EQ(Run({"--shd", Text("job.shd"), "-o", Text("out.prn"), WritePage("a.png")}), kExitUsage);
     EXPECT_EQ(error, "orvexprint: --shd belongs to a spool file, and " + Text("a.png") + " is none\n");
+    const std::string shadow = WriteFile("a.shd", MakeShadowFile(kShadowKinds[0], "A name", "RAW", ""));
+    EXPECT_EQ(Run({"-o", Text("out.prn"), shadow}), kExitFailed);
+    EXPECT_EQ(error, "orvexprint: " + shadow + " is a shadow file, which has no pages; name it with --shd\n");
     EXPECT_TRUE(NothingWasWritten());
 }
 

@@ -190,6 +190,7 @@ TEST(SpoolFile, SaysMuchOnlyOnce) {
 TEST(SpoolFile, IsRefusedIfAPageCannotBeFound) {
     MadeSpoolFile none("", "");
     EXPECT_EQ(Complaint(none.File()), "has no pages");
+    EXPECT_EQ(Complaint(none.File() + "\x0C"), "has no whole page: it may have been cut");
     for (const uint64_t back : {0ull, 1ull, 28ull, 0xFFFFFFFFFFFFFFFFull}) {
         MadeSpoolFile made("", "");
         made.Page(PageOf(1));
