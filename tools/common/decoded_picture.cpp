@@ -56,15 +56,13 @@ DecodedPicture::DecodedPicture(std::vector<uint8_t> file, std::string name, uint
         Fail(error.what());
     }
     if (tags_.isCmyk)
-        Fail(
-            "is a JPEG file in CMYK, and the driver takes RGB; convert it to sRGB first, as a JPEG or PNG "
-            "file");
+        Fail("is a JPEG file in CMYK, and the driver takes RGB; convert it to sRGB first, as ./print does");
     ReadHeader(mostPixels);
 }
 
 void DecodedPicture::CheckKind() const {
     if (kind_ == PictureKind::kJpeg || kind_ == PictureKind::kBmp || kind_ == PictureKind::kGif) return;
-    Fail(std::string("is a ") + NameOf(kind_) + " file, which is not read" + kConvert);
+    Fail(std::string("is a ") + NameOf(kind_) + " file, which is not read" + kConvert + ", as ./print does");
 }
 
 void DecodedPicture::ReadHeader(uint64_t mostPixels) {

@@ -146,13 +146,13 @@ TEST(DecodedPicture, PutsAColorProfileTogether) {
 
 TEST(DecodedPicture, SaysWhatToDoWithOtherKinds) {
     using namespace std::string_literals;
-    EXPECT_EQ(OpeningError("II*\0...."s), "art is a TIFF file, which is not read; convert it to PNG first");
-    EXPECT_EQ(OpeningError("MM\0*...."s), "art is a TIFF file, which is not read; convert it to PNG first");
-    EXPECT_EQ(OpeningError("RIFF....WEBPVP8 "),
-              "art is a WebP file, which is not read; convert it to PNG first");
-    EXPECT_EQ(OpeningError(JpegOfComponents(4)),
-              "art is a JPEG file in CMYK, and the driver takes RGB; convert it to sRGB first, as a JPEG or "
-              "PNG file");
+    const std::string convert = " file, which is not read; convert it to PNG first, as ./print does";
+    EXPECT_EQ(OpeningError("II*\0...."s), "art is a TIFF" + convert);
+    EXPECT_EQ(OpeningError("MM\0*...."s), "art is a TIFF" + convert);
+    EXPECT_EQ(OpeningError("RIFF....WEBPVP8 "), "art is a WebP" + convert);
+    EXPECT_EQ(
+        OpeningError(JpegOfComponents(4)),
+        "art is a JPEG file in CMYK, and the driver takes RGB; convert it to sRGB first, as ./print does");
     std::string packed = MakeBmp(MakePicture(3, 2, 3, kColors));
     packed.replace(30, 4, ByteMaker().U32(1).Bytes());
     EXPECT_EQ(
