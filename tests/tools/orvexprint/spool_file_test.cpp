@@ -88,6 +88,7 @@ TEST(SpoolFile, HasADeviceModeBetweenEachPageAndItsOffsetRecordAsWindowsWritesIt
     made.DeviceMode(ModeOf('B'));
     made.PointBack(14, second);
     const SpoolFile file = ReadSpoolFile(Bytes(made.File()));
+    ASSERT_FALSE(file.firstDeviceMode.empty());
     EXPECT_EQ(file.firstDeviceMode[0], 'A');
     EXPECT_THAT(PagesOf(file), ElementsAre("1 A", "2 B"));
     EXPECT_THAT(file.leftOut, IsEmpty());
