@@ -30,9 +30,9 @@ constexpr const char* kExamples =
     "  orvexview --log orvexgdi.txt --slow 50ms --job 3   what took the third job 50 ms or more\n"
     "  orvexview --log orvexgdi.txt --html log.html       the tree as a page to unfold in a browser\n"
     "\n"
-    "Exit status: 0 when all went well; with --errors, 1 when there are some; 1 when a file can't be read or "
-    "written;\n"
-    "2 for a wrong command line.";
+    "Exit status: 0 when all went well; with --errors, 1 when there are some, with --job in that job; 1 when "
+    "a file can't\n"
+    "be read or written, is no log or has no such job; 2 for a wrong command line.";
 
 struct LogOptions {
     std::string file;
@@ -93,7 +93,7 @@ std::optional<LogOptions> ReadLogOptions(const std::vector<std::string>& argumen
     return options;
 }
 
-trace::TraceCounts WritePage(const LogOptions& options, const trace::TraceFilter& filter) {
+trace::ReadLog WritePage(const LogOptions& options, const trace::TraceFilter& filter) {
     const std::filesystem::path log = PathFromUtf8(options.file);
     const NamedFile page{"--html", PathFromUtf8(options.html)};
     const NamedFile input{"the log", log};
@@ -102,10 +102,22 @@ trace::TraceCounts WritePage(const LogOptions& options, const trace::TraceFilter
     OutputFile output(page.path);
     const auto writer =
         trace::MakeHtmlWriter([&](std::string_view text) { output.Write(text); }, options.file);
-    const trace::TraceCounts counts = trace::ReadTrace(*stream, filter, *writer);
+    const trace::ReadLog read = trace::ReadTrace(*stream, filter, *writer);
     output.CheckWrites();
     output.Complete();
-    return counts;
+    return read;
+}
+
+// Throws if there was nothing of what was asked for.
+void RequireContent(const LogOptions& options, const trace::TraceFilter& filter,
+                    const trace::TraceCounts& counts) {
+    if (counts.lines > 0 && counts.logLines == 0) {
+        throw std::runtime_error(options.file + " has no line of the driver's log");
+    }
+    if (filter.job && *filter.job > counts.jobs) {
+        throw std::runtime_error("--job " + options.job + ": " + options.file + " has " +
+                                 std::to_string(counts.jobs) + (counts.jobs == 1 ? " job" : " jobs"));
+    }
 }
 
 }  // namespace
@@ -118,17 +130,18 @@ int RunLogCommand(const std::vector<std::string>& arguments, std::ostream& out) 
     const std::optional<LogOptions> options = ReadLogOptions(arguments, out);
     if (!options) return 0;
     const trace::TraceFilter filter = FilterOf(*options);
-    trace::TraceCounts counts;
+    trace::ReadLog read;
     if (!options->html.empty()) {
-        counts = WritePage(*options, filter);
-        out << options->html << ": " << trace::CountsText(counts) << "\n";
+        read = WritePage(*options, filter);
+        out << options->html << ": " << trace::CountsText(read.counts) << "\n";
     } else {
         const std::unique_ptr<std::istream> stream = OpenFile(PathFromUtf8(options->file));
         const auto put = [&](std::string_view text) { out << text; };
         const auto writer = options->json ? trace::MakeJsonWriter(put) : trace::MakeTextWriter(put);
-        counts = trace::ReadTrace(*stream, filter, *writer);
+        read = trace::ReadTrace(*stream, filter, *writer);
     }
-    return options->errors && counts.errors > 0 ? 1 : 0;
+    RequireContent(*options, filter, read.counts);
+    return options->errors && read.errors > 0 ? 1 : 0;
 }
 
 }  // namespace orvex::tools::view

@@ -17,6 +17,12 @@ bool Filter(const TraceFilter& filter, Node& node) {
            (filter.slow && node.duration && *node.duration >= *filter.slow);
 }
 
+uint64_t ErrorsIn(const Node& node) {
+    uint64_t errors = node.IsTrouble() ? 1 : 0;
+    for (const Node& child : node.children) errors += ErrorsIn(child);
+    return errors;
+}
+
 bool TakeLine(std::istream& log, std::string& line) {
     line.resize(kMostLineBytes);
     log.getline(line.data(), kMostLineBytes);
@@ -32,10 +38,12 @@ bool TakeLine(std::istream& log, std::string& line) {
 
 }  // namespace
 
-TraceCounts ReadTrace(std::istream& log, const TraceFilter& filter, TraceWriter& writer) {
+ReadLog ReadTrace(std::istream& log, const TraceFilter& filter, TraceWriter& writer) {
+    ReadLog result;
     writer.Begin();
     TraceTree tree([&](JobOfThread job, Node&& node) {
         if (filter.job && job.number != *filter.job) return;
+        result.errors += ErrorsIn(node);
         if (Filter(filter, node)) writer.Write(job, node);
     });
     std::string line;
@@ -47,8 +55,9 @@ TraceCounts ReadTrace(std::istream& log, const TraceFilter& filter, TraceWriter&
         tree.TakeLine(line);
     }
     tree.Finish();
-    writer.End(tree.Counts());
-    return tree.Counts();
+    result.counts = tree.Counts();
+    writer.End(result.counts);
+    return result;
 }
 
 }  // namespace orvex::tools::trace

@@ -18,8 +18,13 @@ struct TraceFilter {
     std::optional<uint32_t> thread = {};  // lines of no other thread are read
 };
 
+struct ReadLog {
+    TraceCounts counts;
+    uint64_t errors = 0;  // that no sound job has, in the job that was asked for
+};
+
 // Reads the log to its end, in constant memory, and writes what the filter lets through. Returns what was
 // found in it.
-TraceCounts ReadTrace(std::istream& log, const TraceFilter& filter, TraceWriter& writer);
+ReadLog ReadTrace(std::istream& log, const TraceFilter& filter, TraceWriter& writer);
 
 }  // namespace orvex::tools::trace

@@ -9,7 +9,7 @@ namespace {
 
 constexpr char kStyle[] = R"(
 :root { color-scheme: light dark; --quiet: #667; --trouble: #c22; --slow: #b60 }
-@media (prefers-color-scheme: dark) { :root { --quiet: #99a; --trouble: #f66; --slow: #fa4 } }
+@media screen and (prefers-color-scheme: dark) { :root { --quiet: #99a; --trouble: #f66; --slow: #fa4 } }
 body { font: 14px/1.45 ui-monospace, monospace; margin: 1.5rem; overflow-wrap: anywhere }
 h1, h2 { font-family: system-ui, sans-serif }
 details > *:not(summary), details details { margin-left: 1.5rem }
@@ -17,6 +17,7 @@ time, small { color: var(--quiet) }
 .error { color: var(--trouble); font-weight: bold }
 .stray { color: var(--slow) }
 summary { cursor: pointer }
+@media print { :root { color-scheme: light } }
 )";
 
 const char* ClassOf(const Node& node) {

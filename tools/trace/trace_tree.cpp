@@ -64,6 +64,7 @@ void TraceTree::TakeLine(std::string_view text) {
     if (text.empty()) return;  // the end of a message that ends its line itself
     ++counts_.lines;
     if (const std::optional<LogLine> line = ParseLogLine(text)) {
+        ++counts_.logLines;
         Thread& thread = ThreadOf(line->thread);
         last_ = &thread;
         if (!TakeDumpLine(thread, line->message)) TakeMessage(thread, *line);

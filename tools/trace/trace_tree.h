@@ -54,6 +54,7 @@ struct JobOfThread {
 
 struct TraceCounts {
     uint64_t lines = 0;
+    uint64_t logLines = 0;  // of them, those that are the log's
     uint64_t errors = 0;
     uint64_t harmless = 0;
     uint64_t strays = 0;  // lines that are not the log's, and operations with one end

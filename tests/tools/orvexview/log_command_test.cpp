@@ -48,6 +48,25 @@ TEST_F(LogCommandTest, FailsWithErrorsOnlyWhenTheyAreAskedFor) {
     EXPECT_THAT(out_.str(), HasSubstr("could not start a job"));
 }
 
+TEST_F(LogCommandTest, FailsWithErrorsOfTheJobThatIsAskedFor) {
+    const std::string sound =
+        "[2026-11-22 13:00:00.000] [TID: 9] [Trace] <DrvStartDoc>\n"
+        "[2026-11-22 13:00:00.060] [TID: 9] [Trace] </DrvStartDoc>\n";
+    WriteWholeFile(PathFromUtf8(log_), std::string_view(kLog + sound));
+    EXPECT_EQ(Run({"--log", log_, "--errors", "--job", "1"}), 1);
+    EXPECT_EQ(Run({"--log", log_, "--errors", "--job", "2"}), 0);
+    EXPECT_EQ(Run({"--log", log_, "--job", "3"}), 1);
+    EXPECT_EQ(error_.str(), "orvexview: --job 3: " + log_ + " has 2 jobs\n");
+}
+
+TEST_F(LogCommandTest, SaysThatAFileIsNoLog) {
+    WriteWholeFile(PathFromUtf8(log_), std::string_view("@PJL\n"));
+    EXPECT_EQ(Run({"--log", log_}), 1);
+    EXPECT_EQ(error_.str(), "orvexview: " + log_ + " has no line of the driver's log\n");
+    WriteWholeFile(PathFromUtf8(log_), std::string_view(""));
+    EXPECT_EQ(Run({"--log", log_}), 0) << "nothing has been logged yet";
+}
+
 TEST_F(LogCommandTest, TakesTimesInMillisecondsAndSeconds) {
     EXPECT_EQ(Run({"--log", log_, "--slow", "0.06s"}), 0);
     EXPECT_THAT(out_.str(), HasSubstr("DrvStartDoc"));
