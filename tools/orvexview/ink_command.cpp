@@ -147,10 +147,10 @@ int RunInkCommand(const std::vector<std::string>& arguments, std::ostream& out) 
     InkPrices prices = LoadInkPrices(path);
     if (!drop.empty()) TakeDrop(drop, prices);
     if (!price.empty()) TakePrices(price, prices);
-    const ReadablePart part = ReadReadablePart(PathFromUtf8(file));
+    const ReadablePart part = ReadReadablePart(file);
     if (!drop.empty() || !price.empty()) SaveInkPrices(prices, path);
     out << InkReport(part.file, prices).Text();
-    if (!part.problem.empty()) throw std::runtime_error(file + UnreadText(part) + part.problem);
+    RequireSound(file, part);
     return 0;
 }
 

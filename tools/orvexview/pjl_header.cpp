@@ -21,8 +21,8 @@ constexpr std::string_view kThumbnail = "@PJL SET QRV_THUMBNAIL=\"";
 constexpr std::string_view kThumbnailEnd = "\"\n";
 constexpr std::string_view kFirstLine = "@PJL\n";
 constexpr std::string_view kOtherLine = "@PJL ";
-// kEnterLanguage without the language.
-constexpr std::string_view kEnter = kEnterLanguage.substr(0, kEnterLanguage.find('=') + 1);
+// kEnterLanguage without the equals sign and the language.
+constexpr std::string_view kEnter = kEnterLanguage.substr(0, kEnterLanguage.find('='));
 
 // The largest label has 150 million pixels, and a thumbnail may be as large.
 constexpr uint64_t kMaxThumbnailSize = uint64_t{1} << 30;
@@ -143,6 +143,20 @@ void TakeOpening(ByteReader& reader) {
     reader.Take(kFirstLine.size(), "the first PJL line");
 }
 
+std::string_view WithoutBlanks(std::string_view text) {
+    const size_t start = std::min(text.find_first_not_of(" \t"), text.size());
+    return text.substr(start, text.find_last_not_of(" \t") + 1 - start);
+}
+
+// Returns the language that a line enters, if it is such a line. Some engines put blanks around the equals
+// sign.
+std::optional<std::string_view> LanguageOf(std::string_view line) {
+    if (!line.starts_with(kEnter)) return std::nullopt;
+    const std::string_view value = WithoutBlanks(line.substr(kEnter.size()));
+    if (!value.starts_with('=')) return std::nullopt;
+    return WithoutBlanks(value.substr(1));
+}
+
 }  // namespace
 
 const std::string* PjlHeader::Find(std::string_view name) const {
@@ -160,7 +174,7 @@ std::optional<int32_t> PjlHeader::FindNumber(std::string_view name) const {
 }
 
 bool PjlHeader::IsStandIn() const {
-    return language == kEnterLanguage.substr(kEnter.size());
+    return language == kEnterLanguage.substr(kEnter.size() + 1);
 }
 
 PjlHeader ReadPjlHeader(ByteReader& reader) {
@@ -177,8 +191,8 @@ PjlHeader ReadPjlHeader(ByteReader& reader) {
         std::string line = lines.Take();
         if (line.ends_with('\r')) line.pop_back();
         const std::string_view text = line;
-        if (text.starts_with(kEnter)) {
-            header.language = text.substr(kEnter.size());
+        if (const std::optional<std::string_view> language = LanguageOf(text)) {
+            header.language = *language;
             if (stray && header.IsStandIn()) throw PrintFileError(*stray);
             return header;
         }

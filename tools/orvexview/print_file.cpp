@@ -8,6 +8,7 @@
 
 #include "engine/print_stream.h"
 #include "tools/common/printable_text.h"
+#include "tools/common/wide_text.h"
 #include "tools/orvexview/base64_decoder.h"
 #include "tools/orvexview/row_decoder.h"
 
@@ -44,6 +45,7 @@ std::string NameOf(RecordType type) {
     return NameOf(static_cast<uint8_t>(type));
 }
 
+constexpr const char* kNotSound = " is no sound print file: ";
 constexpr const char* kHasChanged = "rows that have changed while the file was read";
 
 std::string InRange(std::string_view what, uint64_t value, uint64_t least, uint64_t most) {
@@ -265,10 +267,6 @@ PrintFile ReadPrintFile(const std::filesystem::path& path) {
     return ParsePrintFile(std::make_unique<FileSource>(path));
 }
 
-const char* UnreadText(const ReadablePart& part) {
-    return part.file.header.IsStandIn() ? " is no sound print file: " : " can be read in part: ";
-}
-
 ReadablePart ParseReadablePart(std::unique_ptr<ByteSource> source) {
     ReadablePart part;
     part.file.source = std::move(source);
@@ -283,8 +281,18 @@ ReadablePart ParseReadablePart(std::unique_ptr<ByteSource> source) {
     return part;
 }
 
-ReadablePart ReadReadablePart(const std::filesystem::path& path) {
-    return ParseReadablePart(std::make_unique<FileSource>(path));
+ReadablePart ReadReadablePart(const std::string& name) {
+    try {
+        return ParseReadablePart(std::make_unique<FileSource>(PathFromUtf8(name)));
+    } catch (const PrintFileError& error) {
+        throw std::runtime_error(name + kNotSound + error.what());
+    }
+}
+
+void RequireSound(const std::string& name, const ReadablePart& part) {
+    if (part.problem.empty()) return;
+    throw std::runtime_error(name + (part.file.header.IsStandIn() ? kNotSound : " can be read in part: ") +
+                             part.problem);
 }
 
 void ReadThumbnail(const PrintFile& file, const std::function<void(std::span<const uint8_t>)>& take) {

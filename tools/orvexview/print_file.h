@@ -57,13 +57,14 @@ struct ReadablePart {
     std::string problem;  // with the offset where reading ended; empty for a sound file
 };
 
-// Returns the words between the name of a file with a problem and the problem.
-const char* UnreadText(const ReadablePart& part);
-
-// Parse what there is: of a file of another print engine the job header alone, of one that is cut or damaged
-// the pages and rows before that place. Throw PrintFileError if not even the header can be read.
+// Parses what there is: of a file of another print engine the job header alone, of one that is cut or damaged
+// the pages and rows before that place. Throws PrintFileError if not even the header can be read.
 ReadablePart ParseReadablePart(std::unique_ptr<ByteSource> source);
-ReadablePart ReadReadablePart(const std::filesystem::path& path);
+// Does the same with the file of that name, UTF-8. Throws std::runtime_error that begins with the name.
+ReadablePart ReadReadablePart(const std::string& name);
+
+// Throws std::runtime_error with the file's name and its problem, if it has one.
+void RequireSound(const std::string& name, const ReadablePart& part);
 
 // Decodes the thumbnail, which there must be, and hands over its bytes part by part.
 void ReadThumbnail(const PrintFile& file, const std::function<void(std::span<const uint8_t>)>& take);

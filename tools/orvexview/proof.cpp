@@ -224,16 +224,14 @@ void WriteProof(const ProofOptions& options, std::ostream& out) {
     const NamedFile inputs[] = {{"the print file", PathFromUtf8(options.file)},
                                 {"--labels", PathFromUtf8(options.labels)}};
     RefuseSharedFiles({&proof, 1}, inputs);
-    const ReadablePart part = ReadReadablePart(PathFromUtf8(options.file));
+    const ReadablePart part = ReadReadablePart(options.file);
     ProofMaker maker(options, part);
     const uint64_t size = maker.Write();
     const size_t pages = part.file.pages.size();
     out << options.html << ": " << pages << (pages == 1 ? " page, " : " pages, ");
     if (pages > 1) out << maker.SheetCount() << " different, ";
     out << GroupedNumber(size) << " bytes\n";
-    if (!part.problem.empty()) {
-        throw std::runtime_error(options.file + UnreadText(part) + part.problem);
-    }
+    RequireSound(options.file, part);
 }
 
 }  // namespace orvex::tools::view

@@ -59,10 +59,7 @@ struct PictureNames {
 class Viewing {
   public:
     Viewing(const Options& options, std::ostream& out)
-        : options_(options),
-          out_(out),
-          part_(ReadReadablePart(PathFromUtf8(options.file))),
-          model_(file_.dpi) {
+        : options_(options), out_(out), part_(ReadReadablePart(options.file)), model_(file_.dpi) {
         for (const uint32_t number : options.pages) {
             if (number <= file_.pages.size()) continue;
             throw std::runtime_error("--page " + std::to_string(number) + ": " + options.file + " has " +
@@ -78,8 +75,8 @@ class Viewing {
     // Shows what can be read, and then complains about the rest. Returns the exit status.
     int Show() const {
         const int status = ShowReadablePart();
-        if (part_.problem.empty()) return status;
-        throw std::runtime_error(options_.file + UnreadText(part_) + part_.problem);
+        RequireSound(options_.file, part_);
+        return status;
     }
 
   private:

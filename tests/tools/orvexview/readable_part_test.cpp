@@ -32,6 +32,28 @@ TEST_F(ReadablePartTest, AnotherEnginesFileShowsHeaderAndThumbnail) {
                           "another print engine, which can't be read\n"));
 }
 
+TEST_F(ReadablePartTest, BlanksAroundTheLanguageAreFine) {
+    std::string file = kForeign;
+    file.replace(file.find("=OTHER"), 6, " = OTHER ");
+    const ReadablePart part = Parse(file);
+    EXPECT_EQ(part.file.header.language, "OTHER");
+    EXPECT_THAT(part.problem, HasSubstr("5 bytes in the language"));
+    file.replace(file.find(" = OTHER"), 8, " OTHER");
+    EXPECT_THROW(Parse(file), PrintFileError);
+}
+
+TEST_F(ReadablePartTest, EveryCommandNamesAFileWithoutAHeader) {
+    WriteBytes(PathFromUtf8(Name("other.prn")), "%!PS");
+    const std::string complaint = "other.prn is no sound print file: offset 0: \"%!PS\"; expected ";
+    for (const std::vector<std::string>& options :
+         {std::vector<std::string>{}, {"--ink"}, {"--html", Name("proof.html")}}) {
+        std::vector<std::string> command = options;
+        command.insert(command.begin(), Name("other.prn"));
+        EXPECT_EQ(Run(command), 1);
+        EXPECT_THAT(error_.str(), HasSubstr(complaint));
+    }
+}
+
 TEST_F(ReadablePartTest, ALineThatTheStandInDoesNotWriteIsStillWrongInItsFile) {
     const std::string file = WithLines(MakeFile({{{1}}}), "@PJL INFO\n");
     EXPECT_THROW(Parse(file), PrintFileError);
