@@ -11,9 +11,9 @@
 #include "tests/kit/scratch_folder.h"
 #include "tests/plain/plain_reduction.h"
 #include "tools/common/png_file.h"
+#include "tools/common/png_writer.h"
 #include "tools/common/whole_file.h"
 #include "tools/common/wide_text.h"
-#include "tools/orvexview/png_writer.h"
 
 namespace orvex::bench {
 
@@ -152,9 +152,11 @@ void MeasureViewer(Bench& bench, PageArt art) {
     }
     const auto encode = [&] {
         for (const tools::Picture& picture : pictures) {
-            tools::view::PngWriter writer(scratch.Path() / "encoded.png", picture.width, picture.height,
-                                          picture.channels, kA4At600.dpi);
-            writer.TakeLines(picture);
+            tools::PngWriter writer(scratch.Path() / "encoded.png", {.width = picture.width,
+                                                                     .height = picture.height,
+                                                                     .channels = picture.channels,
+                                                                     .pixelsPerInch = kA4At600.dpi});
+            writer.WriteRows(picture);
             writer.Complete();
         }
     };

@@ -26,7 +26,7 @@ orvex_fetch(spng)
 add_library(spng STATIC ${spng_source}/spng.c)
 target_include_directories(spng SYSTEM PUBLIC ${spng_source})
 target_compile_definitions(spng PRIVATE SPNG_STATIC)
-target_compile_options(spng PRIVATE -w -O2)
+target_compile_options(spng PRIVATE -w -O3)
 target_link_libraries(spng PUBLIC ZLIB::ZLIB)
 
 # Header-only libraries, offered through a folder of their own: the whole of the system's include folder would break

@@ -11,7 +11,7 @@
 #include "tools/common/wide_text.h"
 #include "tools/orvexview/job_difference.h"
 #include "tools/orvexview/options.h"
-#include "tools/orvexview/png_writer.h"
+#include "tools/orvexview/own_picture.h"
 #include "tools/orvexview/table.h"
 
 namespace orvex::tools::view {
@@ -41,6 +41,7 @@ struct CompareOptions {
     std::string second;
     std::string prefix;
     bool json = false;
+    bool force = false;  // replaces files that orvexview has not made
 };
 
 PrintFile Load(const std::string& name) {
@@ -93,6 +94,7 @@ class JobComparison {
         for (uint32_t number = 1; number <= SharedPages(); ++number) {
             const NamedFile picture{"a difference picture", PathFromUtf8(PictureName(number))};
             RefuseSharedFiles({&picture, 1}, inputs);
+            if (!options_.force) RefuseReplacing(PictureName(number));
         }
     }
 
@@ -111,9 +113,9 @@ class JobComparison {
         const PagePlacement placement = PlacePage(first_, page);
         if (placement.orientation == Orientation::kPortrait) picture = TurnClockwise(picture);
         const std::string name = PictureName(page.number);
-        PngWriter writer(PathFromUtf8(name), picture.width, picture.height, 3,
-                         static_cast<double>(first_.dpi) / scale);
-        writer.TakeLines(picture);
+        PngWriter writer(PathFromUtf8(name),
+                         OwnPicture(picture.width, picture.height, picture.channels, first_.dpi, scale));
+        writer.WriteRows(picture);
         writer.Complete();
         pictures_.push_back(name);
     }
@@ -204,12 +206,14 @@ int RunCompareCommand(const std::vector<std::string>& arguments, std::ostream& o
     line.Text("-o,--output", "PREFIX",
               "Writes a difference picture of each page that differs, PREFIX-pageN-difference.png");
     line.Flag("--json", "JSON instead of tables");
+    line.Flag("--force", "Replaces files that have a picture's name but are no pictures of orvexview");
     if (!line.Read(arguments, out)) return 0;
     CompareOptions options;
     options.first = line.Value("FILE").value_or("");
     options.second = line.Value("--compare").value_or("");
     options.prefix = line.Value("--output").value_or("");
     options.json = line.Has("--json");
+    options.force = line.Has("--force");
     const JobComparison comparison(options);
     out << (options.json ? comparison.JsonText() : comparison.Text());
     return comparison.IsSame() ? 0 : 1;

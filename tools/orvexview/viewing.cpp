@@ -16,8 +16,8 @@
 #include "tools/orvexview/ink_verification.h"
 #include "tools/orvexview/layout_picture.h"
 #include "tools/orvexview/log_command.h"
+#include "tools/orvexview/own_picture.h"
 #include "tools/orvexview/page_pictures.h"
-#include "tools/orvexview/png_writer.h"
 #include "tools/orvexview/print_file.h"
 #include "tools/orvexview/proof_command.h"
 #include "tools/orvexview/report.h"
@@ -34,7 +34,7 @@ struct PictureFile {
         : name(std::move(fileName)),
           text(name + ": " + SizeText(width, height) + " pixels" +
                (scale > 1 ? ", " + SizeText(scale, scale) + " to one" : "") + "\n"),
-          writer(PathFromUtf8(name), width, height, channels, static_cast<double>(dpi) / scale) {}
+          writer(PathFromUtf8(name), OwnPicture(width, height, channels, dpi, scale)) {}
 
     std::string name;
     std::string text;
@@ -124,7 +124,7 @@ class Viewing {
         }
         const auto checkPicture = [&](const std::string& picture) {
             check(picture);
-            RefuseReplacing(picture);
+            if (!options_.force) RefuseReplacing(picture);
         };
         for (const PrintedPage& page : file_.pages) {
             if (!IsDrawn(page)) continue;
@@ -133,17 +133,6 @@ class Viewing {
             for (int ink = 0; options_.inks && ink < kInks; ++ink) checkPicture(names.inks[ink]);
             if (options_.layout) checkPicture(names.layout);
         }
-    }
-
-    // Refuses to replace a file that orvexview has not made, such as art of a similar name.
-    void RefuseReplacing(const std::string& picture) const {
-        std::error_code ignored;
-        const std::filesystem::path path = PathFromUtf8(picture);
-        if (options_.force || !std::filesystem::is_regular_file(path, ignored)) return;
-        if (std::filesystem::file_size(path, ignored) == 0 || IsWrittenPicture(path)) return;
-        throw std::runtime_error(picture +
-                                 " exists and is no picture of orvexview, so nothing was written; "
-                                 "--force replaces it");
     }
 
     Drawing DrawingOf(const PrintedPage& page, const PagePlacement& placement) const {
@@ -186,7 +175,7 @@ class Viewing {
                                           {.scale = drawing.blockScale, .turned = drawing.turned});
         auto written = std::make_unique<PictureFile>(NamesOf(page).layout, layout.width, layout.height, 3,
                                                      drawing.blockScale, file_.dpi);
-        written->writer.TakeLines(layout);
+        written->writer.WriteRows(layout);
         return written;
     }
 
@@ -208,7 +197,7 @@ class Viewing {
             }
             for (size_t i = 0; i < files.size(); ++i) {
                 const Picture& picture = i == 0 ? pictures.composite : pictures.inks[i - 1];
-                tasks.push_back([&, i] { files[i]->writer.TakeLines(picture); });
+                tasks.push_back([&, i] { files[i]->writer.WriteRows(picture); });
             }
             RunTogether(tasks);
             drawing.blockScale = 0;
