@@ -21,7 +21,9 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 constexpr const char* kDescription =
-    "Compares two print files: settings, geometry, and the inks of every pixel.\n"
+    "Compares two print files: settings, geometry, and the inks of every pixel. Where fill rows or the purge "
+    "bar differ,\n"
+    "the inks of the labels alone are compared.\n"
     "\n"
     "A difference picture shows the first file's page in pale gray, and red wherever an ink differs: the "
     "more, "
@@ -105,7 +107,8 @@ class JobComparison {
         if (!options_.prefix.empty()) picture = std::make_unique<DifferencePicture>(page, scale);
         PageDifference difference = ComparePages(first_, page, second_, second_.pages[index], picture.get());
         if (difference.IsNone()) return;
-        if (picture && difference.sameSize) WritePicture(page, picture->Finish(), scale);
+        if (picture && difference.part != ComparedPart::kNothing)
+            WritePicture(page, picture->Finish(), scale);
         pages_.push_back(std::move(difference));
     }
 
@@ -137,9 +140,11 @@ class JobComparison {
         std::string text = "Page " + std::to_string(page.number) + "\n";
         if (!page.geometry.empty()) text += ValueTable(page.geometry);
         const InkDifference& inks = page.inks;
-        if (!page.sameSize) {
-            text += "Inks can't be compared, since the blocks have different sizes.\n";
-        } else if (inks.different > 0) {
+        if (page.part == ComparedPart::kNothing) {
+            text += "Inks can't be compared, since the labels have different sizes.\n";
+        } else if (inks.different == 0) {
+            text += "All inks of the label are the same.\n";
+        } else {
             text += GroupedNumber(inks.different) + " of " + GroupedNumber(inks.pixels) +
                     " pixels differ, at most by " + LargestText(inks) + "\nthe first at " +
                     PlaceText(PlacementOf(page), inks.place) + ": " + InksText(inks.place.first) + " and " +
@@ -166,8 +171,9 @@ class JobComparison {
 
     Json PageJson(const PageDifference& page) const {
         Json json = {{"page", page.number}, {"geometry", ValuesJson(page.geometry)}};
-        if (!page.sameSize) return json;
+        if (page.part == ComparedPart::kNothing) return json;
         const InkDifference& inks = page.inks;
+        json["compared"] = page.part == ComparedPart::kBlock ? "block" : "label";
         json["pixels"] = inks.pixels;
         json["different"] = inks.different;
         if (inks.different == 0) return json;

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include "tools/orvexview/page_pictures.h"
+
 namespace orvex::tools::view {
 
 namespace {
@@ -42,6 +44,45 @@ uint32_t LargestChange(uint32_t first, uint32_t second) {
     }
     return most;
 }
+
+bool HaveSameSize(const BlockArea& first, const BlockArea& second) {
+    return first.width == second.width && first.rows == second.rows;
+}
+
+// The parts of two blocks whose inks are compared.
+struct ComparedAreas {
+    ComparedPart part;
+    BlockArea first;
+    BlockArea second;
+};
+
+ComparedAreas AreasToCompare(const PrintedPage& first, const PagePlacement& firstPlace,
+                             const PrintedPage& second, const PagePlacement& secondPlace) {
+    const BlockArea firstBlock = WholeBlock(first), secondBlock = WholeBlock(second);
+    const BlockArea firstLabel = ImageArea(firstPlace), secondLabel = ImageArea(secondPlace);
+    const bool sameLabel = HaveSameSize(firstLabel, secondLabel);
+    if (HaveSameSize(firstBlock, secondBlock) && (firstLabel == secondLabel || !sameLabel)) {
+        return {ComparedPart::kBlock, firstBlock, secondBlock};
+    }
+    if (sameLabel && firstPlace.orientation == secondPlace.orientation) {
+        return {ComparedPart::kLabel, firstLabel, secondLabel};
+    }
+    return {ComparedPart::kNothing, {}, {}};
+}
+
+// A page's rows from the first one of an area, cut to it.
+class AreaReader {
+  public:
+    AreaReader(const PrintedPage& page, const BlockArea& area) : reader_(page), area_(area) {
+        for (uint32_t row = 0; row < area.top; ++row) reader_.Next();
+    }
+
+    std::span<const uint32_t> Next() { return reader_.Next().subspan(area_.left, area_.width); }
+
+  private:
+    RowReader reader_;
+    BlockArea area_;
+};
 
 }  // namespace
 
@@ -104,21 +145,24 @@ PageDifference ComparePages(const PrintFile& firstFile, const PrintedPage& first
     add("page length in units", first.length, second.length);
     AddIfDifferent(difference.geometry, "resolution code", std::to_string(first.resolutionCode),
                    std::to_string(second.resolutionCode));
-    difference.sameSize = first.rows == second.rows && first.rowWidth == second.rowWidth;
-    if (!difference.sameSize) return difference;
+    const ComparedAreas areas = AreasToCompare(first, a, second, b);
+    difference.part = areas.part;
+    if (areas.part == ComparedPart::kNothing) return difference;
 
-    RowReader firstReader(first);
-    RowReader secondReader(second);
-    for (uint32_t row = 0; row < first.rows; ++row) {
+    AreaReader firstReader(first, areas.first);
+    AreaReader secondReader(second, areas.second);
+    for (uint32_t i = 0; i < areas.first.rows; ++i) {
         const std::span<const uint32_t> left = firstReader.Next();
         const std::span<const uint32_t> right = secondReader.Next();
         if (picture == nullptr && std::equal(left.begin(), left.end(), right.begin())) {
-            difference.inks.pixels += first.rowWidth;
+            difference.inks.pixels += left.size();
             continue;
         }
-        for (uint32_t x = 0; x < first.rowWidth; ++x) {
-            difference.inks.TakePixel(row, x, left[x], right[x]);
-            if (picture != nullptr) picture->TakePixel(row, x, left[x], right[x]);
+        const uint32_t row = areas.first.top + i;
+        for (uint32_t k = 0; k < left.size(); ++k) {
+            const uint32_t x = areas.first.left + k;
+            difference.inks.TakePixel(row, x, left[k], right[k]);
+            if (picture != nullptr) picture->TakePixel(row, x, left[k], right[k]);
         }
     }
     return difference;

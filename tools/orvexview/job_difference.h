@@ -22,10 +22,17 @@ struct ValueDifference {
 // Finds settings, engine, resolution, thumbnail and number of pages that differ.
 std::vector<ValueDifference> CompareHeaders(const PrintFile& first, const PrintFile& second);
 
+// The part of two pages whose inks are compared.
+enum class ComparedPart {
+    kBlock,
+    kLabel,   // where the labels are equally large, but fill rows or purge bar differ
+    kNothing  // labels of different sizes
+};
+
 struct PageDifference {
     uint32_t number = 0;
     std::vector<ValueDifference> geometry;
-    bool sameSize = true;  // without that, inks are not compared
+    ComparedPart part = ComparedPart::kBlock;
     InkDifference inks;
 
     bool IsNone() const { return geometry.empty() && inks.different == 0; }

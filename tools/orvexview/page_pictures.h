@@ -18,6 +18,8 @@ struct BlockArea {
     uint32_t top = 0;
     uint32_t width = 0;
     uint32_t rows = 0;
+
+    bool operator==(const BlockArea&) const = default;
 };
 
 BlockArea ImageArea(const PagePlacement& placement);

@@ -59,6 +59,50 @@ TEST_F(CompareCommandTest, NamesAnotherGeometry) {
     EXPECT_THAT(out_.str(), HasSubstr("Inks can't be compared"));
 }
 
+// The same label, once with a purge bar: a dot, and the gap of 5 mm after it at 11 pixels a millimeter.
+constexpr size_t kPurgeWidth = 56;
+
+TEST_F(CompareCommandTest, ComparesLabelsInBlocksOfDifferentSizes) {
+    std::vector<Setting> settings = kSettings;
+    settings.insert(settings.end(), {{"PURGEBAR", 1}, {"PURGEDOTS", 1}, {"PURGEGAP", 5}});
+    settings[3].value = 0;
+    const std::string label = WriteJob("label.prn", {kPage}, SettingLines(settings));
+    Rows barred = kPage;
+    for (auto& row : barred) row.insert(row.begin(), kPurgeWidth, 0x80);
+    settings[3].value = 1;
+    const std::string bar = WriteJob("bar.prn", {barred}, SettingLines(settings));
+    EXPECT_EQ(Run({label, "--compare", bar}), 1);
+    EXPECT_THAT(out_.str(), testing::ContainsRegex("pixels in a row +2 +58"));
+    EXPECT_THAT(out_.str(), HasSubstr("All inks of the label are the same.\n"));
+
+    barred[1][kPurgeWidth] = 9;
+    WriteJob("bar.prn", {barred}, SettingLines(settings));
+    EXPECT_EQ(Run({label, "--compare", bar, "--json", "-o", Name("look")}), 1);
+    nlohmann::json page = nlohmann::json::parse(out_.str())["pages"][0];
+    EXPECT_EQ(page["compared"], "label");
+    EXPECT_EQ(page["pixels"], 6);
+    EXPECT_EQ(page["different"], 1);
+    EXPECT_EQ(page["at"]["place"], "(1, 0) of the label");
+    EXPECT_EQ(page["at"]["second"]["K"], 9);
+}
+
+TEST_F(CompareCommandTest, ReplacesOnlyItsOwnPicturesUnlessForced) {
+    Rows other = kPage;
+    other[0][0] = 9;
+    const std::string second = WriteJob("b.prn", {other, kPage}, SettingLines(kSettings));
+    const std::vector<std::string> command = {first_, "--compare", second, "-o", Name("look")};
+    EXPECT_EQ(Run(command), 1);
+    EXPECT_EQ(Run(command), 1);
+    WriteBytes(folder_.Path() / "look-page1-difference.png", "art");
+    EXPECT_EQ(Run(command), 2);
+    EXPECT_THAT(error_.str(), HasSubstr("look-page1-difference.png exists and is no picture of orvexview"));
+    EXPECT_EQ(Read("look-page1-difference.png"), "art");
+    std::vector<std::string> forced = command;
+    forced.push_back("--force");
+    EXPECT_EQ(Run(forced), 1);
+    EXPECT_NE(Read("look-page1-difference.png"), "art");
+}
+
 TEST_F(CompareCommandTest, WritesJson) {
     Rows other = kPage;
     other[0][0] = 0x02000001;
@@ -68,6 +112,7 @@ TEST_F(CompareCommandTest, WritesJson) {
     EXPECT_EQ(json["same"], false);
     EXPECT_EQ(json["pages"].size(), 1u);
     EXPECT_EQ(json["pages"][0]["page"], 1);
+    EXPECT_EQ(json["pages"][0]["compared"], "block");
     EXPECT_EQ(json["pages"][0]["different"], 1);
     EXPECT_EQ(json["pages"][0]["largest"]["Y"], 2);
     EXPECT_EQ(json["pages"][0]["at"]["place"], "(2, 0) of the label");
