@@ -1,6 +1,7 @@
 #include "tools/orvexview/page_check.h"
 
 #include <algorithm>
+#include <numeric>
 
 namespace orvex::tools::view {
 
@@ -9,7 +10,18 @@ namespace {
 // Least total ink of a pixel that looks printed. The pattern that keeps nozzles wet is far below.
 constexpr float kInked = 0.25f;
 
+constexpr uint32_t kLeastEdges = 20;  // of a picture whose grid is known
+
 }  // namespace
+
+void EdgeGrid::Add(uint32_t place) {
+    if (edges_++ == 0) first_ = place;
+    step_ = std::gcd(step_, place - first_);
+}
+
+uint32_t EdgeGrid::Step() const {
+    return edges_ < kLeastEdges ? 1 : step_;
+}
 
 PageCheck::PageCheck(const InkModel& model, const BlockArea& image, double limit, uint32_t leastLine)
     : image_(image),
@@ -18,7 +30,8 @@ PageCheck::PageCheck(const InkModel& model, const BlockArea& image, double limit
       above2_(image.width),
       above_(image.width),
       now_(image.width),
-      streaks_(image.width) {
+      streaks_(image.width),
+      columnEdges_(image.width) {
     for (uint32_t amount = 0; amount < share_.size(); ++amount) share_[amount] = model.Share(amount);
 }
 
@@ -30,6 +43,7 @@ void PageCheck::TakeRow(uint32_t row, std::span<const uint32_t> inkValues, bool 
         now_ = above_;
     } else {
         TakeInks(inkValues.subspan(image_.left, image_.width));
+        if (row > image_.top && now_ != above_) rowEdges_.Add(row);
     }
     facts_.overLimit += overLimitInRow_;
     FindLinesAcrossRows();
@@ -40,6 +54,11 @@ PageFacts PageCheck::Finish() {
     std::swap(above2_, above_);
     std::swap(above_, now_);
     FindLinesAlongRow(std::vector<uint8_t>(image_.width));
+    EdgeGrid columns;
+    for (uint32_t x = 0; x < columnEdges_.size(); ++x) {
+        if (columnEdges_[x] != 0) columns.Add(x);
+    }
+    facts_.enlarged = std::gcd(rowEdges_.Step(), columns.Step());
     return facts_;
 }
 
@@ -62,6 +81,7 @@ void PageCheck::TakeInks(std::span<const uint32_t> inkValues) {
 void PageCheck::FindLinesAcrossRows() {
     for (size_t x = 0; x < now_.size(); ++x) {
         const bool before = x > 0 && now_[x - 1];
+        columnEdges_[x] |= x > 0 && before != (now_[x] != 0);
         const bool after = x + 1 < now_.size() && now_[x + 1];
         streaks_[x] = now_[x] && !before && !after ? streaks_[x] + 1 : 0;
         facts_.thinLines += streaks_[x] == leastLine_;

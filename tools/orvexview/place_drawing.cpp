@@ -95,8 +95,8 @@ class PlacePainter {
             Text(kMargin + across_ + 1, kMargin + 5, "left");
             Text(0, 8, "\xE2\x86\x91 feed");
         } else {
-            Text(kMargin, kMargin - 2, "left");
-            Text(kMargin, kMargin + across_ + 6, "right");
+            Text(kMargin + along_ / 2, kMargin - 2, "left", "middle");
+            Text(kMargin + along_ / 2, kMargin + across_ + 6, "right", "middle");
             Text(0, 8, "\xE2\x86\x90 feed");
         }
     }

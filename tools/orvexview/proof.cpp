@@ -187,6 +187,11 @@ class ProofMaker {
                                      (facts.thinLines == 1 ? " line is" : " lines are") +
                                      " one pixel thin; two are the least that prints evenly");
         }
+        if (facts.enlarged > 1) {
+            const std::string times = std::to_string(facts.enlarged);
+            sheet.warnings.push_back("every detail is made of " + times + " x " + times +
+                                     " pixels: the art was enlarged " + times + " times");
+        }
         if (sheet.page->missingRows > 0) {
             sheet.warnings.push_back("the file breaks off, and the last " +
                                      std::to_string(sheet.page->missingRows) + " rows are missing");
@@ -196,10 +201,9 @@ class ProofMaker {
 
     void CheckLabel(ProofSheet& sheet) const {
         const PagePlacement& placement = sheet.placement;
-        const bool portrait = placement.orientation == Orientation::kPortrait;
         const double mm = kMmPerInch / file_.dpi;
-        const double width = (portrait ? placement.imageRows : placement.imageWidth) * mm;
-        const double length = (portrait ? placement.imageWidth : placement.imageRows) * mm;
+        const double width = placement.imageRows * mm;  // across the paper feed, however the label reads
+        const double length = placement.imageWidth * mm;
         if (labels_.Has(width, length)) return;
         sheet.warnings.push_back("a label of " + DecimalText(width, 1) + " x " + DecimalText(length, 1) +
                                  " mm is not in the printer's list");

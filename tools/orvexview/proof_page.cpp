@@ -133,9 +133,9 @@ std::string Warnings(std::span<const ProofSheet> sheets, std::string_view proble
     }
     const std::string list = items.empty() ? "<p>None.</p>" : "<ul>\n" + items + "</ul>";
     return "<section id=\"warnings\"><h2>Warnings</h2>" + list +
-           "<p class=\"quiet\">A print file does not tell whether art was resampled; orvexprint says so when "
-           "it "
-           "prints.</p></section>\n";
+           "<p class=\"quiet\">Of art that was resampled, a print file shows only what was enlarged by a "
+           "whole "
+           "number; orvexprint tells the rest when it prints.</p></section>\n";
 }
 
 // Returns the tables from which the browser computes colors: the light that each gray of an ink's picture
@@ -219,12 +219,9 @@ std::string ProofPicture(size_t sheet, std::span<const uint8_t> png) {
 
 std::string ProofEnd(const PrintFile& file, std::span<const ProofSheet> sheets, double limit,
                      std::string_view problem) {
-    const std::string percent = DecimalText(limit, 0);
-    const std::string left = DecimalText(limit / 4, 2);
-    return "<div id=\"scale\" hidden><canvas></canvas><span style=\"left:0;transform:none\">0 %</span>"
-           "<span style=\"left:" +
-           left + "%\">|" + percent +
-           " % limit</span><span style=\"left:100%;transform:translateX(-100%)\">400 %</span></div>\n"
+    return "<div id=\"scale\" hidden><canvas></canvas><i style=\"left:" + DecimalText(limit / 4, 2) +
+           "%\"></i><p><span>0 %</span><span>limit " + DecimalText(limit, 0) +
+           " %</span><span>400 %</span></p></div>\n"
            "<nav id=\"pages\"></nav></main>\n" +
            Warnings(sheets, problem) + PlaceSection(file, sheets) + Settings(file) + InkTable(sheets) +
            "<script type=\"application/json\" id=\"job\">" + JobData(file.pages.size(), sheets, limit) +

@@ -6,7 +6,7 @@ namespace orvex::tools::view {
 inline constexpr char kProofStyle[] = R"css(
 :root { color-scheme: light dark; --quiet: #667; --line: #ccd; --desk: #e6e8ee; --head: #d4d8e2; --fill: #b9d3f0;
   --purge: #f3d59a; --alarm: #b3261e }
-@media (prefers-color-scheme: dark) { :root { --quiet: #9aa3b5; --line: #444a57; --desk: #23262d; --head: #3a3f4b;
+@media screen and (prefers-color-scheme: dark) { :root { --quiet: #9aa3b5; --line: #444a57; --desk: #23262d; --head: #3a3f4b;
   --fill: #2f4a6b; --purge: #6b5520; --alarm: #ff8a80 } }
 * { box-sizing: border-box }
 body { display: flex; flex-direction: column; font: 15px/1.45 system-ui, sans-serif; margin: 0 auto;
@@ -24,14 +24,16 @@ button, select, input { font: inherit } button { min-width: 2.2rem; min-height: 
 #pages button { background: var(--desk); border: 2px solid var(--line); padding: .2rem; color: inherit }
 #pages button[aria-current=page] { border-color: #37c }
 #pages canvas { display: block; width: 84px; height: 84px; object-fit: contain }
-table { border-collapse: collapse } .wide { overflow-x: auto }
+table { border-collapse: collapse; overflow-wrap: break-word } .wide { overflow-x: auto }
 th, td { border-bottom: 1px solid var(--line); padding: .15rem .7rem .15rem 0; text-align: left; vertical-align: top }
-td.number, th.number { text-align: right; font-variant-numeric: tabular-nums }
-td:first-child { white-space: nowrap } tr.unusual { font-weight: bold }
+td.number, th.number { text-align: right; white-space: nowrap; font-variant-numeric: tabular-nums }
+tr.unusual { font-weight: bold } #note:empty { display: none }
 svg { max-width: 100%; max-height: 60vh; fill: currentColor }
-#scale { position: relative; height: 2.6rem; max-width: 30rem }
-#scale canvas { width: 100%; height: 1rem } #scale span { position: absolute; top: 1.1rem; transform: translateX(-50%) }
-@media print { .bar, #pages { display: none } #frame { max-height: none; border: 0; padding: 0 }
+#scale { position: relative; max-width: 30rem; margin: .4rem 0 } #scale canvas { display: block; width: 100%; height: 1rem }
+#scale i { position: absolute; top: 0; height: 1.4rem; border-left: 2px solid }
+#scale p { display: flex; justify-content: space-between; margin: .4rem 0 }
+@media print { :root { color-scheme: light } h2, h3 { break-after: avoid } svg, tr, li { break-inside: avoid }
+  .bar, #pages { display: none } #frame { max-height: none; border: 0; padding: 0 }
   #canvas { width: auto !important; max-width: 100%; max-height: 22cm } }
 )css";
 
@@ -111,12 +113,17 @@ function paint(inks, canvas, paintPixels, on) {
   context.putImageData(pixels, 0, 0);
 }
 
+// Keeps the middle of the frame at the same place of the page.
 function resize() {
-  const canvas = $('canvas');
-  const fit = Math.min(($('frame').clientWidth - 20) / canvas.width, innerHeight * .75 / canvas.height);
+  const canvas = $('canvas'), frame = $('frame');
+  const middle = [(frame.scrollLeft + frame.clientWidth / 2) / frame.scrollWidth,
+    (frame.scrollTop + frame.clientHeight / 2) / frame.scrollHeight];
+  const fit = Math.min((frame.clientWidth - 20) / canvas.width, innerHeight * .75 / canvas.height);
   const scale = zoom === 0 ? fit : fit * 1.5 ** zoom;
   canvas.style.width = canvas.width * scale + 'px';
   canvas.style.imageRendering = scale > 2 ? 'pixelated' : 'auto';
+  frame.scrollLeft = middle[0] * frame.scrollWidth - frame.clientWidth / 2;
+  frame.scrollTop = middle[1] * frame.scrollHeight - frame.clientHeight / 2;
   $('zoom').textContent = zoom === 0 ? 'fit' : Math.round(100 * scale / fit) + ' %';
 }
 

@@ -50,6 +50,9 @@
   const width = parseFloat(canvas.style.width);
   $('closer').click();
   check('larger', parseFloat(canvas.style.width) > width);
+  for (let i = 0; i < 4; ++i) $('closer').click();
+  const frame = $('frame');
+  check('closer to the middle', frame.scrollLeft > 100 && Math.abs(2 * frame.scrollLeft + frame.clientWidth - frame.scrollWidth) < 8);
   $('fit').click();
   check('fit', parseFloat(canvas.style.width) === width);
   await after(() => $('next').click());

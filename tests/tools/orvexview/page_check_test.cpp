@@ -64,6 +64,31 @@ TEST(PageCheck, LinesOfTwoPixelsAndShortOnesAreFine) {
     EXPECT_EQ(Check(rows).thinLines, 0u);
 }
 
+// Returns a picture without order, each pixel of which is `across` pixels of a row in `along` rows.
+Rows Enlarged(size_t across, size_t along) {
+    Rows rows(120, std::vector<uint32_t>(120));
+    for (size_t row = 0; row < rows.size(); ++row) {
+        for (size_t x = 0; x < rows[row].size(); ++x) {
+            const size_t cell = 1000 * (row / along) + x / across;
+            rows[row][x] = cell * cell % 7 < 3 ? kInk : kPattern;
+        }
+    }
+    return rows;
+}
+
+TEST(PageCheck, FindsArtThatWasEnlarged) {
+    EXPECT_EQ(Check(Enlarged(1, 1)).enlarged, 1u);
+    EXPECT_EQ(Check(Enlarged(2, 2)).enlarged, 2u);
+    EXPECT_EQ(Check(Enlarged(3, 3)).enlarged, 3u);
+    EXPECT_EQ(Check(Enlarged(2, 3)).enlarged, 1u) << "no size of the art gives that";
+    EXPECT_EQ(Check(Enlarged(2, 2), {1, 1, 118, 118}).enlarged, 2u) << "the grid may begin anywhere";
+    Rows rows = Enlarged(2, 2);
+    for (size_t x = 50; x < 60; ++x) rows[61][x] = rows[60][x] == kInk ? kPattern : kInk;
+    EXPECT_EQ(Check(rows).enlarged, 1u) << "a finer detail";
+    EXPECT_EQ(Check(Blank(100, 100)).enlarged, 1u);
+    EXPECT_EQ(Check(Enlarged(10, 10)).enlarged, 1u) << "too few edges to tell";
+}
+
 TEST(PageCheck, LooksAtTheImageAlone) {
     Rows rows = Blank(10, 10);
     std::fill_n(rows[0].begin(), 10, 0xFFFFFFFFu);
