@@ -36,6 +36,7 @@ constexpr const char* kExamples =
 constexpr double kMillilitersPerPicoliter = 1e-9;
 constexpr double kMillilitersPerLiter = 1000;
 constexpr double kAmountsPerDrop = 255;
+constexpr int kDecimals = 6;  // a purge bar takes a hundred-thousandth of a milliliter
 
 using InkSums = std::array<uint64_t, kInks>;
 
@@ -80,12 +81,12 @@ class InkReport {
         double cost = 0;
         for (int ink = 0; ink < kInks; ++ink) {
             const double milliliters = Milliliters(static_cast<double>(sums[ink])) * times;
-            cells.push_back(DecimalText(milliliters, 4));
+            cells.push_back(DecimalText(milliliters, kDecimals));
             total += milliliters;
             cost += milliliters / kMillilitersPerLiter * prices_.perLiter[ink].value_or(0);
         }
-        cells.push_back(DecimalText(total, 4));
-        cells.push_back(prices_.AreComplete() ? DecimalText(cost, 5) : "-");
+        cells.push_back(DecimalText(total, kDecimals));
+        cells.push_back(prices_.AreComplete() ? DecimalText(cost, kDecimals) : "-");
         return cells;
     }
 
@@ -141,14 +142,14 @@ int RunInkCommand(const std::vector<std::string>& arguments, std::ostream& out) 
               "The prices of inks for a liter, from now on; inks not named keep theirs");
     if (!line.Read(arguments, out)) return 0;
     const std::string file = line.Value("FILE").value_or("");
-    const std::string drop = line.Value("--drop").value_or("");
-    const std::string price = line.Value("--price").value_or("");
+    const std::optional<std::string> drop = line.Value("--drop");
+    const std::optional<std::string> price = line.Value("--price");
     const std::filesystem::path path = InkPricesPath();
     InkPrices prices = LoadInkPrices(path);
-    if (!drop.empty()) TakeDrop(drop, prices);
-    if (!price.empty()) TakePrices(price, prices);
+    if (drop) TakeDrop(*drop, prices);
+    if (price) TakePrices(*price, prices);
     const ReadablePart part = ReadReadablePart(file);
-    if (!drop.empty() || !price.empty()) SaveInkPrices(prices, path);
+    if (drop || price) SaveInkPrices(prices, path);
     out << InkReport(part.file, prices).Text();
     RequireSound(file, part);
     return 0;

@@ -29,13 +29,16 @@ class InkCommandTest : public CommandTest {
 
 TEST_F(InkCommandTest, CountsMillilitersAndCost) {
     EXPECT_EQ(Run({job_, "--ink", "--drop", "10pl", "--price", "K=80,C=95,M=95,Y=95/l"}), 0);
-    EXPECT_THAT(out_.str(), HasSubstr("1     0.0100  0.0000  0.0000  0.0000  0.0100  0.00080\n"));
-    EXPECT_THAT(out_.str(),
-                HasSubstr("all of 2 copies    0.0200   0.0000  0.0000  0.0000  0.0200   0.00160\n"));
-    EXPECT_THAT(out_.str(),
-                HasSubstr("mean label         0.0100   0.0000  0.0000  0.0000  0.0100   0.00080\n"));
-    EXPECT_THAT(out_.str(),
-                HasSubstr("thousand labels    10.0000  0.0000  0.0000  0.0000  10.0000  0.80000\n"));
+    EXPECT_THAT(out_.str(), HasSubstr("1     0.010000  0.000000  0.000000  0.000000  0.010000  0.000800\n"));
+    EXPECT_THAT(
+        out_.str(),
+        HasSubstr("all of 2 copies    0.020000   0.000000  0.000000  0.000000  0.020000   0.001600\n"));
+    EXPECT_THAT(
+        out_.str(),
+        HasSubstr("mean label         0.010000   0.000000  0.000000  0.000000  0.010000   0.000800\n"));
+    EXPECT_THAT(
+        out_.str(),
+        HasSubstr("thousand labels    10.000000  0.000000  0.000000  0.000000  10.000000  0.800000\n"));
     EXPECT_THAT(out_.str(), HasSubstr("A drop has 10.0 picoliters.\n"));
 }
 
@@ -44,7 +47,7 @@ TEST_F(InkCommandTest, RemembersDropAndPrices) {
     EXPECT_THAT(out_.str(), HasSubstr("No cost: "));
     EXPECT_EQ(Run({job_, "--ink", "--price", "M=90,Y=90"}), 0);
     const std::string costs = out_.str();
-    EXPECT_THAT(costs, HasSubstr("0.00080\n"));
+    EXPECT_THAT(costs, HasSubstr("0.000800\n"));
     EXPECT_EQ(Run({job_, "--ink"}), 0);
     EXPECT_EQ(out_.str(), costs);
     EXPECT_EQ(Read("orvexview.json"),
@@ -56,6 +59,8 @@ TEST_F(InkCommandTest, RefusesWrongValuesAndWritesNothing) {
     EXPECT_EQ(Run({job_, "--ink", "--drop", "0pl"}), 2);
     EXPECT_EQ(error_.str(),
               "orvexview: --drop: \"0pl\" is not allowed; it takes picoliters such as 6pl, at most 1000\n");
+    EXPECT_EQ(Run({job_, "--ink", "--drop", ""}), 2) << "such as an unset variable";
+    EXPECT_EQ(Run({job_, "--ink", "--price", ""}), 2);
     for (const char* price : {"", "K", "K=", "K=x", "Z=1", "K=1,", "K=-1", "K=80 C=95"}) {
         InkPrices prices;
         EXPECT_NE(ThrownText<OptionError>([&] { TakePrices(price, prices); }), "") << price;
