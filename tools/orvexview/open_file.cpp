@@ -21,9 +21,15 @@ namespace {
 #ifdef _WIN32
 
 bool Shows(const std::filesystem::path& path) {
-    constexpr INT_PTR kLeastSuccess = 33;  // smaller numbers are errors
-    const HINSTANCE result = ShellExecuteW(nullptr, L"open", path.c_str(), nullptr, nullptr, SW_SHOWNORMAL);
-    return reinterpret_cast<INT_PTR>(result) >= kLeastSuccess;
+    const std::filesystem::path file = std::filesystem::absolute(path).make_preferred();
+    SHELLEXECUTEINFOW call = {};
+    call.cbSize = sizeof call;
+    // The program ends at once, so the call must be done by then; what fails is told here, not in a window.
+    call.fMask = SEE_MASK_NOASYNC | SEE_MASK_FLAG_NO_UI;
+    call.lpVerb = L"open";
+    call.lpFile = file.c_str();
+    call.nShow = SW_SHOWNORMAL;
+    return ShellExecuteExW(&call) != FALSE;
 }
 
 #else

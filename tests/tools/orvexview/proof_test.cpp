@@ -122,6 +122,15 @@ TEST_F(ProofTest, WarnsOfInkThinLinesAndSize) {
     EXPECT_THAT(Prove({kPage}), HasSubstr("<p>None.</p>"));
 }
 
+TEST_F(ProofTest, WarnsOfArtThatWasEnlarged) {
+    Rows rows(80, std::vector<uint32_t>(80));
+    for (size_t row = 0; row < 80; ++row) {
+        for (size_t x = 0; x < 80; ++x) rows[row][x] = (row / 2 + x / 2) % 2 == 0 ? 0xFF : 0;
+    }
+    EXPECT_THAT(Prove({rows}, SettingLines({{"ORIGX", 80}, {"ORIGY", 80}})),
+                HasSubstr("page 1: every detail is made of 2 x 2 pixels: the art was enlarged 2 times</li>"));
+}
+
 TEST_F(ProofTest, PagesWithTheSameWarningShareALine) {
     std::vector<Rows> pages;
     for (uint32_t i = 0; i < 3; ++i) pages.push_back({{0xFFFFFFFF, i}});
@@ -139,8 +148,10 @@ TEST_F(ProofTest, WarnsOfALabelThatIsNotListed) {
         Utf8FromPath(folder_.Write("media.inf", "[Media]\n\"Small\", \"25.4\", \"50\", 0\n"));
     const std::vector<std::string> labels = {"--labels", media};
     const Rows listed(300, std::vector<uint32_t>(591));
-    EXPECT_THAT(Prove({listed}, SettingLines({{"ORIGX", 300}, {"ORIGY", 591}}), labels),
-                HasSubstr("<p>None.</p>"));
+    for (const auto& [width, height] : {std::pair{300, 591}, {591, 300}}) {  // portrait and landscape
+        EXPECT_THAT(Prove({listed}, SettingLines({{"ORIGX", width}, {"ORIGY", height}}), labels),
+                    HasSubstr("<p>None.</p>"));
+    }
     EXPECT_THAT(Prove({kPage}, SettingLines(kSettings), labels),
                 HasSubstr("a label of 0.3 x 0.2 mm is not in the printer&#39;s list"));
     EXPECT_THAT(ThrownText([&] { ListedLabels(folder_.Write("x.inf", "[UI]\n")); }),
@@ -211,8 +222,42 @@ TEST_F(ProofTest, WritesOverNoInput) {
     EXPECT_EQ(error_.str(), "orvexview: --limit: \"401\" is not allowed; it takes 1 to 400\n");
 }
 
-#ifndef _WIN32
-// On Windows the browser itself would open.
+#ifdef _WIN32
+// Makes a program of the user's open files of a kind, until the test ends.
+class Association {
+  public:
+    explicit Association(const std::wstring& command) {
+        Set(L".orvexproof", kClass);
+        Set(std::wstring(kClass) + L"\\shell\\open\\command", command);
+    }
+    ~Association() {
+        RegDeleteTreeW(HKEY_CLASSES_ROOT, L".orvexproof");
+        RegDeleteTreeW(HKEY_CLASSES_ROOT, kClass);
+    }
+    Association(const Association&) = delete;
+    Association& operator=(const Association&) = delete;
+
+  private:
+    static constexpr const wchar_t* kClass = L"OrvexProofOfATest";
+
+    static void Set(const std::wstring& key, const std::wstring& value) {
+        RegSetKeyValueW(HKEY_CLASSES_ROOT, key.c_str(), nullptr, REG_SZ, value.c_str(),
+                        static_cast<DWORD>((value.size() + 1) * sizeof(wchar_t)));
+    }
+};
+
+TEST_F(ProofTest, OpensTheProof) {
+    const std::wstring opened = (folder_.Path() / "opened").make_preferred().wstring();
+    const std::string job = WriteJob("job.prn", {kPage}), proof = Name("a proof.orvexproof");
+    EXPECT_EQ(Run({job, "--html", proof, "--open"}), 1);
+    EXPECT_THAT(error_.str(), HasSubstr("a proof.orvexproof: there is no program that shows it"));
+    const Association association(L"cmd.exe /c copy \"%1\" \"" + opened + L"\"");
+    EXPECT_EQ(Run({job, "--html", proof, "--open"}), 0) << error_.str();
+    const std::string expected = Read("a proof.orvexproof");
+    for (int i = 0; i < 500 && Read("opened") != expected; ++i) Sleep(20);
+    EXPECT_EQ(Read("opened"), expected);
+}
+#else
 TEST_F(ProofTest, OpensTheProof) {
     const std::string path = getenv("PATH");
     const std::filesystem::path program =
