@@ -58,7 +58,7 @@ int BestFilter(std::span<const uint8_t> row, const uint8_t* above, size_t channe
 bool IsPngMadeBy(std::string_view software, const std::filesystem::path& path) {
     std::string head(kHeadBytes, '\0');
     std::ifstream(path, std::ios::binary).read(head.data(), kHeadBytes);
-    // The chunk from the last byte of its size on; no program's name is longer than one byte tells.
+    // Starts with the last byte of the chunk's size, since no program's name takes more than one.
     std::string chunk(1, static_cast<char>(kSoftwareKeyword.size() + 1 + software.size()));
     chunk.append("tEXt").append(kSoftwareKeyword).append(1, '\0').append(software);
     return head.find(chunk) != std::string::npos;

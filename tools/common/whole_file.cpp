@@ -183,10 +183,9 @@ std::string ReadWholeText(const fs::path& path) {
 
 bool IsSameFile(const fs::path& a, const fs::path& b) {
     std::error_code ignored;
-    if (fs::exists(a, ignored) && fs::exists(b, ignored)) {
-        return fs::is_regular_file(a, ignored) && fs::equivalent(a, b, ignored);
-    }
-    if (fs::exists(a, ignored) || fs::exists(b, ignored)) return false;
+    const bool hasFirst = fs::exists(a, ignored), hasSecond = fs::exists(b, ignored);
+    if (hasFirst != hasSecond) return false;
+    if (hasFirst) return fs::is_regular_file(a, ignored) && fs::equivalent(a, b, ignored);
     const fs::path first = fs::absolute(WithoutLinks(a)), second = fs::absolute(WithoutLinks(b));
     return first.filename() == second.filename() &&
            fs::equivalent(first.parent_path(), second.parent_path(), ignored);
@@ -226,9 +225,11 @@ bool OutputFile::OpenStream() {
         Take(dup(kOutputDescriptor));
         return true;
     }
-    RefuseFolder(path_);
     Descriptor found(Open(path_, O_WRONLY));
     const int error = errno;
+    // Most files are new, and each question costs a call, which takes long under Wine.
+    if (!found.IsOpen() && error == ENOENT) return false;
+    RefuseFolder(path_);
     std::error_code ignored;
     if (!found.IsOpen() && fs::is_other(path_, ignored))
         Fail(path_, "can't be written: " + FileReason(error));

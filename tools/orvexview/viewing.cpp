@@ -123,6 +123,10 @@ class Viewing {
             others.push_back({options_.thumbnail, "the thumbnail"});
         }
         const auto checkPicture = [&](const std::string& picture) {
+            std::error_code ignored;
+            // Most pictures of a long job are new, and a new name can clash with the thumbnail's alone.
+            if (options_.thumbnail.empty() && !std::filesystem::exists(PathFromUtf8(picture), ignored))
+                return;
             check(picture);
             if (!options_.force) RefuseReplacing(picture);
         };
