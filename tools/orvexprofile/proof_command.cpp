@@ -97,8 +97,12 @@ void AddProofCommand(CLI::App& app, std::ostream& out, std::ostream& err) {
         ->required()
         ->type_name("FILE");
     command->footer(
-        "The inks are those that the driver prints, with the profile's ink limit and scale. Full ink is the\n"
-        "amount 255, and half of that at 600 dpi, where four dots take the place of one.");
+        "The picture's pixels are taken for sRGB; a colour profile embedded in it is ignored. The inks are "
+        "those\n"
+        "that the driver prints, with the profile's ink limit and scale. Full ink is the amount 255, and "
+        "half "
+        "of\n"
+        "that at 600 dpi, where four dots take the place of one.");
     command->callback(
         [&out, &err, options] { Proof(*options, IsStandardOutput(options->output) ? err : out); });
 }
