@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "tools/common/number_text.h"
+#include "tools/common/png_writer.h"
 #include "tools/common/whole_file.h"
 #include "tools/common/wide_text.h"
 
@@ -79,7 +80,12 @@ std::vector<uint8_t> EncodePng(const Picture& picture, double pixelsPerInch) {
 }
 
 void SavePng(const Picture& picture, double pixelsPerInch, const fs::path& path) {
-    WriteWholeFile(path, EncodePng(picture, pixelsPerInch));
+    PngWriter writer(path, {.width = picture.width,
+                            .height = picture.height,
+                            .channels = picture.channels,
+                            .pixelsPerInch = pixelsPerInch});
+    writer.WriteRows(picture);
+    writer.Complete();
 }
 
 }  // namespace orvex::tools

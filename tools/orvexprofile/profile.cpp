@@ -1,5 +1,7 @@
 #include "tools/orvexprofile/profile.h"
 
+#include <algorithm>
+
 #include "driver/color/ink.h"
 
 namespace orvex::tools::profile {
@@ -45,16 +47,15 @@ Variant SwapAxes(int steps, const Variant& variant) {
 
 Variant SampleVariant(int version, const InkSource& source) {
     const int steps = LayoutOf(version).steps;
+    std::vector<uint32_t> components;
+    for (int step = 0; step < steps; ++step) components.push_back(SampledComponent(steps, step));
     Variant variant(LayoutOf(version).Entries());
     std::span<uint32_t> rest = variant;
-    std::vector<uint32_t> run(static_cast<size_t>(steps));
-    for (int red = 0; red < steps; ++red) {
-        for (int green = 0; green < steps; ++green) {
-            for (int blue = 0; blue < steps; ++blue) {
-                run[static_cast<size_t>(blue)] =
-                    ColorIndex(SampledComponent(steps, red), SampledComponent(steps, green),
-                               SampledComponent(steps, blue));
-            }
+    std::vector<uint32_t> run(components.size());
+    for (const uint32_t red : components) {
+        for (const uint32_t green : components) {
+            std::transform(components.begin(), components.end(), run.begin(),
+                           [=](uint32_t blue) { return ColorIndex(red, green, blue); });
             source(run, rest.first(run.size()));
             rest = rest.subspan(run.size());
         }

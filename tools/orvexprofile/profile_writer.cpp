@@ -41,9 +41,9 @@ void AppendEntries(const Variant& variant, std::string& file) {
 
 void AppendPlanes(const Variant& variant, std::string& file) {
     for (int ink = kInks - 1; ink >= 0; --ink) {
-        const auto plane = static_cast<std::ptrdiff_t>(file.size());
-        file.resize(file.size() + variant.size());
-        std::transform(variant.begin(), variant.end(), file.begin() + plane,
+        const size_t plane = file.size();
+        file.resize(plane + variant.size());
+        std::transform(variant.data(), variant.data() + variant.size(), file.data() + plane,
                        [ink](uint32_t inks) { return static_cast<char>(InkAmount(inks, ink)); });
     }
 }

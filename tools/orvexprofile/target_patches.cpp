@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <limits>
 #include <span>
+#include <unordered_map>
 
 #include "tools/orvexprofile/ink_treatment.h"
 #include "tools/orvexprofile/print_pictures.h"
@@ -74,16 +75,16 @@ int SquaredDistance(uint32_t color, Rgb wanted) {
 }
 
 // Takes the free grid point whose color is nearest to the wanted one.
-size_t TakeNearest(std::vector<bool>& taken, Rgb wanted) {
+size_t TakeNearest(std::vector<uint8_t>& taken, Rgb wanted) {
     size_t nearest = 0;
     int least = std::numeric_limits<int>::max();
     for (size_t point = 0; point < taken.size(); ++point) {
         const int distance = SquaredDistance(GridColor(point), wanted);
-        if (taken[point] || distance >= least) continue;
+        if (taken[point] != 0 || distance >= least) continue;
         nearest = point;
         least = distance;
     }
-    taken[nearest] = true;
+    taken[nearest] = 1;
     return nearest;
 }
 
@@ -91,7 +92,7 @@ size_t TakeNearest(std::vector<bool>& taken, Rgb wanted) {
 
 std::vector<TargetPatch> MakeTargetPatches(double limitPercent) {
     const InkModel model = InkModelOf(PrintVariant::kOther);
-    std::vector<bool> taken(kGridPoints);
+    std::vector<uint8_t> taken(kGridPoints);  // 1 for the grid points that have a patch
     std::vector<TargetPatch> patches;
     for (const InkValue inks : TargetInks()) {
         const auto same = [inks](const TargetPatch& patch) { return patch.inks == inks; };
@@ -103,11 +104,12 @@ std::vector<TargetPatch> MakeTargetPatches(double limitPercent) {
 }
 
 Profile MakeTargetProfile(const std::vector<TargetPatch>& patches) {
-    const InkSource source = [&patches](std::span<const uint32_t> colors, std::span<InkValue> inks) {
+    std::unordered_map<uint32_t, InkValue> inksOfColor;
+    for (const TargetPatch& patch : patches) inksOfColor[patch.color] = patch.inks;
+    const InkSource source = [&inksOfColor](std::span<const uint32_t> colors, std::span<InkValue> inks) {
         for (size_t i = 0; i < colors.size(); ++i) {
-            const auto patch = std::find_if(patches.begin(), patches.end(),
-                                            [&](const TargetPatch& each) { return each.color == colors[i]; });
-            inks[i] = patch == patches.end() ? 0 : patch->inks;
+            const auto patch = inksOfColor.find(colors[i]);
+            inks[i] = patch == inksOfColor.end() ? 0 : patch->second;
         }
     };
     Profile profile;

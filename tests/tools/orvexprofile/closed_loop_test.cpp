@@ -32,7 +32,22 @@ LabColor ScreenLab(uint32_t color) {
 
 class ClosedLoop : public ProfileTool {
   protected:
-    // Writes the target, and returns what an instrument that goes over its printed pages sees, as a list.
+    // Lists: of a target, and of what an instrument that goes over its printed pages sees.
+    struct Lists {
+        std::string target;
+        std::string measured;
+    };
+    // Returns the same lists for every test.
+    const Lists& Measured() {
+        static const Lists lists = [this] {
+            const std::string measured = Measure();
+            return Lists{ReadBytes(Path("target.ti2")), measured};
+        }();
+        return lists;
+    }
+
+  private:
+    // Writes the target and measures it.
     std::string Measure() {
         EXPECT_EQ(Run({"target", "-o", Path("target"), "--patch", "4"}), 0) << err_;
         const MeasuredTarget list(ReadBytes(Path("target.ti2")));
@@ -51,7 +66,6 @@ class ClosedLoop : public ProfileTool {
                            PredictedColors(kPrinterIcc, PrintVariant::kOther, PaperColor::kOwn).Lab(inks));
     }
 
-  private:
     // Returns the list of a target with measured colors, as CGATS.
     static std::string Measurement(const MeasuredTarget& list, const std::vector<LabColor>& colors) {
         const OwnedCgats cgats(cmsIT8Alloc(nullptr));
@@ -105,7 +119,7 @@ int OnlyInk(const MeasuredTarget& list, size_t patch) {
 }
 
 TEST_F(ClosedLoop, MeasuresEveryPatchOfTheTargetOnce) {
-    const MeasuredTarget measured(Measure()), list(ReadBytes(Path("target.ti2")));
+    const MeasuredTarget measured(Measured().measured), list(Measured().target);
     ASSERT_EQ(measured.Count(), list.Count());
     const PredictedColors printer(kPrinterIcc, PrintVariant::kOther, PaperColor::kOwn);
     const double paper = measured.Number(0, "LAB_L");
@@ -130,7 +144,7 @@ TEST_F(ClosedLoop, MeasuresEveryPatchOfTheTargetOnce) {
 
 // The estimates of the list are those of the page's colors, which are near to the print's.
 TEST_F(ClosedLoop, EstimatesTheColorsInItsList) {
-    const MeasuredTarget measured(Measure()), list(ReadBytes(Path("target.ti2")));
+    const MeasuredTarget measured(Measured().measured), list(Measured().target);
     EXPECT_NEAR(list.Number(0, "XYZ_X"), 96.42, 0.02);
     EXPECT_NEAR(list.Number(0, "XYZ_Y"), 100, 0.02);
     EXPECT_NEAR(list.Number(0, "XYZ_Z"), 82.49, 0.02);

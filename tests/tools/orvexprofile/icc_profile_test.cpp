@@ -147,7 +147,12 @@ class BuiltFromIcc : public testing::Test {
         Profile profile;
         profile.version = version;
         profile.name = "Built";
-        FillVariants(profile, version == 5 ? icc_.Source() : SparseSource(), treatment_);
+        if (version == 5) {
+            FillVariants(profile, icc_.Source(), treatment_);
+        } else {
+            profile.at600 = SampleVariant(version, SparseSource(treatment_.scaleAt600));
+            profile.other = SampleVariant(version, SparseSource(treatment_.scaleOther));
+        }
         WriteProfileFile(profile, path_);
     }
     // Compares the driver's inks of the colors with those of Little CMS.
@@ -165,9 +170,10 @@ class BuiltFromIcc : public testing::Test {
   private:
     // Asks only for the runs of blue that Sparse() returns: all 2^24 colors take Little CMS too long for a
     // test.
-    InkSource SparseSource() const {
-        return [this](std::span<const uint32_t> colors, std::span<uint32_t> inks) {
-            if (IsSparse(colors[0] >> 16) && IsSparse(colors[0] >> 8 & 0xFF)) icc_.Convert(colors, inks);
+    InkSource SparseSource(double scale) const {
+        const InkSource treated = Treated(icc_.Source(), treatment_.limit, scale);
+        return [treated](std::span<const uint32_t> colors, std::span<uint32_t> inks) {
+            if (IsSparse(colors[0] >> 16) && IsSparse(colors[0] >> 8 & 0xFF)) treated(colors, inks);
         };
     }
 

@@ -2,6 +2,7 @@
 // that a misplaced one shows.
 #pragma once
 
+#include <algorithm>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -27,7 +28,8 @@ inline uint32_t SampleInks(uint32_t color, bool at600) {
 
 inline InkSource SampleSource(bool at600) {
     return [at600](std::span<const uint32_t> colors, std::span<uint32_t> inks) {
-        for (size_t i = 0; i < colors.size(); ++i) inks[i] = SampleInks(colors[i], at600);
+        std::transform(colors.data(), colors.data() + colors.size(), inks.data(),
+                       [at600](uint32_t color) { return SampleInks(color, at600); });
     };
 }
 

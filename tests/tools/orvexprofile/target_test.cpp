@@ -104,22 +104,29 @@ bool IsFilled(const RasterImage& page, const TargetLayout& layout, size_t patch,
 }
 
 TEST_F(Target, PrintsEachPatchWithTheInksOfItsList) {
-    for (const char* dpi : {"300", "600"}) {
-        EXPECT_EQ(Run({"target", "-o", Path("target"), "--dpi", dpi, "--width", "120", "--length", "120",
-                       "--patch", "4"}),
+    struct Chart {
+        uint32_t resolution;
+        PrintVariant variant;
+        int limit;  // percent
+        int side;   // mm of the page, which is enough for all patches
+    };
+    for (const auto& [resolution, variant, limit, side] :
+         {Chart{300, PrintVariant::kOther, 300, 120}, Chart{600, PrintVariant::kAt600, 100, 70}}) {
+        EXPECT_EQ(Run({"target", "-o", Path("target"), "--dpi", std::to_string(resolution), "--width",
+                       std::to_string(side), "--length", std::to_string(side), "--patch", "4", "--ink-limit",
+                       std::to_string(limit)}),
                   0)
             << err_;
-        const uint32_t resolution = dpi == std::string("600") ? 600 : 300;
-        const PrintVariant variant = resolution == 600 ? PrintVariant::kAt600 : PrintVariant::kOther;
         const MeasuredTarget list(ReadBytes(Path("target.ti2")));
-        const std::vector<TargetPatch> patches = MakeTargetPatches(300);
+        const std::vector<TargetPatch> patches = MakeTargetPatches(limit);
         ASSERT_EQ(list.Count(), patches.size());
-        const TargetLayout layout({120, 120, 4, resolution}, patches.size());
+        const TargetLayout layout({static_cast<double>(side), static_cast<double>(side), 4, resolution},
+                                  patches.size());
         ASSERT_EQ(layout.Pages(), 1u);
         const RasterImage page = LoadPng(Path("target-1.png"));
         EXPECT_NEAR(page.density->x * kMetersPerInch, resolution, 0.1);
-        EXPECT_NEAR(page.width, 120 / 25.4 * resolution, 1);
-        EXPECT_NEAR(page.height, 120 / 25.4 * resolution, 1);
+        EXPECT_NEAR(page.width, side / 25.4 * resolution, 1);
+        EXPECT_NEAR(page.height, side / 25.4 * resolution, 1);
         LoadAccepted(Path("target.zvp"), variant);
         const InkModel model = InkModelOf(variant);
         for (size_t patch = 0; patch < patches.size(); ++patch) {
@@ -135,10 +142,9 @@ TEST_F(Target, PrintsEachPatchWithTheInksOfItsList) {
 }
 
 TEST_F(Target, LabelsItsPagesInSolidBlack) {
-    EXPECT_EQ(Run({"target", "-o", Path("t")}), 0) << err_;
-    EXPECT_THAT(out_,
-                testing::ContainsRegex("t.zvp .*t-1.png .*t-2.png .*t.ti2\n[0-9]+ patches on [0-9] pages, "
-                                       "in rows of 10\n"));
+    EXPECT_EQ(Run({"target", "-o", Path("t"), "--ink-limit", "120"}), 0) << err_;
+    EXPECT_THAT(out_, testing::ContainsRegex("t.zvp .*t-1.png .*t-2.png .*t.ti2\n[0-9]+ patches on 2 pages, "
+                                             "in rows of 10\n"));
     LoadAccepted(Path("t.zvp"), PrintVariant::kOther);
     const RasterImage page = LoadPng(Path("t-1.png"));
     const TargetLayout::Place first = TargetLayout(TargetFormat(), 1).PlaceOf(0);
