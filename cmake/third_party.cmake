@@ -32,7 +32,7 @@ target_link_libraries(spng PUBLIC ZLIB::ZLIB)
 # Header-only libraries, offered through a folder of their own: the whole of the system's include folder would break
 # a cross build.
 add_library(orvex_headers INTERFACE)
-foreach(library CLI nlohmann stb)
+foreach(library CLI nlohmann simde stb)
     file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/headers)
     file(CREATE_LINK /usr/include/${library} ${CMAKE_BINARY_DIR}/headers/${library} SYMBOLIC)
 endforeach()

@@ -1,6 +1,6 @@
 #include "driver/color/prism_interpolation.h"
 
-#include <emmintrin.h>
+#include <simde/x86/sse2.h>
 
 #include <algorithm>
 #include <array>

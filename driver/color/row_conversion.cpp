@@ -1,6 +1,6 @@
 #include "driver/color/row_conversion.h"
 
-#include <emmintrin.h>
+#include <simde/x86/sse2.h>
 
 #include <algorithm>
 #include <array>

@@ -1,6 +1,6 @@
 #include "driver/profiles/profile_colors.h"
 
-#include <emmintrin.h>
+#include <simde/x86/sse2.h>
 
 #include <algorithm>
 #include <cstring>

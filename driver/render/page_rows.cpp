@@ -1,6 +1,6 @@
 #include "driver/render/page_rows.h"
 
-#include <emmintrin.h>
+#include <simde/x86/sse2.h>
 
 #include <algorithm>
 #include <cstring>

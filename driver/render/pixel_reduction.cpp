@@ -1,6 +1,6 @@
 #include "driver/render/pixel_reduction.h"
 
-#include <emmintrin.h>
+#include <simde/x86/sse2.h>
 
 #include <algorithm>
 #include <cstddef>
