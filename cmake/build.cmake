@@ -49,6 +49,9 @@ function(orvex_driver_library target)
     add_library(${target} STATIC ${ARGN})
     target_include_directories(${target} PUBLIC ${CMAKE_SOURCE_DIR})
     target_compile_options(${target} PRIVATE -fno-exceptions -fno-rtti)
+    if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+        target_compile_options(${target} PRIVATE -Wpedantic -Wgnu)  # Microsoft's compiler has no extensions of GNU
+    endif()
     # The kernels are written with the names of SSE2. SIMDe gives these names to other processors.
     target_link_libraries(${target} PRIVATE orvex_headers)
     target_compile_definitions(${target} PRIVATE SIMDE_ENABLE_NATIVE_ALIASES)

@@ -16,9 +16,18 @@ add_library(lodepng STATIC ${lodepng_source}/lodepng.c)
 target_include_directories(lodepng SYSTEM PUBLIC ${lodepng_source})
 target_compile_options(lodepng PRIVATE -w)
 
-# zlib, of which Debian packages a Windows build, too.
-set(ZLIB_USE_STATIC_LIBS ON)
-find_package(ZLIB REQUIRED)
+# zlib, of which Debian packages a Windows build, too, but none to cross-build against for another processor.
+if(CMAKE_CROSSCOMPILING AND NOT WIN32)
+    orvex_fetch(zlib)
+    file(GLOB sources ${zlib_source}/*.c)
+    add_library(zlib STATIC ${sources})
+    target_include_directories(zlib SYSTEM PUBLIC ${zlib_source})
+    target_compile_options(zlib PRIVATE -w)
+    add_library(ZLIB::ZLIB ALIAS zlib)
+else()
+    set(ZLIB_USE_STATIC_LIBS ON)
+    find_package(ZLIB REQUIRED)
+endif()
 
 # libspng, which reads and writes PNG files row by row, with zlib. Pages are decoded in every build, so it is always
 # optimized.

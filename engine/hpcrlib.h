@@ -9,6 +9,8 @@
 #define HPCRLIB_CALL __stdcall
 #elif defined(__x86_64__)
 #define HPCRLIB_CALL __attribute__((ms_abi))
+#else
+#define HPCRLIB_CALL
 #endif
 
 namespace orvex {
