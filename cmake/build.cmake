@@ -49,6 +49,9 @@ function(orvex_driver_library target)
     add_library(${target} STATIC ${ARGN})
     target_include_directories(${target} PUBLIC ${CMAKE_SOURCE_DIR})
     target_compile_options(${target} PRIVATE -fno-exceptions -fno-rtti)
+    if(WIN32)
+        target_compile_options(${target} PRIVATE -g $<$<CXX_COMPILER_ID:Clang>:-gcodeview>)  # see orvex_symbols
+    endif()
     if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
         target_compile_options(${target} PRIVATE -Wpedantic -Wgnu)  # Microsoft's compiler has no extensions of GNU
     endif()
@@ -60,6 +63,22 @@ function(orvex_driver_library target)
         # Unoptimized, so that every line of the source is one of the program's.
         target_compile_options(${target} PRIVATE -O0 --coverage)
         target_link_options(${target} INTERFACE --coverage)
+    endif()
+endfunction()
+
+# orvex_symbols(TARGET): puts the debugging symbols of a library of the Windows build beside it: GCC's into NAME.debug, Clang's
+# into NAME.pdb. The library does not name the file: it would with a checksum, and so with the paths of the sources.
+function(orvex_symbols target)
+    set(symbols ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/${target})
+    if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+        target_link_options(${target} PRIVATE -Wl,--pdb=${symbols}.pdb)
+    else()
+        # objcopy writes the time into the library, unless it is told another.
+        set(objcopy ${CMAKE_COMMAND} -E env SOURCE_DATE_EPOCH=0 ${CMAKE_OBJCOPY})
+        add_custom_command(TARGET ${target} POST_BUILD
+            COMMAND ${objcopy} --only-keep-debug $<TARGET_FILE:${target}> ${symbols}.debug
+            COMMAND ${objcopy} --strip-all $<TARGET_FILE:${target}>
+            BYPRODUCTS ${symbols}.debug)
     endif()
 endfunction()
 
