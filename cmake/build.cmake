@@ -22,6 +22,8 @@ if(WIN32)
         set(CMAKE_CXX_LINK_EXECUTABLE
             "clang++ --target=x86_64-w64-mingw32 -fuse-ld=lld -L${libraries} <LINK_FLAGS> <OBJECTS> -o <TARGET> \
 <LINK_LIBRARIES> -lpthread")
+        # GNU ar has written the list of symbols already, for which it takes a second a source with CLI11 or JSON.
+        set(CMAKE_CXX_ARCHIVE_FINISH "")
     endif()
 else()
     # UTF-16 text in both builds: every C++ source of the native build, GoogleTest included, agrees on a 2-byte wchar_t.
