@@ -8,34 +8,62 @@
 #include "driver/job_output.h"
 #include "driver/job_state.h"
 #include "driver/support/text.h"
+#include "fuzz/any_device_mode.h"
 #include "fuzz/fuzz_installation.h"
 #include "fuzz/fuzz_printer.h"
 #include "fuzz/input.h"
 #include "tests/plain/device_mode.h"
+#include "tests/plain/job_header.h"
+#include "tests/plain/job_output.h"
 
 namespace orvex::fuzz {
 
-using namespace tools;
 namespace {
 
-constexpr std::string_view kComment = "@PJL COMMENT";
 constexpr char kThumbnail[] = "dGh1bWI=";
 
+// The state of the job before the first chunk, and the facts of its header.
 struct Choices {
     explicit Choices(FuzzInput& input)
-        : flags(input.Byte()), resolutionCode(static_cast<signed char>(input.Byte())) {}
+        : flags(input.Byte()),
+          resolutionCode(static_cast<signed char>(input.Byte())),
+          headerFlags(input.Byte()),
+          documentName(NameOf(input)) {
+        const std::string_view profile = input.TakeText(input.Byte());
+        profileName = profile.substr(0, profile.find('\0'));
+        if (headerFlags & 2) mode.priv.chunkActive = 1;
+        if (headerFlags & 4) SetAnyValues(mode, input);
+    }
 
     bool HeaderPending() const { return flags & 1; }
     bool FirstChunk() const { return flags & 2; }
     bool SwitchPending() const { return flags & 4; }
     bool SwitchQueued() const { return flags & 8; }
     bool Thumbnail() const { return flags & 16; }
+    bool ShowsChunks() const { return headerFlags & 1; }
     std::string_view Switch() const {
         return flags & 32 ? kResolutionCommand600Dpi : kResolutionCommandOther;
     }
 
+    // Reads units of a wide text, to be repeated up to eight times, so that a few bytes make a long name.
+    static std::vector<WCHAR> NameOf(FuzzInput& input) {
+        std::vector<WCHAR> name;
+        const size_t units = input.Byte();
+        const int times = 1 + input.Byte() % 8;
+        for (size_t i = 0; i < units; ++i) name.push_back(input.Number<uint16_t>());
+        for (size_t i = 0; i < units * static_cast<size_t>(times - 1); ++i) name.push_back(name[i]);
+        name.push_back(0);
+        return name;
+    }
+    WideView DocumentName() const { return {documentName.data(), TextLength(documentName.data())}; }
+
     uint8_t flags;
     signed char resolutionCode;
+    uint8_t headerFlags;
+    std::vector<WCHAR> documentName;  // terminated
+    std::string profileName;
+    DeviceMode mode = plain::ValidDeviceMode();
+    static constexpr uint32_t kWidthPx = 1200, kHeightPx = 0xFFFFFFFF;
 };
 
 void SetUpJob(const Choices& choices) {
@@ -43,13 +71,27 @@ void SetUpJob(const Choices& choices) {
     g_bFirstChunk = choices.FirstChunk();
     g_cHpres = choices.resolutionCode;
     g_uMaxWriteCost = 0;
+    g_cxSurface = choices.kWidthPx;
+    g_cySurface = choices.kHeightPx;
     g_resolutionSwitch = {choices.Switch().data(), static_cast<uint32_t>(choices.Switch().size()),
                           choices.SwitchPending(), choices.SwitchQueued()};
-    CopyText(g_szJobName, "a \"job\"\n%s");
-    CopyText(g_szProfileName, "Paper");
+    NarrowText(g_szJobName, sizeof g_szJobName, choices.DocumentName());
+    CopyText(g_szProfileName, choices.profileName);
     free(g_pThumbnail);
     g_pThumbnail = choices.Thumbnail() ? strdup(kThumbnail) : nullptr;
     g_cbThumbnail = strlen(kThumbnail);
+}
+
+std::string HeaderOf(const Choices& choices) {
+    plain::HeaderFacts facts;
+    facts.jobName = plain::JobName(choices.DocumentName());
+    facts.profileName = choices.profileName;
+    facts.resolutionCode = choices.resolutionCode;
+    facts.widthPx = choices.kWidthPx;
+    facts.heightPx = -1;  // printed as a signed number
+    facts.showsChunks = choices.ShowsChunks();
+    if (choices.Thumbnail()) facts.thumbnail = kThumbnail;
+    return plain::JobHeader(choices.mode, facts);
 }
 
 // Splits the rest of the input into chunks, each after its length; length 255 takes all that is left.
@@ -62,42 +104,17 @@ std::vector<std::string> ChunksOf(FuzzInput& input) {
     return chunks;
 }
 
-bool IsFraming(std::string_view chunk) {
-    if (chunk.size() < 7) return false;
-    const std::string ends = std::string(chunk.substr(0, 3)).append(chunk.substr(chunk.size() - 3));
-    uint8_t sum = 0;
-    for (const char each : ends) sum = static_cast<uint8_t>(sum + static_cast<uint8_t>(each));
-    return sum == 0;
-}
-
 // Returns the bytes that must reach the printer.
-std::string Expected(const std::vector<std::string>& chunks, const Choices& choices,
-                     const std::string& header) {
+std::string Expected(const std::vector<std::string>& chunks, const Choices& choices) {
+    plain::JobOutput job = {choices.FirstChunk(), choices.HeaderPending(), choices.SwitchPending(),
+                            choices.SwitchQueued(), std::string(choices.Switch())};
     std::string out;
-    bool first = choices.FirstChunk();
-    bool headerPending = choices.HeaderPending();
-    bool patchPending = choices.SwitchPending() && choices.SwitchQueued();
-    const std::string_view command = choices.Switch();
-    for (std::string chunk : chunks) {
-        if (first && IsFraming(chunk)) continue;
-        first = false;
-        size_t patchFrom = 0;
-        const size_t comment = chunk.find(kComment);
-        if (headerPending && comment < chunk.find('\0')) {
-            chunk.insert(comment, header);
-            patchFrom = comment + header.size();
-            headerPending = false;
-        }
-        const size_t match = chunk.find(command, patchFrom);
-        if (patchPending && match != std::string::npos) {
-            chunk.replace(match + 3, command.size() - 4, std::to_string(choices.resolutionCode));
-            patchPending = false;
-        }
-        out += chunk;
-    }
-    REQUIRE(g_bHeaderPending == headerPending);
-    REQUIRE(g_bFirstChunk == first);
-    REQUIRE((g_resolutionSwitch.pending && g_resolutionSwitch.queued) == patchPending);
+    for (const std::string& chunk : chunks)
+        out += job.Spooled(chunk, HeaderOf(choices), choices.resolutionCode);
+    REQUIRE(g_bHeaderPending == job.headerPending);
+    REQUIRE(g_bFirstChunk == job.firstChunk);
+    REQUIRE(g_resolutionSwitch.pending == job.switchPending);
+    REQUIRE(g_resolutionSwitch.queued == job.switchQueued);
     return out;
 }
 
@@ -107,17 +124,11 @@ void FuzzOutputCallback(std::span<const uint8_t> input) {
     FuzzInput bytes(input);
     const Choices choices(bytes);
     const std::vector<std::string> chunks = ChunksOf(bytes);
-    FuzzInstallation().WriteSettings("");
+    FuzzInstallation().WriteSettings(choices.ShowsChunks() ? "[UI]\nShow_Chunked=1\n" : "");
     FuzzPrinter printer;
     PDEV pdev = {};
-    pdev.devmode = plain::ValidDeviceMode();
+    pdev.devmode = choices.mode;
     pdev.hPrinter = printer.Handle();
-
-    SetUpJob(choices);
-    REQUIRE(WriteJobHeader(pdev));
-    REQUIRE(g_pThumbnail == nullptr);
-    const std::string header = std::move(printer.Written());
-    printer.Written().clear();
 
     SetUpJob(choices);
     PDEV* current = &pdev;
@@ -127,7 +138,7 @@ void FuzzOutputCallback(std::span<const uint8_t> input) {
         const uint8_t* data = block.empty() ? &none : block.data();
         REQUIRE(JobOutputCallback(data, static_cast<uint32_t>(block.size()), &current) == 1);
     }
-    REQUIRE(printer.Written() == Expected(chunks, choices, header));
+    REQUIRE(printer.Written() == Expected(chunks, choices));
     REQUIRE((g_pThumbnail != nullptr) ==
             (choices.Thumbnail() && g_bHeaderPending == choices.HeaderPending()));
     free(g_pThumbnail);
@@ -138,13 +149,25 @@ Seeds OutputCallbackSeeds() {
     const std::string opening = "\x1B%-12345X@PJL\n@PJL COMMENT \"engine\"\n@PJL ENTER LANGUAGE=X\n";
     const std::string framing("FRMSTANDIN\1\0\x1A", 13);
     const auto chunk = [](const std::string& bytes) { return static_cast<char>(bytes.size()) + bytes; };
+    const std::string noNames(4, '\0');
+    // Names of several alphabets: a surrogate pair, then half of one; and a name that is too long, repeated.
+    const std::string name("\4\0A\0\x3D\xD8\0\xDE\x3D\xD8\5%s\"\nP", 16);
+    const std::string longName("\x44\x07", 2);
+    std::string units;
+    for (int i = 0; i < 0x44; ++i)
+        units += std::string(i % 3 == 0 ? "\xE4\0" : i % 3 == 1 ? "\xAC\x20" : "n\0", 2);
+    const std::string anyMode = std::string("\7\0\0\0", 4) + InputForAll(-100);
     return {
-        "\x3F\3" + chunk(framing) + chunk(opening) + chunk("rows \x1B*o0M rows") + chunk("\x1B*o0M"),
-        "\x1F\xFF" + chunk("\x1B*o-1M") + chunk(opening) + chunk("x\x1B*o-1My\x1B*o-1M"),
-        "\x3D\x80" + chunk(opening.substr(0, 20)) + chunk(opening.substr(20)) + chunk("") + "\xFF" + opening,
-        std::string("\x01\x00\x14"
-                    "a\0@PJL COMMENT twice",
-                    23) +
+        "\x3F\3" + noNames + chunk(framing) + chunk(opening) + chunk("rows \x1B*o0M rows") +
+            chunk("\x1B*o0M"),
+        "\x1F\xFF\1" + name + "\xFF" + chunk("\x1B*o-1M") + chunk(opening) + chunk("x\x1B*o-1My\x1B*o-1M"),
+        "\x3D\x80\3" + longName + units + '\0' + chunk(opening.substr(0, 20)) + chunk(opening.substr(20)) +
+            chunk("") + "\xFF" + opening,
+        "\x01\x05" + anyMode + chunk(opening),
+        std::string("\x01\x00", 2) + noNames +
+            std::string("\x14"
+                        "a\0@PJL COMMENT twice",
+                        21) +
             chunk(opening),
     };
 }

@@ -8,16 +8,18 @@
 #include <cstring>
 
 #include "driver/config/device_mode.h"
+#include "driver/device_capabilities.h"
 #include "driver/job_state.h"
+#include "fuzz/any_device_mode.h"
 #include "fuzz/fuzz_installation.h"
 #include "fuzz/input.h"
 #include "fuzz/page_input.h"
 #include "fuzz/target.h"
 #include "tests/kit/heap_watch.h"
 #include "tests/plain/device_mode.h"
-#include "tests/plain/device_mode_rules.h"
+#include "tests/plain/layout_input.h"
 #include "tests/plain/page_layout.h"
-#include "tests/plain/page_order.h"
+#include "tests/plain/printed_rows.h"
 
 namespace orvex::fuzz {
 
@@ -25,11 +27,8 @@ namespace {
 
 constexpr int32_t kBandColumns = 64;  // columns that the driver reads at a time from a portrait page
 
-RowOrder OrderOf(const DeviceMode& mode) {
-    return {mode.pub.dmOrientation == DMORIENT_LANDSCAPE, mode.priv.rotate180 != 0,
-            mode.priv.mirrorImage != 0};
-}
-
+// Returns a valid device mode, or, if a choice says so, one with any values in the fields that a page depends
+// on. Nothing validates the settings of an instance whose caller gave no device mode.
 DeviceMode ModeOf(FuzzInput& input) {
     DeviceMode mode = plain::ValidDeviceMode();
     const uint8_t flags = input.Byte();
@@ -48,12 +47,20 @@ DeviceMode ModeOf(FuzzInput& input) {
     mode.priv.phHOffset = static_cast<int16_t>(input.Number<uint16_t>() % 2001 - 1000);
     mode.priv.colorMode = input.Byte() % 3;
     REQUIRE(plain::BrokenRule(mode) == nullptr);
+    if (flags >> 6 == 3) SetAnyValues(mode, input);
     return mode;
 }
 
-void CheckLayout(const PageLayoutInput& input) {
+int16_t DriverResolution(const DeviceMode& mode) {
+    PDEV pdev = {};
+    pdev.devmode = mode;
+    return GetDeviceResolution(&pdev);
+}
+
+// Compares the driver's layout of its input with the plain one of the plain input.
+void CheckLayout(const PageLayoutInput& input, const PageLayoutInput& plainInput) {
     const PageLayout layout = ComputePageLayout(input);
-    const plain::Layout expected = plain::ComputeLayout(input);
+    const plain::Layout expected = plain::ComputeLayout(plainInput);
     REQUIRE(layout.phOffsetPx == expected.phOffsetPx);
     REQUIRE(layout.fullWidth == expected.fullWidth);
     REQUIRE(layout.imageWidth == expected.imageWidth && layout.rowWidth == expected.rowWidth);
@@ -65,24 +72,24 @@ void CheckLayout(const PageLayoutInput& input) {
     REQUIRE(layout.placed.fullTop == expected.fullTop && layout.placed.fullBottom == expected.fullBottom);
 }
 
+// Returns the ink of a color in the plain table.
+struct PlainInkOf {
+    const PageColors& colors;
+    uint32_t operator()(uint32_t color) const { return colors.PlainInk(color); }
+};
+
 // The print engine, which compares a page with the plain definition and refuses at most one call.
 struct EngineCheck {
-    const PageColors& colors;
-    const PageArt& page;
     const DeviceMode& mode;
     const plain::Layout& layout;
     const HeapWatch& heap;
+    plain::PrintedRows<PageArt, PlainInkOf> expected;
     int64_t refused = -1;  // the number of the call to refuse
     int64_t calls = 0;
     int64_t rows = 0;
     size_t blocksBefore = 0;  // allocations of the page before its rows
-    std::vector<uint32_t> expected = std::vector<uint32_t>(static_cast<size_t>(layout.rowWidth));
 
-    bool At600Dpi() const { return mode.pub.dmPrintQuality == 600; }
-    // A fill can have a negative number of rows, of which none is sent.
-    int64_t TopRows() const { return std::max(layout.fullTop, 0); }
-    int64_t Rows() const { return TopRows() + layout.rows + std::max(layout.fullBottom, 0); }
-    int64_t Calls() const { return Rows() + 4; }
+    int64_t Calls() const { return expected.Count() + 4; }
 
     uint32_t Answer() { return calls++ == refused ? 0 : 1; }
 
@@ -99,15 +106,14 @@ struct EngineCheck {
         REQUIRE(headRows == static_cast<uint32_t>(layout.headRows));
         REQUIRE(heap.LiveSizes().empty());
         blocksBefore = heap.Allocations();
-        WritePurgeDots();
         return Answer();
     }
     uint32_t BlockEnd() {
-        REQUIRE(calls == 2 + Rows() && rows == Rows());
+        REQUIRE(calls == 2 + expected.Count() && rows == expected.Count());
         return Answer();
     }
     uint32_t PageEnd() {
-        REQUIRE(calls == 3 + Rows());
+        REQUIRE(calls == 3 + expected.Count());
         return Answer();
     }
 
@@ -122,48 +128,12 @@ struct EngineCheck {
         std::sort(pageBlocks.begin(), pageBlocks.end());
         REQUIRE(heap.LiveSizes() == pageBlocks);
     }
-
-    void WritePurgeDots() {
-        const PrivateDevMode& priv = mode.priv;
-        const bool purges =
-            priv.purgeFreq != 0 ? (g_nPage - 1) % static_cast<uint32_t>(priv.purgeFreq) == 0 : g_nPage == 1;
-        if (priv.purgeBar == 0 || !purges) return;
-        const int32_t first = layout.purgeLead != 0 ? 0 : layout.rowWidth - priv.purgeDots - 1;
-        for (int32_t i = 0; i < priv.purgeDots; ++i) {
-            expected[static_cast<size_t>(first + i)] = At600Dpi() ? 0x7F7F7F7F : 0xFFFFFFFF;
-        }
-    }
-    uint32_t* ImageArea() { return expected.data() + (layout.purgeLead != 0 ? layout.purgeLen : 0); }
-    // Fill rows before the image leave the row as it is if there is no pattern.
-    void ExpectFill(bool inFront) {
-        for (int32_t i = 0; i < layout.imageWidth; ++i) {
-            const uint32_t amount = At600Dpi() ? 2 : 4;
-            if (mode.priv.kws != 0)
-                ImageArea()[i] = amount << 8 * (i % 4);
-            else if (!inFront)
-                ImageArea()[i] = 0;
-        }
-    }
-    void ExpectImage(int32_t row) {
-        const plain::RowOptions options{mode.priv.kws, At600Dpi(),
-                                        static_cast<uint32_t>(mode.priv.colorMode)};
-        for (int32_t i = 0; i < layout.imageWidth; ++i) {
-            const uint32_t color = plain::PagePixel(page, OrderOf(mode), row, i);
-            ImageArea()[i] = plain::Print(colors.PlainInk(color), static_cast<size_t>(i), options);
-        }
-        if (row == 0 && expected[0] == 0) expected[0] = 2;
-    }
     uint32_t Row(const uint32_t* row) {
-        REQUIRE(calls == 2 + rows && rows < Rows());
+        REQUIRE(calls == 2 + rows && rows < expected.Count());
         if (rows == 0) CheckMemory();
         REQUIRE(heap.Allocations() == blocksBefore + 2);  // no row allocates another block
-        const int64_t imageRow = rows - TopRows();
-        if (imageRow >= 0 && imageRow < layout.rows) {
-            ExpectImage(static_cast<int32_t>(imageRow));
-        } else if (rows == 0 || imageRow == layout.rows) {
-            ExpectFill(imageRow < 0);  // once for all fill rows on this side
-        }
-        REQUIRE(memcmp(row, expected.data(), expected.size() * sizeof *row) == 0);
+        const std::vector<uint32_t>& next = expected.Next();
+        REQUIRE(memcmp(row, next.data(), next.size() * sizeof *row) == 0);
         ++rows;
         return Answer();
     }
@@ -219,12 +189,20 @@ struct RunningJob {
     RunningJob& operator=(const RunningJob&) = delete;
 };
 
+// Returns whether a page is too large to be sent once for every input. Its rows differ from those of smaller
+// pages only in their number and length.
+bool TakesTooLong(const plain::Layout& layout) {
+    constexpr int64_t kMostPixels = int64_t{16} << 20;
+    const int64_t fill = int64_t{std::max(layout.fullTop, 0)} + std::max(layout.fullBottom, 0);
+    return (fill + layout.rows) * layout.rowWidth > kMostPixels;
+}
+
 // Sends a page. If `refuses`, the engine refuses call number `refused`, modulo the number of calls.
 void CheckPage(FuzzInput& input, const DeviceMode& mode, bool refuses, uint32_t refused) {
     const PageColors colors(input);
     PageArt page(input, colors);
-    const plain::Layout layout =
-        plain::ComputeLayout(LayoutInput(mode, mode.pub.dmPrintQuality, page.width, page.height));
+    const plain::Layout layout = plain::ComputeLayout(plain::LayoutInput(mode, page.width, page.height));
+    if (TakesTooLong(layout)) return;
     // A first page makes no thumbnail if settings.inf is empty.
     if (g_nPage == 1) FuzzInstallation().WriteSettings("");
     PDEV pdev = {};
@@ -234,7 +212,7 @@ void CheckPage(FuzzInput& input, const DeviceMode& mode, bool refuses, uint32_t 
     surface.dhpdev = reinterpret_cast<DHPDEV>(&pdev);
 
     const HeapWatch heap;
-    EngineCheck check{colors, page, mode, layout, heap};
+    EngineCheck check{mode, layout, heap, {mode, g_nPage, page, PlainInkOf{colors}}};
     if (refuses) check.refused = refused % check.Calls();
     const RunningJob job(check);
     REQUIRE(DrvSendPage(&surface));
@@ -250,12 +228,13 @@ void FuzzPage(std::span<const uint8_t> input) {
     FuzzInput choices(input);
     g_nPage = 1 + choices.Byte() % 100;
     const DeviceMode mode = ModeOf(choices);
-    PageLayoutInput any =
-        LayoutInput(mode, mode.pub.dmPrintQuality, choices.Number<int32_t>(), choices.Number<int32_t>());
-    CheckLayout(any);
+    const auto width = choices.Number<int32_t>(), height = choices.Number<int32_t>();
+    CheckLayout(LayoutInput(mode, DriverResolution(mode), width, height),
+                plain::LayoutInput(mode, width, height));
+    PageLayoutInput any = plain::LayoutInput(mode, width, height);
     any.phHOffset = choices.Number<int16_t>();
     any.alignment = choices.Number<int16_t>();
-    CheckLayout(any);
+    CheckLayout(any, any);
     const bool refuses = choices.Flag();
     const auto refused = choices.Number<uint16_t>();
     CheckPage(choices, mode, refuses, refused);
@@ -291,6 +270,11 @@ Seeds PageSeeds() {
         seed += {1, 0, 0x44, 0, 0, side, side, 0, static_cast<char>(0x90), 0};
         seed += std::string(24, '\x12') + '\x17' + std::string(24, '\x12');
         seeds.push_back(seed);
+    }
+    // Device modes that break nearly every rule.
+    for (const int8_t value : {8, -16}) {
+        seeds.push_back(std::string("\0\xC1", 2) + std::string(8, '\0') + InputForAll(value) +
+                        std::string(30, '\7'));
     }
     return seeds;
 }

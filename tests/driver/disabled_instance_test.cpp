@@ -3,7 +3,6 @@
 // that touches the instance.
 
 #include "driver/device_instance.h"
-#include "tests/driver/plain_header.h"
 #include "tests/kit/driver_fixture.h"
 
 namespace orvex {
@@ -53,7 +52,7 @@ TEST_F(DisabledInstance, IsNotUsedWhenTheNextJobEndsItsJob) {
     EXPECT_THAT(Printer().written, IsEmpty());
     ASSERT_TRUE(Session().EndDoc(*fresh));
     EXPECT_THAT(results, ElementsAre(0, 1));
-    EXPECT_EQ(Printer().written, PlainHeader() + kComment);
+    EXPECT_EQ(Printer().written, Header() + kComment);
     EXPECT_THAT(engine.calls, ElementsAre("JobStart 0 0", "JobEnd", "JobStart 0 0", "JobEnd"));
 }
 
@@ -90,7 +89,7 @@ TEST_F(DisabledInstance, LeavesTheJobToTheInstanceThatReplacesIt) {
     ASSERT_TRUE(Session().StartDoc(*fresh, "title"));
     EXPECT_EQ(engine.Output("page"), 1);
     ASSERT_TRUE(Session().EndDoc(*fresh));
-    EXPECT_EQ(Printer().written, "page" + PlainHeader({.jobName = "title"}) + kComment);
+    EXPECT_EQ(Printer().written, "page" + Header("title") + kComment);
     EXPECT_THAT(engine.calls, ElementsAre("JobStart 0 0", "JobEnd"));
 }
 

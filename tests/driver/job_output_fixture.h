@@ -2,7 +2,6 @@
 #pragma once
 
 #include "driver/device_instance.h"
-#include "tests/driver/plain_header.h"
 #include "tests/kit/driver_fixture.h"
 
 namespace orvex {

@@ -3,7 +3,6 @@
 
 #include "driver/device_instance.h"
 #include "driver/job_state.h"
-#include "tests/driver/plain_header.h"
 #include "tests/kit/driver_fixture.h"
 
 namespace orvex {
@@ -49,9 +48,9 @@ class JobStartOutput : public DriverTest {
 
     // Verifies that a started job still drops its framing and writes its header, whatever the engine output
     // inside the start.
-    void ExpectFramingAndHeaderToCome(const HeaderFacts& facts) {
+    void ExpectFramingAndHeaderToCome(const plain::HeaderFacts& facts) {
         EXPECT_EQ(Written(kFraming), "");
-        EXPECT_EQ(Written(kComment), PlainHeader(facts) + kComment);
+        EXPECT_EQ(Written(kComment), plain::JobHeader(Mode(), facts) + kComment);
         EXPECT_EQ(Written(kFraming), kFraming);
         EXPECT_EQ(Written(kComment), kComment);
     }
@@ -64,11 +63,11 @@ class JobStartOutput : public DriverTest {
         mode.priv.colorProfile[0] = 0;
         return Enable(mode);
     }
-    static HeaderFacts OtherFacts(const std::string& title) {
+    static plain::HeaderFacts OtherFacts(const std::string& title) {
         return {title, "Default", '0', 472, 354};
     }
     // The facts of a header that is written before the other job's profile is loaded.
-    static HeaderFacts EarlyFacts(const std::string& title) {
+    static plain::HeaderFacts EarlyFacts(const std::string& title) {
         return {title, "Test colours", 3, 472, 354};
     }
 };
@@ -79,7 +78,7 @@ TEST_F(JobStartOutput, PassesAsItIsInAFreshProcess) {
     const auto device = Enable(Mode());
     EXPECT_THAT(Start(*device, "first", {kFraming, kComment, kFraming}),
                 ElementsAre(kFraming, kComment, kFraming));
-    ExpectFramingAndHeaderToCome({.jobName = "first"});
+    ExpectFramingAndHeaderToCome(Facts("first"));
     Session().EndDoc(*device);
 }
 
@@ -90,7 +89,7 @@ TEST_F(JobStartOutput, PassesAsItIsAfterAJobThatWroteItsHeader) {
     Session().EndDoc(*device);
     EXPECT_THAT(Start(*device, "second", {kFraming, kComment, kFraming}),
                 ElementsAre(kFraming, kComment, kFraming));
-    ExpectFramingAndHeaderToCome({.jobName = "second"});
+    ExpectFramingAndHeaderToCome(Facts("second"));
     Session().EndDoc(*device);
 }
 
@@ -100,7 +99,8 @@ TEST_F(JobStartOutput, LosesItsFramingAndGetsAHeaderAfterAJobWithoutOutput) {
     Session().EndDoc(*device);
     const auto other = EnableOther();
     EXPECT_THAT(Start(*other, "second", {kFraming, std::string("early ") + kComment, kFraming, kComment}),
-                ElementsAre("", "early " + PlainHeader(EarlyFacts("second")) + kComment, kFraming, kComment));
+                ElementsAre("", "early " + plain::JobHeader(Mode(), EarlyFacts("second")) + kComment,
+                            kFraming, kComment));
     ExpectFramingAndHeaderToCome(OtherFacts("second"));
     Session().EndDoc(*other);
 }
@@ -112,7 +112,7 @@ TEST_F(JobStartOutput, GetsAHeaderAfterAJobWithoutOne) {
     Session().EndDoc(*device);
     const auto other = EnableOther();
     EXPECT_THAT(Start(*other, "second", {kFraming, kComment, kComment}),
-                ElementsAre(kFraming, PlainHeader(EarlyFacts("second")) + kComment, kComment));
+                ElementsAre(kFraming, plain::JobHeader(Mode(), EarlyFacts("second")) + kComment, kComment));
     ExpectFramingAndHeaderToCome(OtherFacts("second"));
     Session().EndDoc(*other);
 }
@@ -122,7 +122,7 @@ TEST_F(JobStartOutput, MeetsTheFlagsOfAJobThatWasNeverEnded) {
     Start(*device, "first", {});
     const auto other = EnableOther();
     EXPECT_THAT(Start(*other, "second", {kFraming, kComment, kFraming}),
-                ElementsAre("", PlainHeader(EarlyFacts("second")) + kComment, kFraming));
+                ElementsAre("", plain::JobHeader(Mode(), EarlyFacts("second")) + kComment, kFraming));
     ExpectFramingAndHeaderToCome(OtherFacts("second"));
     Session().EndDoc(*other);
 }
@@ -139,7 +139,7 @@ TEST_F(JobStartOutput, GoesToTheNewPrinterAfterTheEndOfAJobThatWasNeverEnded) {
     engine.onJobEnd = [&] { late = Written(kComment); };
     Start(*other, "second", {kFraming, kComment});
     engine.onJobEnd = nullptr;
-    EXPECT_EQ(late, PlainHeader({.jobName = "first"}) + kComment);
+    EXPECT_EQ(late, Header("first") + kComment);
     EXPECT_EQ(otherPrinter.written, std::string(kFraming) + kComment);
     Session().EndDoc(*other);
     EXPECT_TRUE(PrintSpooler().Close(handle));

@@ -16,8 +16,7 @@ using PjlHeader = JobOutputTest;
 
 TEST_F(PjlHeader, IsInsertedBeforeTheCommentOnce) {
     Begin();
-    EXPECT_EQ(Written("before" + std::string(kComment) + "after"),
-              "before" + PlainHeader() + kComment + "after");
+    EXPECT_EQ(Written("before" + std::string(kComment) + "after"), "before" + Header() + kComment + "after");
     EXPECT_EQ(writes, 1 + 21 + 1);           // one for the bytes before, one a line, one for the rest
     EXPECT_EQ(Written(kComment), kComment);  // only once a job
 }
@@ -32,15 +31,14 @@ TEST_F(PjlHeader, StaysPendingUntilAChunkHasTheComment) {
     Begin();
     EXPECT_EQ(Written("@PJL COMMEN"), "@PJL COMMEN");
     EXPECT_EQ(Written("T"), "T");
-    EXPECT_EQ(Written(kComment), PlainHeader() + kComment);
+    EXPECT_EQ(Written(kComment), Header() + kComment);
 }
 
 TEST_F(PjlHeader, IsNotInsertedBeforeACommentAfterAZeroByte) {
     Begin();
     const std::string hidden = std::string("a\0", 2) + kComment;
     EXPECT_EQ(Written(hidden), hidden);
-    EXPECT_EQ(Written(kComment + std::string("\0tail", 5)),
-              PlainHeader() + kComment + std::string("\0tail", 5));
+    EXPECT_EQ(Written(kComment + std::string("\0tail", 5)), Header() + kComment + std::string("\0tail", 5));
 }
 
 TEST_F(PjlHeader, IsNotInsertedBeforeACommentThatTheChunkCutsOff) {
@@ -112,7 +110,7 @@ TEST_F(PjlHeader, FailsAtOnceAndStaysPendingWhenANumericLineIsLost) {
         PrintSpooler().FailCall("WritePrinter", nth, ERROR_DISK_FULL);
         Written("before" + std::string(kComment), 0);
         EXPECT_EQ(writes, nth);
-        EXPECT_EQ(Written(kComment), PlainHeader() + kComment);
+        EXPECT_EQ(Written(kComment), Header() + kComment);
         Session().EndDoc(Current());
     }
 }
@@ -141,7 +139,7 @@ TEST_F(PjlHeader, EndsWithTheThumbnail) {
         header = Written(kComment);
         EXPECT_EQ(writes, 21 + 3 + 1);
     });
-    const std::string opening = PlainHeader() + "@PJL SET QRV_THUMBNAIL=\"";
+    const std::string opening = Header() + "@PJL SET QRV_THUMBNAIL=\"";
     ASSERT_THAT(header, StartsWith(opening));
     const size_t end = header.find('"', opening.size());
     EXPECT_EQ(header.substr(end), std::string("\"\n") + kComment);

@@ -3,7 +3,7 @@
 #include "tests/driver/print_job_fixture.h"
 #include "tests/driver/profiles/profile_bytes.h"
 #include "tests/kit/driver_fixture.h"
-#include "tests/plain/valid_device_mode.h"
+#include "tests/plain/device_mode.h"
 
 namespace orvex {
 
@@ -66,7 +66,7 @@ TEST_F(PrintJob, PrintsAndLogsNamesThatLookLikeFormatsAsTheyAre) {
     installation.Write("media.inf", "[Media]\r\n\"" + name + "\" \"25.4\" \"28\" 0\r\n");
     mask = 3;
     Printer().name = name;
-    const std::string header = HeaderOf(ValidDeviceMode(name + ".zvp"), name);
+    const std::string header = HeaderOf(plain::SmallLabelMode(name + ".zvp"), name);
     EXPECT_THAT(header, HasSubstr("@PJL JOB NAME=\"%s%n%x\"\n@PJL SET PROFILE=\"%s%n%x\"\n"));
     EXPECT_TRUE(Printer().data.HasKey("Label Sizes\\258"));
     EXPECT_THAT(LogLines(),

@@ -3,7 +3,7 @@
 #include <cstring>
 
 #include "tests/driver/profiles/profile_bytes.h"
-#include "tests/plain/valid_device_mode.h"
+#include "tests/plain/device_mode.h"
 
 namespace orvex {
 
@@ -24,7 +24,19 @@ DriverTest::~DriverTest() {
 }
 
 DeviceMode DriverTest::Mode() {
-    return ValidDeviceMode(kProfile);
+    return plain::SmallLabelMode(kProfile);
+}
+
+plain::HeaderFacts DriverTest::Facts(const std::string& jobName) {
+    return {.jobName = jobName,
+            .profileName = "Test colours",
+            .resolutionCode = 3,
+            .widthPx = kWidthPx,
+            .heightPx = kHeightPx};
+}
+
+std::string DriverTest::Header(const std::string& jobName) {
+    return plain::JobHeader(Mode(), Facts(jobName));
 }
 
 std::vector<uint8_t> DriverTest::Bytes(const DeviceMode& mode) {

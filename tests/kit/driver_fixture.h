@@ -14,6 +14,7 @@
 #include "tests/kit/log_capture.h"
 #include "tests/kit/recording_engine.h"
 #include "tests/kit/scratch_folder.h"
+#include "tests/plain/job_header.h"
 #include "tools/host/driver_session.h"
 
 namespace orvex {
@@ -29,10 +30,16 @@ class DriverTest : public testing::Test {
     DriverTest();
     ~DriverTest() override;
 
-    // Returns ValidDeviceMode() with that profile.
+    // Returns the device mode of a small label with that profile.
     static DeviceMode Mode();
     static constexpr int32_t kWidthPx = 354;  // of that page
     static constexpr int32_t kHeightPx = 472;
+
+    // A line of the print engine that the driver inserts the header before.
+    static constexpr char kComment[] = "@PJL COMMENT engine\n";
+    // Return the facts and all lines of the header of a job with that device mode.
+    static plain::HeaderFacts Facts(const std::string& jobName = "My job");
+    static std::string Header(const std::string& jobName = "My job");
 
     static std::vector<uint8_t> Bytes(const DeviceMode& mode);
 

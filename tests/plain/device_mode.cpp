@@ -165,6 +165,17 @@ DeviceMode ValidDeviceMode() {
     return record;
 }
 
+DeviceMode SmallLabelMode(std::string_view profile) {
+    DeviceMode record = ValidDeviceMode();
+    record.pub.dmPaperSize = 256;
+    record.pub.dmPaperWidth = 300;
+    record.pub.dmPaperLength = 400;
+    record.priv.alignment = 1;
+    record.priv.phHOffset = 0;
+    std::copy(profile.begin(), profile.end(), record.priv.colorProfile);
+    return record;
+}
+
 std::span<const FlaggedField> FlaggedFields() {
     return kFlaggedFields;
 }

@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <span>
+#include <string_view>
 #include <vector>
 
 #include "driver/config/device_mode.h"
@@ -19,6 +20,10 @@ DeviceMode DefaultDeviceMode();
 
 // Returns that record after validation.
 DeviceMode ValidDeviceMode();
+
+// Returns the valid record for a small label: 30 x 40 mm, centered, with that profile and no print-head
+// offset.
+DeviceMode SmallLabelMode(std::string_view profile);
 
 // A public field that is taken from a caller's record when its bit of dmFields is set.
 struct FlaggedField {

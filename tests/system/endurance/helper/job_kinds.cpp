@@ -9,8 +9,8 @@
 
 #include "tests/driver/profiles/profile_bytes.h"
 #include "tests/kit/scratch_folder.h"
+#include "tests/plain/device_mode.h"
 #include "tests/plain/large_profile.h"
-#include "tests/plain/valid_device_mode.h"
 
 namespace orvex {
 
@@ -41,7 +41,7 @@ void Require(bool done, const char* hook) {
 }
 
 DeviceMode ModeOf(const JobKind& kind) {
-    DeviceMode mode = ValidDeviceMode(kind.profile);
+    DeviceMode mode = plain::SmallLabelMode(kind.profile);
     mode.pub.dmOrientation = kind.landscape ? DMORIENT_LANDSCAPE : DMORIENT_PORTRAIT;
     mode.pub.dmPaperWidth = kSmallestSide;
     mode.pub.dmPaperLength = kSmallestSide + 40;
