@@ -13,10 +13,11 @@ struct FuzzDictionary {
 inline constexpr FuzzDictionary kDictionaries[] = {
     {"settings",
      "\"[UI]\"\n\"[Driver]\"\n\"[Color]\"\n\"Language=\"\n\"Add_Thumb=\"\n\"Default_Media="
-     "\"\n\"\\x0D\\x0A\"\n"},
+     "\"\n\"\\x0D\\x0A\"\n\"18446744073709551615\"\n\"4294967296\"\n\"-\"\n"},
     {"profile_names",
      "\"[\\x00D\\x00E\\x00U\\x00]\\x00\"\n\"a\\x00.\\x00z\\x00v\\x00p\\x00=\\x00\"\n"
-     "\"\\x0D\\x00\\x0A\\x00\"\n\"\\xFF\\xFE\"\n"},
+     "\"\\x0D\\x00\\x0A\\x00\"\n\"\\xFF\\xFE\"\n"
+     "\"CON\"\n\"PRN\"\n\"aux\"\n\"NUL\"\n\"COM\"\n\"lpt\"\n\"IN$\"\n\"OUT$\"\n\" .zvp\"\n\"\\xC2\\xB9\"\n"},
     {"media_import", "\"[Media]\"\n\"\\\"\"\n\", \"\n\"\\x0D\\x0A\"\n\"-2147483648\"\n\"4294967296\"\n"},
     {"label_data", "\"258\"\n\"65535\"\n\"8.500\"\n\"-0.1\"\n\"9999999\"\n"},
     {"profile", "\"ZVC\"\n\"\\x01\"\n\"\\x02\\x02\\x00\"\n\"\\x05\"\n"},
@@ -33,7 +34,13 @@ inline constexpr FuzzDictionary kDictionaries[] = {
     {"picture",
      "\"\\xFF\\xD8\\xFF\\xE0\"\n\"JFIF\"\n\"Exif\\x00\\x00MM\\x00\"\n\"\\xFF\\xDA\"\n\"\\xFF\\xC2\"\n\"\\xFF"
      "\\xD9\"\n"
+     "\"\\x89PNG\\x0D\\x0A\\x1A\\x0A\"\n\"IHDR\"\n\"IDAT\"\n\"PLTE\"\n\"tRNS\"\n\"iCCP\"\n\"gAMA\"\n\"cHRM\""
+     "\n\"pHYs\"\n"
+     "\" EMF\"\n\"\\x01\\x00\\x00\\x00\"\n\"\\x0E\\x00\\x00\\x00\"\n"
      "\"GIF89a\"\n\"\\x21\\xF9\\x04\"\n\"BM\"\n\"ICC_PROFILE\\x00\"\n"},
+    {"thumbnail", "\"\\x00\\x00\"\n\"\\x01\\x01\"\n\"\\x80\\x59\\x40\"\n"},
+    {"adjustment",
+     "\"\\x00\\x00\\x00\\x00\\x00\\x00\\x00\"\n\"\\x9C\"\n\"\\xFF\\xFF\\xFF\\xFF\"\n\"\\xF0\\x7F\"\n"},
     {"registry", "\"[DevMode]\"\n\"\\\"DevMode\\\"=\"\n\"hex:\"\n\"hex(3):\"\n\",\\x5C\\x0D\\x0A  \"\n"},
     {"icc",
      "\"acsp\"\n\"CMYK\"\n\"prtr\"\n\"Lab \"\n\"XYZ \"\n\"B2A0\"\n\"A2B0\"\n\"mft1\"\n\"mft2\"\n\"mBA "

@@ -6,7 +6,6 @@
 
 namespace orvex::fuzz {
 
-using namespace tools;
 class FuzzPrinter {
   public:
     FuzzPrinter() { spooler_.Attach(); }
@@ -20,7 +19,7 @@ class FuzzPrinter {
     FuzzPrinter& operator=(const FuzzPrinter&) = delete;
 
     HANDLE Handle() const { return handle_; }
-    PrinterData& Data() { return printer_.data; }
+    tools::PrinterData& Data() { return printer_.data; }
     std::string& Written() { return printer_.written; }
 
     // Adds a label to the printer's data.
@@ -34,8 +33,8 @@ class FuzzPrinter {
     }
 
   private:
-    Spooler spooler_;
-    Spooler::Printer& printer_ = spooler_.AddPrinter("Etikett 1", "Orvex Series");
+    tools::Spooler spooler_;
+    tools::Spooler::Printer& printer_ = spooler_.AddPrinter("Etikett 1", "Orvex Series");
     HANDLE handle_ = spooler_.Open("Etikett 1");
 };
 

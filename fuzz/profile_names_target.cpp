@@ -1,13 +1,16 @@
-// profilenames.inf: whatever the file contains, a look-up finds what the plain definition finds.
+// profilenames.inf: whatever the file contains, a look-up finds what the plain definition finds. Names of
+// profiles: whatever a job asks for, no device is opened and nothing outside the profiles folder.
 
 #include <cstring>
 
 #include "driver/profiles/profile_catalogue.h"
+#include "driver/profiles/profile_file.h"
 #include "driver/support/text.h"
 #include "fuzz/fuzz_installation.h"
 #include "fuzz/input.h"
 #include "fuzz/target.h"
 #include "tests/driver/profiles/file_watch.h"
+#include "tests/plain/profile_name.h"
 
 namespace orvex::fuzz {
 
@@ -58,6 +61,20 @@ std::u16string Expected(std::string_view file, size_t capacity) {
     return found;
 }
 
+// Checks a text as the name of a profile.
+void CheckName(const std::string& name) {
+    const bool isBare = plain::IsBareFileName(name);
+    REQUIRE(IsBareFileName(name.c_str()) == isBare);
+    if (isBare) return;
+    const FileWatch watch;
+    char profile[512] = {};
+    signed char code = 0;
+    static uint32_t unused[1];  // a profile that is not opened fills nothing
+    const std::string path = "profiles\\" + name;
+    REQUIRE(ReadProfile(path.c_str(), profile, sizeof profile, false, unused, &code) == 0);
+    REQUIRE(watch.Opened() == 0);
+}
+
 std::string Wide(std::u16string_view text) {
     return {reinterpret_cast<const char*>(text.data()), text.size() * 2};
 }
@@ -77,6 +94,7 @@ void FuzzProfileNames(std::span<const uint8_t> input) {
     REQUIRE(length == expected.size());
     REQUIRE(capacity == 0 || memcmp(out.data(), expected.c_str(), 2 * (length + 1)) == 0);
     REQUIRE(watch.Open() == 0);
+    CheckName(std::string(file.substr(0, file.find('\0'))));
 }
 
 Seeds ProfileNamesSeeds() {
@@ -85,6 +103,14 @@ Seeds ProfileNamesSeeds() {
         "\3" + Wide(u"\xFEFF[DEU]\na.zvp=lang und l\u00E4nger\ra.zvp=kurz\n[x"),
         "\5" + Wide(u"\xFEFF[DEU]\r" + std::u16string(252, u' ') + u"\r\na.zvp=x"),
         "\4" + Wide(u"\xFEFF[DEU]\n\0a.zvp=1\na.zvp=\0\n"sv) + "x",
+        std::string("\0Coated paper.zvp", 17),
+        std::string("\0nul .zvp", 9),
+        std::string("\0cOnIn$", 7),
+        std::string("\0LPT\xC2\xB2.a", 9),
+        std::string("\0COM0", 5),
+        std::string("\0..", 3),
+        std::string("\0..\\profiles/a", 15),
+        std::string("\0c:a", 4),
     };
 }
 

@@ -1,14 +1,18 @@
-// settings.inf: whatever the file contains, a look-up finds what the plain definition finds.
+// settings.inf: whatever the file contains, a look-up finds what the plain definition finds. The log's
+// control file: whatever it contains, the mask is the number in it.
 
 #include <bit>
 #include <cstdlib>
 #include <cstring>
 
+#include "driver/support/log.h"
 #include "driver/support/settings_file.h"
 #include "fuzz/fuzz_installation.h"
 #include "fuzz/input.h"
 #include "fuzz/target.h"
 #include "tests/driver/profiles/file_watch.h"
+#include "tests/kit/log_capture.h"
+#include "tests/plain/log_mask.h"
 
 namespace orvex::fuzz {
 
@@ -58,6 +62,15 @@ std::string Expected(std::string_view file, const Key& wanted, size_t capacity) 
     return found;
 }
 
+// Requires that the text is read as the plain definition reads it, as the log's control file.
+void CheckLogMask(std::string_view text) {
+    const LogCapture log(0);
+    WriteBytes(LogControlFile(), text);
+    LoadLogMask();
+    REQUIRE(logMask == plain::LogMask(text));
+    REQUIRE(!std::filesystem::exists(LogFile()));
+}
+
 }  // namespace
 
 void FuzzSettings(std::span<const uint8_t> input) {
@@ -80,6 +93,7 @@ void FuzzSettings(std::span<const uint8_t> input) {
     const double number = value.empty() ? -1.5 : atof(value.c_str());
     const double found = LookupNumber(wanted.section, wanted.key, -1.5);
     REQUIRE(std::bit_cast<uint64_t>(found) == std::bit_cast<uint64_t>(number));
+    CheckLogMask(file);
     REQUIRE(watch.Open() == 0);
 }
 
@@ -92,6 +106,10 @@ Seeds SettingsSeeds() {
         "\2\3[Color]\n0.5\rnan\n[x]\n",
         std::string("\0\3", 2) + "[UI]\nLanguage=" + std::string(300, 'x') + "\nLanguage=ok\n",
         std::string("\0\2", 2) + "[UI]" + std::string(260, ' ') + "\rLanguage=a\r\n",
+        std::string("\0\0", 2) + "3\r\n",
+        std::string("\0\0", 2) + " \t-18446744073709551615",
+        std::string("\0\0", 2) + "+18446744073709551616",
+        std::string("\0\0", 2) + std::string(60, '0') + "4294967299",
     };
 }
 

@@ -31,21 +31,23 @@ const FuzzTarget* FindFuzzTarget(std::string_view name);
 #endif
 
 #define FUZZ_TARGETS(ROW)                                                         \
-    ROW(settings, Settings)              /* look-ups in settings.inf */           \
-    ROW(profile_names, ProfileNames)     /* look-ups in profilenames.inf */       \
+    ROW(settings, Settings)              /* settings.inf and the log's mask */    \
+    ROW(profile_names, ProfileNames)     /* profilenames.inf, profiles by name */ \
     ROW(media_import, MediaImport)       /* media.inf into the printer's data */  \
     ROW(label_data, LabelData)           /* labels out of the printer's data */   \
     ROW(profile, Profile)                /* color profile files */                \
     ROW(device_mode, DeviceModeMerge)    /* a caller's device mode */             \
     ROW(output_callback, OutputCallback) /* the engine's output to the spooler */ \
     ROW(page, Page)                      /* layout and rows of a page */          \
+    ROW(adjustment, Adjustment)          /* adjusted grids of inks */             \
+    ROW(thumbnail, Thumbnail)            /* the picture of a first page */        \
     ROW(row_code, RowCode)               /* the stand-in engine's rows */         \
     ROW(print_file, PrintFile)           /* print files in the viewer */          \
     ROW(tool_profile, ToolProfile)       /* color profiles in their tool */       \
     ROW(recipe, Recipe)                  /* recipes of color profiles */          \
     ROW(spool_file, SpoolFile)           /* spool files and shadow files */       \
     ROW(placement, Placement)            /* a picture's place on a page */        \
-    ROW(picture, Picture)                /* JPEG, BMP and GIF files */            \
+    ROW(picture, Picture)                /* pictures and metafiles */             \
     ROW(registry, Registry)              /* device modes in registry exports */   \
     ICC_FUZZ_TARGET(ROW)                 /* ICC profiles of printers */
 

@@ -77,4 +77,30 @@ Layout ComputeLayout(const PageLayoutInput& input) {
     return out;
 }
 
+const char* DifferentMeasure(const PageLayout& layout, const Layout& expected) {
+    const struct {
+        const char* name;
+        int64_t have, want;
+    } measures[] = {
+        {"fullWidth", layout.fullWidth, expected.fullWidth},
+        {"phOffsetPx", layout.phOffsetPx, expected.phOffsetPx},
+        {"imageWidth", layout.imageWidth, expected.imageWidth},
+        {"rowWidth", layout.rowWidth, expected.rowWidth},
+        {"rows", layout.rows, expected.rows},
+        {"headRows", layout.headRows, expected.headRows},
+        {"purgeLen", layout.purgeLen, expected.purgeLen},
+        {"purgeLead", layout.purgeLead, expected.purgeLead},
+        {"pageW", layout.pageWUnits, expected.pageW},
+        {"pageH", layout.pageHUnits, expected.pageH},
+        {"pageLength", layout.pageLengthUnits, expected.pageLength},
+        {"topOff", layout.placed.topOff, expected.topOff},
+        {"fullTop", layout.placed.fullTop, expected.fullTop},
+        {"fullBottom", layout.placed.fullBottom, expected.fullBottom},
+    };
+    for (const auto& measure : measures) {
+        if (measure.have != measure.want) return measure.name;
+    }
+    return nullptr;
+}
+
 }  // namespace orvex::plain

@@ -14,4 +14,7 @@ struct Layout {
 
 Layout ComputeLayout(const PageLayoutInput& input);
 
+// Returns the name of the first measure in which a layout differs from the plain one; null if there is none.
+const char* DifferentMeasure(const PageLayout& layout, const Layout& expected);
+
 }  // namespace orvex::plain

@@ -1,10 +1,22 @@
-// Plain definition of a reduced picture.
+// Plain definition of a thumbnail's pixels.
 #pragma once
 
+#include <cmath>
 #include <cstdint>
 #include <vector>
 
 namespace orvex::plain {
+
+// Returns how often a page is halved: until the side that exceeds its limit by more is within it; never if a
+// limit is below 100.
+inline int32_t ThumbnailScale(int32_t width, int32_t height, double maxWidth, double maxHeight) {
+    if (!(maxWidth >= 100 && maxHeight >= 100)) return 0;
+    const bool widthGoverns = width / maxWidth > height / maxHeight;
+    const double limit = trunc(widthGoverns ? maxWidth : maxHeight);
+    int32_t scale = 0;
+    for (int32_t side = widthGoverns ? width : height; side > limit; side /= 2) ++scale;
+    return scale;
+}
 
 // Returns a picture reduced by 2^scale, pixel by pixel: the truncated means of the first three bytes of each
 // block, opaque.
