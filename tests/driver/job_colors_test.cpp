@@ -2,6 +2,8 @@
 
 #include "tests/driver/print_job_fixture.h"
 #include "tests/driver/send_page_fixture.h"
+#include "tests/plain/long_hand_adjustment.h"
+#include "tests/plain/plain_colors.h"
 
 namespace orvex {
 
@@ -114,11 +116,26 @@ TEST_F(Adjustment, TakesItsScalesFromTheSettings) {
     Session().EndDoc(*device);
 }
 
-TEST_F(Adjustment, PrintsOtherInksWithOtherScales) {
-    const Rows rows = Print(Adjusted(Landscape()));
-    Session().EndDoc(Current());
-    installation.Write("settings.inf", "[Color]\r\nblack_scale=2000\r\n");
-    EXPECT_NE(Print(Adjusted(Landscape())), rows);
+TEST_F(Adjustment, PrintsTheInksOfTheAdjustedGrid) {
+    std::vector<uint32_t> grid;
+    for (int point = 0; point < kGridPoints; ++point) {
+        const uint32_t color =
+            ColorIndex(GridValue(point / 289), GridValue(point / 17 % 17), GridValue(point % 17));
+        grid.push_back(ProfileColor(color, false));
+    }
+    for (const double blackScale : {200.0, 2000.0}) {
+        installation.Write("settings.inf", "[Color]\r\nblack_scale=" + std::to_string(blackScale) + "\r\n");
+        const std::vector<uint32_t> adjusted =
+            plain::AdjustedGrid(grid, {10, 20, 30, 40, 50, 60, 70}, {.black = blackScale});
+        const Rows rows = Print(Adjusted(Landscape()));
+        ExpectRows(rows, kW, kH, [&](int32_t row, int32_t i) {
+            const uint32_t color = Pixel(*Current().Surface(), i, row);
+            const auto step = [](uint32_t component) { return (component + 1) / 16; };
+            return adjusted[step(plain::Red(color)) * 289 + step(plain::Green(color)) * 17 +
+                            step(plain::Blue(color))];
+        });
+        Session().EndDoc(Current());
+    }
 }
 
 TEST_F(Adjustment, WithoutSettingsLooksForEachScaleAndTakesTheDefaults) {

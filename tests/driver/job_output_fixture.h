@@ -16,7 +16,7 @@ class JobOutputTest : public DriverTest {
     void Begin(const DeviceMode& mode = Mode(), const std::string& title = "My job") {
         device_ = StartPage(mode, title);
     }
-    Device& Current() { return *device_; }
+    tools::Device& Current() { return *device_; }
 
     // Hands a chunk to the callback and returns what it wrote; counts the writes.
     std::string Written(std::string_view chunk, int32_t result = 1) {
@@ -37,7 +37,7 @@ class JobOutputTest : public DriverTest {
     int writes = 0;
 
   private:
-    std::unique_ptr<Device> device_;
+    std::unique_ptr<tools::Device> device_;
 };
 
 }  // namespace orvex

@@ -11,7 +11,7 @@ class PrintJobTest : public DriverTest {
   protected:
     ~PrintJobTest() override { EXPECT_EQ(std::filesystem::current_path(), directoryBefore_); }
 
-    bool Start(Device& device, const std::string& title = "title") {
+    bool Start(tools::Device& device, const std::string& title = "title") {
         return Session().StartDoc(device, title, 42);
     }
 

@@ -6,8 +6,6 @@
 
 namespace orvex {
 
-using namespace tools;
-
 using Row = std::vector<uint32_t>;
 using Rows = std::vector<Row>;
 
@@ -27,7 +25,7 @@ class SendPageTest : public DriverTest {
     Rows PrintSize(const DeviceMode& mode, int32_t width, int32_t height);
 
     // Returns the device of the last page.
-    Device& Current() { return *device_; }
+    tools::Device& Current() { return *device_; }
     uint32_t PageCount() const { return reinterpret_cast<PDEV*>(device_->Instance())->pageCount; }
     // Returns the ink of a pixel of that page.
     uint32_t Ink(int32_t x, int32_t y) const;
@@ -47,7 +45,7 @@ class SendPageTest : public DriverTest {
     }
 
   private:
-    std::unique_ptr<Device> device_;
+    std::unique_ptr<tools::Device> device_;
     bool at600Dpi_ = false;
 };
 

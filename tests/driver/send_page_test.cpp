@@ -1,5 +1,6 @@
 #include "tests/driver/send_page_fixture.h"
 #include "tests/plain/page_order.h"
+#include "tests/plain/plain_rows.h"
 
 namespace orvex {
 
@@ -243,9 +244,9 @@ TEST_F(SendPage, PrintsInGrayInAGrayColorMode) {
     DeviceMode mode = Landscape();
     mode.priv.colorMode = 2;
     const Rows rows = Print(mode);
-    for (size_t row = 1; row < 20; ++row) {
-        for (const uint32_t ink : rows[row]) ASSERT_EQ(ink & 0xFFFFFF00, 0u);
-    }
+    ExpectRows(rows, kW, kH, [&](int32_t row, int32_t i) {
+        return plain::Print(Ink(i, row), static_cast<size_t>(i), {.grayMode = 2});
+    });
 }
 
 TEST_F(SendPage, SendsNothingWithoutABoundEngine) {

@@ -5,6 +5,7 @@
 #include <random>
 #include <vector>
 
+#include "tests/plain/row_code.h"
 #include "tools/orvexview/row_decoder.h"
 
 namespace orvex {
@@ -33,8 +34,11 @@ Row Decode(const Row& above, const Bytes& code) {
     return row;
 }
 
+// Verifies the code of a row, and that it is decoded to the row.
 void ExpectRoundTrip(const Row& above, const Row& row) {
-    ASSERT_EQ(Decode(above, Encode(above, row)), row);
+    const Bytes code = Encode(above, row);
+    ASSERT_EQ(code, plain::EncodedRow(above, row));
+    ASSERT_EQ(Decode(above, code), row);
 }
 
 // The commands; a count from 1 to 63 is added to them.

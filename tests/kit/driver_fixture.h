@@ -19,7 +19,6 @@
 
 namespace orvex {
 
-using namespace tools;
 struct PDEV;
 
 class DriverTest : public testing::Test {
@@ -45,28 +44,30 @@ class DriverTest : public testing::Test {
 
     // Returns the driver. The first call loads it with `engine` or the library that `source` names, and with
     // the log at `mask`.
-    DriverSession& Session() { return Session(engine.Entries()); }
-    DriverSession& Session(EngineSource source);
+    tools::DriverSession& Session() { return Session(engine.Entries()); }
+    tools::DriverSession& Session(tools::EngineSource source);
     uint32_t mask = 1;  // errors and information; 3 adds the trace lines
 
     // Unloads the driver and loads it again with another engine.
-    DriverSession& Restart(EngineSource source);
+    tools::DriverSession& Restart(tools::EngineSource source);
 
     // Enables a device and its page bitmap.
-    std::unique_ptr<Device> Enable(const DeviceMode& mode);
+    std::unique_ptr<tools::Device> Enable(const DeviceMode& mode);
     // Enables a device and starts a job and its first page on it.
-    std::unique_ptr<Device> StartPage(const DeviceMode& mode, const std::string& title = "title");
+    std::unique_ptr<tools::Device> StartPage(const DeviceMode& mode, const std::string& title = "title");
 
     // Returns the driver's instance of a device.
-    static PDEV& InstanceOf(const Device& device) { return *reinterpret_cast<PDEV*>(device.Instance()); }
+    static PDEV& InstanceOf(const tools::Device& device) {
+        return *reinterpret_cast<PDEV*>(device.Instance());
+    }
 
     // Returns the heap of the driver's allocations.
     HeapWatch& Heap() { return *heap_; }
     // Describes the blocks that the driver has not freed, except the two paths of the log, which it keeps.
     std::vector<std::string> LeftOnHeap() const;
 
-    Spooler& PrintSpooler() { return Session().PrintSpooler(); }
-    Spooler::Printer& Printer() { return Session().Printer(); }
+    tools::Spooler& PrintSpooler() { return Session().PrintSpooler(); }
+    tools::Spooler::Printer& Printer() { return Session().Printer(); }
     std::vector<std::string> LogLines() { return log_->TakeLines(); }
 
     static uint32_t Pixel(const SURFOBJ& surface, int32_t x, int32_t y);
@@ -78,7 +79,7 @@ class DriverTest : public testing::Test {
   private:
     void Unload();
 
-    std::optional<DriverSession> session_;
+    std::optional<tools::DriverSession> session_;
     std::optional<HeapWatch> heap_;
     std::optional<LogCapture> log_;
 };

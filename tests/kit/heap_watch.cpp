@@ -8,6 +8,8 @@
 
 namespace orvex {
 
+using namespace tools;
+
 namespace {
 
 HeapWatch* current = nullptr;

@@ -24,8 +24,6 @@
 
 namespace orvex {
 
-using namespace tools;
-
 class HeapWatch {
   public:
     // The source of the blocks. On Windows a guarded block ends at a guard page and stays inaccessible for
@@ -60,7 +58,7 @@ class HeapWatch {
 
     struct Block {
         size_t bytes;
-        std::unique_ptr<GuardedMemory> memory;  // null for a plain block
+        std::unique_ptr<tools::GuardedMemory> memory;  // null for a plain block
     };
 
     void* Allocate(const char* function, size_t bytes, bool zeroed);
@@ -68,15 +66,15 @@ class HeapWatch {
     // Returns false if the block is not of this heap, and was not freed.
     bool Free(void* memory);
     // Keeps a freed block inaccessible for a while.
-    void PutAside(std::unique_ptr<GuardedMemory> memory);
+    void PutAside(std::unique_ptr<tools::GuardedMemory> memory);
 
     const bool guarded_;
     Refusal refuses_;
     size_t allocations_ = 0;
     std::map<const void*, Block> live_;
-    std::deque<std::unique_ptr<GuardedMemory>> freed_;  // the most recent ones, inaccessible
+    std::deque<std::unique_ptr<tools::GuardedMemory>> freed_;  // the most recent ones, inaccessible
     std::vector<std::string> misuses_;
-    PatchSet patches_;
+    tools::PatchSet patches_;
 };
 
 }  // namespace orvex

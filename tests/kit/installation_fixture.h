@@ -8,7 +8,6 @@
 
 namespace orvex {
 
-using namespace tools;
 class InstallationFixture {
   public:
     // Answers the question for the folder that `module` asks; null is the program itself.
@@ -26,7 +25,7 @@ class InstallationFixture {
   private:
     ScratchFolder scratch_;
     std::filesystem::path folder_;
-    ImportPatch patch_;
+    tools::ImportPatch patch_;
 };
 
 }  // namespace orvex

@@ -13,8 +13,6 @@
 
 namespace orvex {
 
-using namespace tools;
-
 class RecordingEngine {
   public:
     RecordingEngine();

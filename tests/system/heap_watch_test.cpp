@@ -8,6 +8,8 @@
 
 namespace orvex {
 
+using namespace tools;
+
 using testing::Contains;
 using testing::IsEmpty;
 

@@ -13,11 +13,9 @@
 
 namespace orvex {
 
-using namespace tools;
-
 // Puts a label into a printer's data.
-inline void AddLabel(PrinterData& data, int number, const char* name, const char* width, const char* length,
-                     uint32_t units, uint32_t version = 1) {
+inline void AddLabel(tools::PrinterData& data, int number, const char* name, const char* width,
+                     const char* length, uint32_t units, uint32_t version = 1) {
     const std::string key = "Label Sizes\\" + std::to_string(number);
     data.SetNumber(key, "version", version);
     data.SetText(key, "name", name);
@@ -91,8 +89,8 @@ class PrinterTest : public testing::Test {
     }
 
     InstallationFixture installation_;
-    Spooler spooler_;
-    Spooler::Printer& printer_ = spooler_.AddPrinter("Etikett 1", "Orvex Series");
+    tools::Spooler spooler_;
+    tools::Spooler::Printer& printer_ = spooler_.AddPrinter("Etikett 1", "Orvex Series");
     HANDLE handle_ = spooler_.Open("Etikett 1");
     LogCapture log_;
 };

@@ -16,8 +16,6 @@
 
 namespace orvex {
 
-using namespace tools;
-
 class CatalogueFixture : public testing::Test {
   protected:
     CatalogueFixture() { installation_.WriteSettings("[UI]\r\nLanguage=DEU\r\n"); }

@@ -10,7 +10,6 @@
 
 namespace orvex {
 
-using namespace tools;
 // Counts the files and searches that the code linked into this program opens. One watch lives at a time.
 class FileWatch {
   public:
@@ -83,12 +82,12 @@ class FileWatch {
         return done;
     }
 
-    ImportPatch createAPatch_{nullptr, "CreateFileA", reinterpret_cast<void*>(&WatchedCreateA)};
-    ImportPatch createWPatch_{nullptr, "CreateFileW", reinterpret_cast<void*>(&WatchedCreateW)};
-    ImportPatch findFirstPatch_{nullptr, "FindFirstFileW", reinterpret_cast<void*>(&WatchedFindFirst)};
-    ImportPatch closePatch_{nullptr, "CloseHandle", reinterpret_cast<void*>(&WatchedClose)};
-    ImportPatch findClosePatch_{nullptr, "FindClose", reinterpret_cast<void*>(&WatchedFindClose)};
-    ImportPatch readPatch_{nullptr, "ReadFile", reinterpret_cast<void*>(&WatchedRead)};
+    tools::ImportPatch createAPatch_{nullptr, "CreateFileA", reinterpret_cast<void*>(&WatchedCreateA)};
+    tools::ImportPatch createWPatch_{nullptr, "CreateFileW", reinterpret_cast<void*>(&WatchedCreateW)};
+    tools::ImportPatch findFirstPatch_{nullptr, "FindFirstFileW", reinterpret_cast<void*>(&WatchedFindFirst)};
+    tools::ImportPatch closePatch_{nullptr, "CloseHandle", reinterpret_cast<void*>(&WatchedClose)};
+    tools::ImportPatch findClosePatch_{nullptr, "FindClose", reinterpret_cast<void*>(&WatchedFindClose)};
+    tools::ImportPatch readPatch_{nullptr, "ReadFile", reinterpret_cast<void*>(&WatchedRead)};
 };
 
 }  // namespace orvex

@@ -9,13 +9,11 @@
 
 namespace orvex {
 
-using namespace tools;
-
 // Returns the texts of a list that ends with an empty one; a null list has none.
 inline std::vector<std::u16string> ListedTexts(const WCHAR* list) {
     std::vector<std::u16string> texts;
     if (list == nullptr) return texts;
-    for (; *list != 0; list += texts.back().size() + 1) texts.emplace_back(AsView(list));
+    for (; *list != 0; list += texts.back().size() + 1) texts.emplace_back(tools::AsView(list));
     return texts;
 }
 

@@ -5,6 +5,8 @@
 
 namespace orvex {
 
+using namespace tools;
+
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Pair;

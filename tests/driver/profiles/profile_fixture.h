@@ -18,8 +18,6 @@
 
 namespace orvex {
 
-using namespace tools;
-
 constexpr char kUntouched = '#';
 
 class ProfileFixture : public testing::Test {

@@ -8,6 +8,8 @@
 
 namespace orvex {
 
+using namespace tools;
+
 namespace fs = std::filesystem;
 using testing::ElementsAre;
 

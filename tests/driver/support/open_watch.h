@@ -8,7 +8,6 @@
 
 namespace orvex {
 
-using namespace tools;
 // Records how CreateFileA is called for as long as it lives. Only one may live at a time.
 class OpenWatch {
   public:
@@ -33,7 +32,7 @@ class OpenWatch {
     }
 
     static inline decltype(&CreateFileA) original_ = nullptr;
-    ImportPatch patch_;
+    tools::ImportPatch patch_;
 };
 
 }  // namespace orvex

@@ -9,6 +9,8 @@
 
 namespace orvex {
 
+using namespace tools;
+
 using testing::Contains;
 using testing::HasSubstr;
 using testing::IsEmpty;

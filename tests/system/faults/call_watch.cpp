@@ -4,6 +4,8 @@
 
 namespace orvex {
 
+using namespace tools;
+
 namespace {
 
 CallWatch* currentWatch = nullptr;

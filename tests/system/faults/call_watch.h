@@ -19,8 +19,6 @@
 
 namespace orvex {
 
-using namespace tools;
-
 // The effect of a call on what the driver holds. A call that closes or gives back does its work even when it
 // fails: otherwise the failure itself, not the driver, would leave something behind.
 enum class CallEffect { kNone, kOpens, kCloses, kGivesBack };
@@ -94,7 +92,7 @@ class CallWatch {
     std::vector<std::string> places_;
     int aside_ = 0;
     std::map<HANDLE, std::string> open_;
-    std::vector<std::unique_ptr<ImportPatch>> patches_;
+    std::vector<std::unique_ptr<tools::ImportPatch>> patches_;
     HeapWatch& heap_;
 };
 

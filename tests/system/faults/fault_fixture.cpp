@@ -7,6 +7,8 @@
 
 namespace orvex {
 
+using namespace tools;
+
 namespace fs = std::filesystem;
 
 namespace {

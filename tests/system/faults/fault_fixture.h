@@ -75,10 +75,10 @@ class FaultTest : public DriverTest {
 
   private:
     bool Hook(const std::string& name, const std::function<bool()>& call);
-    std::unique_ptr<Device> MakeDevice();
-    std::unique_ptr<Device> ResetDevice(std::unique_ptr<Device> old);
-    void CloseDevice(std::unique_ptr<Device> device);
-    void PrintPages(std::unique_ptr<Device>* device);
+    std::unique_ptr<tools::Device> MakeDevice();
+    std::unique_ptr<tools::Device> ResetDevice(std::unique_ptr<tools::Device> old);
+    void CloseDevice(std::unique_ptr<tools::Device> device);
+    void PrintPages(std::unique_ptr<tools::Device>* device);
 
     JobInputs inputs_ = JobInputs::kAll;
     std::filesystem::path directory_;  // before any job

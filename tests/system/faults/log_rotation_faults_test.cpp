@@ -7,6 +7,8 @@
 
 namespace orvex {
 
+using namespace tools;
+
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;

@@ -143,13 +143,21 @@ TEST(PngFile, IsRefusedWhereverItIsTruncated) {
     }
 }
 
-TEST(PngFile, SurvivesAChangeOfAnyByte) {
+// Every chunk has a checksum, so no change of a byte shows as other pixels.
+TEST(PngFile, IsRefusedOrShowsTheSamePixelsAfterAChangeOfAnyByte) {
     const std::vector<uint8_t> whole = MakePlainPng(9, 9, 11811, 0x102030);
+    const std::vector<uint32_t> pixels = PixelsOf(DecodePng(whole));
+    constexpr size_t kEndChunk = 12;
     for (size_t at = 0; at < whole.size(); ++at) {
         for (const int flip : {1, 0x80, 0xFF}) {
             std::vector<uint8_t> damaged = whole;
             damaged[at] ^= static_cast<uint8_t>(flip);
-            DecodingError(damaged);  // must return a picture or throw its error
+            try {
+                EXPECT_EQ(PixelsOf(DecodePng(damaged)), pixels) << at;
+                EXPECT_GE(at, whole.size() - kEndChunk) << "flipped " << flip;
+            } catch (const PageError& error) {
+                EXPECT_THAT(error.what(), StartsWith("is ")) << at;
+            }
         }
     }
 }

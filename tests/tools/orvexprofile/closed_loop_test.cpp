@@ -159,8 +159,11 @@ TEST_F(ClosedLoop, EstimatesTheColorsInItsList) {
     EXPECT_LT(sum / static_cast<double>(list.Count()), 20);
 }
 
-// docs/color-profiles.md shows this figure.
-constexpr double kStatedDifference = 2.1;
+// docs/color-profiles.md shows these figures.
+constexpr struct {
+    const char* variant;
+    double largest;
+} kStatedDifferences[] = {{"600", 2.06}, {"other", 1.94}};
 
 TEST_F(ClosedLoop, ProofsNeutralArtInTheColorsThatAreWanted) {
     ASSERT_EQ(Run({"build", "--icc", kPrinterIcc, "-o", Path("print.zvp"), "--intent", "relative"}), 0)
@@ -170,20 +173,19 @@ TEST_F(ClosedLoop, ProofsNeutralArtInTheColorsThatAreWanted) {
     tools::Picture ramp(256 - kDarkest, 1, 3);
     for (size_t i = 0; i < ramp.samples.size(); ++i) ramp.samples[i] = static_cast<uint8_t>(kDarkest + i / 3);
     SavePng(ramp, 300, Path("ramp.png"));
-    for (const char* variant : {"600", "other"}) {
+    for (const auto& stated : kStatedDifferences) {
         ASSERT_EQ(Run({"proof", Path("ramp.png"), "--profile", Path("print.zvp"), "--icc", kPrinterIcc,
-                       "--variant", variant, "-o", Path("proof.png")}),
+                       "--variant", stated.variant, "-o", Path("proof.png")}),
                   0)
             << err_;
         const RasterImage proof = LoadPng(Path("proof.png"));
         double largest = 0;
         for (uint32_t x = 0; x < ramp.width; ++x) {
             const uint32_t gray = (kDarkest + x) * 0x010101;
-            const double difference = DifferenceOf(ScreenLab(gray), ScreenLab(proof.Row(0)[x]));
-            EXPECT_LE(difference, kStatedDifference) << std::hex << gray;
-            largest = std::max(largest, difference);
+            largest = std::max(largest, DifferenceOf(ScreenLab(gray), ScreenLab(proof.Row(0)[x])));
         }
-        std::printf("proof of neutral art, %s: largest dE2000 %.2f\n", variant, largest);
+        std::printf("proof of neutral art, %s: largest dE2000 %.2f\n", stated.variant, largest);
+        EXPECT_NEAR(largest, stated.largest, 0.005);
     }
 }
 

@@ -10,7 +10,6 @@
 
 namespace orvex {
 
-using namespace tools;
 struct JobKind {
     const char* name;
     const char* profile;  // a file of the profiles folder; empty for the generic conversion
@@ -32,10 +31,11 @@ std::span<const JobKind> JobKinds();
 void InstallJobProfiles(const std::filesystem::path& installation);
 
 // Returns the setup for such jobs: the driver with the stand-in engine's library.
-SessionSetup JobSession(const std::filesystem::path& installation);
+tools::SessionSetup JobSession(const std::filesystem::path& installation);
 
 // Prints one job of the kind, hook by hook, and returns the bytes that reached the printer. The same page of
 // each job is drawn alike. Throws std::runtime_error if a hook refuses.
-std::string PrintJob(DriverSession& session, const std::filesystem::path& installation, const JobKind& kind);
+std::string PrintJob(tools::DriverSession& session, const std::filesystem::path& installation,
+                     const JobKind& kind);
 
 }  // namespace orvex
