@@ -18,7 +18,7 @@ namespace orvex::fuzz {
 
 namespace {
 
-constexpr int64_t kMostPixels = 1 << 18;
+constexpr int64_t kMostPixels = 1 << 16;
 
 // A limit as the settings file states it.
 struct Limit {
