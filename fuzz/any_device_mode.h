@@ -1,6 +1,11 @@
 // Device modes with any values.
 #pragma once
 
+#include <initializer_list>
+#include <string>
+#include <string_view>
+#include <utility>
+
 #include "fuzz/input.h"
 #include "tests/plain/device_mode_rules.h"
 
@@ -13,12 +18,15 @@ inline void SetAnyValues(DeviceMode& mode, FuzzInput& input) {
     }
 }
 
-// Returns the input of SetAnyValues() that sets every field to a number from -128 to 127.
-inline std::string InputForAll(int8_t value) {
+// Returns the input of SetAnyValues() that sets these fields, and no others.
+inline std::string InputForFields(std::initializer_list<std::pair<std::string_view, int32_t>> values) {
     std::string input;
-    for (size_t rule = 0; rule < plain::Rules().size(); ++rule) {
-        input += {'\1', static_cast<char>(value)};
-        input += std::string(3, value < 0 ? '\xFF' : '\0');
+    for (const plain::Rule& rule : plain::Rules()) {
+        const auto* value = std::find_if(values.begin(), values.end(),
+                                         [&](const auto& each) { return each.first == rule.name; });
+        input += value != values.end() ? '\1' : '\0';
+        for (int shift = 0; value != values.end() && shift < 32; shift += 8)
+            input += static_cast<char>(value->second >> shift);
     }
     return input;
 }

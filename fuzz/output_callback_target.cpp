@@ -156,7 +156,13 @@ Seeds OutputCallbackSeeds() {
     std::string units;
     for (int i = 0; i < 0x44; ++i)
         units += std::string(i % 3 == 0 ? "\xE4\0" : i % 3 == 1 ? "\xAC\x20" : "n\0", 2);
-    const std::string anyMode = std::string("\7\0\0\0", 4) + InputForAll(-100);
+    const std::string anyMode = std::string("\7\0\0\0", 4) + InputForFields({{"dmCopies", -1},
+                                                                             {"alignment", -300},
+                                                                             {"colorMode", 70000},
+                                                                             {"kws", -5},
+                                                                             {"purgeDots", 40000},
+                                                                             {"chunkActive", 2},
+                                                                             {"chunksize", -7}});
     return {
         "\x3F\3" + noNames + chunk(framing) + chunk(opening) + chunk("rows \x1B*o0M rows") +
             chunk("\x1B*o0M"),

@@ -218,7 +218,8 @@ void CheckPage(FuzzInput& input, const DeviceMode& mode, bool refuses, uint32_t 
 
 void FuzzPage(std::span<const uint8_t> input) {
     FuzzInput choices(input);
-    g_nPage = 1 + choices.Byte() % 100;
+    constexpr uint32_t kPages[] = {1, 2, 3, 10, 11, 20, 21, 50, 51, 101, 65534, 65535, 65536, 0x80000001};
+    g_nPage = kPages[choices.Byte() % std::size(kPages)];
     const DeviceMode mode = ModeOf(choices);
     const auto width = choices.Number<int32_t>(), height = choices.Number<int32_t>();
     CheckLayout(LayoutInput(mode, DriverResolution(mode), width, height),
@@ -263,11 +264,21 @@ Seeds PageSeeds() {
         seed += std::string(24, '\x12') + '\x17' + std::string(24, '\x12');
         seeds.push_back(seed);
     }
-    // Device modes that break nearly every rule.
-    for (const int8_t value : {8, -16}) {
-        seeds.push_back(std::string("\0\xC1", 2) + std::string(8, '\0') + InputForAll(value) +
-                        std::string(30, '\7'));
-    }
+    // Device modes that break rules: a purge bar of many dots on every 65,534th page, signs that don't
+    // matter, and values of flags and enumerations beside the usual ones.
+    const auto broken = [&seeds](char page, const std::string& fields) {
+        seeds.push_back(page + ('\xC1' + std::string(8, '\0')) + fields + std::string(30, '\7'));
+    };
+    broken('\x0B',
+           InputForFields({{"purgeBar", 1}, {"purgeDots", -65000}, {"purgeFreq", -2}, {"purgeGap", 300}}));
+    broken('\0', InputForFields({{"purgeBar", 7}, {"purgeDots", 40}, {"purgeGap", -65530}, {"kws", -1}}));
+    broken('\0', InputForFields(
+                     {{"dmOrientation", 0}, {"dmPrintQuality", 1200}, {"purgeBar", -2}, {"colorMode", -1}}));
+    broken('\0', InputForFields({{"dmPrintQuality", 601},
+                                 {"alignment", -3},
+                                 {"rotate180", 2},
+                                 {"mirrorImage", 4},
+                                 {"phHOffset", -300}}));
     return seeds;
 }
 

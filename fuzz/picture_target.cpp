@@ -109,7 +109,11 @@ void CheckPng(const std::vector<uint8_t>& file) {
 void CheckMetafile(std::span<const uint8_t> file) {
     Accepts("", [&] {
         const print::Metafile metafile = print::ReadMetafile(file);
-        REQUIRE(metafile.bytes.size() <= file.size());
+        REQUIRE(metafile.bytes.data() == file.data() && metafile.bytes.size() <= file.size());
+        for (const print::SpoolRecord& record : metafile.embedded) {
+            REQUIRE(record.offset <= metafile.bytes.size());
+            REQUIRE(record.data.size() <= metafile.bytes.size() - record.offset);
+        }
         CheckSize(print::SizeOf(metafile, 600));
     });
 }
@@ -145,6 +149,15 @@ Seeds PictureSeeds() {
         const std::vector<uint8_t> file = MakePng(recipe, samples);
         return std::string(file.begin(), file.end());
     };
+    // Fonts in a comment.
+    const std::string fonts = ByteMaker().U32(0).U32(0x544F4E46).U32(1).U32(4).Text("font").Bytes();
+    const std::string metafile = MadeMetafile({0, 0, 2540, 5080}, {600, 600, 25, 25})
+                                     .Bar(0, 0, 10, 20)
+                                     .Text(5, 5, 30, "Sans", "a")
+                                     .Comment(fonts)
+                                     .File();
+    std::string longComment = metafile;  // the size of the comment's data is past its record
+    longComment[metafile.find(fonts) - 4] = '\x7F';
     const std::string jpeg = WithJfifDensity(MakeJpeg(art), 1, 300, 300);
     return {jpeg,
             WithSegment(MakeJpeg(art, 50), 0xE1, MakeExif(6, 3000, 3000)),
@@ -157,10 +170,8 @@ Seeds PictureSeeds() {
             png({.width = 13, .height = 17, .color = LCT_GREY_ALPHA, .interlaced = true}, 2),
             png({.width = 16, .height = 4, .color = LCT_PALETTE, .bitDepth = 1}, 1),
             png({.width = 3, .height = 2, .color = LCT_RGBA, .bitDepth = 16, .embed = &AddColors}, 8),
-            MadeMetafile({0, 0, 2540, 5080}, {600, 600, 25, 25})
-                .Bar(0, 0, 10, 20)
-                .Text(5, 5, 30, "Sans", "a")
-                .File(),
+            metafile,
+            longComment,
             "II*"};
 }
 

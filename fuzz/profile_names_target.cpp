@@ -104,7 +104,7 @@ Seeds ProfileNamesSeeds() {
         "\5" + Wide(u"\xFEFF[DEU]\r" + std::u16string(252, u' ') + u"\r\na.zvp=x"),
         "\4" + Wide(u"\xFEFF[DEU]\n\0a.zvp=1\na.zvp=\0\n"sv) + "x",
         std::string("\0Coated paper.zvp", 17),
-        std::string("\0nul .zvp", 9),
+        std::string("\0nul  .zvp", 10),
         std::string("\0cOnIn$", 7),
         std::string("\0LPT\xC2\xB2.a", 9),
         std::string("\0COM0", 5),

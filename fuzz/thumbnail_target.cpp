@@ -120,6 +120,9 @@ Seeds ThumbnailSeeds() {
         std::string("\7\1", 2) + page(130, 300) + colors,
         std::string("\4\x0E", 2) + page(20, 30),
         std::string("\1\1", 2) + page(0, 3),
+        std::string("\2\1", 2) + page(150, 120),
+        std::string("\3\1", 2) + page(101, 30),
+        std::string("\1\2", 2) + page(120, 150) + colors,
     };
 }
 
