@@ -6,6 +6,7 @@
 
 #include "tests/kit/driver_fixture.h"
 #include "tests/kit/picture.h"
+#include "tests/plain/plain_colors.h"
 #include "tests/plain/plain_reduction.h"
 
 namespace orvex {
@@ -82,7 +83,8 @@ std::vector<uint32_t> Gradient(int32_t width, int32_t height) {
 
 TEST_F(Thumbnail, DecodesToThePageReducedToItsLimits) {
     Configure("thumb_max_width=100\nthumb_max_height=100\n");
-    const std::vector<uint32_t> page = Gradient(400, 120);
+    std::vector<uint32_t> page = Gradient(400, 120);
+    for (size_t i = 0; i < page.size(); ++i) page[i] ^= plain::Scramble(static_cast<uint32_t>(i)) & 0x1F1F1F;
     const std::string text = Make(page, 400, 120);
     const std::string png = DecodeBase64(text);
     const Picture picture = DecodePicture(png);
