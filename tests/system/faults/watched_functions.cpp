@@ -12,6 +12,8 @@
 
 namespace orvex {
 
+using namespace tools;
+
 namespace {
 
 // A function's name as a template argument.

@@ -8,6 +8,7 @@
 
 namespace orvex {
 
+using namespace tools;
 using testing::IsEmpty;
 
 namespace {
