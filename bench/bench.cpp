@@ -27,9 +27,12 @@ bool Bench::Wants(const std::string& title) const {
 }
 
 void Bench::Hold(const Contest& contest) {
-    if (!Wants(contest.title)) return;
-    const ContestResult result = bench::Hold(contest, options_.repetitions);
-    std::fprintf(stderr, "%-60s %8.2f\n", contest.title.c_str(), result.Ratio());
+    if (Wants(contest.title)) Take(bench::Hold(contest, options_.repetitions));
+}
+
+void Bench::Take(const ContestResult& result) {
+    if (!Wants(result.title)) return;
+    std::fprintf(stderr, "%-60s %8.2f\n", result.title.c_str(), result.Ratio());
     for (ContestResult& earlier : results_) {
         if (earlier.title == result.title) return earlier.Add(result);
     }

@@ -26,8 +26,12 @@ class Bench {
 
     // Returns whether a row is to be measured. Ask before making expensive inputs for it.
     bool Wants(const std::string& title) const;
-    // Measures a row if it is wanted. Runs of the same title add up.
+    // Returns how often each side of a row is to be timed.
+    int Repetitions() const { return options_.repetitions; }
+    // Measures a row if it is wanted.
     void Hold(const Contest& contest);
+    // Adds a row that was measured, if it is wanted. Runs of the same title add up.
+    void Take(const ContestResult& result);
     // Measures the peak memory of a run if it is wanted.
     void NotePeak(const std::string& title, const std::function<void()>& run);
     // Adds a fact to print below the table.

@@ -29,7 +29,7 @@ void SetUpLibrary() {
 int main(int count, char** values) {
     BenchOptions options;
     int runs = 1;
-    std::filesystem::path json;
+    std::string newProcess;
     CLI::App app("Times the driver against memcpy, memset, Little CMS and pixman.");
     app.add_option("--filter", options.filter, "Only rows whose title contains this text");
     app.add_option("--repetitions", options.repetitions, "Timings of each side of a row in a run")
@@ -38,25 +38,28 @@ int main(int count, char** values) {
     app.add_option("--runs", runs, "Runs of the benchmark; the table shows the medians of their ratios")
         ->check(CLI::Range(1, 100))
         ->capture_default_str();
-    app.add_option("--json", json, "File for the results");
+    app.add_option("--new-process", newProcess)->group("");  // for the rows of first pages
     CLI11_PARSE(app, count, values);
     try {
-        SetUpLibrary();
         const std::filesystem::path installation = tools::ProgramFolder() / "install";
+        if (!newProcess.empty()) {
+            TimeNewProcess(installation, kProfile, newProcess);
+            return 0;
+        }
+        SetUpLibrary();
         const std::filesystem::path profile = installation / "profiles" / kProfile;
         BenchDriver driver(installation, kProfile);
         const BenchSetting setting = {driver, profile, PlainInks(profile, kResolution600),
                                       PlainInks(profile, kResolutionOther)};
         Bench bench(options);
         for (int run = 0; run < runs; ++run) {
+            MeasureColdPages(bench);
             MeasurePages(bench, setting);
             MeasureRowConversion(bench, setting);
             MeasureProfiles(bench, setting);
             MeasureExtras(bench, setting);
         }
-        const Machine machine = ThisMachine();
-        PrintReport(machine, bench, std::cout);
-        if (!json.empty()) WriteJson(machine, bench, json);
+        PrintReport(bench, std::cout);
     } catch (const std::exception& error) {
         std::cerr << "bench: " << error.what() << '\n';
         return 1;

@@ -17,11 +17,11 @@ struct Order {
 };
 
 constexpr Order kOrders[] = {
-    {"landscape", {{true, false, false}}, 1.3, 4, 20},
+    {"landscape", {{true, false, false}}, 1.0, 3, 13},
     {"landscape mirrored", {{true, false, true}}, 2, 0, 0},
     {"landscape rotated", {{true, true, false}}, 2, 0, 0},
     {"landscape rotated mirrored", {{true, true, true}}, 2, 0, 0},
-    {"portrait", {}, 2, 5, 23},
+    {"portrait", {}, 1.7, 4, 15},
     {"portrait mirrored", {{false, false, true}}, 2, 0, 0},
     {"portrait rotated", {{false, true, false}}, 2, 0, 0},
     {"portrait rotated mirrored", {{false, true, true}}, 2, 0, 0},
@@ -34,7 +34,7 @@ double AimFor(const Order& order, PageArt art) {
 }
 
 std::string Title(const PageSize& size, PageArt art, const char* order) {
-    return "page, " + std::string(size.name) + ", " + std::string(NameOf(art)) + ", " + order;
+    return "warm page, " + std::string(size.name) + ", " + std::string(NameOf(art)) + ", " + order;
 }
 
 const std::vector<uint32_t>& InksAt(const BenchSetting& setting, int16_t dpi) {
@@ -113,8 +113,8 @@ void MeasurePages(Bench& bench, const BenchSetting& setting) {
             }
         }
     }
-    MeasureObviousProgram(bench, setting, PageArt::kLabel, 10);
-    MeasureObviousProgram(bench, setting, PageArt::kPhoto, 5);
+    MeasureObviousProgram(bench, setting, PageArt::kLabel, 9);
+    MeasureObviousProgram(bench, setting, PageArt::kPhoto, 9);
 }
 
 }  // namespace orvex::bench

@@ -36,7 +36,7 @@ void MeasureGeneric(Bench& bench, std::vector<uint32_t>& table) {
                 {"FillWithGenericConversion", [] { FillWithGenericConversion(g_colorCache, kHalfInk); }},
                 Memset(table),
                 AimKind::kAtMost,
-                4,
+                1.4,
                 [] {
                     std::vector<uint32_t> inks(kCacheEntries);
                     for (uint32_t color = 0; color < kCacheEntries; ++color) {
@@ -72,7 +72,7 @@ void MeasureLoads(Bench& bench, const BenchSetting& setting, std::vector<uint32_
                 {"zvc_load_profile", [&] { Load(setting.profile); }},
                 Memset(table),
                 AimKind::kAtMost,
-                1.5,
+                1.2,
                 [&] {
                     Load(setting.profile);
                     std::vector<uint32_t> grid(kCacheEntries);
@@ -97,7 +97,7 @@ void MeasureInterpolation(Bench& bench, const BenchSetting& setting, std::vector
                 {"ConvertRow", convertAll, [&] { LoadFresh(setting); }},
                 Memset(table),
                 AimKind::kAtMost,
-                40,
+                12,
                 [&] {
                     LoadFresh(setting);
                     convertAll();

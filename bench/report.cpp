@@ -8,8 +8,6 @@
 #include <cstdarg>
 #include <cstdio>
 #include <fstream>
-#include <nlohmann/json.hpp>
-#include <stdexcept>
 #include <thread>
 
 namespace orvex::bench {
@@ -42,91 +40,50 @@ std::string SystemName() {
 }
 
 std::string AimOf(const ContestResult& result) {
-    if (result.aim == 0) return "-";
-    return Format(result.kind == AimKind::kAtMost ? "<= %g x" : ">= %g x faster", result.aim);
+    if (result.aim == 0) return "";
+    return Format(result.kind == AimKind::kAtMost ? "at most %g" : "at least %g times faster", result.aim);
 }
 
 const char* Verdict(const ContestResult& result) {
-    return result.aim == 0 ? "" : result.Met() ? "met" : "NOT MET";
+    return result.aim == 0 ? "" : result.Met() ? "yes" : "**no**";
 }
 
-nlohmann::json TimesOf(const Timing& timing) {
-    return {{"median_s", timing.Median()}, {"minimum_s", timing.Minimum()}, {"all_s", timing.seconds}};
+// Returns "median / minimum" in milliseconds.
+std::string TimesOf(const Timing& timing) {
+    return Format("%.3f / %.3f", timing.Median() * 1e3, timing.Minimum() * 1e3);
+}
+
+void PrintMachine(std::ostream& out) {
+    out << "- Processor: " << LineOf("/proc/cpuinfo", "model name") << ", "
+        << std::thread::hardware_concurrency() << " processors; caches of "
+        << sysconf(_SC_LEVEL1_DCACHE_SIZE) / 1024 << " KiB, " << sysconf(_SC_LEVEL2_CACHE_SIZE) / 1024
+        << " KiB and " << sysconf(_SC_LEVEL3_CACHE_SIZE) / 1024 / 1024 << " MiB\n- System: " << SystemName()
+        << ", large pages " << LineOf("/sys/kernel/mm/transparent_hugepage/enabled", "")
+        << "\n- Compiler: " << ORVEX_BENCH_COMPILER << ", `" << ORVEX_BENCH_FLAGS << "`\n- References: "
+        << Format("Little CMS %d.%d, pixman %s\n", cmsGetEncodedCMMversion() / 1000,
+                  cmsGetEncodedCMMversion() % 1000 / 10, pixman_version_string());
 }
 
 }  // namespace
 
-Machine ThisMachine() {
-    return {LineOf("/proc/cpuinfo", "model name"),
-            std::thread::hardware_concurrency(),
-            SystemName(),
-            LineOf("/sys/kernel/mm/transparent_hugepage/enabled", ""),
-            ORVEX_BENCH_COMPILER,
-            ORVEX_BENCH_FLAGS,
-            "SSE2",
-            Format("%ld KiB, %ld KiB, %ld MiB", sysconf(_SC_LEVEL1_DCACHE_SIZE) / 1024,
-                   sysconf(_SC_LEVEL2_CACHE_SIZE) / 1024, sysconf(_SC_LEVEL3_CACHE_SIZE) / 1024 / 1024),
-            Format("Little CMS %d.%d, pixman %s", cmsGetEncodedCMMversion() / 1000,
-                   cmsGetEncodedCMMversion() % 1000 / 10, pixman_version_string())};
-}
-
-void PrintReport(const Machine& machine, const Bench& bench, std::ostream& out) {
-    out << "processor  " << machine.processor << ", " << machine.processors << " processors\n"
-        << "system     " << machine.system << ", large pages " << machine.largePages << '\n'
-        << "compiler   " << machine.compiler << "\nflags      " << machine.flags << '\n'
-        << "kernels    " << machine.kernels << "\ncaches     " << machine.caches << "\nreferences "
-        << machine.references << "\n\n"
-        << "Times in ms, median / minimum. The ratio is that of the medians of a run; for several runs, the "
-           "median of their ratios.\n\n"
-        << Format("%-58s %21s %21s  %-22s %8s  %-16s\n", "what", "ours", "reference", "", "ratio", "aim");
+void PrintReport(const Bench& bench, std::ostream& out) {
+    PrintMachine(out);
+    out << "\nTimes in ms, median / minimum. The ratio is that of the medians.\n\n"
+           "| What | Ours | Reference | Its time | Ratio | Aim | Met |\n|---|---|---|---|---|---|---|\n";
     for (const ContestResult& result : bench.Results()) {
-        out << Format("%-58s %10.3f /%9.3f %10.3f /%9.3f  %-22s %8.3f  %-16s %s\n", result.title.c_str(),
-                      result.ours.Median() * 1e3, result.ours.Minimum() * 1e3, result.theirs.Median() * 1e3,
-                      result.theirs.Minimum() * 1e3, result.reference.c_str(), result.Ratio(),
-                      AimOf(result).c_str(), Verdict(result));
+        out << "| " << result.title << " | " << TimesOf(result.ours) << " | " << result.reference << " | "
+            << TimesOf(result.theirs) << " | " << Format("%.2f", result.Ratio()) << " | " << AimOf(result)
+            << " | " << Verdict(result) << " |\n";
     }
-    if (!bench.Peaks().empty()) out << "\nPeak memory beyond bitmap and color cache, MiB\n";
+    if (!bench.Peaks().empty()) {
+        out << "\nPeak memory of a page beyond its bitmap and the color cache:\n\n| What | MiB "
+               "|\n|---|---|\n";
+    }
     for (const PeakMemory& peak : bench.Peaks()) {
-        out << Format("%-58s %10.2f\n", peak.title.c_str(), peak.mebibytes);
+        out << "| " << peak.title << " | " << Format("%.2f", peak.mebibytes) << " |\n";
     }
     if (!bench.Notes().empty()) out << '\n';
-    for (const std::string& note : bench.Notes()) out << note << '\n';
-}
-
-void WriteJson(const Machine& machine, const Bench& bench, const std::filesystem::path& path) {
-    nlohmann::json root = {{"machine",
-                            {{"processor", machine.processor},
-                             {"processors", machine.processors},
-                             {"system", machine.system},
-                             {"large_pages", machine.largePages},
-                             {"compiler", machine.compiler},
-                             {"flags", machine.flags},
-                             {"kernels", machine.kernels},
-                             {"caches", machine.caches},
-                             {"references", machine.references}}},
-                           {"rows", nlohmann::json::array()},
-                           {"peak_memory", nlohmann::json::array()},
-                           {"notes", bench.Notes()}};
-    for (const ContestResult& result : bench.Results()) {
-        nlohmann::json row = {{"what", result.title},
-                              {"ours", TimesOf(result.ours)},
-                              {"reference", result.reference},
-                              {"theirs", TimesOf(result.theirs)},
-                              {"kind", result.kind == AimKind::kAtMost ? "at most" : "times faster"},
-                              {"ratio", result.Ratio()},
-                              {"ratios", result.ratios}};
-        if (result.aim != 0) {
-            row["aim"] = result.aim;
-            row["met"] = result.Met();
-        }
-        root["rows"].push_back(row);
-    }
-    for (const PeakMemory& peak : bench.Peaks()) {
-        root["peak_memory"].push_back({{"what", peak.title}, {"mebibytes", peak.mebibytes}});
-    }
-    std::ofstream file(path);
-    file << root.dump(1) << '\n';
-    if (!file.flush()) throw std::runtime_error("could not write " + path.string());
+    for (const std::string& note : bench.Notes()) out << "- " << note << '\n';
 }
 
 }  // namespace orvex::bench

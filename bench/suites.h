@@ -20,6 +20,12 @@ struct BenchSetting {
 
 // Measures calls of DrvSendPage with an engine that does nothing.
 void MeasurePages(Bench& bench, const BenchSetting& setting);
+// Measures first pages, and whole jobs of one page, each in a process of its own.
+void MeasureColdPages(Bench& bench);
+// Is such a process: prints the page of that name twice and writes the seconds of its set-up and of both
+// pages.
+void TimeNewProcess(const std::filesystem::path& installation, const std::string& profile,
+                    const std::string& name);
 // Measures row conversion by itself.
 void MeasureRowConversion(Bench& bench, const BenchSetting& setting);
 // Measures loads of profiles, the generic conversion and the interpolation of all colors.

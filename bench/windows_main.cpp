@@ -40,8 +40,8 @@ void MeasurePage(BenchDriver& driver, const std::vector<uint32_t>& inks, PageArt
         ours.push_back(Seconds([&] { job.Send(); }));
         theirs.push_back(Seconds(memcpyPage));
     }
-    std::printf("%-6s %-10s %10.3f /%9.3f %10.3f /%9.3f %8.2f\n", NameOf(art).data(),
-                landscape ? "landscape" : "portrait", Median(ours) * 1e3,
+    std::printf("| warm page, %s, %s, %s | %.3f / %.3f | memcpy | %.3f / %.3f | %.2f |\n", kA4At600.name,
+                NameOf(art).data(), landscape ? "landscape" : "portrait", Median(ours) * 1e3,
                 *std::min_element(ours.begin(), ours.end()) * 1e3, Median(theirs) * 1e3,
                 *std::min_element(theirs.begin(), theirs.end()) * 1e3, Median(ours) / Median(theirs));
 }
@@ -53,9 +53,10 @@ int main() {
         const std::filesystem::path installation = tools::ProgramFolder() / "install";
         const std::vector<uint32_t> inks = PlainInks(installation / "profiles" / kProfile, kResolution600);
         BenchDriver driver(installation, kProfile);
-        std::printf("compiler   GNU %s\n\n", __VERSION__);
-        std::printf("A4 600 dpi, ms, median / minimum of %d\n%-17s %21s %21s %8s\n", kRepetitions, "page",
-                    "DrvSendPage", "memcpy", "ratio");
+        std::printf(
+            "Compiled by GNU %s. Times in ms, median / minimum of %d.\n\n"
+            "| What | Ours | Reference | Its time | Ratio |\n|---|---|---|---|---|\n",
+            __VERSION__, kRepetitions);
         for (const PageArt art : {PageArt::kLabel, PageArt::kPhoto, PageArt::kNoise}) {
             for (const bool landscape : {true, false}) MeasurePage(driver, inks, art, landscape);
         }
