@@ -12,23 +12,23 @@ namespace orvex {
 namespace {
 
 void EncodePng(const uint32_t* pixels, int32_t width, int32_t height, char** text, size_t* length) {
-    uint8_t* bytes = nullptr;
-    size_t size = 0;
-    const unsigned error = EncodeRgbaPng(&bytes, &size, reinterpret_cast<const uint8_t*>(pixels),
-                                         static_cast<unsigned>(width), static_cast<unsigned>(height));
-    const HeapArray<uint8_t> png(bytes);
-    LogInfo("pngencode %d", error);
-    if (error != 0 || !png) {
+    const unsigned columns = static_cast<unsigned>(width), lines = static_cast<unsigned>(height);
+    const size_t size = PngWorkspaceSize(columns, lines);
+    const HeapArray<uint8_t> workspace = AllocateArray<uint8_t>(size);
+    const EncodedPng png = EncodeRgbaPng({workspace.get(), workspace ? size : 0},
+                                         reinterpret_cast<const uint8_t*>(pixels), columns, lines);
+    LogInfo("pngencode %d", png.error);
+    if (png.error != 0) {
         LogInfo("failed to generate png");
         return;
     }
-    HeapArray<char> encoded = EncodeBase64(png.get(), size, length);
+    HeapArray<char> encoded = EncodeBase64(png.bytes.data(), png.bytes.size(), length);
     if (!encoded) {
         LogInfo("failed to generate base64 png");
         return;
     }
     *text = encoded.release();
-    LogInfo("generated base64 png %d->%d", size, *length);
+    LogInfo("generated base64 png %d->%d", png.bytes.size(), *length);
 }
 
 }  // namespace

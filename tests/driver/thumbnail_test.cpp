@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "driver/render/png_encoder/png_encoder.h"
 #include "tests/kit/driver_fixture.h"
 #include "tests/kit/picture.h"
 #include "tests/plain/plain_colors.h"
@@ -137,8 +138,7 @@ TEST_F(Thumbnail, IsNotMadeWithoutMemoryForItsPixels) {
 }
 
 TEST_F(Thumbnail, IsNotMadeWithoutMemoryForThePng) {
-    constexpr size_t kFilteredLines = 60 * (1 + 80 * 3);
-    EXPECT_EQ(MakeWithout(kFilteredLines, Gradient(80, 60), 80, 60), "");
+    EXPECT_EQ(MakeWithout(PngWorkspaceSize(80, 60), Gradient(80, 60), 80, 60), "");
     EXPECT_THAT(lines, AllOf(Contains("[Info]  pngencode 83"), Contains("[Info]  failed to generate png")));
 }
 

@@ -23,7 +23,7 @@ struct LabColor {
 };
 
 // Print colors are shown with paper as the screen's white, or with the paper's own color.
-enum class PaperColor { kWhite, kOwn };
+enum class PaperColor { kScreenWhite, kOwn };
 
 // The colorimetric prediction for inks. Each color is computed on its own, without a table in between.
 class PredictedColors {

@@ -24,7 +24,7 @@ struct ProofOptions {
     std::string profile;
     std::string icc;
     std::string output;
-    PaperColor paper = PaperColor::kWhite;
+    PaperColor paper = PaperColor::kScreenWhite;
     PrintVariant variant = PrintVariant::kOther;
 };
 

@@ -99,7 +99,7 @@ struct IccAnswers {
 
     IccAnswers(const IccProfile& icc, const std::filesystem::path& path) : inks(colors.size()) {
         icc.Convert(colors, inks);
-        lab = PredictedColors(path, PrintVariant::kOther, PaperColor::kWhite).Lab(inks);
+        lab = PredictedColors(path, PrintVariant::kOther, PaperColor::kScreenWhite).Lab(inks);
     }
 };
 
@@ -130,7 +130,7 @@ void ReportAccuracy(std::ostream& report, const std::filesystem::path& path, con
     const std::vector<uint32_t> printed = PrintedInks(icc.colors);
     ReportDifference(report, "Driver against ICC, " + NameOf(variant), CompareInks(wanted, printed));
     const ColorDifference difference =
-        CompareColors(icc.lab, PredictedColors(options.icc, variant, PaperColor::kWhite).Lab(printed));
+        CompareColors(icc.lab, PredictedColors(options.icc, variant, PaperColor::kScreenWhite).Lab(printed));
     report << "    dE2000 of the driver's inks to the ICC profile's own inks, both as the profile predicts "
               "them:\n    mean "
            << DecimalText(difference.mean, 2) << ", 95 % within " << DecimalText(difference.most95, 2)

@@ -1,6 +1,5 @@
 #include "driver/render/png_encoder/png_encoder.h"
 
-#include <csetjmp>
 #include <cstdlib>
 #include <cstring>  // LodePNG includes it, too, and must not do so inside the namespace
 
@@ -19,75 +18,110 @@ namespace {
 
 #include <lodepng.c>  // NOLINT(bugprone-suspicious-include)
 
-// LodePNG's own error code for being out of memory.
-constexpr unsigned kOutOfMemory = 83;
+// LodePNG's own error code for a picture whose size it can't calculate with.
+constexpr unsigned kTooManyPixels = 92;
 
-// LodePNG does not come through every allocation that fails, so none returns when it fails: the picture is
-// given up on the spot, and all blocks that LodePNG holds are freed.
-jmp_buf givenUp;
+// A block of the workspace; its bytes follow. All blocks up to the last one lie one after the other.
+struct alignas(16) Block {
+    Block* before;  // null before the first one
+    size_t size;
+    bool used;
+};
+
+// The workspace of the picture that is being encoded. LodePNG's allocation functions have no parameter for
+// it.
 struct {
-    void** blocks;
-    size_t count, capacity;
-} held = {};
+    uint8_t* free;  // the end of the last block
+    uint8_t* end;
+    Block* last;
+} g_workspace;
 
-void MakeRoom() {
-    if (held.count < held.capacity) return;
-    const size_t capacity = held.capacity == 0 ? 256 : 2 * held.capacity;
-    void* larger = realloc(held.blocks, capacity * sizeof *held.blocks);
-    if (larger == nullptr) longjmp(givenUp, 1);
-    held.blocks = static_cast<void**>(larger);
-    held.capacity = capacity;
-}
-
-// Returns the entry of a block, null for null. What was taken last is mostly given back first.
-void** Find(void* memory) {
-    for (size_t i = held.count; i-- > 0;) {
-        if (held.blocks[i] == memory) return held.blocks + i;
-    }
-    return nullptr;
-}
-
-void ForgetBlocks() {
-    free(held.blocks);
-    held = {};
+void DropLastBlock() {
+    g_workspace.free = reinterpret_cast<uint8_t*>(g_workspace.last);
+    g_workspace.last = g_workspace.last->before;
 }
 
 // NOLINTBEGIN(readability-inconsistent-declaration-parameter-name): LodePNG's names are not ours
 void* lodepng_malloc(size_t size) {
-    MakeRoom();
-    void* memory = malloc(size == 0 ? 1 : size);
-    if (memory == nullptr) longjmp(givenUp, 1);
-    return held.blocks[held.count++] = memory;
+    const size_t taken = sizeof(Block) + (size + alignof(Block) - 1) / alignof(Block) * alignof(Block);
+    if (taken > static_cast<size_t>(g_workspace.end - g_workspace.free)) return nullptr;
+    Block* const block = reinterpret_cast<Block*>(g_workspace.free);
+    *block = {g_workspace.last, size, true};
+    g_workspace.last = block;
+    g_workspace.free += taken;
+    return block + 1;
+}
+
+void lodepng_free(void* memory) {
+    if (memory == nullptr) return;
+    (static_cast<Block*>(memory) - 1)->used = false;
+    while (g_workspace.last != nullptr && !g_workspace.last->used) DropLastBlock();
 }
 
 void* lodepng_realloc(void* memory, size_t size) {
     if (memory == nullptr) return lodepng_malloc(size);
-    void** const entry = Find(memory);
-    void* moved = realloc(memory, size == 0 ? 1 : size);
-    if (moved == nullptr) longjmp(givenUp, 1);
-    if (entry != nullptr) *entry = moved;
+    Block* const block = static_cast<Block*>(memory) - 1;
+    if (block == g_workspace.last) {  // grows where it is: the longest lists do so, byte by byte
+        DropLastBlock();
+        return lodepng_malloc(size);
+    }
+    void* const moved = lodepng_malloc(size);
+    if (moved != nullptr) memcpy(moved, memory, block->size);
+    lodepng_free(memory);
     return moved;
-}
-
-void lodepng_free(void* memory) {
-    void** entry = Find(memory);
-    if (entry != nullptr) *entry = held.blocks[--held.count];
-    free(memory);
 }
 // NOLINTEND(readability-inconsistent-declaration-parameter-name)
 
+// Returns the size of the picture's bytes before compression, at most: a filter byte and 4 bytes for each
+// pixel of a line.
+uint64_t FilteredSize(unsigned width, unsigned height) {
+    return height * (1 + uint64_t{4} * width);
+}
+
+// Returns the size of deflated bytes, at most. Optimal codes are never longer than codes of equal lengths.
+// These have 9 bits for a byte, and no more for each byte of a match: 9 + 5 bits, and 13 for the distance and
+// length of a match of 3 to 10 bytes, 18 for those of a longer one. The rest is for the codes of each block
+// of 64 KiB or more: less than 600 bytes.
+size_t DeflatedSize(size_t size) {
+    return size + size / 7 + 1024;
+}
+
+// Deflates as LodePNG does, but into memory that never grows. Grown bit by bit between blocks that come and
+// go, it would leave a hole wherever it moved on from.
+unsigned Deflate(unsigned char** out, size_t* outSize, const unsigned char* bytes, size_t size,
+                 const LodePNGCompressSettings* settings) {
+    const size_t capacity = DeflatedSize(size);
+    ucvector deflated = {static_cast<unsigned char*>(lodepng_malloc(capacity)), 0, capacity};
+    const unsigned error = lodepng_deflatev(&deflated, bytes, size, settings);
+    *out = deflated.data;
+    *outSize = deflated.size;
+    return error;
+}
+
 }  // namespace
 
-unsigned EncodeRgbaPng(uint8_t** png, size_t* size, const uint8_t* pixels, unsigned width, unsigned height) {
-    if (setjmp(givenUp) != 0) {
-        for (size_t i = 0; i < held.count; ++i) free(held.blocks[i]);
-        ForgetBlocks();
-        *png = nullptr;
-        return kOutOfMemory;
-    }
-    const unsigned error = lodepng_encode_memory(png, size, pixels, width, height, LCT_RGBA, 8);
-    ForgetBlocks();
-    return error;
+// LodePNG holds, at its worst: the pixels without alpha, and these filtered; the deflated bytes, their copy
+// with a checksum and that in the file; five lines while it chooses a filter. Besides these, less than 3 MiB:
+// 2 MiB for the symbols of a deflated block, which are 4 bytes for each byte and a third more for short
+// matches, in a list half as large again; hash chains and code tables; or, before all that, a tree of 257
+// colors.
+size_t PngWorkspaceSize(unsigned width, unsigned height) {
+    const size_t filtered = FilteredSize(width, height);
+    return filtered + 3 * DeflatedSize(filtered) + size_t{20} * width + (size_t{3} << 20);
+}
+
+EncodedPng EncodeRgbaPng(std::span<uint8_t> workspace, const uint8_t* pixels, unsigned width,
+                         unsigned height) {
+    if (FilteredSize(width, height) > UINT32_MAX) return {.error = kTooManyPixels, .bytes = {}};
+    g_workspace = {workspace.data(), workspace.data() + workspace.size(), nullptr};
+    LodePNGState state;
+    lodepng_state_init(&state);
+    state.encoder.zlibsettings.custom_deflate = Deflate;
+    unsigned char* png = nullptr;
+    size_t size = 0;
+    const unsigned error = lodepng_encode(&png, &size, pixels, width, height, &state);
+    if (error != 0) return {.error = error, .bytes = {}};
+    return {.error = 0, .bytes = {png, size}};
 }
 
 }  // namespace orvex

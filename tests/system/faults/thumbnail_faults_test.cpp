@@ -35,23 +35,23 @@ std::string Thumbnail(const std::vector<uint32_t>& pixels) {
 
 }  // namespace
 
-TEST(ThumbnailFaults, LeaveNoBrokenPictureAndNothingBehind) {
+TEST(ThumbnailFaults, LeaveNoPictureAndNoMemory) {
     for (const uint32_t colors : {2u, 30u, 260u}) {
         const std::vector<uint32_t> pixels = Pixels(colors);
         HeapWatch heap;
         const std::string made = Thumbnail(pixels);
         const size_t allocations = heap.Allocations();
-        ASSERT_GT(allocations, 50u);
-        const std::vector<uint8_t> whole = DecodePicture(DecodeBase64(made)).rgba;
-        ASSERT_FALSE(whole.empty());
+        ASSERT_FALSE(DecodePicture(DecodeBase64(made)).rgba.empty());
+        int lost = 0;
         for (size_t failing = 0; failing < allocations; ++failing) {
             heap.FailNth(failing);
             const std::string text = Thumbnail(pixels);
             heap.OnAllocate({});
-            EXPECT_TRUE(text.empty() || DecodePicture(DecodeBase64(text)).rgba == whole)
-                << colors << " colors, allocation " << failing;
+            EXPECT_TRUE(text.empty() || text == made) << colors << " colors, allocation " << failing;
+            lost += text.empty();
             ASSERT_TRUE(heap.LiveBlocks().empty()) << colors << " colors, allocation " << failing;
         }
+        EXPECT_EQ(lost, 3) << "for want of the pixels, the encoder's workspace or the text";
     }
 }
 

@@ -18,7 +18,7 @@ using testing::HasSubstr;
 using testing::ThrowsMessage;
 
 LabColor PredictedLab(InkValue inks, PrintVariant variant = PrintVariant::kOther,
-                      PaperColor paper = PaperColor::kWhite) {
+                      PaperColor paper = PaperColor::kScreenWhite) {
     return PredictedColors(kPrinterIcc, variant, paper).Lab({&inks, 1})[0];
 }
 
@@ -53,7 +53,7 @@ TEST(PredictedColors, TakeHalfTheAmountForFullInkAt600Dpi) {
 }
 
 TEST(PredictedColors, HaveNoLimitOfTheirNumber) {
-    const PredictedColors colors(kPrinterIcc, PrintVariant::kOther, PaperColor::kWhite);
+    const PredictedColors colors(kPrinterIcc, PrintVariant::kOther, PaperColor::kScreenWhite);
     std::vector<InkValue> inks(10'000, PackInks(0, 0, 0, 255));
     inks.back() = PackInks(255, 0, 0, 0);
     const std::vector<LabColor> lab = colors.Lab(inks);
@@ -71,9 +71,9 @@ TEST(PredictedColors, NeedThePrintersTableForThem) {
     }
     const ScratchFolder scratch;
     const std::filesystem::path path = scratch.Write("tables.icc", bytes);
-    EXPECT_THAT([&] { PredictedColors(path, PrintVariant::kOther, PaperColor::kWhite); },
+    EXPECT_THAT([&] { PredictedColors(path, PrintVariant::kOther, PaperColor::kScreenWhite); },
                 ThrowsMessage<std::runtime_error>(HasSubstr("no conversion from inks to colours")));
-    EXPECT_THAT([&] { PredictedColors(kScreenIcc, PrintVariant::kOther, PaperColor::kWhite); },
+    EXPECT_THAT([&] { PredictedColors(kScreenIcc, PrintVariant::kOther, PaperColor::kScreenWhite); },
                 ThrowsMessage<std::runtime_error>(HasSubstr("not the profile of a CMYK printer")));
 }
 

@@ -54,7 +54,7 @@ class Proof : public ProfileTool {
 TEST_F(Proof, ShowsTheColorsThatTheIccProfilePredictsForTheDriversInks) {
     const InkValue red = PackInks(0, 4, 110, 90), gray = PackInks(40, 20, 16, 15);
     const std::string profile = ProfileOf(red, gray);
-    for (const PaperColor paper : {PaperColor::kWhite, PaperColor::kOwn}) {
+    for (const PaperColor paper : {PaperColor::kScreenWhite, PaperColor::kOwn}) {
         for (const PrintVariant variant : kBothVariants) {
             std::vector<std::string> options = {"--profile", profile, "--variant",
                                                 variant == PrintVariant::kAt600 ? "600" : "other"};
@@ -86,7 +86,7 @@ TEST_F(Proof, ShowsPaperInWhiteOrInItsOwnColor) {
 TEST_F(Proof, UsesTheBuiltInConversionWithoutAProfile) {
     Show({});
     EXPECT_EQ(LoadPng(Path("proof.png")).Row(0)[1],
-              Srgb(PackInks(0, 0, 255, 255), PrintVariant::kOther, PaperColor::kWhite));
+              Srgb(PackInks(0, 0, 255, 255), PrintVariant::kOther, PaperColor::kScreenWhite));
 }
 
 TEST_F(Proof, SaysWhichPixelsGetMoreThanFullInk) {
@@ -94,7 +94,7 @@ TEST_F(Proof, SaysWhichPixelsGetMoreThanFullInk) {
     Show({"--profile", profile, "--variant", "600"});
     EXPECT_THAT(out_, HasSubstr("\n2 pixels get more ink than the ICC profile's full amount"));
     EXPECT_EQ(LoadPng(Path("proof.png")).Row(0)[1],
-              Srgb(PackInks(0, 0, 255, 0), PrintVariant::kOther, PaperColor::kWhite));
+              Srgb(PackInks(0, 0, 255, 0), PrintVariant::kOther, PaperColor::kScreenWhite));
     Show({"--profile", profile});
     EXPECT_THAT(out_, Not(HasSubstr("more ink")));
 }
