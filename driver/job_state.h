@@ -36,22 +36,22 @@ constexpr size_t kMaxNarrowName = 512;  // bytes of a job's or profile's narrow 
 inline PDEV* g_pCurrentPdev = nullptr;
 inline HMODULE g_hHpcrlib = nullptr;  // the print engine's library while bound, or null
 inline PrintEngine g_engine = {};     // its entry points
-inline uint64_t g_hJob = 0;
+inline uint64_t g_hJob = {};
 inline WCHAR g_wszSavedDirectory[MAX_PATH] = {};  // current directory before the library was bound
 inline char g_szJobName[kMaxNarrowName] = {};
 inline char g_szProfileName[kMaxNarrowName] = {};
-inline int32_t g_nProfileKind = 1;          // what the profile loader returned at job start
+inline int32_t g_nProfileKind = {};         // what the profile loader returned at job start
 inline signed char g_cHpres = kHpresUnset;  // the print engine's resolution code
-inline uint32_t g_cxSurface = 0;            // the page bitmap's size in pixels at job start
-inline uint32_t g_cySurface = 0;
-inline uint32_t g_nPage = 0;           // number of the current page, from 1
-inline bool g_bFirstChunk = false;     // the print engine has output nothing but framing yet
-inline bool g_bHeaderPending = false;  // the job header has not been written yet
-inline uint32_t g_uMaxWriteCost = 0;   // slowest write to the spooler in the process, microseconds per byte
+inline uint32_t g_cxSurface = {};           // the page bitmap's size in pixels at job start
+inline uint32_t g_cySurface = {};
+inline uint32_t g_nPage = {};          // number of the current page, from 1
+inline bool g_bFirstChunk = {};        // the print engine has output nothing but framing yet
+inline bool g_bHeaderPending = {};     // the job header has not been written yet
+inline uint32_t g_uMaxWriteCost = {};  // slowest write to the spooler in the process, microseconds per byte
 inline ResolutionSwitch g_resolutionSwitch = {};
 inline StageMaxima g_stageMaxima = {};
 inline char* g_pThumbnail = nullptr;  // base64 text from malloc, until the header takes it or the page ends
-inline size_t g_cbThumbnail = 0;      // its length, terminator not counted
+inline size_t g_cbThumbnail = {};     // its length, terminator not counted
 
 // Resets what belongs to the pages of the job before, as the first step of a new job.
 inline void ResetJobPages() {

@@ -38,9 +38,8 @@ HMODULE LoadFrom(const WCHAR* folder) {
     return library;
 }
 
-// Unloads the library and restores the current directory. Does nothing while no library is bound.
+// Unloads the library and restores the current directory.
 void UnbindPrintEngine() {
-    if (g_hHpcrlib == nullptr) return;
     FreeLibrary(g_hHpcrlib);
     g_hHpcrlib = nullptr;
     g_engine = {};

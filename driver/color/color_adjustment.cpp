@@ -1,6 +1,7 @@
 #include "driver/color/color_adjustment.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstring>
 
@@ -104,12 +105,16 @@ int Component(double value) {
     return static_cast<int>(std::min(value, 255.0));
 }
 
+// The grid point whose look-up has the flag set.
+constexpr int kFlaggedStep = 6;
+constexpr std::array kFlaggedPoint = {kFlaggedStep, kFlaggedStep, kFlaggedStep};
+
 // Returns the ink value in `grid` of the color that this grid point is moved to.
 InkValue MovedInk(const InkGrid& grid, const Mover& move, int red, int green, int blue) {
     // Deliberate: the last step counts as 256 here, not as the 255 of the cache's grid.
     const XyzColor moved = LabToXyz(move(RgbToLab(16 * red, 16 * green, 16 * blue)));
     const RgbColor color = LabToRgb(moved.x, moved.y, moved.z);
-    const bool flag = red == 6 && green == 6 && blue == 6;
+    const bool flag = std::array{red, green, blue} == kFlaggedPoint;
     return GridLookup(grid, Component(color.b), Component(color.g), Component(color.r), flag);
 }
 

@@ -12,10 +12,10 @@ namespace {
 
 // Compact copy of the cache's grid points; valid while `gridCopied`, as no point is missing then.
 GridCopy gridCopy;
-bool gridCopied = false;
+bool gridCopied = {};
 
 // A look-up has left its entry missing.
-bool leftMissing = false;
+bool leftMissing = {};
 
 // The light that each amount of an ink lets through: its share, and that share of 255.
 constexpr struct LightShares {

@@ -155,7 +155,6 @@ int32_t ConvertRow(InkValue* destination, const uint32_t* source, uint32_t count
             break;
         default:
             RowConverter<InColor>(pattern).Convert(destination, source, count);
-            break;
     }
     return 0;
 }

@@ -82,7 +82,7 @@ void StoreDevMode(DEVMODEW* record, const DeviceMode& values) {
 }
 
 int64_t ReadNumber(const DeviceMode& record, const DeviceModeField& field) {
-    uint32_t bits = 0;
+    uint32_t bits = {};
     memcpy(&bits, reinterpret_cast<const BYTE*>(&record) + field.offset, field.size);
     if (field.type == FieldType::kUnsigned) return bits;
     const int unused = 32 - static_cast<int>(field.size) * 8;

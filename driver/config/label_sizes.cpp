@@ -52,7 +52,7 @@ class LabelData {
 
     DWORD Read(const char* value, DWORD expectedType, void* data, DWORD size) const {
         DWORD type = REG_NONE;
-        DWORD needed = 0;
+        DWORD needed = {};
         DWORD code =
             GetPrinterDataExA(printer_.Get(), key_, value, &type, static_cast<BYTE*>(data), size, &needed);
         if (code == ERROR_SUCCESS && type != expectedType) code = kErrorLabelType;
@@ -106,7 +106,7 @@ uint16_t PaperNumber(const WCHAR* name) {
 // without a list is logged, but is not a failure.
 template <typename Use>
 DWORD ForEachNumber(HANDLE printer, Use use) {
-    DWORD needed = 0;
+    DWORD needed = {};
     DWORD code = EnumPrinterKeyW(printer, kListKey, nullptr, 0, &needed);
     if (code != ERROR_MORE_DATA) {
         LogError("Could not find label list in registry: 0x%x", code);
@@ -160,7 +160,7 @@ void SetPaperSize(DEVMODEW* pub, std::string_view width, std::string_view length
 }
 
 bool HasLabelList(HANDLE printer) {
-    DWORD needed = 0;
+    DWORD needed = {};
     return EnumPrinterKeyW(printer, kListKey, nullptr, 0, &needed) == ERROR_MORE_DATA;
 }
 

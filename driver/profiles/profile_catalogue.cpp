@@ -202,9 +202,9 @@ int ListProfiles(void* context, HeapArray<WCHAR>* fileNames, HeapArray<WCHAR>* d
     const HeapArray<WCHAR> folder = FindInstallationFolder();
     if (!folder) return 0;
     const ScanResult result = QRV_ScanDirectoryWithPattern(folder.get(), L"*.zvp", fileNames);
-    int fromSettings = 0;
+    int fromSettings = {};
     const WCHAR* section = LanguageSection(QRV_Get_Locale(&fromSettings));
-    size_t bytes = 0;
+    size_t bytes = {};
     if (const WCHAR* name = fileNames->get()) {
         for (; *name != 0; name += TextLength(name) + 1) {
             GetQRVProfileName(name, displayNames, &bytes, folder.get(), section);

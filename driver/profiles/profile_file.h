@@ -12,7 +12,7 @@ namespace orvex {
 enum ResolutionSelector : int32_t { kResolution300 = 0, kResolution600 = 1, kResolutionOther = 2 };
 
 // 1 while a profile or the generic conversion is in place, 0 during a load and before the first one.
-inline int32_t g_profileLoaded = 0;
+inline int32_t g_profileLoaded = {};
 
 // Returns whether `name`, in the narrow code page, can only be a file of the folder that it is looked up in:
 // no separator, no colon, neither empty nor "..", short enough for a path, and no device such as NUL or COM1,

@@ -122,10 +122,10 @@ void LogProfileProblem(const ProfileProblem& problem, const char* path, LogLevel
 
 // The fields are 0 as far as the file ends before them.
 struct ProfileHeader {
-    int64_t fileSize = 0;  // the file's own; -1 when it can't be told
+    int64_t fileSize = {};  // the file's own; -1 when it can't be told
     char mark[3] = {};
-    size_t markSize = 0;  // bytes of the mark that the file has
-    uint8_t version = 0;  // not judged
+    size_t markSize = 0;   // bytes of the mark that the file has
+    uint8_t version = {};  // not judged
     uint32_t storedSize = 0;
 };
 

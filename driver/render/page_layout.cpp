@@ -1,6 +1,7 @@
 #include "driver/render/page_layout.h"
 
 #include <algorithm>
+#include <cstdlib>
 
 #include "driver/support/lengths.h"
 
@@ -102,7 +103,7 @@ void ApplyOffsetToBlock(int16_t alignment, PageLayout& layout) {
     } else {
         // Deliberate: an offset in either direction makes the engine's page longer by twice its size, but
         // only a positive one moves the image.
-        const int32_t magnitude = offset < 0 ? -offset : offset;
+        const int32_t magnitude = std::abs(offset);
         const int32_t grown = static_cast<int32_t>(std::min<int64_t>(
             int64_t{magnitude} * layout.unit * 2, int64_t{kFullPageUnits} - layout.pageLengthUnits));
         layout.pageLengthUnits = Wrap(int64_t{layout.pageLengthUnits} + grown);

@@ -77,10 +77,6 @@ void CopyPixels(uint32_t* destination, const uint8_t* source, int32_t count, int
         CopyReversed(destination, source, count);
         return;
     }
-    if (bytesPerPixel == 4) {
-        memcpy(destination, source, static_cast<size_t>(count) * 4);
-        return;
-    }
     for (int32_t i = 0; i < count; ++i) {
         const int32_t x = reversed ? count - 1 - i : i;
         destination[i] = LoadPixel(source + x * ptrdiff_t{bytesPerPixel}, bytesPerPixel);

@@ -68,7 +68,7 @@ class RowReader {
     ptrdiff_t bandPitch_ = 0;     // pixels
     int32_t bandFirst_ = -1;      // first column in the band, -1 for none
     const void* last_ = nullptr;  // the row that was read last, or null once it can't be compared
-    bool repeats_ = false;
+    bool repeats_ = {};
 };
 
 }  // namespace orvex

@@ -32,7 +32,6 @@ void RasterLoop::WritePurgeDots() {
 }
 
 void RasterLoop::FillImageArea(bool withPattern) {
-    if (layout_.imageWidth <= 0) return;
     const auto count = static_cast<uint32_t>(layout_.imageWidth);
     if (withPattern) {
         FillBlankPattern(ImageArea(), count, layout_.Is600Dpi());
@@ -49,7 +48,7 @@ bool RasterLoop::SendFillRows(int32_t count, int64_t firstNumber, RowSink& sink)
 }
 
 bool RasterLoop::SendImageRows(RowSink& sink) {
-    const auto width = static_cast<uint32_t>(std::max(layout_.imageWidth, 0));
+    const auto width = static_cast<uint32_t>(layout_.imageWidth);
     for (int32_t row = 0; row < layout_.rows; ++row) {
         sink.Begin(RasterStage::kReformat);
         const uint32_t* pixels = width > 0 ? reader_.Row(row) : nullptr;

@@ -55,7 +55,7 @@ class LineWriter final : public TextSink {
     }
 
     void Flush() {
-        DWORD written = 0;
+        DWORD written = {};
         WriteFile(file_, buffer_, static_cast<DWORD>(used_), &written, nullptr);
         used_ = 0;
     }

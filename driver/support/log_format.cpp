@@ -12,10 +12,10 @@ namespace {
 struct Conversion {
     bool leftAligned = false;
     char flags[6] = {};  // as snprintf takes them
-    int width = 0;
+    int width = {};
     int precision = -1;
     bool wide = false;  // the integer is 64 bits wide
-    char type = '\0';
+    char type = {};
 };
 
 constexpr int kMaxField = 512;  // more characters than any message of the driver asks for

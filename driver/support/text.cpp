@@ -21,7 +21,7 @@ constexpr std::string_view kWhitespace = " \t\n\v\f\r";
 
 // The conversion functions count in signed 32-bit numbers.
 int ClampedLength(size_t length) {
-    return static_cast<int>(std::min<size_t>(length, INT_MAX / 4));
+    return static_cast<int>(std::min<size_t>(length, INT_MAX));
 }
 
 }  // namespace

@@ -4,6 +4,7 @@ A source is split into tokens without its comments and preprocessor lines. This 
 formatting, which puts spaces around binary operators only. An edit that makes no sense does not compile and does not
 count.
 """
+import hashlib
 import re
 from dataclasses import dataclass
 
@@ -70,6 +71,29 @@ class Edit:
     what: str
 
 
+@dataclass
+class Mutant:
+    path: str    # of the source, relative to the root
+    line: int
+    what: str
+    above: str   # the line before the changed ones
+    before: str
+    after: str
+    source: str  # the changed source
+    listed: bool = False
+
+    @property
+    def id(self):
+        return hashlib.sha1((self.path + self.source).encode()).hexdigest()[:12]
+
+    def show(self):
+        print(f"{self.path}:{self.line}: {self.what}")
+        for sign, text in (("-", self.before), ("+", self.after)):
+            for line in text.splitlines():
+                print(f"{sign} {line.strip()}")
+        print(flush=True)
+
+
 def tokens_of(source):
     tokens = []
     for match in TOKEN.finditer(source):
@@ -132,12 +156,20 @@ def next_character(text):
     return text[:text.index("'") + 1] + changed + "'"
 
 
-def next_number(text):
-    """Returns an integer plus 1, or any other number plus a hundredth of it."""
+def is_array_size(tokens, i):
+    """Returns whether the number at `i` begins the size of an array that is declared there."""
+    before = [token.text for token in tokens[i - 3:i]]
+    if before[-1] == "[":
+        return tokens[i - 3].kind == "word" and before[0] not in NO_EXPRESSION or before[0] in ("*", ">")
+    return before[-1] == "," and tokens[i + 1].text == ">"
+
+
+def next_number(text, step=1):
+    """Returns an integer plus `step`, or any other number plus a hundredth of it."""
     match = re.fullmatch(r"(0[xX][\da-fA-F']+|[\d']+)([uUlLzZ]*)", text)
     if match:
         digits = match.group(1).replace("'", "")
-        value = int(digits, 0 if digits.lower().startswith("0x") else 10) + 1
+        value = int(digits, 0 if digits.lower().startswith("0x") else 10) + step
         if digits.lower().startswith("0x"):
             value %= 1 << 4 * (len(digits) - 2) if len(digits) > 9 else 1 << 64
             return f"0x{value:X}{match.group(2)}"
@@ -237,7 +269,9 @@ def edits_of(source):
         elif token.kind == "char":
             found.append((Edit(token.begin, token.end, next_character(token.text), "constant"),))
         elif token.kind == "number":
-            found.append((Edit(token.begin, token.end, next_number(token.text), "constant"),))
+            # A larger array is never a fault, but a smaller one is.
+            step = -1 if is_array_size(tokens, i) else 1
+            found.append((Edit(token.begin, token.end, next_number(token.text, step), "constant"),))
         elif token.kind == "word":
             found += [(edit,) for edit in word_edits(token)]
             found += list(condition_edits(tokens, pairs, i))
@@ -253,3 +287,16 @@ def applied(source, parts):
     for part in sorted(parts, key=lambda part: -part.begin):
         source = source[:part.begin] + part.text + source[part.end:]
     return source
+
+
+def mutants_of(path, source):
+    mutants = {}
+    for parts in edits_of(source):
+        changed = applied(source, parts)
+        begin = source.rfind("\n", 0, parts[0].begin) + 1
+        end = source.index("\n", parts[-1].end)
+        above = source[source.rfind("\n", 0, max(begin - 1, 0)) + 1:begin]
+        after = changed[begin:len(changed) - (len(source) - end)]
+        mutants.setdefault(changed, Mutant(path, source.count("\n", 0, parts[0].begin) + 1, parts[0].what, above,
+                                           source[begin:end], after, changed))
+    return list(mutants.values())

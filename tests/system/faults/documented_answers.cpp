@@ -9,7 +9,7 @@ namespace orvex {
 namespace {
 
 // Patterns of calls, as WatchedCall::Label() names them.
-#define MEMORY "malloc *|calloc *|realloc *|"
+#define MEMORY "malloc *|calloc *|"
 #define FOLDER "SHGetSpecialFolderPathW|PathAppendW Quorvane|PathAppendW Orvex Series|"
 
 // Calls that a hook must have to set up a device, its page bitmap or a job.

@@ -107,7 +107,7 @@ class JobFaults : public testing::TestWithParam<std::string> {
 // The watched functions that the job calls. Those of the log's rotation, and what a process asks only once,
 // are tried elsewhere.
 std::vector<std::string> FunctionsOfTheJob() {
-    std::set<std::string> names = {"malloc", "calloc", "realloc", "LocalAlloc"};
+    std::set<std::string> names = {"malloc", "calloc", "LocalAlloc"};
     for (const WatchedFunction& function : WatchedFunctions()) names.insert(function.name);
     for (const char* other :
          {"DeleteFileA", "GetModuleFileNameA", "MoveFileA", "PathFileExistsA", "ReleaseMutex"})

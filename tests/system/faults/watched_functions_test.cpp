@@ -28,7 +28,7 @@ const std::vector<std::set<std::string>> kUnwatched = {
      "localeconv", "strerror"},
     // the C and C++ runtimes while the driver is loaded and unloaded, and when they end the process
     {"DeleteCriticalSection", "EnterCriticalSection", "InitializeCriticalSection", "LeaveCriticalSection",
-     "Sleep", "TlsGetValue", "__setusermatherr", "_amsg_exit", "_initterm", "_setjmp", "fputc", "longjmp"},
+     "Sleep", "TlsGetValue", "__setusermatherr", "_amsg_exit", "_initterm", "fputc"},
 #endif
 };
 
