@@ -102,7 +102,7 @@ class RowConverter {
 
     void Convert(InkValue* destination, const uint32_t* source, uint32_t count) {
         InkValue block[kBlock];  // what the last block of one color printed
-        uint32_t color = 0;      // its pixel
+        uint32_t color = {};     // its pixel
         bool known = false;
         for (; count >= kBlock; destination += kBlock, source += kBlock, count -= kBlock) {
             if (!IsOneColor(source)) {

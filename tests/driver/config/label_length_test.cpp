@@ -10,6 +10,25 @@
 #include "driver/support/text.h"
 #include "tests/kit/allocation_failure.h"
 
+#ifndef _WIN32
+#include <dlfcn.h>
+
+namespace {
+
+char* decimalSign = nullptr;  // overrides the one of the locale unless null
+
+}  // namespace
+
+// A machine need not have a locale whose decimal sign is not a point.
+extern "C" lconv* localeconv() noexcept {
+    static const auto original = reinterpret_cast<lconv* (*)()>(dlsym(RTLD_NEXT, "localeconv"));
+    static lconv changed;
+    changed = *original();
+    if (decimalSign != nullptr) changed.decimal_point = decimalSign;
+    return &changed;
+}
+#endif
+
 namespace orvex {
 
 namespace {
@@ -92,6 +111,17 @@ TEST(ParseDecimal, DoesNotDependOnTheLocale) {
     }
     setlocale(LC_NUMERIC, before.c_str());
 }
+
+#ifndef _WIN32
+// The Windows build has locales with a comma: see the test before this one.
+TEST(ParseDecimal, GivesTheDecimalSignOfTheLocaleToTheRuntime) {
+    char comma[] = ",";
+    decimalSign = comma;
+    EXPECT_EQ(Parsed("8.5"), 8) << "the runtime is still in a locale with a point, and stops at the comma";
+    decimalSign = nullptr;
+    EXPECT_EQ(Parsed("8.5"), 8.5);
+}
+#endif
 
 TEST(ParseDecimal, ReadsNumbersOfAnyLength) {
     EXPECT_EQ(Parsed(("0." + std::string(3000, '0') + "1").c_str()), 0);

@@ -78,6 +78,29 @@ TEST_F(BlockReaderTest, ReadsAcrossItsBlocks) {
     EXPECT_FALSE(reader_->Failed());
 }
 
+namespace {
+
+int readCalls = 0;
+void* readFile = nullptr;
+BOOL WINAPI CountAndRead(HANDLE file, LPVOID buffer, DWORD size, LPDWORD came, LPOVERLAPPED overlapped) {
+    ++readCalls;
+    return reinterpret_cast<decltype(&ReadFile)>(readFile)(file, buffer, size, came, overlapped);
+}
+
+}  // namespace
+
+TEST_F(BlockReaderTest, ReadsABlockOnlyWhenItNeedsTheNextByte) {
+    const ImportPatch patch(nullptr, "ReadFile", reinterpret_cast<void*>(&CountAndRead));
+    readFile = patch.Original();
+    readCalls = 0;
+    ExpectRead(4096, 0, 4096);
+    ExpectRead(4096, 4096, 4096);
+    ExpectRead(0, 8192, 0);
+    EXPECT_EQ(readCalls, 1);
+    ExpectRead(1, 8192, 1);
+    EXPECT_EQ(readCalls, 2);
+}
+
 TEST_F(BlockReaderTest, ReadsFromThePlaceThatItSeeks) {
     ExpectRead(10, 0, 10);
     reader_->Seek(50000);
