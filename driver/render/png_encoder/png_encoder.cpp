@@ -28,40 +28,40 @@ struct alignas(16) Block {
     bool used;
 };
 
-// The workspace of the picture that is being encoded. LodePNG's allocation functions have no parameter for
+// The workspace of the picture that is being encoded: LodePNG's allocation functions have no parameter for
 // it.
 struct {
     uint8_t* free;  // the end of the last block
     uint8_t* end;
     Block* last;
-} g_workspace;
+} heap;
 
 void DropLastBlock() {
-    g_workspace.free = reinterpret_cast<uint8_t*>(g_workspace.last);
-    g_workspace.last = g_workspace.last->before;
+    heap.free = reinterpret_cast<uint8_t*>(heap.last);
+    heap.last = heap.last->before;
 }
 
 // NOLINTBEGIN(readability-inconsistent-declaration-parameter-name): LodePNG's names are not ours
 void* lodepng_malloc(size_t size) {
-    const size_t taken = sizeof(Block) + (size + alignof(Block) - 1) / alignof(Block) * alignof(Block);
-    if (taken > static_cast<size_t>(g_workspace.end - g_workspace.free)) return nullptr;
-    Block* const block = reinterpret_cast<Block*>(g_workspace.free);
-    *block = {g_workspace.last, size, true};
-    g_workspace.last = block;
-    g_workspace.free += taken;
+    const size_t taken = sizeof(Block) * (2 + size / sizeof(Block));  // itself, and at least the bytes
+    if (taken > static_cast<size_t>(heap.end - heap.free)) return nullptr;
+    Block* const block = reinterpret_cast<Block*>(heap.free);
+    *block = {heap.last, size, true};
+    heap.last = block;
+    heap.free += taken;
     return block + 1;
 }
 
 void lodepng_free(void* memory) {
     if (memory == nullptr) return;
     (static_cast<Block*>(memory) - 1)->used = false;
-    while (g_workspace.last != nullptr && !g_workspace.last->used) DropLastBlock();
+    while (heap.last != nullptr && !heap.last->used) DropLastBlock();
 }
 
 void* lodepng_realloc(void* memory, size_t size) {
     if (memory == nullptr) return lodepng_malloc(size);
     Block* const block = static_cast<Block*>(memory) - 1;
-    if (block == g_workspace.last) {  // grows where it is: the longest lists do so, byte by byte
+    if (block == heap.last) {  // grows where it is: the longest lists do so, byte by byte
         DropLastBlock();
         return lodepng_malloc(size);
     }
@@ -113,7 +113,7 @@ size_t PngWorkspaceSize(unsigned width, unsigned height) {
 EncodedPng EncodeRgbaPng(std::span<uint8_t> workspace, const uint8_t* pixels, unsigned width,
                          unsigned height) {
     if (FilteredSize(width, height) > UINT32_MAX) return {.error = kTooManyPixels, .bytes = {}};
-    g_workspace = {workspace.data(), workspace.data() + workspace.size(), nullptr};
+    heap = {workspace.data(), workspace.data() + workspace.size(), nullptr};
     LodePNGState state;
     lodepng_state_init(&state);
     state.encoder.zlibsettings.custom_deflate = Deflate;
