@@ -6,9 +6,6 @@
 
 namespace orvex::plain {
 
-namespace {
-
-// Returns whether a chunk is longer than 6 bytes and its first and last three add up to 0 modulo 256.
 bool IsFraming(std::string_view chunk) {
     if (chunk.size() < 7) return false;
     const std::string ends = std::string(chunk.substr(0, 3)).append(chunk.substr(chunk.size() - 3));
@@ -16,8 +13,6 @@ bool IsFraming(std::string_view chunk) {
     for (const char each : ends) sum = static_cast<uint8_t>(sum + static_cast<uint8_t>(each));
     return sum == 0;
 }
-
-}  // namespace
 
 std::string JobOutput::Spooled(std::string chunk, std::string_view header, int resolutionCode) {
     if (firstChunk && IsFraming(chunk)) return "";

@@ -6,6 +6,9 @@
 
 namespace orvex::plain {
 
+// Returns whether a chunk is longer than 6 bytes and its first and last three add up to 0 modulo 256.
+bool IsFraming(std::string_view chunk);
+
 // The state that a chunk of the engine's output meets and changes.
 struct JobOutput {
     bool firstChunk = true;     // nothing but framing so far

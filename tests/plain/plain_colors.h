@@ -66,8 +66,9 @@ inline uint32_t Generic(uint32_t color, double percent) {
                static_cast<uint32_t>((m - b) / q + 0.5));
 }
 
-// Returns the half-grid average of a color from `table`.
-inline uint32_t HalfGridAverage(uint32_t color, const uint32_t* table) {
+// Returns the half-grid average of a color from `table`, which has an ink for every color.
+template <typename Table>
+uint32_t HalfGridAverage(uint32_t color, const Table& table) {
     // The neighbors' high byte comes from the color's low one.
     const uint32_t p[3] = {Blue(color), Green(color), Red(color)};
     bool odd[3];
@@ -153,8 +154,9 @@ inline uint32_t Prism(uint32_t color, const std::array<double, 8>& weights, cons
                static_cast<uint8_t>(y));
 }
 
-// Returns the prism interpolation of a color from `table`.
-inline uint32_t Prism(uint32_t color, const uint32_t* table) {
+// Returns the prism interpolation of a color from `table`, which has an ink for every color.
+template <typename Table>
+uint32_t Prism(uint32_t color, const Table& table) {
     const auto gridValue = [](uint32_t component, bool upper) {
         const uint32_t lower = component & 0xF0;
         return !upper ? lower : lower < 240 ? lower + 16 : 255;
