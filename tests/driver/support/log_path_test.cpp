@@ -15,6 +15,8 @@ namespace orvex {
 
 namespace {
 
+using tools::ImportPatch;
+
 constexpr DWORD kLongestName = 259;
 
 DWORD WINAPI FindNoName(HMODULE, LPSTR, DWORD) {
