@@ -10,7 +10,7 @@
 namespace orvex::bench {
 
 struct BenchOptions {
-    int repetitions = 20;
+    int repetitions = 10;
     std::string filter;  // only rows whose title contains this text
 };
 

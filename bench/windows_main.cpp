@@ -14,7 +14,7 @@ using namespace orvex::bench;
 
 namespace {
 
-constexpr int kRepetitions = 20;
+constexpr int kRepetitions = 10;
 constexpr char kProfile[] = "neutral.zvp";
 
 double Seconds(const std::function<void()>& run) {

@@ -26,7 +26,7 @@ constexpr char kThumbnail[] = "dGh1bWI=";
 struct Choices {
     explicit Choices(FuzzInput& input)
         : flags(input.Byte()),
-          resolutionCode(static_cast<signed char>(input.Byte())),
+          resolutionCode(static_cast<int8_t>(input.Byte())),
           headerFlags(input.Byte()),
           documentName(NameOf(input)) {
         const std::string_view profile = input.TakeText(input.Byte());
@@ -58,7 +58,7 @@ struct Choices {
     WideView DocumentName() const { return {documentName.data(), TextLength(documentName.data())}; }
 
     uint8_t flags;
-    signed char resolutionCode;
+    int resolutionCode;  // -128 to 127
     uint8_t headerFlags;
     std::vector<WCHAR> documentName;  // terminated
     std::string profileName;
@@ -69,7 +69,7 @@ struct Choices {
 void SetUpJob(const Choices& choices) {
     g_bHeaderPending = choices.HeaderPending();
     g_bFirstChunk = choices.FirstChunk();
-    g_cHpres = choices.resolutionCode;
+    g_cHpres = static_cast<signed char>(choices.resolutionCode);
     g_uMaxWriteCost = 0;
     g_cxSurface = choices.kWidthPx;
     g_cySurface = choices.kHeightPx;

@@ -143,7 +143,7 @@ Seeds PictureSeeds() {
     tools::Picture clear(4, 4, 4);
     for (size_t i = 0; i < clear.samples.size(); ++i) clear.samples[i] = static_cast<uint8_t>(i * 5);
     const auto png = [](const PngRecipe& recipe, size_t pixelBytes) {
-        std::vector<uint8_t> samples(recipe.width * recipe.height * pixelBytes);
+        std::vector<uint8_t> samples(size_t{recipe.width} * recipe.height * pixelBytes);
         for (size_t i = 0; i < samples.size(); ++i)
             samples[i] = static_cast<uint8_t>(recipe.bitDepth * i * i);
         const std::vector<uint8_t> file = MakePng(recipe, samples);

@@ -106,10 +106,10 @@ Seeds ProfileNamesSeeds() {
         std::string("\0Coated paper.zvp", 17),
         std::string("\0nul  .zvp", 10),
         std::string("\0cOnIn$", 7),
-        std::string("\0LPT\xC2\xB2.a", 9),
+        std::string("\0LPT\xC2\xB2.a", 8),
         std::string("\0COM0", 5),
         std::string("\0..", 3),
-        std::string("\0..\\profiles/a", 15),
+        std::string("\0..\\profiles/a", 14),
         std::string("\0c:a", 4),
     };
 }

@@ -34,6 +34,8 @@ class CommandLine {
     // messages.
     CommandLine(const char* program, const char* description, const char* usage, const char* footer,
                 const char* help = "--help");
+    CommandLine(const CommandLine&) = delete;
+    CommandLine& operator=(const CommandLine&) = delete;
     ~CommandLine();
 
     // The options that are added next are listed under this heading of the help.

@@ -34,6 +34,7 @@ class PngWriter {
     PngWriter(const std::filesystem::path& path, const PngSettings& settings);
     PngWriter(const PngWriter&) = delete;
     PngWriter& operator=(const PngWriter&) = delete;
+    ~PngWriter() = default;
 
     // Writes the next row from the top, a sample for each channel of each pixel.
     void WriteRow(std::span<const uint8_t> samples);

@@ -15,7 +15,7 @@ constexpr char kEngineFile[] = "hpcrlib.dll";
 }  // namespace
 
 fs::path FindInstallation(const fs::path& given, const PrintEnvironment& environment) {
-    const fs::path folder = given.empty() ? environment.programFolder / kInstallationFolder : given;
+    fs::path folder = given.empty() ? environment.programFolder / kInstallationFolder : given;
     std::error_code failure;
     if (fs::is_directory(folder, failure)) return folder;
     throw std::runtime_error("the installation folder " + Utf8FromPath(folder) + " is not there");

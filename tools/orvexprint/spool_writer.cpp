@@ -111,7 +111,7 @@ BandRecord HeadOf(const DrawnBand& band, uint32_t width) {
     record.draw.cxSrc = record.draw.cxDest = columns;
     record.draw.cySrc = record.draw.cyDest = rows;
     record.draw.offBmiSrc = sizeof record.draw;
-    record.draw.cbBmiSrc = sizeof record.bitmap + count * static_cast<DWORD>(sizeof(RGBQUAD));
+    record.draw.cbBmiSrc = static_cast<DWORD>(sizeof record.bitmap + count * sizeof(RGBQUAD));
     record.draw.offBitsSrc = record.draw.offBmiSrc + record.draw.cbBmiSrc;
     record.draw.cbBitsSrc = size;
     record.draw.iUsageSrc = DIB_RGB_COLORS;

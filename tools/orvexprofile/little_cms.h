@@ -34,6 +34,7 @@ class PrinterIcc {
     explicit PrinterIcc(const std::filesystem::path& path);
     PrinterIcc(const PrinterIcc&) = delete;
     PrinterIcc& operator=(const PrinterIcc&) = delete;
+    ~PrinterIcc() = default;
 
     cmsContext Context() const { return context_.get(); }
     cmsHPROFILE Profile() const { return profile_.get(); }

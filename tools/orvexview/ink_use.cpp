@@ -8,7 +8,7 @@ namespace orvex::tools::view {
 
 namespace {
 
-constexpr uint32_t kPatternValues = 4;  // of each pattern
+constexpr size_t kPatternValues = 4;  // of each pattern
 
 // Returns the ink values of both patterns, the light and the heavy one.
 std::array<uint32_t, 2 * kPatternValues> PatternValues() {

@@ -129,8 +129,9 @@ class LayoutPainter {
           legend_(Legend(file, placement)) {
         legend_.push_back({Mark::kNone, "one pixel is " + SizeText(scale_, scale_) + " of the printer's " +
                                             std::to_string(dpi_) + " dpi"});
-        const uint32_t width = (turned_ ? head_ : along_) + 2 * kLayoutMargin;
-        bodyHeight_ = (turned_ ? along_ : head_) + 2 * kLayoutMargin;
+        constexpr int64_t kMargins = 2 * int64_t{kLayoutMargin};
+        const uint32_t width = (turned_ ? head_ : along_) + kMargins;
+        bodyHeight_ = (turned_ ? along_ : head_) + kMargins;
         const auto legendHeight = static_cast<uint32_t>(legend_.size()) * kTextLineDots + 2 * kLegendEdge;
         picture_ = Picture(std::max(width, LegendWidth(legend_)), bodyHeight_ + legendHeight, 3);
         FillRectangle(picture_, 0, 0, picture_.width, picture_.height, kPaperWhite);

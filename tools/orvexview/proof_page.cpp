@@ -30,8 +30,8 @@ std::string Percent(double share) {
 
 std::string InkControls() {
     std::string html;
-    for (int ink = 0; ink < kInks; ++ink) {
-        html += "<label><input type=\"checkbox\" checked> " + std::string(kInkNames[ink]) + "</label>\n";
+    for (const std::string_view name : kInkNames) {
+        html += "<label><input type=\"checkbox\" checked> " + std::string(name) + "</label>\n";
     }
     return html;
 }

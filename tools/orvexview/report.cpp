@@ -23,7 +23,7 @@ struct Meaning {
     Kind kind;
     std::string_view text;        // the setting itself
     std::string_view choices;     // separated by '|'
-    std::string_view usual = "";  // value in a job whose settings nobody has changed; empty: none
+    std::string_view usual = {};  // value in a job whose settings nobody has changed; empty: none
 };
 
 constexpr Meaning kMeanings[] = {
@@ -95,7 +95,7 @@ std::string OrientationText(const PagePlacement& placement) {
 }
 
 std::string RowsText(const PrintedPage& page) {
-    const std::string rows = std::to_string(page.rows);
+    std::string rows = std::to_string(page.rows);
     if (page.missingRows > 0) {
         return std::to_string(page.rows - page.missingRows) + " of " + rows + ", the file breaks off";
     }
@@ -104,7 +104,7 @@ std::string RowsText(const PrintedPage& page) {
 }
 
 std::string PurgeText(const PrintFile& file, const PagePlacement& placement) {
-    const std::string width = PixelsAndMm(placement.purgeWidth, file.dpi);
+    std::string width = PixelsAndMm(placement.purgeWidth, file.dpi);
     if (placement.purgeWidth == 0) return width;
     return width + (placement.PurgeLeads() ? " in front" : " behind");
 }
@@ -149,7 +149,7 @@ std::string DescribePage(const PrintFile& file, const PrintedPage& page, const P
 std::string MeaningOf(std::string_view name, std::string_view value) {
     for (const Meaning& meaning : kMeanings) {
         if (meaning.name != name) continue;
-        const std::string text(meaning.text);
+        std::string text(meaning.text);
         if (meaning.kind == Kind::kPlain) return text;
         const std::optional<int32_t> number = ParseWhole(value);
         return text + ": " + (number ? InWords(meaning, *number) : "not a number");

@@ -11,7 +11,6 @@
 namespace orvex::tools::print {
 
 using testing::ElementsAre;
-using testing::Field;
 using testing::HasSubstr;
 using testing::IsEmpty;
 

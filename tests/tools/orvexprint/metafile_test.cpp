@@ -9,8 +9,6 @@
 
 namespace orvex::tools::print {
 
-using testing::HasSubstr;
-
 namespace {
 
 // A frame of 50 mm x 30 mm, recorded for a screen.

@@ -11,7 +11,6 @@ namespace orvex::tools::profile {
 
 namespace {
 
-using testing::AllOf;
 using testing::HasSubstr;
 using testing::Not;
 

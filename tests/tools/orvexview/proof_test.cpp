@@ -12,7 +12,6 @@
 namespace orvex::tools::view {
 namespace {
 
-using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Not;
 

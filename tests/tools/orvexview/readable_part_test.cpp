@@ -5,7 +5,6 @@
 namespace orvex::tools::view {
 namespace {
 
-using testing::ElementsAre;
 using testing::HasSubstr;
 
 constexpr char kForeign[] =
