@@ -40,9 +40,9 @@ void MeasurePage(BenchDriver& driver, const std::vector<uint32_t>& inks, PageArt
         ours.push_back(Seconds([&] { job.Send(); }));
         theirs.push_back(Seconds(memcpyPage));
     }
-    std::printf("| warm page, %s, %s, %s | %.3f / %.3f | memcpy | %.3f / %.3f | %.2f |\n", kA4At600.name,
-                NameOf(art).data(), landscape ? "landscape" : "portrait", Median(ours) * 1e3,
-                *std::min_element(ours.begin(), ours.end()) * 1e3, Median(theirs) * 1e3,
+    std::printf("| warm page, %s, %s, %s | %.3f / %.3f | memcpy | %.3f / %.3f | %.2f |\n",
+                kA4At600.name.data(), NameOf(art).data(), landscape ? "landscape" : "portrait",
+                Median(ours) * 1e3, *std::min_element(ours.begin(), ours.end()) * 1e3, Median(theirs) * 1e3,
                 *std::min_element(theirs.begin(), theirs.end()) * 1e3, Median(ours) / Median(theirs));
 }
 
