@@ -8,7 +8,7 @@
 
 namespace orvex::plain {
 
-// The beginning of a text that stands in the place of an encoded thumbnail: size and pixels follow, so that
+// The beginning of a text that replaces an encoded thumbnail: size and pixels follow, so that
 // no other encoder has to give the same bytes.
 inline constexpr char kPicture[] = "picture ";
 

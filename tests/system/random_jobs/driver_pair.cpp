@@ -236,7 +236,7 @@ bool DriverPair::CallWithSurface(const char* name, int device, const plain::Page
     SURFOBJ surface = SurfaceOf(device, page);
     const bool valid = device != plain::kNoDevice;
     if (valid && erases) PoisonBits(device, page);
-    // Without a device, pages of an odd width come without a surface.
+    // Pages of an odd width come without a surface if there is no device.
     SURFOBJ* given = valid || page.width % 2 == 0 ? &surface : nullptr;
     SetLastError(0);
     const bool answer = hook(given) != FALSE;
