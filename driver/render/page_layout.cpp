@@ -25,7 +25,7 @@ int32_t PrintHeadOffsetPx(int16_t tenthsMm, int16_t dpi) {
 void AddPurgeBar(const PageLayoutInput& input, PageLayout& layout) {
     layout.rowWidth = layout.imageWidth;
     if (input.purgeBar <= 0) return;
-    const auto pixelsPerMm = static_cast<int32_t>(input.dpi / kMmPerInch);  // whole pixels only
+    const int32_t pixelsPerMm = input.dpi * kTenthsMmPerMm / kTenthsMmPerInch;  // whole pixels only
     layout.purgeLead = input.purgeBar == 1 ? 1 : 0;
     layout.purgeDots = input.purgeDots;
     layout.purgeLen = input.purgeDots + pixelsPerMm * input.purgeGap;

@@ -20,7 +20,7 @@ class OwnedHandle {
 
     // Reads up to `size` bytes, in one call. Returns how many came: none at the file's end or on failure.
     DWORD Read(void* buffer, DWORD size) const {
-        DWORD came = 0;
+        DWORD came = {};
         return ReadFile(handle_, buffer, size, &came, nullptr) ? came : 0;
     }
 

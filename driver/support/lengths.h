@@ -5,6 +5,5 @@ namespace orvex {
 
 inline constexpr int kTenthsMmPerMm = 10;
 inline constexpr int kTenthsMmPerInch = 254;
-inline constexpr double kMmPerInch = 25.4;
 
 }  // namespace orvex

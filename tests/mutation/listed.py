@@ -17,6 +17,7 @@ class Verdict:
     verdict: str  # one of VERDICTS; "broken" does not compile
     by: str = ""  # suite and test
     seconds: float = 0
+    programs: str = ""  # tells the suites that it comes from
 
 
 def squeezed(text):
@@ -57,13 +58,13 @@ def mark(mutants):
 
 
 def read_verdicts(folder):
-    """Returns the verdicts of all runs on the same sources: {id: Verdict}."""
+    """Returns the verdicts of all runs, the latest of each mutant: {id: Verdict}."""
     verdicts = {}
-    for record in sorted(folder.glob("*.tsv")):
+    for record in sorted(folder.glob("*.tsv"), key=lambda record: record.stat().st_mtime):
         for line in record.read_text().splitlines():
             fields = line.split("\t")
-            if len(fields) == 5:  # an interrupted run can leave less
-                verdicts[fields[0]] = Verdict(fields[1], fields[2], fields[4], float(fields[3]))
+            if len(fields) == 6:  # an interrupted run can leave less
+                verdicts[fields[0]] = Verdict(fields[1], fields[2], fields[4], float(fields[3]), fields[5])
     return verdicts
 
 

@@ -18,7 +18,6 @@ constexpr uint32_t kWhite = 0xFFFFFF;
 constexpr uint32_t kBandRows = 64;
 constexpr size_t kMostColors = 256;  // that the pixels of a bitmap can number
 constexpr uint32_t kMetafileVersion = 0x10000;
-constexpr double kMmPerInch = 25.4;
 
 template <typename Record>
 std::string_view BytesOf(const Record& record) {
