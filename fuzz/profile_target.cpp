@@ -14,6 +14,7 @@
 #include "fuzz/target.h"
 #include "tests/driver/profiles/file_watch.h"
 #include "tests/driver/profiles/profile_bytes.h"
+#include "tests/plain/driver/profile_head.h"
 #include "tests/plain/plain_tables.h"
 #include "tests/plain/profile.h"
 
@@ -25,10 +26,9 @@ namespace {
 constexpr WCHAR kFileName[] = L"fuzz.zvp";
 constexpr size_t kLoaderName = 512;
 constexpr size_t kCatalogueName = 100;
-constexpr uint64_t kBeginning = 65536;  // more than the tags of any input take
 
 // Name and resolution code as the driver reads them from a profile.
-struct ReadHead {
+struct NameAndCode {
     std::vector<char> name = std::vector<char>(kLoaderName, '\0');
     signed char code = 99;
 };
@@ -40,7 +40,7 @@ void SpoilCache() {
 }
 
 // Loads through zvc_load_profile, which always fills the cache.
-void CheckLoad(const std::string& path, int32_t resolution, int32_t version, ReadHead& head) {
+void CheckLoad(const std::string& path, int32_t resolution, int32_t version, NameAndCode& head) {
     const int32_t kind =
         zvc_load_profile(path.c_str(), resolution, &head.code, head.name.data(), head.name.size());
     REQUIRE(kind == (version == 0 ? kEntries : version));
@@ -51,7 +51,7 @@ void CheckLoad(const std::string& path, int32_t resolution, int32_t version, Rea
 }
 
 // Reads without the loader, so that a refused file does not cost a generic conversion.
-void CheckRead(const std::string& path, int32_t resolution, int32_t version, ReadHead& head) {
+void CheckRead(const std::string& path, int32_t resolution, int32_t version, NameAndCode& head) {
     REQUIRE(ReadProfile(path.c_str(), head.name.data(), head.name.size(), resolution == kResolution600,
                         g_colorCache, &head.code) == version);
 }
@@ -81,7 +81,6 @@ std::string AsShown(const std::string& name) {
 void FuzzProfile(std::span<const uint8_t> input) {
     const ProfileInput profile = TakeProfile(input);
     const plain::SparseFile& file = profile.file;
-    const std::string beginning = file.Beginning(kBeginning);
     constexpr int32_t kAskedResolutions[] = {kResolution600, kResolution300, kResolution600,
                                              kResolutionOther};
     const int32_t resolution = kAskedResolutions[file.size % 4];
@@ -91,11 +90,11 @@ void FuzzProfile(std::span<const uint8_t> input) {
     file.Write(path);
     const FileWatch watch;
 
-    const plain::TagWalk loaders = plain::WalkTags(beginning, file.size, kLoaderName, at600Dpi);
-    const auto stated = static_cast<uint8_t>(loaders.accepted ? beginning[3] : 0);
+    const plain::ProfileHead loaders = plain::ReadHead(file, kLoaderName, at600Dpi);
+    const uint8_t stated = loaders.sound ? loaders.version : uint8_t{0};
     const uint8_t version = plain::HoldsColors(stated, file.size - loaders.colorsAt) ? stated : uint8_t{0};
     if (profile.rare || version != 0) SpoilCache();
-    ReadHead head;
+    NameAndCode head;
     (profile.rare ? CheckLoad : CheckRead)(path, resolution, version, head);
     REQUIRE(head.code == loaders.code);
     REQUIRE(std::string_view(head.name.data()) == loaders.name);
@@ -104,10 +103,10 @@ void FuzzProfile(std::span<const uint8_t> input) {
         REQUIRE(plain::IsCacheOf(file, version, loaders.colorsAt, at600Dpi, g_colorCache));
     }
 
-    const plain::TagWalk catalogues = plain::WalkTags(beginning, file.size, kCatalogueName, false);
+    const plain::ProfileHead catalogues = plain::ReadHead(file, kCatalogueName, false);
     const std::string shown = CatalogueName();
     REQUIRE(shown == AsShown(catalogues.name.empty() ? "fuzz.zvp" : catalogues.name));
-    REQUIRE(!loaders.accepted || !catalogues.accepted || loaders.name == catalogues.name);
+    REQUIRE(!loaders.sound || !catalogues.sound || loaders.name == catalogues.name);
     REQUIRE(watch.Open() == 0);
 }
 

@@ -7,6 +7,7 @@
 #include "fuzz/fuzz_installation.h"
 #include "fuzz/input.h"
 #include "fuzz/target.h"
+#include "tests/plain/driver/profile_head.h"
 #include "tests/plain/profile.h"
 #include "tools/orvexprofile/ink_treatment.h"
 #include "tools/orvexprofile/profile_writer.h"
@@ -34,11 +35,11 @@ void CheckMixed(const Recipe& recipe) {
     CheckVariant(profile.other, treatment.limit, treatment.scaleOther);
 
     const std::string file = EncodeProfile(profile);
-    const plain::TagWalk walk = plain::WalkTags(file, kLongestName + 1, true);
+    const plain::ProfileHead head = plain::ReadHead({file.size(), {{0, file}}}, kLongestName + 1, true);
     REQUIRE(file.size() == FileSize(profile));
-    REQUIRE(walk.accepted && plain::HoldsColors(file, walk.colorsAt));
-    REQUIRE(walk.name == recipe.name);
-    REQUIRE(walk.code == recipe.codes.value_or(ResolutionCodes()).at600);
+    REQUIRE(head.sound && plain::HoldsColors(file, head.colorsAt));
+    REQUIRE(head.name == recipe.name);
+    REQUIRE(head.code == recipe.codes.value_or(ResolutionCodes()).at600);
 }
 
 constexpr char kSound[] =

@@ -9,6 +9,7 @@
 #include "fuzz/profile_input.h"
 #include "fuzz/target.h"
 #include "tests/driver/profiles/profile_bytes.h"
+#include "tests/plain/driver/profile_head.h"
 #include "tests/plain/profile.h"
 #include "tools/orvexprofile/conversion.h"
 #include "tools/orvexprofile/loaded_profile.h"
@@ -27,13 +28,13 @@ std::string BeforeZero(const std::string& text) {
 }
 
 // Requires that all tags lie within the file, those of a refused file too.
-void CheckTags(const ProfileFacts& facts, std::string_view file) {
+void CheckTags(const ProfileFacts& facts, std::string_view file, const std::string& name) {
     REQUIRE(facts.size == file.size());
     for (const TagFacts& tag : facts.tags) {
         REQUIRE(tag.data.size() <= tag.length);
         REQUIRE(file.substr(tag.offset + kTagHeaderSize, tag.data.size()) == tag.data);
     }
-    REQUIRE(BeforeZero(facts.Name().value_or("")) == plain::WalkTags(file, kLongestName + 1, true).name);
+    REQUIRE(BeforeZero(facts.Name().value_or("")) == name);
 }
 
 Variant Loaded(const std::filesystem::path& path, PrintVariant variant) {
@@ -74,11 +75,11 @@ void FuzzToolProfile(std::span<const uint8_t> input) {
     FuzzInstallation().Write("profiles/fuzz.zvp", file);
     const std::filesystem::path path = FuzzInstallation().Folder() / "profiles" / "fuzz.zvp";
 
-    const plain::TagWalk at600 = plain::WalkTags(file, kLongestName + 1, true);
-    const plain::TagWalk other = plain::WalkTags(file, kLongestName + 1, false);
+    const plain::ProfileHead at600 = plain::ReadHead(profile.file, kLongestName + 1, true);
+    const plain::ProfileHead other = plain::ReadHead(profile.file, kLongestName + 1, false);
     const ProfileFacts facts = LoadIntoDriver(path, PrintVariant::kOther);
-    REQUIRE(facts.Accepted() == (at600.accepted && plain::HoldsColors(file, at600.colorsAt)));
-    CheckTags(facts, file);
+    REQUIRE(facts.Accepted() == (at600.sound && plain::HoldsColors(file, at600.colorsAt)));
+    CheckTags(facts, file, at600.name);
     if (!facts.Accepted()) {
         CheckRefusal(path);
         return;

@@ -11,12 +11,6 @@ namespace orvex::plain {
 
 namespace {
 
-uint32_t Number(std::string_view bytes) {
-    uint32_t value = 0;
-    for (size_t i = bytes.size(); i-- > 0;) value = value << 8 | static_cast<uint8_t>(bytes[i]);
-    return value;
-}
-
 // The place in the cache of a byte of a variant's colors.
 struct CachePlace {
     uint32_t entry;
@@ -82,31 +76,6 @@ bool IsHalfGrid(const uint32_t* cache) {
 }
 
 }  // namespace
-
-TagWalk WalkTags(std::string_view beginning, uint64_t size, size_t nameSize, bool at600Dpi) {
-    TagWalk walk;
-    if (size < 15 || !beginning.starts_with("ZVC") || Number(beginning.substr(4, 4)) != size) return walk;
-    size_t at = 15;
-    int64_t left = int64_t{Number(beginning.substr(13, 2))} - 3;  // an overrun never reaches 0 again
-    do {
-        if (beginning.size() - at < 3) return walk;
-        const char id = beginning[at];
-        const size_t length = Number(beginning.substr(at + 1, 2));
-        at += 3;
-        if (id != 1 && id != 2) return walk;
-        if (id == 1 ? length >= nameSize : length != 2) return walk;
-        const std::string_view data = beginning.substr(at, length);
-        if (id == 1) walk.name = data.substr(0, data.find('\0'));
-        // A tag that is cut short still sets the code; its missing bytes are 0.
-        if (id == 2) walk.code = static_cast<signed char>(data.size() > at600Dpi ? data[at600Dpi] : 0);
-        if (data.size() < length) return walk;
-        at += length;
-        left -= static_cast<int64_t>(3 + length);
-    } while (left != 0);
-    walk.accepted = true;
-    walk.colorsAt = at;
-    return walk;
-}
 
 bool HoldsColors(uint8_t version, uint64_t colorBytes) {
     constexpr uint64_t kSizes[] = {134217728, 134217728, 16777216, 16777216, 39304};

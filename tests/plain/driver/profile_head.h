@@ -21,5 +21,9 @@ struct ProfileHead {
 // is refused. Errors of the file and its header are logged at the level of errors if `asErrors`.
 ProfileHead ReadHead(const SparseFile* file, const std::string& path, const std::string& nameBefore,
                      size_t nameSize, bool at600Dpi, bool asErrors, Log& log);
+inline ProfileHead ReadHead(const SparseFile& file, size_t nameSize, bool at600Dpi) {
+    Log log;
+    return ReadHead(&file, "", "", nameSize, at600Dpi, false, log);
+}
 
 }  // namespace orvex::plain
