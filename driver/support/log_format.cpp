@@ -68,7 +68,7 @@ void AppendCharacters(TextSink& sink, WideView text) {
         char piece[64 * 3];
         const int bytes = WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(units), piece,
                                               static_cast<int>(sizeof piece), nullptr, nullptr);
-        sink.Append({piece, static_cast<size_t>(std::max(bytes, 0))});
+        sink.Append({piece, static_cast<size_t>(bytes)});
         text.remove_prefix(units);
     }
 }
@@ -87,7 +87,7 @@ void AppendText(TextSink& sink, const Conversion& conversion, View text) {
 // Writes one number with snprintf; `length` is its length modifier. A precision below 0 is none.
 template <typename T>
 void AppendNumber(TextSink& sink, const Conversion& conversion, const char* length, T value) {
-    char format[24];
+    char format[7 + sizeof conversion.flags];  // the flags within "%*.*lld"
     char piece[2 * kMaxField];
     snprintf(format, sizeof format, "%%%s*.*%s%c", conversion.flags, length, conversion.type);
     snprintf(piece, sizeof piece, format, conversion.width, conversion.precision, value);
@@ -133,7 +133,7 @@ void FormatLogText(TextSink& sink, const char* format, const LogArgument* argume
     size_t used = 0;
     for (const char* cursor = format; *cursor != '\0';) {
         const size_t plain = strcspn(cursor, "%");
-        if (plain > 0) sink.Append({cursor, plain});
+        sink.Append({cursor, plain});
         cursor += plain;
         if (*cursor == '\0') return;
         ++cursor;

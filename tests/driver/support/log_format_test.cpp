@@ -161,6 +161,19 @@ TEST(LogFormat, ShowsAQuestionMarkForAnArgumentThatDoesNotFit) {
     EXPECT_EQ(Format("%q", 1), "?");
     EXPECT_EQ(Format("%~d %1:d ~", 1, 1), "?d ?d ~");
     EXPECT_EQ(Format("ends with %"), "ends with ?");
+
+    const auto expect = [](char type, std::string_view types, const auto& argument) {
+        const char format[] = {'%', type, '\0'};
+        const bool fits = types.find(type) != std::string_view::npos;
+        EXPECT_EQ(Format(format, argument) == "?", !fits) << format;
+    };
+    for (char type = '!'; type <= '~'; ++type) {
+        if (std::string_view("-+#0123456789.hlzjt%").find(type) != std::string_view::npos) continue;
+        expect(type, "diuxXocp", 1);
+        expect(type, "s", "text");
+        expect(type, "S", L"text");
+        expect(type, "efgEG", 1.5);
+    }
 }
 
 }  // namespace orvex
