@@ -19,16 +19,16 @@ struct LogArgument {
         : kind(Kind::kInteger), integer(static_cast<int64_t>(value)) {}
     LogArgument(double value) : kind(Kind::kNumber), number(value) {}
     LogArgument(std::string_view value) : kind(Kind::kText), text(value) {}
-    LogArgument(const char* value) : LogArgument(std::string_view(value == nullptr ? "(null)" : value)) {}
+    LogArgument(const char* value) : LogArgument(std::string_view(value)) {}
     LogArgument(WideView value) : kind(Kind::kWideText), wideText(value) {}
     LogArgument(const WCHAR* value) : LogArgument(WideView(value == nullptr ? L"(null)" : value)) {}
     LogArgument(const void* value)
         : kind(Kind::kInteger), integer(static_cast<int64_t>(reinterpret_cast<uintptr_t>(value))) {}
-    LogArgument() : LogArgument(0) {}
+    LogArgument() : kind(Kind::kInteger) {}
 
     Kind kind;
-    int64_t integer = 0;
-    double number = 0;
+    int64_t integer = {};
+    double number = {};
     std::string_view text;
     WideView wideText;
 };
