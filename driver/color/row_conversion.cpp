@@ -63,8 +63,8 @@ class InGray {
     }
 
   private:
-    InkValue inks_ = 0;
-    InkValue gray_ = 0;
+    InkValue inks_ = {};
+    InkValue gray_ = {};
 };
 
 // Rows are converted in blocks, since large parts of a label have one color. The blank-pixel pattern fits

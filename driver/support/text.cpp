@@ -52,10 +52,10 @@ size_t NarrowText(char* destination, size_t capacity, WideView source) {
         const bool pair =
             IS_HIGH_SURROGATE(source[i]) && i + 1 < source.size() && IS_LOW_SURROGATE(source[i + 1]);
         const int units = pair ? 2 : 1;
-        char character[8];
+        char character[MB_LEN_MAX];
         const int bytes = WideCharToMultiByte(CP_ACP, 0, source.data() + i, units, character,
                                               static_cast<int>(sizeof character), nullptr, nullptr);
-        if (bytes <= 0 || used + static_cast<size_t>(bytes) >= capacity) break;
+        if (bytes == 0 || used + static_cast<size_t>(bytes) >= capacity) break;
         memcpy(destination + used, character, static_cast<size_t>(bytes));
         used += static_cast<size_t>(bytes);
         i += static_cast<size_t>(units);
@@ -71,8 +71,8 @@ size_t WidenText(WCHAR* destination, size_t capacity, std::string_view source) {
     const int written = length == 0 ? 0
                                     : MultiByteToWideChar(CP_ACP, 0, source.data(), length, destination,
                                                           ClampedLength(capacity - 1));
-    destination[std::max(written, 0)] = 0;
-    return static_cast<size_t>(std::max(written, 0));
+    destination[written] = 0;
+    return static_cast<size_t>(written);
 }
 
 HeapArray<WCHAR> DuplicateText(const WCHAR* text) {

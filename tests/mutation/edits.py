@@ -160,7 +160,7 @@ def is_array_size(tokens, i):
     """Returns whether the number at `i` begins the size of an array that is declared there."""
     before = [token.text for token in tokens[i - 3:i]]
     if before[-1] == "[":
-        return tokens[i - 3].kind == "word" and before[0] not in NO_EXPRESSION or before[0] in ("*", ">")
+        return tokens[i - 3].kind == "word" and before[0] not in NO_EXPRESSION or before[0] in ("*", ">") or before[1] == "]"
     return before[-1] == "," and tokens[i + 1].text == ">"
 
 

@@ -90,8 +90,8 @@ TEST_F(ProfileNames, HaveExactKeys) {
 
 TEST_F(ProfileNames, EndAtAnyLineEnd) {
     for (const char16_t* end : {u"\r\n", u"\n", u"\r", u""}) {
-        Write(std::u16string(u"[DEU]\rb.zvp=B\na.zvp=Matt") + end);
-        EXPECT_EQ(Look(), u"Matt");
+        Write(std::u16string(u"[DEU]\rb.zvp=B\na.zvp=Matt ~ 80 g") + end);
+        EXPECT_EQ(Look(), u"Matt ~ 80 g");
     }
     Write(u"[DEU]\r\n\r\n\n\na.zvp=Matt\rb.zvp=B\r");
     EXPECT_EQ(Look(), u"Matt");
