@@ -124,7 +124,6 @@ bool CollectNames(const WCHAR* pattern, WCHAR* list, size_t room) {
 
 ScanResult Scan(const WCHAR* folder, HeapArray<WCHAR>* fileNames) {
     WCHAR pattern[MAX_PATH];
-    if (TextLength(folder) >= MAX_PATH) return kNoSearchPath;
     CopyText(pattern, folder);
     if (!PathAppendW(pattern, L"" ORVEX_PROFILES_FOLDER "*.zvp")) return kNoSearchPath;
     size_t characters = 0;
