@@ -63,7 +63,7 @@ std::span<const uint8_t> BlockReader::Take(size_t atMost) {
 }
 
 size_t BlockReader::ReadFromFile(void* destination, size_t size) {
-    DWORD came = 0;
+    DWORD came = {};
     if (failed_) return 0;
     if (ReadFile(file_.Get(), destination, static_cast<DWORD>(size), &came, nullptr)) return came;
     failed_ = true;
@@ -102,8 +102,8 @@ ProfileProblem ReadProfileHeader(BlockReader& file, ProfileHeader* header) {
 }
 
 TagReader::TagReader(BlockReader& file, size_t nameCapacity) : file_(file), nameCapacity_(nameCapacity) {
-    uint8_t header[kTagHeaderSize];
-    if (!ReadHeader(header, &kTagAreaCut)) return;
+    uint8_t header[kTagHeaderSize] = {};
+    ReadHeader(header, &kTagAreaCut);  // a problem leaves no tag to read
     areaLength_ = Number16(header + 1);
     remaining_ = areaLength_ - uint64_t{kTagHeaderSize};
 }

@@ -2,6 +2,7 @@
 
 #include "driver/profiles/profile_reader.h"
 #include "tests/driver/profiles/profile_fixture.h"
+#include "tools/host/guarded_memory.h"
 
 namespace orvex {
 
@@ -103,6 +104,17 @@ TEST_F(BrokenProfile, ShorterThanItsHeaderIsRejected) {
     ExpectRejectedBytes("", {"[Error] error reading file <path> 0"});
     ExpectRejectedBytes("ZVC\x05", {"[Error] error reading file <path> 4"});
     ExpectRejectedBytes(ProfileHead(5, 11).substr(0, 11), {"[Error] error reading file <path> 11"});
+}
+
+TEST_F(BrokenProfile, ShowsItsMarkAsFarAsItGoes) {
+    for (const std::string mark : {"", "Z", "ZV", "ZVC"}) {
+        const std::string path = (folder_.Path() / "short.zvp").string();
+        WriteBytes(path, mark);
+        BlockReader file(path.c_str());
+        ProfileHeader header;
+        EXPECT_TRUE(ReadProfileHeader(file, &header));
+        EXPECT_EQ(std::string(header.mark, header.markSize), mark);
+    }
 }
 
 TEST_F(BrokenProfile, WithoutAKnownLengthIsRejected) {
@@ -337,6 +349,7 @@ TEST_F(BrokenProfile, LogsHowManyBytesCameBeforeAReadThatFailed) {
     ExpectFailure(4, "ReadFile", 4, 3 * kBlock);
     ExpectFailure(4, "ReadFile", 1 + 1023, 1023 * kBlock);
     ExpectFailure(5, "ReadFile", 1, 0);
+    ExpectFailure(5, "ReadFile", 1 + 2, 2 * kBlock);
 }
 
 TEST_F(BrokenProfile, LogsHowManyBytesOfAllPlanesCameBeforeAFailure) {
@@ -363,6 +376,14 @@ TEST_F(BrokenProfile, IsGenericWhenItsPlanesCanNotBeRead) {
                             "[Info]  Profile name:n", "[Error] error reading profile 196608<>67108864",
                             "[Info]  read_profile 0 48 n", "[Error] error reading profile n!",
                             "[Info]  generic profile"));
+}
+
+TEST_F(BrokenProfile, WithoutAnyColorWritesNothingPastTheCache) {
+    const std::string path = HollowProfile(2, "");
+    const tools::GuardedMemory cache(kCacheEntries * sizeof(uint32_t), 64);
+    EXPECT_EQ(ReadProfile(path.c_str(), name_, sizeof name_, true, reinterpret_cast<uint32_t*>(cache.Data()),
+                          &code_),
+              2);
 }
 
 TEST_F(BrokenProfile, IsRejectedWhenAReadFails) {

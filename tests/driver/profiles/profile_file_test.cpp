@@ -191,7 +191,7 @@ class NamedProfile : public ProfileFixture {
 }  // namespace
 
 TEST(BareFileName, HasNoSeparatorAndNoDrive) {
-    for (const char* name : {"a", "a.zvp", "a b..zvp", "...", "..a", ".zvp"})
+    for (const char* name : {"a", "a.zvp", "a b..zvp", "a~1.zvp", "...", "..a", ".zvp"})
         EXPECT_TRUE(IsBareFileName(name)) << name;
     for (const char* name :
          {"", "..", "a\\b", "a/b", "\\a", "/a", "a\\", "a/", "..\\a", "../a", "c:", "c:a", "a:b", ":"}) {
