@@ -26,7 +26,7 @@ void CheckRecord(ByteSpan bytes) {
     const std::vector<uint8_t> whole = WithDeclaredSize(bytes);
     REQUIRE(whole.size() >= kLeastDeviceMode && whole.size() >= DeviceModeSize(whole));
     const StoredRecord record(bytes);
-    for (const DeviceModeField& field : kPublicFields) CheckField(record, field);
+    for (const DeviceModeField& field : PublicFields()) CheckField(record, field);
     for (const DeviceModeField& field : kPrivateFields) CheckField(record, field);
 }
 

@@ -36,7 +36,7 @@ template <size_t N>
 void DumpFields(const DeviceModeField (&fields)[N], int nameWidth, const DeviceMode& record) {
     for (const DeviceModeField& field : fields) {
         if (field.format == nullptr) continue;
-        char format[16];
+        char format[11];  // "%-28s= %lu"
         snprintf(format, sizeof format, "%%-%ds= %s", nameWidth, field.format);
         LogTrace(format, field.name, Shown(record, field));
     }
@@ -107,8 +107,6 @@ void DumpDevMode(const DEVMODEW* record) {
         LogInfo("DevMode is invalid. The values of sizeof(DEVMODE) and dmSize do not match.");
         return;
     }
-    // Every line tests the bit again, since it may be cleared at any moment.
-    if ((logMask & kLogMaskTrace) == 0) return;
     LogTrace("pdm:%x priv:%x", static_cast<const void*>(record), PrivatePart(record));
     const DeviceMode values = LoadDevMode(record);
     LogTrace("<Public-DevMode>");

@@ -95,9 +95,9 @@ static_assert(offsetof(DeviceMode, priv) == 220);
 struct ValidValues {
     int32_t least = INT32_MIN;
     int32_t most = INT32_MAX;
-    int32_t replacement = 0;
+    int32_t replacement = {};
     const int16_t* list = nullptr;
-    size_t listed = 0;
+    size_t listed = {};
 };
 
 inline constexpr ValidValues kFlag = {0, 1, 0};
@@ -170,15 +170,6 @@ inline constexpr DeviceModeField kPublicFields[] = {
     PUBLIC_FIELD(dmCollate, "%d"),
     PUBLIC_FIELD(dmScale, nullptr, Always(100)),
     PUBLIC_FIELD(dmDuplex, nullptr, Always(DMDUP_SIMPLEX)),
-    PUBLIC_FIELD(dmSpecVersion, nullptr),
-    PUBLIC_FIELD(dmDefaultSource, nullptr),
-    PUBLIC_FIELD(dmTTOption, nullptr),
-    PUBLIC_FIELD(dmFormName, nullptr),
-    PUBLIC_FIELD(dmNup, nullptr),
-    PUBLIC_FIELD(dmICMMethod, nullptr),
-    PUBLIC_FIELD(dmICMIntent, nullptr),
-    PUBLIC_FIELD(dmMediaType, nullptr),
-    PUBLIC_FIELD(dmDitherType, nullptr),
 };
 
 // Rows in the order of the dump. Deliberate: it is not the order of storage, and printSetting is not shown.

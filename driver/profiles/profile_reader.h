@@ -124,9 +124,9 @@ void LogProfileProblem(const ProfileProblem& problem, const char* path, LogLevel
 struct ProfileHeader {
     int64_t fileSize = {};  // the file's own; -1 when it can't be told
     char mark[3] = {};
-    size_t markSize = 0;   // bytes of the mark that the file has
+    size_t markSize = {};  // bytes of the mark that the file has
     uint8_t version = {};  // not judged
-    uint32_t storedSize = 0;
+    uint32_t storedSize = {};
 };
 
 // Reads the header of a file just opened.
@@ -167,8 +167,8 @@ class TagReader {
 
     BlockReader& file_;
     size_t nameCapacity_;
-    uint32_t areaLength_ = 0;
-    uint64_t remaining_ = 0;  // bytes of the tag area
+    uint32_t areaLength_ = {};
+    uint64_t remaining_ = {};  // bytes of the tag area
     bool atEnd_ = false;
     ProfileProblem problem_;
 };

@@ -178,7 +178,7 @@ int Compare(const CommandOptions& options, std::ostream& out) {
         fieldsDiffer = true;
         table.Add({field.name, inA, inB});
     };
-    for (const DeviceModeField& field : kPublicFields) compare(field);
+    for (const DeviceModeField& field : PublicFields()) compare(field);
     for (const DeviceModeField& field : kPrivateFields) compare(field);
     table.Write(out);
     const auto differing =

@@ -17,6 +17,12 @@ namespace {
 
 constexpr size_t kMostTextBytes = 60;
 
+#define FIELD(field) Field<decltype(DEVMODEW::field)>(#field, offsetof(DEVMODEW, field), nullptr)
+constexpr DeviceModeField kUnusedFields[] = {
+    FIELD(dmSpecVersion), FIELD(dmDefaultSource), FIELD(dmTTOption),  FIELD(dmFormName),  FIELD(dmNup),
+    FIELD(dmICMMethod),   FIELD(dmICMIntent),     FIELD(dmMediaType), FIELD(dmDitherType)};
+#undef FIELD
+
 bool IsText(const DeviceModeField& field) {
     return field.type == FieldType::kText || field.type == FieldType::kWideText;
 }
@@ -151,6 +157,15 @@ std::string StoredRecord::ValueOf(const DeviceModeField& field) const {
     return BytesOf(field) == 0 ? "-" : ValueText(values_, field);
 }
 
+const std::vector<DeviceModeField>& PublicFields() {
+    static const std::vector<DeviceModeField> fields = [] {
+        std::vector<DeviceModeField> all(std::begin(kPublicFields), std::end(kPublicFields));
+        all.insert(all.end(), std::begin(kUnusedFields), std::end(kUnusedFields));
+        return all;
+    }();
+    return fields;
+}
+
 std::string ValueText(const DeviceMode& mode, const DeviceModeField& field) {
     if (IsText(field)) return "\"" + PrintableText(TextOf(mode, field), kMostTextBytes) + "\"";
     const int64_t number = ReadNumber(mode, field);
@@ -163,7 +178,7 @@ std::string ValueText(const DeviceMode& mode, const DeviceModeField& field) {
 DeviceModeStory TellStory(ByteSpan bytes, const PrinterSettings& settings) {
     const Steps steps(bytes, settings);
     DeviceModeStory story = {.taken = steps.Taken(), .publicFields = {}, .privateFields = {}};
-    for (const DeviceModeField& field : kPublicFields) story.publicFields.push_back(steps.StoryOf(field));
+    for (const DeviceModeField& field : PublicFields()) story.publicFields.push_back(steps.StoryOf(field));
     for (const DeviceModeField& field : kPrivateFields) story.privateFields.push_back(steps.StoryOf(field));
     return story;
 }

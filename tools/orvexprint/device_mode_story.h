@@ -29,6 +29,9 @@ class StoredRecord {
     size_t privateBytes_;
 };
 
+// Returns the public fields: those that the driver shows or validates, then those that it has no use for.
+const std::vector<DeviceModeField>& PublicFields();
+
 // Returns a field's value as text.
 std::string ValueText(const DeviceMode& mode, const DeviceModeField& field);
 

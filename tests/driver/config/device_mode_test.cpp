@@ -25,7 +25,7 @@ DeviceMode FullRecord() {
     DEVMODEW& pub = record.pub;
     CopyText(pub.dmDeviceName, FieldText(L"Etikett 1"));
     pub.dmSpecVersion = 0x0401;
-    pub.dmDriverVersion = 0x0402;
+    pub.dmDriverVersion = 0xF402;
     pub.dmSize = 220;
     pub.dmDriverExtra = 696;
     pub.dmFields = 0x8001CF03;
@@ -115,7 +115,7 @@ TEST(DumpDevMode, ShowsEveryFieldInItsColumnAndOrder) {
                 ElementsAre("[Trace] pdm:" + Address(&record) + " priv:" + Address(&record.priv),  //
                             "[Trace] <Public-DevMode>",                                            //
                             "[Trace] dmDeviceName       = Etikett 1",                              //
-                            "[Trace] dmDriverVersion    = 1026",                                   //
+                            "[Trace] dmDriverVersion    = 62466",                                  //
                             "[Trace] dmSize             = 220",                                    //
                             "[Trace] dmDriverExtra      = 696",                                    //
                             "[Trace] dmFields           = 2147602179",                             //

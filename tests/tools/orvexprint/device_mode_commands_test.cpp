@@ -6,6 +6,7 @@
 #include "tests/tools/orvexprint/made_export.h"
 #include "tests/tools/orvexprint/made_shadow.h"
 #include "tests/tools/orvexprint/orvexprint_fixture.h"
+#include "tools/orvexprint/device_mode_story.h"
 
 namespace orvex::tools::print {
 
@@ -61,7 +62,8 @@ TEST_F(DeviceModeCommandTest, ShowsEveryFieldAsStoredAndAsTheDriverHasIt) {
     EXPECT_EQ(Shown("dmCopies"), "5 5 as stored");
     EXPECT_EQ(Shown("dmFormName"), "\"Custom\" \"Custom\" as stored");
     EXPECT_EQ(Shown("signature"), "0x18284000 0x18284000 as stored");
-    for (const DeviceModeField& field : kPublicFields) EXPECT_NE(Shown(field.name), "no such field");
+    for (const DeviceModeField& field : tools::print::PublicFields())
+        EXPECT_NE(Shown(field.name), "no such field");
     for (const DeviceModeField& field : kPrivateFields) EXPECT_NE(Shown(field.name), "no such field");
     EXPECT_EQ(
         Shown("dmScale"),
