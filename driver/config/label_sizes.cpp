@@ -88,7 +88,7 @@ class LabelData {
   private:
     OwnedHandle printer_;
     DWORD openError_;
-    char key_[32];  // of the label's data
+    char key_[18];  // "Label Sizes\\65535"
 };
 
 // Returns the paper number that a sub-key names, 0 when it names none.

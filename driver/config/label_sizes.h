@@ -72,7 +72,7 @@ class LabelList {
 
   private:
     LabelSize labels_[kMaxLabels];
-    uint32_t count_ = 0;
+    uint32_t count_ = {};
 };
 
 // Reads one label. Returns 0, a system error code, kErrorLabelType for a value of another type or

@@ -25,7 +25,7 @@ HeapArray<WCHAR> OutOfMemory() {
 }  // namespace
 
 HeapArray<WCHAR> GetPrinterName(HANDLE printer) {
-    DWORD needed = 0;
+    DWORD needed = {};
     GetPrinterW(printer, kPrinterInfoLevel, nullptr, 0, &needed);
     if (needed < sizeof(PRINTER_INFO_2W)) return QueryFailed();
     const HeapArray<BYTE> buffer = AllocateArray<BYTE>(needed);
@@ -37,7 +37,7 @@ HeapArray<WCHAR> GetPrinterName(HANDLE printer) {
 }
 
 HeapArray<WCHAR> GetPrinterDriverName(HANDLE printer) {
-    DWORD needed = 0;
+    DWORD needed = {};
     GetPrinterDriverW(printer, nullptr, kDriverInfoLevel, nullptr, 0, &needed);
     if (needed < sizeof(DRIVER_INFO_3W)) return nullptr;
     const HeapArray<BYTE> buffer = AllocateArray<BYTE>(needed);
@@ -65,7 +65,7 @@ HANDLE OpenPrinterWithAccess(HANDLE printer, DWORD access) {
 
 bool WriteToPrinter(HANDLE printer, std::string_view bytes) {
     if (bytes.empty()) return true;
-    DWORD written = 0;
+    DWORD written = {};
     return WritePrinter(printer, const_cast<char*>(bytes.data()), static_cast<DWORD>(bytes.size()),
                         &written) != FALSE;
 }
