@@ -214,7 +214,7 @@ void RowReader::ReadColumns(const uint8_t* first, ptrdiff_t step, Range columns,
 
 // Fills the band's first row with the column after the last one, from the bottom up.
 void RowReader::ReadOverhang() {
-    bandFirst_ = -1;  // the next row begins a band, and so repeats none
+    bandFirst_ = kNoBand;  // the next row begins a band, and so repeats none
     repeats_ = false;
     for (int32_t i = 0; i < bitmap_.height; ++i) {
         const int32_t next = bitmap_.height - i;  // the scan line below

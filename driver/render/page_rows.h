@@ -64,10 +64,11 @@ class RowReader {
     PageBitmap bitmap_;
     RowOrder order_;
     bool inPlace_;
-    HeapArray<uint32_t> band_;    // kBandColumns rows, bandPitch_ apart; a single row when landscape
-    ptrdiff_t bandPitch_ = 0;     // pixels
-    int32_t bandFirst_ = -1;      // first column in the band, -1 for none
-    const void* last_ = nullptr;  // the row that was read last, or null once it can't be compared
+    HeapArray<uint32_t> band_;  // kBandColumns rows, bandPitch_ apart; a single row when landscape
+    ptrdiff_t bandPitch_ = {};  // pixels
+    static constexpr int32_t kNoBand = -1;
+    int32_t bandFirst_ = kNoBand;  // first column in the band
+    const void* last_ = nullptr;   // the row that was read last, or null once it can't be compared
     bool repeats_ = {};
 };
 

@@ -122,6 +122,7 @@ TEST(PngEncoder, ReportsThatItIsOutOfMemoryWithoutAWorkspace) {
 
 TEST(PngEncoder, RefusesAPictureWhoseSizeLodePngCannotCalculateWith) {
     EXPECT_EQ(Encode({}, {}, 1, 0x33333334).error, 92u);  // 5 bytes each: 4 more than fit
+    EXPECT_EQ(Encode({}, {}, 0x40000000, 1).error, 92u);  // a byte more than fits
     EXPECT_EQ(Encode({}, {}, 0x7FFFFFFF, 0x7FFFFFFF).error, 92u);
     EXPECT_TRUE(Encode({}, {}, 1, 0x33333334).bytes.empty());
 }
